@@ -1,0 +1,17 @@
+# The installed package: DLL with its runtime, import library, headers, and what find_package(ZoCom) reads.
+include(CMakePackageConfigHelpers)
+
+set(zo_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZoCom)
+install(TARGETS zo_com EXPORT ZoComTargets RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS zolib RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES ${zo_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+install(FILES ${PROJECT_BINARY_DIR}/generated/zo/version.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zo)
+install(EXPORT ZoComTargets NAMESPACE ZoCom:: DESTINATION ${zo_package_dir})
+configure_package_config_file(cmake/ZoComConfig.cmake.in generated/ZoComConfig.cmake
+                              INSTALL_DESTINATION ${zo_package_dir}
+                              PATH_VARS CMAKE_INSTALL_BINDIR)
+write_basic_package_version_file(generated/ZoComConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/generated/ZoComConfig.cmake ${PROJECT_BINARY_DIR}/generated/ZoComConfigVersion.cmake
+        DESTINATION ${zo_package_dir})

@@ -1,0 +1,17 @@
+// What every public header rests on: the export mark and what the platform must be. Nothing else.
+#pragma once
+
+#if defined(_WIN32)
+static_assert(sizeof(wchar_t) == 2, "zo_com text is UTF-16 in wchar_t");
+static_assert(sizeof(void*) == 8, "zo_com is a 64-bit library");
+#endif
+
+// ZO_COM_API marks what the DLL exports. ZO_COM_BUILD is set while the DLL itself is compiled,
+// ZO_COM_STATIC by programs that link its objects directly (the white-box tests).
+#if !defined(_WIN32) || defined(ZO_COM_STATIC)
+#define ZO_COM_API
+#elif defined(ZO_COM_BUILD)
+#define ZO_COM_API __declspec(dllexport)
+#else
+#define ZO_COM_API __declspec(dllimport)
+#endif

@@ -1,0 +1,13 @@
+// Result codes that operations of all families share. An operation returns one of these as int; a
+// family adds codes of its own beside its class, and each function's contract says which ones it
+// gives.
+#pragma once
+
+namespace ZoResult {
+inline constexpr int ok = 0;
+inline constexpr int refused =
+    1;  // refused, not found, failed, or a service guard not obtained in time
+inline constexpr int outOfMemory = 2;  // nothing was lost
+inline constexpr int invalid = 3;      // a null reactor; a URL where none can be served
+inline constexpr int timeOut = 5;      // from the guard's convenience wrappers
+}  // namespace ZoResult

@@ -1,0 +1,7 @@
+// The whole public interface of zo_com.
+#pragma once
+
+#include <zo/config.h>
+#include <zo/results.h>
+#include <zo/system/dll_version.h>
+#include <zo/version.h>

@@ -1,0 +1,43 @@
+# The environment in which the project's Windows programs run under Wine, and its server's life. Source it.
+#
+# - The prefix is the project's own, inside the build tree: nothing of the user's ~/.wine is read or changed.
+# - winedbg is disabled: it slows a crash down and sometimes turns it into exit code 0.
+# - C.UTF-8, because under plain C every non-ASCII file name fails.
+
+export WINEPREFIX=${ZO_WINEPREFIX:-$zo_root/build/wine}
+export WINEDEBUG=${WINEDEBUG:--all}
+export WINEDLLOVERRIDES='winedbg.exe=d;mscoree=;mshtml='
+export LANG=C.UTF-8
+unset LC_ALL
+
+# zo_wine_start SECONDS [PREFIX-COMMAND...]: makes the prefix when it is missing and starts a server that outlives
+# its last program by SECONDS (0: until zo_wine_stop). Its service processes inherit no pipe of ours, so that
+# `./zolib list x | head` ends when zolib ends. Does nothing when a server runs.
+zo_wine_start() {
+  local linger=$1 persist=-p
+  shift
+  wineserver -k0 2>/dev/null && return 0
+  [ "$linger" = 0 ] || persist=-p$linger
+  mkdir -p "${WINEPREFIX%/*}"
+  (
+    flock 9
+    wineserver -k0 2>/dev/null && exit 0
+    if [ ! -f "$WINEPREFIX/.zo_ready" ]; then
+      zo_say 'making the Wine prefix (once)'
+      rm -rf "$WINEPREFIX"
+      zo_quietly wineboot setsid wineboot -i || exit 1
+      # Without a window manager a managed dialog waits two seconds before it closes.
+      zo_quietly wine-reg setsid wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f || exit 1
+      wineserver -w
+      : >"$WINEPREFIX/.zo_ready"
+    fi
+    "$@" wineserver "$persist" 9>&-
+    setsid "$@" wine cmd /c exit >/dev/null 2>&1 </dev/null 9>&-
+  ) 9>"$WINEPREFIX.lock"
+}
+
+zo_wine_stop() {
+  wineserver -k 2>/dev/null
+  wineserver -w 2>/dev/null
+  return 0
+}
