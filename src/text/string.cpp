@@ -40,7 +40,7 @@ ZoStringRef* blockFor(unsigned int length) {
 
 ZoStringRef* blockOf(const wchar_t* text, unsigned int length) {
   ZoStringRef* block = blockFor(text ? length : 0);
-  copyUnits(block->data(), text, block->length());
+  if (text) copyUnits(block->data(), text, block->length());
   return block;
 }
 

@@ -41,7 +41,7 @@ ZoSubString& ZoSubString::operator=(const wchar_t* text) {
 }
 
 wchar_t ZoSubString::charAt(unsigned int i) const noexcept {
-  return assertElement(i) ? wchar_t(0) : std::as_const(*m_string)[size_t{m_start} + i];
+  return assertElement(i) ? L'\0' : std::as_const(*m_string)[size_t{m_start} + i];
 }
 
 wchar_t& ZoSubString::charRef(unsigned int i) {

@@ -389,7 +389,7 @@ class ZO_COM_API ZoString {
     return std::in_range<unsigned int>(i) ? static_cast<unsigned int>(i) : npos;
   }
   [[nodiscard]] wchar_t charAt(unsigned int i) const noexcept {
-    return i < length() ? m_data[i] : wchar_t(0);
+    return i < length() ? m_data[i] : L'\0';
   }
   [[nodiscard]] wchar_t& charRef(unsigned int i);
   void adopt(ZoStringRef* block) noexcept;
