@@ -231,21 +231,23 @@ ZoString& ZoString::strip(stripType type, const wchar_t* set) {
   return remove(0, kept.start());
 }
 
+namespace {
+
+// Converts a text piece by piece: the runtime stops at a zero character, the text may not.
+void convertPieces(wchar_t* text, size_t length, errno_t (*convert)(wchar_t*, size_t)) noexcept {
+  for (size_t i = 0; i < length; i += std::wcslen(text + i) + 1) convert(text + i, length - i + 1);
+}
+
+}  // namespace
+
 ZoString& ZoString::toLower() {
   cow();
-  // The runtime stops at a zero character, the text may not.
-  for (unsigned int i = 0; i < length();
-       i += static_cast<unsigned int>(std::wcslen(m_data + i)) + 1) {
-    _wcslwr_s(m_data + i, size_t{length()} - i + 1);
-  }
+  convertPieces(m_data, length(), _wcslwr_s);
   return *this;
 }
 
 ZoString& ZoString::toUpper() {
   cow();
-  for (unsigned int i = 0; i < length();
-       i += static_cast<unsigned int>(std::wcslen(m_data + i)) + 1) {
-    _wcsupr_s(m_data + i, size_t{length()} - i + 1);
-  }
+  convertPieces(m_data, length(), _wcsupr_s);
   return *this;
 }
