@@ -66,6 +66,11 @@ ZoMatrix& ZoMatrix::setWorldToPlane(const ZoVector& normal) noexcept {
   return setPlaneToWorld(normal).transpose();
 }
 
+ZoPoint ZoMatrix::projectiveImage(const ZoPoint& p) const noexcept {
+  const double weight = m_[12] * p.x + m_[13] * p.y + m_[14] * p.z + m_[15] * p.w;
+  return affineImage(p) / weight;
+}
+
 int ZoMatrix::decompose(ZoVector& translation, ZoMatrix& rotation, ZoVector& scale,
                         const ZoTol& tol) const noexcept {
   const bool projective =

@@ -20,7 +20,7 @@
 #include <zo/geometry/tol.h>
 #include <zo/geometry/vector.h>
 
-#include <cstddef>
+#include <bit>
 #include <iosfwd>
 #include <limits>
 #include <type_traits>
@@ -144,9 +144,9 @@ class ZoMatrix {
   [[nodiscard]] constexpr bool operator==(const ZoMatrix& m) const noexcept { return isEqualTo(m); }
 
   [[nodiscard]] friend constexpr ZoPoint operator*(const ZoMatrix& m, const ZoPoint& p) noexcept {
-    ZoPoint image;
-    m.apply(p, image);
-    return image;
+    if (m.isAffine()) [[likely]]
+      return m.affineImage(p);
+    return m.projectiveImage(p);
   }
   [[nodiscard]] friend constexpr ZoVector operator*(const ZoMatrix& m, const ZoVector& v) noexcept {
     const double* e = m.m_;
@@ -191,7 +191,19 @@ class ZoMatrix {
   };
 
   constexpr void multiply(const ZoMatrix& a, const ZoMatrix& b) noexcept;
-  constexpr void apply(const ZoPoint& p, ZoPoint& image) const noexcept;
+  // Whether the fourth row is 0 0 0 1. As integers: four comparisons of doubles cost more than the
+  // product.
+  [[nodiscard]] constexpr bool isAffine() const noexcept {
+    using Bits = unsigned long long;
+    return (std::bit_cast<Bits>(m_[12]) | std::bit_cast<Bits>(m_[13]) |
+            std::bit_cast<Bits>(m_[14]) |
+            (std::bit_cast<Bits>(m_[15]) ^ std::bit_cast<Bits>(1.0))) == 0;
+  }
+  [[nodiscard]] constexpr ZoPoint affineImage(const ZoPoint& p) const noexcept;
+  [[nodiscard]] ZO_COM_API ZoPoint projectiveImage(const ZoPoint& p) const noexcept;
+#if ZO_GEOMETRY_SSE2
+  [[nodiscard]] ZoPoint affineImageSse2(const ZoPoint& p) const noexcept;
+#endif
 
   double m_[16] = {1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0};
 };
@@ -211,14 +223,30 @@ constexpr void ZoMatrix::multiply(const ZoMatrix& a, const ZoMatrix& b) noexcept
   }
 }
 
-constexpr void ZoMatrix::apply(const ZoPoint& p, ZoPoint& image) const noexcept {
+constexpr ZoPoint ZoMatrix::affineImage(const ZoPoint& p) const noexcept {
+#if ZO_GEOMETRY_SSE2
+  if (!std::is_constant_evaluated()) return affineImageSse2(p);
+#endif
+  // Summed as the SSE2 form does, so that both round alike.
   const auto row = [&](const double* e) {
-    return e[0] * p.x + e[1] * p.y + e[2] * p.z + e[3] * p.w;
+    return (e[0] * p.x + e[2] * p.z) + (e[1] * p.y + e[3] * p.w);
   };
-  const double w = row(m_ + 12);
-  image = ZoPoint(row(m_), row(m_ + 4), row(m_ + 8));
-  if (w != 1.0) image /= w;
+  return {row(m_), row(m_ + 4), row(m_ + 8)};
 }
+
+#if ZO_GEOMETRY_SSE2
+inline ZoPoint ZoMatrix::affineImageSse2(const ZoPoint& p) const noexcept {
+  const __m128d xy = _mm_loadu_pd(p.asDblArray());
+  const __m128d zw = _mm_loadu_pd(p.asDblArray() + 2);
+  // Two partial sums, to be added.
+  const auto row = [&](const double* e) {
+    return _mm_add_pd(_mm_mul_pd(_mm_loadu_pd(e), xy), _mm_mul_pd(_mm_loadu_pd(e + 2), zw));
+  };
+  const __m128d x = row(m_), y = row(m_ + 4), z = row(m_ + 8);
+  const __m128d sums = _mm_add_pd(_mm_unpacklo_pd(x, y), _mm_unpackhi_pd(x, y));
+  return {zo::lowLane(sums), zo::highLane(sums), zo::lowLane(z) + zo::highLane(z)};
+}
+#endif
 
 constexpr int ZoMatrix::inverse(ZoMatrix& out) const noexcept {
   const Minors minors(m_);

@@ -32,4 +32,18 @@ namespace zo {
 #endif
 }
 
+#if ZO_GEOMETRY_SSE2
+#if defined(__GNUC__)
+// By index GCC sees through the lanes; through the intrinsics it takes vectors apart that it then
+// puts together again.
+[[nodiscard]] inline double lowLane(__m128d v) noexcept { return v[0]; }
+[[nodiscard]] inline double highLane(__m128d v) noexcept { return v[1]; }
+#else
+[[nodiscard]] inline double lowLane(__m128d v) noexcept { return _mm_cvtsd_f64(v); }
+[[nodiscard]] inline double highLane(__m128d v) noexcept {
+  return _mm_cvtsd_f64(_mm_unpackhi_pd(v, v));
+}
+#endif
+#endif
+
 }  // namespace zo
