@@ -2,7 +2,9 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/geometry.h>
 #include <zo/results.h>
 #include <zo/strings.h>
 #include <zo/system/dll_version.h>
+#include <zo/variant/color.h>
 #include <zo/version.h>

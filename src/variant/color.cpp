@@ -51,6 +51,7 @@ std::optional<unsigned int> parse(std::wstring_view digits, unsigned int base,
 }
 
 // The text of a colour, in place: the longest has ten characters.
+template <typename Char>
 class Text {
  public:
   explicit Text(const ZoColor& color) noexcept {
@@ -72,23 +73,22 @@ class Text {
       }
     }
   }
-  [[nodiscard]] std::string_view narrow() const noexcept { return {text_.data(), size_}; }
+  [[nodiscard]] std::basic_string_view<Char> view() const noexcept { return {text_.data(), size_}; }
 
  private:
   void add(std::string_view text) noexcept {
-    size_ = static_cast<std::size_t>(std::copy(text.begin(), text.end(), text_.begin() + size_) -
-                                     text_.begin());
+    for (const char c : text) text_[size_++] = static_cast<Char>(c);
   }
   void addNumber(unsigned int number, unsigned int base, std::size_t minDigits) noexcept {
-    std::array<char, 10> digits{};
+    std::array<char, 8> digits{};
     std::size_t count = 0;
     for (; number != 0 || count < minDigits; number /= base) {
       digits[count++] = "0123456789ABCDEF"[number % base];
     }
-    while (count > 0) text_[size_++] = digits[--count];
+    while (count > 0) text_[size_++] = static_cast<Char>(digits[--count]);
   }
 
-  std::array<char, 12> text_{};
+  std::array<Char, 12> text_{};
   std::size_t size_ = 0;
 };
 
@@ -115,13 +115,12 @@ int ZoColor::fromString(std::wstring_view text) noexcept {
   return ZoResult::refused;
 }
 
+ZoString ZoColor::toString() const { return ZoString(Text<wchar_t>(*this).view()); }
+
 std::ostream& operator<<(std::ostream& out, const ZoColor& color) {
-  return out << Text(color).narrow();
+  return out << Text<char>(color).view();
 }
 
 std::wostream& operator<<(std::wostream& out, const ZoColor& color) {
-  const Text text(color);
-  std::array<wchar_t, 12> wide{};
-  std::copy(text.narrow().begin(), text.narrow().end(), wide.begin());
-  return out << std::wstring_view(wide.data(), text.narrow().size());
+  return out << Text<wchar_t>(color).view();
 }

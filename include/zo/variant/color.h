@@ -5,13 +5,14 @@
 // setter from a word can make other values, on purpose. Colours order by their words: palette
 // colours by number, true colours by blue, then green, then red.
 //
-// Errors:  nothing throws but toString for want of memory.
+// Errors:  nothing throws, but toString std::bad_alloc.
 // Threads: a plain value.
 // Stored:  the word.
 #pragma once
 
 #include <zo/config.h>
 #include <zo/results.h>
+#include <zo/text/string.h>
 
 #include <compare>
 #include <cstddef>
@@ -93,6 +94,10 @@ class ZoColor {
   // 0, or 1 for any other text; the colour then stays.
   [[nodiscard]] ZO_COM_API int fromString(std::wstring_view text) noexcept;
 
+  // The form that fromString takes back: "#RRGGBB" for a true colour, a palette colour's first name
+  // or else its number, and "0xHHHHHHHH" for a word that is none of them.
+  [[nodiscard]] ZO_COM_API ZoString toString() const;
+
   [[nodiscard]] friend constexpr auto operator<=>(const ZoColor&,
                                                   const ZoColor&) noexcept = default;
 
@@ -104,7 +109,7 @@ class ZoColor {
 
 static_assert(sizeof(ZoColor) == 4);
 
-// The text of toString; ASCII only.
+// The text of toString, padded to the stream's width.
 ZO_COM_API std::ostream& operator<<(std::ostream& out, const ZoColor& color);
 ZO_COM_API std::wostream& operator<<(std::wostream& out, const ZoColor& color);
 
