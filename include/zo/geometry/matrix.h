@@ -100,7 +100,7 @@ class ZoMatrix {
   ZO_COM_API ZoMatrix& setWorldToPlane(const ZoVector& normal) noexcept;
 
   [[nodiscard]] friend constexpr ZoMatrix operator*(const ZoMatrix& a, const ZoMatrix& b) noexcept {
-    ZoMatrix product(Uninitialized{});
+    ZoMatrix product;
     product.multiply(a, b);
     return product;
   }
@@ -156,9 +156,6 @@ class ZoMatrix {
   }
 
  private:
-  struct Uninitialized {};
-  constexpr explicit ZoMatrix(Uninitialized) noexcept {}
-
   // The 2×2 determinants of the upper and the lower two rows, columns 01 02 03 12 13 23.
   struct Minors {
     constexpr explicit Minors(const double* e) noexcept {
