@@ -2,6 +2,8 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <span>
+#include <vector>
 
 #include "geometry/reference.h"
 
@@ -72,6 +74,27 @@ TEST(Matrix, ProjectivePointsAreDividedByTheirWeight) {
   ZoMatrix vanishing;
   vanishing(3, 3) = 0.0;
   EXPECT_EQ((vanishing * ZoPoint(1, -1, 1)).y, -infinity);
+}
+
+TEST(Matrix, ManyPointsAreTransformedAsEachAlone) {
+  Random random;
+  std::vector<ZoPoint> points;
+  for (int i = 0; i < 101; ++i) points.push_back(random.point());
+  ZoMatrix projective = random.affine();
+  projective(3, 1) = 0.05;
+  for (const ZoMatrix& m : {random.affine(), projective}) {
+    std::vector<ZoPoint> images(points.size() + 1, ZoPoint(7, 7, 7));
+    m.transform(points, images);
+    std::vector<ZoPoint> inPlace = points;
+    m.transform(inPlace, std::span(inPlace.data(), 100));
+    for (std::size_t i = 0; i < 100; ++i) {
+      expectNear(images[i], of(m * points[i]), 0);
+      expectNear(inPlace[i], of(images[i]), 0);
+      EXPECT_EQ(images[i].w, 1.0);
+    }
+    expectNear(images[101], {7, 7, 7}, 0);
+    expectNear(inPlace[100], of(points[100]), 0);
+  }
 }
 
 TEST(Matrix, ConstantEvaluationRoundsAsTheProgramDoes) {
