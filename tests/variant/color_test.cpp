@@ -172,16 +172,34 @@ TEST(Color, EveryColourIsReadBackFromItsText) {
 
 TEST(Color, OtherTextsAreRefusedAndLeaveTheColour) {
   using namespace std::string_view_literals;
-  const std::wstring_view table[] = {
-      L""sv,          L"#"sv,           L"#12345"sv,
-      L"#1234567"sv,  L"#12345G"sv,     L"#-12345"sv,
-      L"102"sv,       L"256"sv,         L"999"sv,
-      L"1000"sv,      L"-1"sv,          L"+1"sv,
-      L"1 "sv,        L" red"sv,        L"red\0"sv,
-      L"re"sv,        L"redd"sv,        L"0x"sv,
-      L"0x123"sv,     L"0x123456789"sv, L"0x1234567G"sv,
-      L"truecolor"sv, L"\x0661"sv,      L"gr\x0117y"sv,
-      L"F"sv,         L"\xFF11"sv,      L"\x0172\x0165\x0164"sv};  // low bytes spell "red"
+  const std::wstring_view table[] = {L""sv,
+                                     L"#"sv,
+                                     L"#12345"sv,
+                                     L"#1234567"sv,
+                                     L"#12345G"sv,
+                                     L"#-12345"sv,
+                                     L"102"sv,
+                                     L"256"sv,
+                                     L"0255"sv,
+                                     L"999"sv,
+                                     L"1000"sv,
+                                     L"-1"sv,
+                                     L"+1"sv,
+                                     L"1 "sv,
+                                     L" red"sv,
+                                     L"red\0"sv,
+                                     L"re"sv,
+                                     L"redd"sv,
+                                     L"0x"sv,
+                                     L"0x123"sv,
+                                     L"0x123456789"sv,
+                                     L"0x1234567G"sv,
+                                     L"truecolor"sv,
+                                     L"\x0661"sv,
+                                     L"gr\x0117y"sv,
+                                     L"F"sv,
+                                     L"\xFF11"sv,
+                                     L"\x0172\x0165\x0164"sv};  // low bytes spell "red"
   for (const std::wstring_view text : table) {
     ZoColor c(1, 2, 3);
     EXPECT_EQ(c.fromString(text), 1) << ZoString(text).length();
