@@ -3,5 +3,6 @@
 
 #include <zo/config.h>
 #include <zo/results.h>
+#include <zo/strings.h>
 #include <zo/system/dll_version.h>
 #include <zo/version.h>

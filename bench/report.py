@@ -1,0 +1,72 @@
+#!/usr/bin/env python3
+"""report.py JSON-FOLDER TARGETS RESULTS: makes the table of ratios from Google Benchmark's JSON files.
+
+Benchmarks are named WORK/ours and WORK/peer:NAME. The ratio is the peer's median time divided by ours: above 1, ours
+is faster. TARGETS holds lines "FAMILY/WORK RATIO": the least ratio that is aimed at.
+"""
+import collections
+import json
+import pathlib
+import statistics
+import sys
+
+
+def medians(path):
+    """Median real time in nanoseconds of each benchmark, and the spread of its repetitions in per cent."""
+    times = collections.defaultdict(list)
+    units = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+    data = json.loads(path.read_text())
+    for run in data["benchmarks"]:
+        if run.get("run_type") == "iteration" and not run.get("error_occurred"):
+            name = run["run_name"].replace("/real_time", "").replace("/manual_time", "")
+            times[name].append(run["real_time"] * units[run["time_unit"]])
+    return data["context"], {
+        name: (statistics.median(t), 100 * (max(t) - min(t)) / statistics.median(t)) for name, t in times.items()
+    }
+
+
+def shown(nanoseconds):
+    for unit, size in (("s", 1e9), ("ms", 1e6), ("us", 1e3)):
+        if nanoseconds >= size:
+            return f"{nanoseconds / size:.3g} {unit}"
+    return f"{nanoseconds:.3g} ns"
+
+
+def main(folder, targets_file, results_file):
+    targets = {}
+    for line in pathlib.Path(targets_file).read_text().splitlines():
+        if line.strip() and not line.startswith("#"):
+            work, ratio = line.rsplit(None, 1)
+            targets[work] = float(ratio)
+    lines = [
+        "# Benchmark results",
+        "",
+        "Written by `bench/run`: cross-compiled with GCC, run under Wine on one CPU; median of the repetitions, all",
+        "benchmarks of a family interleaved in one run. Ratio = peer's time / our time: above 1, ours is faster.",
+        "",
+    ]
+    for path in sorted(pathlib.Path(folder).glob("*.json")):
+        family = path.stem
+        context, times = medians(path)
+        lines += [f"## {family}", "", f"{context['date'][:10]}, {context['num_cpus']} CPUs", ""]
+        lines += ["| work | ours | peer | | ratio | aim |", "|---|---:|---|---:|---:|---:|"]
+        for name, (ours, _) in sorted(times.items()):
+            if not name.endswith("/ours"):
+                continue
+            work = name[: -len("/ours")]
+            peers = {n[len(work) + 6 :]: t for n, (t, _) in times.items() if n.startswith(work + "/peer:")}
+            aim = targets.get(f"{family}/{work}")
+            for peer, time in peers.items() or [("", None)]:
+                ratio = time / ours if time else None
+                lines.append(
+                    f"| {work} | {shown(ours)} | {peer} | {shown(time) if time else ''} "
+                    f"| {f'{ratio:.2f}' if ratio else ''} "
+                    f"| {f'{aim:g}' + ('' if not ratio or ratio >= aim else ' (missed)') if aim else ''} |"
+                )
+        lines.append("")
+    pathlib.Path(results_file).write_text("\n".join(lines))
+    print("\n".join(lines))
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])

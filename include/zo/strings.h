@@ -1,0 +1,8 @@
+// Strings: ZoString, its views and storage, and ZoCLib.
+#pragma once
+
+#include <zo/text/clib.h>
+#include <zo/text/ref_count.h>
+#include <zo/text/string.h>
+#include <zo/text/string_ref.h>
+#include <zo/text/sub_string.h>

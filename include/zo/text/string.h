@@ -1,0 +1,435 @@
+// The library's text type: UTF-16 code units in shared, reference-counted storage that is copied
+// when written to.
+//
+// Positions and lengths are unsigned 32-bit counts of code units; npos stands for "no position".
+// Position arithmetic never wraps: a position past the end counts as the end where text is edited
+// and as "absent" where it is searched. Texts may hold zero characters wherever a length is given.
+// Null pointers count as empty texts.
+//
+// Limits:  a text has at most maxLength() characters. An edit that would pass the limit is refused:
+//          the string stays as it was (a constructor gives an empty string).
+// Errors:  nothing throws but std::bad_alloc, and then the string is as it was.
+// Threads: the counter is not atomic: one thread at a time per string, and per group of strings
+//          that share storage. Give another thread a copy() and hand it over under a lock. Empty
+//          strings may be used everywhere.
+// Cost:    copying is O(1); an edit of a shared string copies the text. Capacity grows in steps of
+//          resizeIncrement(), so that building a long text piece by piece is quadratic: collect
+//          long texts in a std::wstring or a stream.
+// Case:    three foldings are in use, and results depend on them: the runtime's lower case for
+//          searching, the platform's collation for ordering, upper case for hashing.
+#pragma once
+
+#include <zo/config.h>
+#include <zo/text/string_ref.h>
+#include <zo/text/sub_string.h>
+
+#include <compare>
+#include <concepts>
+#include <functional>
+#include <iosfwd>
+#include <string_view>
+#include <utility>
+
+class ZO_COM_API ZoString {
+ public:
+  enum caseCompare : int { exact = 0, ignoreCase = 1 };
+  enum stripType : int { leading = 1, trailing = 2, both = 3 };
+  static constexpr unsigned int npos = 0xFFFFFFFF;
+
+  ZoString() noexcept : ZoString(addedReference(ZoStringRef::emptyRep())) {}
+  ZoString(const ZoString& other) noexcept : ZoString(addedReference(other.pref())) {}
+  ZoString(ZoString&& other) noexcept
+      : m_data(std::exchange(other.m_data, addedReference(ZoStringRef::emptyRep())->data())) {}
+  ZoString(const wchar_t* text);
+  ZoString(const wchar_t* text, unsigned int length);
+  ZoString(const ZoSubString& text);
+  explicit ZoString(std::wstring_view text);
+  explicit ZoString(wchar_t c) { initChar(c); }
+  ~ZoString() { pref()->release(); }
+
+  ZoString& operator=(const ZoString& other) noexcept;
+  ZoString& operator=(ZoString&& other) noexcept {
+    ZoString(std::move(other)).swap(*this);
+    return *this;
+  }
+  ZoString& operator=(const ZoSubString& text);
+  ZoString& operator=(const wchar_t* text);
+  ZoString& operator=(std::wstring_view text);
+  void swap(ZoString& other) noexcept { std::swap(m_data, other.m_data); }
+
+  // A string with storage of its own, of a capacity of exactly length(): what another thread may be
+  // given.
+  [[nodiscard]] ZoString copy() const;
+
+  // ---- Access ----
+  [[nodiscard]] unsigned int length() const noexcept { return pref()->length(); }
+  [[nodiscard]] bool isEmpty() const noexcept { return length() == 0; }
+  [[nodiscard]] unsigned int capacity() const noexcept { return pref()->capacity(); }
+  // Moves the text into storage for exactly n characters, larger or smaller, when n is greater than
+  // the length and not the capacity already. Returns the resulting capacity.
+  unsigned int capacity(unsigned int n);
+  [[nodiscard]] static constexpr unsigned int maxLength() noexcept { return 0x7FFFFFFE; }
+
+  // The characters, followed by a zero. Valid until the string is changed or destroyed.
+  [[nodiscard]] const wchar_t* data() const noexcept { return m_data; }
+  operator const wchar_t*() const noexcept { return m_data; }
+  [[nodiscard]] std::wstring_view view() const noexcept { return {m_data, length()}; }
+  // Where both this and the pointer conversion fit (std::wstring_view v(s)), say s.view().
+  operator std::wstring_view() const noexcept { return view(); }
+  [[nodiscard]] const wchar_t* begin() const noexcept { return m_data; }
+  [[nodiscard]] const wchar_t* end() const noexcept { return m_data + length(); }
+
+  // Out of range, the const forms give 0 and the others a scratch character (one per thread) that
+  // belongs to no string: reading it gives what was last written to it. The non-const forms make
+  // the storage unshared.
+  template <std::integral Index>
+  [[nodiscard]] wchar_t operator[](Index i) const noexcept {
+    return charAt(toIndex(i));
+  }
+  template <std::integral Index>
+  [[nodiscard]] wchar_t& operator[](Index i) {
+    return charRef(toIndex(i));
+  }
+  template <std::integral Index>
+  [[nodiscard]] wchar_t operator()(Index i) const noexcept {
+    return charAt(toIndex(i));
+  }
+  template <std::integral Index>
+  [[nodiscard]] wchar_t& operator()(Index i) {
+    return charRef(toIndex(i));
+  }
+
+  [[nodiscard]] bool isAscii() const noexcept;
+  // Bytes of the text in the encoding of the runtime library's current locale, without a
+  // terminator; a character that it cannot hold counts one. (getMBString uses the ANSI code page
+  // instead and measures for itself.)
+  [[nodiscard]] unsigned int mbLength() const noexcept;
+  [[nodiscard]] unsigned int first(wchar_t c) const noexcept { return pref()->first(c); }
+  [[nodiscard]] unsigned int first(const wchar_t* set) const noexcept { return pref()->first(set); }
+  [[nodiscard]] unsigned int last(wchar_t c) const noexcept { return pref()->last(c); }
+
+  // ---- Editing ----
+  // All edits return the string itself; the text given may lie in this very string. A count with a
+  // ZoString takes its first characters, at most all of them.
+  ZoString& append(const ZoString& text) { return append(text.data(), text.length()); }
+  ZoString& append(const ZoString& text, unsigned int count) {
+    return append(text.data(), atMost(count, text.length()));
+  }
+  ZoString& append(const ZoSubString& text) { return insert(npos, text); }
+  ZoString& append(const wchar_t* text) { return insert(npos, text); }
+  ZoString& append(const wchar_t* text, unsigned int count) {
+    return replace(npos, 0, text, count);
+  }
+  ZoString& append(std::wstring_view text) { return replace(npos, 0, text); }
+  ZoString& append(wchar_t c, unsigned int count = 1) { return insertChars(npos, c, count); }
+
+  ZoString& prepend(const ZoString& text) { return insert(0, text); }
+  ZoString& prepend(const ZoString& text, unsigned int count) { return insert(0, text, count); }
+  ZoString& prepend(const ZoSubString& text) { return insert(0, text); }
+  ZoString& prepend(const wchar_t* text) { return insert(0, text); }
+  ZoString& prepend(const wchar_t* text, unsigned int count) { return replace(0, 0, text, count); }
+  ZoString& prepend(wchar_t c, unsigned int count = 1) { return insertChars(0, c, count); }
+
+  ZoString& insert(unsigned int pos, const ZoString& text) { return replace(pos, 0, text); }
+  ZoString& insert(unsigned int pos, const ZoString& text, unsigned int count) {
+    return replace(pos, 0, text, count);
+  }
+  ZoString& insert(unsigned int pos, const ZoSubString& text) { return replace(pos, 0, text); }
+  ZoString& insert(unsigned int pos, const wchar_t* text) { return replace(pos, 0, text); }
+  ZoString& insert(unsigned int pos, const wchar_t* text, unsigned int count) {
+    return replace(pos, 0, text, count);
+  }
+
+  ZoString& replace(unsigned int pos, unsigned int n, const ZoString& text) {
+    return replace(pos, n, text.data(), text.length());
+  }
+  ZoString& replace(unsigned int pos, unsigned int n, const ZoString& text, unsigned int count) {
+    return replace(pos, n, text.data(), atMost(count, text.length()));
+  }
+  ZoString& replace(unsigned int pos, unsigned int n, const ZoSubString& text) {
+    return replace(pos, n, text.view());
+  }
+  ZoString& replace(unsigned int pos, unsigned int n, const wchar_t* text);
+  ZoString& replace(unsigned int pos, unsigned int n, std::wstring_view text);
+  // The edit that all others come down to: puts textLength characters of text in the place of n
+  // characters at pos. Works in place when the storage is unshared and large enough, at most
+  // maxWaste() characters stay spare, and text does not lie in this string; otherwise takes new
+  // storage of adjustCapacity(the new length), which may be smaller.
+  ZoString& replace(unsigned int pos, unsigned int n, const wchar_t* text, unsigned int textLength);
+
+  ZoString& operator+=(const ZoString& text) { return append(text); }
+  ZoString& operator+=(const ZoSubString& text) { return append(text); }
+  ZoString& operator+=(const wchar_t* text) { return append(text); }
+  ZoString& operator+=(std::wstring_view text) { return append(text); }
+
+  ZoString& remove(unsigned int pos) { return remove(pos, npos); }
+  ZoString& remove(unsigned int pos, unsigned int n) { return replace(pos, n, nullptr, 0); }
+  // Grows with blanks or cuts.
+  ZoString& resize(unsigned int n);
+  // By the runtime library's current locale; in the C locale only a to z change.
+  ZoString& toLower();
+  ZoString& toUpper();
+  // Removes every character that occurs in set from the ends that type names. A null set strips
+  // nothing.
+  ZoString& strip(stripType type = both, const wchar_t* set = L" ");
+
+  // ---- Searching ----
+  // The first position at or after start where pattern stands, or npos. An empty pattern stands at
+  // every position up to length(). ignoreCase compares after the runtime's lower case, with a to z
+  // decided here.
+  [[nodiscard]] unsigned int index(const ZoString& pattern, unsigned int start = 0,
+                                   caseCompare cmp = exact) const noexcept {
+    return index(pattern.data(), pattern.length(), start, cmp);
+  }
+  [[nodiscard]] unsigned int index(const wchar_t* pattern, unsigned int start = 0,
+                                   caseCompare cmp = exact) const noexcept;
+  [[nodiscard]] unsigned int index(const wchar_t* pattern, unsigned int patlen, unsigned int start,
+                                   caseCompare cmp) const noexcept;
+  // The last position at or after start where pattern stands: the same range, searched from its
+  // end.
+  [[nodiscard]] unsigned int indexBack(const ZoString& pattern, unsigned int start = 0,
+                                       caseCompare cmp = exact) const noexcept {
+    return indexBack(pattern.data(), pattern.length(), start, cmp);
+  }
+  [[nodiscard]] unsigned int indexBack(const wchar_t* pattern, unsigned int start = 0,
+                                       caseCompare cmp = exact) const noexcept;
+  [[nodiscard]] unsigned int indexBack(const wchar_t* pattern, unsigned int patlen,
+                                       unsigned int start, caseCompare cmp) const noexcept;
+  [[nodiscard]] bool contains(const ZoString& pattern, caseCompare cmp = exact) const noexcept {
+    return index(pattern, 0, cmp) != npos;
+  }
+  [[nodiscard]] bool contains(const ZoSubString& pattern, caseCompare cmp = exact) const noexcept;
+  [[nodiscard]] bool contains(const wchar_t* pattern, caseCompare cmp = exact) const noexcept {
+    return index(pattern, 0, cmp) != npos;
+  }
+
+  // ---- Substrings: views of this string (zo/text/sub_string.h) ----
+  // ----------------------------------------------------- Those of a const string are const: keep
+  // them so. A start past the end gives the null substring; a length past the end is cut.
+  [[nodiscard]] ZoSubString operator()(unsigned int start, unsigned int len) {
+    return part(start, len);
+  }
+  [[nodiscard]] const ZoSubString operator()(unsigned int start, unsigned int len) const {
+    return part(start, len);
+  }
+  [[nodiscard]] ZoSubString mid(unsigned int start, unsigned int len = npos) {
+    return part(start, len);
+  }
+  [[nodiscard]] const ZoSubString mid(unsigned int start, unsigned int len = npos) const {
+    return part(start, len);
+  }
+  [[nodiscard]] ZoSubString left(unsigned int n) { return part(0, n); }
+  [[nodiscard]] const ZoSubString left(unsigned int n) const { return part(0, n); }
+  [[nodiscard]] ZoSubString right(unsigned int n) { return rightPart(n); }
+  [[nodiscard]] const ZoSubString right(unsigned int n) const { return rightPart(n); }
+  // A negative length means up to the end.
+  [[nodiscard]] ZoSubString substr(unsigned int start, int len = -1) {
+    return part(start, static_cast<unsigned int>(len < 0 ? -1 : len));
+  }
+  [[nodiscard]] const ZoSubString substr(unsigned int start, int len = -1) const {
+    return part(start, static_cast<unsigned int>(len < 0 ? -1 : len));
+  }
+  // What strip() would leave; the null substring when that is nothing.
+  [[nodiscard]] ZoSubString stripped(stripType type = both, const wchar_t* set = L" ") {
+    return strippedPart(type, set);
+  }
+  [[nodiscard]] const ZoSubString stripped(stripType type = both, const wchar_t* set = L" ") const {
+    return strippedPart(type, set);
+  }
+  // The first occurrence of pattern, or the null substring.
+  [[nodiscard]] ZoSubString subString(const ZoString& pattern, unsigned int start = 0,
+                                      caseCompare cmp = exact) {
+    return found(index(pattern, start, cmp), pattern.length());
+  }
+  [[nodiscard]] const ZoSubString subString(const ZoString& pattern, unsigned int start = 0,
+                                            caseCompare cmp = exact) const {
+    return found(index(pattern, start, cmp), pattern.length());
+  }
+  [[nodiscard]] ZoSubString subString(const wchar_t* pattern, unsigned int start = 0,
+                                      caseCompare cmp = exact);
+  [[nodiscard]] const ZoSubString subString(const wchar_t* pattern, unsigned int start = 0,
+                                            caseCompare cmp = exact) const;
+
+  // ---- Splitting ----
+  // The first position at or after from of a character that occurs in delims, or npos. No character
+  // occurs in an empty or null delims.
+  [[nodiscard]] unsigned int splitNext(const wchar_t* delims, unsigned int from = 0) const noexcept;
+
+  // ---- Comparing ----
+  // Negative, 0 or positive. Kept asymmetries:
+  // - exact: the form for a string compares bytes of storage (memcmp, any magnitude), the form for
+  // a pointer compares
+  //   code units (-1, 0, 1); they disagree above U+00FF. operator<=> is code-unit order for both.
+  // - the form for a string ignores case for the value ignoreCase only, the form for a pointer for
+  // any value but exact. Ignoring case asks the platform's collation of the user's locale (-1, 0,
+  // 1; 1 also when it fails).
+  [[nodiscard]] int compareTo(const ZoString& other, caseCompare cmp = exact) const noexcept;
+  [[nodiscard]] int compareTo(const wchar_t* other, caseCompare cmp = exact) const noexcept;
+  // Whether compareTo would give 0, but faster: texts of printable ASCII are decided without asking
+  // the platform.
+  [[nodiscard]] bool equals(std::wstring_view other, caseCompare cmp = exact) const noexcept;
+  // Order in the runtime library's current locale.
+  [[nodiscard]] int collate(const ZoString& other) const noexcept { return collate(other.data()); }
+  [[nodiscard]] int collate(const wchar_t* other) const noexcept { return pref()->collate(other); }
+
+  friend bool operator==(const ZoString& a, const ZoString& b) noexcept {
+    return a.m_data == b.m_data || a.view() == b.view();
+  }
+  friend bool operator==(const ZoString& a, const ZoSubString& b) noexcept {
+    return a.view() == b.view();
+  }
+  friend bool operator==(const ZoString& a, const wchar_t* b) noexcept {
+    return a.view() == viewOf(b);
+  }
+  friend bool operator==(const ZoString& a, std::wstring_view b) noexcept { return a.view() == b; }
+  friend std::strong_ordering operator<=>(const ZoString& a, const ZoString& b) noexcept {
+    return a.codeUnitOrder(b.view()) <=> 0;
+  }
+  friend std::strong_ordering operator<=>(const ZoString& a, const ZoSubString& b) noexcept {
+    return a.codeUnitOrder(b.view()) <=> 0;
+  }
+  friend std::strong_ordering operator<=>(const ZoString& a, const wchar_t* b) noexcept {
+    return a.codeUnitOrder(viewOf(b)) <=> 0;
+  }
+  friend std::strong_ordering operator<=>(const ZoString& a, std::wstring_view b) noexcept {
+    return a.codeUnitOrder(b) <=> 0;
+  }
+
+  // See ZoStringRef::hash and hashFoldCase: two different functions, whose values are part of the
+  // interface.
+  [[nodiscard]] unsigned int hash(caseCompare cmp = exact) const noexcept {
+    return cmp == exact ? pref()->hash() : pref()->hashFoldCase();
+  }
+
+  // ---- Conversion ----
+  // The text in the ANSI code page, zero-terminated; the caller frees it with delete[]. A character
+  // that the code page cannot hold becomes \U+XXXX (four hexadecimal digits) per code unit. A text
+  // that holds such seven characters itself cannot be told from an escaped one when it is read
+  // back.
+  [[nodiscard]] char* getMBString() const;
+  // Takes text in the ANSI code page and undoes the escapes. Null counts as empty. Returns the
+  // string itself.
+  ZoString& setFromMB(const char* text);
+
+  // ---- Streams ----
+  // All readers replace the text, return the stream, and set failbit when not one character could
+  // be taken. operator>> and readToken skip white space (the stream's ctype), and read up to the
+  // next, which they leave.
+  friend ZO_COM_API std::wostream& operator<<(std::wostream& out, const ZoString& text);
+  friend ZO_COM_API std::wistream& operator>>(std::wistream& in, ZoString& text);
+  std::wistream& readToken(std::wistream& in);
+  // Reads the rest of the stream; an empty rest is no failure.
+  std::wistream& readFile(std::wistream& in);
+  // Reads up to the end of the line, which is consumed and left out; skips white space (line ends
+  // too) before, if asked.
+  std::wistream& readLine(std::wistream& in, bool skipWhite = true);
+  // Reads up to a zero character, which is consumed and left out.
+  std::wistream& readString(std::wistream& in) { return readToDelim(in, L'\0'); }
+  // Reads up to delim, which is consumed and left out.
+  std::wistream& readToDelim(std::wistream& in, wchar_t delim = L'\n');
+
+  // ---- Class-wide settings ----
+  // ----------------------------------------------------------------------------------------- Meant
+  // to be set once at start-up, before other threads use strings. Setters return the previous
+  // value.
+  static unsigned int initialCapacity(unsigned int n) noexcept {
+    return std::exchange(s_initialCapac, n);
+  }
+  [[nodiscard]] static unsigned int getInitialCapacity() noexcept { return s_initialCapac; }
+  static unsigned int resizeIncrement(unsigned int n) noexcept {
+    return std::exchange(s_resizeInc, n);
+  }
+  [[nodiscard]] static unsigned int getResizeIncrement() noexcept { return s_resizeInc; }
+  static unsigned int maxWaste(unsigned int n) noexcept { return std::exchange(s_freeboard, n); }
+  [[nodiscard]] static unsigned int getMaxWaste() noexcept { return s_freeboard; }
+  // The capacity that an edit takes for n characters: initialCapacity(), and above it steps of
+  // resizeIncrement(). An increment of 0 counts as 1.
+  [[nodiscard]] static unsigned int adjustCapacity(unsigned int n) noexcept;
+
+ protected:
+  // Both texts, one after the other, in one block of adjustCapacity(lengthA + lengthB).
+  ZoString(const wchar_t* a, unsigned int lengthA, const wchar_t* b, unsigned int lengthB);
+
+  // Copies the storage when it is shared; the second form also when its capacity is below n.
+  void cow();
+  void cow(unsigned int n);
+  // New storage for exactly the length, or for exactly n characters (the text is cut to them).
+  void clone();
+  void clone(unsigned int n);
+  // Prepares for a complete overwrite: storage for at least n characters, unshared, length 0.
+  void clobber(unsigned int n);
+  // Storage of the initial capacity that holds the one character; only for a string that holds no
+  // storage yet.
+  void initChar(wchar_t c);
+
+ private:
+  friend class ZoSubString;
+  friend ZO_COM_API ZoString operator+(const ZoString& a, const ZoString& b);
+  friend ZO_COM_API ZoString operator+(const ZoString& a, const wchar_t* b);
+  friend ZO_COM_API ZoString operator+(const wchar_t* a, const ZoString& b);
+
+  explicit ZoString(ZoStringRef* owned) noexcept : m_data(owned->data()) {}
+
+  [[nodiscard]] ZoStringRef* pref() const noexcept {
+    return reinterpret_cast<ZoStringRef*>(m_data) - 1;
+  }
+  static ZoStringRef* addedReference(ZoStringRef* block) noexcept {
+    block->addReference();
+    return block;
+  }
+  static constexpr unsigned int atMost(unsigned int n, unsigned int limit) noexcept {
+    return n < limit ? n : limit;
+  }
+  static std::wstring_view viewOf(const wchar_t* text) noexcept {
+    return text ? std::wstring_view(text) : std::wstring_view();
+  }
+  // Any integer as an index; what does not fit is npos.
+  template <std::integral Index>
+  static constexpr unsigned int toIndex(Index i) noexcept {
+    return std::in_range<unsigned int>(i) ? static_cast<unsigned int>(i) : npos;
+  }
+  [[nodiscard]] wchar_t charAt(unsigned int i) const noexcept {
+    return i < length() ? m_data[i] : L'\0';
+  }
+  [[nodiscard]] wchar_t& charRef(unsigned int i);
+  void adopt(ZoStringRef* block) noexcept;
+  ZoString& insertChars(unsigned int pos, wchar_t c, unsigned int count);
+  template <class Fill>
+  ZoString& splice(unsigned int pos, unsigned int n, unsigned int textLength, bool aliased,
+                   Fill fill);
+  [[nodiscard]] ZoSubString part(unsigned int start, unsigned int len) const noexcept;
+  [[nodiscard]] ZoSubString rightPart(unsigned int n) const noexcept;
+  [[nodiscard]] ZoSubString strippedPart(stripType type, const wchar_t* set) const noexcept;
+  [[nodiscard]] ZoSubString found(unsigned int pos, unsigned int len) const noexcept {
+    return pos == npos ? ZoSubString(*this, npos, 0) : ZoSubString(*this, pos, len);
+  }
+  [[nodiscard]] int codeUnitOrder(std::wstring_view other) const noexcept;
+
+  static unsigned int s_initialCapac;
+  static unsigned int s_resizeInc;
+  static unsigned int s_freeboard;
+
+  wchar_t* m_data;  // the characters of a ZoStringRef, whose header lies directly before them
+};
+
+static_assert(sizeof(ZoString) == sizeof(void*));
+
+// Both texts, one after the other; a null pointer counts as empty.
+[[nodiscard]] ZO_COM_API ZoString operator+(const ZoString& a, const ZoString& b);
+[[nodiscard]] ZO_COM_API ZoString operator+(const ZoString& a, const wchar_t* b);
+[[nodiscard]] ZO_COM_API ZoString operator+(const wchar_t* a, const ZoString& b);
+
+inline void swap(ZoString& a, ZoString& b) noexcept { a.swap(b); }
+
+// Agrees with operator==.
+template <>
+struct std::hash<ZoString> {
+  size_t operator()(const ZoString& text) const noexcept { return text.hash(ZoString::exact); }
+};
+
+namespace zo::literals {
+// L"text"_zs, zero characters included.
+[[nodiscard]] inline ZoString operator""_zs(const wchar_t* text, std::size_t length) {
+  return ZoString(std::wstring_view(text, length));
+}
+}  // namespace zo::literals

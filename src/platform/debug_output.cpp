@@ -1,0 +1,9 @@
+#include "platform/debug_output.h"
+
+#include <windows.h>
+
+namespace zo {
+
+void debugOutput(const char* line) noexcept { OutputDebugStringA(line); }
+
+}  // namespace zo

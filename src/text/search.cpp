@@ -1,0 +1,148 @@
+#include "text/search.h"
+
+#include <bit>
+
+#include "text/units.h"
+
+namespace zo {
+namespace {
+
+// What the search loops ask of a matcher:
+//   candidates(at)  two bits for each of eight positions from at that can start a match matches(at)
+//   whether the pattern stands at a candidate startsAt(at)    the same for any position
+class ExactMatcher {
+ public:
+  explicit ExactMatcher(std::wstring_view pattern) noexcept
+      : m_pattern(pattern), m_first(fill8(pattern.front())), m_last(fill8(pattern.back())) {}
+
+  unsigned int candidates(const wchar_t* at) const noexcept {
+    return mask8(_mm_and_si128(_mm_cmpeq_epi16(load8(at), m_first),
+                               _mm_cmpeq_epi16(load8(at + m_pattern.size() - 1), m_last)));
+  }
+  bool matches(const wchar_t* at) const noexcept {
+    return m_pattern.size() <= 2 || equalUnits(at + 1, m_pattern.data() + 1, m_pattern.size() - 2);
+  }
+  bool startsAt(const wchar_t* at) const noexcept {
+    return *at == m_pattern.front() && equalUnits(at, m_pattern.data(), m_pattern.size());
+  }
+
+ private:
+  std::wstring_view m_pattern;
+  __m128i m_first;
+  __m128i m_last;
+};
+
+class FoldedMatcher {
+ public:
+  explicit FoldedMatcher(std::wstring_view pattern) noexcept
+      : m_pattern(pattern),
+        m_first(fill8(foldForSearch(pattern.front()))),
+        m_last(fill8(foldForSearch(pattern.back()))) {}
+
+  unsigned int candidates(const wchar_t* at) const noexcept {
+    return mask8(_mm_and_si128(candidate(load8(at), m_first),
+                               candidate(load8(at + m_pattern.size() - 1), m_last)));
+  }
+  bool matches(const wchar_t* at) const noexcept {
+    for (size_t i = 0; i < m_pattern.size(); ++i) {
+      if (at[i] != m_pattern[i] && foldForSearch(at[i]) != foldForSearch(m_pattern[i])) {
+        return false;
+      }
+    }
+    return true;
+  }
+  bool startsAt(const wchar_t* at) const noexcept { return matches(at); }
+
+ private:
+  // A unit that is not ASCII is a candidate for anything: only the runtime knows what it folds to.
+  static __m128i candidate(__m128i v, __m128i wanted) noexcept {
+    const __m128i other = _mm_cmpgt_epi16(_mm_srli_epi16(v, 7), _mm_setzero_si128());
+    return _mm_or_si128(other, _mm_cmpeq_epi16(lowerAscii8(v), wanted));
+  }
+
+  std::wstring_view m_pattern;
+  __m128i m_first;
+  __m128i m_last;
+};
+
+template <class Matcher>
+size_t scanForward(std::wstring_view text, size_t patternSize, const Matcher& matcher) noexcept {
+  if (patternSize > text.size()) return kNotFound;
+  const wchar_t* const data = text.data();
+  const size_t positions = text.size() - patternSize + 1;
+  size_t i = 0;
+  for (; i + kLane <= positions; i += kLane) {
+    // Each position has two bits in the mask.
+    for (unsigned int mask = matcher.candidates(data + i); mask != 0;
+         mask &= mask - 1, mask &= mask - 1) {
+      const size_t at = i + static_cast<size_t>(std::countr_zero(mask)) / 2;
+      if (matcher.matches(data + at)) return at;
+    }
+  }
+  for (; i < positions; ++i) {
+    if (matcher.startsAt(data + i)) return i;
+  }
+  return kNotFound;
+}
+
+template <class Matcher>
+size_t scanBackward(std::wstring_view text, size_t patternSize, const Matcher& matcher) noexcept {
+  if (patternSize > text.size()) return kNotFound;
+  const wchar_t* const data = text.data();
+  size_t left = text.size() - patternSize + 1;  // positions not looked at yet
+  for (; left >= kLane; left -= kLane) {
+    const size_t base = left - kLane;
+    unsigned int mask = matcher.candidates(data + base);
+    while (mask != 0) {
+      const unsigned int bit = 31u - static_cast<unsigned int>(std::countl_zero(mask));
+      if (matcher.matches(data + base + bit / 2)) return base + bit / 2;
+      mask &= (1u << (bit & ~1u)) - 1u;
+    }
+  }
+  while (left-- > 0) {
+    if (matcher.startsAt(data + left)) return left;
+  }
+  return kNotFound;
+}
+
+}  // namespace
+
+size_t find(std::wstring_view text, std::wstring_view pattern) noexcept {
+  return scanForward(text, pattern.size(), ExactMatcher(pattern));
+}
+
+size_t findBack(std::wstring_view text, std::wstring_view pattern) noexcept {
+  return scanBackward(text, pattern.size(), ExactMatcher(pattern));
+}
+
+size_t findFolded(std::wstring_view text, std::wstring_view pattern) noexcept {
+  return scanForward(text, pattern.size(), FoldedMatcher(pattern));
+}
+
+size_t findBackFolded(std::wstring_view text, std::wstring_view pattern) noexcept {
+  return scanBackward(text, pattern.size(), FoldedMatcher(pattern));
+}
+
+size_t findAnyOf(std::wstring_view text, std::wstring_view set) noexcept {
+  constexpr size_t kFew = 4;  // delimiters that are compared eight positions at a time
+  size_t i = 0;
+  if (!set.empty() && set.size() <= kFew) {
+    __m128i wanted[kFew];
+    for (size_t k = 0; k < kFew; ++k) wanted[k] = fill8(set[k < set.size() ? k : 0]);
+    for (; i + kLane <= text.size(); i += kLane) {
+      const __m128i v = load8(text.data() + i);
+      const __m128i hit =
+          _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(v, wanted[0]), _mm_cmpeq_epi16(v, wanted[1])),
+                       _mm_or_si128(_mm_cmpeq_epi16(v, wanted[2]), _mm_cmpeq_epi16(v, wanted[3])));
+      if (const unsigned int mask = mask8(hit)) {
+        return i + static_cast<size_t>(std::countr_zero(mask)) / 2;
+      }
+    }
+  }
+  for (; i < text.size(); ++i) {
+    if (set.find(text[i]) != std::wstring_view::npos) return i;
+  }
+  return kNotFound;
+}
+
+}  // namespace zo

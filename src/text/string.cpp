@@ -1,0 +1,251 @@
+// ZoString: construction, storage and editing.
+#include <zo/text/string.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <cwchar>
+
+unsigned int ZoString::s_initialCapac = 15;
+unsigned int ZoString::s_resizeInc = 16;
+unsigned int ZoString::s_freeboard = 15;
+
+namespace {
+
+// A length as the string counts it; what is too long becomes npos, which every edit refuses.
+unsigned int lengthOf(std::wstring_view text) noexcept {
+  return text.size() <= ZoString::maxLength() ? static_cast<unsigned int>(text.size())
+                                              : ZoString::npos;
+}
+
+unsigned int lengthOf(const wchar_t* text) noexcept {
+  return text ? lengthOf(std::wstring_view(text)) : 0;
+}
+
+void copyUnits(wchar_t* to, const wchar_t* from, size_t n) noexcept {
+  if (n > 0) std::memcpy(to, from, n * sizeof(wchar_t));
+}
+
+bool pointsInto(const wchar_t* p, const wchar_t* data, unsigned int length) noexcept {
+  const auto at = reinterpret_cast<std::uintptr_t>(p);
+  const auto begin = reinterpret_cast<std::uintptr_t>(data);
+  return at - begin < size_t{length} * sizeof(wchar_t);
+}
+
+// A block for a text of the given length, or the empty one when that is too long or nothing.
+ZoStringRef* blockFor(unsigned int length) {
+  if (length == 0 || length > ZoString::maxLength()) return ZoStringRef::getRep(0, 0);
+  return ZoStringRef::getRep(ZoString::adjustCapacity(length), length);
+}
+
+ZoStringRef* blockOf(const wchar_t* text, unsigned int length) {
+  ZoStringRef* block = blockFor(text ? length : 0);
+  if (text) copyUnits(block->data(), text, block->length());
+  return block;
+}
+
+}  // namespace
+
+ZoString::ZoString(const wchar_t* text) : ZoString(blockOf(text, lengthOf(text))) {}
+ZoString::ZoString(const wchar_t* text, unsigned int length) : ZoString(blockOf(text, length)) {}
+ZoString::ZoString(const ZoSubString& text) : ZoString(text.view()) {}
+ZoString::ZoString(std::wstring_view text) : ZoString(blockOf(text.data(), lengthOf(text))) {}
+
+ZoString::ZoString(const wchar_t* a, unsigned int lengthA, const wchar_t* b, unsigned int lengthB) {
+  if (!a) lengthA = 0;
+  if (!b) lengthB = 0;
+  // Two lengths of up to 2^32 - 1 do not wrap in 64 bits; blockFor refuses what is too long.
+  const auto total = std::uint64_t{lengthA} + lengthB;
+  ZoStringRef* block = blockFor(total <= maxLength() ? static_cast<unsigned int>(total) : npos);
+  if (block->length() != 0) {
+    copyUnits(block->data(), a, lengthA);
+    copyUnits(block->data() + lengthA, b, lengthB);
+  }
+  m_data = block->data();
+}
+
+ZoString operator+(const ZoString& a, const ZoString& b) {
+  return ZoString(a.data(), a.length(), b.data(), b.length());
+}
+
+ZoString operator+(const ZoString& a, const wchar_t* b) {
+  return ZoString(a.data(), a.length(), b, lengthOf(b));
+}
+
+ZoString operator+(const wchar_t* a, const ZoString& b) {
+  return ZoString(a, lengthOf(a), b.data(), b.length());
+}
+
+void ZoString::initChar(wchar_t c) {
+  ZoStringRef* block = ZoStringRef::getRep(std::max(s_initialCapac, 1u), 1);
+  block->data()[0] = c;
+  m_data = block->data();
+}
+
+ZoString& ZoString::operator=(const ZoString& other) noexcept {
+  if (this != &other) {
+    ZoStringRef* block = addedReference(other.pref());
+    pref()->release();
+    m_data = block->data();
+  }
+  return *this;
+}
+
+ZoString& ZoString::operator=(const ZoSubString& text) { return replace(0, npos, text.view()); }
+
+ZoString& ZoString::operator=(const wchar_t* text) {
+  if (!text) return resize(0);
+  if (*text == 0) {
+    if (pref()->isShared()) {
+      adopt(ZoStringRef::getRep(0, 0));
+    } else {
+      pref()->setLength(0);
+    }
+    return *this;
+  }
+  return replace(0, length(), text);
+}
+
+ZoString& ZoString::operator=(std::wstring_view text) { return replace(0, npos, text); }
+
+ZoString ZoString::copy() const {
+  ZoString result(*this);
+  result.clone();
+  return result;
+}
+
+// ---- Storage ----
+
+unsigned int ZoString::adjustCapacity(unsigned int n) noexcept {
+  if (n <= s_initialCapac) return std::min(s_initialCapac, maxLength());
+  const std::uint64_t increment = std::max(s_resizeInc, 1u);
+  const std::uint64_t steps = (n - s_initialCapac + increment - 1) / increment;
+  // Near the limit the step would lead past it; the capacity then is the limit.
+  return static_cast<unsigned int>(
+      std::min<std::uint64_t>(s_initialCapac + steps * increment, std::max(n, maxLength())));
+}
+
+// Takes over one reference of block.
+void ZoString::adopt(ZoStringRef* block) noexcept {
+  pref()->release();
+  m_data = block->data();
+}
+
+void ZoString::clone() { clone(length()); }
+
+void ZoString::clone(unsigned int n) {
+  n = std::min(n, maxLength());
+  const unsigned int kept = std::min(n, length());
+  ZoStringRef* block = ZoStringRef::getRep(n, kept);
+  copyUnits(block->data(), m_data, kept);
+  adopt(block);
+}
+
+void ZoString::cow() {
+  if (pref()->isShared()) clone();
+}
+
+void ZoString::cow(unsigned int n) {
+  if (pref()->isShared() || capacity() < n) clone(n);
+}
+
+void ZoString::clobber(unsigned int n) {
+  if (!pref()->isShared() && capacity() >= n) {
+    pref()->setLength(0);
+  } else {
+    adopt(ZoStringRef::getRep(std::min(n, maxLength()), 0));
+  }
+}
+
+unsigned int ZoString::capacity(unsigned int n) {
+  if (n > length() && n != capacity() && n <= maxLength()) clone(n);
+  return capacity();
+}
+
+wchar_t& ZoString::charRef(unsigned int i) {
+  static thread_local wchar_t scratch;
+  if (i >= length()) return scratch;
+  cow();
+  return m_data[i];
+}
+
+// ---- Editing ----
+
+// The frame of every edit: makes a gap of textLength characters in the place of n characters at pos
+// and has it filled. fill(gap) runs while the old characters still stand when the text to fill in
+// may be among them (aliased).
+template <class Fill>
+ZoString& ZoString::splice(unsigned int pos, unsigned int n, unsigned int textLength, bool aliased,
+                           Fill fill) {
+  ZoStringRef* const block = pref();
+  const unsigned int length = block->length();
+  pos = std::min(pos, length);
+  n = std::min(n, length - pos);
+  const unsigned int rest = length - pos - n;
+  if (textLength > maxLength() - (length - n)) return *this;
+  const unsigned int total = length - n + textLength;
+
+  if (!aliased && !block->isShared() && block->capacity() >= total &&
+      block->capacity() - total <= s_freeboard) {
+    std::memmove(m_data + pos + textLength, m_data + pos + n, size_t{rest} * sizeof(wchar_t));
+    fill(m_data + pos);
+    block->setLength(total);
+    return *this;
+  }
+  ZoStringRef* const fresh = ZoStringRef::getRep(adjustCapacity(total), total);
+  copyUnits(fresh->data(), m_data, pos);
+  fill(fresh->data() + pos);
+  copyUnits(fresh->data() + pos + textLength, m_data + pos + n, rest);
+  adopt(fresh);
+  return *this;
+}
+
+ZoString& ZoString::replace(unsigned int pos, unsigned int n, const wchar_t* text,
+                            unsigned int textLength) {
+  if (!text) textLength = 0;
+  return splice(pos, n, textLength, pointsInto(text, m_data, length()),
+                [=](wchar_t* gap) { copyUnits(gap, text, textLength); });
+}
+
+ZoString& ZoString::replace(unsigned int pos, unsigned int n, const wchar_t* text) {
+  return replace(pos, n, text, lengthOf(text));
+}
+
+ZoString& ZoString::replace(unsigned int pos, unsigned int n, std::wstring_view text) {
+  return replace(pos, n, text.data(), lengthOf(text));
+}
+
+ZoString& ZoString::insertChars(unsigned int pos, wchar_t c, unsigned int count) {
+  return splice(pos, 0, count, false, [=](wchar_t* gap) { std::fill_n(gap, count, c); });
+}
+
+ZoString& ZoString::resize(unsigned int n) {
+  if (n <= length()) return remove(n);
+  return insertChars(npos, L' ', n - length());
+}
+
+ZoString& ZoString::strip(stripType type, const wchar_t* set) {
+  const ZoSubString kept = strippedPart(type, set);
+  if (kept.isEmpty()) return remove(0);
+  remove(kept.start() + kept.length());
+  return remove(0, kept.start());
+}
+
+ZoString& ZoString::toLower() {
+  cow();
+  // The runtime stops at a zero character, the text may not.
+  for (unsigned int i = 0; i < length();
+       i += static_cast<unsigned int>(std::wcslen(m_data + i)) + 1) {
+    _wcslwr_s(m_data + i, size_t{length()} - i + 1);
+  }
+  return *this;
+}
+
+ZoString& ZoString::toUpper() {
+  cow();
+  for (unsigned int i = 0; i < length();
+       i += static_cast<unsigned int>(std::wcslen(m_data + i)) + 1) {
+    _wcsupr_s(m_data + i, size_t{length()} - i + 1);
+  }
+  return *this;
+}

@@ -1,0 +1,149 @@
+// ZoString: searching, substrings, comparing, and what the text is like.
+#include <zo/text/string.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+
+#include "platform/collation.h"
+#include "text/search.h"
+#include "text/units.h"
+
+// ---- Searching ----
+
+namespace {
+
+using Search = size_t (*)(std::wstring_view, std::wstring_view) noexcept;
+
+// The searched range starts at start; an empty pattern is found at the given end of it.
+unsigned int search(std::wstring_view text, const wchar_t* pattern, size_t patlen,
+                    unsigned int start, Search find, bool emptyAtEnd) noexcept {
+  if (!pattern) patlen = 0;
+  if (start > text.size() || patlen > text.size() - start) return ZoString::npos;
+  if (patlen == 0) return emptyAtEnd ? static_cast<unsigned int>(text.size()) : start;
+  const size_t at = find(text.substr(start), {pattern, patlen});
+  return at == zo::kNotFound ? ZoString::npos : start + static_cast<unsigned int>(at);
+}
+
+size_t lengthOf(const wchar_t* text) noexcept { return text ? std::wcslen(text) : 0; }
+
+}  // namespace
+
+unsigned int ZoString::index(const wchar_t* pattern, unsigned int patlen, unsigned int start,
+                             caseCompare cmp) const noexcept {
+  return search(view(), pattern, patlen, start, cmp == exact ? zo::find : zo::findFolded, false);
+}
+
+unsigned int ZoString::index(const wchar_t* pattern, unsigned int start,
+                             caseCompare cmp) const noexcept {
+  return search(view(), pattern, lengthOf(pattern), start, cmp == exact ? zo::find : zo::findFolded,
+                false);
+}
+
+unsigned int ZoString::indexBack(const wchar_t* pattern, unsigned int patlen, unsigned int start,
+                                 caseCompare cmp) const noexcept {
+  return search(view(), pattern, patlen, start, cmp == exact ? zo::findBack : zo::findBackFolded,
+                true);
+}
+
+unsigned int ZoString::indexBack(const wchar_t* pattern, unsigned int start,
+                                 caseCompare cmp) const noexcept {
+  return search(view(), pattern, lengthOf(pattern), start,
+                cmp == exact ? zo::findBack : zo::findBackFolded, true);
+}
+
+bool ZoString::contains(const ZoSubString& pattern, caseCompare cmp) const noexcept {
+  const std::wstring_view wanted = pattern.view();
+  return index(wanted.data(), static_cast<unsigned int>(wanted.size()), 0, cmp) != npos;
+}
+
+unsigned int ZoString::splitNext(const wchar_t* delims, unsigned int from) const noexcept {
+  if (!delims || from > length()) return npos;
+  const size_t at = zo::findAnyOf(view().substr(from), delims);
+  return at == zo::kNotFound ? npos : from + static_cast<unsigned int>(at);
+}
+
+// ---- Substrings ----
+
+ZoSubString ZoString::part(unsigned int start, unsigned int len) const noexcept {
+  if (start > length()) {
+    ZoSubString::subStringError(length(), start, len);
+    return found(npos, 0);
+  }
+  return found(start, std::min(len, length() - start));
+}
+
+ZoSubString ZoString::rightPart(unsigned int n) const noexcept {
+  n = std::min(n, length());
+  return found(length() - n, n);
+}
+
+ZoSubString ZoString::strippedPart(stripType type, const wchar_t* set) const noexcept {
+  const std::wstring_view stripped = set ? std::wstring_view(set) : std::wstring_view();
+  const auto inSet = [&](wchar_t c) { return stripped.find(c) != std::wstring_view::npos; };
+  unsigned int begin = 0;
+  unsigned int end = length();
+  if (type & leading) {
+    while (begin < end && inSet(m_data[begin])) ++begin;
+  }
+  if (type & trailing) {
+    while (end > begin && inSet(m_data[end - 1])) --end;
+  }
+  return begin == end ? found(npos, 0) : found(begin, end - begin);
+}
+
+ZoSubString ZoString::subString(const wchar_t* pattern, unsigned int start, caseCompare cmp) {
+  return found(index(pattern, start, cmp), static_cast<unsigned int>(lengthOf(pattern)));
+}
+
+const ZoSubString ZoString::subString(const wchar_t* pattern, unsigned int start,
+                                      caseCompare cmp) const {
+  return found(index(pattern, start, cmp), static_cast<unsigned int>(lengthOf(pattern)));
+}
+
+// ---- Comparing ----
+
+int ZoString::codeUnitOrder(std::wstring_view other) const noexcept {
+  const int order = view().compare(other);
+  return order < 0 ? -1 : (order > 0 ? 1 : 0);
+}
+
+int ZoString::compareTo(const ZoString& other, caseCompare cmp) const noexcept {
+  if (cmp == ignoreCase) {
+    return equals(other.view(), ignoreCase) ? 0 : zo::compareIgnoreCase(view(), other.view());
+  }
+  const unsigned int common = std::min(length(), other.length());
+  const int order = std::memcmp(m_data, other.m_data, size_t{common} * sizeof(wchar_t));
+  if (order != 0) return order;
+  return length() < other.length() ? -1 : (length() > other.length() ? 1 : 0);
+}
+
+int ZoString::compareTo(const wchar_t* other, caseCompare cmp) const noexcept {
+  if (cmp == exact) return codeUnitOrder(viewOf(other));
+  return equals(viewOf(other), ignoreCase) ? 0 : zo::compareIgnoreCase(view(), viewOf(other));
+}
+
+bool ZoString::equals(std::wstring_view other, caseCompare cmp) const noexcept {
+  return cmp == exact ? view() == other : zo::equalIgnoreCase(view(), other);
+}
+
+// ---- What the text is like ----
+
+bool ZoString::isAscii() const noexcept {
+  const std::wstring_view text = view();
+  return std::all_of(text.begin(), text.end(), [](wchar_t c) { return c < 0x80; });
+}
+
+unsigned int ZoString::mbLength() const noexcept {
+  if (MB_CUR_MAX == 1) return length();
+  std::mbstate_t state{};
+  char bytes[MB_LEN_MAX];
+  size_t total = 0;
+  for (const wchar_t c : *this) {
+    const size_t n = std::wcrtomb(bytes, c, &state);
+    total += n == static_cast<size_t>(-1) ? 1 : n;
+  }
+  return total < npos ? static_cast<unsigned int>(total) : npos;
+}

@@ -1,0 +1,374 @@
+// What editing does to the text, to its storage and to the strings that share it.
+#include <gtest/gtest.h>
+#include <zo/text/string.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "support/printers.h"
+
+namespace {
+
+// Opens the protected storage operations.
+class OpenString : public ZoString {
+ public:
+  using ZoString::clobber;
+  using ZoString::clone;
+  using ZoString::cow;
+  using ZoString::ZoString;
+};
+
+const ZoStringRef* block(const ZoString& s) {
+  return reinterpret_cast<const ZoStringRef*>(s.data()) - 1;
+}
+
+// Everything a caller can see of a text.
+void expectText(const ZoString& s, const std::wstring& text) {
+  ASSERT_EQ(s.length(), text.size());
+  EXPECT_EQ(std::wstring(s.view()), text);
+  EXPECT_EQ(s.data()[text.size()], 0) << "terminator";
+  EXPECT_LE(s.length(), s.capacity());
+}
+
+// The capacity rule, written from its description.
+unsigned int steppedCapacity(unsigned int n) {
+  unsigned int capacity = 15;
+  while (capacity < n) capacity += 16;
+  return capacity;
+}
+
+TEST(StringStorage, EmptyStringsShareOneBlockThatIsNeverUnshared) {
+  const ZoString made;
+  const ZoString fromText(L"");
+  const ZoString fromNull(static_cast<const wchar_t*>(nullptr));
+  const ZoString fromNothing(L"abc", 0);
+  for (const ZoString* s : {&made, &fromText, &fromNull, &fromNothing}) {
+    EXPECT_EQ(s->data(), made.data());
+    EXPECT_EQ(s->capacity(), 0u);
+    expectText(*s, L"");
+  }
+  ZoString edited;
+  edited.toUpper().strip().resize(0);
+  edited[0] = L'x';
+  expectText(ZoString(), L"");
+  const unsigned int references = block(made)->references();
+  {
+    const ZoString another;
+    EXPECT_EQ(block(made)->references(), references + 1);
+  }
+  EXPECT_EQ(block(made)->references(), references);
+}
+
+TEST(StringStorage, CapacityFollowsInitialCapacityAndIncrement) {
+  for (const auto& [length, capacity] : std::vector<std::pair<unsigned int, unsigned int>>{
+           {1, 15}, {15, 15}, {16, 31}, {31, 31}, {32, 47}, {40, 47}, {48, 63}}) {
+    EXPECT_EQ(ZoString(std::wstring(length, L'x').c_str()).capacity(), capacity) << length;
+    ZoString grown;
+    for (unsigned int i = 0; i < length; ++i) grown.append(L'x');
+    EXPECT_EQ(grown.capacity(), capacity) << length;
+  }
+  EXPECT_EQ(ZoString(L'c').capacity(), 15u);
+  EXPECT_EQ((ZoString(L"12345678") + L"12345678").capacity(), 31u);
+
+  ZoString wasteful(std::wstring(40, L'x').c_str());
+  wasteful.replace(0, 40, L"abc");
+  EXPECT_EQ(wasteful.capacity(), 15u) << "44 spare characters are too many";
+  ZoString kept(std::wstring(40, L'x').c_str());
+  const wchar_t* before = kept.data();
+  kept.remove(32);
+  EXPECT_EQ(kept.data(), before) << "15 spare characters are allowed";
+}
+
+TEST(StringStorage, CapacityCanBeSetExactlyButNotBelowTheLength) {
+  ZoString s(L"abcdef");
+  EXPECT_EQ(s.capacity(100), 100u);
+  EXPECT_EQ(s.capacity(6), 100u);
+  EXPECT_EQ(s.capacity(7), 7u);
+  EXPECT_EQ(s.capacity(0xFFFFFFFF), 7u);
+  expectText(s, L"abcdef");
+  EXPECT_EQ(s.copy().capacity(), 6u);
+}
+
+TEST(StringStorage, SettingsApplyToNewStorageAndAnIncrementOfZeroIsHarmless) {
+  const unsigned int capacity = ZoString::initialCapacity(4);
+  const unsigned int increment = ZoString::resizeIncrement(0);
+  const unsigned int waste = ZoString::maxWaste(0);
+  EXPECT_EQ(capacity, 15u);
+  EXPECT_EQ(increment, 16u);
+  EXPECT_EQ(waste, 15u);
+  ZoString s(L"abc");
+  EXPECT_EQ(s.capacity(), 4u);
+  s.append(L"defgh");
+  EXPECT_EQ(s.capacity(), 8u);
+  s.remove(7);
+  EXPECT_EQ(s.capacity(), 7u) << "no waste allowed";
+  ZoString::initialCapacity(0);
+  expectText(ZoString(L'x'), L"x");
+  expectText(ZoString(L"x").remove(0), L"");
+  ZoString::initialCapacity(capacity);
+  ZoString::resizeIncrement(increment);
+  ZoString::maxWaste(waste);
+}
+
+TEST(StringStorage, ProtectedStorageOperationsKeepTheirPromises) {
+  OpenString s(L"abcdef");
+  s.clone(3);
+  expectText(s, L"abc");
+  EXPECT_EQ(s.capacity(), 3u);
+  OpenString shared(s);
+  shared.cow();
+  EXPECT_NE(shared.data(), s.data());
+  s.cow(3);
+  EXPECT_EQ(s.capacity(), 3u) << "unshared and large enough";
+  s.cow(9);
+  EXPECT_EQ(s.capacity(), 9u);
+  const wchar_t* before = s.data();
+  s.clobber(9);
+  EXPECT_EQ(s.data(), before);
+  expectText(s, L"");
+  s.clobber(10);
+  EXPECT_EQ(s.capacity(), 10u);
+  s.clobber(0);
+  EXPECT_EQ(s.capacity(), 10u) << "an unshared block is kept";
+  OpenString other(s);
+  other.clobber(0);
+  EXPECT_EQ(other.data(), ZoString().data());
+}
+
+TEST(StringSharing, AnEditThroughAnyDoorLeavesTheCopyAlone) {
+  using Edit = void (*)(ZoString&);
+  const Edit edits[] = {
+      [](ZoString& s) { s[0] = L'#'; },
+      [](ZoString& s) { s(1) = L'#'; },
+      [](ZoString& s) { s.append(L"x"); },
+      [](ZoString& s) { s.prepend(L'x', 3); },
+      [](ZoString& s) { s.remove(2); },
+      [](ZoString& s) { s.resize(50); },
+      [](ZoString& s) { s.toUpper(); },
+      [](ZoString& s) { s.strip(ZoString::both, L"ab"); },
+      [](ZoString& s) { s = L""; },
+      [](ZoString& s) { s = L"other"; },
+      [](ZoString& s) { s = ZoString(L"other"); },
+      [](ZoString& s) { s(0, 2) = L"-"; },
+      [](ZoString& s) { s(0, 2)[1] = L'-'; },
+      [](ZoString& s) { s.setFromMB("other"); },
+      [](ZoString& s) { ZoString(std::move(s)); },
+  };
+  for (const Edit edit : edits) {
+    ZoString original(L"abcd");
+    ZoString copy(original);
+    EXPECT_EQ(copy.data(), original.data());
+    edit(copy);
+    expectText(original, L"abcd");
+    EXPECT_NE(copy.data(), original.data());
+    EXPECT_EQ(block(original)->references(), 1u) << "the edited copy let go";
+  }
+}
+
+TEST(StringSharing, MoveAndSwapTakeTheStorageAndLeaveAnEmptyString) {
+  ZoString from(L"abc");
+  const wchar_t* data = from.data();
+  ZoString to(std::move(from));
+  EXPECT_EQ(to.data(), data);
+  expectText(from, L"");
+  from = std::move(to);
+  EXPECT_EQ(from.data(), data);
+  ZoString& self = from;
+  self = std::move(from);
+  expectText(self, L"abc");
+  self = static_cast<const ZoString&>(self);
+  expectText(self, L"abc");
+}
+
+// Random edits of strings that share storage and feed each other, their own pieces included.
+TEST(StringEdit, RandomEditsAgreeWithAPlainStringAndTheCapacityRule) {
+  std::mt19937 random(20240611);
+  const auto below = [&](unsigned int n) { return static_cast<unsigned int>(random() % n); };
+  constexpr size_t kStrings = 6;
+  std::vector<ZoString> ours(kStrings);
+  std::vector<std::wstring> plain(kStrings);
+#ifdef ZO_GUARDED
+  constexpr int kRounds = 3000;
+#else
+  constexpr int kRounds = 30000;
+#endif
+  for (int round = 0; round < kRounds; ++round) {
+    const size_t target = below(kStrings);
+    const size_t source = below(kStrings);
+    ZoString& s = ours[target];
+    std::wstring& p = plain[target];
+    const unsigned int pos = below(s.length() + 4);
+    const unsigned int n = below(4) == 0 ? ZoString::npos : below(12);
+    const unsigned int take = below(ours[source].length() + 1);
+    const auto at = std::min<size_t>(pos, p.size());
+    const unsigned int sharers = block(s)->references();
+    const unsigned int capacity = s.capacity();
+    const wchar_t* const data = s.data();
+    const size_t total = p.size() - std::min<size_t>(n, p.size() - at) + take;
+    const bool aliased = ours[source].data() == data && take > 0 && !p.empty();
+    switch (below(p.size() > 90 ? 3 : 8)) {
+      case 0:
+        s = ours[source];
+        p = plain[source];
+        break;
+      case 1:
+        s.remove(pos, n);
+        p.erase(at, n);
+        break;
+      case 2:
+        s = s.mid(pos, n);
+        p = pos > p.size() ? L"" : p.substr(at, n);
+        break;
+      case 3:
+        s.append(static_cast<wchar_t>(L'a' + below(26)), below(5));
+        p.append(s.view().substr(p.size()));
+        break;
+      case 4:
+        s.prepend(ours[source], take);
+        p.insert(0, plain[source].substr(0, take));
+        break;
+      case 5:
+        if (below(2) == 0 && pos <= s.length()) {
+          s.mid(pos, n) = ours[source].left(take);
+        } else {
+          s.replace(pos, n, ours[source].left(take));
+        }
+        p.replace(at, n, plain[source].substr(0, take));
+        break;
+      default: {
+        s.replace(pos, n, ours[source].data(), take);
+        p.replace(at, n, std::wstring(plain[source], 0, take));
+        const bool inPlace =
+            !aliased && sharers == 1 && capacity >= total && capacity - total <= 15;
+        EXPECT_EQ(s.capacity(),
+                  inPlace ? capacity : steppedCapacity(static_cast<unsigned int>(total)));
+        break;
+      }
+    }
+    for (size_t i = 0; i < kStrings; ++i) ASSERT_NO_FATAL_FAILURE(expectText(ours[i], plain[i]));
+  }
+}
+
+TEST(StringEdit, OwnCharactersCanBeUsedInEveryEdit) {
+  ZoString s(L"abcdef");
+  s.replace(0, 1, s.data() + 2, 3);
+  expectText(s, L"cdebcdef");
+  s.insert(2, s);
+  expectText(s, L"cdcdebcdefebcdef");
+  s = s.data() + 12;
+  expectText(s, L"cdef");
+  s += s;
+  s(1, 2) = s(4, 4);
+  expectText(s, L"ccdeffcdef");
+  s.append(s.right(2)).prepend(s.left(1));
+  expectText(s, L"cccdeffcdefef");
+}
+
+TEST(StringEdit, ResizePadsWithBlanksAndStripTakesTheNamedEnds) {
+  ZoString s(L"ab");
+  expectText(s.resize(5), L"ab   ");
+  expectText(s.resize(1), L"a");
+  struct Case {
+    const wchar_t* text;
+    ZoString::stripType type;
+    const wchar_t* set;
+    const wchar_t* result;
+    unsigned int start;
+  };
+  for (const Case& c : std::vector<Case>{{L" ab ", ZoString::both, L" ", L"ab", 1},
+                                         {L" ab ", ZoString::leading, L" ", L"ab ", 1},
+                                         {L" ab ", ZoString::trailing, L" ", L" ab", 0},
+                                         {L"   ", ZoString::both, L" ", L"", ZoString::npos},
+                                         {L"", ZoString::both, L" ", L"", ZoString::npos},
+                                         {L"xyabyx", ZoString::both, L"yx", L"ab", 2},
+                                         {L" ab ", ZoString::both, nullptr, L" ab ", 0},
+                                         {L" ab ", ZoString::both, L"", L" ab ", 0}}) {
+    ZoString text(c.text);
+    EXPECT_EQ(text.stripped(c.type, c.set), c.result);
+    EXPECT_EQ(text.stripped(c.type, c.set).start(), c.start);
+    expectText(text.strip(c.type, c.set), c.result);
+  }
+}
+
+TEST(StringEdit, CaseChangesReachBehindZeroCharactersAndOnlyLettersOfTheLocale) {
+  using namespace zo::literals;
+  ZoString s = L"aZ\0b[`{@\u00E4\u0130"_zs;
+  s.toUpper();
+  EXPECT_EQ(s, L"AZ\0B[`{@\u00E4\u0130"_zs);
+  s.toLower();
+  EXPECT_EQ(s, L"az\0b[`{@\u00E4\u0130"_zs);
+}
+
+TEST(StringEdit, WhatWouldPassTheLimitIsRefusedAndNothingChanges) {
+  const wchar_t* const never = L"";  // not read: the length alone is refused
+  ZoString s(L"abc");
+  s.append(never, ZoString::maxLength() - 2);
+  s.append(L'x', 0xFFFFFFFF).insert(1, never, 0xFFFFFFF0).resize(0xFFFFFFFF);
+  s.replace(1, 2, never, 0xFFFFFFFF);
+  s(1, 1) = s;
+  expectText(s, L"aabcc");
+  expectText(ZoString(never, 0xFFFFFFFF), L"");
+  EXPECT_EQ(ZoString::adjustCapacity(ZoString::maxLength()), ZoString::maxLength());
+  EXPECT_EQ(ZoString::adjustCapacity(ZoString::maxLength() - 1), ZoString::maxLength());
+}
+
+TEST(StringAccess, IndexesOutOfRangeReachNoString) {
+  ZoString s(L"abc");
+  const ZoString& constant = s;
+  for (const long long bad : {3LL, 4LL, 0xFFFFFFFFLL, 0x100000000LL, -1LL}) {
+    EXPECT_EQ(constant[bad], 0) << bad;
+    s[bad] = L'q';
+    EXPECT_EQ(s(bad), L'q') << "the scratch character keeps what was written last";
+  }
+  ZoSubString part = s(1, 1);
+  EXPECT_EQ(std::as_const(part)[0], L'b');
+  EXPECT_EQ(std::as_const(part)[1], 0);
+  part[1] = L'!';
+  part[0] = L'B';
+  expectText(s, L"aBc");
+}
+
+TEST(SubString, CoversWhatWasAssignedAndTheNullSubstringTakesNothing) {
+  ZoString s(L"one two three");
+  ZoSubString word = s(4, 3);
+  word = L"twenty-two";
+  EXPECT_EQ(word, L"twenty-two");
+  word = word;
+  word = ZoString(L"2");
+  expectText(s, L"one 2 three");
+  EXPECT_EQ(word.length(), 1u);
+  word = static_cast<const wchar_t*>(nullptr);
+  expectText(s, L"one  three");
+  EXPECT_TRUE(word.isEmpty());
+  EXPECT_FALSE(!word) << "an empty place is not the null substring";
+  word = s(4, 99);
+  expectText(s, L"one  three three");
+
+  ZoSubString none = s.subString(L"missing");
+  EXPECT_TRUE(!none && none.isEmpty());
+  EXPECT_EQ(none.start(), ZoString::npos);
+  none = L"x";
+  EXPECT_STREQ(none.data(), L"");
+  expectText(s, L"one  three three");
+
+  ZoSubString stale = s(10, 6);
+  s.remove(12);
+  EXPECT_EQ(stale, L" t") << "cut at the end of what is left";
+}
+
+TEST(SubString, RequestsAreCutAtTheEnd) {
+  const ZoString s(L"abcdef");
+  EXPECT_EQ(s.left(99), s);
+  EXPECT_EQ(s.right(2), L"ef");
+  EXPECT_EQ(s.right(99), s);
+  EXPECT_EQ(s.mid(4), L"ef");
+  EXPECT_EQ(s.mid(6).start(), 6u);
+  EXPECT_TRUE(!s.mid(7));
+  EXPECT_EQ(s(2, ZoString::npos), L"cdef");
+  EXPECT_TRUE(!s(ZoString::npos, 1));
+  EXPECT_EQ(s.substr(1, 2), L"bc");
+  EXPECT_EQ(s.substr(1, -5), L"bcdef");
+}
+
+}  // namespace
