@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/containers.h>
 #include <zo/results.h>
 #include <zo/strings.h>
 #include <zo/system/dll_version.h>
