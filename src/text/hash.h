@@ -13,6 +13,10 @@ namespace zo {
 // HIGH half. Starts from the length.
 [[nodiscard]] unsigned int hashExact(std::wstring_view text) noexcept;
 // Words of one unit, a to z folded to A to Z. Starts from the length.
-[[nodiscard]] unsigned int hashFolded(std::wstring_view text) noexcept;
+struct FoldedHash {
+  unsigned int hash;
+  bool printableAscii;  // every unit is
+};
+[[nodiscard]] FoldedHash hashFolded(std::wstring_view text) noexcept;
 
 }  // namespace zo

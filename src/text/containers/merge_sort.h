@@ -25,9 +25,11 @@ class PointerBuffer {
   void** m_data;
 };
 
-// Sorts the pointers by what they point to; equal elements keep their order in both directions. Takes
-// O(n log n) comparisons and n pointers of memory (status 2 when there is none, and then nothing has moved).
-// When the compare object throws, the order of the pointers is undefined; none is lost from the elements' owner.
-int mergeSort(void** elements, std::size_t n, const ElementCompare& compare, bool ascending, bool& changed);
+// Sorts words, each of which points to an element (kPointers) or is an element of that size (kElements). Equal
+// elements keep their order in both directions. Takes O(n log n) comparisons and n words of memory (status 2 when
+// there is none). When the compare object throws, some words may stand twice and others be missing, so
+// they must be copies of what the container holds.
+enum class Words { kPointers, kElements };
+int mergeSort(void** words, std::size_t n, Words kind, const ElementCompare& compare, bool ascending, bool& changed);
 
 }  // namespace zo

@@ -2,6 +2,7 @@
 #include <zo/text/containers/varray.h>
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <new>
 #include <utility>
@@ -165,12 +166,21 @@ int ZoVArray::removeAll(bool freeMemory) {
 int ZoVArray::sort(const ZoVArrayCompare* compare, bool ascending) {
   if (!compare) return ZoResult::refused;
   if (m_entries < 2) return ZoResult::ok;
-  zo::PointerBuffer order(m_entries);
+  const zo::PointerBuffer order(m_entries);
   if (!order) return ZoResult::outOfMemory;
-  for (unsigned i = 0; i < m_entries; ++i) order[i] = m_table->at(i);
   bool changed = false;
-  if (const int status = zo::mergeSort(order.data(), m_entries, *compare, ascending, changed)) return status;
-  return changed ? m_table->reorder(order.data(), m_entries) : ZoResult::ok;
+  if (m_table->holdsWords()) {  // sorting the elements themselves saves a step from pointer to element
+    const std::size_t bytes = m_entries * sizeof(void*);
+    std::memcpy(order.data(), m_table->at(0), bytes);
+    const int status =
+        zo::mergeSort(order.data(), m_entries, zo::Words::kElements, *compare, ascending, changed);
+    if (status == ZoResult::ok) std::memcpy(m_table->at(0), order.data(), bytes);
+    return status;
+  }
+  for (unsigned i = 0; i < m_entries; ++i) order[i] = m_table->at(i);
+  const int status =
+      zo::mergeSort(order.data(), m_entries, zo::Words::kPointers, *compare, ascending, changed);
+  return status == ZoResult::ok && changed ? m_table->reorder(order.data(), m_entries) : status;
 }
 
 int ZoVArray::reverse() {

@@ -185,9 +185,9 @@ class ZoArray : public ZoSequence<T> {
   }
   template <class Make>
   int appendMade(Make make) {
-    const auto action = [&] {
-      make(cells() + m_array.m_entries);
-      ++m_array.m_entries;
+    const auto action = [&, n = m_array.m_entries] {
+      make(cells() + n);
+      m_array.m_entries = n + 1;
     };
     if constexpr (noexcept(make(nullptr))) {
       action();

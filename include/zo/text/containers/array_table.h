@@ -13,7 +13,7 @@
 template <class T>
 class ZoArrayTable final : public ZoVArrayTable {
  public:
-  ZoArrayTable() noexcept : ZoVArrayTable(sizeof(T)) {}
+  ZoArrayTable() noexcept : ZoVArrayTable(sizeof(T), zo::isRelocatable<T>) {}
   ~ZoArrayTable() override { zo::freeBlock(m_data, alignof(T)); }
 
   [[nodiscard]] T* data() const noexcept { return static_cast<T*>(m_data); }

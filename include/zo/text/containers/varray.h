@@ -50,15 +50,19 @@ class ZO_COM_API ZoVArrayTable {
   [[nodiscard]] void* at(unsigned i) const noexcept {
     return static_cast<char*>(m_data) + std::size_t{i} * m_elementSize;
   }
+  // True when elements have the size of a pointer and may be moved as bytes.
+  [[nodiscard]] bool holdsWords() const noexcept { return m_relocatable && m_elementSize == sizeof(void*); }
 
  protected:
-  explicit ZoVArrayTable(unsigned elementSize) noexcept : m_elementSize(elementSize) {}
+  ZoVArrayTable(unsigned elementSize, bool relocatable) noexcept
+      : m_elementSize(elementSize), m_relocatable(relocatable) {}
   ZoVArrayTable(const ZoVArrayTable&) = delete;
   ZoVArrayTable& operator=(const ZoVArrayTable&) = delete;
 
   void* m_data = nullptr;
   unsigned m_elementSize;
   unsigned m_cells = 0;
+  bool m_relocatable;
 };
 
 class ZO_COM_API ZoVArray {
