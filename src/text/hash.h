@@ -13,9 +13,16 @@ namespace zo {
 // HIGH half. Starts from the length.
 [[nodiscard]] unsigned int hashExact(std::wstring_view text) noexcept;
 // Words of one unit, a to z folded to A to Z. Starts from the length.
-struct FoldedHash {
-  unsigned int hash;
-  bool printableAscii;  // every unit is
+// One number for both results, which a struct of two would pass through memory.
+class FoldedHash {
+ public:
+  FoldedHash(unsigned int hash, bool printableAscii) noexcept
+      : m_bits(hash | static_cast<unsigned long long>(printableAscii) << 32) {}
+  [[nodiscard]] unsigned int hash() const noexcept { return static_cast<unsigned int>(m_bits); }
+  [[nodiscard]] bool printableAscii() const noexcept { return m_bits >> 32 != 0; }  // every unit is
+
+ private:
+  unsigned long long m_bits;
 };
 [[nodiscard]] FoldedHash hashFolded(std::wstring_view text) noexcept;
 

@@ -33,6 +33,9 @@ class ArrayWalker : public Base {
     return isValid();
   }
   bool prev() final { return to(isValid() ? m_position - 1 : npos); }
+  // As in the root class, without its virtual call.
+  [[nodiscard]] auto* current() const noexcept { return m_array->at(m_position); }
+  [[nodiscard]] auto* operator()() const noexcept { return current(); }
   [[nodiscard]] unsigned position() const noexcept { return isValid() ? m_position : npos; }
 
  protected:

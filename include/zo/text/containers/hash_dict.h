@@ -214,8 +214,8 @@ class ZoHashDict : public ZoDict<T, K> {
   }
   template <class Form>
   [[nodiscard]] bool matches(ZoVHashNode* node, const Form& key, zo::HashedKey hashed) const {
-    const bool plain = node->plain && hashed.plain;
-    if (plain && node->hash != hashed.hash) return false;
+    const bool plain = node->plain && hashed.plain();
+    if (plain && node->hash != hashed.hash()) return false;
     const K& mine = static_cast<Node*>(node)->key;
     if constexpr (requires { H::isEqual(mine, key, plain); }) {
       return H::isEqual(mine, key, plain);
@@ -229,7 +229,7 @@ class ZoHashDict : public ZoDict<T, K> {
     const ZoVHashTable* const table = m_hash.m_table;
     if (!table) return nullptr;
     const zo::HashedKey hashed = hashOf(key);
-    ZoVHashNode* node = *table->chain(table->bucketOf(hashed.hash));
+    ZoVHashNode* node = *table->chain(table->bucketOf(hashed.hash()));
     while (node && !matches(node, key, hashed)) node = node->next;
     return static_cast<Node*>(node);
   }
@@ -241,15 +241,15 @@ class ZoHashDict : public ZoDict<T, K> {
     if (entries() == zo::npos - 1) return ZoResult::refused;
     auto* const table = static_cast<ZoHashTable<T, K>*>(m_hash.m_table);
     const zo::HashedKey hashed = hashOf(formOf(key));
-    ZoVHashNode** link = table->chain(table->bucketOf(hashed.hash));
+    ZoVHashNode** link = table->chain(table->bucketOf(hashed.hash()));
     const bool collides = *link != nullptr;
     for (; *link; link = &(*link)->next) {
       if (matches(*link, formOf(key), hashed)) return ZoResult::refused;
     }
     ZoVHashNode* node = nullptr;
     if (const int status = table->makeNode(node, std::forward<Key>(key), std::forward<Value>(value))) return status;
-    node->hash = hashed.hash;
-    node->plain = hashed.plain;
+    node->hash = hashed.hash();
+    node->plain = hashed.plain();
     *link = node;
     ++m_hash.m_entries;
     if (collides) ++m_hash.m_collisions;

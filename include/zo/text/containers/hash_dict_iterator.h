@@ -6,6 +6,8 @@
 #include <zo/text/containers/hash_dict.h>
 #include <zo/text/containers/iterator.h>
 
+#include <utility>
+
 namespace zo {
 
 // What both kinds share.
@@ -22,11 +24,18 @@ class HashWalker : public Base {
     return node ? &node->key : nullptr;
   }
 
+  // As in the root class, without its virtual call.
+  [[nodiscard]] auto current() const noexcept {
+    return static_cast<decltype(std::declval<const Base&>().current())>(place());
+  }
+  [[nodiscard]] auto operator()() const noexcept { return current(); }
+
  protected:
   explicit HashWalker(ZoVHash& hash) noexcept : m_walk(hash) {}
 
-  [[nodiscard]] const T* element() const final {
-    const auto* const node = static_cast<const HashNode<T, K>*>(m_walk.node());
+  [[nodiscard]] const T* element() const final { return place(); }
+  [[nodiscard]] T* place() const noexcept {
+    auto* const node = static_cast<HashNode<T, K>*>(m_walk.node());
     return node ? &node->value : nullptr;
   }
 

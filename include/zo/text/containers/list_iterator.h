@@ -5,6 +5,8 @@
 #include <zo/text/containers/iterator.h>
 #include <zo/text/containers/list.h>
 
+#include <utility>
+
 namespace zo {
 
 // What both kinds share.
@@ -21,10 +23,15 @@ class ListWalker : public Base {
   bool to(unsigned i) final { return m_walk.to(i); }
   bool prev() final { return m_walk.prev(); }
 
+  // As in the root class, without its virtual call.
+  [[nodiscard]] auto current() const noexcept { return static_cast<decltype(std::declval<const Base&>().current())>(place()); }
+  [[nodiscard]] auto operator()() const noexcept { return current(); }
+
  protected:
   explicit ListWalker(ZoVList& list) noexcept : m_walk(list) {}
 
-  [[nodiscard]] const T* element() const final {
+  [[nodiscard]] const T* element() const final { return place(); }
+  [[nodiscard]] T* place() const noexcept {
     ZoVListNode* const node = m_walk.node();
     return node ? &static_cast<ZoListNode<T>*>(node)->element : nullptr;
   }

@@ -15,6 +15,7 @@
 #include <zo/text/containers/hash_value.h>
 #include <zo/text/string.h>
 
+#include <cstddef>
 #include <string_view>
 
 namespace zo {
@@ -23,10 +24,10 @@ namespace zo {
 template <>
 inline constexpr bool isRelocatable<ZoString> = true;
 
-// Plain: printable ASCII.
-[[nodiscard]] ZO_COM_API HashedKey hashText(std::wstring_view text) noexcept;
-// Whether texts are equal ignoring case; bothPlain when both are known to be plain.
-[[nodiscard]] ZO_COM_API bool equalTexts(std::wstring_view a, std::wstring_view b, bool bothPlain) noexcept;
+// Plain: printable ASCII. (Texts go as pointer and length: a view would be passed through memory.)
+[[nodiscard]] ZO_COM_API HashedKey hashText(const wchar_t* text, std::size_t length) noexcept;
+// Whether plain texts of one length are equal ignoring case.
+[[nodiscard]] ZO_COM_API bool equalPlainTexts(const wchar_t* a, const wchar_t* b, std::size_t length) noexcept;
 
 }  // namespace zo
 
@@ -49,8 +50,11 @@ class ZoCIHashValue<ZoString> : public ZoHashValue<ZoString> {
   static std::wstring_view lookUpForm(const wchar_t* key) noexcept {  // null counts as empty
     return key ? std::wstring_view(key) : std::wstring_view();
   }
-  static zo::HashedKey hashKey(std::wstring_view key) noexcept { return zo::hashText(key); }
+  static zo::HashedKey hashKey(std::wstring_view key) noexcept {
+    return zo::hashText(key.data(), key.size());
+  }
   static bool isEqual(const ZoString& mine, std::wstring_view key, bool bothPlain) noexcept {
-    return zo::equalTexts(mine.view(), key, bothPlain);
+    if (!bothPlain) return mine.equals(key, ZoString::ignoreCase);
+    return mine.length() == key.size() && zo::equalPlainTexts(mine.data(), key.data(), key.size());
   }
 };
