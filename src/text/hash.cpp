@@ -46,9 +46,9 @@ unsigned int hashExact(std::wstring_view text) noexcept {
   return left == 0 ? h : step(h, static_cast<std::uint32_t>(*at) << 16);
 }
 
-FoldedHash hashFolded(std::wstring_view text) noexcept {
-  const wchar_t* at = text.data();
-  size_t left = text.size();
+HashedKey hashFolded(const wchar_t* text, std::size_t length) noexcept {
+  const wchar_t* at = text;
+  size_t left = length;
   auto h = static_cast<std::uint32_t>(left);
   if (left < kLane) {
     bool printable = true;

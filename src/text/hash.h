@@ -5,6 +5,9 @@
 // place of four. The values fix the iteration order of dictionaries: never change them.
 #pragma once
 
+#include <zo/text/hashed_key.h>
+
+#include <cstddef>
 #include <string_view>
 
 namespace zo {
@@ -12,18 +15,7 @@ namespace zo {
 // Words of two units, the first in the low half; an odd last unit is a word with the unit in the
 // HIGH half. Starts from the length.
 [[nodiscard]] unsigned int hashExact(std::wstring_view text) noexcept;
-// Words of one unit, a to z folded to A to Z. Starts from the length.
-// One number for both results, which a struct of two would pass through memory.
-class FoldedHash {
- public:
-  FoldedHash(unsigned int hash, bool printableAscii) noexcept
-      : m_bits(hash | static_cast<unsigned long long>(printableAscii) << 32) {}
-  [[nodiscard]] unsigned int hash() const noexcept { return static_cast<unsigned int>(m_bits); }
-  [[nodiscard]] bool printableAscii() const noexcept { return m_bits >> 32 != 0; }  // every unit is
-
- private:
-  unsigned long long m_bits;
-};
-[[nodiscard]] FoldedHash hashFolded(std::wstring_view text) noexcept;
+// Words of one unit, a to z folded to A to Z. Starts from the length. Plain: printable ASCII.
+[[nodiscard]] HashedKey hashFolded(const wchar_t* text, std::size_t length) noexcept;
 
 }  // namespace zo

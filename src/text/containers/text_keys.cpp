@@ -14,8 +14,7 @@ __m128i equal8(const wchar_t* a, const wchar_t* b) noexcept {
 }  // namespace
 
 HashedKey hashText(const wchar_t* text, std::size_t length) noexcept {
-  const FoldedHash folded = hashFolded({text, length});
-  return {folded.hash(), folded.printableAscii()};
+  return hashFolded(text, length);
 }
 
 bool equalPlainTexts(const wchar_t* a, const wchar_t* b, std::size_t length) noexcept {
