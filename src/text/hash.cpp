@@ -76,7 +76,8 @@ HashedKey hashFolded(const wchar_t* text, std::size_t length) noexcept {
   printable = _mm_and_si128(printable, between8(units, L' ', L'~'));
   const __m128i index = _mm_set_epi16(7, 6, 5, 4, 3, 2, 1, 0);
   const __m128i taken = _mm_cmplt_epi16(index, _mm_set1_epi16(static_cast<short>(kLane - left)));
-  const std::uint32_t rest = joinLanes(addEight(_mm_setzero_si128(), _mm_andnot_si128(taken, units)));
+  const std::uint32_t rest =
+      joinLanes(addEight(_mm_setzero_si128(), _mm_andnot_si128(taken, units)));
   return {std::rotl(h, static_cast<int>(5 * left % 32)) ^ rest, mask8(printable) == 0xFFFF};
 }
 

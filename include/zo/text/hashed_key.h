@@ -6,12 +6,13 @@ namespace zo {
 // One number for both, which a struct of two would pass through memory.
 class HashedKey {
  public:
-  HashedKey(unsigned hash, bool plain) noexcept : m_bits(hash | static_cast<unsigned long long>(plain) << 32) {}
-  [[nodiscard]] unsigned hash() const noexcept { return static_cast<unsigned>(m_bits); }
-  [[nodiscard]] bool plain() const noexcept { return m_bits >> 32 != 0; }
+  HashedKey(unsigned hash, bool plain) noexcept
+      : bits_(hash | static_cast<unsigned long long>(plain) << 32) {}
+  [[nodiscard]] unsigned hash() const noexcept { return static_cast<unsigned>(bits_); }
+  [[nodiscard]] bool plain() const noexcept { return bits_ >> 32 != 0; }
 
  private:
-  unsigned long long m_bits;
+  unsigned long long bits_;
 };
 
 }  // namespace zo

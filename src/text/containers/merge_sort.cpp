@@ -14,13 +14,14 @@ constexpr std::size_t kLongestRun = 32;
 template <Words kKind>
 class Sorter {
  public:
-  Sorter(const ElementCompare& compare, bool ascending) : m_compare(compare), m_ascending(ascending) {}
+  Sorter(const ElementCompare& compare, bool ascending)
+      : compare_(compare), ascending_(ascending) {}
 
   // Takes pointers to words.
   bool before(void* const* a, void* const* b) const {
     const void* const x = kKind == Words::kPointers ? *a : static_cast<const void*>(a);
     const void* const y = kKind == Words::kPointers ? *b : static_cast<const void*>(b);
-    return m_ascending ? m_compare.compare(x, y) < 0 : m_compare.compare(y, x) < 0;
+    return ascending_ ? compare_.compare(x, y) < 0 : compare_.compare(y, x) < 0;
   }
 
   void insertionSort(void** first, void** end) const {
@@ -65,7 +66,8 @@ class Sorter {
     std::size_t runs = 1;
     while (n > runs * kLongestRun) runs *= 2;
     const auto startOf = [=](std::size_t run) { return run * n / runs; };
-    for (std::size_t run = 0; run < runs; ++run) insertionSort(words + startOf(run), words + startOf(run + 1));
+    for (std::size_t run = 0; run < runs; ++run)
+      insertionSort(words + startOf(run), words + startOf(run + 1));
     if (runs == 1) return ZoResult::ok;
     const PointerBuffer spare(n);
     if (!spare) return ZoResult::outOfMemory;
@@ -74,7 +76,8 @@ class Sorter {
     for (std::size_t width = 1; width < runs; width *= 2) {
       for (std::size_t run = 0; run < runs; run += 2 * width) {
         const std::size_t first = startOf(run);
-        merge(from + first, from + startOf(run + width), from + startOf(run + 2 * width), to + first);
+        merge(from + first, from + startOf(run + width), from + startOf(run + 2 * width),
+              to + first);
       }
       std::swap(from, to);
     }
@@ -83,14 +86,16 @@ class Sorter {
   }
 
  private:
-  const ElementCompare& m_compare;
-  bool m_ascending;
+  const ElementCompare& compare_;
+  bool ascending_;
 };
 
 }  // namespace
 
-int mergeSort(void** words, std::size_t n, Words kind, const ElementCompare& compare, bool ascending, bool& changed) {
-  if (kind == Words::kPointers) return Sorter<Words::kPointers>(compare, ascending).sort(words, n, changed);
+int mergeSort(void** words, std::size_t n, Words kind, const ElementCompare& compare,
+              bool ascending, bool& changed) {
+  if (kind == Words::kPointers)
+    return Sorter<Words::kPointers>(compare, ascending).sort(words, n, changed);
   return Sorter<Words::kElements>(compare, ascending).sort(words, n, changed);
 }
 

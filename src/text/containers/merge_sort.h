@@ -12,17 +12,17 @@ namespace zo {
 class PointerBuffer {
  public:
   explicit PointerBuffer(std::size_t n) noexcept
-      : m_data(static_cast<void**>(allocateBlock(n * sizeof(void*), alignof(void*)))) {}
-  ~PointerBuffer() { freeBlock(m_data, alignof(void*)); }
+      : data_(static_cast<void**>(allocateBlock(n * sizeof(void*), alignof(void*)))) {}
+  ~PointerBuffer() { freeBlock(data_, alignof(void*)); }
   PointerBuffer(const PointerBuffer&) = delete;
   PointerBuffer& operator=(const PointerBuffer&) = delete;
 
-  explicit operator bool() const noexcept { return m_data != nullptr; }
-  void** data() const noexcept { return m_data; }
-  void*& operator[](std::size_t i) const noexcept { return m_data[i]; }
+  explicit operator bool() const noexcept { return data_ != nullptr; }
+  void** data() const noexcept { return data_; }
+  void*& operator[](std::size_t i) const noexcept { return data_[i]; }
 
  private:
-  void** m_data;
+  void** data_;
 };
 
 // Sorts words, each of which points to an element (kPointers) or is an element of that size (kElements). Equal
@@ -30,6 +30,7 @@ class PointerBuffer {
 // there is none). When the compare object throws, some words may stand twice and others be missing, so
 // they must be copies of what the container holds.
 enum class Words { kPointers, kElements };
-int mergeSort(void** words, std::size_t n, Words kind, const ElementCompare& compare, bool ascending, bool& changed);
+int mergeSort(void** words, std::size_t n, Words kind, const ElementCompare& compare,
+              bool ascending, bool& changed);
 
 }  // namespace zo

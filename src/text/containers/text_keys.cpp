@@ -30,7 +30,8 @@ bool equalPlainTexts(const wchar_t* a, const wchar_t* b, std::size_t length) noe
   const std::size_t second = last < kLane ? last : kLane;
   __m128i equal = _mm_and_si128(equal8(a, b), equal8(a + last, b + last));
   equal = _mm_and_si128(equal, equal8(a + second, b + second));
-  for (std::size_t i = 2 * kLane; i < last; i += kLane) equal = _mm_and_si128(equal, equal8(a + i, b + i));
+  for (std::size_t i = 2 * kLane; i < last; i += kLane)
+    equal = _mm_and_si128(equal, equal8(a + i, b + i));
   return mask8(equal) == 0xFFFF;
 }
 

@@ -42,13 +42,13 @@ class DictIterator {
   using reference = DictEntry<T, K>;
 
   DictIterator() = default;
-  explicit DictIterator(const Dict& dict) : m_dict(&dict) { dict.walk(m_cursor); }
+  explicit DictIterator(const Dict& dict) : dict_(&dict) { dict.walk(cursor_); }
 
   reference operator*() const {
-    return {*static_cast<const K*>(m_cursor.key), *static_cast<T*>(m_cursor.value)};
+    return {*static_cast<const K*>(cursor_.key), *static_cast<T*>(cursor_.value)};
   }
   DictIterator& operator++() {
-    m_dict->walk(m_cursor);
+    dict_->walk(cursor_);
     return *this;
   }
   DictIterator operator++(int) {
@@ -56,11 +56,11 @@ class DictIterator {
     ++*this;
     return before;
   }
-  bool operator==(const DictIterator& other) const { return m_cursor.node == other.m_cursor.node; }
+  bool operator==(const DictIterator& other) const { return cursor_.node == other.cursor_.node; }
 
  private:
-  const Dict* m_dict = nullptr;
-  DictCursor m_cursor;
+  const Dict* dict_ = nullptr;
+  DictCursor cursor_;
 };
 
 }  // namespace zo
@@ -118,6 +118,7 @@ class ZoDict : public ZoContainer<T> {
   ZoDict(const ZoDict&) = default;
   ZoDict& operator=(const ZoDict&) = default;
 
-  virtual T* locate(const K& key) const = 0;      // the value, or null
-  virtual int take(const K& key, T* out) = 0;     // removes; moves the value to *out unless that is null
+  virtual T* locate(const K& key) const = 0;  // the value, or null
+  virtual int take(const K& key,
+                   T* out) = 0;  // removes; moves the value to *out unless that is null
 };

@@ -14,13 +14,13 @@ namespace zo {
 template <class T, class K, class Base>
 class HashWalker : public Base {
  public:
-  void reset() final { m_walk.reset(); }
-  bool toFirst() final { return m_walk.toFirst(); }
-  [[nodiscard]] bool atFirst() const final { return m_walk.atFirst(); }
-  [[nodiscard]] bool isValid() const final { return m_walk.isValid(); }
-  bool next() final { return m_walk.next(); }
+  void reset() final { walk_.reset(); }
+  bool toFirst() final { return walk_.toFirst(); }
+  [[nodiscard]] bool atFirst() const final { return walk_.atFirst(); }
+  [[nodiscard]] bool isValid() const final { return walk_.isValid(); }
+  bool next() final { return walk_.next(); }
   [[nodiscard]] const K* key() const final {
-    const auto* const node = static_cast<const HashNode<T, K>*>(m_walk.node());
+    const auto* const node = static_cast<const HashNode<T, K>*>(walk_.node());
     return node ? &node->key : nullptr;
   }
 
@@ -31,15 +31,15 @@ class HashWalker : public Base {
   [[nodiscard]] auto operator()() const noexcept { return current(); }
 
  protected:
-  explicit HashWalker(ZoVHash& hash) noexcept : m_walk(hash) {}
+  explicit HashWalker(ZoVHash& hash) noexcept : walk_(hash) {}
 
   [[nodiscard]] const T* element() const final { return place(); }
   [[nodiscard]] T* place() const noexcept {
-    auto* const node = static_cast<HashNode<T, K>*>(m_walk.node());
+    auto* const node = static_cast<HashNode<T, K>*>(walk_.node());
     return node ? &node->value : nullptr;
   }
 
-  ZoVHashIterator m_walk;
+  ZoVHashIterator walk_;
 };
 
 }  // namespace zo
@@ -48,13 +48,13 @@ template <class T, class K, class H = ZoCIHashValue<K>>
 class ZoHashDictIterator final : public zo::HashWalker<T, K, ZoDictIterator<T, K>> {
  public:
   explicit ZoHashDictIterator(ZoHashDict<T, K, H>& dict) noexcept
-      : zo::HashWalker<T, K, ZoDictIterator<T, K>>(dict.m_hash) {}
+      : zo::HashWalker<T, K, ZoDictIterator<T, K>>(dict.hash_) {}
 
   using zo::HashWalker<T, K, ZoDictIterator<T, K>>::reset;
-  void reset(ZoHashDict<T, K, H>& dict) noexcept { this->m_walk.reset(dict.m_hash); }
+  void reset(ZoHashDict<T, K, H>& dict) noexcept { this->walk_.reset(dict.hash_); }
 
  protected:
-  int take(T* out) final { return this->m_walk.remove(out); }
+  int take(T* out) final { return this->walk_.remove(out); }
 };
 
 template <class T, class K, class H = ZoCIHashValue<K>>
@@ -62,8 +62,10 @@ class ZoHashDictCIterator final : public zo::HashWalker<T, K, ZoDictCIterator<T,
  public:
   // The engine's iterator can change its table; this class does not let it.
   explicit ZoHashDictCIterator(const ZoHashDict<T, K, H>& dict) noexcept
-      : zo::HashWalker<T, K, ZoDictCIterator<T, K>>(const_cast<ZoVHash&>(dict.m_hash)) {}
+      : zo::HashWalker<T, K, ZoDictCIterator<T, K>>(const_cast<ZoVHash&>(dict.hash_)) {}
 
   using zo::HashWalker<T, K, ZoDictCIterator<T, K>>::reset;
-  void reset(const ZoHashDict<T, K, H>& dict) noexcept { this->m_walk.reset(const_cast<ZoVHash&>(dict.m_hash)); }
+  void reset(const ZoHashDict<T, K, H>& dict) noexcept {
+    this->walk_.reset(const_cast<ZoVHash&>(dict.hash_));
+  }
 };

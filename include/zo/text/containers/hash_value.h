@@ -37,12 +37,14 @@ class ZoCIHashValue : public ZoHashValue<K> {};
 template <class K>
 class ZoHashKey final : public ZoVHashKey {
  public:
-  explicit ZoHashKey(const ZoHashValue<K>& policy) noexcept : m_policy(&policy) {}
+  explicit ZoHashKey(const ZoHashValue<K>& policy) noexcept : policy_(&policy) {}
   int compare(const void* a, const void* b) const override {
-    return m_policy->compare(*static_cast<const K*>(a), *static_cast<const K*>(b));
+    return policy_->compare(*static_cast<const K*>(a), *static_cast<const K*>(b));
   }
-  unsigned hash(const void* key) const override { return m_policy->hash(*static_cast<const K*>(key)); }
+  unsigned hash(const void* key) const override {
+    return policy_->hash(*static_cast<const K*>(key));
+  }
 
  private:
-  const ZoHashValue<K>* m_policy;  // not owned; outlives this
+  const ZoHashValue<K>* policy_;  // not owned; outlives this
 };

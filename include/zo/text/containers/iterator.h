@@ -25,17 +25,17 @@ class Remaining {
   using difference_type = std::ptrdiff_t;
 
   Remaining() = default;
-  explicit Remaining(Iterator& iterator) noexcept : m_iterator(&iterator) {}
-  T& operator*() const { return *m_iterator->current(); }
+  explicit Remaining(Iterator& iterator) noexcept : iterator_(&iterator) {}
+  T& operator*() const { return *iterator_->current(); }
   Remaining& operator++() {
-    m_iterator->next();
+    iterator_->next();
     return *this;
   }
-  void operator++(int) { m_iterator->next(); }
-  bool operator==(std::default_sentinel_t) const { return !m_iterator->isValid(); }
+  void operator++(int) { iterator_->next(); }
+  bool operator==(std::default_sentinel_t) const { return !iterator_->isValid(); }
 
  private:
-  Iterator* m_iterator = nullptr;
+  Iterator* iterator_ = nullptr;
 };
 
 }  // namespace zo
@@ -84,7 +84,9 @@ class ZoCIterator {
 template <class T>
 class ZoIterator : public virtual ZoCIterator<T> {
  public:
-  [[nodiscard]] T* current() const { return const_cast<T*>(this->element()); }  // NOLINT: the container is not const
+  [[nodiscard]] T* current() const {
+    return const_cast<T*>(this->element());
+  }  // NOLINT: the container is not const
   [[nodiscard]] T* operator()() const { return current(); }
 
   // Removes the current element and stands on the following one. 1 when not valid. The element is moved to out.

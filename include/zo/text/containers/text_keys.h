@@ -27,20 +27,25 @@ inline constexpr bool isRelocatable<ZoString> = true;
 // Plain: printable ASCII. (Texts go as pointer and length: a view would be passed through memory.)
 [[nodiscard]] ZO_COM_API HashedKey hashText(const wchar_t* text, std::size_t length) noexcept;
 // Whether plain texts of one length are equal ignoring case.
-[[nodiscard]] ZO_COM_API bool equalPlainTexts(const wchar_t* a, const wchar_t* b, std::size_t length) noexcept;
+[[nodiscard]] ZO_COM_API bool equalPlainTexts(const wchar_t* a, const wchar_t* b,
+                                              std::size_t length) noexcept;
 
 }  // namespace zo
 
 template <>
 class ZoCICompare<ZoString> : public ZoCompare<ZoString> {
  public:
-  int compare(const ZoString& a, const ZoString& b) const override { return a.compareTo(b, ZoString::ignoreCase); }
+  int compare(const ZoString& a, const ZoString& b) const override {
+    return a.compareTo(b, ZoString::ignoreCase);
+  }
 };
 
 template <>
 class ZoCIHashValue<ZoString> : public ZoHashValue<ZoString> {
  public:
-  int compare(const ZoString& a, const ZoString& b) const override { return a.compareTo(b, ZoString::ignoreCase); }
+  int compare(const ZoString& a, const ZoString& b) const override {
+    return a.compareTo(b, ZoString::ignoreCase);
+  }
   unsigned hash(const ZoString& key) const override { return key.hash(ZoString::ignoreCase); }
 
   // For look-up without virtual calls.

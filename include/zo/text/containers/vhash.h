@@ -64,30 +64,30 @@ class ZO_COM_API ZoVHashTable {
   virtual void unlink(unsigned bucket, ZoVHashNode* node);
   virtual void removeAll();  // deletes every node; the buckets stay
 
-  [[nodiscard]] unsigned buckets() const noexcept { return m_bucketCount; }
+  [[nodiscard]] unsigned buckets() const noexcept { return bucketCount_; }
   [[nodiscard]] unsigned bucketOf(unsigned hash) const noexcept {
-    return m_mask ? hash & m_mask : hash % m_bucketCount;
+    return mask_ ? hash & mask_ : hash % bucketCount_;
   }
-  [[nodiscard]] ZoVHashNode** chain(unsigned bucket) const noexcept { return m_chains + bucket; }
+  [[nodiscard]] ZoVHashNode** chain(unsigned bucket) const noexcept { return chains_ + bucket; }
   // Takes over the nodes' memory of a storage of the same type.
   void absorb(ZoVHashTable& other) noexcept;
   // Changes whenever a node has been removed or has moved to another storage.
-  [[nodiscard]] unsigned removals() const noexcept { return m_removals; }
+  [[nodiscard]] unsigned removals() const noexcept { return removals_; }
 
  protected:
-  ZoVHashTable(std::size_t nodeSize, std::size_t alignment) noexcept : m_pool(nodeSize, alignment) {}
+  ZoVHashTable(std::size_t nodeSize, std::size_t alignment) noexcept : pool_(nodeSize, alignment) {}
   ZoVHashTable(const ZoVHashTable&) = delete;
   ZoVHashTable& operator=(const ZoVHashTable&) = delete;
 
   bool makeBuckets(unsigned n) noexcept;  // once, before anything else
 
-  zo::NodePool m_pool;
+  zo::NodePool pool_;
 
  private:
-  ZoVHashNode** m_chains = nullptr;
-  unsigned m_bucketCount = 0;
-  unsigned m_mask = 0;  // the number of buckets - 1 when that is a power of two
-  unsigned m_removals = 0;
+  ZoVHashNode** chains_ = nullptr;
+  unsigned bucketCount_ = 0;
+  unsigned mask_ = 0;  // the number of buckets - 1 when that is a power of two
+  unsigned removals_ = 0;
 };
 
 class ZO_COM_API ZoVHash {
@@ -114,7 +114,7 @@ class ZO_COM_API ZoVHash {
   virtual int getAt(const void* key, void* outValue, const ZoVHashKey* hashKey) const;
   virtual bool isEmpty() const;
   virtual bool isValid(const void* key, const ZoVHashKey* hashKey) const;  // the key is present
-  virtual double collisionRatio() const;                                  // collisions / entries; 0 when empty
+  virtual double collisionRatio() const;  // collisions / entries; 0 when empty
   // Rehashes into the given number of buckets. Refuses 0 buckets and a load factor that is not above 0. With fewer
   // buckets than the load factor asks for, the table grows again on the way, by doubling.
   virtual int setCapacity(unsigned buckets, double loadFactor, const ZoVHashKey* hashKey);
@@ -123,8 +123,9 @@ class ZO_COM_API ZoVHash {
   // Refuses a key that is present. The load is tested before the key is looked up, so a refused insertion may
   // still have grown the table; that is deliberate.
   virtual int insertAt(const void* key, const void* value, const ZoVHashKey* hashKey);
-  virtual int setAt(const void* key, const void* value, const ZoVHashKey* hashKey);  // refuses an absent key
-  virtual int removeAll();  // the number of buckets stays
+  virtual int setAt(const void* key, const void* value,
+                    const ZoVHashKey* hashKey);  // refuses an absent key
+  virtual int removeAll();                       // the number of buckets stays
   virtual int removeAt(const void* key, void* outValue, const ZoVHashKey* hashKey);
 
   // The bucket of a key that is present, or npos.
@@ -134,8 +135,8 @@ class ZO_COM_API ZoVHash {
   // deliberate; insertAt and setCapacity ask for the memory first and lose nothing.
   int resize(const ZoVHashKey* hashKey);
 
-  [[nodiscard]] unsigned buckets() const noexcept { return m_buckets; }
-  [[nodiscard]] double loadFactor() const noexcept { return m_loadFactor; }
+  [[nodiscard]] unsigned buckets() const noexcept { return buckets_; }
+  [[nodiscard]] double loadFactor() const noexcept { return loadFactor_; }
   [[nodiscard]] ZoHashStats stats() const;
   // True when fields, chains and kept hash values agree, and no key is there twice.
   [[nodiscard]] bool validate(const ZoVHashKey* hashKey) const;
@@ -146,21 +147,21 @@ class ZO_COM_API ZoVHash {
   friend class ZoVHashIterator;
 
   [[nodiscard]] bool isOverloaded() const noexcept {
-    return static_cast<double>(m_entries) / static_cast<double>(m_buckets) > m_loadFactor;
+    return static_cast<double>(entries_) / static_cast<double>(buckets_) > loadFactor_;
   }
-  int grow();                               // like resize, but loses nothing
-  void moveInto(ZoVHashTable* table);       // every element, to a new storage
-  void insertNode(ZoVHashNode* node);       // whose hash is set and whose key is not present
+  int grow();                          // like resize, but loses nothing
+  void moveInto(ZoVHashTable* table);  // every element, to a new storage
+  void insertNode(ZoVHashNode* node);  // whose hash is set and whose key is not present
   void removeNode(unsigned bucket, ZoVHashNode* node);
   ZoVHashNode* find(const void* key, const ZoVHashKey* hashKey) const;
   ZoVHashNode* scan(const void* key, const zo::ElementCompare* compare) const;
   void swap(ZoVHash& other) noexcept;
 
-  unsigned m_entries = 0;
-  unsigned m_buckets;
-  unsigned m_collisions = 0;
-  double m_loadFactor;
-  ZoVHashTable* m_table;
+  unsigned entries_ = 0;
+  unsigned buckets_;
+  unsigned collisions_ = 0;
+  double loadFactor_;
+  ZoVHashTable* table_;
 };
 
 static_assert(sizeof(ZoVHash) == 8 + 4 * 4 + 8 + 8,
@@ -171,11 +172,11 @@ static_assert(sizeof(ZoVHash) == 8 + 4 * 4 + 8 + 8,
 // removals: after one, its next use looks for its node, O(entries). The table must outlive it.
 class ZO_COM_API ZoVHashIterator {
  public:
-  explicit ZoVHashIterator(ZoVHash& hash) noexcept : m_hash(&hash) { reset(); }
+  explicit ZoVHashIterator(ZoVHash& hash) noexcept : hash_(&hash) { reset(); }
 
   void reset() noexcept { toFirst(); }  // to the first element
   void reset(ZoVHash& hash) noexcept {
-    m_hash = &hash;
+    hash_ = &hash;
     reset();
   }
   // Movements tell whether the iterator is valid afterwards.
@@ -190,8 +191,8 @@ class ZO_COM_API ZoVHashIterator {
   int remove(void* outValue);  // stands on the following element then
 
   [[nodiscard]] ZoVHashNode* node() const noexcept {
-    if (m_table != m_hash->m_table || (m_table && m_removals != m_table->removals())) find();
-    return m_node;
+    if (table_ != hash_->table_ || (table_ && removals_ != table_->removals())) find();
+    return node_;
   }
 
  private:
@@ -200,8 +201,8 @@ class ZO_COM_API ZoVHashIterator {
   ZoVHashNode* following(const ZoVHashNode* node) const noexcept;
   void find() const noexcept;
 
-  ZoVHash* m_hash;
-  mutable const ZoVHashTable* m_table = nullptr;
-  mutable ZoVHashNode* m_node = nullptr;
-  mutable unsigned m_removals = 0;
+  ZoVHash* hash_;
+  mutable const ZoVHashTable* table_ = nullptr;
+  mutable ZoVHashNode* node_ = nullptr;
+  mutable unsigned removals_ = 0;
 };
