@@ -43,7 +43,8 @@ std::vector<std::wstring> keyTexts(int64_t n, Found found) {
   return keys;
 }
 
-// The keys that are looked for: every other one in another case, and none sharing storage with the stored ones.
+// The keys that are looked for: every other one in another case, and none sharing storage with the
+// stored ones.
 std::vector<std::wstring> askedTexts(int64_t n, Found found) {
   std::vector<std::wstring> keys = keyTexts(n, found);
   for (size_t i = 0; i < keys.size(); i += 2) {
@@ -179,8 +180,8 @@ Container filled(int64_t n) {
   return container;
 }
 
-// A little work on each element, which depends on that before: a shorter loop would measure how the compiler has
-// aligned it.
+// A little work on each element, which depends on that before: a shorter loop would measure how the
+// compiler has aligned it.
 int use(int sum, int element) {
   return static_cast<int>(std::rotl(static_cast<unsigned>(sum), 1)) ^ element;
 }

@@ -71,7 +71,8 @@ HashedKey hashFolded(const wchar_t* text, std::size_t length) noexcept {
     lanes = addEight(lanes, units);
   }
   h = joinLanes(lanes);
-  // The rest without a loop: the last eight units with those that were taken already set to zero, which adds nothing.
+  // The rest without a loop: the last eight units with those that were taken already set to zero,
+  // which adds nothing.
   const __m128i units = load8(at + left - kLane);
   printable = _mm_and_si128(printable, between8(units, L' ', L'~'));
   const __m128i index = _mm_set_epi16(7, 6, 5, 4, 3, 2, 1, 0);

@@ -26,8 +26,8 @@ inline void copying() {
   throw CopyFailed();
 }
 
-// Counts itself, notices use before construction and after destruction, and fails to be copied on demand. With
-// kMoves it has a move that cannot throw, else only the copy.
+// Counts itself, notices use before construction and after destruction, and fails to be copied on
+// demand. With kMoves it has a move that cannot throw, else only the copy.
 template <bool kMoves>
 class Element {
  public:

@@ -1,4 +1,5 @@
-// A hash value, and whether it decides equality: two plain keys with different hash values are not equal.
+// A hash value, and whether it decides equality: two plain keys with different hash values are not
+// equal.
 #pragma once
 
 namespace zo {

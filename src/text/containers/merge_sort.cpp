@@ -7,8 +7,8 @@
 namespace zo {
 namespace {
 
-// Runs of about this length are made by insertion, halving for the place: so few elements are moved quickly, and
-// comparing is what costs.
+// Runs of about this length are made by insertion, halving for the place: so few elements are moved
+// quickly, and comparing is what costs.
 constexpr std::size_t kLongestRun = 32;
 
 template <Words kKind>

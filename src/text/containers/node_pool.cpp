@@ -6,7 +6,7 @@ namespace zo {
 namespace {
 
 constexpr std::size_t kFirstChunkNodes = 8;
-constexpr std::size_t kLargestChunkBytes = 64 * 1024;
+constexpr std::size_t kLargestChunkBytes = std::size_t{64} * 1024;
 
 #ifdef ZO_GUARDED
 constexpr bool kSeparateNodes = true;

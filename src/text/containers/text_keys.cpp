@@ -25,7 +25,8 @@ bool equalPlainTexts(const wchar_t* a, const wchar_t* b, std::size_t length) noe
     }
     return true;
   }
-  // Up to 24 units in three steps that overlap, without a branch on the length; then what lies between.
+  // Up to 24 units in three steps that overlap, without a branch on the length; then what lies
+  // between.
   const std::size_t last = length - kLane;
   const std::size_t second = last < kLane ? last : kLane;
   __m128i equal = _mm_and_si128(equal8(a, b), equal8(a + last, b + last));

@@ -21,7 +21,7 @@ ZoVArray::ZoVArray(ZoVArrayTable* table, unsigned capacity, unsigned growSize)
     resize(capacity);  // without memory the array starts smaller, and grows when used
 }
 
-ZoVArray::ZoVArray(const ZoVArray& other) : growSize_(other.growSize_), table_(nullptr) {
+ZoVArray::ZoVArray(const ZoVArray& other) : growSize_(other.growSize_) {
   if (!other.table_) return;
   table_ = other.table_->makeNew();
   if (!table_) throw std::bad_alloc();
@@ -33,9 +33,7 @@ ZoVArray::ZoVArray(const ZoVArray& other) : growSize_(other.growSize_), table_(n
   }
 }
 
-ZoVArray::ZoVArray(ZoVArray&& other) noexcept : growSize_(other.growSize_), table_(nullptr) {
-  swap(other);
-}
+ZoVArray::ZoVArray(ZoVArray&& other) noexcept : growSize_(other.growSize_) { swap(other); }
 
 ZoVArray& ZoVArray::operator=(const ZoVArray& other) {
   if (this != &other) {
@@ -135,7 +133,7 @@ int ZoVArray::remove(const void* value, const ZoVArrayCompare* compare, bool all
   if (found == zo::npos) return ZoResult::refused;
   if (!all) return removeAt(found, nullptr);
   // All are compared before one goes: the value may be an element, and comparing may throw.
-  zo::PointerBuffer kept(entries_);
+  const zo::PointerBuffer kept(entries_);
   if (!kept) return ZoResult::outOfMemory;
   unsigned n = 0;
   for (unsigned i = 0; i < entries_; ++i) {
@@ -173,10 +171,11 @@ int ZoVArray::sort(const ZoVArrayCompare* compare, bool ascending) {
   if (table_
           ->holdsWords()) {  // sorting the elements themselves saves a step from pointer to element
     const std::size_t bytes = entries_ * sizeof(void*);
-    std::memcpy(order.data(), table_->at(0), bytes);
+    std::memcpy(static_cast<void*>(order.data()), table_->at(0), bytes);
     const int status =
         zo::mergeSort(order.data(), entries_, zo::Words::kElements, *compare, ascending, changed);
-    if (status == ZoResult::ok) std::memcpy(table_->at(0), order.data(), bytes);
+    if (status == ZoResult::ok)
+      std::memcpy(table_->at(0), static_cast<const void*>(order.data()), bytes);
     return status;
   }
   for (unsigned i = 0; i < entries_; ++i) order[i] = table_->at(i);

@@ -11,7 +11,7 @@ constexpr unsigned kMostEntries = zo::npos - 1;  // npos itself is no position
 constexpr unsigned kMostBuckets = 1u << 31;
 }  // namespace
 
-ZoVHashTable::~ZoVHashTable() { zo::freeBlock(chains_, alignof(ZoVHashNode*)); }
+ZoVHashTable::~ZoVHashTable() { zo::freeBlock(static_cast<void*>(chains_), alignof(ZoVHashNode*)); }
 
 bool ZoVHashTable::makeBuckets(unsigned n) noexcept {
   if (n == 0) return false;
@@ -222,7 +222,8 @@ int ZoVHash::grow() {
   return ZoResult::ok;
 }
 
-// As if each element were inserted anew, with the test of the load (which may grow the table once more on the way).
+// As if each element were inserted anew, with the test of the load (which may grow the table once
+// more on the way).
 void ZoVHash::moveInto(ZoVHashTable* table) {
   const std::unique_ptr<ZoVHashTable> old(std::exchange(table_, table));
   buckets_ = table->buckets();
@@ -307,6 +308,7 @@ bool ZoVHashIterator::stand(ZoVHashNode* node) noexcept {
 }
 
 ZoVHashNode* ZoVHashIterator::firstFrom(unsigned bucket) const noexcept {
+  if (!hash_->table_) return nullptr;
   for (; bucket < hash_->buckets_; ++bucket) {
     if (ZoVHashNode* const node = hash_->table_->first(bucket)) return node;
   }

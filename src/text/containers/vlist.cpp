@@ -13,14 +13,14 @@ constexpr unsigned kMostEntries = zo::npos - 1;  // npos itself is no position
 
 ZoVListMem::~ZoVListMem() = default;
 
-ZoVList::ZoVList(const ZoVList& other) : mem_(nullptr) {
+ZoVList::ZoVList(const ZoVList& other) {
   if (!other.mem_) return;
   ZoVList copy(other.mem_->makeNew());
   if (!copy.mem_ || copy.append(other) == ZoResult::outOfMemory) throw std::bad_alloc();
   swap(copy);
 }
 
-ZoVList::ZoVList(ZoVList&& other) noexcept : mem_(nullptr) { swap(other); }
+ZoVList::ZoVList(ZoVList&& other) noexcept { swap(other); }
 
 ZoVList& ZoVList::operator=(const ZoVList& other) {
   if (this != &other) {
@@ -133,7 +133,8 @@ int ZoVList::apply(ZoVListApply* applyFn) const {
 
 int ZoVList::remove(const void* value, const ZoVListCompare* compare, bool all) {
   if (!value || !compare || !first_) return ZoResult::refused;
-  // Matches go only when all have been compared: the value may be one of them, and comparing may throw.
+  // Matches go only when all have been compared: the value may be one of them, and comparing may
+  // throw.
   const zo::PointerBuffer matches(all ? entries_ : 1);
   if (!matches) return ZoResult::outOfMemory;
   std::size_t n = 0;

@@ -2,6 +2,7 @@
 #include <zo/text/containers/vtree.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <new>
 #include <utility>
 
@@ -74,7 +75,7 @@ ZoVTree::ZoVTree(ZoVTreeMem* mem, const ZoVTree& other, const ZoVTreeCompare* co
   }
 }
 
-ZoVTree::ZoVTree(ZoVTree&& other) noexcept : mem_(nullptr) { swap(other); }
+ZoVTree::ZoVTree(ZoVTree&& other) noexcept { swap(other); }
 
 ZoVTree& ZoVTree::operator=(ZoVTree&& other) noexcept {
   if (this != &other) {
@@ -317,7 +318,8 @@ void ZoVTree::rotationToLeft(ZoVTreeNode*& node) noexcept {
   ZoVTreeNode* const child = node->right;
   node->right = child->left;
   child->left = node;
-  // The child is balanced only when a removal on the other side asked for the rotation; the height stays then.
+  // The child is balanced only when a removal on the other side asked for the rotation; the height
+  // stays then.
   node->balance = child->balance == 0 ? 1 : 0;
   child->balance = child->balance == 0 ? -1 : 0;
   node = child;

@@ -1,13 +1,15 @@
 // ZoArray<T>: a sequence in one contiguous table.
 //
-// Elements lie side by side, and are reached inline. The default array starts without memory, with a grow size of
-// kFirstGrowSize; when it is full it raises its grow size to its capacity first, so that n appends cost O(n). A grow
-// size set by setGrowSize is raised likewise, except 0: then a full array refuses to grow (status 1).
+// Elements lie side by side, and are reached inline. The default array starts without memory, with
+// a grow size of kFirstGrowSize; when it is full it raises its grow size to its capacity first, so
+// that n appends cost O(n). A grow size set by setGrowSize is raised likewise, except 0: then a
+// full array refuses to grow (status 1).
 //
 // Elements that can only be moved are fine; operations that copy refuse them with 1.
 //
-// Errors, Threads, Cost: as in varray.h. Pointers, references and range-for iterators hold until the array grows or
-//          elements in front of them come or go; ZoArrayIterator goes by position and holds always.
+// Errors, Threads, Cost: as in varray.h. Pointers, references and range-for iterators hold until
+//          the array grows or elements in front of them come or go; ZoArrayIterator goes by
+//          position and holds always.
 #pragma once
 
 #include <zo/text/containers/apply.h>
@@ -31,7 +33,8 @@ class ZoArray : public ZoSequence<T> {
     for (const T& value : values) check(append(value));
   }
   explicit ZoArray(const ZoSequence<T>& other) : ZoArray() { check(append(other)); }
-  // Copies throw std::bad_alloc when there is no memory; moves leave the other array empty and usable.
+  // Copies throw std::bad_alloc when there is no memory; moves leave the other array empty and
+  // usable.
   ZoArray(const ZoArray&) = default;
   ZoArray(ZoArray&& other) noexcept : ZoSequence<T>(), array_(std::move(other.array_)) {}
   ZoArray& operator=(const ZoArray&) = default;

@@ -1,5 +1,5 @@
-// Iterators of ZoArray: they go by position, so they survive every change of the array and stand on whatever element
-// has their position then.
+// Iterators of ZoArray: they go by position, so they survive every change of the array and stand on
+// whatever element has their position then.
 #pragma once
 
 #include <zo/text/containers/array.h>

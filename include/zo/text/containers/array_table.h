@@ -1,7 +1,7 @@
 // The storage of ZoArray<T>: elements side by side in one block.
 //
-// Elements that can change their place without throwing are relocated; others are copied to a new block first, so
-// that an exception leaves the old one as it was.
+// Elements that can change their place without throwing are relocated; others are copied to a new
+// block first, so that an exception leaves the old one as it was.
 #pragma once
 
 #include <zo/text/containers/elements.h>

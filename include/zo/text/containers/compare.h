@@ -17,8 +17,9 @@ class ZoCompare {
   ZoCompare& operator=(const ZoCompare&) = default;
   virtual ~ZoCompare() = default;
 
-  // Negative, 0 or positive. A type without `<` is compared by `==` (0 or 1), one without both by identity.
-  virtual int compare(const T& a, const T& b) const {
+  // Negative, 0 or positive. A type without `<` is compared by `==` (0 or 1), one without both by
+  // identity.
+  [[nodiscard]] virtual int compare(const T& a, const T& b) const {
     if constexpr (requires { a < b; }) {
       return a < b ? -1 : b < a ? 1 : 0;
     } else if constexpr (requires { a == b; }) {

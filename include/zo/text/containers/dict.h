@@ -1,9 +1,10 @@
-// Any map from unique keys of type K to values of type T: ZoHashDict or ZoTree behind one interface.
+// Any map from unique keys of type K to values of type T: ZoHashDict or ZoTree behind one
+// interface.
 //
-// Results: 0 success; 1 refused (key present, key absent, an element that cannot be copied, no memory to grow a hash
-//          table); 2 out of memory. Nothing has changed then.
-// Ranges:  `for (auto [key, value] : dict)` visits every entry; key and value are references. Insertion and removal
-//          end such a walk.
+// Results: 0 success; 1 refused (key present, key absent, an element that cannot be copied, no
+//          memory to grow a hash table); 2 out of memory. Nothing has changed then.
+// Ranges:  `for (auto [key, value] : dict)` visits every entry; key and value are references.
+//          Insertion and removal end such a walk.
 #pragma once
 
 #include <zo/text/containers/compare.h>
@@ -95,8 +96,8 @@ class ZoDict : public ZoContainer<T> {
   int removeAt(const K& key) { return take(key, nullptr); }
   int removeAt(const K& key, T& out) { return take(key, &out); }
 
-  // Inserts the entries of another dictionary whose keys are not present. Stops at the first that is refused for
-  // another reason; those before it stay.
+  // Inserts the entries of another dictionary whose keys are not present. Stops at the first that
+  // is refused for another reason; those before it stay.
   int insertAll(const ZoDict& other) {
     for (auto [key, value] : other) {
       if (contains(key)) continue;

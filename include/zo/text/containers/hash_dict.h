@@ -1,11 +1,12 @@
-// ZoHashDict<T, K, H>: a dictionary in a hash table. H is the key policy, ZoCIHashValue<K> unless told otherwise:
-// text keys ignore case.
+// ZoHashDict<T, K, H>: a dictionary in a hash table. H is the key policy, ZoCIHashValue<K> unless
+// told otherwise: text keys ignore case.
 //
-// Made with 128 buckets and load factor 0.7; it doubles its buckets as it fills. Entries are visited bucket by bucket,
-// within a bucket in the order of insertion. Keys and values keep their addresses until they are removed.
+// Made with 128 buckets and load factor 0.7; it doubles its buckets as it fills. Entries are
+// visited bucket by bucket, within a bucket in the order of insertion. Keys and values keep their
+// addresses until they are removed.
 //
-// Where the policy knows other forms of a key (for ZoString: const wchar_t*, ZoSubString, std::wstring_view), look-up
-// takes them as they are, without making a key.
+// Where the policy knows other forms of a key (for ZoString: const wchar_t*, ZoSubString,
+// std::wstring_view), look-up takes them as they are, without making a key.
 //
 // Values and keys that can only be moved are fine; operations that copy refuse them with 1.
 //
@@ -25,7 +26,8 @@ namespace zo {
 template <class H, class Q>
 concept LookUpForm = requires(const Q& key) { H::lookUpForm(key); };
 
-// Range-for iterator of a hash dictionary: holds until its entry is removed. Growing changes what comes next.
+// Range-for iterator of a hash dictionary: holds until its entry is removed. Growing changes what
+// comes next.
 template <class T, class K>
 class HashIterator {
  public:
@@ -83,7 +85,8 @@ class ZoHashDict : public ZoDict<T, K> {
       check(insertAt(key, value));  // the first of equal keys stays
   }
   explicit ZoHashDict(const ZoDict<T, K>& other) : ZoHashDict() { check(this->insertAll(other)); }
-  // Copies throw std::bad_alloc when there is no memory; moves leave the other dictionary empty and usable.
+  // Copies throw std::bad_alloc when there is no memory; moves leave the other dictionary empty and
+  // usable.
   ZoHashDict(const ZoHashDict&) = default;
   ZoHashDict(ZoHashDict&& other) noexcept
       : ZoDict<T, K>(), hash_(std::move(other.hash_)), policy_(other.policy_) {}
@@ -156,7 +159,8 @@ class ZoHashDict : public ZoDict<T, K> {
     hash_.removeAll();
     return freeMemory ? setCapacity(ZoVHash::kDefaultBuckets, loadFactor()) : ZoResult::ok;
   }
-  // Refuses 0 buckets and a load factor that is not above 0. Buckets that are too few for the load factor double.
+  // Refuses 0 buckets and a load factor that is not above 0. Buckets that are too few for the load
+  // factor double.
   int setCapacity(unsigned buckets, double loadFactor) {
     if (const int status = makeTable()) return status;
     const ZoHashKey<K> adapter(policy_);

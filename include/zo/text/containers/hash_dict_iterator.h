@@ -1,6 +1,6 @@
-// Iterators of ZoHashDict: they stand on an entry, and survive insertions and the removal of other entries; growing
-// changes what comes next. When their own entry is removed by someone else they are not valid; see vhash.h for what
-// noticing that costs.
+// Iterators of ZoHashDict: they stand on an entry, and survive insertions and the removal of other
+// entries; growing changes what comes next. When their own entry is removed by someone else they
+// are not valid; see vhash.h for what noticing that costs.
 #pragma once
 
 #include <zo/text/containers/hash_dict.h>

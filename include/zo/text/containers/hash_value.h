@@ -1,9 +1,10 @@
 // Key policies of dictionaries: when keys are equal, and what they hash to.
 //
-// Keys that are equal must hash alike. A dictionary calls the policy of its own type H without virtual calls;
-// ZoHashKey<K> shows any policy to the engine. A policy may offer more for look-up (text_keys.h does):
-//   static Form lookUpForm(key)       what is hashed and compared, from a K or from another form of a key;
-//   static HashedKey hashKey(Form)    the same hash, for keys where equality does not always follow it;
+// Keys that are equal must hash alike. A dictionary calls the policy of its own type H without
+// virtual calls; ZoHashKey<K> shows any policy to the engine. A policy may offer more for look-up
+// (text_keys.h does):
+// static Form lookUpForm(key) what is hashed and compared, from a K or from another form of a key;
+// static HashedKey hashKey(Form) the same hash, for keys where equality does not always follow it;
 //   static bool isEqual(K, Form, bool bothPlain)
 //
 // Threads: stateless as given here; any number of threads.
@@ -23,8 +24,8 @@ class ZoHashValue {
   virtual ~ZoHashValue() = default;
 
   // 0 when the keys are equal.
-  virtual int compare(const K& a, const K& b) const { return a == b ? 0 : 1; }
-  virtual unsigned hash(const K& key) const {
+  [[nodiscard]] virtual int compare(const K& a, const K& b) const { return a == b ? 0 : 1; }
+  [[nodiscard]] virtual unsigned hash(const K& key) const {
     const std::size_t h = std::hash<K>{}(key);
     return static_cast<unsigned>(h ^ (h >> 32));
   }

@@ -1,11 +1,13 @@
 // ZoList<T>: a sequence as a doubly linked list.
 //
-// An element keeps its address until it is removed; sort and reverse only relink. Positions are walked to from the
-// front, so walk with a range-for or an iterator instead of counting positions. Nodes come from a pool of the list.
+// An element keeps its address until it is removed; sort and reverse only relink. Positions are
+// walked to from the front, so walk with a range-for or an iterator instead of counting positions.
+// Nodes come from a pool of the list.
 //
 // Elements that can only be moved are fine; operations that copy refuse them with 1.
 //
-// Errors, Threads, Cost: as in vlist.h. Range-for iterators and pointers hold until their element is removed.
+// Errors, Threads, Cost: as in vlist.h. Range-for iterators and pointers hold until their element
+// is removed.
 #pragma once
 
 #include <zo/text/containers/apply.h>
@@ -130,7 +132,8 @@ class ZoList : public ZoSequence<T> {
     for (const T& value : values) check(append(value));
   }
   explicit ZoList(const ZoSequence<T>& other) : ZoList() { check(append(other)); }
-  // Copies throw std::bad_alloc when there is no memory; moves leave the other list empty and usable.
+  // Copies throw std::bad_alloc when there is no memory; moves leave the other list empty and
+  // usable.
   ZoList(const ZoList&) = default;
   ZoList(ZoList&& other) noexcept : ZoSequence<T>(), list_(std::move(other.list_)) {}
   ZoList& operator=(const ZoList&) = default;

@@ -1,9 +1,9 @@
 // Memory of the containers: plain blocks, and pools that hand out nodes of one size.
 //
-// A pool takes memory in chunks that grow with use and keeps freed nodes for the next request, so that a
-// node costs a few instructions where a heap block costs a call into the system. Memory goes back to the
-// heap when the pool is cleared or destroyed. A guarded build takes every node from the heap instead, so
-// that touching a freed node is seen.
+// A pool takes memory in chunks that grow with use and keeps freed nodes for the next request, so
+// that a node costs a few instructions where a heap block costs a call into the system. Memory goes
+// back to the heap when the pool is cleared or destroyed. A guarded build takes every node from the
+// heap instead, so that touching a freed node is seen.
 //
 // Errors:  no memory gives null; nothing throws.
 // Threads: a pool belongs to one container and is guarded by whatever guards that.

@@ -1,11 +1,13 @@
 // Text in containers: the order and the key policy ignoring case.
 //
-// Both ask the platform's collation ignoring case (ZoString::compareTo), and decide printable ASCII without asking.
-// The hash is ZoString::hash(ignoreCase), which folds a to z only. So two texts that differ in the case of other
-// letters are equal for the comparison but may hash differently; a dictionary takes them for one key when they fall
-// into the same bucket. That is deliberate: hash values are part of the interface.
+// Both ask the platform's collation ignoring case (ZoString::compareTo), and decide printable ASCII
+// without asking. The hash is ZoString::hash(ignoreCase), which folds a to z only. So two texts
+// that differ in the case of other letters are equal for the comparison but may hash differently; a
+// dictionary takes them for one key when they fall into the same bucket. That is deliberate: hash
+// values are part of the interface.
 //
-// Look-up takes const wchar_t*, ZoSubString and std::wstring_view as they are, without making a string.
+// Look-up takes const wchar_t*, ZoSubString and std::wstring_view as they are, without making a
+// string.
 //
 // Threads: stateless; any number of threads.
 #pragma once
@@ -35,7 +37,7 @@ inline constexpr bool isRelocatable<ZoString> = true;
 template <>
 class ZoCICompare<ZoString> : public ZoCompare<ZoString> {
  public:
-  int compare(const ZoString& a, const ZoString& b) const override {
+  [[nodiscard]] int compare(const ZoString& a, const ZoString& b) const override {
     return a.compareTo(b, ZoString::ignoreCase);
   }
 };
@@ -43,10 +45,12 @@ class ZoCICompare<ZoString> : public ZoCompare<ZoString> {
 template <>
 class ZoCIHashValue<ZoString> : public ZoHashValue<ZoString> {
  public:
-  int compare(const ZoString& a, const ZoString& b) const override {
+  [[nodiscard]] int compare(const ZoString& a, const ZoString& b) const override {
     return a.compareTo(b, ZoString::ignoreCase);
   }
-  unsigned hash(const ZoString& key) const override { return key.hash(ZoString::ignoreCase); }
+  [[nodiscard]] unsigned hash(const ZoString& key) const override {
+    return key.hash(ZoString::ignoreCase);
+  }
 
   // For look-up without virtual calls.
   static std::wstring_view lookUpForm(const ZoString& key) noexcept { return key.view(); }

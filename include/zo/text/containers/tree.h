@@ -1,9 +1,11 @@
 // ZoTree<T, K, C>: a dictionary in a balanced tree, ordered by the comparison C of its keys.
 //
-// Entries are visited in the order of their keys. Keys and values keep their addresses until they are removed.
-// Values and keys that can only be moved are fine; operations that copy refuse them with 1.
+// Entries are visited in the order of their keys. Keys and values keep their addresses until they
+// are removed. Values and keys that can only be moved are fine; operations that copy refuse them
+// with 1.
 //
-// Errors, Threads, Cost: as in vtree.h. Range-for iterators hold until the tree gains or loses an entry.
+// Errors, Threads, Cost: as in vtree.h. Range-for iterators hold until the tree gains or loses an
+// entry.
 #pragma once
 
 #include <zo/text/containers/dict.h>
@@ -127,7 +129,8 @@ class ZoTree : public ZoDict<T, K> {
       check(insertAt(key, value));  // the first of equal keys stays
   }
   explicit ZoTree(const ZoDict<T, K>& other) : ZoTree() { check(this->insertAll(other)); }
-  // Copies throw std::bad_alloc when there is no memory; moves leave the other tree empty and usable.
+  // Copies throw std::bad_alloc when there is no memory; moves leave the other tree empty and
+  // usable.
   ZoTree(const ZoTree& other) : ZoDict<T, K>(other), tree_(nullptr), compare_(other.compare_) {
     check(this->insertAll(other));
   }

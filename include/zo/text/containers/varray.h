@@ -1,16 +1,18 @@
 // The array engine: a growable table of elements of unknown type, its storage and its iterator.
 //
-// Everything that depends on the element type goes through the storage object; ZoArray<T> supplies it and is what
-// programs use. Pointers to elements stay valid until the array grows, shrinks or moves elements.
+// Everything that depends on the element type goes through the storage object; ZoArray<T> supplies
+// it and is what programs use. Pointers to elements stay valid until the array grows, shrinks or
+// moves elements.
 //
-// Errors:  0 success; 1 refused (position out of range, null value or object, full with grow size 0, no storage,
-//          an element that cannot be copied); 2 out of memory, and then nothing has changed. An exception of an
-//          element's copy leaves the elements as they were; only reverse, setAt and fillAt over present elements
-//          keep just what the element's own assignment keeps. Constructors and assignment, which have no status,
-//          throw std::bad_alloc.
+// Errors:  0 success; 1 refused (position out of range, null value or object, full with grow size
+//          0, no storage, an element that cannot be copied); 2 out of memory, and then nothing has
+//          changed. An exception of an element's copy leaves the elements as they were; only
+//          reverse, setAt and fillAt over present elements keep just what the element's own
+//          assignment keeps. Constructors and assignment, which have no status, throw
+//          std::bad_alloc.
 // Threads: any number of readers, or one writer.
-// Cost:    access O(1); growing by a fixed step makes n appends O(n * n / step); insertion and removal O(elements
-//          behind); sort O(n log n), stable.
+// Cost:    access O(1); growing by a fixed step makes n appends O(n * n / step); insertion and
+//          removal O(elements behind); sort O(n log n), stable.
 #pragma once
 
 #include <zo/config.h>
@@ -22,18 +24,21 @@
 template <class T, class Table>
 class ZoArray;
 
-// The block of an array: elements side by side. It does not know how many of its cells hold elements; each call is
-// told.
+// The block of an array: elements side by side. It does not know how many of its cells hold
+// elements; each call is told.
 class ZO_COM_API ZoVArrayTable {
  public:
   virtual ~ZoVArrayTable();  // the elements have been erased before
+  ZoVArrayTable(const ZoVArrayTable&) = delete;
+  ZoVArrayTable& operator=(const ZoVArrayTable&) = delete;
 
   // An empty storage of the same type; null when there is no memory.
   [[nodiscard]] virtual ZoVArrayTable* makeNew() const = 0;
   // Moves the elements to a block of the given number of cells (at least `entries`).
   virtual int reallocate(unsigned capacity, unsigned entries) = 0;
-  // Opens a gap of n cells in front of position i and fills it with copies of *value, or with elements made without
-  // a value when it is null. There is room. *value may be one of the elements.
+  // Opens a gap of n cells in front of position i and fills it with copies of *value, or with
+  // elements made without a value when it is null. There is room. *value may be one of the
+  // elements.
   virtual int insert(unsigned i, unsigned n, const void* value, unsigned entries) = 0;
   // Copies n elements that lie side by side to the end. There is room.
   virtual int appendCopies(const void* from, unsigned n, unsigned entries) = 0;
@@ -58,8 +63,6 @@ class ZO_COM_API ZoVArrayTable {
  protected:
   ZoVArrayTable(unsigned elementSize, bool relocatable) noexcept
       : elementSize_(elementSize), relocatable_(relocatable) {}
-  ZoVArrayTable(const ZoVArrayTable&) = delete;
-  ZoVArrayTable& operator=(const ZoVArrayTable&) = delete;
 
   void* data_ = nullptr;
   unsigned elementSize_;
@@ -141,13 +144,14 @@ class ZO_COM_API ZoVArray {
   unsigned entries_ = 0;
   unsigned capacity_ = 0;
   unsigned growSize_ = 0;
-  ZoVArrayTable* table_;
+  ZoVArrayTable* table_ = nullptr;
 };
 
 static_assert(sizeof(ZoVArray) == 24, "entries, capacity, grow size, storage");
 
-// Walks an array by position, so it survives every change of the array: it stands on whatever element has its
-// position now, and is not valid when there is none. The array itself must outlive it.
+// Walks an array by position, so it survives every change of the array: it stands on whatever
+// element has its position now, and is not valid when there is none. The array itself must outlive
+// it.
 class ZO_COM_API ZoVArrayIterator {
  public:
   explicit ZoVArrayIterator(ZoVArray& array) noexcept : array_(&array) {}
@@ -155,13 +159,14 @@ class ZO_COM_API ZoVArrayIterator {
   ZoVArrayIterator& operator=(const ZoVArrayIterator&) = default;
   virtual ~ZoVArrayIterator();
 
-  // The order of these is part of the interface. Movements tell whether the iterator is valid afterwards.
+  // The order of these is part of the interface. Movements tell whether the iterator is valid
+  // afterwards.
   virtual void reset();                 // to the first element
   virtual void reset(ZoVArray& array);  // to the first element of another array
-  virtual bool isValid() const;
-  virtual void* current() const;  // null when not valid
-  virtual bool atFirst() const;
-  virtual bool atLast() const;
+  [[nodiscard]] virtual bool isValid() const;
+  [[nodiscard]] virtual void* current() const;  // null when not valid
+  [[nodiscard]] virtual bool atFirst() const;
+  [[nodiscard]] virtual bool atLast() const;
   virtual bool toFirst();
   virtual bool toLast();
   virtual bool to(unsigned i);

@@ -1,15 +1,18 @@
-// The list engine: a doubly linked list of elements of unknown type, its node storage and its iterator.
+// The list engine: a doubly linked list of elements of unknown type, its node storage and its
+// iterator.
 //
-// Everything that depends on the element type goes through the storage object; ZoList<T> supplies it and is what
-// programs use. An element keeps its address until it is removed, also through sort and reverse.
+// Everything that depends on the element type goes through the storage object; ZoList<T> supplies
+// it and is what programs use. An element keeps its address until it is removed, also through sort
+// and reverse.
 //
-// Errors:  0 success; 1 refused (position out of range, null value or object, no storage, an element that cannot be
-//          copied); 2 out of memory, and then nothing has changed. An exception of an element's copy leaves the
-//          list as it was; fillAt over existing elements and setAt keep what the element's assignment keeps.
-//          Constructors and assignment, which have no status, throw std::bad_alloc.
+// Errors:  0 success; 1 refused (position out of range, null value or object, no storage, an
+//          element that cannot be copied); 2 out of memory, and then nothing has changed. An
+//          exception of an element's copy leaves the list as it was; fillAt over existing elements
+//          and setAt keep what the element's assignment keeps. Constructors and assignment, which
+//          have no status, throw std::bad_alloc.
 // Threads: any number of readers, or one writer.
-// Cost:    both ends O(1); a position is walked to from the front, O(position); sort O(n log n), stable, by
-//          relinking.
+// Cost:    both ends O(1); a position is walked to from the front, O(position); sort O(n log n),
+//          stable, by relinking.
 #pragma once
 
 #include <zo/config.h>
@@ -31,6 +34,8 @@ struct ZoVListNode {
 class ZO_COM_API ZoVListMem {
  public:
   virtual ~ZoVListMem();  // the nodes have been deleted before
+  ZoVListMem(const ZoVListMem&) = delete;
+  ZoVListMem& operator=(const ZoVListMem&) = delete;
 
   [[nodiscard]] virtual ZoVListMem* makeNew() const = 0;  // null when there is no memory
   // A node that is not linked, with a copy of the value. `node` is null unless the status is 0.
@@ -52,8 +57,6 @@ class ZO_COM_API ZoVListMem {
  protected:
   ZoVListMem(std::size_t nodeSize, std::size_t alignment, std::size_t elementOffset) noexcept
       : pool_(nodeSize, alignment), elementOffset_(elementOffset) {}
-  ZoVListMem(const ZoVListMem&) = delete;
-  ZoVListMem& operator=(const ZoVListMem&) = delete;
 
   zo::NodePool pool_;
   std::size_t elementOffset_;
@@ -141,16 +144,17 @@ class ZO_COM_API ZoVList {
   void swap(ZoVList& other) noexcept;
   void relink(void* const* order) noexcept;
 
-  ZoVListMem* mem_;
+  ZoVListMem* mem_ = nullptr;
   ZoVListNode* first_ = nullptr;
   ZoVListNode* last_ = nullptr;
   unsigned entries_ = 0;
   unsigned removals_ = 0;  // lets an iterator see that its node may be gone
 };
 
-// Stands on a node, so it survives every insertion, sort and removal of other elements. When the element it stands on
-// is removed by someone else it is not valid. It notices that by the list's count of removals: after one, its next
-// use looks for its node in the list, O(n). The list must outlive it.
+// Stands on a node, so it survives every insertion, sort and removal of other elements. When the
+// element it stands on is removed by someone else it is not valid. It notices that by the list's
+// count of removals: after one, its next use looks for its node in the list, O(n). The list must
+// outlive it.
 class ZO_COM_API ZoVListIterator {
  public:
   explicit ZoVListIterator(ZoVList& list) noexcept : list_(&list) { reset(); }

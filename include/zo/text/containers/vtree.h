@@ -1,15 +1,17 @@
-// The tree engine: a height-balanced (AVL) binary search tree over elements of unknown type, its node storage and
-// its iterator.
+// The tree engine: a height-balanced (AVL) binary search tree over elements of unknown type, its
+// node storage and its iterator.
 //
-// An element is a key alone or a key with a value: the storage object tells. The order is that of the compare object
-// passed to every operation, and must always be the same for one tree. ZoTree<T, K> supplies both and is what
-// programs use. An element keeps its address until it is removed.
+// An element is a key alone or a key with a value: the storage object tells. The order is that of
+// the compare object passed to every operation, and must always be the same for one tree. ZoTree<T,
+// K> supplies both and is what programs use. An element keeps its address until it is removed.
 //
-// Errors:  0 success; 1 refused (key present, key absent, null key, value or object, no storage, an element that
-//          cannot be copied); 2 out of memory. Nothing has changed then, nor after an exception of an element's copy
-//          or of the compare object. The copying constructor, which has no status, throws std::bad_alloc.
+// Errors:  0 success; 1 refused (key present, key absent, null key, value or object, no storage, an
+//          element that cannot be copied); 2 out of memory. Nothing has changed then, nor after an
+//          exception of an element's copy or of the compare object. The copying constructor, which
+//          has no status, throws std::bad_alloc.
 // Threads: any number of readers, or one writer.
-// Cost:    O(log n) for a key; at most 1.44 log2(n + 2) levels. first and last O(log n), getIndex O(n).
+// Cost:    O(log n) for a key; at most 1.44 log2(n + 2) levels. first and last O(log n), getIndex
+//          O(n).
 #pragma once
 
 #include <zo/config.h>
@@ -35,9 +37,12 @@ static_assert(offsetof(ZoVTreeNode, element) == 0 && offsetof(ZoVTreeNode, left)
 class ZO_COM_API ZoVTreeMem {
  public:
   virtual ~ZoVTreeMem();  // the nodes have been deleted before
+  ZoVTreeMem(const ZoVTreeMem&) = delete;
+  ZoVTreeMem& operator=(const ZoVTreeMem&) = delete;
 
   [[nodiscard]] virtual ZoVTreeMem* makeNew() const = 0;  // null when there is no memory
-  // A node with copies of key and value (null: an element without one). `node` is null unless the status is 0.
+  // A node with copies of key and value (null: an element without one). `node` is null unless the
+  // status is 0.
   virtual int newNode(const void* key, const void* value, ZoVTreeNode*& node) = 0;
   virtual void deleteNode(ZoVTreeNode* node) = 0;
   [[nodiscard]] virtual const void* key(const void* element) const = 0;
@@ -51,8 +56,6 @@ class ZO_COM_API ZoVTreeMem {
 
  protected:
   ZoVTreeMem(std::size_t nodeSize, std::size_t alignment) noexcept : pool_(nodeSize, alignment) {}
-  ZoVTreeMem(const ZoVTreeMem&) = delete;
-  ZoVTreeMem& operator=(const ZoVTreeMem&) = delete;
 
   zo::NodePool pool_;
 };
@@ -132,7 +135,7 @@ class ZO_COM_API ZoVTree {
   static unsigned countNodes(const ZoVTreeNode* node) noexcept;
   static ZoVTreeNode* firstNode(ZoVTreeNode* node) noexcept;
   static ZoVTreeNode* lastNode(ZoVTreeNode* node) noexcept;
-  ZoVTreeNode* getNode(unsigned i) const noexcept;  // by position in order
+  [[nodiscard]] ZoVTreeNode* getNode(unsigned i) const noexcept;  // by position in order
   ZoVTreeNode* getKeyNode(const void* key, const ZoVTreeCompare* compare) const;
 
   // Both work on the subtree at `node`, which they change, and tell whether its height has changed.
@@ -166,14 +169,14 @@ class ZO_COM_API ZoVTree {
   static ZoVTreeNode* takeFirst(ZoVTreeNode*& node, bool& shorter) noexcept;
   void swap(ZoVTree& other) noexcept;
 
-  ZoVTreeMem* mem_;
+  ZoVTreeMem* mem_ = nullptr;
   ZoVTreeNode* root_ = nullptr;
   unsigned count_ = 0;
   unsigned changes_ = 0;  // insertions and removals; lets an iterator see that its way is gone
 };
 
-// Walks the elements in order. After an insertion or removal it is not valid until it is sent to the first element
-// again. The tree must outlive it.
+// Walks the elements in order. After an insertion or removal it is not valid until it is sent to
+// the first element again. The tree must outlive it.
 class ZO_COM_API ZoVTreeIterator {
  public:
   explicit ZoVTreeIterator(const ZoVTree& tree) noexcept : tree_(&tree) { reset(); }
