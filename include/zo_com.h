@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/containers.h>
 #include <zo/geometry.h>
 #include <zo/results.h>
 #include <zo/strings.h>
