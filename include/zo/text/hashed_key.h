@@ -1,5 +1,5 @@
-// A hash value, and whether it decides equality: two plain keys with different hash values are not
-// equal.
+// A hash value, and whether the key is plain: between two plain keys a policy decides equality by a
+// shorter way.
 #pragma once
 
 namespace zo {

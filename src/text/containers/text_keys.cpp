@@ -1,5 +1,9 @@
 #include <zo/text/containers/text_keys.h>
 
+#include <bit>
+#include <cstdint>
+
+#include "platform/case_map.h"
 #include "text/hash.h"
 #include "text/units.h"
 
@@ -14,7 +18,11 @@ __m128i equal8(const wchar_t* a, const wchar_t* b) noexcept {
 }  // namespace
 
 HashedKey hashText(const wchar_t* text, std::size_t length) noexcept {
-  return hashFolded(text, length);
+  const HashedKey folded = hashFolded(text, length);
+  if (folded.plain()) return folded;
+  auto hash = static_cast<std::uint32_t>(length);  // the steps of hashFolded
+  for (std::size_t i = 0; i < length; ++i) hash = std::rotl(hash, 5) ^ upperUnit(text[i]);
+  return {hash, false};
 }
 
 bool equalPlainTexts(const wchar_t* a, const wchar_t* b, std::size_t length) noexcept {

@@ -260,8 +260,9 @@ ZoVHashNode* ZoVHash::find(const void* key, const ZoVHashKey* hashKey) const {
   if (!key || !hashKey || entries_ == 0) return nullptr;
   const unsigned hash = hashKey->hash(key);
   ZoVHashNode* node = table_->first(table_->bucketOf(hash));
-  // Keys whose hash values differ are compared too: a policy may hash some equal keys differently.
-  while (node && hashKey->compare(table_->key(node), key) != 0) table_->next(node);
+  while (node && (node->hash != hash || hashKey->compare(table_->key(node), key) != 0)) {
+    table_->next(node);
+  }
   return node;
 }
 

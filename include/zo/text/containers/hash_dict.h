@@ -221,8 +221,8 @@ class ZoHashDict : public ZoDict<T, K> {
   }
   template <class Form>
   [[nodiscard]] bool matches(ZoVHashNode* node, const Form& key, zo::HashedKey hashed) const {
+    if (node->hash != hashed.hash()) return false;
     const bool plain = node->plain && hashed.plain();
-    if (plain && node->hash != hashed.hash()) return false;
     const K& mine = static_cast<Node*>(node)->key;
     if constexpr (requires { H::isEqual(mine, key, plain); }) {
       return H::isEqual(mine, key, plain);

@@ -1,10 +1,10 @@
 // Key policies of dictionaries: when keys are equal, and what they hash to.
 //
-// Keys that are equal must hash alike. A dictionary calls the policy of its own type H without
-// virtual calls; ZoHashKey<K> shows any policy to the engine. A policy may offer more for look-up
-// (text_keys.h does):
-// static Form lookUpForm(key) what is hashed and compared, from a K or from another form of a key;
-// static HashedKey hashKey(Form) the same hash, for keys where equality does not always follow it;
+// Two keys are one when they hash alike and compare equal. A dictionary calls the policy of its own
+// type H without virtual calls; ZoHashKey<K> shows any policy to the engine. A policy may offer more
+// for look-up (text_keys.h does):
+//   static Form lookUpForm(key)     what is hashed and compared, of a K or of another form of a key
+//   static HashedKey hashKey(Form)  the same hash, and whether the key is plain
 //   static bool isEqual(K, Form, bool bothPlain)
 //
 // Threads: stateless as given here; any number of threads.

@@ -1,10 +1,10 @@
 // Text in containers: the order and the key policy ignoring case.
 //
 // Both ask the platform's collation ignoring case (ZoString::compareTo), and decide printable ASCII
-// without asking. The hash is ZoString::hash(ignoreCase), which folds a to z only. So two texts
-// that differ in the case of other letters are equal for the comparison but may hash differently; a
-// dictionary takes them for one key when they fall into the same bucket. That is deliberate: hash
-// values are part of the interface.
+// without asking. A key of ASCII hashes as ZoString::hash(ignoreCase) does. That folds a to z only,
+// so a key with other letters is hashed in upper case by the platform's invariant casing: keys that
+// differ only in case are one key, whatever their letters. Keys that the collation takes for equal
+// without that (sharp s and ss, a letter and its composed form) hash differently and are two keys.
 //
 // Look-up takes const wchar_t*, ZoSubString and std::wstring_view as they are, without making a
 // string.
@@ -26,7 +26,7 @@ namespace zo {
 template <>
 inline constexpr bool isRelocatable<ZoString> = true;
 
-// Plain: printable ASCII. (Texts go as pointer and length: a view would be passed through memory.)
+// The hash of a key, and whether it is plain: printable ASCII. (Texts go as pointer and length: a view would be passed through memory.)
 [[nodiscard]] ZO_COM_API HashedKey hashText(const wchar_t* text, std::size_t length) noexcept;
 // Whether plain texts of one length are equal ignoring case.
 [[nodiscard]] ZO_COM_API bool equalPlainTexts(const wchar_t* a, const wchar_t* b,
@@ -49,7 +49,7 @@ class ZoCIHashValue<ZoString> : public ZoHashValue<ZoString> {
     return a.compareTo(b, ZoString::ignoreCase);
   }
   [[nodiscard]] unsigned hash(const ZoString& key) const override {
-    return key.hash(ZoString::ignoreCase);
+    return zo::hashText(key.data(), key.length()).hash();
   }
 
   // For look-up without virtual calls.

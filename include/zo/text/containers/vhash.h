@@ -30,7 +30,7 @@ class ZoHashDict;
 struct ZoVHashNode {
   ZoVHashNode* next = nullptr;
   unsigned hash = 0;
-  bool plain = false;  // a different hash value proves a different key; set by typed dictionaries
+  bool plain = false;  // as its policy said (zo/text/hashed_key.h); set by typed dictionaries
 };
 
 // How well a table spreads its keys.
