@@ -16,8 +16,8 @@ struct LowerTable {
     static Table units;
     for (unsigned int i = 0; i < units.size(); ++i) units[i] = static_cast<wchar_t>(i);
     const int size = static_cast<int>(units.size());
-    const int mapped = LCMapStringW(LOCALE_INVARIANT, LCMAP_LOWERCASE, units.data(), size,
-                                    lower.data(), size);
+    const int mapped =
+        LCMapStringW(LOCALE_INVARIANT, LCMAP_LOWERCASE, units.data(), size, lower.data(), size);
     if (mapped != size) lower = units;  // without the platform's help each unit is its own form
   }
 };

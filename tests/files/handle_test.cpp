@@ -15,7 +15,8 @@ constexpr std::int64_t kIds[] = {1,
                                  (std::int64_t{1} << 32) + 5,
                                  std::numeric_limits<std::int64_t>::max(),
                                  std::numeric_limits<std::int64_t>::min()};
-const wchar_t* const kTexts[] = {L"1A2F", L"a text longer than the initial capacity", L"\xE4\x4E00"};
+const wchar_t* const kTexts[] = {L"1A2F", L"a text longer than the initial capacity",
+                                 L"\xE4\x4E00"};
 
 // Everything visible; null text and id 0 stand for absent.
 void expectParts(const ZoHnd& h, const wchar_t* text, std::int64_t id) {

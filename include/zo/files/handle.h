@@ -103,7 +103,5 @@ inline void swap(ZoHnd& a, ZoHnd& b) noexcept { a.swap(b); }
 
 template <>
 struct std::hash<ZoHnd> {
-  size_t operator()(const ZoHnd& handle) const noexcept {
-    return handle.hash();
-  }
+  size_t operator()(const ZoHnd& handle) const noexcept { return handle.hash(); }
 };
