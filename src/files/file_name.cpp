@@ -218,7 +218,6 @@ ZoFileName ZoFileName::resolvedAgainst(const ZoFileName& base) const {
   ZoFileName result(new ZoFileNameImp(*imp_));
   if (!hasMacro()) result.imp_->moveBelow(*base.imp_);
   result.imp_->retake(zo::resolvedText(imp_->parts(), base.imp_->parts()));
-  result.imp_->retake(zo::normalise(result.imp_->parts()).text());
   return result;
 }
 

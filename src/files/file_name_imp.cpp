@@ -158,6 +158,7 @@ bool ZoFileNameImp::isAnsi() const noexcept {
 
 bool ZoFileNameImp::hasDeviceName() const noexcept {
   const NameParts name = parts();
+  if (name.kind == NameKind::Url || name.kind == NameKind::Mail) return false;
   const std::wstring_view path = name.path.substr(name.root().size());
   size_t at = 0;
   for (auto part = zo::nextLevel(path, at); !part.empty(); part = zo::nextLevel(path, at)) {

@@ -42,6 +42,25 @@ bool isOrdinary(std::wstring_view component) noexcept {
          !isDeviceName(component);
 }
 
+// Goes on from the levels of a name; a component that no delimiter follows becomes the last one.
+void appendComponents(NormalName& name, std::wstring_view path) {
+  size_t at = 0;
+  for (auto part = nextLevel(path, at); !part.empty(); part = nextLevel(path, at)) {
+    if (part == L".") continue;
+    if (part == L"..") {
+      if (!name.levels.empty() && name.levels.back() != L"..") {
+        name.levels.pop_back();
+      } else if (!name.isRooted) {
+        name.levels.push_back(part);
+      }
+    } else if (at == path.size()) {
+      name.last = part;
+    } else {
+      name.levels.push_back(part);
+    }
+  }
+}
+
 template <class Check>
 bool allComponents(std::wstring_view path, Check check) {
   size_t at = 0;
@@ -87,22 +106,7 @@ NormalName normalise(const NameParts& name) {
   const std::wstring_view rest = name.path.substr(normal.root.size());
   normal.isBare = rest.empty();
   normal.isRooted = name.prefixLength > 0 || startsAtDelimiter(rest);
-
-  size_t at = 0;
-  for (auto part = nextLevel(rest, at); !part.empty(); part = nextLevel(rest, at)) {
-    if (part == L".") continue;
-    if (part == L"..") {
-      if (!normal.levels.empty() && normal.levels.back() != L"..") {
-        normal.levels.pop_back();
-      } else if (!normal.isRooted) {
-        normal.levels.push_back(part);
-      }
-    } else if (at == rest.size()) {
-      normal.last = part;
-    } else {
-      normal.levels.push_back(part);
-    }
-  }
+  appendComponents(normal, rest);
   return normal;
 }
 
@@ -135,20 +139,23 @@ std::optional<std::wstring> relativeText(const NormalName& name, const NormalNam
 }
 
 std::wstring resolvedText(const NameParts& name, const NameParts& base) {
-  const bool isRooted = startsAtDelimiter(behindRoot(name));
+  const std::wstring_view path = behindRoot(name);
+  const bool isRooted = startsAtDelimiter(path);
   const bool sameDrive = name.kind == NameKind::Drive && base.kind == NameKind::Drive &&
                          !isRooted && equalNames(name.drive, base.drive);
-  const bool isRelative = name.macro.empty() && base.kind != NameKind::Mail &&
-                          (name.kind == NameKind::Plain || sameDrive);
-  if (!isRelative) return wholeText(name.macro, name.path);
+  const bool isSeenFromBase = name.macro.empty() && base.kind != NameKind::Mail &&
+                              (name.kind == NameKind::Plain || sameDrive);
+  if (!isSeenFromBase) return normalise(name).text();
 
-  std::wstring path(base.root());
-  if (!isRooted) path += levelStretch(base);
-  const bool isClosed =
-      path.empty() || path.size() > base.root().size() || isRooted || base.kind == NameKind::Drive;
-  if (!isClosed) path += delimiterOf(base.kind);  // a bare volume
-  path += behindRoot(name);
-  return wholeText(base.macro, path);
+  NormalName resolved = normalise(base);
+  resolved.last = {};
+  if (isRooted) {
+    resolved.isRooted = true;
+    resolved.levels.clear();
+  }
+  resolved.isBare = resolved.isBare && path.empty() && resolved.root.empty();
+  appendComponents(resolved, path);
+  return resolved.text();
 }
 
 bool isContained(const NameParts& name) {
@@ -170,7 +177,7 @@ bool isPossible(const NameParts& name) noexcept {
     return false;
   }
   if (name.kind == NameKind::Url) return true;
-  return allComponents(name.path.substr(name.drive.size()), isOrdinary);
+  return allComponents(behindRoot(name), isOrdinary);
 }
 
 }  // namespace zo

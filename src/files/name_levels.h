@@ -41,7 +41,7 @@ struct NormalName {
 [[nodiscard]] std::optional<std::wstring> relativeText(const NormalName& name,
                                                        const NormalName& base);
 
-// The text of name seen from the directory of base; the text of name itself when it is absolute.
+// The normal text of name seen from the directory of base; of name itself when it is absolute.
 [[nodiscard]] std::wstring resolvedText(const NameParts& name, const NameParts& base);
 
 // Text for the whole name: the macro, if any, and the path.

@@ -189,7 +189,7 @@ class ZO_COM_API ZoFileName {
   // The levels one by one, null behind the last; true starts again. The text is valid until the
   // next call or change. The place in the walk belongs to the name: copies walk on their own, and
   // any change starts again.
-  [[nodiscard]] virtual const wchar_t* nextDirPart(bool restart = false);
+  virtual const wchar_t* nextDirPart(bool restart = false);
 
   // ---- Macro ----
   // Puts the name below the macro: a name that begins with value's levels gets the macro in their
@@ -228,7 +228,7 @@ class ZO_COM_API ZoFileName {
   [[nodiscard]] virtual bool possibleOnVolume() const noexcept;
   // Whether the ANSI code page holds each character of the whole name.
   [[nodiscard]] virtual bool isAnsi() const noexcept;
-  // Whether any component is what the platform takes for a device: con, prn, aux, nul, com1 to
+  // Whether any component, but of a URL, is what the platform takes for a device: con, prn, aux, nul, com1 to
   // com9, lpt1 to lpt9 (with superscripts, too), conin$, conout$, clock$, whatever their extension.
   [[nodiscard]] virtual bool hasDeviceName() const noexcept;
   // Whether the name stays inside every folder that it is put below: plain, not rooted, never above
