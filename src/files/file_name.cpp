@@ -24,7 +24,7 @@ std::wstring_view viewOf(const wchar_t* text) noexcept {
 ZoFileName::ZoFileName() : imp_(new ZoFileNameImp) {}
 ZoFileName::ZoFileName(const wchar_t* text) : ZoFileName(viewOf(text)) {}
 ZoFileName::ZoFileName(const ZoString& text) : ZoFileName(text.view()) {}
-ZoFileName::ZoFileName(std::wstring_view text) : ZoFileName() { imp_->parse(text, {}, false); }
+ZoFileName::ZoFileName(std::wstring_view text) : imp_(new ZoFileNameImp(text)) {}
 
 ZoFileName::ZoFileName(const ZoFileName& other) noexcept : imp_(other.imp_) { imp_->addHolder(); }
 
@@ -228,18 +228,19 @@ bool ZoFileName::isEqual(const ZoFileName& other, bool caseSensitive) const noex
 }
 
 bool ZoFileName::operator==(const ZoFileName& other) const noexcept {
-  return imp_ == other.imp_ || zo::equalNames(imp_->fullName().view(), other.view());
+  return imp_ == other.imp_ ||
+         zo::equalNames(imp_->fullName().view(), other.imp_->fullName().view());
 }
 
 bool ZoFileName::operator==(std::wstring_view text) const noexcept {
-  return zo::equalNames(view(), text);
+  return zo::equalNames(imp_->fullName().view(), text);
 }
 
 std::weak_ordering ZoFileName::operator<=>(const ZoFileName& other) const noexcept {
   if (imp_ == other.imp_) return std::weak_ordering::equivalent;
-  return zo::orderNames(view(), other.view()) <=> 0;
+  return zo::orderNames(imp_->fullName().view(), other.imp_->fullName().view()) <=> 0;
 }
 
 bool ZoFileName::operator<(const ZoFileName& other) const noexcept { return (*this <=> other) < 0; }
 bool ZoFileName::operator>(const ZoFileName& other) const noexcept { return (*this <=> other) > 0; }
-std::size_t ZoFileName::hash() const noexcept { return zo::hashName(view()); }
+std::size_t ZoFileName::hash() const noexcept { return zo::hashName(imp_->fullName().view()); }

@@ -62,6 +62,11 @@ ZoFileNameImp::State ZoFileNameImp::stateOf(const NameParts& name, const zo::Nam
   return state;
 }
 
+ZoFileNameImp::State ZoFileNameImp::parsed(std::wstring_view text) {
+  std::wstring scratch;
+  return stateOf(zo::parseName(text, {}, false, scratch), {}, ZoString());
+}
+
 int ZoFileNameImp::parse(std::wstring_view text, const zo::NameOptions& options, bool asDirectory) {
   std::wstring scratch;
   const NameParts name = zo::parseName(text, options, asDirectory, scratch);

@@ -12,6 +12,8 @@
 class ZoFileNameImp {
  public:
   ZoFileNameImp() noexcept = default;
+  // Parsed with all options false.
+  explicit ZoFileNameImp(std::wstring_view text) : state_(parsed(text)) {}
   // The same name for a holder of its own.
   ZoFileNameImp(const ZoFileNameImp& other) noexcept : state_(other.state_) {}
   ZoFileNameImp& operator=(const ZoFileNameImp&) = delete;
@@ -107,6 +109,7 @@ class ZoFileNameImp {
     size_t nextLevel = 0;
   };
   struct Pieces;
+  [[nodiscard]] static State parsed(std::wstring_view text);
   static constexpr unsigned int kNotCounted = 0;
 
   explicit ZoFileNameImp(unsigned int holders) noexcept : holders_(holders) {}
