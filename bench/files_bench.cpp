@@ -1,8 +1,9 @@
 // File names beside std::filesystem::path.
 //
-// Under mingw, std::filesystem::path keeps wide text, takes drives and network names for root names,
-// and splits into a list of component paths as it is constructed; a URL is a relative path to it.
-// "Decompose" asks both for directory, file name and extension, and our names for the drive, too.
+// Under mingw, std::filesystem::path keeps wide text, takes drives and network names for root
+// names, splits into a list of component paths as it is constructed, and compares exactly; a URL is
+// a relative path to it. "Decompose" asks both for directory, file name and extension, and our
+// names for the drive, too.
 #include <benchmark/benchmark.h>
 #include <zo/files.h>
 

@@ -1,41 +1,44 @@
 // File names: one value for files, folders, network and disc paths and URLs. A name is split into
 // its parts once, when it is set, and answers everything from them; nothing here asks a disk.
 //
-// Forms    drive    C:\dir\file.ext          the first that fits, from top to bottom; any character
-//          disc     cd://label/dir/file.ext  may stand for the drive letter on request
-//          URL      scheme://authority/dir/file.ext      (any other text with a colon)
-//          network  \\server\share\dir\file.ext
-//          plain    dir\file.ext, \dir\file.ext
-//          Around these: "name" is name, mailto:... is kept whole and never split, and
-//          $macro'path is a path below a folder that the macro stands for ($macro"path" likewise).
-// Parts    drive, directory, fileName and extension, one after the other, are the path. \ and / both
-//          split, whatever the form, and stay as written; the last of them ends the directory, which
-//          for disc, URL and network names includes the volume; the last dot behind it begins the
-//          extension. Directory levels begin behind drive or volume.
-// Volume   cd://label, scheme://authority, \\server\share: each without the delimiter that follows.
+// Forms    the first that fits, from top to bottom (docs/file-names.md has it all as tables):
+//            C:\dir\file.ext                drive; on request any character stands for the letter
+//            cd://label/dir/file.ext        disc, "cd" in any case
+//            scheme://authority/file.ext    URL: any other text with a colon
+//            \\server\share\dir\file.ext   network
+//            dir\file.ext, \dir\file.ext   plain
+//          Around these: "name" is name without the quotes; mailto:... is kept whole and never
+//          split; $macro'path (or $macro"path") is a path below what the macro stands for.
+// Parts    drive, directory, fileName and extension, one after the other, are the path. Both \ and
+//          / split, whatever the form, and stay as written. The last of them ends the directory,
+//          which for disc, URL and network names includes the volume; the last dot behind it begins
+//          the extension. Directory levels begin behind drive or volume.
+// Volume   cd://label, scheme://authority, \\server\share, without the delimiter that follows.
 //          volume() is empty for a network name; parseUNC gives it.
-// Checks   run in this order, and the first code that is not 0 is the result; the parts stay:
-//   7  a character below the blank, or one of <>"| in any part but the drive; : in any part but the
-//      directory and file name of a URL; * or ? in any part but the directory of a URL, though with
-//      wildcards only in the directory. The volume of a disc name is not looked at.
-//      The extension of a URL is tested like any other, on purpose: no colon in it.
-//   7  a network name without a server, a disc name without a label, a URL whose scheme is not a
-//      letter followed by letters, digits, + - and dots
-//   8  file name and extension, taken together, end in a blank
-//   9  they end in a dot, so that the extension is only a dot; "." and ".." are accepted
-//   6  the path has 261 characters or more
-//   A text that cannot be split leaves an empty name: 7 for an empty quoted name, text behind the
-//   last quote, or a colon not followed by two delimiters; 1 for a $ that no quote follows.
-// Macros   With a macro, the whole name is the value that setMacro gave, followed by the path; while
+// Checks   run in this order; the first code that is not 0 is the result, and the parts stay:
+//          7  a character below the blank or one of <>"| anywhere but in the drive; a colon but in
+//             directory and file name of a URL; * or ? but in the directory of a URL, or, with
+//             wildcards allowed, in file name and extension. The volume of a disc name is not
+//             tested. The extension of a URL is tested like any other, on purpose: no colon.
+//          7  a network name without a server, a disc name without a label, a URL whose scheme is
+//             not a letter and then letters, digits, +, - or dots
+//          8  file name and extension, taken together, end in a blank
+//          9  they end in a dot: the extension is only a dot. But "." and ".." are accepted.
+//          6  the path has 261 characters or more
+//          A text that cannot be split leaves an empty name: 7 for an empty quoted name, text
+//          behind the last quote, or a colon not followed by two delimiters; 1 for a $ that no
+//          quote follows.
+// Macros   With a macro, the whole name is the value that setMacro gave and then the path; while
 //          the value is unknown it is $macro'path. A path below a macro begins with a delimiter. An
-//          empty macro ($'path) is no macro.
+//          empty macro ($'path) is none.
 //
 // Errors:  operations that change a name return 0 or a code of zo/files/name_results.h. Only
 //          std::bad_alloc is thrown, and then the name is as it was.
 // Threads: copies share their parts, and the count of sharers is not atomic: one thread at a time
 //          per name, and per group of copies. Give another thread a deepCopy().
 // Cost:    copying is O(1); a change copies what is shared. Comparing copies is O(1).
-// Case:    names compare ignoring case, unit by unit by the platform's invariant lower case.
+// Case:    names compare ignoring case, unit by unit by the platform's invariant lower case: alike
+//          in every locale, and for all letters.
 #pragma once
 
 #include <zo/config.h>
@@ -213,7 +216,8 @@ class ZO_COM_API ZoFileName {
   // ---- Questions ----
   [[nodiscard]] virtual bool isDirectory() const noexcept;   // neither file name nor extension
   [[nodiscard]] virtual bool hasDirectory() const noexcept;  // the directory part is not empty
-  // Neither drive nor macro, and no URL, network or disc name. So \dir is relative, and mailto: too.
+  // Neither drive nor macro, and no URL, network or disc name. So \dir is relative, and mailto:
+  // too.
   [[nodiscard]] virtual bool isRelativ() const noexcept;
   [[nodiscard]] virtual bool isURL() const noexcept;
   [[nodiscard]] virtual bool isUNC() const noexcept;
@@ -228,8 +232,9 @@ class ZO_COM_API ZoFileName {
   [[nodiscard]] virtual bool possibleOnVolume() const noexcept;
   // Whether the ANSI code page holds each character of the whole name.
   [[nodiscard]] virtual bool isAnsi() const noexcept;
-  // Whether any component, but of a URL, is what the platform takes for a device: con, prn, aux, nul, com1 to
-  // com9, lpt1 to lpt9 (with superscripts, too), conin$, conout$, clock$, whatever their extension.
+  // Whether any component, but of a URL, is what the platform takes for a device: con, prn, aux,
+  // nul, com1 to com9, lpt1 to lpt9 (with superscripts, too), conin$, conout$, clock$, whatever
+  // their extension.
   [[nodiscard]] virtual bool hasDeviceName() const noexcept;
   // Whether the name stays inside every folder that it is put below: plain, not rooted, never above
   // its start, each component kept by the platform as it is written. Ask this before a name from
@@ -240,12 +245,12 @@ class ZO_COM_API ZoFileName {
   [[nodiscard]] virtual FileKind isKindOf() const noexcept;           // the smallest that matches
 
   // ---- Splitting the whole name ----
-  // 1 when the name is no URL, and then nothing is changed. protocol is 0 for ftp, 1 for http, 2 for
-  // gopher, by the beginning of the name; for all others it stays as it was. The authority lies
-  // between :// and the next /, from which the path runs to the end. With a colon in it, the user is
-  // what precedes that, and with an @ behind it the password lies between them and the host, without
-  // a port, follows. So a port without a user is not seen: the host is then the user, too, and keeps
-  // its port, on purpose.
+  // 1 when the name is no URL, and then nothing is changed. protocol becomes 0 for ftp, 1 for http,
+  // 2 for gopher, whatever follows these letters, and else stays as it was. The authority lies
+  // between :// and the next /, from which the path runs to the end. Up to a colon in the authority
+  // it is the user; from there to an @ it is the password, and behind that the host, whose port is
+  // dropped. Without the @ a port is not told from a password: the whole authority is the host, and
+  // its beginning is the user, too. On purpose; callers rely on it.
   virtual int parseURL(int& protocol, ZoString& host, ZoString& path, ZoString& user,
                        ZoString& password) const;
   virtual int parseURL(int& protocol, ZoString& host, ZoString& path, ZoString& user) const;

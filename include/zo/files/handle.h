@@ -3,7 +3,7 @@
 // An empty text means no text and an id of 0 means no id; types() says which parts are present.
 //
 // Errors:  setters return 0. Getters return 0, or 1 when the part is absent and then leave the
-//          out-parameter as it was. Nothing throws but std::bad_alloc from a text that is copied in.
+//          out-parameter as it was. Nothing throws but std::bad_alloc where a text is copied in.
 // Threads: one thread at a time per object (the text shares its storage like every ZoString).
 // Cost:    copying is O(1).
 #pragma once
