@@ -467,6 +467,7 @@ TEST(FileNameComputed, NormalizedNamesHaveNoSuperfluousLevels) {
                         Case{L"C:", L"C:"},
                         Case{L"a//b\\\\c/", L"a\\b\\c\\"},
                         Case{L"a\\..\\..\\b", L"..\\b"},
+                        Case{L"..\\..\\a", L"..\\..\\a"},
                         Case{L"a\\..", L".\\"},
                         Case{L"a\\b\\..", L"a\\"},
                         Case{L"a\\b\\.", L"a\\b\\"},

@@ -52,7 +52,7 @@
 #include <iosfwd>
 #include <string>
 #include <string_view>
-#include <type_traits>
+#include <utility>
 
 class ZoFileNameImp;
 
