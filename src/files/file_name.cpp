@@ -111,6 +111,9 @@ wchar_t ZoFileName::sysDelimiter() const noexcept { return L'\\'; }
 
 int ZoFileName::appendDirectory(const wchar_t* text) { return own().appendDirectory(text); }
 int ZoFileName::removeLastDir() { return own().removeLastDir(); }
+int ZoFileName::getDirParts(ZoSequence<ZoString>& levels) const {
+  return imp_->getDirParts(levels);
+}
 const wchar_t* ZoFileName::nextDirPart(bool restart) { return own().nextDirPart(restart); }
 
 // ---- Macro and alias ----

@@ -1,6 +1,8 @@
 // ZoFileNameImp: parsing, and the questions that are answered from the parts.
 #include "files/file_name_imp.h"
 
+#include <zo/text/containers/sequence.h>
+
 #include <utility>
 
 #include "files/name_check.h"
@@ -187,6 +189,17 @@ int ZoFileNameImp::parseUNC(ZoString& volume, ZoString& rest) const {
 
 int ZoFileNameImp::parseCD(ZoString& volume, ZoString& rest) const {
   return splitVolume(isCD(), volume, rest);
+}
+
+int ZoFileNameImp::getDirParts(ZoSequence<ZoString>& levels) const {
+  int result = levels.removeAll();
+  const std::wstring_view stretch = zo::levelStretch(parts());
+  size_t at = 0;
+  for (auto part = zo::nextLevel(stretch, at); result == ZoResult::ok && !part.empty();
+       part = zo::nextLevel(stretch, at)) {
+    result = levels.append(ZoString(part));
+  }
+  return result;
 }
 
 // ---- Kinds of files ----

@@ -80,6 +80,7 @@ class ZoFileNameImp {
   [[nodiscard]] bool hasDeviceName() const noexcept;
   [[nodiscard]] bool isKindOf(ZoFileName::FileKind kind) const noexcept;
   [[nodiscard]] ZoFileName::FileKind isKindOf() const noexcept;
+  int getDirParts(ZoSequence<ZoString>& levels) const;
   int parseUNC(ZoString& volume, ZoString& rest) const;
   int parseCD(ZoString& volume, ZoString& rest) const;
 
