@@ -30,7 +30,8 @@ void copyAndDestroy(benchmark::State& state) {
 
 // ---- Find ----
 
-// Text over a to z where the letter q is rare and e is common; the pattern stands at the very end, or nowhere.
+// Text over a to z where the letter q is rare and e is common; the pattern stands at the very end,
+// or nowhere.
 std::wstring searchText(unsigned int otherLettersPercent) {
   std::mt19937 random(1);
   std::wstring text(kMiB / sizeof(wchar_t), L' ');

@@ -2,6 +2,7 @@
 
 #include <io.h>
 
+#include <cerrno>
 #include <cmath>
 #include <cstdarg>
 #include <cstdlib>

@@ -13,39 +13,39 @@ namespace {
 class ExactMatcher {
  public:
   explicit ExactMatcher(std::wstring_view pattern) noexcept
-      : m_pattern(pattern), m_first(fill8(pattern.front())), m_last(fill8(pattern.back())) {}
+      : pattern_(pattern), first_(fill8(pattern.front())), last_(fill8(pattern.back())) {}
 
   unsigned int candidates(const wchar_t* at) const noexcept {
-    return mask8(_mm_and_si128(_mm_cmpeq_epi16(load8(at), m_first),
-                               _mm_cmpeq_epi16(load8(at + m_pattern.size() - 1), m_last)));
+    return mask8(_mm_and_si128(_mm_cmpeq_epi16(load8(at), first_),
+                               _mm_cmpeq_epi16(load8(at + pattern_.size() - 1), last_)));
   }
   bool matches(const wchar_t* at) const noexcept {
-    return m_pattern.size() <= 2 || equalUnits(at + 1, m_pattern.data() + 1, m_pattern.size() - 2);
+    return pattern_.size() <= 2 || equalUnits(at + 1, pattern_.data() + 1, pattern_.size() - 2);
   }
   bool startsAt(const wchar_t* at) const noexcept {
-    return *at == m_pattern.front() && equalUnits(at, m_pattern.data(), m_pattern.size());
+    return *at == pattern_.front() && equalUnits(at, pattern_.data(), pattern_.size());
   }
 
  private:
-  std::wstring_view m_pattern;
-  __m128i m_first;
-  __m128i m_last;
+  std::wstring_view pattern_;
+  __m128i first_;
+  __m128i last_;
 };
 
 class FoldedMatcher {
  public:
   explicit FoldedMatcher(std::wstring_view pattern) noexcept
-      : m_pattern(pattern),
-        m_first(fill8(foldForSearch(pattern.front()))),
-        m_last(fill8(foldForSearch(pattern.back()))) {}
+      : pattern_(pattern),
+        first_(fill8(foldForSearch(pattern.front()))),
+        last_(fill8(foldForSearch(pattern.back()))) {}
 
   unsigned int candidates(const wchar_t* at) const noexcept {
-    return mask8(_mm_and_si128(candidate(load8(at), m_first),
-                               candidate(load8(at + m_pattern.size() - 1), m_last)));
+    return mask8(_mm_and_si128(candidate(load8(at), first_),
+                               candidate(load8(at + pattern_.size() - 1), last_)));
   }
   bool matches(const wchar_t* at) const noexcept {
-    for (size_t i = 0; i < m_pattern.size(); ++i) {
-      if (at[i] != m_pattern[i] && foldForSearch(at[i]) != foldForSearch(m_pattern[i])) {
+    for (size_t i = 0; i < pattern_.size(); ++i) {
+      if (at[i] != pattern_[i] && foldForSearch(at[i]) != foldForSearch(pattern_[i])) {
         return false;
       }
     }
@@ -60,9 +60,9 @@ class FoldedMatcher {
     return _mm_or_si128(other, _mm_cmpeq_epi16(lowerAscii8(v), wanted));
   }
 
-  std::wstring_view m_pattern;
-  __m128i m_first;
-  __m128i m_last;
+  std::wstring_view pattern_;
+  __m128i first_;
+  __m128i last_;
 };
 
 template <class Matcher>

@@ -40,7 +40,7 @@ ZoStringRef* blockFor(unsigned int length) {
 
 ZoStringRef* blockOf(const wchar_t* text, unsigned int length) {
   ZoStringRef* block = blockFor(text ? length : 0);
-  copyUnits(block->data(), text, block->length());
+  if (text) copyUnits(block->data(), text, block->length());
   return block;
 }
 
@@ -61,7 +61,7 @@ ZoString::ZoString(const wchar_t* a, unsigned int lengthA, const wchar_t* b, uns
     copyUnits(block->data(), a, lengthA);
     copyUnits(block->data() + lengthA, b, lengthB);
   }
-  m_data = block->data();
+  data_ = block->data();
 }
 
 ZoString operator+(const ZoString& a, const ZoString& b) {
@@ -79,14 +79,14 @@ ZoString operator+(const wchar_t* a, const ZoString& b) {
 void ZoString::initChar(wchar_t c) {
   ZoStringRef* block = ZoStringRef::getRep(std::max(s_initialCapac, 1u), 1);
   block->data()[0] = c;
-  m_data = block->data();
+  data_ = block->data();
 }
 
 ZoString& ZoString::operator=(const ZoString& other) noexcept {
   if (this != &other) {
     ZoStringRef* block = addedReference(other.pref());
     pref()->release();
-    m_data = block->data();
+    data_ = block->data();
   }
   return *this;
 }
@@ -128,7 +128,7 @@ unsigned int ZoString::adjustCapacity(unsigned int n) noexcept {
 // Takes over one reference of block.
 void ZoString::adopt(ZoStringRef* block) noexcept {
   pref()->release();
-  m_data = block->data();
+  data_ = block->data();
 }
 
 void ZoString::clone() { clone(length()); }
@@ -137,7 +137,7 @@ void ZoString::clone(unsigned int n) {
   n = std::min(n, maxLength());
   const unsigned int kept = std::min(n, length());
   ZoStringRef* block = ZoStringRef::getRep(n, kept);
-  copyUnits(block->data(), m_data, kept);
+  copyUnits(block->data(), data_, kept);
   adopt(block);
 }
 
@@ -166,7 +166,7 @@ wchar_t& ZoString::charRef(unsigned int i) {
   static thread_local wchar_t scratch;
   if (i >= length()) return scratch;
   cow();
-  return m_data[i];
+  return data_[i];
 }
 
 // ---- Editing ----
@@ -187,15 +187,15 @@ ZoString& ZoString::splice(unsigned int pos, unsigned int n, unsigned int textLe
 
   if (!aliased && !block->isShared() && block->capacity() >= total &&
       block->capacity() - total <= s_freeboard) {
-    std::memmove(m_data + pos + textLength, m_data + pos + n, size_t{rest} * sizeof(wchar_t));
-    fill(m_data + pos);
+    std::memmove(data_ + pos + textLength, data_ + pos + n, size_t{rest} * sizeof(wchar_t));
+    fill(data_ + pos);
     block->setLength(total);
     return *this;
   }
   ZoStringRef* const fresh = ZoStringRef::getRep(adjustCapacity(total), total);
-  copyUnits(fresh->data(), m_data, pos);
+  copyUnits(fresh->data(), data_, pos);
   fill(fresh->data() + pos);
-  copyUnits(fresh->data() + pos + textLength, m_data + pos + n, rest);
+  copyUnits(fresh->data() + pos + textLength, data_ + pos + n, rest);
   adopt(fresh);
   return *this;
 }
@@ -203,7 +203,7 @@ ZoString& ZoString::splice(unsigned int pos, unsigned int n, unsigned int textLe
 ZoString& ZoString::replace(unsigned int pos, unsigned int n, const wchar_t* text,
                             unsigned int textLength) {
   if (!text) textLength = 0;
-  return splice(pos, n, textLength, pointsInto(text, m_data, length()),
+  return splice(pos, n, textLength, pointsInto(text, data_, length()),
                 [=](wchar_t* gap) { copyUnits(gap, text, textLength); });
 }
 
@@ -231,21 +231,23 @@ ZoString& ZoString::strip(stripType type, const wchar_t* set) {
   return remove(0, kept.start());
 }
 
+namespace {
+
+// Converts a text piece by piece: the runtime stops at a zero character, the text may not.
+void convertPieces(wchar_t* text, size_t length, errno_t (*convert)(wchar_t*, size_t)) noexcept {
+  for (size_t i = 0; i < length; i += std::wcslen(text + i) + 1) convert(text + i, length - i + 1);
+}
+
+}  // namespace
+
 ZoString& ZoString::toLower() {
   cow();
-  // The runtime stops at a zero character, the text may not.
-  for (unsigned int i = 0; i < length();
-       i += static_cast<unsigned int>(std::wcslen(m_data + i)) + 1) {
-    _wcslwr_s(m_data + i, size_t{length()} - i + 1);
-  }
+  convertPieces(data_, length(), _wcslwr_s);
   return *this;
 }
 
 ZoString& ZoString::toUpper() {
   cow();
-  for (unsigned int i = 0; i < length();
-       i += static_cast<unsigned int>(std::wcslen(m_data + i)) + 1) {
-    _wcsupr_s(m_data + i, size_t{length()} - i + 1);
-  }
+  convertPieces(data_, length(), _wcsupr_s);
   return *this;
 }

@@ -14,7 +14,7 @@ char* ZoString::getMBString() const {
   std::wstring escaped;
   if (!isAscii()) {
     escaped.resize(size_t{7} * length() + 1);
-    escaped.resize(TvCharFormatter::wcharNonNativeToCIF(m_data, length(), escaped.data()));
+    escaped.resize(TvCharFormatter::wcharNonNativeToCIF(data_, length(), escaped.data()));
   }
   const std::string bytes = zo::toMultiByte(escaped.empty() ? view() : escaped);
   auto result = std::make_unique<char[]>(bytes.size() + 1);

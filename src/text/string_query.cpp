@@ -86,10 +86,10 @@ ZoSubString ZoString::strippedPart(stripType type, const wchar_t* set) const noe
   unsigned int begin = 0;
   unsigned int end = length();
   if (type & leading) {
-    while (begin < end && inSet(m_data[begin])) ++begin;
+    while (begin < end && inSet(data_[begin])) ++begin;
   }
   if (type & trailing) {
-    while (end > begin && inSet(m_data[end - 1])) --end;
+    while (end > begin && inSet(data_[end - 1])) --end;
   }
   return begin == end ? found(npos, 0) : found(begin, end - begin);
 }
@@ -115,7 +115,7 @@ int ZoString::compareTo(const ZoString& other, caseCompare cmp) const noexcept {
     return equals(other.view(), ignoreCase) ? 0 : zo::compareIgnoreCase(view(), other.view());
   }
   const unsigned int common = std::min(length(), other.length());
-  const int order = std::memcmp(m_data, other.m_data, size_t{common} * sizeof(wchar_t));
+  const int order = std::memcmp(data_, other.data_, size_t{common} * sizeof(wchar_t));
   if (order != 0) return order;
   return length() < other.length() ? -1 : (length() > other.length() ? 1 : 0);
 }

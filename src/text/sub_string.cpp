@@ -6,21 +6,21 @@
 #include "platform/debug_output.h"
 
 std::wstring_view ZoSubString::view() const noexcept {
-  if (m_start == npos) return {L"", 0};
+  if (start_ == npos) return {L"", 0};
   // The string may have become shorter since.
-  const std::wstring_view whole = m_string->view();
-  return m_start < whole.size() ? whole.substr(m_start, m_length) : std::wstring_view(L"", 0);
+  const std::wstring_view whole = string_->view();
+  return start_ < whole.size() ? whole.substr(start_, length_) : std::wstring_view(L"", 0);
 }
 
 const wchar_t* ZoSubString::data() const noexcept { return view().data(); }
 
 ZoSubString& ZoSubString::assign(const wchar_t* text, unsigned int length) {
-  if (m_start == npos) return *this;
-  const unsigned int before = m_string->length();
+  if (start_ == npos) return *this;
+  const unsigned int before = string_->length();
   const auto replaced = static_cast<unsigned int>(view().size());
-  m_string->replace(m_start, m_length, text, length);
+  string_->replace(start_, length_, text, length);
   // What the string refused to take, the view does not cover.
-  if (m_string->length() - (before - replaced) == length) m_length = length;
+  if (string_->length() - (before - replaced) == length) length_ = length;
   return *this;
 }
 
@@ -41,11 +41,11 @@ ZoSubString& ZoSubString::operator=(const wchar_t* text) {
 }
 
 wchar_t ZoSubString::charAt(unsigned int i) const noexcept {
-  return assertElement(i) ? wchar_t(0) : std::as_const(*m_string)[size_t{m_start} + i];
+  return assertElement(i) ? L'\0' : std::as_const(*string_)[size_t{start_} + i];
 }
 
 wchar_t& ZoSubString::charRef(unsigned int i) {
-  return assertElement(i) ? m_string->charRef(npos) : m_string->charRef(m_start + i);
+  return assertElement(i) ? string_->charRef(npos) : string_->charRef(start_ + i);
 }
 
 void ZoSubString::subStringError(unsigned int len, unsigned int start, unsigned int n) noexcept {

@@ -12,24 +12,24 @@ namespace zo {
 class TextBuffer {
  public:
   TextBuffer& operator<<(std::wstring_view text) {
-    m_text += text;
+    text_ += text;
     return *this;
   }
   TextBuffer& operator<<(wchar_t c) {
-    m_text += c;
+    text_ += c;
     return *this;
   }
   TextBuffer& append(wchar_t c, size_t count) {
-    m_text.append(count, c);
+    text_.append(count, c);
     return *this;
   }
 
-  [[nodiscard]] size_t size() const noexcept { return m_text.size(); }
-  [[nodiscard]] std::wstring& text() noexcept { return m_text; }
-  [[nodiscard]] ZoString toString() const { return ZoString(std::wstring_view(m_text)); }
+  [[nodiscard]] size_t size() const noexcept { return text_.size(); }
+  [[nodiscard]] std::wstring& text() noexcept { return text_; }
+  [[nodiscard]] ZoString toString() const { return ZoString(std::wstring_view(text_)); }
 
  private:
-  std::wstring m_text;
+  std::wstring text_;
 };
 
 }  // namespace zo

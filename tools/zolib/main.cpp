@@ -1,6 +1,7 @@
 // zolib: the command-line tool for the keepers of part libraries.
-#include <shellapi.h>
 #include <windows.h>
+
+#include <shellapi.h>
 #include <zo_com.h>
 
 #include <CLI/CLI.hpp>

@@ -6,18 +6,18 @@
 class ZoRefCount {
  public:
   constexpr explicit ZoRefCount(int initial = 1) noexcept
-      : m_others(static_cast<unsigned int>(initial) - 1u) {}
+      : others_(static_cast<unsigned int>(initial) - 1u) {}
 
   constexpr void setRefCount(int count) noexcept {
-    m_others = static_cast<unsigned int>(count) - 1u;
+    others_ = static_cast<unsigned int>(count) - 1u;
   }
-  [[nodiscard]] constexpr unsigned int references() const noexcept { return m_others + 1u; }
-  constexpr void addReference() noexcept { ++m_others; }
+  [[nodiscard]] constexpr unsigned int references() const noexcept { return others_ + 1u; }
+  constexpr void addReference() noexcept { ++others_; }
   // Returns the number of references that remain; whoever sees 0 frees the storage.
-  constexpr unsigned int removeReference() noexcept { return m_others--; }
+  constexpr unsigned int removeReference() noexcept { return others_--; }
 
  private:
-  unsigned int m_others;
+  unsigned int others_;
 };
 
 static_assert(sizeof(ZoRefCount) == 4);

@@ -39,7 +39,7 @@ class ZO_COM_API ZoString {
   ZoString() noexcept : ZoString(addedReference(ZoStringRef::emptyRep())) {}
   ZoString(const ZoString& other) noexcept : ZoString(addedReference(other.pref())) {}
   ZoString(ZoString&& other) noexcept
-      : m_data(std::exchange(other.m_data, addedReference(ZoStringRef::emptyRep())->data())) {}
+      : data_(std::exchange(other.data_, addedReference(ZoStringRef::emptyRep())->data())) {}
   ZoString(const wchar_t* text);
   ZoString(const wchar_t* text, unsigned int length);
   ZoString(const ZoSubString& text);
@@ -55,7 +55,7 @@ class ZO_COM_API ZoString {
   ZoString& operator=(const ZoSubString& text);
   ZoString& operator=(const wchar_t* text);
   ZoString& operator=(std::wstring_view text);
-  void swap(ZoString& other) noexcept { std::swap(m_data, other.m_data); }
+  void swap(ZoString& other) noexcept { std::swap(data_, other.data_); }
 
   // A string with storage of its own, of a capacity of exactly length(): what another thread may be
   // given.
@@ -71,13 +71,13 @@ class ZO_COM_API ZoString {
   [[nodiscard]] static constexpr unsigned int maxLength() noexcept { return 0x7FFFFFFE; }
 
   // The characters, followed by a zero. Valid until the string is changed or destroyed.
-  [[nodiscard]] const wchar_t* data() const noexcept { return m_data; }
-  operator const wchar_t*() const noexcept { return m_data; }
-  [[nodiscard]] std::wstring_view view() const noexcept { return {m_data, length()}; }
+  [[nodiscard]] const wchar_t* data() const noexcept { return data_; }
+  operator const wchar_t*() const noexcept { return data_; }
+  [[nodiscard]] std::wstring_view view() const noexcept { return {data_, length()}; }
   // Where both this and the pointer conversion fit (std::wstring_view v(s)), say s.view().
   operator std::wstring_view() const noexcept { return view(); }
-  [[nodiscard]] const wchar_t* begin() const noexcept { return m_data; }
-  [[nodiscard]] const wchar_t* end() const noexcept { return m_data + length(); }
+  [[nodiscard]] const wchar_t* begin() const noexcept { return data_; }
+  [[nodiscard]] const wchar_t* end() const noexcept { return data_ + length(); }
 
   // Out of range, the const forms give 0 and the others a scratch character (one per thread) that
   // belongs to no string: reading it gives what was last written to it. The non-const forms make
@@ -273,7 +273,7 @@ class ZO_COM_API ZoString {
   [[nodiscard]] int collate(const wchar_t* other) const noexcept { return pref()->collate(other); }
 
   friend bool operator==(const ZoString& a, const ZoString& b) noexcept {
-    return a.m_data == b.m_data || a.view() == b.view();
+    return a.data_ == b.data_ || a.view() == b.view();
   }
   friend bool operator==(const ZoString& a, const ZoSubString& b) noexcept {
     return a.view() == b.view();
@@ -368,10 +368,10 @@ class ZO_COM_API ZoString {
   friend ZO_COM_API ZoString operator+(const ZoString& a, const wchar_t* b);
   friend ZO_COM_API ZoString operator+(const wchar_t* a, const ZoString& b);
 
-  explicit ZoString(ZoStringRef* owned) noexcept : m_data(owned->data()) {}
+  explicit ZoString(ZoStringRef* owned) noexcept : data_(owned->data()) {}
 
   [[nodiscard]] ZoStringRef* pref() const noexcept {
-    return reinterpret_cast<ZoStringRef*>(m_data) - 1;
+    return reinterpret_cast<ZoStringRef*>(data_) - 1;
   }
   static ZoStringRef* addedReference(ZoStringRef* block) noexcept {
     block->addReference();
@@ -389,7 +389,7 @@ class ZO_COM_API ZoString {
     return std::in_range<unsigned int>(i) ? static_cast<unsigned int>(i) : npos;
   }
   [[nodiscard]] wchar_t charAt(unsigned int i) const noexcept {
-    return i < length() ? m_data[i] : wchar_t(0);
+    return i < length() ? data_[i] : L'\0';
   }
   [[nodiscard]] wchar_t& charRef(unsigned int i);
   void adopt(ZoStringRef* block) noexcept;
@@ -409,7 +409,7 @@ class ZO_COM_API ZoString {
   static unsigned int s_resizeInc;
   static unsigned int s_freeboard;
 
-  wchar_t* m_data;  // the characters of a ZoStringRef, whose header lies directly before them
+  wchar_t* data_;  // the characters of a ZoStringRef, whose header lies directly before them
 };
 
 static_assert(sizeof(ZoString) == sizeof(void*));

@@ -34,11 +34,11 @@ class ZO_COM_API ZoStringRef : private ZoRefCount {
   using ZoRefCount::references;
   [[nodiscard]] bool isShared() const noexcept { return references() > 1; }
 
-  [[nodiscard]] unsigned int capacity() const noexcept { return m_capacity; }
-  [[nodiscard]] unsigned int length() const noexcept { return m_length; }
+  [[nodiscard]] unsigned int capacity() const noexcept { return capacity_; }
+  [[nodiscard]] unsigned int length() const noexcept { return length_; }
   // Sets the length and writes the terminator. Needs an unshared block and length <= capacity().
   void setLength(unsigned int length) noexcept {
-    m_length = length;
+    length_ = length;
     data()[length] = 0;
   }
   [[nodiscard]] wchar_t* data() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
@@ -65,13 +65,13 @@ class ZO_COM_API ZoStringRef : private ZoRefCount {
   static EmptyBlock s_empty;
 
   constexpr ZoStringRef(unsigned int capacity, unsigned int length) noexcept
-      : ZoRefCount(1), m_capacity(capacity), m_length(length) {}
+      : ZoRefCount(1), capacity_(capacity), length_(length) {}
   ~ZoStringRef() = default;
   wchar_t& operator[](unsigned int i) noexcept { return data()[i]; }
   void freeBlock() noexcept;
 
-  unsigned int m_capacity;
-  unsigned int m_length;
+  unsigned int capacity_;
+  unsigned int length_;
 };
 
 static_assert(sizeof(ZoStringRef) == 12);

@@ -30,11 +30,11 @@ class ZO_COM_API ZoSubString {
   ZoSubString& operator=(const ZoString& text);
   ZoSubString& operator=(const wchar_t* text);
 
-  [[nodiscard]] unsigned int start() const noexcept { return m_start; }
-  [[nodiscard]] unsigned int length() const noexcept { return m_length; }
-  [[nodiscard]] bool isEmpty() const noexcept { return m_length == 0; }
+  [[nodiscard]] unsigned int start() const noexcept { return start_; }
+  [[nodiscard]] unsigned int length() const noexcept { return length_; }
+  [[nodiscard]] bool isEmpty() const noexcept { return length_ == 0; }
   // True for the null substring only.
-  [[nodiscard]] bool operator!() const noexcept { return m_start == npos; }
+  [[nodiscard]] bool operator!() const noexcept { return start_ == npos; }
   // The first character, or an empty text for the null substring. NOT terminated at length().
   [[nodiscard]] const wchar_t* data() const noexcept;
 
@@ -71,7 +71,7 @@ class ZO_COM_API ZoSubString {
 
  protected:
   // True for an index that is npos or not below length().
-  [[nodiscard]] bool assertElement(unsigned int i) const noexcept { return i >= m_length; }
+  [[nodiscard]] bool assertElement(unsigned int i) const noexcept { return i >= length_; }
   // Called for a request of n characters from start in a text of len characters that lies outside
   // it; writes a line for a debugger. The request then gives the null substring.
   static void subStringError(unsigned int len, unsigned int start, unsigned int n) noexcept;
@@ -79,7 +79,7 @@ class ZO_COM_API ZoSubString {
  private:
   friend class ZoString;
   ZoSubString(const ZoString& string, unsigned int start, unsigned int length) noexcept
-      : m_string(const_cast<ZoString*>(&string)), m_start(start), m_length(length) {}
+      : string_(const_cast<ZoString*>(&string)), start_(start), length_(length) {}
 
   // Any integer as an index; what does not fit is npos.
   template <std::integral Index>
@@ -90,9 +90,9 @@ class ZO_COM_API ZoSubString {
   [[nodiscard]] wchar_t& charRef(unsigned int i);
   ZoSubString& assign(const wchar_t* text, unsigned int length);
 
-  ZoString* m_string;
-  unsigned int m_start;
-  unsigned int m_length;
+  ZoString* string_;
+  unsigned int start_;
+  unsigned int length_;
 };
 
 static_assert(sizeof(ZoSubString) == 16);

@@ -1,0 +1,20 @@
+# Each public header compiles alone, before windows.h and after it, with all of windows.h's macros.
+# One file per header and order is generated; building them is the test.
+file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/include/*.h)
+set(generated)
+foreach(header ${headers})
+  string(MAKE_C_IDENTIFIER ${header} id)
+  set(alone ${CMAKE_CURRENT_BINARY_DIR}/headers/${id}_before.cpp)
+  set(after ${CMAKE_CURRENT_BINARY_DIR}/headers/${id}_after.cpp)
+  file(CONFIGURE OUTPUT ${alone} CONTENT "#include <${header}>\n#include <${header}>\n#include <windows.h>\n")
+  file(CONFIGURE OUTPUT ${after} CONTENT "#include <windows.h>\n#include <${header}>\n")
+  list(APPEND generated ${alone} ${after})
+endforeach()
+add_library(header_tests OBJECT EXCLUDE_FROM_ALL ${generated})
+target_include_directories(header_tests PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_BINARY_DIR}/generated)
+if(NOT MSVC)
+  target_compile_options(header_tests PRIVATE -fsyntax-only -Wall -Wextra -Wpedantic -Werror)
+endif()
+add_test(NAME headers.EachCompilesAloneBeforeAndAfterWindows
+         COMMAND ${CMAKE_COMMAND} --build ${PROJECT_BINARY_DIR} --target header_tests)
+set_tests_properties(headers.EachCompilesAloneBeforeAndAfterWindows PROPERTIES TIMEOUT 900 RUN_SERIAL ON)

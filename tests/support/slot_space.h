@@ -1,0 +1,105 @@
+// The address space behind the guarded heap: a reserved range cut into slots of 2^shift bytes.
+//
+// The range is dealt out in spans of at least 64 MiB, each for one slot size and aligned to it, so
+// that the slot around any address is found by a table look-up and a mask. A slot given back rests
+// at the end of its size's queue and is taken again only when enough others rest behind it.
+//
+// Threads: none of its own; the heap's lock covers it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace zo::test {
+
+// What the heap knows of one slot and the block in it.
+struct Block {
+  static constexpr unsigned kFrames = 6;
+  enum State : std::uint8_t { kNew, kLive, kFreed };
+
+  char* slot;
+  char* start;  // what the program got
+  std::size_t size;
+  std::uint64_t serial;       // counts allocations from 1
+  std::uint64_t lastReached;  // the leak scan that last found a way to it
+  Block* previous;            // in the list of live blocks or in a queue of resting ones
+  Block* next;
+  Block* nextToScan;
+  std::uint8_t shift;  // the slot has 2^shift bytes
+  State state;
+  bool
+      guarded;  // ends at an inaccessible page; otherwise fenced: it only has known bytes around it
+  bool committed;         // guarded slots that keep their page while they rest
+  void* frames[kFrames];  // who allocated it, innermost first; shorter stacks end with null
+};
+
+// Blocks in the order in which they came; links inside the blocks.
+class BlockList {
+ public:
+  Block* front() const { return front_; }
+  Block* back() const { return back_; }
+  std::size_t count() const { return count_; }
+  void append(Block* block);
+  void remove(Block* block);
+
+ private:
+  Block* front_ = nullptr;
+  Block* back_ = nullptr;
+  std::size_t count_ = 0;
+};
+
+class SlotSpace {
+ public:
+  static constexpr unsigned kLeastShift = 8;
+  static constexpr unsigned kMostShift = 33;
+
+  // How the descriptions of slots are kept: in a table beside the range, for slots of at least
+  // 2^leastShift bytes that become accessible one by one; or at the head of each slot, in spans
+  // that are accessible as a whole.
+  enum class Records { kInTable, kInSlot };
+
+  bool reserve(std::size_t bytes, unsigned leastShift, Records records);
+
+  // A slot of this size, new or rested (its state tells); null when the range is used up.
+  Block* take(unsigned shift);
+  // The slot that has rested longest if more than `least` rest; null otherwise.
+  Block* takeRested(unsigned shift, std::size_t least);
+  void rest(Block* block) { classes_[block->shift].resting.append(block); }
+
+  bool contains(const void* address) const {
+    const auto* at = static_cast<const char*>(address);
+    return at >= base_ && at < base_ + bytes_;
+  }
+  // The slot around the address, null when none was ever taken there.
+  Block* find(const void* address) const;
+
+  template <typename Visitor>
+  void forEachResting(Visitor visit) const {
+    for (const SlotClass& slots : classes_) {
+      for (const Block* b = slots.resting.front(); b; b = b->next) visit(b);
+    }
+  }
+
+ private:
+  struct SlotClass {
+    char* fresh;
+    char* end;
+    BlockList resting;
+  };
+  static constexpr unsigned kChunkShift = 26;
+  static constexpr std::size_t kMostChunks = 512;
+
+  bool grow(unsigned shift);
+  Block* recordOf(char* slot) const;
+
+  char* base_ = nullptr;
+  std::size_t bytes_ = 0;
+  std::size_t dealt_ = 0;
+  unsigned leastShift_ = 0;
+  Block* table_ = nullptr;
+  SlotClass classes_[kMostShift + 1] = {};
+  std::uint8_t chunkShifts_[kMostChunks] =
+      {};  // slot size of each chunk, 0 while it is not dealt out
+};
+
+}  // namespace zo::test
