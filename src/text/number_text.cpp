@@ -15,20 +15,20 @@ bool isWhite(wchar_t c) noexcept { return c == L' ' || (c >= L'\t' && c <= L'\r'
 // Walks over a text; past its end stand zero characters.
 class Scanner {
  public:
-  explicit Scanner(std::wstring_view text) noexcept : m_text(text) {
-    while (isWhite(peek())) ++m_at;
+  explicit Scanner(std::wstring_view text) noexcept : text_(text) {
+    while (isWhite(peek())) ++at_;
   }
 
   [[nodiscard]] wchar_t peek(size_t ahead = 0) const noexcept {
-    return m_text.size() - m_at > ahead ? m_text[m_at + ahead] : wchar_t(0);
+    return text_.size() - at_ > ahead ? text_[at_ + ahead] : wchar_t(0);
   }
-  void advance(size_t n = 1) noexcept { m_at += n; }
-  [[nodiscard]] size_t position() const noexcept { return m_at; }
+  void advance(size_t n = 1) noexcept { at_ += n; }
+  [[nodiscard]] size_t position() const noexcept { return at_; }
 
   // Takes a sign, and tells whether it was a minus.
   bool takeSign() noexcept {
     const wchar_t c = peek();
-    if (c == L'-' || c == L'+') ++m_at;
+    if (c == L'-' || c == L'+') ++at_;
     return c == L'-';
   }
 
@@ -37,7 +37,7 @@ class Scanner {
     for (size_t i = 0; i < word.size(); ++i) {
       if ((peek(i) | 0x20) != word[i]) return false;
     }
-    m_at += word.size();
+    at_ += word.size();
     return true;
   }
 
@@ -47,7 +47,7 @@ class Scanner {
   size_t takeDigits(wchar_t grouping, Use use) noexcept {
     size_t count = 0;
     bool grouped = false;
-    for (;; ++m_at) {
+    for (;; ++at_) {
       const wchar_t c = peek();
       if (isDigit(c)) {
         use(digitOf(c));
@@ -62,8 +62,8 @@ class Scanner {
   }
 
  private:
-  std::wstring_view m_text;
-  size_t m_at = 0;
+  std::wstring_view text_;
+  size_t at_ = 0;
 };
 
 // The digits of a real, as they come in: a whole number times a power of ten. The nearest double
@@ -71,14 +71,14 @@ class Scanner {
 class Significand {
  public:
   void add(unsigned int digit, bool fraction) noexcept {
-    if (m_count == 0 && digit == 0) {
-      m_exponent -= fraction;
-    } else if (m_count < kDigits) {
-      m_text[m_count++] = static_cast<char>('0' + digit);
-      m_exponent -= fraction;
+    if (count_ == 0 && digit == 0) {
+      exponent_ -= fraction;
+    } else if (count_ < kDigits) {
+      text_[count_++] = static_cast<char>('0' + digit);
+      exponent_ -= fraction;
     } else {
-      m_restIsNotZero |= digit != 0;
-      m_exponent += !fraction;
+      restIsNotZero_ |= digit != 0;
+      exponent_ += !fraction;
     }
   }
 
@@ -86,19 +86,19 @@ class Significand {
   // infinity.
   int valueTimes(std::int64_t exponent, double& value) noexcept {
     value = 0;
-    exponent += m_exponent;
+    exponent += exponent_;
     // The value lies between 10^(magnitude - 1) and 10^magnitude.
-    const std::int64_t magnitude = exponent + static_cast<std::int64_t>(m_count);
-    if (m_count == 0 || magnitude < -400) return ZoResult::ok;
+    const std::int64_t magnitude = exponent + static_cast<std::int64_t>(count_);
+    if (count_ == 0 || magnitude < -400) return ZoResult::ok;
     if (magnitude <= 400) {
-      if (m_restIsNotZero) {
-        m_text[m_count++] = '1';
+      if (restIsNotZero_) {
+        text_[count_++] = '1';
         --exponent;
       }
-      m_text[m_count] = 'e';
+      text_[count_] = 'e';
       const auto exponentEnd =
-          std::to_chars(m_text + m_count + 1, m_text + sizeof m_text, exponent).ptr;
-      if (std::from_chars(m_text, exponentEnd, value).ec == std::errc()) return ZoResult::ok;
+          std::to_chars(text_ + count_ + 1, text_ + sizeof text_, exponent).ptr;
+      if (std::from_chars(text_, exponentEnd, value).ec == std::errc()) return ZoResult::ok;
       if (magnitude <= 0) return ZoResult::ok;
     }
     value = std::numeric_limits<double>::infinity();
@@ -107,10 +107,10 @@ class Significand {
 
  private:
   static constexpr size_t kDigits = 770;
-  char m_text[kDigits + 30];
-  size_t m_count = 0;
-  std::int64_t m_exponent = 0;
-  bool m_restIsNotZero = false;
+  char text_[kDigits + 30];
+  size_t count_ = 0;
+  std::int64_t exponent_ = 0;
+  bool restIsNotZero_ = false;
 };
 
 // Takes an exponent if there is a whole one.
