@@ -5,4 +5,5 @@
 #include <zo/results.h>
 #include <zo/strings.h>
 #include <zo/system/dll_version.h>
+#include <zo/system/guard.h>
 #include <zo/version.h>

@@ -173,8 +173,8 @@ ZO_TEST_CHILD(abort) { std::abort(); }
 ZO_TEST_CHILD(stack_overflow) {
   struct Recursion {
     static int deeper(volatile int* above) {
-      volatile int room[1000] = {*above};
-      return ten ? room[0] + deeper(room) + room[999] : 0;
+      volatile int room[100] = {*above};
+      return ten ? room[0] + deeper(room) + room[99] : 0;
     }
   };
   volatile int start = 1;
@@ -187,7 +187,8 @@ ZO_TEST_CHILD(division_by_zero) {
   RaiseException(EXCEPTION_INT_DIVIDE_BY_ZERO, 0, 0, nullptr);  // the division itself would trap
   return zero;
 #else
-  return 1 / zero;
+  volatile int one = 1;
+  return one / zero;
 #endif
 }
 

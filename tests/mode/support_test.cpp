@@ -29,6 +29,14 @@ ZO_TEST_CHILD(arguments) {
   return 0;
 }
 
+// Starts a child that listens to nothing, and waits to be killed itself.
+ZO_TEST_CHILD(starts_another) {
+  ChildProcess other(L"hang");
+  parent.say(std::to_string(other.id()));
+  parent.hear();
+  return 0;
+}
+
 TEST(ChildProcess, TalksInLinesAndEndsWithItsCode) {
   ChildProcess child(L"echo");
   EXPECT_EQ(child.hear(), "ready");
@@ -65,6 +73,17 @@ TEST(ChildProcess, KilledOrForgottenIsGone) {
   }
   EXPECT_EQ(WaitForSingleObject(process, 0), WAIT_OBJECT_0);
   CloseHandle(process);
+}
+
+TEST(ChildProcess, DoesNotOutliveAKilledParent) {
+  ChildProcess child(L"starts_another");
+  const auto id = child.hear();
+  ASSERT_TRUE(id);
+  HANDLE other = OpenProcess(SYNCHRONIZE, FALSE, std::stoul(*id));
+  ASSERT_NE(other, nullptr);
+  child.kill();
+  EXPECT_EQ(WaitForSingleObject(other, INFINITE), WAIT_OBJECT_0);  // the watchdog ends it otherwise
+  CloseHandle(other);
 }
 
 TEST(TempFolder, IsFreshAndLeavesNothing) {

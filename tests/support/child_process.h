@@ -19,7 +19,9 @@
 // outlives its ChildProcess, nor a parent that was killed.
 //
 // Lines are UTF-8 without the line end. Do not print to stdout in a child: that is the pipe;
-// standard error is free. Errors:  what cannot be started or written throws std::runtime_error.
+// standard error is free.
+//
+// Errors:  what cannot be started or written throws std::runtime_error.
 // Threads: one at a time per object.
 #pragma once
 

@@ -68,10 +68,19 @@ void onAbort(int) {
   endProcess(kExitTerminate);
 }
 
-DWORD WINAPI watch(void* milliseconds) {
-  Sleep(static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(milliseconds)));
-  rawPrint("watchdog: the program still runs after %lu ms\n",
-           static_cast<unsigned long>(reinterpret_cast<ULONG_PTR>(milliseconds)));
+struct {
+  HANDLE mainThread;
+  DWORD patience;
+} watched;
+
+DWORD WINAPI watch(void*) {
+  if (WaitForSingleObject(watched.mainThread, watched.patience) == WAIT_OBJECT_0) {
+    // An ordinary end stops this thread first. Under Wine a stack overflow can kill a thread
+    // without any exception.
+    rawPrint("crash: the main thread is gone, probably by a stack overflow\n");
+    endProcess(kExitException);
+  }
+  rawPrint("watchdog: the program still runs after %lu ms\n", watched.patience);
   endProcess(kExitHung);
 }
 
@@ -80,7 +89,7 @@ DWORD WINAPI watch(void* milliseconds) {
 void installCrashReports() {
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
   _set_error_mode(_OUT_TO_STDERR);
-  ULONG stackForReports = 32768;  // what a stack overflow leaves for onException
+  ULONG stackForReports = 131072;  // what a stack overflow leaves for onException
   SetThreadStackGuarantee(&stackForReports);
   SetUnhandledExceptionFilter(onException);
   std::set_terminate(onTerminate);
@@ -91,12 +100,15 @@ void startWatchdog() {
   constexpr unsigned long kPatience = 240000;
   wchar_t text[32];
   const DWORD length = GetEnvironmentVariableW(L"ZO_TEST_TIMEOUT_MS", text, 32);
-  const unsigned long patience =
-      length && length < 32 ? std::wcstoul(text, nullptr, 10) : kPatience;
-  if (!patience) return;
+  watched.patience = length && length < 32 ? std::wcstoul(text, nullptr, 10) : kPatience;
+  if (!watched.patience) watched.patience = INFINITE;
+  HANDLE self = GetCurrentProcess();
+  if (!DuplicateHandle(self, GetCurrentThread(), self, &watched.mainThread, SYNCHRONIZE, FALSE,
+                       0)) {
+    return;
+  }
   // A bare thread: the runtime's threads would allocate.
-  if (HANDLE thread = CreateThread(nullptr, 65536, watch,
-                                   reinterpret_cast<void*>(static_cast<ULONG_PTR>(patience)),
+  if (HANDLE thread = CreateThread(nullptr, 65536, watch, nullptr,
                                    STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr)) {
     CloseHandle(thread);
   }

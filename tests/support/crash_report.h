@@ -7,8 +7,8 @@ namespace zo::test {
 // Access violations, other system exceptions, std::terminate and abort.
 void installCrashReports();
 
-// Ends the process with kExitHung after ZO_TEST_TIMEOUT_MS milliseconds (default 240,000; 0:
-// never).
+// Ends the process with kExitHung after ZO_TEST_TIMEOUT_MS milliseconds (default 240,000; 0: never)
+// and with kExitException when the calling thread, the main one, ends before the process does.
 void startWatchdog();
 
 }  // namespace zo::test

@@ -2,8 +2,7 @@
 // long paths.
 //
 // Errors: a folder that cannot be made throws std::runtime_error; what cannot be removed fails the
-// test and is
-//         named, because it mostly means that a file was left open.
+//         test and is named, because it mostly means that a file was left open.
 #pragma once
 
 #include <filesystem>

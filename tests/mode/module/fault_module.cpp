@@ -3,7 +3,11 @@
 
 extern "C" {
 
-__declspec(dllexport) char* moduleAllocate(std::size_t size) { return new char[size]; }
+__declspec(dllexport) char* moduleAllocate(std::size_t size) {
+  char* block = new char[size];
+  block[0] = 'm';  // so that this function is on the stack while it allocates
+  return block;
+}
 
 __declspec(dllexport) void moduleFree(const char* block) { delete[] block; }
 
