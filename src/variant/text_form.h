@@ -129,7 +129,7 @@ class TextFormParser {
   // What follows a number must not look like a part of it.
   [[nodiscard]] bool atEndOfNumber() const noexcept {
     const wchar_t c = peek();
-    return at_ == text_.size() || isWhite(c) || c == L']' || c == L'}' || c == L')' || c == L',';
+    return at_ == text_.size() || isWhite(c) || c == L']' || c == L'}';
   }
 
   // Up to `digits` hexadecimal digits, at least one.

@@ -41,9 +41,11 @@ int toBigInt(std::wstring_view text, std::int64_t& out) noexcept {
                    });
 }
 
-// To the nearest whole number, halves away from zero.
+// To the nearest whole number, halves away from zero. (std::round of this platform's runtime adds a
+// half and cuts, which takes 0.49999999999999994 for 1.)
 int toBigInt(double value, std::int64_t& out) noexcept {
-  const double rounded = std::round(value);
+  const double whole = std::trunc(value);
+  const double rounded = std::abs(value - whole) < 0.5 ? whole : whole + std::copysign(1.0, value);
   if (!(rounded >= -0x1p63 && rounded < 0x1p63)) return ZoResult::refused;
   out = static_cast<std::int64_t>(rounded);
   return ZoResult::ok;
