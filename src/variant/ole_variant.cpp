@@ -78,14 +78,16 @@ double dateOfTicks(std::int64_t ticks) noexcept {
   return static_cast<double>(days) + (days < 0 ? -fraction : fraction);
 }
 
-// False for what Automation does not take for a date (the years 100 to 9999).
+// A date is as fine as 40 us near the year 9999: rounded to a tenth of a millisecond, what was one
+// comes back exactly. False for what Automation does not take for a date (the years 100 to 9999).
 bool ticksOfDate(double date, std::int64_t& ticks) noexcept {
   if (!(date > -657435.0 && date < 2958466.0)) return false;
   const double days = std::trunc(date);
-  const double rest = std::abs(date - days) * kTicksPerDay;
+  constexpr double kTicksPerStep = 1000;
+  const double rest = std::abs(date - days) * (kTicksPerDay / kTicksPerStep);
   ticks = kTicksOfDayZero +
           static_cast<std::int64_t>(days) * static_cast<std::int64_t>(kTicksPerDay) +
-          std::llround(rest);
+          std::llround(rest) * static_cast<std::int64_t>(kTicksPerStep);
   return true;
 }
 

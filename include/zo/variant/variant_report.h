@@ -22,6 +22,7 @@
 #include <zo/variant/variant.h>
 
 #include <iosfwd>
+#include <utility>
 #include <vector>
 
 struct ZoVariantChange {
@@ -52,7 +53,8 @@ class ZO_COM_API ZoVariantReport {
   ZoVariantReport(const ZoVariant& before, const ZoVariant& after,
                   const ZoVariantReportOptions& options = {});
 
-  [[nodiscard]] const std::vector<ZoVariantChange>& changes() const noexcept { return changes_; }
+  [[nodiscard]] const std::vector<ZoVariantChange>& changes() const& noexcept { return changes_; }
+  [[nodiscard]] std::vector<ZoVariantChange> changes() && noexcept { return std::move(changes_); }
   [[nodiscard]] bool isEmpty() const noexcept { return changes_.empty(); }
   [[nodiscard]] unsigned int count(ZoVariantChange::Kind kind) const noexcept;
 
