@@ -11,6 +11,12 @@ import pathlib
 import statistics
 import sys
 
+HEADING = """# Benchmark results
+
+Written by `bench/run`: cross-compiled with GCC, run under Wine on one CPU; median of the repetitions, all benchmarks
+of a family interleaved in one run. Ratio = peer's time / our time: above 1, ours is faster.
+"""
+
 
 def medians(path):
     """Median real time in nanoseconds of each benchmark, and the spread of its repetitions in per cent."""
@@ -33,40 +39,48 @@ def shown(nanoseconds):
     return f"{nanoseconds:.3g} ns"
 
 
+def kept_sections(path):
+    """The families' sections of an earlier table, which stay unless a family was measured anew."""
+    sections = {}
+    for part in path.read_text().split("\n## ")[1:] if path.exists() else []:
+        sections[part.split("\n", 1)[0]] = "## " + part.strip() + "\n"
+    return sections
+
+
+def section(path, targets):
+    """One family's table."""
+    family = path.stem
+    context, times = medians(path)
+    lines = [f"## {family}", "", f"{context['date'][:10]}, {context['num_cpus']} CPUs", ""]
+    lines += ["| work | ours | peer | | ratio | aim |", "|---|---:|---|---:|---:|---:|"]
+    for name, (ours, _) in sorted(times.items()):
+        if not name.endswith("/ours"):
+            continue
+        work = name[: -len("/ours")]
+        peers = {n[len(work) + 6 :]: t for n, (t, _) in times.items() if n.startswith(work + "/peer:")}
+        for peer, time in peers.items() or [("", None)]:
+            ratio = time / ours if time else None
+            aim = targets.get(f"{family}/{work}/peer:{peer}", targets.get(f"{family}/{work}"))
+            lines.append(
+                f"| {work} | {shown(ours)} | {peer} | {shown(time) if time else ''} "
+                f"| {f'{ratio:.2f}' if ratio else ''} "
+                f"| {f'{aim:g}' + ('' if not ratio or ratio >= aim else ' (missed)') if aim else ''} |"
+            )
+    return "\n".join(lines) + "\n"
+
+
 def main(folder, targets_file, results_file):
     targets = {}
     for line in pathlib.Path(targets_file).read_text().splitlines():
         if line.strip() and not line.startswith("#"):
             work, ratio = line.rsplit(None, 1)
             targets[work] = float(ratio)
-    lines = [
-        "# Benchmark results",
-        "",
-        "Written by `bench/run`: cross-compiled with GCC, run under Wine on one CPU; median of the repetitions, all",
-        "benchmarks of a family interleaved in one run. Ratio = peer's time / our time: above 1, ours is faster.",
-        "",
-    ]
-    for path in sorted(pathlib.Path(folder).glob("*.json")):
-        family = path.stem
-        context, times = medians(path)
-        lines += [f"## {family}", "", f"{context['date'][:10]}, {context['num_cpus']} CPUs", ""]
-        lines += ["| work | ours | peer | | ratio | aim |", "|---|---:|---|---:|---:|---:|"]
-        for name, (ours, _) in sorted(times.items()):
-            if not name.endswith("/ours"):
-                continue
-            work = name[: -len("/ours")]
-            peers = {n[len(work) + 6 :]: t for n, (t, _) in times.items() if n.startswith(work + "/peer:")}
-            for peer, time in peers.items() or [("", None)]:
-                ratio = time / ours if time else None
-                aim = targets.get(f"{family}/{work}/peer:{peer}", targets.get(f"{family}/{work}"))
-                lines.append(
-                    f"| {work} | {shown(ours)} | {peer} | {shown(time) if time else ''} "
-                    f"| {f'{ratio:.2f}' if ratio else ''} "
-                    f"| {f'{aim:g}' + ('' if not ratio or ratio >= aim else ' (missed)') if aim else ''} |"
-                )
-        lines.append("")
-    pathlib.Path(results_file).write_text("\n".join(lines))
-    print("\n".join(lines))
+    sections = kept_sections(pathlib.Path(results_file))
+    for path in pathlib.Path(folder).glob("*.json"):
+        sections[path.stem] = section(path, targets)
+    text = "\n".join([HEADING] + [sections[family] for family in sorted(sections)])
+    pathlib.Path(results_file).write_text(text)
+    print(text)
 
 
 if __name__ == "__main__":

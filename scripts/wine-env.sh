@@ -31,7 +31,7 @@ zo_wine_start() {
       wineserver -w
       : >"$WINEPREFIX/.zo_ready"
     fi
-    "$@" wineserver "$persist" 9>&-
+    "$@" wineserver "$persist" >/dev/null 2>&1 </dev/null 9>&-
     setsid "$@" wine cmd /c exit >/dev/null 2>&1 </dev/null 9>&-
   ) 9>"$WINEPREFIX.lock"
 }

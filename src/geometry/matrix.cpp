@@ -2,6 +2,8 @@
 #include <zo/geometry/matrix.h>
 #include <zo/geometry/plane.h>
 
+#include <algorithm>
+
 namespace {
 
 // The linear map diagonal * I + skew * [u]× + dyad * u uᵀ that leaves `fixed` where it is. With a
@@ -69,6 +71,45 @@ ZoMatrix& ZoMatrix::setWorldToPlane(const ZoVector& normal) noexcept {
 ZoPoint ZoMatrix::projectiveImage(const ZoPoint& p) const noexcept {
   const double weight = m_[12] * p.x + m_[13] * p.y + m_[14] * p.z + m_[15] * p.w;
   return affineImage(p) / weight;
+}
+
+#if ZO_GEOMETRY_SSE2
+std::size_t ZoMatrix::transformPairs(const ZoPoint* points, ZoPoint* images,
+                                     std::size_t count) const noexcept {
+  __m128d e[12];
+  for (unsigned int i = 0; i < 12; ++i) e[i] = _mm_set1_pd(m_[i]);
+  const __m128d one = _mm_set1_pd(1.0);
+  std::size_t i = 0;
+  for (; i + 2 <= count; i += 2) {
+    const double* p = points[i].asDblArray();
+    const double* q = points[i + 1].asDblArray();
+    const __m128d pxy = _mm_loadu_pd(p), pzw = _mm_loadu_pd(p + 2);
+    const __m128d qxy = _mm_loadu_pd(q), qzw = _mm_loadu_pd(q + 2);
+    const __m128d x = _mm_unpacklo_pd(pxy, qxy), y = _mm_unpackhi_pd(pxy, qxy);
+    const __m128d z = _mm_unpacklo_pd(pzw, qzw), w = _mm_unpackhi_pd(pzw, qzw);
+    // Summed as for one point.
+    const auto row = [&](const __m128d* r) {
+      return _mm_add_pd(_mm_add_pd(_mm_mul_pd(r[0], x), _mm_mul_pd(r[2], z)),
+                        _mm_add_pd(_mm_mul_pd(r[1], y), _mm_mul_pd(r[3], w)));
+    };
+    const __m128d imageX = row(e), imageY = row(e + 4), imageZ = row(e + 8);
+    _mm_storeu_pd(images[i].asDblArray(), _mm_unpacklo_pd(imageX, imageY));
+    _mm_storeu_pd(images[i].asDblArray() + 2, _mm_unpacklo_pd(imageZ, one));
+    _mm_storeu_pd(images[i + 1].asDblArray(), _mm_unpackhi_pd(imageX, imageY));
+    _mm_storeu_pd(images[i + 1].asDblArray() + 2, _mm_unpackhi_pd(imageZ, one));
+  }
+  return i;
+}
+#endif
+
+void ZoMatrix::transform(std::span<const ZoPoint> points,
+                         std::span<ZoPoint> images) const noexcept {
+  const std::size_t count = std::min(points.size(), images.size());
+  std::size_t done = 0;
+#if ZO_GEOMETRY_SSE2
+  if (isAffine()) done = transformPairs(points.data(), images.data(), count);
+#endif
+  for (; done < count; ++done) images[done] = *this * points[done];
 }
 
 int ZoMatrix::decompose(ZoVector& translation, ZoMatrix& rotation, ZoVector& scale,

@@ -97,8 +97,9 @@ bool ZoPlane::intersectWith(const ZoPlane& other, ZoPoint& point, ZoVector& dire
   }
   // From this plane's reference point at a right angle to the line, within this plane.
   const ZoVector across = along.crossProduct(n1);
-  const double step = -(ref_ - other.ref_).dotProduct(n2) / across.dotProduct(n2);
-  point = ref_ + across * step;
+  const double slope = across.dotProduct(n2);
+  if (!(zo::magnitude(slope) > 0.0)) return false;  // also what is not a number
+  point = ref_ - across * ((ref_ - other.ref_).dotProduct(n2) / slope);
   direction = along;
   return true;
 }

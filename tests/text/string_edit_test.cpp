@@ -60,6 +60,20 @@ TEST(StringStorage, EmptyStringsShareOneBlockThatIsNeverUnshared) {
   EXPECT_EQ(block(made)->references(), references);
 }
 
+// Threads that use empty strings at the same time can lose counts of the one block they share.
+TEST(StringStorage, TheEmptyBlockOutlivesALostCount) {
+  ZoStringRef* const empty = ZoStringRef::emptyRep();
+  const unsigned int references = empty->references();
+  for (unsigned int i = 0; i < references; ++i) empty->release();
+  {
+    const ZoString one;
+    ZoString other(one);
+    other.append(L'x');
+  }
+  for (unsigned int i = 0; i < references; ++i) empty->addReference();
+  expectText(ZoString(), L"");
+}
+
 TEST(StringStorage, CapacityFollowsInitialCapacityAndIncrement) {
   for (const auto& [length, capacity] : std::vector<std::pair<unsigned int, unsigned int>>{
            {1, 15}, {15, 15}, {16, 31}, {31, 31}, {32, 47}, {40, 47}, {48, 63}}) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <clocale>
 #include <random>
 #include <string>
 #include <unordered_set>
@@ -60,6 +61,20 @@ TEST(StringSearch, AgreesWithAPlainLoopForwardsAndBackwardsExactAndFolded) {
       }
     }
   }
+}
+
+TEST(StringSearch, WhatIsNotAsciiFoldsAsTheRuntimesLocaleSays) {
+  ASSERT_NE(std::setlocale(LC_CTYPE, "German_Germany.1252"), nullptr);
+  ASSERT_EQ(std::towlower(0xC4), 0xE4u) << "the locale must fold more than ASCII";
+  std::wstring text(40, L'x');
+  text[17] = 0xC4;
+  const ZoString s(text.c_str());
+  const unsigned int found = s.index(L"x\u00E4X", 0, ZoString::ignoreCase);
+  const unsigned int foundBack = s.indexBack(L"\u00E4", 0, ZoString::ignoreCase);
+  std::setlocale(LC_CTYPE, "C");
+  EXPECT_EQ(found, 16u);
+  EXPECT_EQ(foundBack, 17u);
+  EXPECT_FALSE(s.contains(L"\u00E4", ZoString::ignoreCase)) << "not in the C locale";
 }
 
 TEST(StringSearch, StartsPastTheEndAndEmptyPatternsNeverWrap) {

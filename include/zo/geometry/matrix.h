@@ -21,14 +21,17 @@
 #include <zo/geometry/vector.h>
 
 #include <bit>
+#include <cstddef>
 #include <iosfwd>
 #include <limits>
+#include <span>
 #include <type_traits>
 
 class ZoMatrix {
  public:
   // The identity.
-  constexpr ZoMatrix() noexcept = default;
+  constexpr ZoMatrix() noexcept
+      : m_{1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0} {}
   constexpr explicit ZoMatrix(const double (&rowByRow)[16]) noexcept {
     for (unsigned int i = 0; i < 16; ++i) m_[i] = rowByRow[i];
   }
@@ -154,6 +157,10 @@ class ZoMatrix {
             e[4] * v.x + e[5] * v.y + e[6] * v.z,  //
             e[8] * v.x + e[9] * v.y + e[10] * v.z};
   }
+  // The product with each of many points, at once: images[i] for points[i], as many as both have
+  // room for. They may be the same points.
+  ZO_COM_API void transform(std::span<const ZoPoint> points,
+                            std::span<ZoPoint> images) const noexcept;
 
  private:
   struct Uninitialized {};
@@ -191,6 +198,9 @@ class ZoMatrix {
   };
 
   constexpr void multiply(const ZoMatrix& a, const ZoMatrix& b) noexcept;
+#if ZO_GEOMETRY_SSE2
+  void multiplySse2(const ZoMatrix& a, const ZoMatrix& b) noexcept;
+#endif
   // Whether the fourth row is 0 0 0 1. As integers: four comparisons of doubles cost more than the
   // product.
   [[nodiscard]] constexpr bool isAffine() const noexcept {
@@ -200,12 +210,16 @@ class ZoMatrix {
             (std::bit_cast<Bits>(m_[15]) ^ std::bit_cast<Bits>(1.0))) == 0;
   }
   [[nodiscard]] constexpr ZoPoint affineImage(const ZoPoint& p) const noexcept;
+  // Not inline, since it is rare.
   [[nodiscard]] ZO_COM_API ZoPoint projectiveImage(const ZoPoint& p) const noexcept;
 #if ZO_GEOMETRY_SSE2
   [[nodiscard]] ZoPoint affineImageSse2(const ZoPoint& p) const noexcept;
+  // The images of two points at a time; returns how many, of `count`.
+  std::size_t transformPairs(const ZoPoint* points, ZoPoint* images,
+                             std::size_t count) const noexcept;
 #endif
 
-  double m_[16] = {1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0};
+  double m_[16];
 };
 
 static_assert(sizeof(ZoMatrix) == 128);
@@ -215,6 +229,9 @@ ZO_COM_API std::ostream& operator<<(std::ostream& out, const ZoMatrix& m);
 ZO_COM_API std::wostream& operator<<(std::wostream& out, const ZoMatrix& m);
 
 constexpr void ZoMatrix::multiply(const ZoMatrix& a, const ZoMatrix& b) noexcept {
+#if ZO_GEOMETRY_SSE2
+  if (!std::is_constant_evaluated()) return multiplySse2(a, b);
+#endif
   for (unsigned int row = 0; row < 16; row += 4) {
     for (unsigned int column = 0; column < 4; ++column) {
       m_[row + column] = a.m_[row] * b.m_[column] + a.m_[row + 1] * b.m_[4 + column] +
@@ -222,6 +239,29 @@ constexpr void ZoMatrix::multiply(const ZoMatrix& a, const ZoMatrix& b) noexcept
     }
   }
 }
+
+#if ZO_GEOMETRY_SSE2
+inline void ZoMatrix::multiplySse2(const ZoMatrix& a, const ZoMatrix& b) noexcept {
+  // Spelled out: at the usual level of optimisation loops would stay loops.
+  const auto half = [&](unsigned int column) {
+    const __m128d b0 = _mm_loadu_pd(b.m_ + column), b1 = _mm_loadu_pd(b.m_ + 4 + column);
+    const __m128d b2 = _mm_loadu_pd(b.m_ + 8 + column), b3 = _mm_loadu_pd(b.m_ + 12 + column);
+    const auto row = [&](unsigned int i) {
+      const double* e = a.m_ + i;
+      const __m128d sum =
+          _mm_add_pd(_mm_mul_pd(_mm_set1_pd(e[0]), b0), _mm_mul_pd(_mm_set1_pd(e[1]), b1));
+      const __m128d more = _mm_add_pd(sum, _mm_mul_pd(_mm_set1_pd(e[2]), b2));
+      _mm_storeu_pd(m_ + i + column, _mm_add_pd(more, _mm_mul_pd(_mm_set1_pd(e[3]), b3)));
+    };
+    row(0);
+    row(4);
+    row(8);
+    row(12);
+  };
+  half(0);
+  half(2);
+}
+#endif
 
 constexpr ZoPoint ZoMatrix::affineImage(const ZoPoint& p) const noexcept {
 #if ZO_GEOMETRY_SSE2

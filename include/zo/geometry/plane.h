@@ -16,6 +16,7 @@
 #include <zo/geometry/vector.h>
 
 #include <iosfwd>
+#include <limits>
 #include <span>
 
 class ZoPlane {
@@ -50,7 +51,14 @@ class ZoPlane {
 
   // Positive on the normal's side. 0 when the normal is shorter than the default vector tolerance.
   [[nodiscard]] double signedDistanceTo(const ZoPoint& q) const noexcept {
-    ZoVector unit;
+    // Root and divisions stand before any test, so that they leave a loop over points.
+    const double squaredLength = normal_.lengthSqrd();
+    ZoVector unit = normal_ / zo::squareRoot(squaredLength);
+    const double distance = (q - ref_).dotProduct(unit);
+    const bool usual = squaredLength >= zo::squared(ZoTol::s_default.getVecTol()) &&
+                       squaredLength <= std::numeric_limits<double>::max();
+    if (usual) [[likely]]
+      return distance;
     return normal_.normal(unit) == ZoResult::ok ? (q - ref_).dotProduct(unit) : 0.0;
   }
   // The same for many points: distances[i] for points[i], as many as both have room for.
