@@ -67,15 +67,30 @@ const std::vector<std::wstring>& keys() {
   return all;
 }
 
+// Each side has its keys and its texts in its own type.
+const std::vector<ZoString>& ourKeys() {
+  static const std::vector<ZoString> all = [] {
+    std::vector<ZoString> made;
+    for (const std::wstring& key : keys()) made.emplace_back(key.c_str());
+    return made;
+  }();
+  return all;
+}
+
 const std::wstring& textValue() {
   static const std::wstring text = L"DIN EN ISO 4762 - M8";
+  return text;
+}
+
+const ZoString& ourTextValue() {
+  static const ZoString text(textValue().c_str());
   return text;
 }
 
 OurDict ourPart() {
   OurDict part;
   for (int i = 0; i < 100; ++i) {
-    const ZoString key(keys()[i].c_str());
+    const ZoString& key = ourKeys()[i];
     switch (i % 3) {
       case 0:
         part.insertAt(key, ZoVariant(i));
@@ -84,7 +99,7 @@ OurDict ourPart() {
         part.insertAt(key, ZoVariant(i / 7.0, ZoTypeCode::Length));
         break;
       default:
-        part.insertAt(key, ZoVariant(textValue().c_str()));
+        part.insertAt(key, ZoVariant(ourTextValue()));
         break;
     }
   }
@@ -114,9 +129,8 @@ ZoVariant ourTree() {
   OurDict root;
   for (int c = 0; c < 10; ++c) {
     OurDict catalog;
-    for (int p = 0; p < 100; ++p)
-      catalog.insertAt(ZoString(keys()[p].c_str()), ZoVariant(ourPart()));
-    root.insertAt(ZoString(keys()[c].c_str()), ZoVariant(std::move(catalog)));
+    for (int p = 0; p < 100; ++p) catalog.insertAt(ourKeys()[p], ZoVariant(ourPart()));
+    root.insertAt(ourKeys()[c], ZoVariant(std::move(catalog)));
   }
   return ZoVariant(std::move(root));
 }

@@ -33,49 +33,49 @@ std::unique_ptr<ZoVariant::Sequence> newSequence(ZoTypeCode code) {
 // ---- Owning ----
 
 ZoVariant::ZoVariant(const _GUID& guid, ZoTypeCode code, unsigned int flags)
-    : ZoVariant(kEmpty, code, 0, nullptr) {
+    : ZoVariant(kEmpty, code, 0, Payload{}) {
   payload_.guid = new _GUID(guid);
   become(kGuid, code, flags);
 }
 
 ZoVariant::ZoVariant(const ZoPoint& point, ZoTypeCode code, unsigned int flags)
-    : ZoVariant(kEmpty, code, 0, nullptr) {
+    : ZoVariant(kEmpty, code, 0, Payload{}) {
   payload_.point = new ZoPoint(point);
   become(kPoint, code, flags);
 }
 
 ZoVariant::ZoVariant(const ZoVector& vector, ZoTypeCode code, unsigned int flags)
-    : ZoVariant(kEmpty, code, 0, nullptr) {
+    : ZoVariant(kEmpty, code, 0, Payload{}) {
   payload_.vector = new ZoVector(vector);
   become(kVector, code, flags);
 }
 
 ZoVariant::ZoVariant(const Sequence& sequence, ZoTypeCode code, unsigned int flags)
-    : ZoVariant(kEmpty, code, 0, nullptr) {
+    : ZoVariant(kEmpty, code, 0, Payload{}) {
   payload_.sequence = copyOf(sequence).release();
   become(kSequence, code, flags);
 }
 
 ZoVariant::ZoVariant(const Dict& dict, ZoTypeCode code, unsigned int flags)
-    : ZoVariant(kEmpty, code, 0, nullptr) {
+    : ZoVariant(kEmpty, code, 0, Payload{}) {
   payload_.dict = copyOf(dict).release();
   become(kDict, code, flags);
 }
 
 ZoVariant::ZoVariant(ZoArray<ZoVariant>&& array, ZoTypeCode code, unsigned int flags)
-    : ZoVariant(kEmpty, code, 0, nullptr) {
+    : ZoVariant(kEmpty, code, 0, Payload{}) {
   payload_.sequence = new OwnArray(std::move(array));
   become(kSequence, code, flags);
 }
 
 ZoVariant::ZoVariant(ZoHashDict<ZoVariant, ZoString>&& dict, ZoTypeCode code, unsigned int flags)
-    : ZoVariant(kEmpty, code, 0, nullptr) {
+    : ZoVariant(kEmpty, code, 0, Payload{}) {
   payload_.dict = new OwnDict(std::move(dict));
   become(kDict, code, flags);
 }
 
 ZoVariant::ZoVariant(Type kind, ZoTypeCode code, unsigned int flags)
-    : ZoVariant(kEmpty, code, 0, nullptr) {
+    : ZoVariant(kEmpty, code, 0, Payload{}) {
   switch (kind) {
     case kString:
       ::new (static_cast<void*>(&payload_)) ZoString;
@@ -245,9 +245,8 @@ bool operator==(const ZoVariant& a, const ZoVariant& b) noexcept {
   const auto equal = [](const ZoVariant& x, const ZoVariant& y) noexcept { return x == y; };
   switch (a.type()) {
     case ZoVariant::kInt:
-      return a.integer() == b.integer();
     case ZoVariant::kBigInt:
-      return a.bigInt() == b.bigInt();
+      return a.integer() == b.integer();
     case ZoVariant::kReal:
       return identical(a.real(), b.real());
     case ZoVariant::kString:

@@ -111,12 +111,9 @@ wchar_t* newText(std::wstring_view text) {
 
 // ---- The value as it is stored ----
 
-int ZoVariant::integer() const noexcept {
-  return isReference() ? *payload_.integerRef : payload_.integer;
-}
-
-std::int64_t ZoVariant::bigInt() const noexcept {
-  return isReference() ? *payload_.bigIntRef : payload_.bigInt;
+std::int64_t ZoVariant::integer() const noexcept {
+  if (!isReference()) return payload_.bigInt;
+  return type() == kInt ? *payload_.integerRef : *payload_.bigIntRef;
 }
 
 double ZoVariant::real() const noexcept {
@@ -134,10 +131,8 @@ std::wstring_view ZoVariant::text() const noexcept {
 int ZoVariant::get(std::int64_t& out) const noexcept {
   switch (type()) {
     case kInt:
-      out = integer();
-      return ZoResult::ok;
     case kBigInt:
-      out = bigInt();
+      out = integer();
       return ZoResult::ok;
     case kReal:
       return toBigInt(real(), out);
@@ -157,10 +152,8 @@ int ZoVariant::get(int& out) const noexcept {
 int ZoVariant::get(double& out) const noexcept {
   switch (type()) {
     case kInt:
-      out = integer();
-      return ZoResult::ok;
     case kBigInt:
-      out = static_cast<double>(bigInt());
+      out = static_cast<double>(integer());
       return ZoResult::ok;
     case kReal:
       out = real();
@@ -177,10 +170,8 @@ int ZoVariant::get(ZoString& out) const {
     case kEmpty:
       return ZoResult::refused;
     case kInt:
-      out = ZoIntToStr(integer());
-      return ZoResult::ok;
     case kBigInt:
-      out = ZoIntToStr(bigInt());
+      out = ZoIntToStr(integer());
       return ZoResult::ok;
     case kReal:
       out = ZoRealToStr(real());

@@ -4,11 +4,12 @@
 #include <zo/variant/variant.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <memory>
 #include <ostream>
-#include <string>
+#include <string_view>
 #include <vector>
 
-#include "text/text_buffer.h"
 #include "variant/text_form.h"
 
 static_assert(ZoVariant::kGuid == static_cast<unsigned int>(zo::FormKind::Guid));
@@ -19,6 +20,80 @@ using zo::FormHead;
 using zo::FormKind;
 
 // ---- Writing ----
+
+// A text that grows at its end.
+class GrowingText {
+ public:
+  // Room for n more characters; what was written there becomes part of the text by advance().
+  wchar_t* room(size_t n) {
+    if (n > capacity_ - size_) grow(n);
+    return text_.get() + size_;
+  }
+  void advance(size_t n) noexcept { size_ += n; }
+
+  GrowingText& operator+=(wchar_t c) {
+    *room(1) = c;
+    advance(1);
+    return *this;
+  }
+  GrowingText& operator+=(std::wstring_view text) {
+    text.copy(room(text.size()), text.size());
+    advance(text.size());
+    return *this;
+  }
+  void append(size_t n, wchar_t c) {
+    std::fill_n(room(n), n, c);
+    advance(n);
+  }
+  [[nodiscard]] std::wstring_view view() const noexcept { return {text_.get(), size_}; }
+
+ private:
+  void grow(size_t n) {
+    const size_t wanted = std::max(size_ + n, 2 * capacity_ + 250);
+    auto larger = std::make_unique_for_overwrite<wchar_t[]>(wanted);
+    view().copy(larger.get(), size_);
+    text_ = std::move(larger);
+    capacity_ = wanted;
+  }
+
+  std::unique_ptr<wchar_t[]> text_;
+  size_t size_ = 0;
+  size_t capacity_ = 0;
+};
+
+struct KeyedValue {
+  std::uint64_t rank;  // the first units behind what all keys begin with, as a number
+  std::wstring_view key;
+  const ZoVariant* value;
+};
+
+// The entries in the order of their keys' code units.
+std::vector<KeyedValue> inOrderOfKeys(const ZoVariant::Dict& dict) {
+  std::vector<KeyedValue> entries;
+  entries.reserve(dict.entries());
+  for (const auto [key, value] : dict) entries.push_back({0, key.view(), &value});
+  if (entries.empty()) return entries;
+
+  // Keys of one dictionary tend to begin alike: most comparisons are then one of two numbers.
+  const std::wstring_view first = entries.front().key;
+  size_t common = first.size();
+  for (const KeyedValue& entry : entries) {
+    const size_t n = std::min(common, entry.key.size());
+    common = static_cast<size_t>(std::mismatch(first.begin(),
+                                               first.begin() + static_cast<std::ptrdiff_t>(n),
+                                               entry.key.begin())
+                                     .first -
+                                 first.begin());
+  }
+  for (KeyedValue& entry : entries) {
+    for (size_t i = common; i < common + 4; ++i)
+      entry.rank = entry.rank << 16 | (i < entry.key.size() ? std::uint64_t{entry.key[i]} : 0);
+  }
+  std::sort(entries.begin(), entries.end(), [](const KeyedValue& a, const KeyedValue& b) {
+    return a.rank != b.rank ? a.rank < b.rank : a.key < b.key;
+  });
+  return entries;
+}
 
 class FormWriter {
  public:
@@ -47,7 +122,7 @@ class FormWriter {
     const std::wstring_view word = zo::wordOfCode(value.code());
     if (word.empty()) {
       out_ += L'#';
-      writeHex(static_cast<unsigned int>(value.code()), 4);
+      writeCode(static_cast<unsigned int>(value.code()));
     } else {
       for (const wchar_t c : word) out_ += c == L' ' ? L'_' : c;
     }
@@ -65,18 +140,17 @@ class FormWriter {
       if (flags >> bit & 1) out_ += static_cast<wchar_t>(L'A' + bit);
     }
   }
-  [[nodiscard]] const std::wstring& text() const noexcept { return out_; }
+  [[nodiscard]] std::wstring_view text() const noexcept { return out_.view(); }
 
  private:
   void writeScalar(const ZoVariant& value) {
-    wchar_t number[ZoNumberTextSize];
     switch (value.type()) {
       case ZoVariant::kInt:
       case ZoVariant::kBigInt:
-        out_.append(number, ZoIntToStr(value.asBigInt(), number));
+        out_.advance(ZoIntToStr(value.asBigInt(), out_.room(ZoNumberTextSize)));
         break;
       case ZoVariant::kReal:
-        out_.append(number, ZoRealToStr(value.asReal(), number));
+        out_.advance(ZoRealToStr(value.asReal(), out_.room(ZoNumberTextSize)));
         break;
       case ZoVariant::kString:
         writeQuoted(value.asString().view());
@@ -87,24 +161,32 @@ class FormWriter {
     }
   }
 
-  void writeHex(unsigned int value, int leastDigits) {
-    int digits = 8;
-    while (digits > leastDigits && value >> (4 * (digits - 1)) == 0) --digits;
-    while (digits-- > 0) out_ += L"0123456789ABCDEF"[value >> (4 * digits) & 15];
+  // At least four digits.
+  void writeCode(unsigned int code) {
+    for (int shift = code >> 16 ? 28 : 12; shift >= 0; shift -= 4)
+      out_ += L"0123456789ABCDEF"[code >> shift & 15];
   }
 
   void writeQuoted(std::wstring_view text) {
     out_ += L'"';
-    size_t plainFrom = 0;
-    for (size_t i = 0; i < text.size(); ++i) {
-      const wchar_t c = text[i];
-      if (c >= 0x20 && c != L'"' && c != L'\\' && (c < 0x7F || !mustBeEscaped(text, i))) continue;
-      out_.append(text, plainFrom, i - plainFrom);
-      plainFrom = i + 1;
-      writeEscaped(c);
-    }
-    out_.append(text, plainFrom);
+    constexpr size_t kPiece = 256;
+    for (size_t i = 0; i < text.size(); i += kPiece)
+      writePiece(text, i, std::min(i + kPiece, text.size()));
     out_ += L'"';
+  }
+  void writePiece(std::wstring_view text, size_t from, size_t end) {
+    // No character takes more than the six of an escape.
+    wchar_t* const first = out_.room(6 * (end - from));
+    wchar_t* to = first;
+    for (size_t i = from; i < end; ++i) {
+      const wchar_t c = text[i];
+      if (c >= 0x20 && c != L'"' && c != L'\\' && (c < 0x7F || !mustBeEscaped(text, i))) {
+        *to++ = c;
+      } else {
+        to = writeEscaped(c, to);
+      }
+    }
+    out_.advance(static_cast<size_t>(to - first));
   }
   // Halves of a surrogate pair that stand alone, which no other encoding keeps, and DEL.
   static bool mustBeEscaped(std::wstring_view text, size_t i) noexcept {
@@ -116,27 +198,28 @@ class FormWriter {
     if (isLow(i)) return i == 0 || !isHigh(i - 1);
     return text[i] == 0x7F;
   }
-  void writeEscaped(wchar_t c) {
-    out_ += L'\\';
+  static wchar_t* writeEscaped(wchar_t c, wchar_t* to) noexcept {
+    *to++ = L'\\';
     switch (c) {
       case L'"':
       case L'\\':
-        out_ += c;
+        *to++ = c;
         break;
       case L'\n':
-        out_ += L'n';
+        *to++ = L'n';
         break;
       case L'\r':
-        out_ += L'r';
+        *to++ = L'r';
         break;
       case L'\t':
-        out_ += L't';
+        *to++ = L't';
         break;
       default:
-        out_ += L'u';
-        writeHex(c, 4);
+        *to++ = L'u';
+        for (int shift = 12; shift >= 0; shift -= 4) *to++ = L"0123456789ABCDEF"[c >> shift & 15];
         break;
     }
+    return to;
   }
 
   void startLine(unsigned int tabs) {
@@ -157,24 +240,20 @@ class FormWriter {
   }
 
   bool writeDict(const ZoVariant::Dict& dict, unsigned int tabs, unsigned int depthLeft) {
-    std::vector<std::pair<std::wstring_view, const ZoVariant*>> entries;
-    entries.reserve(dict.entries());
-    for (const auto [key, value] : dict) entries.emplace_back(key.view(), &value);
-    std::sort(entries.begin(), entries.end(),
-              [](const auto& a, const auto& b) { return a.first < b.first; });
+    const std::vector<KeyedValue> entries = inOrderOfKeys(dict);
     out_ += L" {";
-    for (const auto& [key, value] : entries) {
+    for (const KeyedValue& entry : entries) {
       startLine(tabs + 1);
-      writeQuoted(key);
+      writeQuoted(entry.key);
       out_ += L" = ";
-      if (!write(*value, tabs + 1, depthLeft)) return false;
+      if (!write(*entry.value, tabs + 1, depthLeft)) return false;
     }
     if (!entries.empty()) startLine(tabs);
     out_ += L'}';
     return true;
   }
 
-  std::wstring out_;
+  GrowingText out_;
 };
 
 // ---- Reading ----
@@ -241,7 +320,7 @@ int ZoVariant::format(ZoString& out, unsigned int tabs) const {
     out = ZoString();
     return ZoResult::refused;
   }
-  out = ZoString(std::wstring_view(writer.text()));
+  out = ZoString(writer.text());
   return ZoResult::ok;
 }
 
@@ -254,13 +333,13 @@ ZoString ZoVariant::format(unsigned int tabs) const {
 ZoString ZoVariant::printType() const {
   FormWriter writer;
   writer.writeType(*this);
-  return ZoString(std::wstring_view(writer.text()));
+  return ZoString(writer.text());
 }
 
 ZoString ZoVariant::printFlags() const {
   FormWriter writer;
   writer.writeFlags(flags());
-  return ZoString(std::wstring_view(writer.text()));
+  return ZoString(writer.text());
 }
 
 int ZoVariant::parse(std::wstring_view text, unsigned int* end) {

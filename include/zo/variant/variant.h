@@ -66,20 +66,14 @@ class ZO_COM_API ZoVariant {
   // kept when it fits the kind, that is when its base code is that of the kind (for texts also
   // Dict), when it is NoType, or when the variant is empty; otherwise the code is 0. Of the flags
   // the bits 0 to 25 are kept.
-  ZoVariant() noexcept : ZoVariant(kEmpty, ZoTypeCode::NoType, 0, nullptr) {}
+  ZoVariant() noexcept : ZoVariant(kEmpty, ZoTypeCode::NoType, 0, Payload{}) {}
   ZoVariant(int value, ZoTypeCode code = ZoTypeCode::Int, unsigned int flags = 0) noexcept
-      : ZoVariant(kInt, code, flags, nullptr) {
-    payload_.integer = value;
-  }
+      : ZoVariant(kInt, code, flags, Payload{.bigInt = value}) {}
   ZoVariant(std::int64_t value, ZoTypeCode code = ZoTypeCode::BigInt,
             unsigned int flags = 0) noexcept
-      : ZoVariant(kBigInt, code, flags, nullptr) {
-    payload_.bigInt = value;
-  }
+      : ZoVariant(kBigInt, code, flags, Payload{.bigInt = value}) {}
   ZoVariant(double value, ZoTypeCode code = ZoTypeCode::Real, unsigned int flags = 0) noexcept
-      : ZoVariant(kReal, code, flags, nullptr) {
-    payload_.real = value;
-  }
+      : ZoVariant(kReal, code, flags, Payload{.real = value}) {}
   // Null counts as an empty text.
   ZoVariant(const wchar_t* text, ZoTypeCode code = ZoTypeCode::String, unsigned int flags = 0)
       : ZoVariant(ZoString(text), code, flags) {}
@@ -102,9 +96,7 @@ class ZO_COM_API ZoVariant {
   // The address only: whatever it points to is neither owned nor counted.
   explicit ZoVariant(void* pointer, ZoTypeCode code = ZoTypeCode::Pointer,
                      unsigned int flags = 0) noexcept
-      : ZoVariant(kPointer, code, flags, nullptr) {
-    payload_.pointer = pointer;
-  }
+      : ZoVariant(kPointer, code, flags, Payload{.pointer = pointer}) {}
   // The kind's zero value: 0, the empty text, the origin, no elements. A sequence of code List is
   // made as a list.
   ZoVariant(Type kind) : ZoVariant(kind, codeOf(kind)) {}
@@ -324,9 +316,7 @@ class ZO_COM_API ZoVariant {
   static constexpr unsigned int kFlagShift = 6;
 
   union Payload {
-    std::uint64_t bits;
-    int integer;
-    std::int64_t bigInt;
+    std::int64_t bigInt;  // of integers too
     double real;
     void* pointer;
     ZoPoint* point;
@@ -342,12 +332,16 @@ class ZO_COM_API ZoVariant {
     // An owned text lies here as a ZoString, which is a pointer to its characters.
   };
 
-  // A reference, or a zero value when the variable is null; both without a block.
-  ZoVariant(Type kind, ZoTypeCode code, unsigned int flags, void* variable) noexcept
+  ZoVariant(Type kind, ZoTypeCode code, unsigned int flags, Payload payload) noexcept
       : code_(isFitting(code, kind) ? static_cast<unsigned int>(code) : 0),
-        word_(kind | (variable ? kReferenceBit : 0) | flags << kFlagShift) {
-    payload_.bits = 0;
-    if (variable) payload_.pointer = variable;
+        word_(kind | flags << kFlagShift),
+        payload_(payload) {}
+  // A reference, or a zero value when the variable is null; neither has a block.
+  ZoVariant(Type kind, ZoTypeCode code, unsigned int flags, void* variable) noexcept
+      : ZoVariant(kind, code, flags, Payload{}) {
+    if (!variable) return;
+    word_ |= kReferenceBit;
+    payload_.pointer = variable;
   }
 
   static constexpr ZoTypeCode codeOf(Type kind) noexcept {
@@ -359,9 +353,10 @@ class ZO_COM_API ZoVariant {
   }
   // Copying the words copies the value: no block is owned.
   [[nodiscard]] bool isPlain() const noexcept {
-    constexpr unsigned int kPlainKinds =
+    constexpr std::uint64_t kPlainKinds =
         1u << kEmpty | 1u << kInt | 1u << kBigInt | 1u << kReal | 1u << kPointer;
-    return ((kPlainKinds >> (word_ & kKindBits)) & 1) != 0 || isReference();
+    constexpr std::uint64_t kReferences = 0xFFFFFFFF'00000000;
+    return (((kPlainKinds | kReferences) >> (word_ & (kKindBits | kReferenceBit))) & 1) != 0;
   }
   [[nodiscard]] ZoString& ownText() noexcept {
     return *std::launder(reinterpret_cast<ZoString*>(&payload_));
@@ -375,8 +370,7 @@ class ZO_COM_API ZoVariant {
   void assign(ZoVariant value);
   int writeReference(const ZoVariant& value);
   [[nodiscard]] std::wstring_view text() const noexcept;
-  [[nodiscard]] int integer() const noexcept;
-  [[nodiscard]] std::int64_t bigInt() const noexcept;
+  [[nodiscard]] std::int64_t integer() const noexcept;  // of both sizes
   [[nodiscard]] double real() const noexcept;
   int convertTo(Type kind, ZoVariant& out) const;
 
