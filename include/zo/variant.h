@@ -7,4 +7,5 @@
 #include <zo/variant/type.h>
 #include <zo/variant/type_code.h>
 #include <zo/variant/variant.h>
+#include <zo/variant/variant_elements.h>
 #include <zo/variant/variant_report.h>

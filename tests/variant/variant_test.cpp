@@ -377,6 +377,31 @@ TEST(Variant, AssignedValuesKeepFlagsAndTheCodeOfTheSameKind) {
   EXPECT_EQ(v.type(), ZoVariant::kDict);
 }
 
+TEST(Variant, ElementsOfEveryContainerAreWalkedAndCanBeChanged) {
+  ZoVariant dict(Dict{{L"b", ZoVariant(1)}, {L"a", ZoVariant(2)}});
+  for (const auto [key, position, value] : dict.elements()) value = value.asInt() + 10;
+  unsigned int count = 0;
+  for (const auto [key, position, value] : std::as_const(dict).elements()) {
+    EXPECT_EQ(dict.at(key->view()), &value);
+    EXPECT_EQ(position, count++);
+  }
+  EXPECT_EQ(count, 2u);
+  EXPECT_EQ(dict, ZoVariant(Dict{{L"b", ZoVariant(11)}, {L"a", ZoVariant(12)}}));
+  for (ZoVariant sequence : {ZoVariant(Array{ZoVariant(1), ZoVariant(2)}),
+                             ZoVariant(List{ZoVariant(1), ZoVariant(2)})}) {
+    for (const auto [key, position, value] : sequence.elements()) {
+      EXPECT_EQ(key, nullptr);
+      EXPECT_EQ(value.asInt(), static_cast<int>(position) + 1);
+      value = L"seen";
+    }
+    EXPECT_EQ(sequence, ZoVariant(Array{ZoVariant(L"seen"), ZoVariant(L"seen")}));
+  }
+  for (const ZoVariant& none :
+       {ZoVariant(), ZoVariant(5), ZoVariant(ZoVariant::kDict), ZoVariant(ZoVariant::kSequence)}) {
+    EXPECT_TRUE(none.elements().begin() == none.elements().end());
+  }
+}
+
 TEST(Variant, PathsLeadToElementsAndMakeWhatIsMissing) {
   ZoVariant v;
   v.setFlags(4u);

@@ -39,6 +39,11 @@
 #include <type_traits>
 #include <utility>
 
+namespace zo {
+template <class V>
+class VariantElements;
+}
+
 class ZO_COM_API ZoVariant {
  public:
   // The kinds. They reach archives: never renumber.
@@ -267,6 +272,12 @@ class ZO_COM_API ZoVariant {
   [[nodiscard]] ZoVariant* at(std::wstring_view key);
   [[nodiscard]] const ZoVariant* at(std::wstring_view key) const;
 
+  // All of them, for a range-for (zo/variant/variant_elements.h).
+  [[nodiscard]] zo::VariantElements<ZoVariant> elements() & noexcept;
+  [[nodiscard]] zo::VariantElements<const ZoVariant> elements() const& noexcept;
+  void elements() && = delete;
+  void elements() const&& = delete;
+
   // Elements of elements by path: keys and positions with '/' between them, "parts/3/length". In a
   // key, "~1" stands for '/' and "~0" for '~'. The empty path is the variant itself.
   // Null when the path leads nowhere.
@@ -395,3 +406,5 @@ inline void swap(ZoVariant& a, ZoVariant& b) noexcept { a.swap(b); }
 
 // The text form.
 ZO_COM_API std::wostream& operator<<(std::wostream& out, const ZoVariant& value);
+
+#include <zo/variant/variant_elements.h>
