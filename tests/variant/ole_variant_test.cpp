@@ -138,10 +138,10 @@ TEST(OleVariant, WhatHasNoCounterpartIsRefusedAndChangesNothing) {
     big.expectRefused();
   }
   ZoVariant deep(ZoVariant::kSequence);
-  for (unsigned int i = 1; i < ZoVariant::kMaxDepth; ++i) deep = ZoVariant(Array{std::move(deep)});
+  for (unsigned int i = 1; i < ZoVariant::kMaxDepth; ++i) deep = inSequence(std::move(deep));
   EXPECT_EQ(Ole(deep).back(), deep);
   Ole kept(ZoVariant(5));
-  EXPECT_EQ(ZoVariantToOle(ZoVariant(Array{deep}), kept.value), 1);
+  EXPECT_EQ(ZoVariantToOle(inSequence(deep), kept.value), 1);
   EXPECT_EQ(ZoVariantToOle(ZoVariant(INT64_MAX, ZoTypeCode::Date), kept.value), 1);
   EXPECT_EQ(kept.back(), ZoVariant(5));
   EXPECT_EQ(ZoVariantToOle(ZoVariant(L"text"), kept.value), 0) << "what it held is cleared";

@@ -33,7 +33,8 @@ TEST(VariantReport, NamesWhatWasAddedRemovedAndChanged) {
   expectReport(L"Int 1", L"Int 2", L"* : Int 1 -> Int 2\n");
   expectReport(L"Int 1", L"Dict {}", L"* : Int 1 -> Dict {}\n");
   expectReport(
-      LR"(Dict { "keep" = Int 1 "Gone" = Int 2 "part" = Part { "length" = Length 5 "a/b~" = Int 1 } })",
+      LR"(Dict { "keep" = Int 1 "Gone" = Int 2
+                  "part" = Part { "length" = Length 5 "a/b~" = Int 1 } })",
       LR"(Dict { "new" = String "x" "KEEP" = Int 1 "PART" = Part { "length" = Length 6 } })",
       LR"(- Gone: Int 2
 + new: String "x"
@@ -130,7 +131,8 @@ TEST(VariantReport, PathsLeadToTheValues) {
   const ZoVariant before =
       tree(LR"(Dict { "a" = Dict { "x/y" = Int 1 "z" = Sequence [Int 1 Int 2] } "b" = Int 1 })");
   const ZoVariant after = tree(
-      LR"(Dict { "a" = Dict { "x/y" = Int 2 "z" = Sequence [Int 1 Int 5 Int 7] } "c/" = Dict { "" = Int 1 } })");
+      LR"(Dict { "a" = Dict { "x/y" = Int 2 "z" = Sequence [Int 1 Int 5 Int 7] }
+                  "c/" = Dict { "" = Int 1 } })");
   ZoVariant patched = before;
   for (const ZoVariantChange& change : ZoVariantReport(before, after).changes()) {
     const ZoVariant* const old = before.find(change.path);

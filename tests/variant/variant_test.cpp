@@ -130,10 +130,7 @@ TEST(Variant, AReferenceReadsAndWritesTheCallersVariable) {
   int i = 1;
   std::int64_t b = 2;
   double d = 3.5;
-  wchar_t* text = nullptr;
-  const std::vector<ZoVariant> references = {ZoVariant(&i), ZoVariant(&b), ZoVariant(&d),
-                                             ZoVariant(&text)};
-  for (const ZoVariant& original : references) {
+  for (const ZoVariant& original : {ZoVariant(&i), ZoVariant(&b), ZoVariant(&d)}) {
     EXPECT_TRUE(original.isReference());
     ZoVariant copy = original;
     EXPECT_TRUE(copy.isReference()) << "a copy refers to the same variable";
@@ -143,24 +140,20 @@ TEST(Variant, AReferenceReadsAndWritesTheCallersVariable) {
     EXPECT_EQ(original.asInt(), 43);
     EXPECT_EQ(copy.type(), original.type());
     EXPECT_TRUE(copy.isReference());
-    EXPECT_EQ(copy.set(ZoPoint()), original.isTypeOf(ZoVariant::kString) ? 0 : 1);
+    EXPECT_EQ(copy.set(ZoPoint()), 1);
+    copy = ZoPoint();
+    EXPECT_EQ(original.asInt(), 43) << "refused";
     // Becoming another value does not write.
-    const ZoString before = original.asString();
     copy = ZoVariant(7);
     EXPECT_FALSE(copy.isReference());
-    EXPECT_EQ(original.asString(), before);
-    if (original.isTypeOf(ZoVariant::kString)) break;
+    EXPECT_EQ(original.asInt(), 43);
   }
   EXPECT_EQ(i, 43);
   EXPECT_EQ(b, 43);
   EXPECT_EQ(d, 43);
-  EXPECT_STREQ(text, L"(0, 0, 0)");
-  delete[] text;
-  text = nullptr;
-  EXPECT_EQ(references[3].asString(L"x"), L"") << "a null text is empty";
+  const ZoVariant reference(&d);
   d = 0.25;
-  EXPECT_EQ(references[2], ZoVariant(0.25));
-  EXPECT_EQ(ZoVariant(references[2]).asReal(), 0.25);
+  EXPECT_EQ(reference, ZoVariant(0.25));
 }
 
 TEST(Variant, ReferenceTextsAreNewEachTimeAndBelongToTheCaller) {
@@ -178,6 +171,9 @@ TEST(Variant, ReferenceTextsAreNewEachTimeAndBelongToTheCaller) {
   EXPECT_STREQ(literal, L"first");
   EXPECT_EQ(reference.code(), ZoTypeCode::Path);
   EXPECT_EQ(reference.flags(), 0x4u);
+  EXPECT_EQ(ZoVariant(reference).asString(), L"third") << "a copy refers to the same variable";
+  text = nullptr;
+  EXPECT_EQ(reference.asString(L"x"), L"") << "a null text is empty";
 }
 
 TEST(Variant, ANullPointerMakesAPlainZeroValue) {

@@ -213,14 +213,13 @@ TEST(VariantText, NestingHasALimitInBothDirections) {
   ZoVariant value(ZoVariant::kSequence);
   std::wstring text = L"Sequence []";
   for (unsigned int depth = 1; depth < ZoVariant::kMaxDepth; ++depth) {
-    value =
-        depth % 2 ? ZoVariant(Array{std::move(value)}) : ZoVariant(Dict{{L"k", std::move(value)}});
+    value = depth % 2 ? inSequence(std::move(value)) : inDict(std::move(value));
     text = L"Sequence [" + text + L"]";
   }
   expectRoundTrip(value);
   ZoVariant read;
   EXPECT_EQ(read.parse(text), 0);
-  const ZoVariant tooDeep(Array{value});
+  const ZoVariant tooDeep = inSequence(value);
   ZoString out(L"x");
   EXPECT_EQ(tooDeep.format(out), 1);
   EXPECT_EQ(out, L"");
@@ -293,10 +292,10 @@ TEST(VariantText, DamagedTextsAreRefusedOrReadAsWhatTheyNowSay) {
 
 TEST(VariantText, ManyEmptyDictionariesTakeNoLargeTables) {
   std::wstring text = L"Sequence [";
-  for (int i = 0; i < 20'000; ++i) text += L"Dict{}";
+  for (int i = 0; i < 2'000; ++i) text += L"Dict{}";
   ZoVariant value;
   EXPECT_EQ(value.parse(text + L"]"), 0);
-  EXPECT_EQ(value.entries(), 20'000u);
+  EXPECT_EQ(value.entries(), 2'000u);
   const auto* const dict = dynamic_cast<const Dict*>(value.at(0u)->asDict());
   ASSERT_NE(dict, nullptr);
   EXPECT_LE(dict->buckets(), 8u);
