@@ -1,4 +1,5 @@
-// ZoVariant: reading and writing across kinds. docs/variant.md has the table that stands here in code.
+// ZoVariant: reading and writing across kinds. docs/variant.md has the table that stands here in
+// code.
 #include <zo/results.h>
 #include <zo/text/number_text.h>
 #include <zo/variant/variant.h>

@@ -20,13 +20,13 @@ class KeyMem final : public ZoVTreeMem {
   KeyMem() : ZoVTreeMem(sizeof(Node), alignof(Node)) {}
   ZoVTreeMem* makeNew() const override { return new KeyMem; }
   int newNode(const void* key, const void*, ZoVTreeNode*& node) override {
-    auto* const made = ::new (m_pool.allocate()) Node;
+    auto* const made = ::new (pool_.allocate()) Node;
     made->key = *static_cast<const int*>(key);
     made->element = &made->key;
     node = made;
     return 0;
   }
-  void deleteNode(ZoVTreeNode* node) override { m_pool.release(node); }
+  void deleteNode(ZoVTreeNode* node) override { pool_.release(node); }
   const void* key(const void* element) const override { return element; }
   void* value(void* element) const override { return element; }
   int assignKey(void* to, const void* from) override { return zo::assignElement<int>(to, from); }
@@ -41,7 +41,8 @@ class KeyMem final : public ZoVTreeMem {
 
 std::vector<int> keysOf(const ZoVTree& tree) {
   std::vector<int> keys;
-  for (ZoVTreeIterator it(tree); it.isValid(); it.next()) keys.push_back(*static_cast<int*>(it.current()));
+  for (ZoVTreeIterator it(tree); it.isValid(); it.next())
+    keys.push_back(*static_cast<int*>(it.current()));
   return keys;
 }
 
@@ -146,7 +147,9 @@ TEST(Tree, ShowsItsShape) {
     std::string text;
     void dump(const void* element, unsigned depth, int balance) override {
       text += std::to_string(*static_cast<const int*>(element)) + '@' + std::to_string(depth) +
-              (balance < 0 ? "- " : balance > 0 ? "+ " : " ");
+              (balance < 0   ? "- "
+               : balance > 0 ? "+ "
+                             : " ");
     }
   };
   Shape parentsFirst, inOrder;

@@ -1,4 +1,5 @@
-// The typed containers beyond what the random operations reach: text keys, ranges, iterators, construction.
+// The typed containers beyond what the random operations reach: text keys, ranges, iterators,
+// construction.
 #include <gtest/gtest.h>
 #include <zo/containers.h>
 
@@ -32,9 +33,12 @@ static_assert(std::ranges::input_range<ZoArrayIterator<int>>);
 static_assert(std::ranges::input_range<ZoListCIterator<int>>);
 static_assert(std::ranges::input_range<ZoHashDictIterator<int, ZoString>>);
 
-static_assert(std::is_nothrow_move_constructible_v<ZoArray<int>> && std::is_nothrow_move_assignable_v<ZoArray<int>>);
-static_assert(std::is_nothrow_move_constructible_v<ZoList<int>> && std::is_nothrow_move_assignable_v<ZoList<int>>);
-static_assert(std::is_nothrow_move_constructible_v<Dict> && std::is_nothrow_move_assignable_v<Dict>);
+static_assert(std::is_nothrow_move_constructible_v<ZoArray<int>> &&
+              std::is_nothrow_move_assignable_v<ZoArray<int>>);
+static_assert(std::is_nothrow_move_constructible_v<ZoList<int>> &&
+              std::is_nothrow_move_assignable_v<ZoList<int>>);
+static_assert(std::is_nothrow_move_constructible_v<Dict> &&
+              std::is_nothrow_move_assignable_v<Dict>);
 
 // ---- Text keys ----
 
@@ -69,7 +73,8 @@ TEST(TextKeys, AreFoundByEveryForm) {
   EXPECT_FALSE(constant.contains(L"gamma"));
 }
 
-// The engine, which compares every key of a chain, and the dictionary, which skips what it may, agree.
+// The engine, which compares every key of a chain, and the dictionary, which skips what it may,
+// agree.
 TEST(TextKeys, AreDecidedLikeThePlatformDoes) {
 #ifdef ZO_GUARDED
   constexpr int kPairs = 300;
@@ -93,12 +98,36 @@ TEST(TextKeys, AreDecidedLikeThePlatformDoes) {
     ASSERT_EQ(dict.contains(key), present);
     if (keys.size() < 40) {
       const bool equal = std::any_of(keys.begin(), keys.end(), [&](const ZoString& k) {
-        return k.compareTo(key, ZoString::ignoreCase) == 0;
+        return policy.hash(k) == policy.hash(key) && k.compareTo(key, ZoString::ignoreCase) == 0;
       });
       ASSERT_EQ(dict.insertAt(key, i), equal ? 1 : 0);
       if (!equal) keys.push_back(key);
     }
   }
+}
+
+// Whatever the number of buckets, and wherever the letter stands in the key.
+TEST(TextKeys, ThatDifferOnlyInCaseAreOneKeyInEveryAlphabet) {
+  const std::wstring pairs =
+      L"aA\u00E4\u00C4\u00FE\u00DE\u0101\u0100\u03B1\u0391\u0436\u0416\u0561\u0531";
+  for (const unsigned buckets : {1u, 128u, 1u << 16}) {
+    for (size_t i = 0; i < pairs.size(); i += 2) {
+      for (const size_t behind : {0u, 1u, 6u, 7u, 20u}) {
+        const ZoString lower((std::wstring(1, pairs[i]) + std::wstring(behind, L'x')).c_str());
+        const ZoString upper((std::wstring(1, pairs[i + 1]) + std::wstring(behind, L'X')).c_str());
+        Dict dict(buckets);
+        EXPECT_EQ(dict.insertAt(lower, 1), 0);
+        EXPECT_EQ(dict.insertAt(upper, 2), 1) << i << " with " << behind << " behind";
+        EXPECT_EQ(*dict.at(upper), 1);
+        const ZoCIHashValue<ZoString> policy;
+        const ZoHashKey<ZoString> engineKey(policy);
+        EXPECT_NE(dict.engine().at(&upper, &engineKey), nullptr);
+      }
+    }
+  }
+  // The keys of ASCII, whose order in a dictionary others may know.
+  EXPECT_EQ(ZoCIHashValue<ZoString>().hash(L"A key\x7F"),
+            ZoString(L"a KEY\x7F").hash(ZoString::ignoreCase));
 }
 
 TEST(TextKeys, OrderTreesAndSequences) {
@@ -120,7 +149,8 @@ TEST(TextKeys, OrderTreesAndSequences) {
 TEST(Dictionary, GrowsAtTheNinetyFirstKeyAndCountsAnew) {
   Dict dict;
   EXPECT_EQ(dict.buckets(), 128u);
-  for (int i = 0; i < 90; ++i) ASSERT_EQ(dict.insertAt(ZoString(std::to_wstring(i).c_str()), int{i}), 0);
+  for (int i = 0; i < 90; ++i)
+    ASSERT_EQ(dict.insertAt(ZoString(std::to_wstring(i).c_str()), int{i}), 0);
   EXPECT_EQ(dict.buckets(), 128u);
   Dict copy(dict);
   EXPECT_EQ(copy.insertAt(L"0", 1), 1);

@@ -11,12 +11,13 @@
 //
 // White space is blank, tab and the line ends; digits are 0 to 9. A grouping character is taken
 // only inside the digits before the decimal character, after one to three of them and before every
-// further three ("1,234,567"): a decimal comma written by mistake is not swallowed ("1,5" reads as 1).
+// further three ("1,234,567"): a decimal comma written by mistake is not swallowed ("1,5" reads as
+// 1).
 //
 // Errors:  the readers return 0; ZoResult::refused when no number stands there (the value is
-//          untouched, the end 0); ZoResult::overflow when there is one but it is too large (the value
-//          is then the nearest that there is: an infinity, or the largest integer of its sign, and
-//          the end lies behind the number). What is too small for a real reads as zero.
+//          untouched, the end 0); ZoResult::overflow when there is one but it is too large (the
+//          value is then the nearest that there is: an infinity, or the largest integer of its
+//          sign, and the end lies behind the number). What is too small for a real reads as zero.
 // Threads: any.
 // Cost:    linear in the length of the number; nothing is allocated.
 #pragma once
@@ -41,8 +42,8 @@ ZO_COM_API int ZoStrToInt(std::wstring_view text, std::int64_t& value, unsigned 
 // Room for every number's text with its terminating zero.
 inline constexpr unsigned int ZoNumberTextSize = 32;
 
-// Write the text, zero-terminated, to a buffer of ZoNumberTextSize characters and return its length.
-// What is not a number is "nan", without a sign; infinities are "inf" and "-inf".
+// Write the text, zero-terminated, to a buffer of ZoNumberTextSize characters and return its
+// length. What is not a number is "nan", without a sign; infinities are "inf" and "-inf".
 ZO_COM_API unsigned int ZoRealToStr(double value, wchar_t* buffer, wchar_t decimal = L'.') noexcept;
 ZO_COM_API unsigned int ZoIntToStr(std::int64_t value, wchar_t* buffer) noexcept;
 

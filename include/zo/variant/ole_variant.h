@@ -3,8 +3,8 @@
 // What becomes what, and which values come back as another kind, stands in docs/variant.md. A
 // VARIANT that was made here is the caller's, who ends it with VariantClear.
 //
-// Errors:  0; 1 when a value has no counterpart, containers lie more than ZoVariant::kMaxDepth deep in
-//          one another, or Automation fails. The target then stays as it was.
+// Errors:  0; 1 when a value has no counterpart, containers lie more than ZoVariant::kMaxDepth deep
+//          in one another, or Automation fails. The target then stays as it was.
 //          Nothing throws but std::bad_alloc.
 // Threads: as the variants. COM need not be initialised, unless interfaces are called.
 #pragma once

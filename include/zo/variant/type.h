@@ -4,7 +4,8 @@
 // (codeToLocString), which like the texts of the flags may be translated.
 //
 // Errors:  nothing throws but std::bad_alloc.
-// Threads: any, but for flagsToString(flags), whose result lies in one buffer for the whole process.
+// Threads: any, but for flagsToString(flags), whose result lies in one buffer for the whole
+//          process.
 #pragma once
 
 #include <zo/config.h>

@@ -1,6 +1,6 @@
 // The value that modules exchange: one of ten kinds of value together with a type code that says
-// what it means (a length, a file name, a catalogue) and a word of flags. Sequences and dictionaries
-// hold further variants, so that one variant can be a whole tree.
+// what it means (a length, a file name, a catalogue) and a word of flags. Sequences and
+// dictionaries hold further variants, so that one variant can be a whole tree.
 //
 // A variant owns its value, with one exception: a reference variant, made from a pointer, reads and
 // writes the caller's variable, which must outlive it. Copies are deep (texts share their storage
@@ -197,8 +197,8 @@ class ZO_COM_API ZoVariant {
   [[nodiscard]] bool isFlagged(unsigned int flag) const noexcept { return (flags() & flag) != 0; }
   // Kind, reference mark and flags in one word, as archives store it: the flags from bit 6 on.
   [[nodiscard]] unsigned int typeWord() const noexcept { return word_; }
-  // Replace the whole word; bits above 25 are dropped. The second form takes ZoType::flagsToString's
-  // letters.
+  // Replace the whole word; bits above 25 are dropped. The second form takes
+  // ZoType::flagsToString's letters.
   void setFlags(unsigned int flags) noexcept {
     word_ = (word_ & (kKindBits | kReferenceBit)) | flags << kFlagShift;
   }
@@ -246,16 +246,17 @@ class ZO_COM_API ZoVariant {
     return type() == kDict ? payload_.dict : nullptr;
   }
   // Likewise, but never without one: an empty variant becomes a container without elements (its
-  // flags stay); any other kind gives a scratch container, one per thread, that belongs to no variant
-  // and is emptied each time it is given. The const forms give an empty container for other kinds.
+  // flags stay); any other kind gives a scratch container, one per thread, that belongs to no
+  // variant and is emptied each time it is given. The const forms give an empty container for other
+  // kinds.
   operator Sequence&();
   operator const Sequence&() const noexcept;
   operator Dict&();
   operator const Dict&() const noexcept;
 
   // ---- Writing: the value, converted to the variant's kind ----
-  // Kind, code and flags stay; an empty variant takes kind and code of the value. A reference writes
-  // its variable. Returns 0, or 1 when the conversion is refused.
+  // Kind, code and flags stay; an empty variant takes kind and code of the value. A reference
+  // writes its variable. Returns 0, or 1 when the conversion is refused.
   int set(const ZoVariant& value);
   template <class T>
     requires(!std::same_as<std::remove_cvref_t<T>, ZoVariant> && std::convertible_to<T, ZoVariant>)
@@ -266,7 +267,8 @@ class ZO_COM_API ZoVariant {
   // ---- Elements ----
   // Number of elements; 0 for kinds that have none.
   [[nodiscard]] unsigned int entries() const noexcept;
-  // The element at a position of a sequence, or with a key in a dictionary; null when there is none.
+  // The element at a position of a sequence, or with a key in a dictionary; null when there is
+  // none.
   [[nodiscard]] ZoVariant* at(unsigned int i) noexcept;
   [[nodiscard]] const ZoVariant* at(unsigned int i) const noexcept;
   [[nodiscard]] ZoVariant* at(std::wstring_view key);

@@ -5,14 +5,14 @@
 // element inserted in the middle is one addition. With anyOrder, equal elements belong together
 // wherever they stand, and what is left over was removed or added.
 //
-// Changes come in the order of the walk: dictionaries by the code units of their keys; in a sequence
-// the changed elements first, then the removed, then the added ones.
+// Changes come in the order of the walk: dictionaries by the code units of their keys; in a
+// sequence the changed elements first, then the removed, then the added ones.
 //
 // Errors:  nothing throws but std::bad_alloc. Below ZoVariant::kMaxDepth levels values are compared
 //          as a whole.
 // Threads: as the variants.
-// Cost:    linear in the trees' sizes, with a sort by key; anyOrder is quadratic in the elements that
-//          do not stand in the same places.
+// Cost:    linear in the trees' sizes, with a sort by key; anyOrder is quadratic in the elements
+//          that do not stand in the same places.
 // Text:    docs/variant.md, "Report".
 #pragma once
 
@@ -29,11 +29,11 @@ struct ZoVariantChange {
   enum Kind : int { kAdded = 1, kRemoved = 2, kChanged = 3 };
 
   Kind kind = kChanged;
-  // As ZoVariant::find takes it: in the new tree for what was added, else in the old one. Empty for the
-  // trees themselves.
+  // As ZoVariant::find takes it: in the new tree for what was added, else in the old one. Empty for
+  // the trees themselves.
   ZoString path;
-  // Empty where there is none. Containers that differ only in code or flags stand here without their
-  // elements.
+  // Empty where there is none. Containers that differ only in code or flags stand here without
+  // their elements.
   ZoVariant before;
   ZoVariant after;
 
@@ -58,8 +58,8 @@ class ZO_COM_API ZoVariantReport {
   [[nodiscard]] bool isEmpty() const noexcept { return changes_.empty(); }
   [[nodiscard]] unsigned int count(ZoVariantChange::Kind kind) const noexcept;
 
-  // A sequence with a dictionary for each change: "Change" ("Added", "Removed" or "Changed"), "Path",
-  // and "Before" and "After" where there is one.
+  // A sequence with a dictionary for each change: "Change" ("Added", "Removed" or "Changed"),
+  // "Path", and "Before" and "After" where there is one.
   [[nodiscard]] ZoVariant asVariant() const;
   // A line for each change, '+', '-' or '*' in front of the path; the values follow in their text
   // forms, over several lines where they take several. No changes give an empty text.
