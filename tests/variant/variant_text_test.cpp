@@ -99,6 +99,36 @@ TEST(VariantText, LooksLikeThisAndReadsBack) {
   EXPECT_EQ(ZoVariant(&target).format(), L"Real 2.5") << "a reference is its value";
 }
 
+TEST(VariantText, DictionariesComeInTheOrderOfTheCodeUnitsOfTheirKeys) {
+  const std::vector<std::wstring> ordered = {L"",
+                                             std::wstring(1, L'\0'),
+                                             L"Z",
+                                             L"same beginning",
+                                             L"same beginning 1",
+                                             L"same beginning 10",
+                                             L"same beginning 1234a",
+                                             L"same beginning 1234b",
+                                             L"same beginning 2",
+                                             L"\xD800",
+                                             L"\xFFFF"};
+  for (size_t first = 0; first < ordered.size(); ++first) {
+    for (size_t last = first; last < ordered.size(); ++last) {
+      Dict dict;
+      for (size_t i = last + 1; i-- > first;)
+        dict.insertAt(ZoString(std::wstring_view(ordered[i])), ZoVariant(static_cast<int>(i)));
+      std::wstring numbers;
+      for (size_t i = first; i <= last; ++i) numbers += L" " + std::to_wstring(i);
+      std::wistringstream lines(std::wstring(ZoVariant(dict).format().view()));
+      std::wstring found;
+      for (std::wstring line; std::getline(lines, line);) {
+        if (const size_t at = line.rfind(L"= Int"); at != std::wstring::npos)
+          found += line.substr(at + 5);
+      }
+      EXPECT_EQ(found, numbers) << first << " " << last;
+    }
+  }
+}
+
 TEST(VariantText, EveryKindCodeAndFlagReadsBack) {
   for (unsigned int kind = 0; kind <= 10; ++kind) {
     for (unsigned int c : {0u, 1000u, 1004u, 1012u, 1071u, 0x2000u, 0x2100u, 0x21FFu, 0x22FFu,

@@ -125,10 +125,10 @@ class ZO_COM_API ZoVariant {
     if (!variable) ::new (static_cast<void*>(&payload_)) ZoString;
   }
 
-  ZoVariant(const ZoVariant& other) : code_(other.code_), word_(other.word_) {
-    if (other.isPlain()) {
-      payload_ = other.payload_;
-    } else if (other.type() == kString) {
+  ZoVariant(const ZoVariant& other)
+      : code_(other.code_), word_(other.word_), payload_(other.payload_) {
+    if (other.isPlain()) return;
+    if (other.type() == kString) {
       ::new (static_cast<void*>(&payload_)) ZoString(other.ownText());
     } else {
       copyBlock(other);
