@@ -290,6 +290,7 @@ TEST(Variant, GivesItsContainerOrAScratchOneThatBelongsToNobody) {
   ZoVariant number(5);
   static_cast<ZoVariant::Sequence&>(number).append(ZoVariant(1));
   EXPECT_EQ(number, ZoVariant(5));
+  EXPECT_TRUE(static_cast<ZoVariant::Sequence&>(number).isEmpty()) << "emptied each time";
   const ZoVariant constant;
   EXPECT_TRUE(static_cast<const ZoVariant::Sequence&>(constant).isEmpty());
   EXPECT_TRUE(static_cast<const ZoVariant::Dict&>(constant).isEmpty());
