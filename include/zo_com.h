@@ -10,5 +10,6 @@
 #include <zo/strings.h>
 #include <zo/system/dll_version.h>
 #include <zo/system/guard.h>
+#include <zo/variant.h>
 #include <zo/variant/color.h>
 #include <zo/version.h>

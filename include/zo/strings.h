@@ -1,7 +1,8 @@
-// Strings: ZoString, its views and storage, and ZoCLib.
+// Strings: ZoString, its views and storage, ZoCLib, numbers as text, std::format.
 #pragma once
 
 #include <zo/text/clib.h>
+#include <zo/text/number_text.h>
 #include <zo/text/format.h>
 #include <zo/text/ref_count.h>
 #include <zo/text/string.h>

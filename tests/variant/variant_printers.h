@@ -1,0 +1,26 @@
+// How variants look in a failed assertion, and deep ones are made.
+#pragma once
+
+#include <zo/variant/variant.h>
+
+#include <ostream>
+#include <utility>
+
+#include "support/printers.h"
+
+inline void PrintTo(const ZoVariant& value, std::ostream* out) {
+  *out << (value.isReference() ? "reference: " : "");
+  PrintTo(value.format(), out);
+}
+
+// The value as the only element of a sequence, without copying it.
+inline ZoVariant inSequence(ZoVariant value) {
+  ZoArray<ZoVariant> array;
+  array.append(std::move(value));
+  return ZoVariant(std::move(array));
+}
+inline ZoVariant inDict(ZoVariant value) {
+  ZoHashDict<ZoVariant, ZoString> dict(1);
+  dict.insertAt(L"k", std::move(value));
+  return ZoVariant(std::move(dict));
+}
