@@ -3,6 +3,7 @@
 
 #include <zo/text/containers/sequence.h>
 
+#include <iterator>
 #include <utility>
 
 #include "files/name_check.h"
@@ -206,13 +207,8 @@ int ZoFileNameImp::getDirParts(ZoSequence<ZoString>& levels) const {
 
 namespace {
 
-struct KindOfFile {
-  const wchar_t* extension;
-  const wchar_t* other = nullptr;
-};
-
-// By kind, up to the last one that extensions tell.
-constexpr KindOfFile kKinds[] = {
+// One or two extensions for each kind, up to the last that extensions tell.
+constexpr const wchar_t* kKinds[][2] = {
     {L".gdb"}, {L".sld", L".sle"}, {L".slg"},          {L".sld"}, {L".slb"}, {L".sle"},
     {L".dxf"}, {L".dwg"},          {L".gpl"},          {L".gpl"}, {L".gpl"}, {L".val"},
     {L".xls"}, {L".mdb"},          {L".val", L".mdb"}, {L".mld"}, {L".jpg"}, {L".bmp"},
@@ -230,12 +226,11 @@ bool ZoFileNameImp::isGplOfFolder(bool sameName) const noexcept {
 
 bool ZoFileNameImp::isKindOf(ZoFileName::FileKind kind) const noexcept {
   if (kind >= ZoFileName::kAnyFile) return kind == ZoFileName::kAnyFile;
-  const KindOfFile& file = kKinds[kind];
+  const auto& [first, second] = kKinds[kind];
   const std::wstring_view extension = state_.extension.view();
-  if (!zo::equalNames(extension, file.extension) &&
-      !(file.other && zo::equalNames(extension, file.other))) {
-    return false;
-  }
+  const bool matches =
+      zo::equalNames(extension, first) || (second && zo::equalNames(extension, second));
+  if (!matches) return false;
   if (kind == ZoFileName::kGplOfFolder) return isGplOfFolder(true);
   return kind != ZoFileName::kGplNotOfFolder || isGplOfFolder(false);
 }

@@ -25,7 +25,9 @@ class ZoFileNameImp {
   }
   // Frees the name with its last holder.
   void removeHolder() noexcept {
-    if (holders_ != kNotCounted && --holders_ == 0) delete this;
+    if (holders_ == kNotCounted) return;
+    --holders_;
+    if (holders_ == 0) delete this;
   }
   [[nodiscard]] bool isShared() const noexcept { return holders_ != 1; }
 
