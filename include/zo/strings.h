@@ -2,8 +2,8 @@
 #pragma once
 
 #include <zo/text/clib.h>
-#include <zo/text/number_text.h>
 #include <zo/text/format.h>
+#include <zo/text/number_text.h>
 #include <zo/text/ref_count.h>
 #include <zo/text/string.h>
 #include <zo/text/string_ref.h>

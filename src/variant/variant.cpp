@@ -154,12 +154,25 @@ int ZoVariant::setCode(ZoTypeCode code) noexcept {
 
 // ---- Containers ----
 
+namespace {
+
+// A container without elements that belongs to no variant. It is reached through a pointer and
+// never freed: a thread's end frees thread_local objects before their destructors run (GCC for
+// Windows).
+template <class Container>
+Container& scratchContainer() {
+  static thread_local Container* scratch;
+  if (!scratch) scratch = new Container;
+  scratch->removeAll(true);
+  return *scratch;
+}
+
+}  // namespace
+
 ZoVariant::operator Sequence&() {
   if (isEmpty()) *this = ZoVariant(kSequence, ZoTypeCode::Sequence, flags());
   if (Sequence* const own = asSequence()) return *own;
-  static thread_local OwnArray scratch;
-  scratch.removeAll(true);
-  return scratch;
+  return scratchContainer<OwnArray>();
 }
 
 ZoVariant::operator const Sequence&() const noexcept {
@@ -171,9 +184,7 @@ ZoVariant::operator const Sequence&() const noexcept {
 ZoVariant::operator Dict&() {
   if (isEmpty()) *this = ZoVariant(kDict, ZoTypeCode::Dict, flags());
   if (Dict* const own = asDict()) return *own;
-  static thread_local OwnDict scratch;
-  scratch.removeAll(true);
-  return scratch;
+  return scratchContainer<OwnDict>();
 }
 
 ZoVariant::operator const Dict&() const noexcept {

@@ -246,9 +246,9 @@ class ZO_COM_API ZoVariant {
     return type() == kDict ? payload_.dict : nullptr;
   }
   // Likewise, but never without one: an empty variant becomes a container without elements (its
-  // flags stay); any other kind gives a scratch container, one per thread, that belongs to no
-  // variant and is emptied each time it is given. The const forms give an empty container for other
-  // kinds.
+  // flags stay); any other kind gives a scratch container, one per thread and kept for good, that
+  // belongs to no variant and is emptied each time it is given. The const forms give an empty
+  // container for other kinds.
   operator Sequence&();
   operator const Sequence&() const noexcept;
   operator Dict&();

@@ -26,7 +26,8 @@ namespace zo {
 template <>
 inline constexpr bool isRelocatable<ZoString> = true;
 
-// The hash of a key, and whether it is plain: printable ASCII. (Texts go as pointer and length: a view would be passed through memory.)
+// The hash of a key, and whether it is plain: printable ASCII. (Texts go as pointer and length: a
+// view would be passed through memory.)
 [[nodiscard]] ZO_COM_API HashedKey hashText(const wchar_t* text, std::size_t length) noexcept;
 // Whether plain texts of one length are equal ignoring case.
 [[nodiscard]] ZO_COM_API bool equalPlainTexts(const wchar_t* a, const wchar_t* b,
