@@ -333,6 +333,42 @@ void sortPeer(State& state, int64_t n) {
   }
 }
 
+// ---- Splitting ----
+
+// As many units as given, cut into 100,000 pieces of random length by commas and semicolons.
+std::wstring delimitedText(size_t units) {
+  std::mt19937 random(8);
+  std::wstring text(units, L'x');
+  for (wchar_t& c : text) c = static_cast<wchar_t>(L'a' + random() % 26);
+  for (int cuts = 0; cuts < 99'999;) {
+    wchar_t& c = text[random() % units];
+    if (c == L',' || c == L';') continue;
+    c = random() % 2 == 0 ? L',' : L';';
+    ++cuts;
+  }
+  return text;
+}
+
+void splitOurs(State& state, int64_t units) {
+  const ZoString text(delimitedText(static_cast<size_t>(units)).c_str());
+  for (auto _ : state) {
+    ZoArray<ZoString> pieces;
+    benchmark::DoNotOptimize(text.split(L",;", pieces));
+  }
+}
+
+void splitPeer(State& state, int64_t units) {
+  const std::wstring text = delimitedText(static_cast<size_t>(units));
+  for (auto _ : state) {
+    std::vector<std::wstring> pieces;
+    size_t from = 0;
+    for (size_t at; (at = text.find_first_of(L",;", from)) != std::wstring::npos; from = at + 1)
+      pieces.push_back(text.substr(from, at - from));
+    pieces.push_back(text.substr(from));
+    benchmark::DoNotOptimize(pieces.data());
+  }
+}
+
 template <class Ours, class Peer>
 void pair(const char* work, int64_t n, Ours ours, const char* peerName, Peer peer,
           bool once = false) {
@@ -372,6 +408,10 @@ void pair(const char* work, int64_t n, Ours ours, const char* peerName, Peer pee
        iterateRange<std::vector<int>>);
   pair("ArrayIterateIndex", kMillion, iterateIndex<ZoArray<int>>, kVector,
        iterateIndex<std::vector<int>>);
+  // A mebibyte of UTF-16 gives pieces of four characters, which the peer keeps without an
+  // allocation; a mebicharacter gives pieces of nine, which it does not.
+  for (const int64_t units : {512 * 1024, 1024 * 1024})
+    pair("Split100000Pieces", units, splitOurs, kVector, splitPeer);
   pair("TreeFind", k100000, treeFind<OurTree>, kMap, treeFind<PeerTree>);
   pair("TreeIterate", k100000, treeIterate<OurTree>, kMap, treeIterate<PeerTree>);
   return true;

@@ -3,6 +3,7 @@
 
 #include <zo/config.h>
 #include <zo/containers.h>
+#include <zo/files.h>
 #include <zo/geometry.h>
 #include <zo/graph.h>
 #include <zo/results.h>

@@ -2,6 +2,7 @@
 
 #include <bit>
 
+#include "text/unit_set.h"
 #include "text/units.h"
 
 namespace zo {
@@ -124,25 +125,12 @@ size_t findBackFolded(std::wstring_view text, std::wstring_view pattern) noexcep
 }
 
 size_t findAnyOf(std::wstring_view text, std::wstring_view set) noexcept {
-  constexpr size_t kFew = 4;  // delimiters that are compared eight positions at a time
-  size_t i = 0;
-  if (!set.empty() && set.size() <= kFew) {
-    __m128i wanted[kFew];
-    for (size_t k = 0; k < kFew; ++k) wanted[k] = fill8(set[k < set.size() ? k : 0]);
-    for (; i + kLane <= text.size(); i += kLane) {
-      const __m128i v = load8(text.data() + i);
-      const __m128i hit =
-          _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(v, wanted[0]), _mm_cmpeq_epi16(v, wanted[1])),
-                       _mm_or_si128(_mm_cmpeq_epi16(v, wanted[2]), _mm_cmpeq_epi16(v, wanted[3])));
-      if (const unsigned int mask = mask8(hit)) {
-        return i + static_cast<size_t>(std::countr_zero(mask)) / 2;
-      }
-    }
-  }
-  for (; i < text.size(); ++i) {
-    if (set.find(text[i]) != std::wstring_view::npos) return i;
-  }
-  return kNotFound;
+  size_t first = kNotFound;
+  UnitSet(set).eachIn(text, [&](size_t at) {
+    first = at;
+    return false;
+  });
+  return first;
 }
 
 }  // namespace zo

@@ -319,3 +319,38 @@ TEST(Sequences, MoveWhatTheyHold) {
 }
 
 }  // namespace
+
+// ---- Splitting text into sequences ----
+
+TEST(Split, CutsAtEveryDelimiterAndReplacesWhatWasThere) {
+  struct Case {
+    const wchar_t* text;
+    const wchar_t* delims;
+    std::vector<const wchar_t*> pieces;
+  };
+  const std::vector<Case> cases{
+      {L"a,,b,", L",", {L"a", L"", L"b", L""}},
+      {L"", L",", {}},
+      {L",", L",", {L"", L""}},
+      {L"a;b,c", L",;", {L"a", L"b", L"c"}},
+      {L"a,b", L"", {L"a,b"}},
+      {L"a,b", nullptr, {L"a,b"}},
+      {L"a b\tc\nd;e:f", L" \t\n;:", {L"a", L"b", L"c", L"d", L"e", L"f"}}};
+  ZoArray<ZoString> array{L"old"};
+  ZoList<ZoString> list{L"old", L"older"};
+  for (const Case& c : cases) {
+    for (ZoSequence<ZoString>* out :
+         {static_cast<ZoSequence<ZoString>*>(&array), static_cast<ZoSequence<ZoString>*>(&list)}) {
+      EXPECT_EQ(ZoString(c.text).split(c.delims, *out), c.pieces.size());
+      ASSERT_EQ(out->entries(), c.pieces.size()) << c.text;
+      for (unsigned i = 0; i < c.pieces.size(); ++i) EXPECT_EQ(*out->at(i), c.pieces[i]);
+    }
+  }
+}
+
+TEST(Split, OfAnEntryOfTheTargetAndByOneOfItsEntries) {
+  ZoArray<ZoString> array{L"a-b", L"-"};
+  EXPECT_EQ(array[0].split(array[1], array), 2u);
+  EXPECT_EQ(array[0], L"a");
+  EXPECT_EQ(array[1], L"b");
+}

@@ -30,6 +30,9 @@
 #include <string_view>
 #include <utility>
 
+template <class T>
+class ZoSequence;
+
 class ZO_COM_API ZoString {
  public:
   enum caseCompare : int { exact = 0, ignoreCase = 1 };
@@ -251,6 +254,11 @@ class ZO_COM_API ZoString {
                                             caseCompare cmp = exact) const;
 
   // ---- Splitting ----
+  // Cuts the text at every character that occurs in delims and replaces the entries of out by the
+  // pieces in order, empty ones included: n delimiters give n + 1 pieces, but an empty text gives
+  // none. With an empty or null delims the whole text is the one piece. Returns the number of
+  // pieces; 0 and an empty out also when out finds no memory for them (zo/text/containers/sequence.h).
+  unsigned int split(const wchar_t* delims, ZoSequence<ZoString>& out) const;
   // The first position at or after from of a character that occurs in delims, or npos. No character
   // occurs in an empty or null delims.
   [[nodiscard]] unsigned int splitNext(const wchar_t* delims, unsigned int from = 0) const noexcept;
