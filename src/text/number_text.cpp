@@ -20,7 +20,7 @@ class Scanner {
   }
 
   [[nodiscard]] wchar_t peek(size_t ahead = 0) const noexcept {
-    return text_.size() - at_ > ahead ? text_[at_ + ahead] : wchar_t(0);
+    return text_.size() - at_ > ahead ? text_[at_ + ahead] : L'\0';
   }
   void advance(size_t n = 1) noexcept { at_ += n; }
   [[nodiscard]] size_t position() const noexcept { return at_; }
@@ -141,7 +141,7 @@ bool takeReal(Scanner& in, wchar_t decimal, wchar_t grouping, double& value, int
     return true;
   }
   Significand digits;
-  size_t count = in.takeDigits(grouping == decimal ? wchar_t(0) : grouping,
+  size_t count = in.takeDigits(grouping == decimal ? L'\0' : grouping,
                                [&](unsigned int digit) noexcept { digits.add(digit, false); });
   if (decimal != 0 && in.peek() == decimal && (count > 0 || isDigit(in.peek(1)))) {
     in.advance();

@@ -97,7 +97,7 @@ int toOle(const ZoVariant& value, VARIANT& out, unsigned int depthLeft);
 
 // out must be empty.
 int textToOle(std::wstring_view text, VARIANT& out) {
-  const BSTR copy = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+  BSTR copy = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
   if (!copy) throw std::bad_alloc();
   out.vt = VT_BSTR;
   out.bstrVal = copy;

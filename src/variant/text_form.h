@@ -105,7 +105,7 @@ class TextFormParser {
  private:
   // ---- Characters ----
   [[nodiscard]] wchar_t peek() const noexcept {
-    return at_ < text_.size() ? text_[at_] : wchar_t(0);
+    return at_ < text_.size() ? text_[at_] : L'\0';
   }
   static constexpr bool isWhite(wchar_t c) noexcept {
     return c == L' ' || (c >= L'\t' && c <= L'\r');
@@ -156,6 +156,7 @@ class TextFormParser {
     if (take(L'#')) {
       std::uint64_t code = 0;
       if (!hex(8, code)) return false;
+      // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): a code needs no name
       out.code = static_cast<ZoTypeCode>(code);
     } else if (!codeOfWord(word(), out.code)) {
       at_ = first;

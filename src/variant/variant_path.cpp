@@ -23,7 +23,7 @@ class PathSteps {
     if (step.find(L'~') == std::wstring_view::npos) return step;
     key_.clear();
     for (size_t i = 0; i < step.size(); ++i) {
-      const wchar_t following = i + 1 < step.size() ? step[i + 1] : wchar_t(0);
+      const wchar_t following = i + 1 < step.size() ? step[i + 1] : L'\0';
       const bool escape = step[i] == L'~' && (following == L'0' || following == L'1');
       key_ += escape ? (following == L'0' ? L'~' : L'/') : step[i];
       i += escape;
@@ -59,7 +59,7 @@ ZoVariant* addElement(ZoVariant& parent, std::wstring_view step) {
   if (parent.isEmpty()) parent = ZoVariant(ZoVariant::kDict, ZoTypeCode::Dict, parent.flags());
   ZoVariant::Dict* const dict = parent.asDict();
   if (!dict) return nullptr;
-  ZoString key(step);
+  const ZoString key(step);
   return dict->insertAt(key, ZoVariant()) == ZoResult::ok ? dict->at(key) : nullptr;
 }
 

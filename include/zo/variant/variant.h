@@ -28,6 +28,7 @@
 #include <zo/text/string.h>
 #include <zo/variant/guid.h>
 #include <zo/variant/type.h>
+#include <zo/variant/variant_elements.h>
 
 #include <concepts>
 #include <cstdint>
@@ -38,11 +39,6 @@
 #include <string_view>
 #include <type_traits>
 #include <utility>
-
-namespace zo {
-template <class V>
-class VariantElements;
-}
 
 class ZO_COM_API ZoVariant {
  public:
@@ -121,7 +117,7 @@ class ZO_COM_API ZoVariant {
       : ZoVariant(kReal, code, flags, variable) {}
   explicit ZoVariant(wchar_t** variable, ZoTypeCode code = ZoTypeCode::String,
                      unsigned int flags = 0) noexcept
-      : ZoVariant(kString, code, flags, variable) {
+      : ZoVariant(kString, code, flags, static_cast<void*>(variable)) {
     if (!variable) ::new (static_cast<void*>(&payload_)) ZoString;
   }
 
@@ -176,7 +172,10 @@ class ZO_COM_API ZoVariant {
   void clear() noexcept { *this = ZoVariant(); }
 
   // ---- What it is ----
-  [[nodiscard]] Type type() const noexcept { return static_cast<Type>(word_ & kKindBits); }
+  [[nodiscard]] Type type() const noexcept {
+    // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): no other kind is ever stored
+    return static_cast<Type>(word_ & kKindBits);
+  }
   [[nodiscard]] bool isTypeOf(Type kind) const noexcept { return type() == kind; }
   [[nodiscard]] bool isEmpty() const noexcept { return type() == kEmpty; }
   [[nodiscard]] bool isReference() const noexcept { return (word_ & kReferenceBit) != 0; }
@@ -404,9 +403,14 @@ static_assert(sizeof(ZoVariant) == 16);
 template <>
 inline constexpr bool zo::isRelocatable<ZoVariant> = true;
 
+inline zo::VariantElements<ZoVariant> ZoVariant::elements() & noexcept {
+  return zo::VariantElements<ZoVariant>(*this);
+}
+inline zo::VariantElements<const ZoVariant> ZoVariant::elements() const& noexcept {
+  return zo::VariantElements<const ZoVariant>(*this);
+}
+
 inline void swap(ZoVariant& a, ZoVariant& b) noexcept { a.swap(b); }
 
 // The text form.
 ZO_COM_API std::wostream& operator<<(std::wostream& out, const ZoVariant& value);
-
-#include <zo/variant/variant_elements.h>

@@ -3,10 +3,12 @@
 //   for (const auto [key, position, value] : variant.elements()) ...
 //
 // A dictionary gives its keys, in its own order; a sequence gives no keys. Other kinds have no
-// elements. Insertion and removal end a walk.
+// elements. Insertion and removal end a walk. (V is ZoVariant, const or not.)
 #pragma once
 
-#include <zo/variant/variant.h>
+#include <zo/text/containers/dict.h>
+#include <zo/text/containers/sequence.h>
+#include <zo/text/string.h>
 
 #include <cstddef>
 #include <iterator>
@@ -59,8 +61,8 @@ class VariantElementIterator {
     if (dict_) dict_->walk(inDict_);
   }
 
-  const ZoVariant::Sequence* sequence_ = nullptr;
-  const ZoVariant::Dict* dict_ = nullptr;
+  const typename V::Sequence* sequence_ = nullptr;
+  const typename V::Dict* dict_ = nullptr;
   SequenceCursor inSequence_;
   DictCursor inDict_;
   unsigned int position_ = 0;
@@ -80,10 +82,3 @@ class VariantElements {
 };
 
 }  // namespace zo
-
-inline zo::VariantElements<ZoVariant> ZoVariant::elements() & noexcept {
-  return zo::VariantElements<ZoVariant>(*this);
-}
-inline zo::VariantElements<const ZoVariant> ZoVariant::elements() const& noexcept {
-  return zo::VariantElements<const ZoVariant>(*this);
-}
