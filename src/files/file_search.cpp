@@ -28,8 +28,8 @@ bool isFolder(const wchar_t* name) noexcept {
 // The name as seen from the current directory of its drive.
 ZoFileName absolute(const ZoFileName& name) {
   std::wstring full(GetFullPathNameW(name.fullName(), 0, nullptr, nullptr), L'\0');
-  full.resize(GetFullPathNameW(name.fullName(), static_cast<DWORD>(full.size()), full.data(),
-                               nullptr));
+  full.resize(
+      GetFullPathNameW(name.fullName(), static_cast<DWORD>(full.size()), full.data(), nullptr));
   return ZoFileName(std::wstring_view(full));
 }
 
@@ -88,8 +88,7 @@ bool ZoFileSearchReactor::isAlive() noexcept { return reactorsAlive > 0; }
 double ZoFileSearchReactor::priority() { return 1.0; }
 
 void ZoFileSearchReactor::onNotice(ZoSysNotice notice, const ZoVariant& data) {
-  if (notice == ZoSysNotice::moduleReleased)
-    ZoSystem::fileSearch().poolRelease(zo::moduleOf(data));
+  if (notice == ZoSysNotice::moduleReleased) ZoSystem::fileSearch().poolRelease(zo::moduleOf(data));
 }
 
 int ZoFileSearchReactor::release(const wchar_t* module) {

@@ -4,7 +4,6 @@
 #include <zo/system/exception.h>
 #include <zo/system/registry.h>
 
-
 ZoComException::~ZoComException() = default;
 
 const wchar_t* ZoComException::message() const {

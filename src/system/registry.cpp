@@ -24,8 +24,8 @@
 #include "system/notice_data.h"
 #include "system/service_slots.h"
 
-#define SLOT(Name)                           \
-  Zo##Name* ZoSystem::s_p##Name = nullptr;   \
+#define SLOT(Name)                         \
+  Zo##Name* ZoSystem::s_p##Name = nullptr; \
   Zo##Name* ZoSystem::s_pStd##Name = nullptr;
 ZO_SERVICE_SLOTS(SLOT)
 #undef SLOT
@@ -68,12 +68,12 @@ void release(zo::FirstFailure& failure, Service*& installed, ZoSysObj* standard,
 
 }  // namespace
 
-#define SLOT(Name)                                                               \
-  int ZoSystem::set##Name(Zo##Name* service) {                                   \
-    const ZoString className = install(s_p##Name, service);                      \
-    if (service && (s_pSysDisp || s_pStdSysDisp))                                \
-      sendChanged(sysDisp(), L"Zo" L## #Name, className);                        \
-    return ZoResult::ok;                                                         \
+#define SLOT(Name)                                          \
+  int ZoSystem::set##Name(Zo##Name* service) {              \
+    const ZoString className = install(s_p##Name, service); \
+    if (service && (s_pSysDisp || s_pStdSysDisp))           \
+      sendChanged(sysDisp(), L"Zo" L## #Name, className);   \
+    return ZoResult::ok;                                    \
   }
 ZO_SERVICE_SLOTS(SLOT)
 #undef SLOT

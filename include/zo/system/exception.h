@@ -90,9 +90,7 @@ ZO_COM_API void copyWhat(char (&what)[kWhatSize], const wchar_t* message) noexce
 template <class Exception>
 class Thrown final : public Exception, public std::exception {
  public:
-  explicit Thrown(const Exception& exception) : Exception(exception) {
-    copyWhat(what_, this->message());
-  }
+  explicit Thrown(const Exception& value) : Exception(value) { copyWhat(what_, value.message()); }
   // The message as it was when it was thrown.
   [[nodiscard]] const char* what() const noexcept override { return what_; }
 

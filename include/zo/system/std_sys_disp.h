@@ -5,8 +5,8 @@
 // were added.
 #pragma once
 
-#include <zo/text/containers/list.h>
 #include <zo/system/sys_disp.h>
+#include <zo/text/containers/list.h>
 
 namespace zo {
 class Delivery;
