@@ -2,7 +2,8 @@
 """report.py JSON-FOLDER TARGETS RESULTS: makes the table of ratios from Google Benchmark's JSON files.
 
 Benchmarks are named WORK/ours and WORK/peer:NAME. The ratio is the peer's median time divided by ours: above 1, ours
-is faster. TARGETS holds lines "FAMILY/WORK RATIO": the least ratio that is aimed at.
+is faster. TARGETS holds lines "FAMILY/WORK RATIO", or "FAMILY/WORK/peer:NAME RATIO" for one peer: the least ratio
+that is aimed at.
 """
 import collections
 import json
@@ -55,9 +56,9 @@ def main(folder, targets_file, results_file):
                 continue
             work = name[: -len("/ours")]
             peers = {n[len(work) + 6 :]: t for n, (t, _) in times.items() if n.startswith(work + "/peer:")}
-            aim = targets.get(f"{family}/{work}")
             for peer, time in peers.items() or [("", None)]:
                 ratio = time / ours if time else None
+                aim = targets.get(f"{family}/{work}/peer:{peer}", targets.get(f"{family}/{work}"))
                 lines.append(
                     f"| {work} | {shown(ours)} | {peer} | {shown(time) if time else ''} "
                     f"| {f'{ratio:.2f}' if ratio else ''} "
