@@ -6,97 +6,13 @@
 #include <iterator>
 #include <string>
 
+#include "variant/code_names.h"
 #include "variant/type_texts.h"
 
 namespace {
 
-struct CodeNames {
-  ZoTypeCode code;
-  const wchar_t* name;      // fixed: stored texts carry it
-  const wchar_t* userName;  // null: that of the base code
-};
-
-// In the order of ZoTypeCode, each base code before the other codes of its group.
-constexpr CodeNames kCodes[] = {
-    {ZoTypeCode::NoType, L"NoType", L"No Type"},
-    {ZoTypeCode::Int, L"Int", L"Integer"},
-    {ZoTypeCode::Long, L"Long", L"Long"},
-    {ZoTypeCode::Short, L"Short", L"Short"},
-    {ZoTypeCode::Bool, L"Bool", L"Bool"},
-    {ZoTypeCode::Access, L"Access", L"Access"},
-    {ZoTypeCode::XShort, L"XShort", nullptr},
-    {ZoTypeCode::XLong, L"XLong", nullptr},
-    {ZoTypeCode::BigInt, L"BigInt", L"BigInt"},
-    {ZoTypeCode::Date, L"Date", L"Date"},
-    {ZoTypeCode::Guid, L"NoType", L"GUID"},
-    {ZoTypeCode::Real, L"Real", L"Real"},
-    {ZoTypeCode::Length, L"Length", L"Length"},
-    {ZoTypeCode::Angle, L"Angle", L"Angle"},
-    {ZoTypeCode::Time, L"Time", L"Time"},
-    {ZoTypeCode::Mass, L"Mass", L"Mass"},
-    {ZoTypeCode::Area, L"Area", L"Area"},
-    {ZoTypeCode::Volume, L"Volume", L"Volume"},
-    {ZoTypeCode::Force, L"Force", L"Force"},
-    {ZoTypeCode::SpringRate, L"Spring rate", L"Spring rate"},
-    {ZoTypeCode::Pressure, L"Pressure", L"Pressure"},
-    {ZoTypeCode::Density, L"Density", L"Density"},
-    {ZoTypeCode::Speed, L"Speed", L"Speed"},
-    {ZoTypeCode::Power, L"Power", L"Power"},
-    {ZoTypeCode::Torque, L"Torque", L"Torque"},
-    {ZoTypeCode::ThreadFactor, L"Thread factor", L"Thread factor"},
-    {ZoTypeCode::LinearDensity, L"Linear density", L"Linear density"},
-    {ZoTypeCode::Voltage, L"Voltage", L"Voltage"},
-    {ZoTypeCode::ForceOfCurrent, L"Force of current", L"Force of current"},
-    {ZoTypeCode::Resistance, L"Resistance", L"Resistance"},
-    {ZoTypeCode::XReal, L"XReal", nullptr},
-    {ZoTypeCode::XDistance, L"XDistance", nullptr},
-    {ZoTypeCode::XScale, L"XScale", nullptr},
-    {ZoTypeCode::String, L"String", L"String"},
-    {ZoTypeCode::FName, L"FName", L"File"},
-    {ZoTypeCode::Path, L"Path", L"Path"},
-    {ZoTypeCode::Macro, L"Macro", L"Macro"},
-    {ZoTypeCode::DLink, L"DLink", L"Link"},
-    {ZoTypeCode::PLink, L"PLink", L"Link"},
-    {ZoTypeCode::Chunk, L"Chunk", L"Chunk"},
-    {ZoTypeCode::XString, L"XString", nullptr},
-    {ZoTypeCode::XControl, L"XControl", nullptr},
-    {ZoTypeCode::XLayer, L"XLayer", nullptr},
-    {ZoTypeCode::XHandle, L"XHandle", nullptr},
-    {ZoTypeCode::Point, L"Point", L"Point"},
-    {ZoTypeCode::XPoint, L"XPoint", nullptr},
-    {ZoTypeCode::XPosition, L"XPosition", nullptr},
-    {ZoTypeCode::Vector, L"Vector", L"Vector"},
-    {ZoTypeCode::XDirection, L"XDirection", nullptr},
-    {ZoTypeCode::Sequence, L"Sequence", L"Sequence"},
-    {ZoTypeCode::Array, L"Array", L"Array"},
-    {ZoTypeCode::List, L"List", L"List"},
-    {ZoTypeCode::XAppName, L"XAppName", nullptr},
-    {ZoTypeCode::Dict, L"Dict", L"Dictionary"},
-    {ZoTypeCode::Firm, L"Firm", L"Firm"},
-    {ZoTypeCode::Catalog, L"Catalog", L"Catalog"},
-    {ZoTypeCode::Standard, L"Standard", L"Standard"},
-    {ZoTypeCode::Class, L"Class", L"Folder"},
-    {ZoTypeCode::Part, L"Part", L"Part"},
-    {ZoTypeCode::Switch, L"Switch", L"Switch"},
-    {ZoTypeCode::Case, L"Case", L"Case"},
-    {ZoTypeCode::Admin, L"Admin", L"Admin"},
-    {ZoTypeCode::User, L"User", L"User"},
-    {ZoTypeCode::Guest, L"Guest", L"Guest"},
-    {ZoTypeCode::View, L"View", L"View"},
-    {ZoTypeCode::Callback, L"Callback", L"Callback"},
-    {ZoTypeCode::Favorite, L"Favorite", L"Favorite"},
-    {ZoTypeCode::FavoriteClass, L"FavoriteClass", L"FavoriteClass"},
-    {ZoTypeCode::FavoriteCatalog, L"FavoriteCatalog", L"FavoriteCatalog"},
-    {ZoTypeCode::Pointer, L"Pointer", L"Pointer"},
-    {ZoTypeCode::IUnknown, L"IUnknown", L"Unknown"},
-    {ZoTypeCode::IDispatch, L"IDispatch", L"Dispatch"},
-};
-
-const CodeNames* findCode(ZoTypeCode code) noexcept {
-  const auto* const found = std::find_if(std::begin(kCodes), std::end(kCodes),
-                                         [&](const CodeNames& row) { return row.code == code; });
-  return found == std::end(kCodes) ? nullptr : found;
-}
+using zo::CodeNames;
+using zo::findCode;
 
 // The row of the code, or of its base where it has none.
 const CodeNames& rowOf(ZoTypeCode code) noexcept {
@@ -166,10 +82,10 @@ const wchar_t* ZoType::codeToLocString(ZoTypeCode code) noexcept {
 
 ZoTypeCode ZoType::stringToCode(const wchar_t* name) noexcept {
   if (!name) return ZoTypeCode::NoType;
-  for (const CodeNames& row : kCodes) {
+  for (const CodeNames& row : zo::codeNames()) {
     if (_wcsicmp(name, row.name) == 0) return row.code;
   }
-  for (const CodeNames& row : kCodes) {
+  for (const CodeNames& row : zo::codeNames()) {
     if (row.userName && _wcsicmp(name, userNameOf(row)) == 0) return row.code;
   }
   return ZoTypeCode::NoType;

@@ -124,23 +124,25 @@ int ZoVArray::fillAt(unsigned i, unsigned n, const void* value) {
 
 int ZoVArray::apply(ZoVArrayApply* applyFn) const {
   if (!applyFn) return ZoResult::refused;
-  for (unsigned i = 0; i < m_entries; ++i) applyFn->apply(m_table->at(i));
+  for (unsigned i = 0; i < m_entries; ++i) applyFn->applyTo(m_table->at(i));
   return ZoResult::ok;
 }
 
 int ZoVArray::remove(const void* value, const ZoVArrayCompare* compare, bool all) {
-  unsigned found = index(value, compare);
+  const unsigned found = index(value, compare);
   if (found == zo::npos) return ZoResult::refused;
   if (!all) return removeAt(found, nullptr);
-  // The matches first, then the removals from the back: the value may be one of the elements.
-  zo::PointerBuffer matches(m_entries - found);
-  if (!matches) return ZoResult::outOfMemory;
-  std::size_t n = 0;
-  for (; found < m_entries; ++found) {
-    if (compare->compare(m_table->at(found), value) == 0) matches[n++] = m_table->at(found);
+  // All are compared before one goes: the value may be an element, and comparing may throw.
+  zo::PointerBuffer kept(m_entries);
+  if (!kept) return ZoResult::outOfMemory;
+  unsigned n = 0;
+  for (unsigned i = 0; i < m_entries; ++i) {
+    void* const element = m_table->at(i);
+    if (i < found || compare->compare(element, value) != 0) kept[n++] = element;
   }
-  eraseMatches(matches.data(), n);
-  return ZoResult::ok;
+  const int status = m_table->keep(kept.data(), n, m_entries);
+  if (status == ZoResult::ok) m_entries = n;
+  return status;
 }
 
 int ZoVArray::removeAt(unsigned i, void* out) {
@@ -148,9 +150,9 @@ int ZoVArray::removeAt(unsigned i, void* out) {
   if (out) {
     if (const int status = m_table->moveOut(out, m_table->at(i))) return status;
   }
-  m_table->erase(i, 1, m_entries);
-  --m_entries;
-  return ZoResult::ok;
+  const int status = m_table->erase(i, 1, m_entries);
+  if (status == ZoResult::ok) --m_entries;
+  return status;
 }
 
 int ZoVArray::removeAll(bool freeMemory) {
@@ -203,9 +205,10 @@ int ZoVArray::copyFrom(const ZoVArray& other) {
 
 int ZoVArray::shiftLeft(unsigned n) {
   if (n > m_entries) return ZoResult::refused;
-  if (n > 0) m_table->erase(0, n, m_entries);
-  m_entries -= n;
-  return ZoResult::ok;
+  if (n == 0) return ZoResult::ok;
+  const int status = m_table->erase(0, n, m_entries);
+  if (status == ZoResult::ok) m_entries -= n;
+  return status;
 }
 
 int ZoVArray::shiftRight(unsigned n) {
@@ -243,18 +246,6 @@ int ZoVArray::makeRoomFor(unsigned n, const void*& value) {
   const int status = makeRoom(n);
   if (own) value = static_cast<const char*>(m_table->at(0)) + offset;
   return status;
-}
-
-void ZoVArray::eraseMatches(void* const* matches, std::size_t n) {
-  // Erasing at position i leaves the addresses in front of it alone, so the pointers stay good from the back.
-  unsigned i = m_entries;
-  while (n > 0) {
-    const void* const match = matches[--n];
-    do --i;
-    while (m_table->at(i) != match);
-    m_table->erase(i, 1, m_entries);
-    --m_entries;
-  }
 }
 
 bool ZoVArray::validate() const noexcept {

@@ -79,6 +79,7 @@ ZoVHash::ZoVHash(const ZoVHash& other) : ZoVHash(nullptr, 0, other.m_loadFactor)
       if (status == ZoResult::outOfMemory) throw std::bad_alloc();
       if (status != ZoResult::ok) return;  // elements that cannot be copied: an empty table
       made->hash = node->hash;
+      made->plain = node->plain;
       copy.m_table->append(b, made);
       ++copy.m_entries;
     }
@@ -154,7 +155,7 @@ int ZoVHash::apply(ZoVHashApply* applyFn) {
   if (!applyFn) return ZoResult::refused;
   for (unsigned b = 0; b < m_buckets; ++b) {
     for (ZoVHashNode* node = m_table->first(b); node; m_table->next(node)) {
-      applyFn->apply(m_table->value(node));
+      applyFn->applyTo(m_table->value(node));
     }
   }
   return ZoResult::ok;
@@ -256,9 +257,8 @@ ZoVHashNode* ZoVHash::find(const void* key, const ZoVHashKey* hashKey) const {
   if (!key || !hashKey || m_entries == 0) return nullptr;
   const unsigned hash = hashKey->hash(key);
   ZoVHashNode* node = m_table->first(m_table->bucketOf(hash));
-  while (node && (node->hash != hash || hashKey->compare(m_table->key(node), key) != 0)) {
-    m_table->next(node);
-  }
+  // Keys whose hash values differ are compared too: a policy may hash some equal keys differently.
+  while (node && hashKey->compare(m_table->key(node), key) != 0) m_table->next(node);
   return node;
 }
 

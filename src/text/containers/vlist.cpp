@@ -127,7 +127,7 @@ int ZoVList::fillAt(unsigned i, unsigned n, const void* value) {
 
 int ZoVList::apply(ZoVListApply* applyFn) const {
   if (!applyFn) return ZoResult::refused;
-  for (ZoVListNode* node = m_first; node; node = node->next) applyFn->apply(m_mem->element(node));
+  for (ZoVListNode* node = m_first; node; node = node->next) applyFn->applyTo(m_mem->element(node));
   return ZoResult::ok;
 }
 

@@ -372,7 +372,7 @@ void ZoVTree::deleteNodes(ZoVTreeNode* node) noexcept {
 void ZoVTree::applyNodes(const ZoVTreeNode* node, ZoVTreeApply& applyFn) {
   if (!node) return;
   applyNodes(node->left, applyFn);
-  applyFn.apply(node->element);
+  applyFn.applyTo(node->element);
   applyNodes(node->right, applyFn);
 }
 

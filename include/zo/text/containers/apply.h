@@ -12,7 +12,7 @@ class TypedApply : public Base {
   virtual void apply(T& element) = 0;
 
  private:
-  void apply(void* element) final { apply(*static_cast<T*>(element)); }
+  void applyTo(void* element) final { apply(*static_cast<T*>(element)); }
 };
 
 }  // namespace zo

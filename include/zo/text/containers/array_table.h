@@ -64,15 +64,38 @@ class ZoArrayTable final : public ZoVArrayTable {
   int assign(void* to, const void* from) override { return zo::assignElement<T>(to, from); }
   int moveOut(void* to, void* from) override { return zo::moveElement<T>(to, from); }
 
-  void erase(unsigned i, unsigned n, unsigned entries) override {
+  int erase(unsigned i, unsigned n, unsigned entries) override {
     T* const gap = data() + i;
     const unsigned rest = entries - i - n;
+    if constexpr (!zo::movesSafely<T>) {
+      if (rest > 0) {
+        Block block(m_cells);
+        if (!block.cells) return ZoResult::outOfMemory;
+        return rebuild(block, m_cells, entries - n, entries,
+                       [&](T* place, unsigned k) { carry(place, data() + (k < i ? k : k + n)); });
+      }
+    }
+    std::destroy_n(gap, n);
+    if constexpr (zo::movesSafely<T>) zo::relocateElements(gap, gap + n, rest);
+    return ZoResult::ok;
+  }
+
+  int keep(void* const* kept, unsigned n, unsigned entries) override {
     if constexpr (zo::movesSafely<T>) {
-      std::destroy_n(gap, n);
-      zo::relocateElements(gap, gap + n, rest);
+      unsigned k = 0;
+      for (T* element = data(); element != data() + entries; ++element) {
+        if (k < n && element == kept[k]) {
+          zo::relocateElements(data() + k++, element, 1);
+        } else {
+          std::destroy_at(element);
+        }
+      }
+      return ZoResult::ok;
     } else {
-      std::move(gap + n, gap + n + rest, gap);
-      std::destroy_n(gap + rest, n);
+      Block block(m_cells);
+      if (!block.cells) return ZoResult::outOfMemory;
+      return rebuild(block, m_cells, n, entries,
+                     [&](T* place, unsigned k) { carry(place, static_cast<T*>(kept[k])); });
     }
   }
 

@@ -106,9 +106,9 @@ class ZoHashDict : public ZoDict<T, K> {
   [[nodiscard]] auto begin() const noexcept { return zo::HashIterator<const T, K>(m_hash.m_table); }
   [[nodiscard]] auto end() const noexcept { return zo::HashIterator<const T, K>(); }
 
-  [[nodiscard]] T* at(const K& key) { return valueOf(find(key)); }
-  [[nodiscard]] const T* at(const K& key) const { return valueOf(find(key)); }
-  [[nodiscard]] bool contains(const K& key) const { return find(key) != nullptr; }
+  [[nodiscard]] T* at(const K& key) { return valueOf(find(formOf(key))); }
+  [[nodiscard]] const T* at(const K& key) const { return valueOf(find(formOf(key))); }
+  [[nodiscard]] bool contains(const K& key) const { return find(formOf(key)) != nullptr; }
   template <class Q>
     requires zo::LookUpForm<H, Q>
   [[nodiscard]] T* at(const Q& key) {
@@ -131,7 +131,7 @@ class ZoHashDict : public ZoDict<T, K> {
   }
 
   int findKey(const K& key, K& outKey) const final {
-    const zo::HashNode<T, K>* const node = find(key);
+    const zo::HashNode<T, K>* const node = find(formOf(key));
     return node ? zo::assignElement<K>(&outKey, &node->key) : ZoResult::refused;
   }
   // The first key that compares equal; every key is looked at.
@@ -177,7 +177,7 @@ class ZoHashDict : public ZoDict<T, K> {
   [[nodiscard]] const H& policy() const noexcept { return m_policy; }
 
  protected:
-  T* locate(const K& key) const final { return valueOf(find(key)); }
+  T* locate(const K& key) const final { return valueOf(find(formOf(key))); }
   int take(const K& key, T* out) final {
     const ZoHashKey<K> adapter(m_policy);
     return m_hash.removeAt(&key, out, &adapter);
@@ -197,28 +197,41 @@ class ZoHashDict : public ZoDict<T, K> {
   [[nodiscard]] static T* valueOf(Node* node) noexcept { return node ? &node->value : nullptr; }
 
   // The policy's own functions, not those of a class derived from it.
-  template <class Q>
-  [[nodiscard]] unsigned hashOf(const Q& key) const {
-    return m_policy.H::hash(key);
+  [[nodiscard]] static decltype(auto) formOf(const K& key) {
+    if constexpr (zo::LookUpForm<H, K>) {
+      return H::lookUpForm(key);
+    } else {
+      return static_cast<const K&>(key);
+    }
   }
-  template <class Q>
-  [[nodiscard]] bool isEqual(const K& mine, const Q& key) const {
-    if constexpr (requires { m_policy.isEqual(mine, key); }) {
-      return m_policy.isEqual(mine, key);
+  template <class Form>
+  [[nodiscard]] zo::HashedKey hashOf(const Form& key) const {
+    if constexpr (requires { H::hashKey(key); }) {
+      return H::hashKey(key);
+    } else {
+      return {m_policy.H::hash(key), true};
+    }
+  }
+  template <class Form>
+  [[nodiscard]] bool matches(ZoVHashNode* node, const Form& key, zo::HashedKey hashed) const {
+    const bool plain = node->plain && hashed.plain;
+    if (plain && node->hash != hashed.hash) return false;
+    const K& mine = static_cast<Node*>(node)->key;
+    if constexpr (requires { H::isEqual(mine, key, plain); }) {
+      return H::isEqual(mine, key, plain);
     } else {
       return m_policy.H::compare(mine, key) == 0;
     }
   }
 
-  template <class Q>
-  [[nodiscard]] Node* find(const Q& key) const {
+  template <class Form>
+  [[nodiscard]] Node* find(const Form& key) const {
     const ZoVHashTable* const table = m_hash.m_table;
     if (!table) return nullptr;
-    const unsigned hash = hashOf(key);
-    for (ZoVHashNode* node = *table->chain(table->bucketOf(hash)); node; node = node->next) {
-      if (node->hash == hash && isEqual(static_cast<Node*>(node)->key, key)) return static_cast<Node*>(node);
-    }
-    return nullptr;
+    const zo::HashedKey hashed = hashOf(key);
+    ZoVHashNode* node = *table->chain(table->bucketOf(hashed.hash));
+    while (node && !matches(node, key, hashed)) node = node->next;
+    return static_cast<Node*>(node);
   }
 
   template <class Key, class Value>
@@ -227,16 +240,16 @@ class ZoHashDict : public ZoDict<T, K> {
     if (m_hash.isOverloaded() && m_hash.grow() != ZoResult::ok) return ZoResult::refused;
     if (entries() == zo::npos - 1) return ZoResult::refused;
     auto* const table = static_cast<ZoHashTable<T, K>*>(m_hash.m_table);
-    const unsigned hash = hashOf(static_cast<const K&>(key));
-    ZoVHashNode** link = table->chain(table->bucketOf(hash));
+    const zo::HashedKey hashed = hashOf(formOf(key));
+    ZoVHashNode** link = table->chain(table->bucketOf(hashed.hash));
     const bool collides = *link != nullptr;
     for (; *link; link = &(*link)->next) {
-      const K& present = static_cast<Node*>(*link)->key;
-      if ((*link)->hash == hash && isEqual(present, static_cast<const K&>(key))) return ZoResult::refused;
+      if (matches(*link, formOf(key), hashed)) return ZoResult::refused;
     }
     ZoVHashNode* node = nullptr;
     if (const int status = table->makeNode(node, std::forward<Key>(key), std::forward<Value>(value))) return status;
-    node->hash = hash;
+    node->hash = hashed.hash;
+    node->plain = hashed.plain;
     *link = node;
     ++m_hash.m_entries;
     if (collides) ++m_hash.m_collisions;

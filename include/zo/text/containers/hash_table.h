@@ -9,7 +9,7 @@ namespace zo {
 template <class T, class K>
 struct HashNode : ZoVHashNode {
   template <class Key, class Value>
-  HashNode(Key&& k, Value&& v) : ZoVHashNode{}, key(std::forward<Key>(k)), value(std::forward<Value>(v)) {}
+  HashNode(Key&& k, Value&& v) : key(std::forward<Key>(k)), value(std::forward<Value>(v)) {}
   K key;
   T value;
 };

@@ -1,7 +1,10 @@
 // Key policies of dictionaries: when keys are equal, and what they hash to.
 //
 // Keys that are equal must hash alike. A dictionary calls the policy of its own type H without virtual calls;
-// ZoHashKey<K> shows any policy to the engine.
+// ZoHashKey<K> shows any policy to the engine. A policy may offer more for look-up (text_keys.h does):
+//   static Form lookUpForm(key)       what is hashed and compared, from a K or from another form of a key;
+//   static HashedKey hashKey(Form)    the same hash, for keys where equality does not always follow it;
+//   static bool isEqual(K, Form, bool bothPlain)
 //
 // Threads: stateless as given here; any number of threads.
 #pragma once
@@ -9,6 +12,16 @@
 #include <zo/text/containers/vcallbacks.h>
 
 #include <functional>
+
+namespace zo {
+
+// A hash value, and whether it decides: two plain keys with different hash values are not equal.
+struct HashedKey {
+  unsigned hash;
+  bool plain;
+};
+
+}  // namespace zo
 
 template <class K>
 class ZoHashValue {

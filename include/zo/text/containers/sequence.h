@@ -9,6 +9,7 @@
 #include <zo/text/containers/compare.h>
 #include <zo/text/containers/container.h>
 #include <zo/text/containers/elements.h>
+#include <zo/text/containers/text_keys.h>
 
 #include <cstddef>
 #include <iterator>

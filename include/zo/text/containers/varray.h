@@ -5,9 +5,9 @@
 //
 // Errors:  0 success; 1 refused (position out of range, null value or object, full with grow size 0, no storage,
 //          an element that cannot be copied); 2 out of memory, and then nothing has changed. An exception of an
-//          element's copy leaves the elements as they were, unless moving them can throw: then inserting in the
-//          middle still does, removing from the middle keeps only the basic promise. Constructors and assignment,
-//          which have no status, throw std::bad_alloc.
+//          element's copy leaves the elements as they were; only reverse, setAt and fillAt over present elements
+//          keep just what the element's own assignment keeps. Constructors and assignment, which have no status,
+//          throw std::bad_alloc.
 // Threads: any number of readers, or one writer.
 // Cost:    access O(1); growing by a fixed step makes n appends O(n * n / step); insertion and removal O(elements
 //          behind); sort O(n log n), stable.
@@ -39,8 +39,10 @@ class ZO_COM_API ZoVArrayTable {
   virtual int appendCopies(const void* from, unsigned n, unsigned entries) = 0;
   virtual int assign(void* to, const void* from) = 0;
   virtual int moveOut(void* to, void* from) = 0;
-  // Destroys n elements from position i on and closes the gap.
-  virtual void erase(unsigned i, unsigned n, unsigned entries) = 0;
+  // Destroys n elements from position i on and closes the gap. Cannot fail at the end.
+  virtual int erase(unsigned i, unsigned n, unsigned entries) = 0;
+  // Destroys all elements but n, to which it is given pointers in the order of the elements.
+  virtual int keep(void* const* kept, unsigned n, unsigned entries) = 0;
   virtual void exchange(unsigned i, unsigned j) = 0;
   // Arranges the elements in the order of the pointers to them.
   virtual int reorder(void* const* order, unsigned entries) = 0;
@@ -125,7 +127,6 @@ class ZO_COM_API ZoVArray {
 
   int makeRoom(unsigned n);  // for n more elements, in whole grow steps
   int makeRoomFor(unsigned n, const void*& value);  // follows a value that is an element
-  void eraseMatches(void* const* matches, std::size_t n);
   void swap(ZoVArray& other) noexcept;
 
   unsigned m_entries = 0;

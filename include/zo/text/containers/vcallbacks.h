@@ -27,7 +27,7 @@ class ZO_COM_API ElementApply {
  public:
   virtual ~ElementApply();
   // Called once per element, in the order of the container. It must not change the container.
-  virtual void apply(void* element) = 0;
+  virtual void applyTo(void* element) = 0;
 
  protected:
   ElementApply() = default;

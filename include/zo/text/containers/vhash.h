@@ -24,8 +24,9 @@ template <class T, class K, class H>
 class ZoHashDict;
 
 struct ZoVHashNode {
-  ZoVHashNode* next;
-  unsigned hash;
+  ZoVHashNode* next = nullptr;
+  unsigned hash = 0;
+  bool plain = false;  // a different hash value proves a different key; set by typed dictionaries
 };
 
 // How well a table spreads its keys.
