@@ -33,8 +33,7 @@ std::vector<std::wstring> keyTexts(int64_t n, Found found) {
   std::vector<std::wstring> keys;
   for (int64_t i = 0; i < n; ++i) {
     std::wstring key = (found == Found::kHit ? L"" : L"#") + std::to_wstring(i);
-    for (size_t length = 8 + random() % 17; key.size() < length;)
-      key += letters[random() % letters.size()];
+    for (size_t length = 8 + random() % 17; key.size() < length;) key += letters[random() % letters.size()];
     keys.push_back(key);
   }
   std::shuffle(keys.begin(), keys.end(), random);
@@ -62,12 +61,9 @@ std::vector<ZoString> strings(const std::vector<std::wstring>& texts) {
 struct Fold {
   wchar_t table[128];
   constexpr Fold() : table() {
-    for (int c = 0; c < 128; ++c)
-      table[c] = static_cast<wchar_t>(c >= 'a' && c <= 'z' ? c - 32 : c);
+    for (int c = 0; c < 128; ++c) table[c] = static_cast<wchar_t>(c >= 'a' && c <= 'z' ? c - 32 : c);
   }
-  wchar_t operator()(wchar_t c) const {
-    return c < 128 ? table[c] : static_cast<wchar_t>(towupper(c));
-  }
+  wchar_t operator()(wchar_t c) const { return c < 128 ? table[c] : static_cast<wchar_t>(towupper(c)); }
 };
 constexpr Fold kFold;
 
@@ -237,8 +233,7 @@ void removePeer(State& state, int64_t n) {
     {
       std::list<int> list = filled<std::list<int>>(n);
       state.ResumeTiming();
-      for (auto it = list.begin(); it != list.end();)
-        it = *it % 3 == 0 ? list.erase(it) : std::next(it);
+      for (auto it = list.begin(); it != list.end();) it = *it % 3 == 0 ? list.erase(it) : std::next(it);
       benchmark::DoNotOptimize(list.size());
       state.PauseTiming();
     }
@@ -249,9 +244,7 @@ void removePeer(State& state, int64_t n) {
 // ---- Tree with text keys, ignoring case ----
 
 struct LessIgnoringCase {
-  bool operator()(const ZoString& a, const ZoString& b) const {
-    return a.compareTo(b, ZoString::ignoreCase) < 0;
-  }
+  bool operator()(const ZoString& a, const ZoString& b) const { return a.compareTo(b, ZoString::ignoreCase) < 0; }
 };
 using OurTree = ZoTree<int, ZoString>;
 using PeerTree = std::map<ZoString, int, LessIgnoringCase>;
@@ -333,12 +326,10 @@ void pair(const char* work, int64_t n, Ours ours, const char* peerName, Peer pee
   constexpr int64_t k1000 = 1000, k100000 = 100'000, kMillion = 1'000'000;
 
   for (const int64_t n : {k1000, k100000}) {
-    pair(
-        "DictFindHit", n, [](State& s, int64_t k) { findOurs(s, k, Found::kHit); }, kUnordered,
-        [](State& s, int64_t k) { findPeer(s, k, Found::kHit); });
-    pair(
-        "DictFindMiss", n, [](State& s, int64_t k) { findOurs(s, k, Found::kMiss); }, kUnordered,
-        [](State& s, int64_t k) { findPeer(s, k, Found::kMiss); });
+    pair("DictFindHit", n, [](State& s, int64_t k) { findOurs(s, k, Found::kHit); }, kUnordered,
+         [](State& s, int64_t k) { findPeer(s, k, Found::kHit); });
+    pair("DictFindMiss", n, [](State& s, int64_t k) { findOurs(s, k, Found::kMiss); }, kUnordered,
+         [](State& s, int64_t k) { findPeer(s, k, Found::kMiss); });
   }
   for (const int64_t n : {k1000, k100000, kMillion}) {
     pair("DictInsert", n, insertOurs, kUnordered, insertPeer);
@@ -351,12 +342,10 @@ void pair(const char* work, int64_t n, Ours ours, const char* peerName, Peer pee
   }
   pair("ArrayAppendString", k100000, appendStrings<ZoArray<ZoString>, ZoString>, kVector,
        appendStrings<std::vector<std::wstring>, std::wstring>);
-  pair("ArrayIterateIterator", kMillion, iterateIterator<ZoArray<int>, ZoArrayIterator<int>>,
-       kVector, iterateRange<std::vector<int>>);
-  pair("ArrayIterateRange", kMillion, iterateRange<ZoArray<int>>, kVector,
+  pair("ArrayIterateIterator", kMillion, iterateIterator<ZoArray<int>, ZoArrayIterator<int>>, kVector,
        iterateRange<std::vector<int>>);
-  pair("ArrayIterateIndex", kMillion, iterateIndex<ZoArray<int>>, kVector,
-       iterateIndex<std::vector<int>>);
+  pair("ArrayIterateRange", kMillion, iterateRange<ZoArray<int>>, kVector, iterateRange<std::vector<int>>);
+  pair("ArrayIterateIndex", kMillion, iterateIndex<ZoArray<int>>, kVector, iterateIndex<std::vector<int>>);
   pair("TreeFind", k100000, treeFind<OurTree>, kMap, treeFind<PeerTree>);
   pair("TreeIterate", k100000, treeIterate<OurTree>, kMap, treeIterate<PeerTree>);
   return true;

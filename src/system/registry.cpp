@@ -1,12 +1,12 @@
-#include <zo/files/file_open.h>
-#include <zo/files/file_search.h>
-#include <zo/files/file_system.h>
 #include <zo/results.h>
 #include <zo/system/cad.h>
 #include <zo/system/cfg.h>
 #include <zo/system/codepage.h>
 #include <zo/system/error.h>
 #include <zo/system/execute.h>
+#include <zo/system/file_open.h>
+#include <zo/system/file_search.h>
+#include <zo/system/file_system.h>
 #include <zo/system/layer.h>
 #include <zo/system/macro_lib.h>
 #include <zo/system/message.h>

@@ -308,10 +308,8 @@ TEST(Sorting, IsStableAndNeverQuadratic) {
 #endif
   std::mt19937 random(7);
   using Shape = int (*)(std::mt19937&, int);
-  const Shape shapes[] = {[](std::mt19937&, int i) { return i; },
-                          [](std::mt19937&, int i) { return -i; },
-                          [](std::mt19937&, int) { return 1; },
-                          [](std::mt19937&, int i) { return i % 10; },
+  const Shape shapes[] = {[](std::mt19937&, int i) { return i; },         [](std::mt19937&, int i) { return -i; },
+                          [](std::mt19937&, int) { return 1; },           [](std::mt19937&, int i) { return i % 10; },
                           [](std::mt19937& r, int) { return static_cast<int>(r() % 100); },
                           [](std::mt19937&, int i) { return i < kCount / 2 ? i : kCount - i; }};
   for (const Shape shape : shapes) {
@@ -427,8 +425,7 @@ TEST(HashEngine, SetCapacityRehashes) {
   EXPECT_EQ(hash.setCapacity(3, 2.0, &kHashKey), 0);  // too few: doubles on the way
   EXPECT_EQ(hash.buckets(), 48u);
   EXPECT_TRUE(hash.validate(&kHashKey));
-  EXPECT_EQ(hash.setCapacity(1, std::numeric_limits<double>::infinity(), &kHashKey),
-            0);  // one chain
+  EXPECT_EQ(hash.setCapacity(1, std::numeric_limits<double>::infinity(), &kHashKey), 0);  // one chain
   EXPECT_EQ(hash.buckets(), 1u);
   EXPECT_EQ(hash.stats().longestChain, 60u);
   for (int i = 0; i < 60; ++i) EXPECT_EQ(*static_cast<int*>(hash.at(&i, &kHashKey)), i);
@@ -481,32 +478,22 @@ std::size_t slotOf(Function function) {
 }
 
 TEST(Layout, VirtualOperationsKeepTheirOrder) {
-  const std::size_t hash[] = {slotOf(&ZoVHash::contains),       slotOf(&ZoVHash::entries),
-                              slotOf(&ZoVHash::findKey),        slotOf(&ZoVHash::getAt),
-                              slotOf(&ZoVHash::isEmpty),        slotOf(&ZoVHash::isValid),
-                              slotOf(&ZoVHash::collisionRatio), slotOf(&ZoVHash::setCapacity),
-                              slotOf(&ZoVHash::apply),          slotOf(&ZoVHash::at),
-                              slotOf(&ZoVHash::insertAt),       slotOf(&ZoVHash::setAt),
-                              slotOf(&ZoVHash::removeAll),      slotOf(&ZoVHash::removeAt)};
+  const std::size_t hash[] = {
+      slotOf(&ZoVHash::contains),     slotOf(&ZoVHash::entries),  slotOf(&ZoVHash::findKey),
+      slotOf(&ZoVHash::getAt),        slotOf(&ZoVHash::isEmpty),  slotOf(&ZoVHash::isValid),
+      slotOf(&ZoVHash::collisionRatio), slotOf(&ZoVHash::setCapacity), slotOf(&ZoVHash::apply),
+      slotOf(&ZoVHash::at),           slotOf(&ZoVHash::insertAt), slotOf(&ZoVHash::setAt),
+      slotOf(&ZoVHash::removeAll),    slotOf(&ZoVHash::removeAt)};
   for (std::size_t i = 0; i < std::size(hash); ++i) EXPECT_EQ(hash[i], i + 2);
   EXPECT_EQ(slotOf(&ZoVHashKey::compare), 2u);
   EXPECT_EQ(slotOf(&ZoVHashKey::hash), 3u);
   using It = ZoVArrayIterator;
-  const std::size_t iterator[] = {slotOf(static_cast<void (It::*)()>(&It::reset)),
-                                  slotOf(static_cast<void (It::*)(ZoVArray&)>(&It::reset)),
-                                  slotOf(&It::isValid),
-                                  slotOf(&It::current),
-                                  slotOf(&It::atFirst),
-                                  slotOf(&It::atLast),
-                                  slotOf(&It::toFirst),
-                                  slotOf(&It::toLast),
-                                  slotOf(&It::to),
-                                  slotOf(&It::next),
-                                  slotOf(&It::prev),
-                                  slotOf(&It::insert),
-                                  slotOf(&It::remove),
-                                  slotOf(&It::findNext),
-                                  slotOf(&It::findPrev)};
+  const std::size_t iterator[] = {
+      slotOf(static_cast<void (It::*)()>(&It::reset)), slotOf(static_cast<void (It::*)(ZoVArray&)>(&It::reset)),
+      slotOf(&It::isValid), slotOf(&It::current), slotOf(&It::atFirst), slotOf(&It::atLast),
+      slotOf(&It::toFirst), slotOf(&It::toLast),  slotOf(&It::to),      slotOf(&It::next),
+      slotOf(&It::prev),    slotOf(&It::insert),  slotOf(&It::remove),  slotOf(&It::findNext),
+      slotOf(&It::findPrev)};
   for (std::size_t i = 0; i < std::size(iterator); ++i) EXPECT_EQ(iterator[i], i + 2);
 }
 #endif

@@ -12,6 +12,7 @@
 
 namespace {
 
+
 // Lets the n-th copy (or request for memory) of an operation fail, for every n until it succeeds.
 template <class Container, class Read>
 void expectNothingLost(const char* name, const Container& original, Read read,
@@ -20,12 +21,10 @@ void expectNothingLost(const char* name, const Container& original, Read read,
   const auto before = read(original);
   for (const Way way : {kThrow, kCopyWithoutMemory, kNoMemory}) {
     for (int n = 1; n < 100; ++n) {
-      SCOPED_TRACE(std::string(name) + ", way " + std::to_string(way) + ", failure at " +
-                   std::to_string(n));
+      SCOPED_TRACE(std::string(name) + ", way " + std::to_string(way) + ", failure at " + std::to_string(n));
       Container subject(original);
       const int live = telltale::live;
-      telltale::failure =
-          way == kThrow ? telltale::Failure::kException : telltale::Failure::kNoMemory;
+      telltale::failure = way == kThrow ? telltale::Failure::kException : telltale::Failure::kNoMemory;
       (way == kNoMemory ? telltale::requestsUntilFailure : telltale::copiesUntilFailure) = n;
       int status = 0;
       bool thrown = false;
@@ -51,8 +50,7 @@ void expectNothingLost(const char* name, const Container& original, Read read,
 
 template <class Sequence>
 class SequenceFailures : public testing::Test {};
-using Sequences = testing::Types<ZoArray<telltale::Mover>, ZoArray<telltale::Copier>,
-                                 ZoList<telltale::Mover>, ZoList<telltale::Copier>>;
+using Sequences = testing::Types<ZoArray<telltale::Mover>, ZoArray<telltale::Copier>, ZoList<telltale::Mover>, ZoList<telltale::Copier>>;
 TYPED_TEST_SUITE(SequenceFailures, Sequences);
 
 TYPED_TEST(SequenceFailures, LoseNothing) {
@@ -81,8 +79,7 @@ TYPED_TEST(SequenceFailures, LoseNothing) {
     check("set", [&](TypeParam& s) { return s.setAt(1, added); });
     check("copy", [&](TypeParam& s) { return s.copyFrom(others); });
     check("sort", [&](TypeParam& s) { return s.sort(ZoCompare<Element>(), false); });
-    check("remove all that match",
-          [&](TypeParam& s) { return s.remove(Element(3), ZoCompare<Element>(), true); });
+    check("remove all that match", [&](TypeParam& s) { return s.remove(Element(3), ZoCompare<Element>(), true); });
     check("assign", [&](TypeParam& s) {
       try {
         s = others;
@@ -97,8 +94,7 @@ TYPED_TEST(SequenceFailures, LoseNothing) {
 
 template <class Dict>
 class DictFailures : public testing::Test {};
-using Dicts = testing::Types<ZoHashDict<telltale::Mover, telltale::Mover>,
-                             ZoTree<telltale::Mover, telltale::Mover>>;
+using Dicts = testing::Types<ZoHashDict<telltale::Mover, telltale::Mover>, ZoTree<telltale::Mover, telltale::Mover>>;
 TYPED_TEST_SUITE(DictFailures, Dicts);
 
 TYPED_TEST(DictFailures, LoseNothing) {
@@ -112,8 +108,7 @@ TYPED_TEST(DictFailures, LoseNothing) {
   const int live = telltale::live;
   {
     TypeParam original;
-    for (int i = 0; i < 90; ++i)
-      ASSERT_EQ(original.insertAt(Mover(i), Mover(i)), 0);  // a hash table grows next
+    for (int i = 0; i < 90; ++i) ASSERT_EQ(original.insertAt(Mover(i), Mover(i)), 0);  // a hash table grows next
     const Mover key(1000);
     const Mover value(7);
     const auto check = [&](const char* name, const std::function<int(TypeParam&)>& operation) {

@@ -96,8 +96,7 @@ struct SequencePair {
         break;
       }
       case 8:
-        EXPECT_EQ(ours.remove(value, ZoCompare<Mover>(), true),
-                  std::erase(model, value) > 0 ? 0 : 1);
+        EXPECT_EQ(ours.remove(value, ZoCompare<Mover>(), true), std::erase(model, value) > 0 ? 0 : 1);
         break;
       case 9:
         EXPECT_EQ(ours.reverse(), 0);
@@ -106,9 +105,8 @@ struct SequencePair {
       case 10: {
         const bool ascending = random() % 2 == 0;
         EXPECT_EQ(ours.sort(TenthsCompare(), ascending), 0);
-        std::stable_sort(model.begin(), model.end(), [&](int a, int b) {
-          return ascending ? a / 10 < b / 10 : a / 10 > b / 10;
-        });
+        std::stable_sort(model.begin(), model.end(),
+                         [&](int a, int b) { return ascending ? a / 10 < b / 10 : a / 10 > b / 10; });
         break;
       }
       case 11:

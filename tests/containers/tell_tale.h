@@ -88,7 +88,5 @@ inline int requestsUntilFailure = 0;
 
 template <bool kMoves>
 struct std::hash<telltale::Element<kMoves>> {
-  std::size_t operator()(const telltale::Element<kMoves>& e) const {
-    return static_cast<std::size_t>(e.value) * 7;
-  }
+  std::size_t operator()(const telltale::Element<kMoves>& e) const { return static_cast<std::size_t>(e.value) * 7; }
 };

@@ -41,8 +41,7 @@ class KeyMem final : public ZoVTreeMem {
 
 std::vector<int> keysOf(const ZoVTree& tree) {
   std::vector<int> keys;
-  for (ZoVTreeIterator it(tree); it.isValid(); it.next())
-    keys.push_back(*static_cast<int*>(it.current()));
+  for (ZoVTreeIterator it(tree); it.isValid(); it.next()) keys.push_back(*static_cast<int*>(it.current()));
   return keys;
 }
 
@@ -147,9 +146,7 @@ TEST(Tree, ShowsItsShape) {
     std::string text;
     void dump(const void* element, unsigned depth, int balance) override {
       text += std::to_string(*static_cast<const int*>(element)) + '@' + std::to_string(depth) +
-              (balance < 0   ? "- "
-               : balance > 0 ? "+ "
-                             : " ");
+              (balance < 0 ? "- " : balance > 0 ? "+ " : " ");
     }
   };
   Shape parentsFirst, inOrder;

@@ -32,12 +32,9 @@ static_assert(std::ranges::input_range<ZoArrayIterator<int>>);
 static_assert(std::ranges::input_range<ZoListCIterator<int>>);
 static_assert(std::ranges::input_range<ZoHashDictIterator<int, ZoString>>);
 
-static_assert(std::is_nothrow_move_constructible_v<ZoArray<int>> &&
-              std::is_nothrow_move_assignable_v<ZoArray<int>>);
-static_assert(std::is_nothrow_move_constructible_v<ZoList<int>> &&
-              std::is_nothrow_move_assignable_v<ZoList<int>>);
-static_assert(std::is_nothrow_move_constructible_v<Dict> &&
-              std::is_nothrow_move_assignable_v<Dict>);
+static_assert(std::is_nothrow_move_constructible_v<ZoArray<int>> && std::is_nothrow_move_assignable_v<ZoArray<int>>);
+static_assert(std::is_nothrow_move_constructible_v<ZoList<int>> && std::is_nothrow_move_assignable_v<ZoList<int>>);
+static_assert(std::is_nothrow_move_constructible_v<Dict> && std::is_nothrow_move_assignable_v<Dict>);
 
 // ---- Text keys ----
 
@@ -123,8 +120,7 @@ TEST(TextKeys, OrderTreesAndSequences) {
 TEST(Dictionary, GrowsAtTheNinetyFirstKeyAndCountsAnew) {
   Dict dict;
   EXPECT_EQ(dict.buckets(), 128u);
-  for (int i = 0; i < 90; ++i)
-    ASSERT_EQ(dict.insertAt(ZoString(std::to_wstring(i).c_str()), int{i}), 0);
+  for (int i = 0; i < 90; ++i) ASSERT_EQ(dict.insertAt(ZoString(std::to_wstring(i).c_str()), int{i}), 0);
   EXPECT_EQ(dict.buckets(), 128u);
   Dict copy(dict);
   EXPECT_EQ(copy.insertAt(L"0", 1), 1);

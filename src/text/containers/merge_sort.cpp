@@ -11,8 +11,7 @@ constexpr std::size_t kInsertionRun = 8;
 
 class Order {
  public:
-  Order(const ElementCompare& compare, bool ascending)
-      : m_compare(compare), m_ascending(ascending) {}
+  Order(const ElementCompare& compare, bool ascending) : m_compare(compare), m_ascending(ascending) {}
   bool operator()(const void* a, const void* b) const {
     return m_ascending ? m_compare.compare(a, b) < 0 : m_compare.compare(b, a) < 0;
   }
@@ -46,8 +45,7 @@ void merge(void** first, void** middle, void** end, void** to, const Order& befo
 
 }  // namespace
 
-int mergeSort(void** elements, std::size_t n, const ElementCompare& compare, bool ascending,
-              bool& changed) {
+int mergeSort(void** elements, std::size_t n, const ElementCompare& compare, bool ascending, bool& changed) {
   const Order before(compare, ascending);
   changed = false;
   std::size_t ordered = 1;

@@ -28,7 +28,6 @@ class PointerBuffer {
 // Sorts the pointers by what they point to; equal elements keep their order in both directions. Takes
 // O(n log n) comparisons and n pointers of memory (status 2 when there is none, and then nothing has moved).
 // When the compare object throws, the order of the pointers is undefined; none is lost from the elements' owner.
-int mergeSort(void** elements, std::size_t n, const ElementCompare& compare, bool ascending,
-              bool& changed);
+int mergeSort(void** elements, std::size_t n, const ElementCompare& compare, bool ascending, bool& changed);
 
 }  // namespace zo

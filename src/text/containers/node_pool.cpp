@@ -31,8 +31,7 @@ void freeBlock(void* block, std::size_t alignment) noexcept {
 }
 
 NodePool::NodePool(std::size_t nodeSize, std::size_t alignment) noexcept
-    : m_nodeSize(
-          roundUp(std::max(nodeSize, sizeof(FreeNode)), std::max(alignment, alignof(FreeNode)))),
+    : m_nodeSize(roundUp(std::max(nodeSize, sizeof(FreeNode)), std::max(alignment, alignof(FreeNode)))),
       m_alignment(std::max(alignment, alignof(FreeNode))),
       m_nextCount(kFirstChunkNodes),
       m_separate(kSeparateNodes) {}

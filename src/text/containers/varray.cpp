@@ -16,8 +16,7 @@ ZoVArrayTable::~ZoVArrayTable() = default;
 
 ZoVArray::ZoVArray(ZoVArrayTable* table, unsigned capacity, unsigned growSize)
     : m_growSize(growSize), m_table(table) {
-  if (capacity > 0)
-    resize(capacity);  // without memory the array starts smaller, and grows when used
+  if (capacity > 0) resize(capacity);  // without memory the array starts smaller, and grows when used
 }
 
 ZoVArray::ZoVArray(const ZoVArray& other) : m_growSize(other.m_growSize), m_table(nullptr) {
@@ -170,8 +169,7 @@ int ZoVArray::sort(const ZoVArrayCompare* compare, bool ascending) {
   if (!order) return ZoResult::outOfMemory;
   for (unsigned i = 0; i < m_entries; ++i) order[i] = m_table->at(i);
   bool changed = false;
-  if (const int status = zo::mergeSort(order.data(), m_entries, *compare, ascending, changed))
-    return status;
+  if (const int status = zo::mergeSort(order.data(), m_entries, *compare, ascending, changed)) return status;
   return changed ? m_table->reorder(order.data(), m_entries) : ZoResult::ok;
 }
 

@@ -75,8 +75,7 @@ ZoVHash::ZoVHash(const ZoVHash& other) : ZoVHash(nullptr, 0, other.m_loadFactor)
   for (unsigned b = 0; b < other.m_buckets; ++b) {
     for (ZoVHashNode* node = other.m_table->first(b); node; other.m_table->next(node)) {
       ZoVHashNode* made = nullptr;
-      const int status =
-          copy.m_table->newNode(other.m_table->key(node), other.m_table->value(node), made);
+      const int status = copy.m_table->newNode(other.m_table->key(node), other.m_table->value(node), made);
       if (status == ZoResult::outOfMemory) throw std::bad_alloc();
       if (status != ZoResult::ok) return;  // elements that cannot be copied: an empty table
       made->hash = node->hash;
@@ -89,9 +88,7 @@ ZoVHash::ZoVHash(const ZoVHash& other) : ZoVHash(nullptr, 0, other.m_loadFactor)
   swap(copy);
 }
 
-ZoVHash::ZoVHash(ZoVHash&& other) noexcept : ZoVHash(nullptr, 0, other.m_loadFactor) {
-  swap(other);
-}
+ZoVHash::ZoVHash(ZoVHash&& other) noexcept : ZoVHash(nullptr, 0, other.m_loadFactor) { swap(other); }
 
 ZoVHash& ZoVHash::operator=(const ZoVHash& other) {
   if (this != &other) {
@@ -132,8 +129,7 @@ int ZoVHash::findKey(const void* key, void* outKey, const ZoVHashCompare* compar
 
 int ZoVHash::getAt(const void* key, void* outValue, const ZoVHashKey* hashKey) const {
   ZoVHashNode* const node = find(key, hashKey);
-  return node && outValue ? m_table->assignValue(outValue, m_table->value(node))
-                          : ZoResult::refused;
+  return node && outValue ? m_table->assignValue(outValue, m_table->value(node)) : ZoResult::refused;
 }
 
 bool ZoVHash::isEmpty() const { return m_entries == 0; }
@@ -236,8 +232,7 @@ void ZoVHash::moveInto(ZoVHashTable* table) {
     *old->chain(b) = nullptr;
     while (node) {
       ZoVHashNode* const following = node->next;
-      if (isOverloaded())
-        static_cast<void>(grow());  // without memory the table stays as dense as it is
+      if (isOverloaded()) static_cast<void>(grow());  // without memory the table stays as dense as it is
       insertNode(node);
       node = following;
     }
@@ -363,8 +358,7 @@ int ZoVHashIterator::remove(void* outValue) {
   ZoVHashNode* const gone = node();
   if (!gone) return ZoResult::refused;
   if (outValue) {
-    if (const int status = m_hash->m_table->moveValue(outValue, m_hash->m_table->value(gone)))
-      return status;
+    if (const int status = m_hash->m_table->moveValue(outValue, m_hash->m_table->value(gone))) return status;
   }
   ZoVHashNode* const after = following(gone);
   m_hash->removeNode(m_hash->m_table->bucketOf(gone->hash), gone);

@@ -175,8 +175,7 @@ int ZoVList::sort(const ZoVListCompare* compare, bool ascending) {
   std::size_t n = 0;
   for (ZoVListNode* node = m_first; node; node = node->next) order[n++] = m_mem->element(node);
   bool changed = false;
-  if (const int status = zo::mergeSort(order.data(), n, *compare, ascending, changed))
-    return status;
+  if (const int status = zo::mergeSort(order.data(), n, *compare, ascending, changed)) return status;
   if (changed) relink(order.data());
   return ZoResult::ok;
 }

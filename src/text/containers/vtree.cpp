@@ -11,8 +11,7 @@ constexpr unsigned kMostEntries = zo::npos - 1;  // npos itself is no position
 
 class CopyMaker final : public zo::TreeNodeMaker {
  public:
-  CopyMaker(ZoVTreeMem& mem, const void* key, const void* value)
-      : m_mem(mem), m_key(key), m_value(value) {}
+  CopyMaker(ZoVTreeMem& mem, const void* key, const void* value) : m_mem(mem), m_key(key), m_value(value) {}
   int make(ZoVTreeNode*& node) override { return m_mem.newNode(m_key, m_value, node); }
 
  private:
@@ -26,8 +25,7 @@ int checkedHeight(const ZoVTreeNode* node) {
   if (!node) return 0;
   const int left = checkedHeight(node->left);
   const int right = checkedHeight(node->right);
-  if (left < 0 || right < 0 || right - left != node->balance || std::abs(node->balance) > 1)
-    return -1;
+  if (left < 0 || right < 0 || right - left != node->balance || std::abs(node->balance) > 1) return -1;
   return 1 + std::max(left, right);
 }
 
@@ -43,8 +41,7 @@ class ZoVTree::PutBack final : public zo::TreeNodeMaker {
   ~PutBack() {
     bool taller = false;
     if (m_node) {
-      m_tree.insertNode(m_tree.m_root, m_tree.m_mem->key(m_node->element), *this, m_compare,
-                        taller);
+      m_tree.insertNode(m_tree.m_root, m_tree.m_mem->key(m_node->element), *this, m_compare, taller);
     }
   }
   void dismiss() { m_node = nullptr; }
@@ -62,8 +59,7 @@ class ZoVTree::PutBack final : public zo::TreeNodeMaker {
   const ZoVTreeCompare& m_compare;
 };
 
-ZoVTree::ZoVTree(ZoVTreeMem* mem, const ZoVTree& other, const ZoVTreeCompare* compare)
-    : ZoVTree(mem) {
+ZoVTree::ZoVTree(ZoVTreeMem* mem, const ZoVTree& other, const ZoVTreeCompare* compare) : ZoVTree(mem) {
   if (!mem || !compare) return;
   zo::TreePath path;
   for (path.descendLeft(other.m_root); ZoVTreeNode* const node = path.current(); path.advance()) {
@@ -270,13 +266,12 @@ bool ZoVTree::leanRight(ZoVTreeNode*& node) noexcept {
   return true;
 }
 
-int ZoVTree::removeNode(ZoVTreeNode*& node, const void* key, const ZoVTreeCompare& compare,
-                        bool& shorter, ZoVTreeNode*& removed) {
+int ZoVTree::removeNode(ZoVTreeNode*& node, const void* key, const ZoVTreeCompare& compare, bool& shorter,
+                        ZoVTreeNode*& removed) {
   if (!node) return ZoResult::refused;
   const int order = compare.compare(key, m_mem->key(node->element));
   if (order != 0) {
-    const int status =
-        removeNode(order < 0 ? node->left : node->right, key, compare, shorter, removed);
+    const int status = removeNode(order < 0 ? node->left : node->right, key, compare, shorter, removed);
     if (shorter) {
       order < 0 ? leanRight(node) : leanLeft(node);
       shorter = node->balance == 0;
@@ -381,8 +376,7 @@ void ZoVTree::applyNodes(const ZoVTreeNode* node, ZoVTreeApply& applyFn) {
   applyNodes(node->right, applyFn);
 }
 
-void ZoVTree::dumpNodes(const ZoVTreeNode* node, unsigned depth, ZoVTreeDump& dumpFn,
-                        bool parentsFirst) {
+void ZoVTree::dumpNodes(const ZoVTreeNode* node, unsigned depth, ZoVTreeDump& dumpFn, bool parentsFirst) {
   if (!node) return;
   if (parentsFirst) dumpFn.dump(node->element, depth, node->balance);
   dumpNodes(node->left, depth + 1, dumpFn, parentsFirst);
@@ -402,6 +396,4 @@ bool ZoVTreeIterator::next() noexcept {
   return isValid();
 }
 
-void* ZoVTreeIterator::current() const noexcept {
-  return isValid() ? m_path.current()->element : nullptr;
-}
+void* ZoVTreeIterator::current() const noexcept { return isValid() ? m_path.current()->element : nullptr; }

@@ -22,8 +22,7 @@ class ZoArray : public ZoSequence<T> {
   static constexpr unsigned kFirstGrowSize = 8;
 
   ZoArray() noexcept : m_array(nullptr, 0, kFirstGrowSize) {}
-  explicit ZoArray(unsigned capacity, unsigned growSize = kFirstGrowSize)
-      : m_array(nullptr, 0, growSize) {
+  explicit ZoArray(unsigned capacity, unsigned growSize = kFirstGrowSize) : m_array(nullptr, 0, growSize) {
     resize(capacity);
   }
   ZoArray(std::initializer_list<T> values) : ZoArray() {
@@ -78,8 +77,7 @@ class ZoArray : public ZoSequence<T> {
   int append(const ZoSequence<T>& other) final {
     const unsigned n = other.entries();
     if (const int status = makeRoom(n)) return status;
-    if (const auto* array = dynamic_cast<const ZoArray*>(&other))
-      return m_array.append(array->m_array);
+    if (const auto* array = dynamic_cast<const ZoArray*>(&other)) return m_array.append(array->m_array);
     ZoArray copies;
     if (const int status = copies.resize(n)) return status;
     for (const T& element : other) {
@@ -94,9 +92,7 @@ class ZoArray : public ZoSequence<T> {
   template <class... Arguments>
   int emplace(Arguments&&... arguments) {
     if (const int status = makeRoom(1)) return status;
-    return appendMade([&](T* place) {
-      ::new (static_cast<void*>(place)) T(std::forward<Arguments>(arguments)...);
-    });
+    return appendMade([&](T* place) { ::new (static_cast<void*>(place)) T(std::forward<Arguments>(arguments)...); });
   }
   int insertAt(unsigned i, const T& value) final {
     if (i > entries()) return ZoResult::refused;
@@ -151,7 +147,7 @@ class ZoArray : public ZoSequence<T> {
     return m_array.resize(capacity);
   }
   int shiftLeft(unsigned n) { return m_array.shiftLeft(n); }  // removes the first n elements
-  int shiftRight(unsigned n) {  // puts n elements made without a value in front
+  int shiftRight(unsigned n) {                                // puts n elements made without a value in front
     if (const int status = raiseGrowSize()) return status;
     return m_array.shiftRight(n);
   }
@@ -163,9 +159,7 @@ class ZoArray : public ZoSequence<T> {
   [[nodiscard]] const ZoVArray& engine() const noexcept { return m_array; }
 
  protected:
-  T* locate(unsigned i) const noexcept final {
-    return i < m_array.m_entries ? cells() + i : nullptr;
-  }
+  T* locate(unsigned i) const noexcept final { return i < m_array.m_entries ? cells() + i : nullptr; }
   int take(unsigned i, T* out) final { return m_array.removeAt(i, out); }
 
  private:
@@ -182,8 +176,7 @@ class ZoArray : public ZoSequence<T> {
   // Before any growth; makes the storage of an array that has none yet.
   int raiseGrowSize() {
     if (const int status = makeTable()) return status;
-    if (growSize() != 0 && growSize() < capacity() && entries() == capacity())
-      setGrowSize(capacity());
+    if (growSize() != 0 && growSize() < capacity() && entries() == capacity()) setGrowSize(capacity());
     return ZoResult::ok;
   }
   int makeRoom(unsigned n) {

@@ -27,9 +27,7 @@ class ArrayWalker : public Base {
     return isValid();
   }
   bool toLast() final { return to(m_array->entries() - 1); }
-  [[nodiscard]] bool atLast() const final {
-    return isValid() && m_position + 1 == m_array->entries();
-  }
+  [[nodiscard]] bool atLast() const final { return isValid() && m_position + 1 == m_array->entries(); }
   bool to(unsigned i) final {
     m_position = i < m_array->entries() ? i : npos;
     return isValid();
@@ -60,14 +58,12 @@ class ZoArrayIterator final : public zo::ArrayWalker<T, ZoArray<T, Table>, ZoSeq
 
  protected:
   int take(T* out) final {
-    return out ? this->m_array->removeAt(this->m_position, *out)
-               : this->m_array->removeAt(this->m_position);
+    return out ? this->m_array->removeAt(this->m_position, *out) : this->m_array->removeAt(this->m_position);
   }
 };
 
 template <class T, class Table = ZoArrayTable<T>>
-class ZoArrayCIterator final
-    : public zo::ArrayWalker<T, const ZoArray<T, Table>, ZoSeqCIterator<T>> {
+class ZoArrayCIterator final : public zo::ArrayWalker<T, const ZoArray<T, Table>, ZoSeqCIterator<T>> {
  public:
   using zo::ArrayWalker<T, const ZoArray<T, Table>, ZoSeqCIterator<T>>::ArrayWalker;
 };

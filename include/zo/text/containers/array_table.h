@@ -28,24 +28,20 @@ class ZoArrayTable final : public ZoVArrayTable {
       adopt(block, capacity);
       return ZoResult::ok;
     } else {
-      return rebuild(block, capacity, entries, entries,
-                     [&](T* place, unsigned k) { carry(place, data() + k); });
+      return rebuild(block, capacity, entries, entries, [&](T* place, unsigned k) { carry(place, data() + k); });
     }
   }
 
   int insert(unsigned i, unsigned n, const void* value, unsigned entries) override {
     if (!value) {
       if constexpr (std::is_default_constructible_v<T>) {
-        return open(i, n, entries,
-                    [](T* place, unsigned) { ::new (static_cast<void*>(place)) T(); });
+        return open(i, n, entries, [](T* place, unsigned) { ::new (static_cast<void*>(place)) T(); });
       }
     } else if constexpr (std::is_copy_constructible_v<T>) {
       int status = ZoResult::ok;
       const int copying = zo::asStatus([&] {
-        const T copy(
-            *static_cast<const T*>(value));  // the value may be an element that is about to move
-        status = open(i, n, entries,
-                      [&](T* place, unsigned) { ::new (static_cast<void*>(place)) T(copy); });
+        const T copy(*static_cast<const T*>(value));  // the value may be an element that is about to move
+        status = open(i, n, entries, [&](T* place, unsigned) { ::new (static_cast<void*>(place)) T(copy); });
       });
       return copying != ZoResult::ok ? copying : status;
     }
@@ -54,14 +50,12 @@ class ZoArrayTable final : public ZoVArrayTable {
 
   // Moves a value into a gap in front of position i. There is room.
   int insertMoved(unsigned i, T& value, unsigned entries) {
-    return open(i, 1, entries,
-                [&](T* place, unsigned) { ::new (static_cast<void*>(place)) T(std::move(value)); });
+    return open(i, 1, entries, [&](T* place, unsigned) { ::new (static_cast<void*>(place)) T(std::move(value)); });
   }
 
   int appendCopies(const void* from, unsigned n, unsigned entries) override {
     if constexpr (std::is_copy_constructible_v<T>) {
-      return zo::asStatus(
-          [&] { std::uninitialized_copy_n(static_cast<const T*>(from), n, data() + entries); });
+      return zo::asStatus([&] { std::uninitialized_copy_n(static_cast<const T*>(from), n, data() + entries); });
     } else {
       return ZoResult::refused;
     }

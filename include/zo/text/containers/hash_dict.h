@@ -74,13 +74,10 @@ class HashIterator {
 template <class T, class K, class H = ZoCIHashValue<K>>
 class ZoHashDict : public ZoDict<T, K> {
  public:
-  explicit ZoHashDict(unsigned buckets = ZoVHash::kDefaultBuckets,
-                      double loadFactor = ZoVHash::kDefaultLoadFactor)
-      : m_hash(ZoHashTable<T, K>::make(buckets ? buckets : ZoVHash::kDefaultBuckets), buckets,
-               loadFactor) {}
+  explicit ZoHashDict(unsigned buckets = ZoVHash::kDefaultBuckets, double loadFactor = ZoVHash::kDefaultLoadFactor)
+      : m_hash(ZoHashTable<T, K>::make(buckets ? buckets : ZoVHash::kDefaultBuckets), buckets, loadFactor) {}
   ZoHashDict(std::initializer_list<std::pair<K, T>> entries) : ZoHashDict() {
-    for (const auto& [key, value] : entries)
-      check(insertAt(key, value));  // the first of equal keys stays
+    for (const auto& [key, value] : entries) check(insertAt(key, value));  // the first of equal keys stays
   }
   explicit ZoHashDict(const ZoDict<T, K>& other) : ZoHashDict() { check(this->insertAll(other)); }
   // Copies throw std::bad_alloc when there is no memory; moves leave the other dictionary empty and usable.
@@ -250,9 +247,7 @@ class ZoHashDict : public ZoDict<T, K> {
       if (matches(*link, formOf(key), hashed)) return ZoResult::refused;
     }
     ZoVHashNode* node = nullptr;
-    if (const int status =
-            table->makeNode(node, std::forward<Key>(key), std::forward<Value>(value)))
-      return status;
+    if (const int status = table->makeNode(node, std::forward<Key>(key), std::forward<Value>(value))) return status;
     node->hash = hashed.hash;
     node->plain = hashed.plain;
     *link = node;

@@ -56,7 +56,5 @@ class ZoHashDictCIterator final : public zo::HashWalker<T, K, ZoDictCIterator<T,
       : zo::HashWalker<T, K, ZoDictCIterator<T, K>>(const_cast<ZoVHash&>(dict.m_hash)) {}
 
   using zo::HashWalker<T, K, ZoDictCIterator<T, K>>::reset;
-  void reset(const ZoHashDict<T, K, H>& dict) noexcept {
-    this->m_walk.reset(const_cast<ZoVHash&>(dict.m_hash));
-  }
+  void reset(const ZoHashDict<T, K, H>& dict) noexcept { this->m_walk.reset(const_cast<ZoVHash&>(dict.m_hash)); }
 };

@@ -46,9 +46,7 @@ class ZoHashTable final : public ZoVHashTable {
   [[nodiscard]] const void* key(const ZoVHashNode* node) const override {
     return &static_cast<const Node*>(node)->key;
   }
-  [[nodiscard]] void* value(ZoVHashNode* node) const override {
-    return &static_cast<Node*>(node)->value;
-  }
+  [[nodiscard]] void* value(ZoVHashNode* node) const override { return &static_cast<Node*>(node)->value; }
   int assignKey(void* to, const void* from) override { return zo::assignElement<K>(to, from); }
   int assignValue(void* to, const void* from) override { return zo::assignElement<T>(to, from); }
   int moveValue(void* to, void* from) override { return zo::moveElement<T>(to, from); }

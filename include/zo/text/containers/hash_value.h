@@ -50,9 +50,7 @@ class ZoHashKey final : public ZoVHashKey {
   int compare(const void* a, const void* b) const override {
     return m_policy->compare(*static_cast<const K*>(a), *static_cast<const K*>(b));
   }
-  unsigned hash(const void* key) const override {
-    return m_policy->hash(*static_cast<const K*>(key));
-  }
+  unsigned hash(const void* key) const override { return m_policy->hash(*static_cast<const K*>(key)); }
 
  private:
   const ZoHashValue<K>* m_policy;  // not owned; outlives this

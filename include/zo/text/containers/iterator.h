@@ -84,9 +84,7 @@ class ZoCIterator {
 template <class T>
 class ZoIterator : public virtual ZoCIterator<T> {
  public:
-  [[nodiscard]] T* current() const {
-    return const_cast<T*>(this->element());
-  }  // NOLINT: the container is not const
+  [[nodiscard]] T* current() const { return const_cast<T*>(this->element()); }  // NOLINT: the container is not const
   [[nodiscard]] T* operator()() const { return current(); }
 
   // Removes the current element and stands on the following one. 1 when not valid. The element is moved to out.

@@ -27,8 +27,7 @@ class ZoListMem final : public ZoVListMem {
   using Node = ZoListNode<T>;
 
   // An element follows the links at its alignment.
-  static constexpr std::size_t kElementOffset =
-      (sizeof(ZoVListNode) + alignof(T) - 1) / alignof(T) * alignof(T);
+  static constexpr std::size_t kElementOffset = (sizeof(ZoVListNode) + alignof(T) - 1) / alignof(T) * alignof(T);
 
   ZoListMem() noexcept : ZoVListMem(sizeof(Node), alignof(Node), kElementOffset) {}
 
@@ -86,8 +85,7 @@ class ListIterator {
 
   ListIterator() = default;
   ListIterator(ZoVListNode* node, const ZoVList* list) noexcept : m_node(node), m_list(list) {}
-  operator ListIterator<const T>()
-      const noexcept  // NOLINT(google-explicit-constructor): as pointers do
+  operator ListIterator<const T>() const noexcept  // NOLINT(google-explicit-constructor): as pointers do
     requires(!std::is_const_v<T>)
   {
     return {m_node, m_list};
@@ -148,9 +146,7 @@ class ZoList : public ZoSequence<T> {
 
   [[nodiscard]] auto begin() noexcept { return zo::ListIterator<T>(m_list.m_first, &m_list); }
   [[nodiscard]] auto end() noexcept { return zo::ListIterator<T>(nullptr, &m_list); }
-  [[nodiscard]] auto begin() const noexcept {
-    return zo::ListIterator<const T>(m_list.m_first, &m_list);
-  }
+  [[nodiscard]] auto begin() const noexcept { return zo::ListIterator<const T>(m_list.m_first, &m_list); }
   [[nodiscard]] auto end() const noexcept { return zo::ListIterator<const T>(nullptr, &m_list); }
 
   int append(const T& value) final { return insertBefore(nullptr, value); }
@@ -174,8 +170,7 @@ class ZoList : public ZoSequence<T> {
     return i > entries() ? ZoResult::refused : insertBefore(m_list.getNodeAtIndex(i), value);
   }
   int insertAt(unsigned i, T&& value) final {
-    return i > entries() ? ZoResult::refused
-                         : insertBefore(m_list.getNodeAtIndex(i), std::move(value));
+    return i > entries() ? ZoResult::refused : insertBefore(m_list.getNodeAtIndex(i), std::move(value));
   }
   int fillAt(unsigned i, unsigned n, const T& value) final {
     if (const int status = makeMem()) return status;
@@ -242,8 +237,7 @@ class ZoList : public ZoSequence<T> {
     if constexpr (std::is_constructible_v<T, Arguments...>) {
       if (const int status = makeMem()) return status;
       ZoVListNode* node = nullptr;
-      if (const int status = static_cast<ZoListMem<T>*>(m_list.m_mem)
-                                 ->make(node, std::forward<Arguments>(arguments)...)) {
+      if (const int status = static_cast<ZoListMem<T>*>(m_list.m_mem)->make(node, std::forward<Arguments>(arguments)...)) {
         return status;
       }
       m_list.link(node, before ? before->prev : m_list.m_last);

@@ -68,7 +68,5 @@ class ZoListCIterator final : public zo::ListWalker<T, ZoSeqCIterator<T>> {
       : zo::ListWalker<T, ZoSeqCIterator<T>>(const_cast<ZoVList&>(list.m_list)) {}
 
   using zo::ListWalker<T, ZoSeqCIterator<T>>::reset;
-  void reset(const ZoList<T>& list) noexcept {
-    this->m_walk.reset(const_cast<ZoVList&>(list.m_list));
-  }
+  void reset(const ZoList<T>& list) noexcept { this->m_walk.reset(const_cast<ZoVList&>(list.m_list)); }
 };

@@ -35,9 +35,7 @@ class SequenceIterator {
   using reference = T&;
 
   SequenceIterator() = default;
-  explicit SequenceIterator(const Sequence& sequence) : m_sequence(&sequence) {
-    sequence.walk(m_cursor);
-  }
+  explicit SequenceIterator(const Sequence& sequence) : m_sequence(&sequence) { sequence.walk(m_cursor); }
 
   T& operator*() const { return *static_cast<T*>(m_cursor.element); }
   T* operator->() const { return static_cast<T*>(m_cursor.element); }
@@ -50,9 +48,7 @@ class SequenceIterator {
     ++*this;
     return before;
   }
-  bool operator==(const SequenceIterator& other) const {
-    return m_cursor.element == other.m_cursor.element;
-  }
+  bool operator==(const SequenceIterator& other) const { return m_cursor.element == other.m_cursor.element; }
 
  private:
   const Sequence* m_sequence = nullptr;
@@ -89,8 +85,7 @@ class ZoSequence : public ZoContainer<T> {
 
   // Copied values may be elements of this sequence, and `other` may be this sequence. A value to be moved may not
   // be an element, and is left alone unless the result is 0.
-  virtual int insertAt(unsigned i,
-                       const T& value) = 0;  // in front of position i; i == entries() appends
+  virtual int insertAt(unsigned i, const T& value) = 0;  // in front of position i; i == entries() appends
   virtual int insertAt(unsigned i, T&& value) = 0;
   virtual int append(const T& value) = 0;
   virtual int append(T&& value) = 0;
@@ -114,9 +109,7 @@ class ZoSequence : public ZoContainer<T> {
     }
     return true;
   }
-  [[nodiscard]] bool isEqualTo(const ZoSequence& other) const {
-    return isEqualTo(other, ZoCompare<T>());
-  }
+  [[nodiscard]] bool isEqualTo(const ZoSequence& other) const { return isEqualTo(other, ZoCompare<T>()); }
 
   // Removes the first element that compares equal, or all of them; 1 when there is none.
   virtual int remove(const T& value, const ZoCompare<T>& compare, bool all = false) = 0;
@@ -146,7 +139,6 @@ class ZoSequence : public ZoContainer<T> {
   ZoSequence(const ZoSequence&) = default;
   ZoSequence& operator=(const ZoSequence&) = default;
 
-  virtual T* locate(unsigned i) const = 0;  // null when out of range
-  virtual int take(unsigned i,
-                   T* out) = 0;  // removes; moves the element to *out unless that is null
+  virtual T* locate(unsigned i) const = 0;    // null when out of range
+  virtual int take(unsigned i, T* out) = 0;  // removes; moves the element to *out unless that is null
 };

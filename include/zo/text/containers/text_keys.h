@@ -26,25 +26,20 @@ inline constexpr bool isRelocatable<ZoString> = true;
 // Plain: printable ASCII.
 [[nodiscard]] ZO_COM_API HashedKey hashText(std::wstring_view text) noexcept;
 // Whether texts are equal ignoring case; bothPlain when both are known to be plain.
-[[nodiscard]] ZO_COM_API bool equalTexts(std::wstring_view a, std::wstring_view b,
-                                         bool bothPlain) noexcept;
+[[nodiscard]] ZO_COM_API bool equalTexts(std::wstring_view a, std::wstring_view b, bool bothPlain) noexcept;
 
 }  // namespace zo
 
 template <>
 class ZoCICompare<ZoString> : public ZoCompare<ZoString> {
  public:
-  int compare(const ZoString& a, const ZoString& b) const override {
-    return a.compareTo(b, ZoString::ignoreCase);
-  }
+  int compare(const ZoString& a, const ZoString& b) const override { return a.compareTo(b, ZoString::ignoreCase); }
 };
 
 template <>
 class ZoCIHashValue<ZoString> : public ZoHashValue<ZoString> {
  public:
-  int compare(const ZoString& a, const ZoString& b) const override {
-    return a.compareTo(b, ZoString::ignoreCase);
-  }
+  int compare(const ZoString& a, const ZoString& b) const override { return a.compareTo(b, ZoString::ignoreCase); }
   unsigned hash(const ZoString& key) const override { return key.hash(ZoString::ignoreCase); }
 
   // For look-up without virtual calls.

@@ -45,8 +45,7 @@ class TreeIterator {
   explicit TreeIterator(ZoVTreeNode* root) noexcept { m_path.descendLeft(root); }
 
   reference operator*() const noexcept {
-    auto* const entry =
-        static_cast<TreeEntry<std::remove_const_t<T>, K>*>(m_path.current()->element);
+    auto* const entry = static_cast<TreeEntry<std::remove_const_t<T>, K>*>(m_path.current()->element);
     return {entry->key, entry->value};
   }
   TreeIterator& operator++() noexcept {
@@ -58,9 +57,7 @@ class TreeIterator {
     ++*this;
     return before;
   }
-  bool operator==(const TreeIterator& other) const noexcept {
-    return m_path.current() == other.m_path.current();
-  }
+  bool operator==(const TreeIterator& other) const noexcept { return m_path.current() == other.m_path.current(); }
   bool operator==(std::default_sentinel_t) const noexcept { return !m_path.current(); }
 
  private:
@@ -93,9 +90,7 @@ class ZoTreeMem final : public ZoVTreeMem {
   [[nodiscard]] const void* key(const void* element) const override {
     return &static_cast<const Entry*>(element)->key;
   }
-  [[nodiscard]] void* value(void* element) const override {
-    return &static_cast<Entry*>(element)->value;
-  }
+  [[nodiscard]] void* value(void* element) const override { return &static_cast<Entry*>(element)->value; }
   int assignKey(void* to, const void* from) override { return zo::assignElement<K>(to, from); }
   int assignValue(void* to, const void* from) override { return zo::assignElement<T>(to, from); }
   int moveValue(void* to, void* from) override { return zo::moveElement<T>(to, from); }
@@ -123,16 +118,14 @@ class ZoTree : public ZoDict<T, K> {
  public:
   ZoTree() noexcept : m_tree(nullptr) {}
   ZoTree(std::initializer_list<std::pair<K, T>> entries) : ZoTree() {
-    for (const auto& [key, value] : entries)
-      check(insertAt(key, value));  // the first of equal keys stays
+    for (const auto& [key, value] : entries) check(insertAt(key, value));  // the first of equal keys stays
   }
   explicit ZoTree(const ZoDict<T, K>& other) : ZoTree() { check(this->insertAll(other)); }
   // Copies throw std::bad_alloc when there is no memory; moves leave the other tree empty and usable.
   ZoTree(const ZoTree& other) : ZoDict<T, K>(other), m_tree(nullptr), m_compare(other.m_compare) {
     check(this->insertAll(other));
   }
-  ZoTree(ZoTree&& other) noexcept
-      : ZoDict<T, K>(), m_tree(std::move(other.m_tree)), m_compare(other.m_compare) {}
+  ZoTree(ZoTree&& other) noexcept : ZoDict<T, K>(), m_tree(std::move(other.m_tree)), m_compare(other.m_compare) {}
   ZoTree& operator=(const ZoTree& other) { return *this = static_cast<const ZoDict<T, K>&>(other); }
   ZoTree& operator=(ZoTree&& other) noexcept {
     m_tree = std::move(other.m_tree);
@@ -177,8 +170,7 @@ class ZoTree : public ZoDict<T, K> {
   int removeAll(bool = false) final { return m_tree.removeAll(); }  // always gives the memory back
 
   void walk(zo::DictCursor& cursor) const final {
-    ZoVTreeNode* const node = cursor.node ? following(*static_cast<const K*>(cursor.key))
-                                          : ZoVTree::firstNode(m_tree.m_root);
+    ZoVTreeNode* const node = cursor.node ? following(*static_cast<const K*>(cursor.key)) : ZoVTree::firstNode(m_tree.m_root);
     cursor.node = node;
     if (node) {
       cursor.key = keyOf(node->element);
@@ -216,9 +208,7 @@ class ZoTree : public ZoDict<T, K> {
   [[nodiscard]] static const K* keyOf(const void* element) noexcept {
     return element ? &static_cast<const Entry*>(element)->key : nullptr;
   }
-  [[nodiscard]] static T* valueOf(ZoVTreeNode* node) noexcept {
-    return &static_cast<Entry*>(node->element)->value;
-  }
+  [[nodiscard]] static T* valueOf(ZoVTreeNode* node) noexcept { return &static_cast<Entry*>(node->element)->value; }
 
   [[nodiscard]] ZoVTreeNode* find(const K& key) const {
     ZoVTreeNode* node = m_tree.m_root;

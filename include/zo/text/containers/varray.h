@@ -78,9 +78,7 @@ class ZO_COM_API ZoVArray {
   [[nodiscard]] bool isValid(unsigned i) const noexcept { return i < m_entries; }
 
   // The element, or null.
-  [[nodiscard]] void* at(unsigned i) const noexcept {
-    return i < m_entries ? m_table->at(i) : nullptr;
-  }
+  [[nodiscard]] void* at(unsigned i) const noexcept { return i < m_entries ? m_table->at(i) : nullptr; }
   [[nodiscard]] void* first() const noexcept { return at(0); }
   [[nodiscard]] void* last() const noexcept { return at(m_entries - 1); }
   int getAt(unsigned i, void* out) const;  // copies to *out
@@ -114,11 +112,10 @@ class ZO_COM_API ZoVArray {
 
   // Sets the capacity, whatever the grow size; elements past it are removed.
   int resize(unsigned capacity);
-  int copyFrom(
-      const ZoVArray& other);  // replaces the elements; capacity may grow, the grow size stays
-  int shiftLeft(unsigned n);   // removes the first n elements; 1 when there are fewer
-  int shiftRight(unsigned n);  // puts n elements made without a value in front
-  int growArray();             // by one grow size; 1 when that is 0
+  int copyFrom(const ZoVArray& other);  // replaces the elements; capacity may grow, the grow size stays
+  int shiftLeft(unsigned n);            // removes the first n elements; 1 when there are fewer
+  int shiftRight(unsigned n);           // puts n elements made without a value in front
+  int growArray();                      // by one grow size; 1 when that is 0
   void setGrowSize(unsigned n) noexcept { m_growSize = n; }
 
   // True when the fields agree with each other.
@@ -128,7 +125,7 @@ class ZO_COM_API ZoVArray {
   template <class T, class Table>
   friend class ZoArray;
 
-  int makeRoom(unsigned n);                         // for n more elements, in whole grow steps
+  int makeRoom(unsigned n);  // for n more elements, in whole grow steps
   int makeRoomFor(unsigned n, const void*& value);  // follows a value that is an element
   void swap(ZoVArray& other) noexcept;
 
@@ -160,10 +157,9 @@ class ZO_COM_API ZoVArrayIterator {
   virtual bool toLast();
   virtual bool to(unsigned i);
   virtual bool next();
-  virtual bool prev();  // not valid in front of the first element
-  virtual int insert(
-      const void* value);  // in front of the current element, or at the end; stands on it then
-  virtual int remove(void* out);  // stands on the following element then
+  virtual bool prev();                  // not valid in front of the first element
+  virtual int insert(const void* value);  // in front of the current element, or at the end; stands on it then
+  virtual int remove(void* out);          // stands on the following element then
   // To the next (previous) element behind (before) the current one that compares equal.
   virtual bool findNext(const void* value, const ZoVArrayCompare* compare);
   virtual bool findPrev(const void* value, const ZoVArrayCompare* compare);

@@ -75,8 +75,7 @@ class ZO_COM_API ZoVHashTable {
   [[nodiscard]] unsigned removals() const noexcept { return m_removals; }
 
  protected:
-  ZoVHashTable(std::size_t nodeSize, std::size_t alignment) noexcept
-      : m_pool(nodeSize, alignment) {}
+  ZoVHashTable(std::size_t nodeSize, std::size_t alignment) noexcept : m_pool(nodeSize, alignment) {}
   ZoVHashTable(const ZoVHashTable&) = delete;
   ZoVHashTable& operator=(const ZoVHashTable&) = delete;
 
@@ -115,7 +114,7 @@ class ZO_COM_API ZoVHash {
   virtual int getAt(const void* key, void* outValue, const ZoVHashKey* hashKey) const;
   virtual bool isEmpty() const;
   virtual bool isValid(const void* key, const ZoVHashKey* hashKey) const;  // the key is present
-  virtual double collisionRatio() const;  // collisions / entries; 0 when empty
+  virtual double collisionRatio() const;                                  // collisions / entries; 0 when empty
   // Rehashes into the given number of buckets. Refuses 0 buckets and a load factor that is not above 0. With fewer
   // buckets than the load factor asks for, the table grows again on the way, by doubling.
   virtual int setCapacity(unsigned buckets, double loadFactor, const ZoVHashKey* hashKey);
@@ -124,9 +123,8 @@ class ZO_COM_API ZoVHash {
   // Refuses a key that is present. The load is tested before the key is looked up, so a refused insertion may
   // still have grown the table; that is deliberate.
   virtual int insertAt(const void* key, const void* value, const ZoVHashKey* hashKey);
-  virtual int setAt(const void* key, const void* value,
-                    const ZoVHashKey* hashKey);  // refuses an absent key
-  virtual int removeAll();                       // the number of buckets stays
+  virtual int setAt(const void* key, const void* value, const ZoVHashKey* hashKey);  // refuses an absent key
+  virtual int removeAll();  // the number of buckets stays
   virtual int removeAt(const void* key, void* outValue, const ZoVHashKey* hashKey);
 
   // The bucket of a key that is present, or npos.
@@ -150,9 +148,9 @@ class ZO_COM_API ZoVHash {
   [[nodiscard]] bool isOverloaded() const noexcept {
     return static_cast<double>(m_entries) / static_cast<double>(m_buckets) > m_loadFactor;
   }
-  int grow();                          // like resize, but loses nothing
-  void moveInto(ZoVHashTable* table);  // every element, to a new storage
-  void insertNode(ZoVHashNode* node);  // whose hash is set and whose key is not present
+  int grow();                               // like resize, but loses nothing
+  void moveInto(ZoVHashTable* table);       // every element, to a new storage
+  void insertNode(ZoVHashNode* node);       // whose hash is set and whose key is not present
   void removeNode(unsigned bucket, ZoVHashNode* node);
   ZoVHashNode* find(const void* key, const ZoVHashKey* hashKey) const;
   ZoVHashNode* scan(const void* key, const zo::ElementCompare* compare) const;

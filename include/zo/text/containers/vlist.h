@@ -161,9 +161,7 @@ class ZO_COM_API ZoVListIterator {
     reset();
   }
   [[nodiscard]] bool isValid() const noexcept { return node() != nullptr; }
-  [[nodiscard]] void* current() const noexcept {
-    return m_list->elementOf(node());
-  }  // null when not valid
+  [[nodiscard]] void* current() const noexcept { return m_list->elementOf(node()); }  // null when not valid
   [[nodiscard]] bool atFirst() const noexcept { return node() && node() == m_list->m_first; }
   [[nodiscard]] bool atLast() const noexcept { return node() && node() == m_list->m_last; }
 
@@ -174,9 +172,8 @@ class ZO_COM_API ZoVListIterator {
   bool next() noexcept { return stand(node() ? m_node->next : nullptr); }
   bool prev() noexcept { return stand(node() ? m_node->prev : nullptr); }
 
-  int insert(
-      const void* value);  // in front of the current element, or at the end; stands on it then
-  int remove(void* out);   // stands on the following element then
+  int insert(const void* value);  // in front of the current element, or at the end; stands on it then
+  int remove(void* out);          // stands on the following element then
   // To the next (previous) element behind (before) the current one that compares equal.
   bool findNext(const void* value, const zo::ElementCompare* compare);
   bool findPrev(const void* value, const zo::ElementCompare* compare);

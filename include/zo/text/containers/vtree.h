@@ -72,9 +72,7 @@ class ZO_COM_API TreeNodeMaker {
 class TreePath {
  public:
   void clear() noexcept { m_depth = 0; }
-  [[nodiscard]] ZoVTreeNode* current() const noexcept {
-    return m_depth > 0 ? m_nodes[m_depth - 1] : nullptr;
-  }
+  [[nodiscard]] ZoVTreeNode* current() const noexcept { return m_depth > 0 ? m_nodes[m_depth - 1] : nullptr; }
   // Down to the first node in order of the subtree; null is allowed.
   void descendLeft(ZoVTreeNode* node) noexcept {
     for (; node; node = node->left) m_nodes[m_depth++] = node;
@@ -106,15 +104,12 @@ class ZO_COM_API ZoVTree {
   int getAt(const void* key, void* out, const ZoVTreeCompare* compare) const;  // copies the value
   // The position of a key in order.
   int getIndex(const void* key, unsigned* out, const ZoVTreeCompare* compare) const;
-  int setAt(const void* key, const void* value,
-            const ZoVTreeCompare* compare);  // refuses an absent key
+  int setAt(const void* key, const void* value, const ZoVTreeCompare* compare);  // refuses an absent key
 
   int insert(const void* element, const ZoVTreeCompare* compare);  // an element that is a key alone
   int insertAt(const void* key, const void* value, const ZoVTreeCompare* compare);
 
-  int remove(const void* key, const ZoVTreeCompare* compare) {
-    return removeAt(key, nullptr, compare);
-  }
+  int remove(const void* key, const ZoVTreeCompare* compare) { return removeAt(key, nullptr, compare); }
   // The value of the removed element is moved to *out unless out is null.
   int removeAt(const void* key, void* out, const ZoVTreeCompare* compare);
   int removeFirst(const ZoVTreeCompare* compare, void* out);
@@ -150,8 +145,7 @@ class ZO_COM_API ZoVTree {
   static void changeChild(ZoVTreeNode*& place, ZoVTreeNode* node) noexcept;
   void deleteNodes(ZoVTreeNode* node) noexcept;
   static void applyNodes(const ZoVTreeNode* node, ZoVTreeApply& applyFn);
-  static void dumpNodes(const ZoVTreeNode* node, unsigned depth, ZoVTreeDump& dumpFn,
-                        bool parentsFirst);
+  static void dumpNodes(const ZoVTreeNode* node, unsigned depth, ZoVTreeDump& dumpFn, bool parentsFirst);
 
  private:
   template <class T, class K, class C>
@@ -181,9 +175,7 @@ class ZO_COM_API ZoVTreeIterator {
   void reset() noexcept { toFirst(); }
   bool toFirst() noexcept;
   bool next() noexcept;
-  [[nodiscard]] bool isValid() const noexcept {
-    return m_changes == m_tree->m_changes && m_path.current();
-  }
+  [[nodiscard]] bool isValid() const noexcept { return m_changes == m_tree->m_changes && m_path.current(); }
   [[nodiscard]] void* current() const noexcept;  // the element; null when not valid
 
  private:

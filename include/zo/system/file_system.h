@@ -20,11 +20,3 @@ class ZO_COM_API ZoFileSystem : public ZoSysObj {
   // with its line end; empty for an error without a message.
   [[nodiscard]] virtual ZoString errorTxt() = 0;
 };
-
-class ZO_COM_API ZoStdFileSystem : public ZoFileSystem {
- public:
-  int release(const wchar_t* module) override;
-
-  int errorIO(const wchar_t* operation) override;
-  [[nodiscard]] ZoString errorTxt() override;
-};
