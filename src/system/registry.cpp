@@ -41,7 +41,8 @@ void sendChanged(ZoSysDisp& dispatcher, const wchar_t* type, const ZoString& cla
   dispatcher.sendNotice(ZoSysNotice::serviceChanged, ZoVariant(data));
 }
 
-// Puts the service into its slot. Gives the name of its class; none when there is no notice to send.
+// Puts the service into its slot. Gives the name of its class; none when there is no notice to
+// send.
 template <class Service>
 ZoString install(Service*& slot, Service* service) {
   Service* const before = std::exchange(slot, service);

@@ -221,8 +221,8 @@ TEST(LifeCycle, InstalledServicesOutliveADetachAndStayInForce) {
   ZoSystem::setSysDisp(nullptr);
 }
 
-// Attaches, with an allocation failing, and detaches again. Gives the handles that were open between;
-// none when nothing failed.
+// Attaches, with an allocation failing, and detaches again. Gives the handles that were open
+// between; none when nothing failed.
 std::optional<unsigned long> handlesAfterFailure(int allocations) {
   bool failed;
   {

@@ -1,5 +1,6 @@
-// The standard file open service. Without a host there is nothing that a drawing could be opened in:
-// every file is refused. (ZoExecute opens a document in whatever program the platform has for it.)
+// The standard file open service. Without a host there is nothing that a drawing could be opened
+// in: every file is refused. (ZoExecute opens a document in whatever program the platform has for
+// it.)
 //
 // Errors, Threads: as in zo/system/file_open.h.
 #pragma once

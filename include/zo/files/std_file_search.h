@@ -1,8 +1,8 @@
 // The standard file search: searches folders of the file system only.
 //
 // ZoSysNotice::moduleLoaded with the module "zo_com" makes it register a reactor with the
-// dispatcher, once, which tells the search in force of released modules: so an installed search, too,
-// drops their folders.
+// dispatcher, once, which tells the search in force of released modules: so an installed search,
+// too, drops their folders.
 //
 // Errors, Threads: as in zo/system/file_search.h.
 // Cost:    a search asks the platform about each folder in turn.

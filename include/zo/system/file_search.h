@@ -2,8 +2,8 @@
 // modules add.
 //
 // Errors:  0 success; 1 not found, a folder that is not there or was added before, or the guard was
-//          not obtained within timeOut(); 2 out of memory. Nothing has changed then, and what was to
-//          be filled stays as it was.
+//          not obtained within timeOut(); 2 out of memory. Nothing has changed then, and what was
+//          to be filled stays as it was.
 // Threads: any.
 #pragma once
 
