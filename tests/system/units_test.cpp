@@ -323,6 +323,8 @@ TEST(Units, ReadsWhatPeopleWriteAndRefusesWhatIsNoValue) {
       {L"-1e308 km", Code::Length, {ZoResult::overflow, -std::numeric_limits<double>::infinity()}},
       {L"1e-400 km", Code::Length, {0, 0}},
       {L"0.00000000000000000000000000000000000001e38", Code::Length, {0, 1}},
+      // Half way between two doubles, and a little more at the 39th digit.
+      {L"9007199254740993.00000000000000000000001", Code::Length, {0, 9007199254740994.0}},
       // Nothing, half of something, or too much.
       {L"", Code::Length, kRefused},
       {L"  ", Code::Length, kRefused},
