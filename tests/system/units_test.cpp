@@ -136,6 +136,21 @@ TEST(Units, ExactTextReadsBackAsTheSameValueInEveryUnitFormAndSeparator) {
                 (Parsed{0, value}));
 }
 
+TEST(Units, ExactTextHasNoMoreDigitsThanADoubleNeeds) {
+  for (const Code code : {Code::Length, Code::Angle, Code::Pressure, Code::Speed}) {
+    for (const std::wstring& name : namesOf(code)) {
+      for (const double value : values()) {
+        std::wstring text = print(std::fabs(value), code, inUnit(name.c_str()));
+        text.resize(text.find_first_of(L"e \u00B0'\""));
+        if (std::erase(text, L'.') == 0) continue;  // whole numbers are printed in full
+        text.erase(0, text.find_first_not_of(L'0'));
+        while (text.ends_with(L'0')) text.pop_back();
+        ASSERT_LE(text.size(), 17u) << testing::PrintToString(text);
+      }
+    }
+  }
+}
+
 TEST(Units, WithAPrecisionTheTextIsNearestAndPrintsTheSameAgain) {
   for (const Code code : kPhysical) {
     for (const std::wstring& name : namesOf(code)) {
