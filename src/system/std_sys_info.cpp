@@ -13,8 +13,8 @@
 
 namespace {
 
-// Fills a text by a call that takes a buffer and its size and answers the text's length, or, when it
-// does not fit, a size that is not smaller than the one given; 0 is a failure unless mayBeEmpty.
+// Fills a text by a call that takes a buffer and its size and answers the text's length, or, when
+// it does not fit, a size that is not smaller than the one given; 0 is a failure unless mayBeEmpty.
 template <class Call>
 int fill(ZoString& text, Call call, bool mayBeEmpty = false) {
   std::wstring buffer(MAX_PATH, L'\0');

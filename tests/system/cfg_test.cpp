@@ -464,23 +464,30 @@ TEST_F(Cfg, OtherProcessesSeeChangesAtOnce) {
   EXPECT_EQ(cfg_.at(L"a@b", 0, true).asInt(), 8);
 }
 
-TEST_F(Cfg, NoOperationLeavesAHandleOpen) {
-  cfg_.insert(L"k@a@b", 1);
-  const auto everything = [&] {
-    cfg_.insertAt(L"k@c", 1);
-    cfg_.setAt(L"k@c", 2);
-    cfg_.replaceAt(L"k@c", L"t");
-    cfg_[L"k@"];
-    cfg_[L"missing@x"];
-    cfg_.isValid(L"k@");
-    cfg_.removeAt(L"k@c");
-    cfg_.removeAt(L"k@a");
-    cfg_.init(base_.path().c_str(), nullptr);
+TEST_F(Cfg, NoOperationLeavesAKeyOpen) {
+  const std::function<void()> operations[] = {
+      [&] { cfg_.insertAt(L"k@c", 1); },
+      [&] { cfg_.setAt(L"k@c", 2); },
+      [&] { cfg_.replaceAt(L"k@c", L"t"); },
+      [&] { cfg_.insertAt(L"k@a@b", 1); },
+      [&] { cfg_[L"k@c"]; },
+      [&] { cfg_[L"k@"]; },
+      [&] { cfg_[L"k@missing"]; },
+      [&] { cfg_.isValid(L"k@"); },
+      [&] { cfg_.removeAt(L"k@c"); },
+      [&] { cfg_.removeAt(L"k@a"); },
+      [&] { cfg_.removeAt(L"k@missing"); },
+      [&] { cfg_.init(base_.path().c_str(), nullptr); },
   };
-  everything();
   DWORD before = 0, after = 0;
-  GetProcessHandleCount(GetCurrentProcess(), &before);
-  for (int i = 0; i < 20; ++i) everything();
+  for (int round = 0; round < 3; ++round) {
+    for (size_t i = 0; i < std::size(operations); ++i) {
+      operations[i]();
+      EXPECT_FALSE(cfg_.close()) << "operation " << i;
+    }
+    // The first round may make the platform open what it keeps.
+    if (round == 0) GetProcessHandleCount(GetCurrentProcess(), &before);
+  }
   GetProcessHandleCount(GetCurrentProcess(), &after);
   EXPECT_EQ(after, before);
 }

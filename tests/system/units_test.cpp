@@ -136,6 +136,21 @@ TEST(Units, ExactTextReadsBackAsTheSameValueInEveryUnitFormAndSeparator) {
                 (Parsed{0, value}));
 }
 
+TEST(Units, ExactTextHasNoMoreDigitsThanADoubleNeeds) {
+  for (const Code code : {Code::Length, Code::Angle, Code::Pressure, Code::Speed}) {
+    for (const std::wstring& name : namesOf(code)) {
+      for (const double value : values()) {
+        std::wstring text = print(std::fabs(value), code, inUnit(name.c_str()));
+        text.resize(text.find_first_of(L"e \u00B0'\""));
+        std::erase(text, L'.');
+        text.erase(0, text.find_first_not_of(L'0'));
+        while (text.ends_with(L'0')) text.pop_back();
+        ASSERT_LE(text.size(), 17u) << testing::PrintToString(text);
+      }
+    }
+  }
+}
+
 TEST(Units, WithAPrecisionTheTextIsNearestAndPrintsTheSameAgain) {
   for (const Code code : kPhysical) {
     for (const std::wstring& name : namesOf(code)) {
@@ -360,6 +375,9 @@ TEST(Units, ReadsWhatPeopleWriteAndRefusesWhatIsNoValue) {
     EXPECT_EQ(parsed.result, row.parsed.result);
     EXPECT_DOUBLE_EQ(parsed.value, row.parsed.value);
   }
+  // Half way between two doubles, and a little more at the 39th digit.
+  EXPECT_EQ(parse(L"9007199254740993.00000000000000000000001", Code::Length),
+            (Parsed{0, 9007199254740994.0}));
   EXPECT_EQ(parse(L"5", Code::Length, inUnit(L"in")), (Parsed{0, 127}));
   EXPECT_EQ(parse(L"5", Code::Length, inForm(Format::FeetInch)), (Parsed{0, 127}));
   EXPECT_EQ(parse(L"180", Code::Angle, inForm(Format::DegMinSec)), parse(L"0.5 rev", Code::Angle));

@@ -1,11 +1,11 @@
 // Stand-in for the host toolkit's registry class, with just the calls that the library makes.
 //
 // An object connects to a root key, has at most one key under it open, and works on that one. Paths
-// go from the root and part their levels by '\'; empty levels count for nothing, wherever they stand.
-// Value names are taken as they are; null and the empty text name a key's unnamed value.
+// go from the root and part their levels by '\'; empty levels count for nothing, wherever they
+// stand. Value names are taken as they are; null and the empty text name a key's unnamed value.
 //
-// The names and the order of the parameters are the toolkit's. The one difference: where the toolkit
-// fills a CString, this fills a ZoString.
+// The names and the order of the parameters are the toolkit's. The one difference: where the
+// toolkit fills a CString, this fills a ZoString.
 //
 // Errors:  false when the platform refused; GetLastError() says why. Without a connection, or
 //          without an open key where one is needed: false and ERROR_INVALID_HANDLE. Nothing throws
@@ -50,8 +50,8 @@ class ZO_COM_API SECRegistry {
   ~SECRegistry() { Close(); }
 
   // Uses this root, a predefined key or one that the caller keeps open, from now on; the key that
-  // was open is closed. Refused is only null: whether the root can be used shows when a key under it
-  // is opened.
+  // was open is closed. Refused is only null: whether the root can be used shows when a key under
+  // it is opened.
   bool Connect(HKEY root) noexcept;
 
   // Open a key, in place of the one that was open; after a failure none is. An empty path is the
@@ -72,13 +72,14 @@ class ZO_COM_API SECRegistry {
                 unsigned long size) noexcept;
   bool DeleteValue(const wchar_t* name) noexcept;
 
-  // The name at an index from 0; false and ERROR_NO_MORE_ITEMS behind the last. Names move when keys
-  // or values come or go meanwhile: one may then be missed, or come twice.
+  // The name at an index from 0; false and ERROR_NO_MORE_ITEMS behind the last. Names move when
+  // keys or values come or go meanwhile: one may then be missed, or come twice.
   bool EnumerateKeys(unsigned long index, ZoString& name);
   bool EnumerateValues(unsigned long index, ZoString& name, KeyValueTypes& type);
 
-  // Deletes the key at a path from the root, with its values; recursive also with the keys below it,
-  // otherwise it has none. The root itself is never deleted (an empty path: ERROR_INVALID_PARAMETER).
+  // Deletes the key at a path from the root, with its values; recursive also with the keys below
+  // it, otherwise it has none. The root itself is never deleted (an empty path:
+  // ERROR_INVALID_PARAMETER).
   bool DeleteKey(const wchar_t* path, bool recursive);
 
   [[nodiscard]] HKEY key() const noexcept { return m_hKey; }

@@ -3,11 +3,11 @@
 // read, and how a whole registry key becomes a dictionary: docs/configuration.md.
 //
 // Errors:  the int operations return 0 or ZoResult::refused, also when the guard was not obtained
-//          within timeOut(), and then nothing was changed; out-parameters stay as they were. Nothing
-//          throws but std::bad_alloc. Null keys count as empty.
+//          within timeOut(), and then nothing was changed; out-parameters stay as they were.
+//          Nothing throws but std::bad_alloc. Null keys count as empty.
 // Threads: any. Reading takes the writer side of the guard as well: the service works through one
-//          registry object, whose open key all callers share. Other processes may change settings at
-//          any moment.
+//          registry object, whose open key all callers share. Other processes may change settings
+//          at any moment.
 // Cost:    every operation opens what it reads and closes it again.
 #pragma once
 
@@ -30,8 +30,8 @@ class ZO_COM_API ZoCfg : public ZoSysObj {
   virtual ZoVariant at(const wchar_t* key, const ZoVariant& defaultValue, bool nested) = 0;
   virtual ZoVariant at(const wchar_t* key, bool nested) = 0;
   // The value that the key names, or else the registry key, as a dictionary of its values and, when
-  // nested is true, of the keys below it to any depth; otherwise those are left out. Refused when it
-  // names neither.
+  // nested is true, of the keys below it to any depth; otherwise those are left out. Refused when
+  // it names neither.
   virtual int getAt(const wchar_t* key, ZoVariant& value, bool nested) = 0;
   // Whether the key names a value or a registry key. False also without the guard.
   virtual bool isValid(const wchar_t* key) = 0;

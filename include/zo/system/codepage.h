@@ -2,12 +2,12 @@
 // one a text without a label is likely in.
 //
 // Code pages bear the platform's numbers. kDefault (0) is the service's default, at first the
-// system's ANSI code page. Besides the platform's 8-bit and multi-byte code pages there are 1200 and
-// 1201, UTF-16 with the low or the high byte first.
+// system's ANSI code page. Besides the platform's 8-bit and multi-byte code pages there are 1200
+// and 1201, UTF-16 with the low or the high byte first.
 //
-// Errors:  0, or ZoResult::refused as said; ZoResult::timeOut when the guard was not obtained within
-//          timeOut(). Out-parameters are then as they were. Texts and bytes of more than 2^31 - 2
-//          are refused. Nothing throws but std::bad_alloc.
+// Errors:  0, or ZoResult::refused as said; ZoResult::timeOut when the guard was not obtained
+//          within timeOut(). Out-parameters are then as they were. Texts and bytes of more than
+//          2^31 - 2 are refused. Nothing throws but std::bad_alloc.
 // Threads: any. Only what asks for the default code page waits for the guard.
 // Cost:    linear; kRefuse and kEscape ask the platform about each character that is not ASCII.
 #pragma once
@@ -57,13 +57,13 @@ class ZO_COM_API ZoCodepage : public ZoSysObj {
   virtual int toBytes(std::wstring_view text, unsigned int codepage, Unfit unfit,
                       std::string& bytes) = 0;
 
-  // A name as the Internet registers it ("windows-1252", "utf-8", "ibm850"), or "cp" and the number;
-  // and what the platform calls it in the user's language.
+  // A name as the Internet registers it ("windows-1252", "utf-8", "ibm850"), or "cp" and the
+  // number; and what the platform calls it in the user's language.
   virtual int nameOf(unsigned int codepage, ZoString& name) = 0;
   virtual int describe(unsigned int codepage, ZoString& description) = 0;
-  // The code page of a name: those of nameOf and their usual aliases, those that drawings are marked
-  // with ("ANSI_1252", "DOS850"), and bare numbers. Case, "-", "_" and blanks do not count. Refused
-  // are names that are unknown, and code pages that are not valid.
+  // The code page of a name: those of nameOf and their usual aliases, those that drawings are
+  // marked with ("ANSI_1252", "DOS850"), and bare numbers. Case, "-", "_" and blanks do not count.
+  // Refused are names that are unknown, and code pages that are not valid.
   virtual int find(const wchar_t* name, unsigned int& codepage) = 0;
 
   // The likeliest code page of a text or of its beginning, and the length of its byte order mark.

@@ -8,8 +8,8 @@
 // printing that again gives the same text.
 //
 // Physical are the real codes: Real to Resistance, XReal, XDistance (a length) and XScale. Those
-// without a meaning of their own, Real, XReal, XScale, ThreadFactor and what has no row in the list,
-// are pure numbers.
+// without a meaning of their own, Real, XReal, XScale, ThreadFactor and what has no row in the
+// list, are pure numbers.
 //
 // Errors:  0, or ZoResult::refused: the code is not physical, it has no such unit, the form is not
 //          for it, the format is none, or the text is not a value. The out-parameter is then as it
@@ -71,9 +71,9 @@ ZO_COM_API int ZoPrintUnits(double value, ZoTypeCode code, const ZoUnitFormat& f
 //            | whole "/" whole
 //
 // More than one term is taken where units follow one another: 12° 34' 56", 5'-3 1/2", 1 h 30 min,
-// 2 d 4 h, 3 lb 4 oz. The last of them may leave its unit out: it is the next smaller one. Unit names
-// may be written in other case where that leaves no choice. Of a number's digits the first 18 count
-// (all of them where the unit is a power of ten of the internal one).
+// 2 d 4 h, 3 lb 4 oz. The last of them may leave its unit out: it is the next smaller one. Unit
+// names may be written in other case where that leaves no choice. Of a number's digits the first 18
+// count, and in the internal unit all.
 ZO_COM_API int ZoParseUnits(std::wstring_view text, ZoTypeCode code, const ZoUnitFormat& format,
                             double& value) noexcept;
 

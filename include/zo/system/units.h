@@ -3,11 +3,11 @@
 // docs/units.md.
 //
 // Each physical code has a format of its own: the unit, form and precision that its values are
-// printed in, and the unit that a number without one is read in. The separators are the same for all
-// codes.
+// printed in, and the unit that a number without one is read in. The separators are the same for
+// all codes.
 //
-// Errors:  ZoResult::timeOut when the guard was not obtained within timeOut(), and ZoResult::refused
-//          as said; out-parameters are then as they were, and settings too.
+// Errors:  ZoResult::timeOut when the guard was not obtained within timeOut(), and
+//          ZoResult::refused as said; out-parameters are then as they were, and settings too.
 // Threads: any; the guard is held while settings are read or changed, not while text is made. Who
 //          prints much takes the format once and calls ZoPrintUnits.
 // Cost:    one wait for the guard each.

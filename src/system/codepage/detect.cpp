@@ -48,8 +48,8 @@ ByteForm markedForm(std::string_view bytes, unsigned int& markLength) noexcept {
   return ByteForm::Other;
 }
 
-// Text in UTF-16 is told by its zero bytes: much of almost any text is Latin letters, blanks, digits
-// or line ends, whose high bytes are 0, while no 8-bit text holds zeros.
+// Text in UTF-16 is told by its zero bytes: much of almost any text is Latin letters, blanks,
+// digits or line ends, whose high bytes are 0, while no 8-bit text holds zeros.
 ByteForm formOf(std::string_view bytes) noexcept {
   std::size_t zeros[2] = {};
   bool isAscii = true;

@@ -26,7 +26,8 @@ std::uint64_t bigEndianNumberOf(Bytes bytes) noexcept {
   return number;
 }
 
-// The bytes as text without the zeros at its end; an odd last byte is the lower half of a character.
+// The bytes as text without the zeros at its end; an odd last byte is the lower half of a
+// character.
 std::wstring textOf(Bytes bytes) {
   std::wstring text((bytes.size() + 1) / 2, L'\0');
   std::memcpy(text.data(), bytes.data(), bytes.size());

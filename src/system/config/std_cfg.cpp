@@ -205,7 +205,8 @@ int ZoStdCfg::getValue(ZoString key, ZoVariant& value) {
 }
 
 // Keys that cannot be opened, without permission or deleted meanwhile, are left out of the
-// dictionary, as isKey says that they are none. Links among keys can form a circle: the depth ends it.
+// dictionary, as isKey says that they are none. Links among keys can form a circle: the depth ends
+// it.
 bool ZoStdCfg::readKey(const ZoString& path, bool nested, unsigned int depth, ZoVariant& value) {
   if (depth == kMaxDepth || !open(path)) return false;
   ZoVariant result(ZoVariant::kDict);

@@ -85,14 +85,17 @@ bool toFixed(double magnitude, const NamedUnit& unit, int decimals, Decimal& num
 
 Decimal toShortest(double magnitude, const NamedUnit& unit) noexcept {
   if (magnitude == 0) return {};
+  Decimal longest;
   if (unit.unit->isPowerOfTen()) {
-    Decimal number = shortestOf(magnitude);
-    number.exponent -= unit.unit->exponent;
-    return number;
+    longest = shortestOf(magnitude);
+    longest.exponent -= unit.unit->exponent;
+    // Large whole numbers come with all their digits.
+    if (longest.digits < kLimit / 10) return longest;
+  } else {
+    if (magnitude < kSmallest || magnitude > kLargest)
+      return shortestOf(magnitude / unit.factor.hi);
+    longest = longestOf(Wide{magnitude} / unit.factor);
   }
-  const Wide number = Wide{magnitude} / unit.factor;
-  if (magnitude < kSmallest || magnitude > kLargest) return shortestOf(magnitude / unit.factor.hi);
-  const Decimal longest = longestOf(number);
   for (int dropped = 3; dropped > 0; --dropped) {
     const Decimal shorter = rounded(longest, dropped);
     if (toInternal(shorter, unit) == magnitude) return shorter;

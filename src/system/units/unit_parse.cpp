@@ -16,11 +16,11 @@ bool isDigit(wchar_t c) noexcept { return c >= L'0' && c <= L'9'; }
 // One number as it was read.
 struct Number {
   Decimal decimal;
+  double value = 0;            // decimal with all of its digits
   std::int64_t numerator = 0;  // what comes on top of decimal
   std::int64_t denominator = 1;
-  double special = 0;  // an infinity, or what is not a number
+  bool isSpecial = false;  // an infinity, or what is not a number
 
-  [[nodiscard]] bool isSpecial() const noexcept { return special != 0; }
   [[nodiscard]] bool isDecimal() const noexcept { return numerator == 0; }
   [[nodiscard]] Wide wide() const noexcept {
     const Wide whole = decimal.wide();
@@ -59,23 +59,23 @@ class Parser {
     if (!named) unit = resolved_.unit;
     skipWhite();
     if (rest_.empty()) {
-      if (number.isSpecial()) {
-        value = number.special;
-      } else if (number.isDecimal()) {
-        value = toInternal(number.decimal, unit);
-      } else {
-        value = (number.wide() * unit.factor).hi;
-      }
+      value = alone(number, unit);
       return true;
     }
     return named && sum(number, unit, value);
+  }
+
+  static double alone(const Number& number, const NamedUnit& unit) noexcept {
+    if (!number.isDecimal()) return (number.wide() * unit.factor).hi;
+    const bool isInternal = unit.unit->isPowerOfTen() && unit.unit->exponent == 0;
+    return number.isSpecial || isInternal ? number.value : toInternal(number.decimal, unit);
   }
 
   // The terms after the first, each in a smaller unit.
   bool sum(Number number, NamedUnit unit, double& value) noexcept {
     Wide total;
     for (bool last = false;;) {
-      if (number.isSpecial() || !number.decimal.fitsWide()) return false;
+      if (number.isSpecial || !number.decimal.fitsWide()) return false;
       total = total + number.wide() * unit.factor;
       skipWhite();
       if (rest_.empty()) break;
@@ -115,17 +115,15 @@ class Parser {
   bool number(Number& result) noexcept {
     result = {};
     if (rest_.empty() || isWhite(rest_[0]) || rest_[0] == L'-' || rest_[0] == L'+') return false;
-    double value = 0;
     unsigned int end = 0;
-    if (ZoStrToReal(rest_, value, &end, format_.decimal, format_.grouping) == ZoResult::refused)
+    if (ZoStrToReal(rest_, result.value, &end, format_.decimal, format_.grouping) ==
+        ZoResult::refused)
       return false;
     const std::wstring_view taken = rest_.substr(0, end);
     rest_.remove_prefix(end);
     const bool hasDigits = taken.find_first_of(L"0123456789") != std::wstring_view::npos;
-    if (!hasDigits) {
-      result.special = value;
-      return true;
-    }
+    result.isSpecial = !hasDigits;
+    if (!hasDigits) return true;
     result.decimal = readDecimal(taken, format_.decimal);
     const bool isWhole = taken.find_first_not_of(L"0123456789") == std::wstring_view::npos;
     return !isWhole || fraction(result);

@@ -41,8 +41,8 @@ struct Quantity {
 
 // How many quantities there are; one per code from Real to Resistance.
 inline constexpr int kQuantities = 19;
-// Which quantity a code measures, or -1 when it is not a real code. Reals without a meaning of their
-// own are pure numbers.
+// Which quantity a code measures, or -1 when it is not a real code. Reals without a meaning of
+// their own are pure numbers.
 [[nodiscard]] int quantityIndex(ZoTypeCode code) noexcept;
 [[nodiscard]] const Quantity& quantity(int index) noexcept;
 
