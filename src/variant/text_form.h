@@ -104,9 +104,7 @@ class TextFormParser {
 
  private:
   // ---- Characters ----
-  [[nodiscard]] wchar_t peek() const noexcept {
-    return at_ < text_.size() ? text_[at_] : L'\0';
-  }
+  [[nodiscard]] wchar_t peek() const noexcept { return at_ < text_.size() ? text_[at_] : L'\0'; }
   static constexpr bool isWhite(wchar_t c) noexcept {
     return c == L' ' || (c >= L'\t' && c <= L'\r');
   }
