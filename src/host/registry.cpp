@@ -58,7 +58,7 @@ bool SECRegistry::Create(const wchar_t* path, const wchar_t* className, CreateOp
 }
 
 bool SECRegistry::Close() noexcept {
-  const HKEY open = std::exchange(m_hKey, nullptr);
+  HKEY open = std::exchange(m_hKey, nullptr);
   return succeeded(open ? RegCloseKey(open) : ERROR_INVALID_HANDLE);
 }
 

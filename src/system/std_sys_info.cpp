@@ -5,6 +5,7 @@
 #include <zo/system/dll_version.h>
 #include <zo/system/sys_info.h>
 
+#include <bit>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +20,7 @@ template <class Call>
 int fill(ZoString& text, Call call, bool mayBeEmpty = false) {
   std::wstring buffer(MAX_PATH, L'\0');
   for (;;) {
-    const DWORD size = static_cast<DWORD>(buffer.size());
+    const auto size = static_cast<DWORD>(buffer.size());
     SetLastError(ERROR_SUCCESS);
     const DWORD length = call(buffer.data(), size);
     if (length == 0 && !(mayBeEmpty && GetLastError() == ERROR_SUCCESS)) return ZoResult::refused;
@@ -140,13 +141,15 @@ int ZoStdSysInfo::localeName(ZoString& name) {
 int ZoStdSysInfo::systemVersion(ZoSysVersion& version) {
   using RtlGetVersion = LONG(WINAPI*)(OSVERSIONINFOW*);
   const HMODULE module = GetModuleHandleW(L"ntdll.dll");
-  const auto address = module ? GetProcAddress(module, "RtlGetVersion") : nullptr;
+  const FARPROC address = module ? GetProcAddress(module, "RtlGetVersion") : nullptr;
   if (!address) return ZoResult::refused;
+  const auto getVersion = std::bit_cast<RtlGetVersion>(address);
   OSVERSIONINFOW info = {};
   info.dwOSVersionInfoSize = sizeof info;
-  if (reinterpret_cast<RtlGetVersion>(reinterpret_cast<void*>(address))(&info) != 0)
-    return ZoResult::refused;
-  version = {info.dwMajorVersion, info.dwMinorVersion, info.dwBuildNumber};
+  if (getVersion(&info) != 0) return ZoResult::refused;
+  version.major = info.dwMajorVersion;
+  version.minor = info.dwMinorVersion;
+  version.build = info.dwBuildNumber;
   return ZoResult::ok;
 }
 

@@ -1,7 +1,7 @@
 #include "system/codepage/detect.h"
 
-#include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace zo {
 namespace {
@@ -33,13 +33,12 @@ bool isUtf8(std::string_view bytes) noexcept {
 }  // namespace
 
 ByteForm markedForm(std::string_view bytes, unsigned int& markLength) noexcept {
-  const struct {
-    std::string_view mark;
-    ByteForm form;
-  } marks[] = {{"\xEF\xBB\xBF", ByteForm::Utf8},
-               {"\xFF\xFE", ByteForm::Utf16},
-               {"\xFE\xFF", ByteForm::Utf16BigEndian}};
-  for (const auto& [mark, form] : marks) {
+  constexpr std::pair<std::string_view, ByteForm> kMarks[] = {
+      {"\xEF\xBB\xBF", ByteForm::Utf8},
+      {"\xFF\xFE", ByteForm::Utf16},
+      {"\xFE\xFF", ByteForm::Utf16BigEndian},
+  };
+  for (const auto& [mark, form] : kMarks) {
     if (!bytes.starts_with(mark)) continue;
     markLength = static_cast<unsigned int>(mark.size());
     return form;

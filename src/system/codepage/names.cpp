@@ -3,14 +3,13 @@
 #include <zo/results.h>
 #include <zo/text/number_text.h>
 
+#include <utility>
+
 namespace zo {
 namespace {
 
 // The first name of a code page is its own, the others are aliases.
-struct Name {
-  unsigned int codepage;
-  const wchar_t* name;
-};
+using Name = std::pair<unsigned int, const wchar_t*>;
 constexpr Name kNames[] = {
     {65001, L"utf-8"},       {65000, L"utf-7"},        {1200, L"utf-16le"},
     {1200, L"utf-16"},       {1200, L"unicode"},       {1201, L"utf-16be"},
@@ -52,15 +51,15 @@ std::wstring plain(std::wstring_view name) {
 }  // namespace
 
 std::wstring codepageName(unsigned int codepage) {
-  for (const Name& known : kNames)
-    if (known.codepage == codepage) return known.name;
+  for (const auto& [known, name] : kNames)
+    if (known == codepage) return name;
   return L"cp" + std::to_wstring(codepage);
 }
 
 unsigned int codepageOfName(std::wstring_view name) {
   const std::wstring asked = plain(name);
-  for (const Name& known : kNames)
-    if (plain(known.name) == asked) return known.codepage;
+  for (const auto& [codepage, known] : kNames)
+    if (plain(known) == asked) return codepage;
   for (const std::wstring_view prefix : kPrefixes) {
     const std::wstring_view number =
         std::wstring_view(asked).substr(asked.starts_with(prefix) ? prefix.size() : asked.size());

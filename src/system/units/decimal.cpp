@@ -22,7 +22,7 @@ void dropZeros(Decimal& number) noexcept {
 
 // digits * 10^exponent, rounded to nearest whatever the size.
 double nearestReal(const Decimal& number) noexcept {
-  const double digits = static_cast<double>(number.digits);
+  const auto digits = static_cast<double>(number.digits);
   if (number.digits < (std::int64_t{1} << 53) &&
       std::abs(number.exponent) <= detail::TenPowers::kExact) {
     const double power = detail::kTenPowers.exact[std::abs(number.exponent)];
@@ -76,8 +76,8 @@ bool toFixed(double magnitude, const NamedUnit& unit, int decimals, Decimal& num
     return true;
   }
   const Wide scaled = unit.unit->isPowerOfTen()
-                          ? timesTenTo({magnitude}, decimals - unit.unit->exponent)
-                          : timesTenTo(Wide{magnitude} / unit.factor, decimals);
+                          ? timesTenTo(Wide(magnitude), decimals - unit.unit->exponent)
+                          : timesTenTo(Wide(magnitude) / unit.factor, decimals);
   if (scaled.hi >= static_cast<double>(kLimit)) return false;
   number = {nearestWhole(scaled), -decimals};
   return number.digits < kLimit;
@@ -94,7 +94,7 @@ Decimal toShortest(double magnitude, const NamedUnit& unit) noexcept {
   } else {
     if (magnitude < kSmallest || magnitude > kLargest)
       return shortestOf(magnitude / unit.factor.hi);
-    longest = longestOf(Wide{magnitude} / unit.factor);
+    longest = longestOf(Wide(magnitude) / unit.factor);
   }
   for (int dropped = 3; dropped > 0; --dropped) {
     const Decimal shorter = rounded(longest, dropped);

@@ -11,6 +11,11 @@ namespace zo {
 // digits * 10^exponent.
 struct Decimal {
   static constexpr int kDigits = 18;
+
+  constexpr Decimal() = default;
+  constexpr Decimal(std::int64_t itsDigits, int itsExponent) noexcept
+      : digits(itsDigits), exponent(itsExponent) {}
+
   std::int64_t digits = 0;  // below 10^kDigits
   int exponent = 0;
 

@@ -44,9 +44,7 @@ class Parser {
   }
 
  private:
-  [[nodiscard]] wchar_t at(size_t i) const noexcept {
-    return i < rest_.size() ? rest_[i] : wchar_t(0);
-  }
+  [[nodiscard]] wchar_t at(size_t i) const noexcept { return i < rest_.size() ? rest_[i] : L'\0'; }
   void skipWhite() noexcept {
     while (!rest_.empty() && isWhite(rest_[0])) rest_.remove_prefix(1);
   }

@@ -49,7 +49,9 @@ class Printer {
       : format_(format),
         resolved_(resolved),
         magnitude_(magnitude),
-        layout_{format.decimal, format.grouping, format.trimZeros, false} {}
+        layout_{
+            .decimal = format.decimal, .grouping = format.grouping, .trimZeros = format.trimZeros} {
+  }
 
   void print() noexcept {
     switch (format_.form) {
@@ -150,7 +152,7 @@ class Printer {
     const bool exact = format_.precision == Format::kExact;
     int power = exact || format_.precision > kMaxFraction ? kMaxFraction : format_.precision;
     const Wide scaled =
-        Wide{magnitude_} / resolved_.unit.factor * Wide{static_cast<double>(1 << power)};
+        Wide(magnitude_) / resolved_.unit.factor * Wide(static_cast<double>(1 << power));
     if (!(scaled.hi < 1e15)) return false;
     std::int64_t parts = nearestWhole(scaled);
     const double value = (wideOf(parts) * resolved_.unit.factor).hi / (1 << power);

@@ -179,7 +179,7 @@ constexpr auto kFactors = [] {
 }();
 
 template <const auto& units>
-constexpr Quantity kQuantity{units, kFactors<units>};
+constexpr Quantity kQuantity{.units = units, .factors = kFactors<units>};
 
 // In the order of the codes.
 constexpr Quantity kTable[] = {
@@ -228,7 +228,7 @@ NamedUnit longestAt(const Quantity& quantity, std::wstring_view text) noexcept {
                             isLetter(name[length - 1]);
       if (cutsWord || length < bestLength || (length == bestLength && match < bestMatch)) continue;
       ambiguous = length == bestLength && match == bestMatch && best.unit != &quantity.units[i];
-      best = {&quantity.units[i], quantity.factors[i], name};
+      best = {.unit = &quantity.units[i], .factor = quantity.factors[i], .name = name};
       bestLength = length;
       bestMatch = match;
     }
@@ -256,7 +256,8 @@ int quantityIndex(ZoTypeCode code) noexcept {
 const Quantity& quantity(int index) noexcept { return kTable[index]; }
 
 NamedUnit internalUnit(const Quantity& quantity) noexcept {
-  return {&quantity.units[0], quantity.factors[0], quantity.units[0].names[0]};
+  const Unit& first = quantity.units.front();
+  return {.unit = &first, .factor = quantity.factors.front(), .name = first.names[0]};
 }
 
 NamedUnit findUnit(const Quantity& quantity, std::wstring_view name) noexcept {

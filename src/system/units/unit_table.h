@@ -3,6 +3,10 @@
 
 #include <zo/variant/type_code.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <initializer_list>
+#include <numbers>
 #include <span>
 #include <string_view>
 
@@ -13,21 +17,32 @@ namespace zo {
 // One unit is (numerator / denominator) * 10^exponent internal units, times pi where angles ask it.
 struct Unit {
   static constexpr int kNames = 4;
-  const wchar_t*
-      names[kNames];  // the first is its own, the others are read as well; null at the end
-  std::int64_t numerator = 1;
-  int exponent = 0;
-  std::int64_t denominator = 1;
-  bool timesPi = false;
-  // The name of the smaller unit that may follow it in one value: 5 ft 3 in.
-  const wchar_t* smaller = nullptr;
+
+  constexpr Unit(std::initializer_list<const wchar_t*> itsNames, std::int64_t itsNumerator = 1,
+                 int itsExponent = 0, std::int64_t itsDenominator = 1, bool isTimesPi = false,
+                 const wchar_t* itsSmaller = nullptr)
+      : smaller(itsSmaller),
+        numerator(itsNumerator),
+        denominator(itsDenominator),
+        exponent(itsExponent),
+        timesPi(isTimesPi) {
+    std::copy(itsNames.begin(), itsNames.end(), names);
+  }
+
+  const wchar_t* names[kNames] = {};  // the first is its own; null behind the last
+  const wchar_t* smaller;  // the name of the unit that may follow it in one value: 5 ft 3 in
+  std::int64_t numerator;
+  std::int64_t denominator;
+  int exponent;
+  bool timesPi;
 
   // Numbers in it and in the internal unit differ by the decimal point only.
   [[nodiscard]] constexpr bool isPowerOfTen() const noexcept {
     return numerator == 1 && denominator == 1 && !timesPi;
   }
   [[nodiscard]] constexpr Wide factor() const noexcept {
-    constexpr Wide kPi{3.141592653589793116, 1.2246467991473532072e-16};
+    // A real holds the first half of pi's digits; these are the next.
+    constexpr Wide kPi(std::numbers::pi, 1.2246467991473532072e-16);
     const Wide value = timesTenTo(wideOf(numerator) / wideOf(denominator), exponent);
     return timesPi ? value * kPi : value;
   }

@@ -69,7 +69,7 @@ int ZoConvertUnits(double number, ZoTypeCode code, const wchar_t* from, const wc
   } else if (magnitude < 1e-250 || magnitude > 1e250) {
     result = number * (source.factor / target.factor).hi;
   } else {
-    result = (zo::Wide{number} * source.factor / target.factor).hi;
+    result = (zo::Wide(number) * source.factor / target.factor).hi;
   }
   return std::isinf(result) && !std::isinf(number) ? ZoResult::overflow : ZoResult::ok;
 }

@@ -11,6 +11,9 @@
 namespace zo {
 
 struct Wide {
+  constexpr Wide() = default;
+  constexpr explicit Wide(double high, double low = 0) noexcept : hi(high), lo(low) {}
+
   double hi = 0;
   double lo = 0;  // at most half a unit in the last place of hi
 };
@@ -18,13 +21,13 @@ struct Wide {
 // a + b where |a| >= |b|, or a is 0.
 constexpr Wide quickSum(double a, double b) noexcept {
   const double sum = a + b;
-  return {sum, b - (sum - a)};
+  return Wide(sum, b - (sum - a));
 }
 
 constexpr Wide exactSum(double a, double b) noexcept {
   const double sum = a + b;
   const double part = sum - a;
-  return {sum, (a - (sum - part)) + (b - part)};
+  return Wide(sum, (a - (sum - part)) + (b - part));
 }
 
 // The factors are cut into halves of 26 bits, whose products are exact.
@@ -37,7 +40,7 @@ constexpr Wide exactProduct(double a, double b) noexcept {
   const double bHigh = bBig - (bBig - b);
   const double bLow = b - bHigh;
   const double product = a * b;
-  return {product, ((aHigh * bHigh - product) + aHigh * bLow + aLow * bHigh) + aLow * bLow};
+  return Wide(product, ((aHigh * bHigh - product) + aHigh * bLow + aLow * bHigh) + aLow * bLow);
 }
 
 constexpr Wide operator+(Wide a, Wide b) noexcept {
@@ -47,7 +50,7 @@ constexpr Wide operator+(Wide a, Wide b) noexcept {
   return quickSum(most.hi, most.lo + rest.lo);
 }
 
-constexpr Wide operator-(Wide a) noexcept { return {-a.hi, -a.lo}; }
+constexpr Wide operator-(Wide a) noexcept { return Wide(-a.hi, -a.lo); }
 
 constexpr Wide operator*(Wide a, Wide b) noexcept {
   const Wide product = exactProduct(a.hi, b.hi);
@@ -56,16 +59,17 @@ constexpr Wide operator*(Wide a, Wide b) noexcept {
 
 constexpr Wide operator/(Wide a, Wide b) noexcept {
   const double first = a.hi / b.hi;
-  const Wide rest = a + -(b * Wide{first});
+  const Wide rest = a + -(b * Wide(first));
   const double second = rest.hi / b.hi;
-  const Wide rest2 = rest + -(b * Wide{second});
-  return quickSum(first, second) + Wide{rest2.hi / b.hi};
+  const Wide rest2 = rest + -(b * Wide(second));
+  return quickSum(first, second) + Wide(rest2.hi / b.hi);
 }
 
 // Exact.
 constexpr Wide wideOf(std::int64_t n) noexcept {
-  const double high = static_cast<double>(n / 4294967296) * 4294967296.0;
-  return exactSum(high, static_cast<double>(n % 4294967296));
+  constexpr std::int64_t kHalf = 4294967296;
+  const std::int64_t high = n / kHalf;
+  return exactSum(static_cast<double>(high) * kHalf, static_cast<double>(n % kHalf));
 }
 
 // The nearest whole number, halves away from zero; n >= 0 and below 9.2e18.
@@ -86,7 +90,7 @@ struct TenPowers {
   constexpr TenPowers() {
     exact[0] = 1;
     for (int i = 1; i <= kExact; ++i) exact[i] = exact[i - 1] * 10;
-    power[0] = {10};
+    power[0] = Wide(10);
     for (int i = 1; i < kCount; ++i) power[i] = power[i - 1] * power[i - 1];
   }
 };
@@ -94,8 +98,8 @@ inline constexpr TenPowers kTenPowers;
 
 // exponent from 0 to 300.
 constexpr Wide tenTo(int exponent) noexcept {
-  if (exponent <= TenPowers::kExact) return {kTenPowers.exact[exponent]};
-  Wide power{1};
+  if (exponent <= TenPowers::kExact) return Wide(kTenPowers.exact[exponent]);
+  Wide power(1);
   for (int i = 0; exponent != 0; ++i, exponent >>= 1)
     if (exponent & 1) power = power * kTenPowers.power[i];
   return power;
