@@ -39,8 +39,8 @@ void ZoStdFileSearch::onReactor(ZoSysNotice notice, const ZoVariant& data) {
   if (notice != ZoSysNotice::moduleLoaded || ZoFileSearchReactor::isAlive()) return;
   if (!zo::isThisLibrary(zo::moduleOf(data))) return;
   auto reactor = std::make_unique<ZoFileSearchReactor>();
-  if (ZoSystem::sysDisp().addReactor(reactor.get()) == ZoResult::ok)
-    static_cast<void>(reactor.release());
+  if (ZoSystem::sysDisp().addReactor(reactor.get()) != ZoResult::ok) return;
+  [[maybe_unused]] const auto* const owned = reactor.release();  // by the dispatcher
 }
 
 int ZoStdFileSearch::release(const wchar_t* module) { return zo::releaseWithLibrary(this, module); }
@@ -61,7 +61,7 @@ int ZoStdFileSearch::addPath(const ZoFileName& folder, const wchar_t* module) {
     return ZoResult::refused;
   for (const Path& path : paths_)
     if (path.folder == full) return ZoResult::refused;
-  return paths_.append(Path{full.deepCopy(), ZoString(module).copy()});
+  return paths_.append(Path{.folder = full.deepCopy(), .module = ZoString(module).copy()});
 }
 
 int ZoStdFileSearch::find(const ZoFileName& name, ZoFileName& found) {

@@ -55,7 +55,7 @@ int ZoStdExecute::process(const ZoFileName&, const wchar_t*, int, bool) {
 int ZoStdExecute::shell(const ZoFileName& file, const wchar_t* arguments, int show) {
   const zo::Writing writing(*this);
   if (!writing) return ZoResult::refused;
-  const HINSTANCE result = ShellExecuteW(GetActiveWindow(), L"open", file.fullName(), arguments,
-                                         nullptr, show == 0 ? SW_SHOWNORMAL : show);
+  auto* const result = ShellExecuteW(GetActiveWindow(), L"open", file.fullName(), arguments,
+                                     nullptr, show == 0 ? SW_SHOWNORMAL : show);
   return convertErr(static_cast<int>(reinterpret_cast<INT_PTR>(result)));
 }

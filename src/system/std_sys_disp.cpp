@@ -14,7 +14,7 @@ namespace {
 template <class Reactor>
 class ByPriority final : public ZoCompare<Reactor*> {
  public:
-  int compare(Reactor* const& a, Reactor* const& b) const override {
+  [[nodiscard]] int compare(Reactor* const& a, Reactor* const& b) const override {
     const double first = a->priority();
     const double second = b->priority();
     if (first == second) return 0;

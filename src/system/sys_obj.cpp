@@ -48,5 +48,6 @@ ZO_PASS_THROUGH(unsigned int)
 ZO_PASS_THROUGH(double)
 ZO_PASS_THROUGH(bool)
 ZO_PASS_THROUGH(const wchar_t*)
+// NOLINTNEXTLINE(bugprone-return-const-ref-from-parameter): that is what it is for
 ZO_PASS_THROUGH(const ZoString&)
 #undef ZO_PASS_THROUGH

@@ -10,7 +10,7 @@
 
 #include <zo/system/sys_obj.h>
 
-struct HWND__;  // HWND points to it
+struct HWND__;  // HWND points to it  NOLINT(bugprone-reserved-identifier): the platform names it
 
 class ZO_COM_API ZoError : public ZoSysObj {
  public:

@@ -52,7 +52,7 @@ class ZO_COM_API ZoComException {
   [[nodiscard]] virtual const wchar_t* message() const;
   // Hands the particulars to the error service if asError(), and returns errCode(). With kNoError
   // nothing is reported and 1 returned. Where no error service is in force, nothing is reported.
-  virtual int report() const;
+  virtual int report() const;  // NOLINT(modernize-use-nodiscard): called for what it does
   virtual ~ZoComException();
 
   [[nodiscard]] int errCode() const noexcept { return errCode_; }
