@@ -1,0 +1,264 @@
+#include "persist/implode_decoder.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace zo {
+
+namespace {
+
+using namespace implode;
+
+static_assert(std::endian::native == std::endian::little, "refill loads eight bytes at once");
+
+// ---- Tables ----
+
+// What the next bits of the stream say. A length comes with its extra bits when they fit into the
+// index of the table.
+enum class Kind : std::uint8_t { literal, rareLiteral, length, longLength };
+struct Token {
+  std::uint16_t value = 0;  // the byte, or the length (of a longLength: its symbol)
+  std::uint8_t bits = 0;    // how many of the stream's bits it takes
+  Kind kind = Kind::literal;
+};
+
+constexpr unsigned int kIndexBits = 11;
+using TokenTable = std::array<Token, 1u << kIndexBits>;
+
+// Enters a token at all indices that begin (with their low bits) with its code.
+template <class Table>
+constexpr void enter(Table& table, unsigned int code, Token token, unsigned int codeBits) {
+  for (std::size_t i = code; i < table.size(); i += std::size_t{1} << codeBits) table[i] = token;
+}
+
+// The first bit tells a copy (1) from a literal (0).
+constexpr void enterLengths(TokenTable& table) {
+  for (unsigned int symbol = 0; symbol < kLengthCodes.size(); ++symbol) {
+    const unsigned int code = 1 | static_cast<unsigned int>(kLengthCodes[symbol]) << 1;
+    const unsigned int bits = 1u + kLengthCodeBits[symbol];
+    const unsigned int extra = kLengthExtraBits[symbol];
+    if (bits + extra > kIndexBits) {
+      enter(table, code,
+            {static_cast<std::uint16_t>(symbol), static_cast<std::uint8_t>(bits), Kind::longLength},
+            bits);
+      continue;
+    }
+    for (unsigned int number = 0; number < 1u << extra; ++number) {
+      enter(table, code | number << bits,
+            {static_cast<std::uint16_t>(kLengthBase[symbol] + number),
+             static_cast<std::uint8_t>(bits + extra), Kind::length},
+            bits + extra);
+    }
+  }
+}
+
+constexpr TokenTable binaryTokens() {
+  TokenTable table{};
+  for (unsigned int byte = 0; byte < 256; ++byte) {
+    enter(table, byte << 1, {static_cast<std::uint16_t>(byte), 9, Kind::literal}, 9);
+  }
+  enterLengths(table);
+  return table;
+}
+
+constexpr TokenTable textTokens() {
+  TokenTable table{};
+  for (Token& token : table) token.kind = Kind::rareLiteral;
+  for (unsigned int byte = 0; byte < 256; ++byte) {
+    const unsigned int bits = 1u + kLiteralCodeBits[byte];
+    if (bits > kIndexBits) continue;
+    enter(table, static_cast<unsigned int>(kLiteralCodes[byte]) << 1,
+          {static_cast<std::uint16_t>(byte), static_cast<std::uint8_t>(bits), Kind::literal}, bits);
+  }
+  enterLengths(table);
+  return table;
+}
+
+// Literals whose codes do not fit into the first table all begin with the same bits, zeros: this
+// one is looked up with what follows these.
+constexpr unsigned int kRareZeros = 4;
+using RareTable = std::array<Token, 1u << (kMaxCodeBits - kRareZeros)>;
+
+constexpr RareTable rareLiterals() {
+  RareTable table{};
+  for (unsigned int byte = 0; byte < 256; ++byte) {
+    const unsigned int bits = kLiteralCodeBits[byte];
+    if (1 + bits <= kIndexBits) continue;
+    const unsigned int code = kLiteralCodes[byte];
+    if (code & ((1u << kRareZeros) - 1)) throw "a rare literal begins with another bit";
+    enter(table, code >> kRareZeros,
+          {static_cast<std::uint16_t>(byte), static_cast<std::uint8_t>(1 + bits), Kind::literal},
+          bits - kRareZeros);
+  }
+  return table;
+}
+
+struct DistanceCode {
+  std::uint8_t upper = 0;
+  std::uint8_t bits = 0;
+};
+using DistanceTable = std::array<DistanceCode, 256>;
+
+constexpr DistanceTable distanceCodes() {
+  DistanceTable table{};
+  for (unsigned int upper = 0; upper < kDistanceCodes.size(); ++upper) {
+    for (std::size_t i = kDistanceCodes[upper]; i < table.size();
+         i += std::size_t{1} << kDistanceCodeBits[upper]) {
+      table[i] = {static_cast<std::uint8_t>(upper), kDistanceCodeBits[upper]};
+    }
+  }
+  return table;
+}
+
+constexpr TokenTable kBinaryTokens = binaryTokens();
+constexpr TokenTable kTextTokens = textTokens();
+constexpr RareTable kRareLiterals = rareLiterals();
+constexpr DistanceTable kDistanceTable = distanceCodes();
+
+// The longest token: a flag, a length, a distance.
+constexpr int kMaxTokenBits = 1 + 7 + 8 + 8 + static_cast<int>(kMaxDistanceBits);
+
+// ---- Copies ----
+
+// Copies bytes from `distance` before `out`, where the source may run into the target. Writes up
+// to seven bytes more.
+void copyBack(unsigned char* out, std::size_t distance, std::size_t length) noexcept {
+  const unsigned char* from = out - distance;
+  unsigned char* const end = out + length;
+  if (distance == 1) {
+    std::memset(out, *from, length);
+    return;
+  }
+  if (distance < 8) {
+    // After eight bytes one by one the pattern also repeats at a multiple of the distance that is
+    // no less than eight.
+    for (int i = 0; i < 8; ++i) out[i] = from[i];
+    out += 8;
+    from = out - distance * ((7 + distance) / distance);
+  }
+  while (out < end) {
+    std::memcpy(out, from, 8);
+    out += 8;
+    from += 8;
+  }
+}
+
+}  // namespace
+
+// ---- Bits ----
+
+inline void ImplodeDecoder::BitReader::refill() noexcept {
+  if (end_ - at_ < 8) {
+    refillAtBorder();
+    return;
+  }
+  // Bits above available_ may stand already; they are those of the same bytes.
+  std::uint64_t word;
+  std::memcpy(&word, at_, 8);
+  bits_ |= word << available_;
+  at_ += (63 - available_) >> 3;
+  available_ |= 56;
+}
+
+// Byte by byte, across the border of two pieces.
+void ImplodeDecoder::BitReader::refillAtBorder() noexcept {
+  while (available_ < 56) {
+    if (at_ == end_) {
+      if (sourceEnded_) return;
+      const Bytes piece = source_->next();
+      at_ = piece.data();
+      end_ = at_ + piece.size();
+      sourceEnded_ = piece.empty();
+      continue;
+    }
+    bits_ |= static_cast<std::uint64_t>(*at_++) << available_;
+    available_ += 8;
+  }
+}
+
+// ---- Runs ----
+
+bool ImplodeDecoder::readHeader() noexcept {
+  in_.refill();
+  const unsigned int mode = in_.take(8);
+  distanceBits_ = in_.take(8);
+  codedLiterals_ = mode == 1;
+  return in_.available() >= 0 && mode <= 1 && distanceBits_ >= kMinDistanceBits &&
+         distanceBits_ <= kMaxDistanceBits;
+}
+
+Bytes ImplodeDecoder::next() noexcept {
+  if (state_ != State::running) return {};
+  if (!started_) {
+    started_ = true;
+    if (!readHeader()) {
+      state_ = State::broken;
+      return {};
+    }
+  }
+  unsigned char* const begin = buffer_.data() + kHistory;
+  historySize_ = std::min(kHistory, historySize_ + runSize_);
+  std::memmove(begin - historySize_, begin + runSize_ - historySize_, historySize_);
+  runSize_ = static_cast<std::size_t>(decodeRun(begin, begin - historySize_) - begin);
+  return {begin, runSize_};
+}
+
+// Decodes to `out`; nothing before `floor` exists. Returns the end of what was decoded.
+unsigned char* ImplodeDecoder::decodeRun(unsigned char* out, const unsigned char* floor) noexcept {
+  BitReader in = in_;  // a copy stays in registers
+  const TokenTable& tokens = codedLiterals_ ? kTextTokens : kBinaryTokens;
+  const unsigned char* const limit = out + kRun;
+  while (out < limit) {
+    in.refill();
+    Token token = tokens[in.peek(kIndexBits)];
+    while (token.kind == Kind::literal && in.available() >= kMaxTokenBits) {
+      *out++ = static_cast<unsigned char>(token.value);
+      in.skip(token.bits);
+      token = tokens[in.peek(kIndexBits)];
+    }
+    if (in.available() < kMaxTokenBits) {
+      in.refill();
+      token = tokens[in.peek(kIndexBits)];
+    }
+    if (token.kind == Kind::rareLiteral) {
+      token = kRareLiterals[in.peek(1 + kMaxCodeBits) >> (1 + kRareZeros)];
+    }
+    in.skip(token.bits);
+    if (token.kind == Kind::literal) {
+      if (in.available() < 0) {
+        state_ = State::cut;
+        break;
+      }
+      *out++ = static_cast<unsigned char>(token.value);
+      continue;
+    }
+    std::size_t length = token.value;
+    if (token.kind == Kind::longLength) {
+      length = kLengthBase[token.value] + in.take(kLengthExtraBits[token.value]);
+    }
+    if (length == kEndLength) {
+      state_ = in.available() < 0 ? State::cut : State::complete;
+      break;
+    }
+    const DistanceCode code = kDistanceTable[in.peek(8)];
+    in.skip(code.bits);
+    const unsigned int lowerBits = length == kShortCopy ? kShortCopyDistanceBits : distanceBits_;
+    const std::size_t distance =
+        1 + (static_cast<std::size_t>(code.upper) << lowerBits | in.take(lowerBits));
+    if (in.available() < 0) {
+      state_ = State::cut;
+      break;
+    }
+    if (distance > static_cast<std::size_t>(out - floor)) {
+      state_ = State::broken;
+      break;
+    }
+    copyBack(out, distance, length);
+    out += length;
+  }
+  in_ = in;
+  return out;
+}
+
+}  // namespace zo
