@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <random>
 
 #include "persist/crc32.h"
 #include "persist/little_endian.h"

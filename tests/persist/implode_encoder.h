@@ -4,13 +4,10 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
-#include "persist/byte_stream.h"
+#include "persist/memory_streams.h"
 
 namespace zo::test {
-
-using ByteVector = std::vector<unsigned char>;
 
 enum class Literals : unsigned char { binary = 0, text = 1 };
 

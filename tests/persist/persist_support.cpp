@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 #include <zo/persist/explode.h>
 
-#include <algorithm>
-#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <random>
 
 namespace zo::test {
 
@@ -14,24 +14,6 @@ ByteVector sourceFile(const std::string& path) {
   std::ifstream file(ZO_SOURCE_ROOT "/" + path, std::ios::binary);
   EXPECT_TRUE(file.is_open()) << path;
   return {std::istreambuf_iterator<char>(file), {}};
-}
-
-Bytes PiecedSource::next() noexcept {
-  const Bytes piece = bytes_.first(std::min(piece_, bytes_.size()));
-  bytes_ = bytes_.subspan(piece.size());
-  return piece;
-}
-
-bool MemoryStore::read(std::uint64_t offset, std::span<unsigned char> to) noexcept {
-  if (offset > bytes_.size() || to.size() > bytes_.size() - offset) return false;
-  std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(offset), to.size(), to.begin());
-  return true;
-}
-
-bool VectorSink::write(Bytes bytes) noexcept {
-  if (bytes.size() > room_ - taken.size()) return false;
-  taken.insert(taken.end(), bytes.begin(), bytes.end());
-  return true;
 }
 
 Exploded explode(Bytes container) {
