@@ -8,6 +8,7 @@
 
 #include <zo/persist/lzma_utils.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -23,6 +24,13 @@ inline constexpr std::size_t kMinLzmaContainer = kLzmaHeaderSize + kTrailerSize;
 inline constexpr unsigned char kLzmaProperties = (2 * 5 + 0) * 9 + 3;  // pb 2, lp 0, lc 3
 static_assert(kLzmaProperties == 0x5D);
 inline constexpr std::uint64_t kMaxContent = 0xFFFFFFFF;
+
+// The room for content of a stated size that the compressed size justifies: enough for most data at
+// once. What goes beyond it is made when it is decoded.
+[[nodiscard]] inline std::size_t firstRoom(std::uint64_t stated,
+                                           std::uint64_t compressed) noexcept {
+  return static_cast<std::size_t>(std::min(stated, (std::uint64_t{64} << 10) + 16 * compressed));
+}
 
 // The LZMA level of a compression mode.
 [[nodiscard]] int levelOf(unsigned int mode) noexcept;

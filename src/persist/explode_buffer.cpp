@@ -14,13 +14,10 @@ namespace zo {
 
 namespace {
 
-constexpr std::size_t kFirstBlock = 2 * ImplodeDecoder::kRun;
-
 // Appends to a block whose first `size` bytes are in use, and leaves room for one byte more.
 bool append(Block& block, std::size_t& size, Bytes bytes) noexcept {
   const std::size_t needed = size + bytes.size() + 1;
-  if (needed > block.capacity() &&
-      !block.resize(std::max({needed, 2 * block.capacity(), kFirstBlock}))) {
+  if (needed > block.capacity() && !block.resize(std::max(needed, 2 * block.capacity()))) {
     return false;
   }
   std::copy(bytes.begin(), bytes.end(), block.data() + size);
@@ -33,6 +30,9 @@ int explodeLegacy(Bytes in, Block& out, std::size_t& outSize) {
   MemorySource body(in.first(in.size() - kTrailerSize));
   LegacyReader reader(body, load32(in.data() + in.size() - 4));
   Block block;
+  if (!block.resize(firstRoom(load32(in.data() + in.size() - kTrailerSize), in.size()) + 1)) {
+    return ZoResult::refused;
+  }
   std::size_t size = 0;
   for (;;) {
     const Bytes run = reader.next();
@@ -41,7 +41,9 @@ int explodeLegacy(Bytes in, Block& out, std::size_t& outSize) {
   }
   const int result = reader.result();
   if (result == ZoResult::refused) return result;
-  static_cast<void>(block.resize(size + 1));  // that it cannot shrink would do no harm
+  if (block.capacity() > size + 1) {
+    static_cast<void>(block.resize(size + 1));  // that it cannot shrink would do no harm
+  }
   block.data()[size] = 0;
   out = std::move(block);
   outSize = size;

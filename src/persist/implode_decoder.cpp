@@ -116,13 +116,15 @@ constexpr TokenTable kTextTokens = textTokens();
 constexpr RareTable kRareLiterals = rareLiterals();
 constexpr DistanceTable kDistanceTable = distanceCodes();
 
+constexpr int kRefilledBits = 56;
 // The longest token: a flag, a length, a distance.
 constexpr int kMaxTokenBits = 1 + 7 + 8 + 8 + static_cast<int>(kMaxDistanceBits);
+static_assert(2 * kIndexBits + kMaxTokenBits <= kRefilledBits);
 
 // ---- Copies ----
 
 // Copies bytes from `distance` before `out`, where the source may run into the target. Writes up
-// to seven bytes more.
+// to 24 bytes more.
 void copyBack(unsigned char* out, std::size_t distance, std::size_t length) noexcept {
   const unsigned char* from = out - distance;
   unsigned char* const end = out + length;
@@ -137,11 +139,10 @@ void copyBack(unsigned char* out, std::size_t distance, std::size_t length) noex
     out += 8;
     from = out - distance * ((7 + distance) / distance);
   }
-  while (out < end) {
-    std::memcpy(out, from, 8);
-    out += 8;
-    from += 8;
-  }
+  // Most copies are short: their number of steps is always the same.
+  std::memcpy(out, from, 8);
+  std::memcpy(out + 8, from + 8, 8);
+  for (out += 16, from += 16; out < end; out += 8, from += 8) std::memcpy(out, from, 8);
 }
 
 }  // namespace
@@ -212,14 +213,17 @@ unsigned char* ImplodeDecoder::decodeRun(unsigned char* out, const unsigned char
   while (out < limit) {
     in.refill();
     Token token = tokens[in.peek(kIndexBits)];
-    while (token.kind == Kind::literal && in.available() >= kMaxTokenBits) {
+    // After a refill there is room for two literals before any other token. Which tokens come is
+    // unpredictable, so there are no more questions here than needed.
+    if (in.available() >= kRefilledBits && token.kind == Kind::literal) {
       *out++ = static_cast<unsigned char>(token.value);
       in.skip(token.bits);
       token = tokens[in.peek(kIndexBits)];
-    }
-    if (in.available() < kMaxTokenBits) {
-      in.refill();
-      token = tokens[in.peek(kIndexBits)];
+      if (token.kind == Kind::literal) {
+        *out++ = static_cast<unsigned char>(token.value);
+        in.skip(token.bits);
+        token = tokens[in.peek(kIndexBits)];
+      }
     }
     if (token.kind == Kind::rareLiteral) {
       token = kRareLiterals[in.peek(1 + kMaxCodeBits) >> (1 + kRareZeros)];

@@ -73,9 +73,8 @@ class ImplodeDecoder {
   unsigned char* decodeRun(unsigned char* out, const unsigned char* floor) noexcept;
 
   static constexpr std::size_t kHistory = implode::kMaxDistance;
-  // A run may pass its end by one copy, which is written in steps of eight bytes, and by the
-  // literals of one refill.
-  static constexpr std::size_t kSlack = implode::kMaxLength + 8 + 16;
+  // A run may pass its end by two literals and a copy, and a copy its own end by 24 bytes.
+  static constexpr std::size_t kSlack = 2 + implode::kMaxLength + 24;
 
   BitReader in_;
   State state_ = State::running;

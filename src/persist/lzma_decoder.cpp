@@ -11,9 +11,6 @@ namespace zo {
 
 namespace {
 
-// The room at first: enough for most data at once, and in proportion to the input.
-constexpr std::size_t kFirstWindow = std::size_t{64} << 10;
-constexpr std::uint64_t kFirstWindowPerInputByte = 16;
 // How much is decoded between two calls of a stream's writer.
 constexpr std::size_t kRun = std::size_t{256} << 10;
 
@@ -29,10 +26,7 @@ LzmaDecoder::LzmaDecoder(Bytes header, ByteSource& stream, std::uint64_t streamS
   if (window == Window::dictionary) {
     maxWindow_ = std::min<std::size_t>(maxWindow_, decoder_.prop.dicSize);
   }
-  const std::uint64_t first = kFirstWindow + kFirstWindowPerInputByte * streamSize;
-  if (!resizeWindow(static_cast<std::size_t>(std::min<std::uint64_t>(maxWindow_, first)))) {
-    status_ = LzmaUtils::outOfMemory;
-  }
+  if (!resizeWindow(firstRoom(maxWindow_, streamSize))) status_ = LzmaUtils::outOfMemory;
   LzmaDec_Init(&decoder_);
 }
 
