@@ -1,5 +1,5 @@
-// Any bytes as a container: the buffer form, the streamed form and the stream buffer agree, and what
-// they deliver is what the check value says.
+// Any bytes as a container: the buffer form, the streamed form and the stream buffer agree, and
+// what they deliver is what the check value says.
 #include <zo/persist/blast_membuf.h>
 #include <zo/persist/lzma_utils.h>
 

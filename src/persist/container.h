@@ -46,7 +46,8 @@ class ByteStore {
   [[nodiscard]] virtual bool read(std::uint64_t offset, std::span<unsigned char> to) noexcept = 0;
 };
 
-// Compresses `size` bytes of `in`; a source that gives more, or fewer, is refused. Returns a status.
+// Compresses `size` bytes of `in`; a source that gives more, or fewer, is refused. Returns a
+// status.
 [[nodiscard]] int compressStream(ByteSource& in, std::uint64_t size, int level, ByteSink& out);
 
 // Decompresses a container of either kind. After a 1, `out` may have received some bytes.

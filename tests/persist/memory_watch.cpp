@@ -24,14 +24,14 @@ bool refuses() {
   return true;
 }
 
-void add(void* block, std::size_t size) {
+[[maybe_unused]] void add(void* block, std::size_t size) {
   if (!g_watch.active || !block) return;
   g_watch.sizes[block] = size;
   g_watch.live += size;
   g_watch.peak = std::max(g_watch.peak, g_watch.live);
 }
 
-void remove(void* block) {
+[[maybe_unused]] void remove(void* block) {
   if (!g_watch.active) return;
   const auto found = g_watch.sizes.find(block);
   if (found == g_watch.sizes.end()) return;
@@ -41,6 +41,7 @@ void remove(void* block) {
 
 }  // namespace
 
+#ifdef ZO_WRAPPED_HEAP
 extern "C" {
 void* __real_malloc(std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
@@ -68,6 +69,7 @@ void __wrap_free(void* block) {
   __real_free(block);
 }
 }
+#endif
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   if (refuses()) return nullptr;
