@@ -1,5 +1,5 @@
-// Compression beside the LZMA SDK called directly, and beside the published C decoder of the implode
-// format.
+// Compression beside the LZMA SDK called directly, and beside the published C decoder of the
+// implode format.
 //
 // Both sides do the same work: the SDK's caller gives the same size hint, makes the same room and
 // computes the same check value; the decoder's caller collects the output and computes it too.

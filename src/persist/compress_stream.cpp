@@ -67,8 +67,9 @@ int compressStream(ByteSource& in, std::uint64_t size, int level, ByteSink& out)
   if (status) return status;
   if (!out.write(header)) return LzmaUtils::outputFull;
 
-  Input input{{readPiece}, &in, {}, 0, kCrcStart};
-  Output output{{writePiece}, &out};
+  Input input{
+      .functions = {.Read = readPiece}, .source = &in, .piece = {}, .size = 0, .crc = kCrcStart};
+  Output output{.functions = {.Write = writePiece}, .sink = &out};
   status = encoder.encode(input.functions, output.functions);
   if (status) return status;
   if (input.size != size) return LzmaUtils::inputEnded;

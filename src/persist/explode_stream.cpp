@@ -23,7 +23,7 @@ struct Trailer {
 bool readTrailer(ByteStore& in, Trailer& trailer) {
   std::array<unsigned char, kTrailerSize> bytes;
   if (!in.read(in.size() - kTrailerSize, bytes)) return false;
-  trailer = {load32(bytes.data()), load32(bytes.data() + 4)};
+  trailer = {.size = load32(bytes.data()), .check = load32(bytes.data() + 4)};
   return true;
 }
 

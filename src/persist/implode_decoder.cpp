@@ -23,13 +23,20 @@ struct Token {
   Kind kind = Kind::literal;
 };
 
+constexpr Token makeToken(unsigned int value, unsigned int bits, Kind kind) {
+  return {.value = static_cast<std::uint16_t>(value),
+          .bits = static_cast<std::uint8_t>(bits),
+          .kind = kind};
+}
+
 constexpr unsigned int kIndexBits = 11;
 using TokenTable = std::array<Token, 1u << kIndexBits>;
 
-// Enters a token at all indices that begin (with their low bits) with its code.
+// Enters what a code means at all indices that begin (with their low bits) with the code.
 template <class Table>
-constexpr void enter(Table& table, unsigned int code, Token token, unsigned int codeBits) {
-  for (std::size_t i = code; i < table.size(); i += std::size_t{1} << codeBits) table[i] = token;
+constexpr void enter(Table& table, unsigned int code, typename Table::value_type meaning,
+                     unsigned int codeBits) {
+  for (std::size_t i = code; i < table.size(); i += std::size_t{1} << codeBits) table[i] = meaning;
 }
 
 // The first bit tells a copy (1) from a literal (0).
@@ -39,16 +46,12 @@ constexpr void enterLengths(TokenTable& table) {
     const unsigned int bits = 1u + kLengthCodeBits[symbol];
     const unsigned int extra = kLengthExtraBits[symbol];
     if (bits + extra > kIndexBits) {
-      enter(table, code,
-            {static_cast<std::uint16_t>(symbol), static_cast<std::uint8_t>(bits), Kind::longLength},
-            bits);
+      enter(table, code, makeToken(symbol, bits, Kind::longLength), bits);
       continue;
     }
     for (unsigned int number = 0; number < 1u << extra; ++number) {
       enter(table, code | number << bits,
-            {static_cast<std::uint16_t>(kLengthBase[symbol] + number),
-             static_cast<std::uint8_t>(bits + extra), Kind::length},
-            bits + extra);
+            makeToken(kLengthBase[symbol] + number, bits + extra, Kind::length), bits + extra);
     }
   }
 }
@@ -56,7 +59,7 @@ constexpr void enterLengths(TokenTable& table) {
 constexpr TokenTable binaryTokens() {
   TokenTable table{};
   for (unsigned int byte = 0; byte < 256; ++byte) {
-    enter(table, byte << 1, {static_cast<std::uint16_t>(byte), 9, Kind::literal}, 9);
+    enter(table, byte << 1, makeToken(byte, 9, Kind::literal), 9);
   }
   enterLengths(table);
   return table;
@@ -69,7 +72,7 @@ constexpr TokenTable textTokens() {
     const unsigned int bits = 1u + kLiteralCodeBits[byte];
     if (bits > kIndexBits) continue;
     enter(table, static_cast<unsigned int>(kLiteralCodes[byte]) << 1,
-          {static_cast<std::uint16_t>(byte), static_cast<std::uint8_t>(bits), Kind::literal}, bits);
+          makeToken(byte, bits, Kind::literal), bits);
   }
   enterLengths(table);
   return table;
@@ -87,9 +90,7 @@ constexpr RareTable rareLiterals() {
     if (1 + bits <= kIndexBits) continue;
     const unsigned int code = kLiteralCodes[byte];
     if (code & ((1u << kRareZeros) - 1)) throw "a rare literal begins with another bit";
-    enter(table, code >> kRareZeros,
-          {static_cast<std::uint16_t>(byte), static_cast<std::uint8_t>(1 + bits), Kind::literal},
-          bits - kRareZeros);
+    enter(table, code >> kRareZeros, makeToken(byte, 1 + bits, Kind::literal), bits - kRareZeros);
   }
   return table;
 }
@@ -103,10 +104,10 @@ using DistanceTable = std::array<DistanceCode, 256>;
 constexpr DistanceTable distanceCodes() {
   DistanceTable table{};
   for (unsigned int upper = 0; upper < kDistanceCodes.size(); ++upper) {
-    for (std::size_t i = kDistanceCodes[upper]; i < table.size();
-         i += std::size_t{1} << kDistanceCodeBits[upper]) {
-      table[i] = {static_cast<std::uint8_t>(upper), kDistanceCodeBits[upper]};
-    }
+    const unsigned int bits = kDistanceCodeBits[upper];
+    enter(table, kDistanceCodes[upper],
+          {.upper = static_cast<std::uint8_t>(upper), .bits = static_cast<std::uint8_t>(bits)},
+          bits);
   }
   return table;
 }

@@ -62,9 +62,8 @@ std::size_t LzmaDecoder::decodeSome(std::size_t limit) noexcept {
   piece_ = piece_.subspan(taken);
   const std::size_t made = decoder_.dicPos - from;
   remaining_ -= made;
-  if (status_ != LzmaUtils::success) {
-    status_ = LzmaUtils::damaged;
-  } else if (end == LZMA_STATUS_FINISHED_WITH_MARK && remaining_ > 0) {
+  const bool endsEarly = end == LZMA_STATUS_FINISHED_WITH_MARK && remaining_ > 0;
+  if (status_ != LzmaUtils::success || endsEarly) {
     status_ = LzmaUtils::damaged;
   } else if (end == LZMA_STATUS_NEEDS_MORE_INPUT && ended) {
     status_ = LzmaUtils::inputEnded;
