@@ -16,8 +16,7 @@ class ByteSource {
   ByteSource(const ByteSource&) = delete;
   ByteSource& operator=(const ByteSource&) = delete;
 
-  // The next piece, valid until the next call. Empty at the end, and after a failure, which the
-  // source itself reports to its owner.
+  // The next piece, valid until the next call. Empty at the end, and where no more can be had.
   virtual Bytes next() noexcept = 0;
 };
 

@@ -37,7 +37,7 @@ int explodeLegacy(ByteStore& in, ByteSink& out) {
     size += run.size();
     if (size > kMaxContent || !out.write(run)) return ZoResult::refused;
   }
-  return body.failed() ? ZoResult::refused : reader.result();
+  return reader.result();
 }
 
 int explodeLzma(ByteStore& in, ByteSink& out) {
@@ -54,7 +54,7 @@ int explodeLzma(ByteStore& in, ByteSink& out) {
     crc = crc32Update(crc, run);
     if (!out.write(run)) return ZoResult::refused;
   }
-  if (stream.failed() || decoder.status() != LzmaUtils::success) return ZoResult::refused;
+  if (decoder.status() != LzmaUtils::success) return ZoResult::refused;
   return ~crc == trailer.check ? ZoResult::ok : ZoZip::checkMismatch;
 }
 

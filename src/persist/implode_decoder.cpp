@@ -200,9 +200,10 @@ Bytes ImplodeDecoder::next() noexcept {
     }
   }
   unsigned char* const begin = buffer_.data() + kHistory;
-  historySize_ = std::min(kHistory, historySize_ + runSize_);
-  std::memmove(begin - historySize_, begin + runSize_ - historySize_, historySize_);
-  runSize_ = static_cast<std::size_t>(decodeRun(begin, begin - historySize_) - begin);
+  // A run that another one follows is longer than the history.
+  const std::size_t history = std::min(kHistory, runSize_);
+  std::memmove(begin - history, begin + runSize_ - history, history);
+  runSize_ = static_cast<std::size_t>(decodeRun(begin, begin - history) - begin);
   return {begin, runSize_};
 }
 
@@ -243,7 +244,7 @@ unsigned char* ImplodeDecoder::decodeRun(unsigned char* out, const unsigned char
       length = kLengthBase[token.value] + in.take(kLengthExtraBits[token.value]);
     }
     if (length == kEndLength) {
-      state_ = in.available() < 0 ? State::cut : State::complete;
+      state_ = State::complete;  // it ends in ones: no bit of it is one that does not exist
       break;
     }
     const DistanceCode code = kDistanceTable[in.peek(8)];

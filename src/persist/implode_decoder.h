@@ -73,6 +73,7 @@ class ImplodeDecoder {
   unsigned char* decodeRun(unsigned char* out, const unsigned char* floor) noexcept;
 
   static constexpr std::size_t kHistory = implode::kMaxDistance;
+  static_assert(kHistory <= kRun);
   // A run may pass its end by two literals and a copy, and a copy its own end by 24 bytes.
   static constexpr std::size_t kSlack = 2 + implode::kMaxLength + 24;
 
@@ -82,7 +83,6 @@ class ImplodeDecoder {
   bool codedLiterals_ = false;
   unsigned int distanceBits_ = 0;
   std::size_t runSize_ = 0;
-  std::size_t historySize_ = 0;
   // The bytes before the run, up to kHistory, end where the run begins.
   std::array<unsigned char, kHistory + kRun + kSlack> buffer_;
 };

@@ -1,4 +1,5 @@
-// A part of a store, in pieces.
+// A part of a store, in pieces. It ends where it cannot be read; who reads a container sees by its
+// check value, and who knows the size by that, whether it was whole.
 #pragma once
 
 #include <algorithm>
@@ -19,7 +20,6 @@ class PartSource final : public ByteSource {
         static_cast<std::size_t>(std::min<std::uint64_t>(remaining_, piece_.size())));
     if (piece.empty()) return {};
     if (!store_.read(at_, piece)) {
-      failed_ = true;
       remaining_ = 0;
       return {};
     }
@@ -27,13 +27,11 @@ class PartSource final : public ByteSource {
     remaining_ -= piece.size();
     return piece;
   }
-  [[nodiscard]] bool failed() const noexcept { return failed_; }
 
  private:
   ByteStore& store_;
   std::uint64_t at_;
   std::uint64_t remaining_;
-  bool failed_ = false;
   std::array<unsigned char, 32768> piece_;
 };
 

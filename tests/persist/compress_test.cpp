@@ -63,6 +63,17 @@ TEST(Compress, ContainerIsHeaderStreamSizeAndCheckValue) {
   EXPECT_EQ(load32(&container[container.size() - 4]), 0x352441C2u) << "the known CRC-32 of abc";
 }
 
+TEST(Compress, MemoryAndDictionaryFollowTheInput) {
+  for (std::size_t size : {std::size_t{100}, std::size_t{10000}, std::size_t{100000}}) {
+    const ByteVector content = sampleContent(size, 12);
+    MemoryWatch watch;
+    const ByteVector container = lzmaContainer(content, 9);
+    EXPECT_LE(watch.peak(), (1u << 20) + 16 * size) << "the level's own dictionary takes gigabytes";
+    EXPECT_GE(load32(&container[1]), size);
+    EXPECT_LT(load32(&container[1]), std::max<std::size_t>(4097, 2 * size));
+  }
+}
+
 TEST(Compress, BufferFormEndsAtTheFirstZeroByte) {
   const ZoCompress compress(ZoZip::normal);
   EXPECT_EQ(explode(compressText(compress, "abc\0def")), delivered({'a', 'b', 'c'}));

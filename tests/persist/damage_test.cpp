@@ -193,9 +193,16 @@ TEST(Damage, MemoryStaysInProportionToWhatWasDecoded) {
 }
 
 // A stream's memory is bounded by the dictionary; here 64 KiB, under content of a megabyte, so that
-// the window also begins anew many times.
+// the window also begins anew many times. Noise that comes again after just as many bytes is copied
+// over the whole dictionary.
 TEST(Damage, StreamsNeedNoMoreThanTheDictionary) {
-  const ByteVector content = sampleContent(1 << 20, 31);
+  std::mt19937 random(32);
+  ByteVector noise(1 << 16);
+  for (unsigned char& byte : noise) byte = static_cast<unsigned char>(random());
+  ByteVector content;
+  for (int i = 0; i < 3; ++i) content.insert(content.end(), noise.begin(), noise.end());
+  const ByteVector more = sampleContent(1 << 20, 31);
+  content.insert(content.end(), more.begin(), more.end());
   ByteVector container;
   ASSERT_EQ(LzmaUtils::LzmaCompressData(container, content.data(), content.size(), 0, 1 << 16), 0);
   class CountingSink final : public ByteSink {

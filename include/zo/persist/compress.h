@@ -3,7 +3,7 @@
 // Errors:  0, or 1 for everything that goes wrong: a null argument, an input of 4 GiB or more, no
 //          memory, a file that cannot be read or written. Nothing throws.
 // Threads: calls of const members may run at once; they keep all state on the call.
-// Cost:    memory follows the input up to the level's limit: some 12 bytes for each input byte at
+// Cost:    memory follows the input up to the level's limit: some 16 bytes for each input byte at
 //          `best`, never more than 2.5 GB, and 2 MB at `fast`. A file form holds no more of the
 //          files than that.
 // Stored:  docs/formats/compressed-container.md.
