@@ -120,7 +120,7 @@ constexpr DistanceTable kDistanceTable = distanceCodes();
 constexpr int kRefilledBits = 56;
 // The longest token: a flag, a length, a distance.
 constexpr int kMaxTokenBits = 1 + 7 + 8 + 8 + static_cast<int>(kMaxDistanceBits);
-static_assert(2 * kIndexBits + kMaxTokenBits <= kRefilledBits);
+static_assert(2 * kIndexBits + kMaxTokenBits <= kRefilledBits && 6 * 9 <= kRefilledBits);
 
 // ---- Copies ----
 
@@ -190,43 +190,44 @@ bool ImplodeDecoder::readHeader() noexcept {
          distanceBits_ <= kMaxDistanceBits;
 }
 
-Bytes ImplodeDecoder::next() noexcept {
-  if (state_ != State::running) return {};
-  if (!started_) {
-    started_ = true;
-    if (!readHeader()) {
-      state_ = State::broken;
-      return {};
-    }
+// Which tokens come is unpredictable, and a wrongly predicted question costs more than all the rest
+// of a token. So after a refill the literals that come first are taken with no more questions than
+// needed: of coded ones up to two, after which there is room for any other token.
+inline unsigned char* ImplodeDecoder::BitReader::takeCodedLiterals(unsigned char* out) noexcept {
+  for (int i = 0; i < 2; ++i) {
+    const Token token = kTextTokens[peek(kIndexBits)];
+    if (token.kind != Kind::literal) break;
+    *out++ = static_cast<unsigned char>(token.value);
+    skip(token.bits);
   }
-  unsigned char* const begin = buffer_.data() + kHistory;
-  // A run that another one follows is longer than the history.
-  const std::size_t history = std::min(kHistory, runSize_);
-  std::memmove(begin - history, begin + runSize_ - history, history);
-  runSize_ = static_cast<std::size_t>(decodeRun(begin, begin - history) - begin);
-  return {begin, runSize_};
+  return out;
+}
+
+// Of plain ones up to six, with no question at all: each takes nine bits, the first of which is 0.
+inline unsigned char* ImplodeDecoder::BitReader::takePlainLiterals(unsigned char* out) noexcept {
+  constexpr std::uint64_t kFlags =
+      1 | 1ull << 9 | 1ull << 18 | 1ull << 27 | 1ull << 36 | 1ull << 45;
+  const auto bits = static_cast<unsigned int>(std::countr_zero((bits_ & kFlags) | 1ull << 54));
+  std::uint64_t literals = 0;
+  for (int i = 0; i < 6; ++i) literals |= bits_ >> (1 + i) & 0xFFull << 8 * i;
+  std::memcpy(out, &literals, sizeof literals);
+  skip(bits);
+  refill();
+  return out + bits / 9;
 }
 
 // Decodes to `out`; nothing before `floor` exists. Returns the end of what was decoded.
+template <bool coded>
 unsigned char* ImplodeDecoder::decodeRun(unsigned char* out, const unsigned char* floor) noexcept {
   BitReader in = in_;  // a copy stays in registers
-  const TokenTable& tokens = codedLiterals_ ? kTextTokens : kBinaryTokens;
+  constexpr const TokenTable& tokens = coded ? kTextTokens : kBinaryTokens;
   const unsigned char* const limit = out + kRun;
   while (out < limit) {
     in.refill();
-    Token token = tokens[in.peek(kIndexBits)];
-    // After a refill there is room for two literals before any other token. Which tokens come is
-    // unpredictable, so there are no more questions here than needed.
-    if (in.available() >= kRefilledBits && token.kind == Kind::literal) {
-      *out++ = static_cast<unsigned char>(token.value);
-      in.skip(token.bits);
-      token = tokens[in.peek(kIndexBits)];
-      if (token.kind == Kind::literal) {
-        *out++ = static_cast<unsigned char>(token.value);
-        in.skip(token.bits);
-        token = tokens[in.peek(kIndexBits)];
-      }
+    if (in.available() >= kRefilledBits) {
+      out = coded ? in.takeCodedLiterals(out) : in.takePlainLiterals(out);
     }
+    Token token = tokens[in.peek(kIndexBits)];
     if (token.kind == Kind::rareLiteral) {
       token = kRareLiterals[in.peek(1 + kMaxCodeBits) >> (1 + kRareZeros)];
     }
@@ -265,6 +266,25 @@ unsigned char* ImplodeDecoder::decodeRun(unsigned char* out, const unsigned char
   }
   in_ = in;
   return out;
+}
+
+Bytes ImplodeDecoder::next() noexcept {
+  if (state_ != State::running) return {};
+  if (!started_) {
+    started_ = true;
+    if (!readHeader()) {
+      state_ = State::broken;
+      return {};
+    }
+  }
+  unsigned char* const begin = buffer_.data() + kHistory;
+  // A run that another one follows is longer than the history.
+  const std::size_t history = std::min(kHistory, runSize_);
+  std::memmove(begin - history, begin + runSize_ - history, history);
+  unsigned char* const end = codedLiterals_ ? decodeRun<true>(begin, begin - history)
+                                            : decodeRun<false>(begin, begin - history);
+  runSize_ = static_cast<std::size_t>(end - begin);
+  return {begin, runSize_};
 }
 
 }  // namespace zo

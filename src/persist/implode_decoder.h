@@ -4,7 +4,7 @@
 // Errors:  state() tells how decoding stands. Whatever the input is, it reads nothing outside it
 //          and takes no memory: the object holds all it needs, some 20 KB.
 // Threads: one thread at a time per object.
-// Cost:    one table look-up for a literal, two for a copy.
+// Cost:    at most one table look-up for a literal, two for a copy.
 #pragma once
 
 #include <array>
@@ -52,6 +52,10 @@ class ImplodeDecoder {
       bits_ >>= count;
       available_ -= static_cast<int>(count);
     }
+    // The literals that come next, some or all, when there are 56 bits: writes up to eight bytes at
+    // `out` and returns the end of those that are literals.
+    unsigned char* takeCodedLiterals(unsigned char* out) noexcept;
+    unsigned char* takePlainLiterals(unsigned char* out) noexcept;
     unsigned int take(unsigned int count) noexcept {
       const unsigned int value = peek(count);
       skip(count);
@@ -70,12 +74,13 @@ class ImplodeDecoder {
   };
 
   [[nodiscard]] bool readHeader() noexcept;
+  template <bool coded>
   unsigned char* decodeRun(unsigned char* out, const unsigned char* floor) noexcept;
 
   static constexpr std::size_t kHistory = implode::kMaxDistance;
   static_assert(kHistory <= kRun);
-  // A run may pass its end by two literals and a copy, and a copy its own end by 24 bytes.
-  static constexpr std::size_t kSlack = 2 + implode::kMaxLength + 24;
+  // A run may pass its end by eight bytes and a copy, and a copy its own end by 24 bytes.
+  static constexpr std::size_t kSlack = 8 + implode::kMaxLength + 24;
 
   BitReader in_;
   State state_ = State::running;
