@@ -1,6 +1,7 @@
 // The whole public interface of zo_com.
 #pragma once
 
+#include <zo/compress.h>
 #include <zo/config.h>
 #include <zo/containers.h>
 #include <zo/files.h>
@@ -8,8 +9,7 @@
 #include <zo/graph.h>
 #include <zo/results.h>
 #include <zo/strings.h>
-#include <zo/system/dll_version.h>
-#include <zo/system/guard.h>
+#include <zo/system.h>
 #include <zo/variant.h>
 #include <zo/variant/color.h>
 #include <zo/version.h>

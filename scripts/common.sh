@@ -33,7 +33,7 @@ zo_build() {
   cd "$zo_root" || return 1
   if [ ! -f "$dir/build.ninja" ] || [ -n "${ZO_RECONFIGURE:-}" ]; then
     # shellcheck disable=SC2086  # several options in one variable, on purpose
-    zo_quietly "configure-$preset" cmake --preset "$preset" ${ZO_CMAKE_ARGS:-} || return 1
+    zo_quietly "configure-$preset" cmake --preset "$preset" "-DZO_DEPS_DIR=$zo_deps" ${ZO_CMAKE_ARGS:-} || return 1
   fi
   zo_quietly "build-$preset" cmake --build --preset "$preset" "${targets[@]}"
 }

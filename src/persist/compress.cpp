@@ -1,0 +1,77 @@
+#include <zo/persist/compress.h>
+#include <zo/persist/lzma_utils.h>
+#include <zo/results.h>
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include "persist/compress_imp.h"
+#include "persist/file_streams.h"
+#include "persist/part_source.h"
+
+// ---- The handle ----
+
+ZoCompress::ZoCompress(ZoZip::compressMode mode) : imp_(new(std::nothrow) ZoCompressImp(mode)) {}
+
+ZoCompress::~ZoCompress() { delete imp_; }
+
+int ZoCompress::setMode(ZoZip::compressMode mode) {
+  return imp_ ? imp_->setMode(mode) : ZoResult::refused;
+}
+
+bool ZoCompress::compressFast() const { return imp_ && imp_->compressFast(); }
+
+int ZoCompress::operator()(const char* in, char*& out, unsigned int& outSize) const {
+  out = nullptr;
+  outSize = 0;
+  return imp_ ? (*imp_)(in, out, outSize) : ZoResult::refused;
+}
+
+int ZoCompress::operator()(const wchar_t* in, const wchar_t* out) const {
+  return imp_ ? (*imp_)(in, out) : ZoResult::refused;
+}
+
+// ---- The operations ----
+
+int ZoCompressImp::setMode(ZoZip::compressMode mode) noexcept {
+  mode_ = mode;
+  return ZoResult::ok;
+}
+
+int ZoCompressImp::operator()(const char* in, char*& out, unsigned int& outSize) const noexcept {
+  out = nullptr;
+  outSize = 0;
+  if (!in) return ZoResult::refused;
+  std::vector<unsigned char> container;
+  if (LzmaUtils::LzmaCompressData(container, in, std::strlen(in), zo::levelOf(mode_), 0) !=
+          LzmaUtils::success ||
+      container.size() > zo::kMaxContent) {
+    return ZoResult::refused;
+  }
+  zo::Block block;
+  if (!block.resize(container.size() + 1)) return ZoResult::refused;
+  std::copy(container.begin(), container.end(), block.data());
+  block.data()[container.size()] = 0;
+  outSize = static_cast<unsigned int>(container.size());
+  out = reinterpret_cast<char*>(block.release());
+  return ZoResult::ok;
+}
+
+int ZoCompressImp::operator()(const wchar_t* in, const wchar_t* out) const noexcept {
+  if (!in || !out) return ZoResult::refused;
+  try {
+    zo::FileSink target;
+    {
+      zo::FileStore store;
+      if (!store.open(in) || !target.open(out)) return ZoResult::refused;
+      zo::PartSource source(store, 0, store.size());
+      if (zo::compressStream(source, store.size(), zo::levelOf(mode_), target)) {
+        return ZoResult::refused;
+      }
+    }
+    return target.commit() ? ZoResult::ok : ZoResult::refused;
+  } catch (const std::bad_alloc&) {
+    return ZoResult::refused;
+  }
+}

@@ -1,0 +1,63 @@
+#include <zo/persist/explode.h>
+#include <zo/results.h>
+
+#include <new>
+
+#include "persist/explode_imp.h"
+#include "persist/file_streams.h"
+
+// ---- The handle ----
+
+ZoExplode::ZoExplode() : imp_(new(std::nothrow) ZoExplodeImp) {}
+
+ZoExplode::~ZoExplode() { delete imp_; }
+
+int ZoExplode::operator()(const char* in, unsigned int inSize, char*& out) const {
+  unsigned int outSize;
+  return (*this)(in, inSize, out, outSize);
+}
+
+int ZoExplode::operator()(const char* in, unsigned int inSize, char*& out,
+                          unsigned int& outSize) const {
+  out = nullptr;
+  outSize = 0;
+  return imp_ ? (*imp_)(in, inSize, out, outSize) : ZoResult::refused;
+}
+
+int ZoExplode::operator()(const wchar_t* in, const wchar_t* out) const {
+  return imp_ ? (*imp_)(in, out) : ZoResult::refused;
+}
+
+// ---- The operations ----
+
+int ZoExplodeImp::operator()(const char* in, unsigned int inSize, char*& out,
+                             unsigned int& outSize) const noexcept {
+  out = nullptr;
+  outSize = 0;
+  if (!in) return ZoResult::refused;
+  zo::Block block;
+  std::size_t size = 0;
+  const int result =
+      zo::explodeBuffer({reinterpret_cast<const unsigned char*>(in), inSize}, block, size);
+  if (result == ZoResult::refused) return result;
+  outSize = static_cast<unsigned int>(size);
+  out = reinterpret_cast<char*>(block.release());
+  return result;
+}
+
+int ZoExplodeImp::operator()(const wchar_t* in, const wchar_t* out) const noexcept {
+  if (!in || !out) return ZoResult::refused;
+  try {
+    zo::FileSink target;
+    int result = ZoResult::refused;
+    {
+      zo::FileStore store;
+      if (!store.open(in) || !target.open(out)) return ZoResult::refused;
+      result = zo::explodeStream(store, target);
+    }
+    if (result == ZoResult::refused) return result;
+    return target.commit() ? result : ZoResult::refused;
+  } catch (const std::bad_alloc&) {
+    return ZoResult::refused;
+  }
+}

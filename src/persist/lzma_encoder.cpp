@@ -1,0 +1,40 @@
+#include "persist/lzma_encoder.h"
+
+#include <zo/persist/lzma_utils.h>
+
+#include "persist/sdk_memory.h"
+
+namespace zo {
+
+LzmaEncoder::~LzmaEncoder() {
+  if (encoder_) LzmaEnc_Destroy(encoder_, &kSdkMemory, &kSdkMemory);
+}
+
+int LzmaEncoder::begin(int level, std::uint32_t dictSize, std::uint64_t contentSize) noexcept {
+  encoder_ = LzmaEnc_Create(&kSdkMemory);
+  if (!encoder_) return LzmaUtils::outOfMemory;
+  CLzmaEncProps properties;
+  LzmaEncProps_Init(&properties);
+  properties.level = level;
+  properties.dictSize = dictSize;
+  properties.reduceSize = contentSize;
+  properties.writeEndMark = 0;
+  LzmaEnc_SetDataSize(encoder_, contentSize);
+  return LzmaEnc_SetProps(encoder_, &properties);
+}
+
+int LzmaEncoder::writeHeader(std::span<unsigned char> header) noexcept {
+  SizeT size = header.size();
+  return LzmaEnc_WriteProperties(encoder_, header.data(), &size);
+}
+
+int LzmaEncoder::encode(Bytes content, unsigned char* out, std::size_t& outSize) noexcept {
+  return LzmaEnc_MemEncode(encoder_, out, &outSize, content.data(), content.size(), 0, nullptr,
+                           &kSdkMemory, &kSdkMemory);
+}
+
+int LzmaEncoder::encode(ISeqInStream& in, ISeqOutStream& out) noexcept {
+  return LzmaEnc_Encode(encoder_, &out, &in, nullptr, &kSdkMemory, &kSdkMemory);
+}
+
+}  // namespace zo

@@ -1,0 +1,34 @@
+// Encoder of LZMA streams: the SDK's, with its settings in one place.
+#pragma once
+
+#include <LzmaEnc.h>
+
+#include <cstdint>
+
+#include "persist/byte_stream.h"
+
+namespace zo {
+
+class LzmaEncoder {
+ public:
+  // Both return a status of LzmaUtils. Level and dictionary size as LzmaUtils takes them. The
+  // size of the content makes the encoder take no more memory than that needs; the format stays
+  // the same.
+  [[nodiscard]] int begin(int level, std::uint32_t dictSize, std::uint64_t contentSize) noexcept;
+
+  // After begin: the five bytes before the stream.
+  [[nodiscard]] int writeHeader(std::span<unsigned char> header) noexcept;
+  // The stream of all of `content` at `out`; outSize is its room and becomes its size.
+  [[nodiscard]] int encode(Bytes content, unsigned char* out, std::size_t& outSize) noexcept;
+  [[nodiscard]] int encode(ISeqInStream& in, ISeqOutStream& out) noexcept;
+
+  LzmaEncoder() = default;
+  ~LzmaEncoder();
+  LzmaEncoder(const LzmaEncoder&) = delete;
+  LzmaEncoder& operator=(const LzmaEncoder&) = delete;
+
+ private:
+  CLzmaEncHandle encoder_ = nullptr;
+};
+
+}  // namespace zo

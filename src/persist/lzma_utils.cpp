@@ -1,0 +1,76 @@
+#include <zo/persist/lzma_utils.h>
+
+#include <new>
+
+#include "persist/container.h"
+#include "persist/crc32.h"
+#include "persist/little_endian.h"
+#include "persist/lzma_encoder.h"
+
+namespace {
+
+using zo::Bytes;
+
+int compress(std::vector<unsigned char>& out, Bytes content, int level, unsigned int dictSize) {
+  // Room for data that does not compress.
+  out.resize(zo::kLzmaHeaderSize + content.size() + content.size() / 3 + 128);
+  zo::LzmaEncoder encoder;
+  int status = encoder.begin(level, dictSize, content.size());
+  if (status) return status;
+  status = encoder.writeHeader({out.data(), zo::kLzmaHeaderSize});
+  if (status) return status;
+  std::size_t streamSize = out.size() - zo::kLzmaHeaderSize - zo::kTrailerSize;
+  status = encoder.encode(content, out.data() + zo::kLzmaHeaderSize, streamSize);
+  if (status) return status;
+  unsigned char* const trailer = out.data() + zo::kLzmaHeaderSize + streamSize;
+  zo::store32(trailer, static_cast<std::uint32_t>(content.size()));
+  zo::store32(trailer + 4, zo::crc32(content));
+  out.resize(zo::kLzmaHeaderSize + streamSize + zo::kTrailerSize);
+  return LzmaUtils::success;
+}
+
+// `data` as bytes; false for what no container can hold.
+bool asBytes(const void* data, unsigned long long size, Bytes& bytes) {
+  if ((!data && size > 0) || size > zo::kMaxContent) return false;
+  if (!data) data = "";  // the encoder counts pointers from its input's start
+  bytes = {static_cast<const unsigned char*>(data), static_cast<std::size_t>(size)};
+  return true;
+}
+
+}  // namespace
+
+int LzmaUtils::LzmaCompressData(std::vector<unsigned char>& out, const void* data,
+                                unsigned long long size, int level, unsigned int dictSize) {
+  out.clear();
+  Bytes content;
+  if (!asBytes(data, size, content)) return badParameter;
+  try {
+    const int status = compress(out, content, level, dictSize);
+    if (status) out.clear();
+    return status;
+  } catch (const std::bad_alloc&) {
+    out.clear();
+    return outOfMemory;
+  }
+}
+
+int LzmaUtils::LzmaUncompressData(std::vector<unsigned char>& out, const void* data,
+                                  unsigned long long size) {
+  out.clear();
+  Bytes container;
+  if (!asBytes(data, size, container)) return badParameter;
+  zo::Block content;
+  std::size_t contentSize = 0;
+  const int status = zo::uncompressLzma(container, content, contentSize);
+  if (status != success && status != checkMismatch) return status;
+  try {
+    out.assign(content.data(), content.data() + contentSize);
+  } catch (const std::bad_alloc&) {
+    return outOfMemory;
+  }
+  return status;
+}
+
+bool LzmaUtils::IsLzmaCompressedData(const unsigned char* data) {
+  return data && *data == zo::kLzmaProperties;
+}

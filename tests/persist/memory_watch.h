@@ -1,0 +1,26 @@
+// Watches the memory that the code under test takes from the C heap, and lets it run out.
+//
+// It sees malloc and realloc as this program's own objects call them (the linker leads them here),
+// and the operator new that gives null. With a linker that cannot do this it sees only the latter
+// and counts nothing. One watch at a time, on one thread.
+#pragma once
+
+#include <cstddef>
+
+namespace zo::test {
+
+class MemoryWatch {
+ public:
+  // From the request with this number on, counted from 1, there is no memory; 0 for never.
+  explicit MemoryWatch(std::size_t failAt = 0);
+  ~MemoryWatch();
+  MemoryWatch(const MemoryWatch&) = delete;
+  MemoryWatch& operator=(const MemoryWatch&) = delete;
+
+  // The most bytes that were live at once, of those requested since the watch began. While a block
+  // is moved, both count.
+  std::size_t peak() const;
+  bool failed() const;  // whether a request was refused
+};
+
+}  // namespace zo::test
