@@ -19,8 +19,9 @@ constexpr std::size_t kRun = std::size_t{256} << 10;
 LzmaDecoder::LzmaDecoder(Bytes header, ByteSource& stream, std::uint64_t streamSize,
                          std::uint32_t contentSize, Window window) noexcept
     : stream_(stream), spare_(window == Window::content), remaining_(contentSize) {
-  LzmaDec_CONSTRUCT(&decoder_) status_ = LzmaDec_AllocateProbs(
-      &decoder_, header.data(), static_cast<unsigned>(header.size()), &kSdkMemory);
+  LzmaDec_CONSTRUCT(&decoder_);
+  status_ = LzmaDec_AllocateProbs(&decoder_, header.data(), static_cast<unsigned>(header.size()),
+                                  &kSdkMemory);
   if (status_ != LzmaUtils::success) return;
   maxWindow_ = contentSize;
   if (window == Window::dictionary) {
