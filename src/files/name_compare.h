@@ -1,0 +1,15 @@
+// How file names compare: unit by unit after lowerFold, so ignoring case, in every locale alike.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace zo {
+
+[[nodiscard]] bool equalNames(std::wstring_view a, std::wstring_view b) noexcept;
+// Negative, 0 or positive; 0 exactly when equalNames.
+[[nodiscard]] int orderNames(std::wstring_view a, std::wstring_view b) noexcept;
+// Equal names have equal hashes.
+[[nodiscard]] std::size_t hashName(std::wstring_view name) noexcept;
+
+}  // namespace zo

@@ -1,0 +1,611 @@
+// Changing, sharing, computing and comparing file names.
+#include <gtest/gtest.h>
+#include <zo/files/file_name.h>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <sstream>
+#include <utility>
+#include <vector>
+
+#include "files/file_name_model.h"
+
+namespace {
+
+using names::expectParts;
+using names::modelParse;
+using names::set;
+using names::shown;
+
+using TextEdit = int (ZoFileName::*)(const wchar_t*);
+
+struct EditCase {
+  const wchar_t *before, *text;
+  int result;
+  const wchar_t* after;
+};
+
+// After an edit the parts are those of the whole name.
+void expectEdits(TextEdit edit, const std::vector<EditCase>& cases) {
+  for (const EditCase& c : cases) {
+    SCOPED_TRACE(shown(c.before) + " + " + (c.text ? shown(c.text) : "null"));
+    ZoFileName name(c.before);
+    EXPECT_EQ((name.*edit)(c.text), c.result);
+    expectParts(name, modelParse(c.after));
+  }
+}
+
+// ---- Parts ----
+
+TEST(FileNameEdit, ADriveTakesThePlaceOfDriveOrVolume) {
+  expectEdits(&ZoFileName::setDrive, {
+                                         {L"C:\\a\\b.c", L"D", 0, L"D:\\a\\b.c"},
+                                         {L"C:\\a\\b.c", L"D:", 0, L"D:\\a\\b.c"},
+                                         {L"C:\\a\\b.c", L"", 0, L"\\a\\b.c"},
+                                         {L"C:b", nullptr, 0, L"b"},
+                                         {L"a\\b", L"c", 0, L"c:a\\b"},
+                                         {L"", L"c", 0, L"c:"},
+                                         {L"\\\\s\\t\\a\\b.c", L"D", 0, L"D:\\a\\b.c"},
+                                         {L"\\\\s\\t", L"D", 0, L"D:\\"},
+                                         {L"http://h/a/b.c", L"D", 0, L"D:/a/b.c"},
+                                         {L"cd://l/a", L"", 0, L"cd://l/a"},
+                                         {L"C:\\a", L"1", 7, L"C:\\a"},
+                                         {L"C:\\a", L"D:\\", 7, L"C:\\a"},
+                                         {L"C:\\a", L"::", 7, L"C:\\a"},
+                                         {L"$M'\\a", L"D", 7, L"$M'\\a"},
+                                     });
+}
+
+TEST(FileNameEdit, ADirectoryGetsItsFinalDelimiter) {
+  expectEdits(&ZoFileName::setDirectory, {
+                                             {L"C:\\a\\b.c", L"\\x\\y", 0, L"C:\\x\\y\\b.c"},
+                                             {L"C:\\a\\b.c", L"x/", 0, L"C:x/b.c"},
+                                             {L"C:\\a\\b.c", L"", 0, L"C:b.c"},
+                                             {L"b.c", L"x", 0, L"x\\b.c"},
+                                             {L"a\\b", nullptr, 0, L"b"},
+                                             {L"http://h/a/b", L"http://g/x", 0, L"http://g/x/b"},
+                                             {L"b", L"\\\\s\\t", 0, L"\\\\s\\t\\b"},
+                                             {L"$M'\\a\\b", L"x", 0, L"$M'\\x\\b"},
+                                             {L"a\\b", L"x*", 7, L"x*\\b"},
+                                             {L"a\\b", L"x|", 7, L"a\\b"},
+                                             {L"a\\b", L"xy:", 7, L"a\\b"},
+                                             {L"a\\b", L"$x", 1, L"a\\b"},
+                                         });
+}
+
+TEST(FileNameEdit, FileNameAndExtensionAreReplacedAndSplitAnew) {
+  expectEdits(&ZoFileName::setFileName, {
+                                            {L"C:\\a\\b.c", L"x", 0, L"C:\\a\\x.c"},
+                                            {L"C:\\a\\b.c", L"x.y", 0, L"C:\\a\\x.y.c"},
+                                            {L"", L"a.b", 0, L"a.b"},
+                                            {L"b.c", nullptr, 0, L".c"},
+                                            {L"C:\\a\\", L"x", 0, L"C:\\a\\x"},
+                                            {L"\\\\s\\t", L"x", 0, L"\\\\s\\t\\x"},
+                                            {L"http://h.com", L"x:y", 0, L"http://h.com/x:y"},
+                                            {L"b", L"x ", 8, L"x "},
+                                            {L"b", L"x:y", 7, L"b"},
+                                            {L"b", L"x\\y", 7, L"b"},
+                                            {L"b", L"x/y", 7, L"b"},
+                                            {L"b", L"x*", 7, L"b"},
+                                            {L"b", L"\"x\"", 7, L"b"},
+                                            {L"b.c", L"$x", 1, L"b.c"},
+                                        });
+  expectEdits(&ZoFileName::setExtension, {
+                                             {L"C:\\a\\b.c", L".x", 0, L"C:\\a\\b.x"},
+                                             {L"C:\\a\\b.c", L"x", 0, L"C:\\a\\b.x"},
+                                             {L"C:\\a\\b", L"x.y", 0, L"C:\\a\\b.x.y"},
+                                             {L"b.c", L"", 0, L"b"},
+                                             {L"http://h/b.c", L":x", 7, L"http://h/b.c"},
+                                             {L"b.c", L"x/y", 7, L"b.c"},
+                                             {L"b.c", L".", 9, L"b."},
+                                         });
+  expectEdits(&ZoFileName::setFileNameExt, {
+                                               {L"C:\\a\\b.c", L"x.y", 0, L"C:\\a\\x.y"},
+                                               {L"C:\\a\\b.c", L"x", 0, L"C:\\a\\x"},
+                                               {L"C:\\a\\b.c", L"", 0, L"C:\\a\\"},
+                                               {L"http://h/b", L"x:1.y", 0, L"http://h/x:1.y"},
+                                               {L"http://h/b", L"x.y:1", 7, L"http://h/b"},
+                                               {L"b.c", L"x\\y", 7, L"b.c"},
+                                               {L"b.c", L"x.y.", 9, L"x.y."},
+                                           });
+  ZoFileName self(L"C:\\a\\b.c");
+  EXPECT_EQ(self.setFileName(self.extension() + 1), 0) << "a text of the name itself";
+  EXPECT_EQ(self.setFullName(self.fullName() + 2), 0);
+  EXPECT_STREQ(self.fullName(), L"\\a\\c.c");
+}
+
+TEST(FileNameEdit, MakePathTakesAllFourParts) {
+  struct Case {
+    const wchar_t *drive, *directory, *fileName, *extension;
+    int result;
+    const wchar_t* whole;
+  };
+  for (const Case& c :
+       {Case{L"C", L"\\a", L"b", L"c", 0, L"C:\\a\\b.c"},
+        Case{L"C:", L"\\a\\", L"b.x", L".c", 0, L"C:\\a\\b.x.c"},
+        Case{nullptr, nullptr, nullptr, nullptr, 0, L""},
+        Case{L"", L"a", nullptr, L"c", 0, L"a\\.c"},
+        Case{nullptr, L"http://h/x", L"b:1", L"c", 0, L"http://h/x/b:1.c"},
+        Case{nullptr, L"\\\\s\\t", L"b", L"", 0, L"\\\\s\\t\\b"},
+        Case{L"C", L"http://h/x", L"b", L"c", 7, L"C:http://h/x/b.c"},
+        Case{L"1", L"a", L"b", L"c", 7, L"old"}, Case{L"C", L"<", L"b", L"c", 7, L"old"},
+        Case{L"C", L"a", L"b:", L"c", 7, L"old"}, Case{L"C", L"a", L"b", L":", 7, L"old"}}) {
+    SCOPED_TRACE(shown(c.whole));
+    ZoFileName name(L"old");
+    EXPECT_EQ(name.makePath(c.drive, c.directory, c.fileName, c.extension), c.result);
+    expectParts(name, modelParse(c.whole));
+  }
+}
+
+TEST(FileNameEdit, DirectoryLevelsAreAddedRemovedAndWalked) {
+  expectEdits(&ZoFileName::appendDirectory, {
+                                                {L"C:\\a\\b.c", L"x", 0, L"C:\\a\\x\\b.c"},
+                                                {L"b.c", L"\\x/", 0, L"x\\b.c"},
+                                                {L"C:b", L"x\\y", 0, L"C:x\\y\\b"},
+                                                {L"", L"x", 0, L"x\\"},
+                                                {L"http://h/a", L"x", 0, L"http://h/x/a"},
+                                                {L"http://h.com", L"x", 0, L"http://h.com/x/"},
+                                                {L"\\\\s\\t", L"x", 0, L"\\\\s\\t\\x\\"},
+                                                {L"cd://l", L"x", 0, L"cd://l/x/"},
+                                                {L"a\\b", L"", 1, L"a\\b"},
+                                                {L"a\\b", nullptr, 1, L"a\\b"},
+                                                {L"a\\b", L"//", 1, L"a\\b"},
+                                                {L"a\\b", L"x|", 7, L"a\\b"},
+                                            });
+  struct Case {
+    const wchar_t* text;
+    std::vector<std::wstring> levels;
+    const wchar_t* shortened;  // null when there is nothing to remove
+  };
+  for (const Case& c : std::vector<Case>{
+           {L"C:\\a\\b\\f.x", {L"a", L"b"}, L"C:\\a\\f.x"},
+           {L"C:a\\f", {L"a"}, L"C:f"},
+           {L"\\a\\", {L"a"}, L"\\"},
+           {L"a\\\\..//b/f", {L"a", L"..", L"b"}, L"a\\\\..//f"},
+           {L"a\\\\f", {L"a"}, L"f"},
+           {L"\\\\s\\t\\a\\f", {L"a"}, L"\\\\s\\t\\f"},
+           {L"http://h/a.b/c/f", {L"a.b", L"c"}, L"http://h/a.b/f"},
+           {L"cd://l/a/f", {L"a"}, L"cd://l/f"},
+           {L"$M'\\a\\f", {L"a"}, L"$M'\\f"},
+           {L"C:\\f", {}, nullptr},
+           {L"\\\\s\\t", {}, nullptr},
+           {L"http://h", {}, nullptr},
+           {L"cd://l//", {}, nullptr},
+           {L"mailto:a/b/c", {}, nullptr},
+           {L"f", {}, nullptr},
+           {L"", {}, nullptr},
+       }) {
+    SCOPED_TRACE(shown(c.text));
+    ZoFileName name(c.text);
+    for (const bool restart : {false, true}) {
+      std::vector<std::wstring> walked;
+      for (const wchar_t* level = name.nextDirPart(restart); level; level = name.nextDirPart()) {
+        walked.push_back(level);
+      }
+      EXPECT_EQ(walked, c.levels);
+      EXPECT_EQ(name.nextDirPart(), nullptr) << "stays at the end";
+    }
+    EXPECT_EQ(name.removeLastDir(), c.shortened ? 0 : 1);
+    expectParts(name, modelParse(c.shortened ? c.shortened : c.text));
+  }
+  ZoFileName name(L"a\\b\\c\\f");
+  name.nextDirPart();
+  ZoFileName copy(name);
+  EXPECT_STREQ(copy.nextDirPart(), L"b");
+  EXPECT_STREQ(name.nextDirPart(), L"b") << "copies walk on their own";
+  name.setFileName(L"g");
+  EXPECT_STREQ(name.nextDirPart(), L"a") << "a change starts again";
+}
+
+TEST(FileNameEdit, TheDelimiterOfAPlainNameIsForLaterLevels) {
+  ZoFileName name(L"a\\f");
+  EXPECT_EQ(name.setDelimiter(L'/'), 0);
+  EXPECT_STREQ(name.fullName(), L"a\\f");
+  name.appendDirectory(L"b");
+  name.setFileName(L"g");
+  name.appendDirectory(L"c");
+  EXPECT_STREQ(name.fullName(), L"a\\b/c/g");
+  EXPECT_EQ(name.delimiter(), L'/');
+  EXPECT_EQ(name.sysDelimiter(), L'\\');
+  name.setFullName(L"a");
+  EXPECT_EQ(name.delimiter(), L'\\') << "a new name has its own";
+}
+
+TEST(FileNameEdit, CaseAndEmptying) {
+  ZoFileName name(L"$Lib'\\Dir\\File.Ext");
+  name.setMacro(L"Lib", L"C:\\Root");
+  EXPECT_EQ(name.toUpper(), 0);
+  EXPECT_STREQ(name.fullName(), L"C:\\ROOT\\DIR\\FILE.EXT");
+  EXPECT_STREQ(name.macro(), L"LIB");
+  EXPECT_STREQ(name.directory(), L"\\DIR\\");
+  EXPECT_EQ(name.toLower(), 0);
+  EXPECT_STREQ(name.fileNameExt(), L"file.ext");
+  name.resetMacro(L"");
+  expectParts(name, modelParse(L"\\dir\\file.ext"));
+  EXPECT_EQ(name.empty(), 0);
+  expectParts(name, {});
+}
+
+// ---- Macros and alias ----
+
+TEST(FileNameMacro, TheValueStandsInThePlaceOfTheMacro) {
+  struct Case {
+    const wchar_t *before, *macro, *value;
+    int result;
+    const wchar_t *whole, *path, *reset;
+  };
+  for (const Case& c : {
+           Case{L"a\\f.x", L"LIB", L"C:\\r", 0, L"C:\\r\\a\\f.x", L"\\a\\", L"C:\\r\\a\\f.x"},
+           Case{L"\\a\\f.x", L"LIB", L"C:\\r\\", 0, L"C:\\r\\a\\f.x", L"\\a\\", L"C:\\r\\a\\f.x"},
+           Case{L"c:/R/a/f", L"LIB", L"C:\\r", 0, L"C:\\r/a/f", L"/a/", L"C:\\r/a/f"},
+           Case{L"C:\\r", L"LIB", L"C:\\r", 0, L"C:\\r\\", L"\\", L"C:\\r\\"},
+           Case{L"http://h/x/y", L"WEB", L"http://h", 0, L"http://h/x/y", L"/x/", L"http://h/x/y"},
+           Case{L"$OLD'\\a\\f", L"LIB", L"C:\\r", 0, L"C:\\r\\a\\f", L"\\a\\", L"C:\\r\\a\\f"},
+           Case{L"a\\f", L"LIB", nullptr, 0, L"$LIB'\\a\\f", L"\\a\\", L"\\a\\f"},
+           Case{L"a\\f", L"LIB", L"", 0, L"$LIB'\\a\\f", L"\\a\\", L"\\a\\f"},
+           Case{L"a\\f", L"LIB", L"\\", 0, L"\\a\\f", L"\\a\\", L"\\a\\f"},
+           Case{L"C:\\root\\f", L"LIB", L"C:\\r", 1, L"C:\\root\\f", nullptr, nullptr},
+           Case{L"D:\\f", L"LIB", nullptr, 1, L"D:\\f", nullptr, nullptr},
+           Case{L"f", L"", L"C:\\r", 1, L"f", nullptr, nullptr},
+           Case{L"f", nullptr, L"C:\\r", 1, L"f", nullptr, nullptr},
+           Case{L"f", L"a'b", L"C:\\r", 7, L"f", nullptr, nullptr},
+       }) {
+    SCOPED_TRACE(shown(c.before));
+    ZoFileName name(c.before);
+    EXPECT_EQ(name.setMacro(c.macro, c.value), c.result);
+    EXPECT_STREQ(name.fullName(), c.whole);
+    EXPECT_EQ(name.fullNameSize(), std::wcslen(c.whole));
+    EXPECT_EQ(name.hasMacro(), c.path != nullptr);
+    if (!c.path) continue;
+    EXPECT_STREQ(name.macro(), c.macro);
+    EXPECT_STREQ(name.directory(), c.path);
+    EXPECT_FALSE(name.isRelativ());
+    EXPECT_EQ(name.resetMacro(), 0);
+    expectParts(name, modelParse(c.reset));
+    EXPECT_EQ(name.resetMacro(), 1);
+  }
+}
+
+TEST(FileNameMacro, PartsChangeBelowTheMacroAndCopiesKeepItsValue) {
+  ZoFileName name(L"a\\f.x");
+  name.setMacro(L"LIB", L"C:\\r");
+  ZoFileName copy(name);
+  EXPECT_EQ(copy.setFileName(L"g"), 0);
+  EXPECT_EQ(copy.appendDirectory(L"b"), 0);
+  EXPECT_STREQ(copy.fullName(), L"C:\\r\\a\\b\\g.x");
+  EXPECT_STREQ(copy.fileNameExt(), L"g.x");
+  EXPECT_EQ(copy.makePath(L"", L"n", L"h", L""), 0);
+  EXPECT_STREQ(copy.fullName(), L"C:\\r\\n\\h");
+  EXPECT_EQ(copy.resetMacro(L"D:\\other\\"), 0);
+  expectParts(copy, modelParse(L"D:\\other\\n\\h"));
+  EXPECT_STREQ(name.fullName(), L"C:\\r\\a\\f.x");
+  EXPECT_EQ(name.resetMacro(L"xy:"), 7);
+  EXPECT_TRUE(name.hasMacro()) << "no name comes of it";
+  name.setFullName(L"b");
+  EXPECT_FALSE(name.hasMacro());
+}
+
+TEST(FileNameAlias, GoesWithTheNameItWasSetFor) {
+  ZoFileName name(L"http://h/f");
+  ZoFileName* alias = &name;
+  EXPECT_EQ(name.getLocalAlias(alias), 1);
+  EXPECT_EQ(alias, nullptr);
+  EXPECT_EQ(name.setLocalAlias(ZoFileName(L"C:\\cache\\f")), 0);
+  ZoFileName copy(name);
+  ASSERT_EQ(copy.getLocalAlias(alias), 0);
+  const std::unique_ptr<ZoFileName> owned(alias);
+  EXPECT_STREQ(owned->drive(), L"C:");
+  EXPECT_EQ(copy.localAlias(), L"C:\\cache\\f");
+  copy.toUpper();
+  copy.setDelimiter(L'\\');
+  EXPECT_EQ(copy.localAlias(), L"C:\\cache\\f");
+  copy.setFileName(L"g");
+  EXPECT_TRUE(copy.localAlias().isEmpty());
+  EXPECT_FALSE(name.localAlias().isEmpty());
+  EXPECT_EQ(name.setLocalAlias(ZoFileName()), 0);
+  EXPECT_EQ(name.getLocalAlias(alias), 1);
+  name.setLocalAlias(name);
+  EXPECT_EQ(name.localAlias(), name);
+}
+
+// ---- Sharing ----
+
+TEST(FileNameSharing, AChangeThroughAnyDoorLeavesTheCopyAlone) {
+  using Change = void (*)(ZoFileName&);
+  const Change changes[] = {
+      [](ZoFileName& n) { n.setFullName(L"x"); },
+      [](ZoFileName& n) { n = L"x"; },
+      [](ZoFileName& n) { n = ZoString(L"x"); },
+      [](ZoFileName& n) { n = ZoFileName(L"x"); },
+      [](ZoFileName& n) { n.empty(); },
+      [](ZoFileName& n) { n.toLower(); },
+      [](ZoFileName& n) { n.toUpper(); },
+      [](ZoFileName& n) { n.setDrive(L"D"); },
+      [](ZoFileName& n) { n.setDirectory(L"x"); },
+      [](ZoFileName& n) { n.setFileName(L"x"); },
+      [](ZoFileName& n) { n.setExtension(L"x"); },
+      [](ZoFileName& n) { n.setFileNameExt(L"x"); },
+      [](ZoFileName& n) { n.makePath(L"", L"", L"x", L""); },
+      [](ZoFileName& n) { n.appendDirectory(L"x"); },
+      [](ZoFileName& n) { n.removeLastDir(); },
+      [](ZoFileName& n) { n.setDelimiter(L'/'); },
+      [](ZoFileName& n) { n.setMacro(L"x", L"C:\\Dir"); },
+      [](ZoFileName& n) { n.setLocalAlias(ZoFileName(L"x")); },
+      [](ZoFileName& n) { EXPECT_STREQ(n.nextDirPart(), L"Dir"); },
+      [](ZoFileName& n) { ZoFileName(std::move(n)); },
+  };
+  const std::wstring text = L"C:\\Dir\\Sub\\File.Ext";
+  for (const Change change : changes) {
+    ZoFileName original(text.c_str());
+    ZoFileName copy(original);
+    EXPECT_EQ(copy.fullName(), original.fullName()) << "one storage";
+    change(copy);
+    expectParts(original, modelParse(text));
+    EXPECT_TRUE(original.localAlias().isEmpty());
+    EXPECT_STREQ(original.nextDirPart(), L"Dir");
+    copy = original;
+    expectParts(copy, modelParse(text));
+  }
+  const ZoFileName original(text.c_str());
+  const ZoFileName deep = original.deepCopy();
+  EXPECT_EQ(deep, original);
+  EXPECT_NE(deep.fullName(), original.fullName());
+  EXPECT_NE(deep.directory(), original.directory());
+}
+
+TEST(FileNameSharing, MovedFromNamesAreEmptyAndUsable) {
+  ZoFileName from(L"C:\\a");
+  const wchar_t* const text = from.fullName();
+  ZoFileName to(std::move(from));
+  EXPECT_EQ(to.fullName(), text);
+  expectParts(from, {});
+  ZoFileName second(std::move(from));
+  expectParts(from, {});
+  EXPECT_EQ(from.setFullName(L"b"), 0);
+  EXPECT_STREQ(from.fullName(), L"b");
+  expectParts(second, {});
+  second = std::move(to);
+  EXPECT_EQ(second.fullName(), text);
+  ZoFileName& self = second;
+  second = std::move(self);
+  second = self;
+  EXPECT_EQ(second.fullName(), text);
+  swap(second, from);
+  EXPECT_EQ(from.fullName(), text);
+  static_assert(std::is_nothrow_move_constructible_v<ZoFileName>);
+  static_assert(std::is_nothrow_move_assignable_v<ZoFileName>);
+}
+
+// ---- Questions ----
+
+TEST(FileNameQuestion, DevicesPlacesOutsideAndImpossibleNamesAreRecognised) {
+  const std::wstring long255(255, L'n');
+  struct Case {
+    std::wstring text;
+    bool device, contained, possible;
+  };
+  const Case cases[] = {
+      {L"a\\b.c", false, true, true},
+      {L"a\\..\\b", false, true, true},
+      {L".\\a", false, true, true},
+      {L"a\\b\\", false, true, true},
+      {L"..", false, false, true},
+      {L"a\\..\\..\\b", false, false, true},
+      {L"..\\a\\b", false, false, true},
+      {L"\\a", false, false, true},
+      {L"C:\\a", false, false, true},
+      {L"C:a", false, false, true},
+      {L"\\\\s\\t\\a", false, false, true},
+      {L"http://h/con./ ", false, false, true},
+      {L"cd://l/a", false, false, true},
+      {L"mailto:a", false, false, false},
+      {L"", false, false, false},
+      {L"$M'a", false, false, true},
+      {L"a*", false, false, false},
+      {L"a:b", false, false, true},
+      {L"ab\\c:d", false, false, false},
+      {L"a\\b ", false, false, false},
+      {L"a.\\b", false, false, false},
+      {L".. \\b", false, false, false},
+      {L"a\\...\\b", false, false, false},
+      {L"\\\\", false, false, false},
+      {long255 + L"\\a", false, true, true},
+      {long255 + L"n\\a", false, false, false},
+      {std::wstring(254, L'n') + L"\\" + long255, false, true, true},
+      {L"con", true, false, false},
+      {L"CON.txt", true, false, false},
+      {L"a\\nul\\b", true, false, false},
+      {L"C:\\Prn", true, false, false},
+      {L"aux .a.b", true, false, false},
+      {L"com1", true, false, false},
+      {L"lpt9.x", true, false, false},
+      {L"com\xB9", true, false, false},
+      {L"lpt\xB3", true, false, false},
+      {L"conin$", true, false, false},
+      {L"CONOUT$", true, false, false},
+      {L"clock$", true, false, false},
+      {L"com0", false, true, true},
+      {L"com10", false, true, true},
+      {L"console", false, true, true},
+      {L"xcon", false, true, true},
+      {L"a.con", false, true, true},
+      {L" con", false, true, true},
+      {L"\\\\con\\nul\\a", false, false, true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(shown(c.text));
+    const ZoFileName name(c.text.c_str());
+    EXPECT_EQ(name.hasDeviceName(), c.device);
+    EXPECT_EQ(name.isContained(), c.contained);
+    EXPECT_EQ(name.possibleOnVolume(), c.possible);
+  }
+}
+
+TEST(FileNameQuestion, IsAnsiIsWhatTheCodePageHolds) {
+  EXPECT_TRUE(ZoFileName().isAnsi());
+  for (unsigned int c = 1; c < 0x10000; c += c < 0x200 ? 1 : 37) {
+    const wchar_t text[] = {L'a', static_cast<wchar_t>(c), L'b', 0};
+    const std::unique_ptr<char[]> bytes(ZoString(text).getMBString());
+    const bool escaped = std::string(bytes.get()).find("\\U+") != std::string::npos;
+    EXPECT_EQ(ZoFileName(text).isAnsi(), !escaped) << c;
+  }
+  EXPECT_FALSE(ZoFileName(L"a\xD800").isAnsi());
+  EXPECT_FALSE(ZoFileName(L"\xDC00\xD800").isAnsi());
+}
+
+// ---- Computed names ----
+
+TEST(FileNameComputed, NormalizedNamesHaveNoSuperfluousLevels) {
+  struct Case {
+    const wchar_t *text, *normal;
+  };
+  for (const Case& c : {Case{L"C:/a\\.\\b/../c.x", L"C:\\a\\c.x"},
+                        Case{L"C:\\..\\..\\a", L"C:\\a"},
+                        Case{L"C:..\\a", L"C:..\\a"},
+                        Case{L"C:a\\..", L"C:"},
+                        Case{L"C:", L"C:"},
+                        Case{L"a//b\\\\c/", L"a\\b\\c\\"},
+                        Case{L"a\\..\\..\\b", L"..\\b"},
+                        Case{L"a\\..", L".\\"},
+                        Case{L"a\\b\\..", L"a\\"},
+                        Case{L"a\\b\\.", L"a\\b\\"},
+                        Case{L".", L".\\"},
+                        Case{L"..", L"..\\"},
+                        Case{L"", L""},
+                        Case{L"\\", L"\\"},
+                        Case{L"/..", L"\\"},
+                        Case{L"\\.\\\\a", L"\\a"},
+                        Case{L"//s\\t//a/../../b", L"\\\\s\\t\\b"},
+                        Case{L"\\\\s\\t", L"\\\\s\\t"},
+                        Case{L"http:\\\\h/a/../b\\c", L"http://h/b/c"},
+                        Case{L"http://..", L"http://.."},
+                        Case{L"CD:\\\\l\\a\\..\\..\\b", L"CD://l/b"},
+                        Case{L"$M'a/../../b", L"$M'\\b"},
+                        Case{L"a\\..\\$b", L".\\$b"},
+                        Case{L"mailto:a/../b", L"mailto:a/../b"}}) {
+    SCOPED_TRACE(shown(c.text));
+    expectParts(ZoFileName(c.text).normalized(), modelParse(c.normal));
+  }
+}
+
+TEST(FileNameComputed, RelativeNamesLeadFromTheBaseToTheName) {
+  struct Case {
+    const wchar_t *text, *base, *relative;
+  };
+  for (const Case& c :
+       {Case{L"C:\\a\\b\\f.x", L"C:\\a\\", L"b\\f.x"},
+        Case{L"C:\\a\\b\\f.x", L"C:\\a\\g.y", L"b\\f.x"},
+        Case{L"C:\\A\\f", L"c:\\a\\b\\c\\", L"..\\..\\f"},
+        Case{L"C:\\a\\f", L"C:\\b\\", L"..\\a\\f"}, Case{L"C:\\a\\", L"C:\\a\\", L".\\"},
+        Case{L"a\\f", L"b\\", L"..\\a\\f"}, Case{L"..\\f", L"b\\", L"..\\..\\f"},
+        Case{L"\\\\s\\t\\a", L"\\\\S\\T\\b\\", L"..\\a"},
+        Case{L"http://h/a/b", L"http://h/c/", L"../a/b"},
+        Case{L"$M'\\a\\f", L"$m'\\b\\", L"..\\a\\f"}, Case{L"C:\\a\\$f", L"C:\\a\\", L".\\$f"},
+        // None: the normalized name itself.
+        Case{L"C:\\a\\.\\f", L"D:\\a\\", L"C:\\a\\f"}, Case{L"C:a", L"C:\\a\\", L"C:a"},
+        Case{L"f", L"..\\", L"f"}, Case{L"http://h/a", L"http://g/", L"http://h/a"},
+        Case{L"http://h/a/c:/x", L"http://h/a/", L"http://h/a/c:/x"},
+        Case{L"$M'\\a", L"\\b\\", L"$M'\\a"}}) {
+    SCOPED_TRACE(shown(c.text) + " from " + shown(c.base));
+    const ZoFileName name(c.text);
+    const ZoFileName base(c.base);
+    const ZoFileName relative = name.relativeTo(base);
+    EXPECT_STREQ(relative.fullName(), c.relative);
+    const bool isNone = relative == name.normalized();
+    EXPECT_TRUE(isNone || relative.resolvedAgainst(base) == name.normalized());
+  }
+}
+
+TEST(FileNameComputed, ResolvedNamesStartAtTheBase) {
+  struct Case {
+    const wchar_t *text, *base, *resolved;
+  };
+  for (const Case& c :
+       {Case{L"b\\f", L"C:\\a\\x.y", L"C:\\a\\b\\f"}, Case{L"..\\f", L"C:\\a\\", L"C:\\f"},
+        Case{L"..\\..\\f", L"C:\\a\\", L"C:\\f"}, Case{L"\\f", L"C:\\a\\", L"C:\\f"},
+        Case{L"C:f", L"c:\\a\\", L"c:\\a\\f"}, Case{L"C:f", L"D:\\a\\", L"C:f"},
+        Case{L"D:\\f", L"C:\\a\\", L"D:\\f"}, Case{L"f", L"\\\\s\\t", L"\\\\s\\t\\f"},
+        Case{L"\\f", L"\\\\s\\t\\a\\", L"\\\\s\\t\\f"},
+        Case{L"../f", L"http://h/a/b/", L"http://h/a/f"}, Case{L"f", L"cd://l", L"cd://l/f"},
+        Case{L"f", L"$M'\\a\\", L"$M'\\a\\f"}, Case{L"$N'\\f", L"C:\\a\\", L"$N'\\f"},
+        Case{L"f", L"C:", L"C:f"}, Case{L"f", L"", L"f"}, Case{L"", L"C:\\a\\x", L"C:\\a\\"}}) {
+    SCOPED_TRACE(shown(c.text) + " from " + shown(c.base));
+    EXPECT_STREQ(ZoFileName(c.text).resolvedAgainst(ZoFileName(c.base)).fullName(), c.resolved);
+  }
+  ZoFileName base(L"a\\");
+  base.setMacro(L"M", L"C:\\r");
+  EXPECT_STREQ(ZoFileName(L"f").resolvedAgainst(base).fullName(), L"C:\\r\\a\\f");
+  ZoFileName digit;
+  set(digit, L"1:\\a\\", {.anyDrive = true});
+  EXPECT_STREQ(ZoFileName(L"f").resolvedAgainst(digit).fullName(), L"1:\\a\\f");
+}
+
+// ---- Comparing and converting ----
+
+TEST(FileNameCompare, WholeNamesCompareIgnoringCaseAndHashAlike) {
+  // Ascending, equal ones side by side. Lower case decides: _ precedes a.
+  const std::vector<std::vector<std::wstring>> groups = {
+      {L"", L""},
+      {L"A", L"a"},
+      {L"a-long-name-over-eight\\B", L"A-Long-Name-Over-Eight\\b"},
+      {L"a_b"},
+      {L"ab", L"AB", L"aB"},
+      {L"abcdefgh", L"ABCDEFGH"},
+      {L"abcdefgh\\"},
+      {L"abcdefgh_abcdefgh\xC4\x416", L"ABCDEFGH_ABCDEFGH\xE4\x436"},
+      {L"abcdefgh_abcdefgh\xE4\x437"},
+      {L"b\\a", L"B\\A"},
+      {L"b\\\xDF"},
+      {L"b\\\x3A9", L"b\\\x3C9"},
+      {L"b\\\xD83D\xDE00"},
+  };
+  for (size_t i = 0; i < groups.size(); ++i) {
+    for (size_t j = 0; j < groups.size(); ++j) {
+      for (const std::wstring& left : groups[i]) {
+        for (const std::wstring& right : groups[j]) {
+          SCOPED_TRACE(shown(left) + " " + shown(right));
+          const ZoFileName a(left.c_str());
+          const ZoFileName b(right.c_str());
+          EXPECT_EQ(a == b, i == j);
+          EXPECT_EQ(a != b, i != j);
+          EXPECT_EQ(a < b, i < j);
+          EXPECT_EQ(a > b, i > j);
+          EXPECT_EQ(a <= b, i <= j);
+          EXPECT_EQ(a >= b, i >= j);
+          EXPECT_EQ(a.isEqual(b), i == j);
+          EXPECT_EQ(a.isEqual(b, true), left == right);
+          EXPECT_EQ(a == right.c_str(), i == j);
+          EXPECT_EQ(a == ZoString(right.c_str()), i == j);
+          EXPECT_EQ(a == std::wstring_view(right), i == j);
+          EXPECT_EQ(std::hash<ZoFileName>()(a) == std::hash<ZoFileName>()(b), i == j);
+        }
+      }
+    }
+  }
+  ZoFileName below(L"x");
+  below.setMacro(L"M", L"C:\\R");
+  EXPECT_EQ(below, ZoFileName(L"c:\\r\\X")) << "the whole name is the expanded one";
+}
+
+TEST(FileNameConvert, GoesToAndFromTheTextAndPathTypes) {
+  const ZoFileName name(L"C:\\dir\\\x4E00.ext");
+  const ZoString string = name;
+  const wchar_t* const pointer = name;
+  const std::wstring_view view = name;
+  const auto path = static_cast<std::filesystem::path>(name);
+  std::wostringstream stream;
+  stream << name;
+  EXPECT_EQ(string.data(), name.fullName()) << "one storage";
+  EXPECT_EQ(pointer, name.fullName());
+  EXPECT_EQ(view, L"C:\\dir\\\x4E00.ext");
+  EXPECT_EQ(path.native(), view);
+  EXPECT_EQ(stream.str(), view);
+  EXPECT_EQ(ZoFileName(path), name);
+  EXPECT_EQ(ZoFileName(view), name);
+  EXPECT_EQ(name[3], L'd');
+  EXPECT_EQ(name[name.fullNameSize()], 0);
+  EXPECT_EQ(name[0xFFFFFFFF], 0);
+}
+
+}  // namespace
