@@ -2,10 +2,12 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/containers.h>
 #include <zo/geometry.h>
 #include <zo/results.h>
 #include <zo/strings.h>
 #include <zo/system/dll_version.h>
 #include <zo/system/guard.h>
+#include <zo/variant.h>
 #include <zo/variant/color.h>
 #include <zo/version.h>

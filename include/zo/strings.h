@@ -1,8 +1,9 @@
-// Strings: ZoString, its views and storage, and ZoCLib.
+// Strings: ZoString, its views and storage, ZoCLib, and numbers as text.
 #pragma once
 
 #include <zo/text/clib.h>
 #include <zo/text/format.h>
+#include <zo/text/number_text.h>
 #include <zo/text/ref_count.h>
 #include <zo/text/string.h>
 #include <zo/text/string_ref.h>

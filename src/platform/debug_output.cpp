@@ -5,5 +5,6 @@
 namespace zo {
 
 void debugOutput(const char* line) noexcept { OutputDebugStringA(line); }
+void debugOutput(const wchar_t* line) noexcept { OutputDebugStringW(line); }
 
 }  // namespace zo

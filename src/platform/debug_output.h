@@ -4,5 +4,6 @@
 namespace zo {
 
 void debugOutput(const char* line) noexcept;
+void debugOutput(const wchar_t* line) noexcept;
 
 }  // namespace zo

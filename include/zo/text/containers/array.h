@@ -1,0 +1,207 @@
+// ZoArray<T>: a sequence in one contiguous table.
+//
+// Elements lie side by side, and are reached inline. The default array starts without memory, with a grow size of
+// kFirstGrowSize; when it is full it raises its grow size to its capacity first, so that n appends cost O(n). A grow
+// size set by setGrowSize is raised likewise, except 0: then a full array refuses to grow (status 1).
+//
+// Elements that can only be moved are fine; operations that copy refuse them with 1.
+//
+// Errors, Threads, Cost: as in varray.h. Pointers, references and range-for iterators hold until the array grows or
+//          elements in front of them come or go; ZoArrayIterator goes by position and holds always.
+#pragma once
+
+#include <zo/text/containers/apply.h>
+#include <zo/text/containers/array_table.h>
+#include <zo/text/containers/sequence.h>
+
+#include <initializer_list>
+
+template <class T, class Table = ZoArrayTable<T>>
+class ZoArray : public ZoSequence<T> {
+ public:
+  static constexpr unsigned kFirstGrowSize = 8;
+
+  ZoArray() noexcept : m_array(nullptr, 0, kFirstGrowSize) {}
+  explicit ZoArray(unsigned capacity, unsigned growSize = kFirstGrowSize)
+      : m_array(nullptr, 0, growSize) {
+    resize(capacity);
+  }
+  ZoArray(std::initializer_list<T> values) : ZoArray() {
+    resize(static_cast<unsigned>(values.size()));
+    for (const T& value : values) check(append(value));
+  }
+  explicit ZoArray(const ZoSequence<T>& other) : ZoArray() { check(append(other)); }
+  // Copies throw std::bad_alloc when there is no memory; moves leave the other array empty and usable.
+  ZoArray(const ZoArray&) = default;
+  ZoArray(ZoArray&& other) noexcept : ZoSequence<T>(), m_array(std::move(other.m_array)) {}
+  ZoArray& operator=(const ZoArray&) = default;
+  ZoArray& operator=(ZoArray&& other) noexcept {
+    m_array = std::move(other.m_array);
+    return *this;
+  }
+  ZoArray& operator=(const ZoSequence<T>& other) {
+    check(copyFrom(other));
+    return *this;
+  }
+  ~ZoArray() override = default;
+
+  [[nodiscard]] unsigned entries() const noexcept final { return m_array.m_entries; }
+  [[nodiscard]] unsigned capacity() const noexcept { return m_array.capacity(); }
+  [[nodiscard]] unsigned growSize() const noexcept { return m_array.growSize(); }
+  void setGrowSize(unsigned n) noexcept { m_array.setGrowSize(n); }
+
+  [[nodiscard]] T* data() noexcept { return cells(); }
+  [[nodiscard]] const T* data() const noexcept { return cells(); }
+  [[nodiscard]] T* begin() noexcept { return cells(); }
+  [[nodiscard]] T* end() noexcept { return cells() + entries(); }
+  [[nodiscard]] const T* begin() const noexcept { return cells(); }
+  [[nodiscard]] const T* end() const noexcept { return cells() + entries(); }
+  [[nodiscard]] T& operator[](unsigned i) noexcept { return cells()[i]; }
+  [[nodiscard]] const T& operator[](unsigned i) const noexcept { return cells()[i]; }
+  [[nodiscard]] T* at(unsigned i) noexcept { return locate(i); }
+  [[nodiscard]] const T* at(unsigned i) const noexcept { return locate(i); }
+
+  int append(const T& value) final {
+    if constexpr (std::is_copy_constructible_v<T>) {
+      if (m_array.m_entries < m_array.m_capacity) {
+        return appendMade([&](T* place) { ::new (static_cast<void*>(place)) T(value); });
+      }
+    }
+    return insertAt(entries(), value);
+  }
+  int append(T&& value) final {
+    if (m_array.m_entries < m_array.m_capacity) {
+      return appendMade([&](T* place) { ::new (static_cast<void*>(place)) T(std::move(value)); });
+    }
+    return insertAt(entries(), std::move(value));
+  }
+  int append(const ZoSequence<T>& other) final {
+    const unsigned n = other.entries();
+    if (const int status = makeRoom(n)) return status;
+    if (const auto* array = dynamic_cast<const ZoArray*>(&other))
+      return m_array.append(array->m_array);
+    ZoArray copies;
+    if (const int status = copies.resize(n)) return status;
+    for (const T& element : other) {
+      if (const int status = copies.append(element)) return status;
+    }
+    for (T& element : copies) {
+      if (const int status = append(std::move(element))) return status;
+    }
+    return ZoResult::ok;
+  }
+  // Makes the element in its place; std::bad_alloc of its constructor gives 2.
+  template <class... Arguments>
+  int emplace(Arguments&&... arguments) {
+    if (const int status = makeRoom(1)) return status;
+    return appendMade([&](T* place) {
+      ::new (static_cast<void*>(place)) T(std::forward<Arguments>(arguments)...);
+    });
+  }
+  int insertAt(unsigned i, const T& value) final {
+    if (i > entries()) return ZoResult::refused;
+    if (const int status = raiseGrowSize()) return status;
+    return m_array.insertAt(i, &value);
+  }
+  int insertAt(unsigned i, T&& value) final {
+    if (i > entries()) return ZoResult::refused;
+    if (const int status = makeRoom(1)) return status;
+    const int status = table()->insertMoved(i, value, entries());
+    if (status == ZoResult::ok) ++m_array.m_entries;
+    return status;
+  }
+
+  int fillAt(unsigned i, unsigned n, const T& value) final {
+    if (i > entries()) return ZoResult::refused;
+    if (const int status = raiseGrowSize()) return status;
+    return m_array.fillAt(i, n, &value);
+  }
+  int copyFrom(const ZoSequence<T>& other) final {
+    if (this == &other) return ZoResult::ok;
+    ZoArray copy(0, growSize());
+    if (const int status = copy.resize(std::max(capacity(), other.entries()))) return status;
+    if (const int status = copy.append(other)) return status;
+    *this = std::move(copy);
+    return ZoResult::ok;
+  }
+
+  using ZoSequence<T>::index;
+  [[nodiscard]] unsigned index(const T& value, const ZoCompare<T>& compare) const final {
+    const ZoArrayCompare<T> adapter(compare);
+    return m_array.index(&value, &adapter);
+  }
+  using ZoSequence<T>::remove;
+  int remove(const T& value, const ZoCompare<T>& compare, bool all = false) final {
+    const ZoArrayCompare<T> adapter(compare);
+    return m_array.remove(&value, &adapter, all);
+  }
+  int removeAll(bool freeMemory = false) final { return m_array.removeAll(freeMemory); }
+  using ZoSequence<T>::sort;
+  int sort(const ZoCompare<T>& compare, bool ascending = true) final {
+    const ZoArrayCompare<T> adapter(compare);
+    return m_array.sort(&adapter, ascending);
+  }
+  int reverse() final { return m_array.reverse(); }
+  int apply(ZoArrayApply<T>& applyFn) { return m_array.apply(&applyFn); }
+
+  // Sets the capacity, whatever the grow size; elements past it are removed.
+  int resize(unsigned capacity) {
+    if (capacity == m_array.capacity()) return ZoResult::ok;
+    if (const int status = makeTable()) return status;
+    return m_array.resize(capacity);
+  }
+  int shiftLeft(unsigned n) { return m_array.shiftLeft(n); }  // removes the first n elements
+  int shiftRight(unsigned n) {  // puts n elements made without a value in front
+    if (const int status = raiseGrowSize()) return status;
+    return m_array.shiftRight(n);
+  }
+
+  void walk(zo::SequenceCursor& cursor) const final {
+    if (cursor.element) ++cursor.position;
+    cursor.element = locate(cursor.position);
+  }
+  [[nodiscard]] const ZoVArray& engine() const noexcept { return m_array; }
+
+ protected:
+  T* locate(unsigned i) const noexcept final {
+    return i < m_array.m_entries ? cells() + i : nullptr;
+  }
+  int take(unsigned i, T* out) final { return m_array.removeAt(i, out); }
+
+ private:
+  static void check(int status) {
+    if (status == ZoResult::outOfMemory) throw std::bad_alloc();
+  }
+  [[nodiscard]] Table* table() const noexcept { return static_cast<Table*>(m_array.m_table); }
+  [[nodiscard]] T* cells() const noexcept { return m_array.m_table ? table()->data() : nullptr; }
+
+  int makeTable() {
+    if (!m_array.m_table) m_array.m_table = new (std::nothrow) Table;
+    return m_array.m_table ? ZoResult::ok : ZoResult::outOfMemory;
+  }
+  // Before any growth; makes the storage of an array that has none yet.
+  int raiseGrowSize() {
+    if (const int status = makeTable()) return status;
+    if (growSize() != 0 && growSize() < capacity() && entries() == capacity())
+      setGrowSize(capacity());
+    return ZoResult::ok;
+  }
+  int makeRoom(unsigned n) {
+    if (const int status = raiseGrowSize()) return status;
+    return m_array.makeRoom(n);
+  }
+  template <class Make>
+  int appendMade(Make make) {
+    const auto action = [&] {
+      make(cells() + m_array.m_entries);
+      ++m_array.m_entries;
+    };
+    if constexpr (noexcept(make(nullptr))) {
+      action();
+      return ZoResult::ok;
+    } else {
+      return zo::asStatus(action);
+    }
+  }
+  ZoVArray m_array;
+};

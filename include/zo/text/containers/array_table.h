@@ -1,0 +1,195 @@
+// The storage of ZoArray<T>: elements side by side in one block.
+//
+// Elements that can change their place without throwing are relocated; others are copied to a new block first, so
+// that an exception leaves the old one as it was.
+#pragma once
+
+#include <zo/text/containers/elements.h>
+#include <zo/text/containers/node_pool.h>
+#include <zo/text/containers/varray.h>
+
+#include <algorithm>
+
+template <class T>
+class ZoArrayTable final : public ZoVArrayTable {
+ public:
+  ZoArrayTable() noexcept : ZoVArrayTable(sizeof(T)) {}
+  ~ZoArrayTable() override { zo::freeBlock(m_data, alignof(T)); }
+
+  [[nodiscard]] T* data() const noexcept { return static_cast<T*>(m_data); }
+
+  [[nodiscard]] ZoVArrayTable* makeNew() const override { return new (std::nothrow) ZoArrayTable; }
+
+  int reallocate(unsigned capacity, unsigned entries) override {
+    Block block(capacity);
+    if (!block.cells && capacity > 0) return ZoResult::outOfMemory;
+    if constexpr (zo::movesSafely<T>) {
+      zo::relocateElements(block.cells, data(), entries);
+      adopt(block, capacity);
+      return ZoResult::ok;
+    } else {
+      return rebuild(block, capacity, entries, entries,
+                     [&](T* place, unsigned k) { carry(place, data() + k); });
+    }
+  }
+
+  int insert(unsigned i, unsigned n, const void* value, unsigned entries) override {
+    if (!value) {
+      if constexpr (std::is_default_constructible_v<T>) {
+        return open(i, n, entries,
+                    [](T* place, unsigned) { ::new (static_cast<void*>(place)) T(); });
+      }
+    } else if constexpr (std::is_copy_constructible_v<T>) {
+      int status = ZoResult::ok;
+      const int copying = zo::asStatus([&] {
+        const T copy(
+            *static_cast<const T*>(value));  // the value may be an element that is about to move
+        status = open(i, n, entries,
+                      [&](T* place, unsigned) { ::new (static_cast<void*>(place)) T(copy); });
+      });
+      return copying != ZoResult::ok ? copying : status;
+    }
+    return ZoResult::refused;
+  }
+
+  // Moves a value into a gap in front of position i. There is room.
+  int insertMoved(unsigned i, T& value, unsigned entries) {
+    return open(i, 1, entries,
+                [&](T* place, unsigned) { ::new (static_cast<void*>(place)) T(std::move(value)); });
+  }
+
+  int appendCopies(const void* from, unsigned n, unsigned entries) override {
+    if constexpr (std::is_copy_constructible_v<T>) {
+      return zo::asStatus(
+          [&] { std::uninitialized_copy_n(static_cast<const T*>(from), n, data() + entries); });
+    } else {
+      return ZoResult::refused;
+    }
+  }
+
+  int assign(void* to, const void* from) override { return zo::assignElement<T>(to, from); }
+  int moveOut(void* to, void* from) override { return zo::moveElement<T>(to, from); }
+
+  int erase(unsigned i, unsigned n, unsigned entries) override {
+    T* const gap = data() + i;
+    const unsigned rest = entries - i - n;
+    if constexpr (!zo::movesSafely<T>) {
+      if (rest > 0) {
+        Block block(m_cells);
+        if (!block.cells) return ZoResult::outOfMemory;
+        return rebuild(block, m_cells, entries - n, entries,
+                       [&](T* place, unsigned k) { carry(place, data() + (k < i ? k : k + n)); });
+      }
+    }
+    std::destroy_n(gap, n);
+    if constexpr (zo::movesSafely<T>) zo::relocateElements(gap, gap + n, rest);
+    return ZoResult::ok;
+  }
+
+  int keep(void* const* kept, unsigned n, unsigned entries) override {
+    if constexpr (zo::movesSafely<T>) {
+      unsigned k = 0;
+      for (T* element = data(); element != data() + entries; ++element) {
+        if (k < n && element == kept[k]) {
+          zo::relocateElements(data() + k++, element, 1);
+        } else {
+          std::destroy_at(element);
+        }
+      }
+      return ZoResult::ok;
+    } else {
+      Block block(m_cells);
+      if (!block.cells) return ZoResult::outOfMemory;
+      return rebuild(block, m_cells, n, entries,
+                     [&](T* place, unsigned k) { carry(place, static_cast<T*>(kept[k])); });
+    }
+  }
+
+  void exchange(unsigned i, unsigned j) override {
+    using std::swap;
+    swap(data()[i], data()[j]);
+  }
+
+  int reorder(void* const* order, unsigned entries) override {
+    Block block(m_cells);
+    if (!block.cells) return ZoResult::outOfMemory;
+    if constexpr (zo::movesSafely<T>) {
+      for (unsigned k = 0; k < entries; ++k) {
+        zo::relocateElements(block.cells + k, static_cast<T*>(order[k]), 1);
+      }
+      adopt(block, m_cells);
+      return ZoResult::ok;
+    } else {
+      return rebuild(block, m_cells, entries, entries,
+                     [&](T* place, unsigned k) { carry(place, static_cast<T*>(order[k])); });
+    }
+  }
+
+ private:
+  struct Block {
+    explicit Block(unsigned n) noexcept
+        : cells(n == 0 ? nullptr : static_cast<T*>(zo::allocateBlock(n * sizeof(T), alignof(T)))) {}
+    ~Block() { zo::freeBlock(cells, alignof(T)); }
+    Block(const Block&) = delete;
+    Block& operator=(const Block&) = delete;
+
+    T* cells;
+  };
+
+  // Copies, so that an exception loses nothing; moves what cannot be copied.
+  static void carry(T* to, T* from) {
+    if constexpr (std::is_copy_constructible_v<T>) {
+      ::new (static_cast<void*>(to)) T(*from);
+    } else {
+      ::new (static_cast<void*>(to)) T(std::move(*from));
+    }
+  }
+
+  // The block takes the place of the present one, whose memory it holds afterwards.
+  void adopt(Block& block, unsigned capacity) noexcept {
+    T* const old = data();
+    m_data = block.cells;
+    m_cells = capacity;
+    block.cells = old;
+  }
+
+  // Fills the block with n elements and destroys the present ones.
+  template <class Make>
+  int rebuild(Block& block, unsigned capacity, unsigned n, unsigned entries, Make make) {
+    const int status = zo::asStatus([&] { zo::makeElements(block.cells, n, make); });
+    if (status != ZoResult::ok) return status;
+    std::destroy_n(data(), entries);
+    adopt(block, capacity);
+    return ZoResult::ok;
+  }
+
+  // Makes n elements in front of position i.
+  template <class Make>
+  int open(unsigned i, unsigned n, unsigned entries, Make make) {
+    T* const gap = data() + i;
+    if (i == entries) return zo::asStatus([&] { zo::makeElements(gap, n, make); });
+    if constexpr (zo::movesSafely<T>) {
+      zo::relocateElements(gap + n, gap, entries - i);
+      return zo::asStatus([&] {
+        try {
+          zo::makeElements(gap, n, make);
+        } catch (...) {
+          zo::relocateElements(gap, gap + n, entries - i);
+          throw;
+        }
+      });
+    } else {
+      Block block(m_cells);
+      if (!block.cells) return ZoResult::outOfMemory;
+      return rebuild(block, m_cells, entries + n, entries, [&](T* place, unsigned k) {
+        if (k < i) {
+          carry(place, data() + k);
+        } else if (k < i + n) {
+          make(place, k - i);
+        } else {
+          carry(place, data() + (k - n));
+        }
+      });
+    }
+  }
+};

@@ -1,0 +1,83 @@
+// Typed comparison of elements, and the adapters that show it to the engines.
+//
+// ZoCompare<T> orders by the type's own operators; derive from it for another order. Equal means 0.
+//
+// Threads: stateless as given here; any number of threads.
+#pragma once
+
+#include <zo/text/containers/vcallbacks.h>
+
+#include <utility>
+
+template <class T>
+class ZoCompare {
+ public:
+  ZoCompare() = default;
+  ZoCompare(const ZoCompare&) = default;
+  ZoCompare& operator=(const ZoCompare&) = default;
+  virtual ~ZoCompare() = default;
+
+  // Negative, 0 or positive. A type without `<` is compared by `==` (0 or 1), one without both by identity.
+  virtual int compare(const T& a, const T& b) const {
+    if constexpr (requires { a < b; }) {
+      return a < b ? -1 : b < a ? 1 : 0;
+    } else if constexpr (requires { a == b; }) {
+      return a == b ? 0 : 1;
+    } else {
+      return &a == &b ? 0 : 1;
+    }
+  }
+};
+
+// The order ignoring case where the type has one (text); else the type's own.
+template <class T>
+class ZoCICompare : public ZoCompare<T> {};
+
+namespace zo {
+
+template <class T, class Base>
+class TypedCompare : public Base {
+ public:
+  explicit TypedCompare(const ZoCompare<T>& compare) noexcept : m_compare(&compare) {}
+  int compare(const void* a, const void* b) const override {
+    return m_compare->compare(*static_cast<const T*>(a), *static_cast<const T*>(b));
+  }
+
+ private:
+  const ZoCompare<T>* m_compare;  // not owned; outlives this
+};
+
+// Any callable (a, b) -> int as a comparison: `array.sort(zo::compareBy<Part>(byWeight))`.
+template <class T, class F>
+class CompareBy final : public ZoCompare<T> {
+ public:
+  explicit CompareBy(F f) : m_f(std::move(f)) {}
+  int compare(const T& a, const T& b) const override { return m_f(a, b); }
+
+ private:
+  F m_f;
+};
+
+template <class T, class F>
+CompareBy<T, F> compareBy(F f) {
+  return CompareBy<T, F>(std::move(f));
+}
+
+}  // namespace zo
+
+template <class T>
+class ZoArrayCompare final : public zo::TypedCompare<T, ZoVArrayCompare> {
+  using zo::TypedCompare<T, ZoVArrayCompare>::TypedCompare;
+};
+template <class T>
+class ZoListCompare final : public zo::TypedCompare<T, ZoVListCompare> {
+  using zo::TypedCompare<T, ZoVListCompare>::TypedCompare;
+};
+template <class T>
+class ZoHashCompare final : public zo::TypedCompare<T, ZoVHashCompare> {
+  using zo::TypedCompare<T, ZoVHashCompare>::TypedCompare;
+};
+template <class T>
+class ZoTreeCompare final : public zo::TypedCompare<T, ZoVTreeCompare> {
+  using zo::TypedCompare<T, ZoVTreeCompare>::TypedCompare;
+};

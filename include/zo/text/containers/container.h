@@ -1,0 +1,20 @@
+// The root of all typed collections.
+#pragma once
+
+#include <zo/text/containers/position.h>
+
+template <class T>
+class ZoContainer {
+ public:
+  virtual ~ZoContainer() = default;
+
+  [[nodiscard]] virtual unsigned entries() const = 0;
+  [[nodiscard]] bool isEmpty() const { return entries() == 0; }
+  // Removes every element; true gives the memory kept for new ones back too. Returns 0.
+  virtual int removeAll(bool freeMemory = false) = 0;
+
+ protected:
+  ZoContainer() = default;
+  ZoContainer(const ZoContainer&) = default;
+  ZoContainer& operator=(const ZoContainer&) = default;
+};

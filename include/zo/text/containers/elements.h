@@ -1,0 +1,84 @@
+// Making, copying and moving elements of a type that the engines do not know.
+//
+// Errors:  a std::bad_alloc of an element becomes status 2; any other exception passes through. What cannot be
+//          copied (or made without a value) is refused with 1.
+#pragma once
+
+#include <zo/results.h>
+
+#include <cstring>
+#include <memory>
+#include <new>
+#include <type_traits>
+#include <utility>
+
+namespace zo {
+
+// True for types whose bytes may be moved to another address instead of calling move constructor and destructor.
+// Specialise it for types that hold only pointers to what they own.
+template <class T>
+inline constexpr bool isRelocatable = std::is_trivially_copyable_v<T>;
+
+// True when an element can change its place without throwing.
+template <class T>
+inline constexpr bool movesSafely = isRelocatable<T> || std::is_nothrow_move_constructible_v<T>;
+
+template <class Action>
+int asStatus(Action&& action) {
+  try {
+    action();
+    return ZoResult::ok;
+  } catch (const std::bad_alloc&) {
+    return ZoResult::outOfMemory;
+  }
+}
+
+// Assigns *from to *to.
+template <class T>
+int assignElement(void* to, const void* from) {
+  if constexpr (std::is_copy_assignable_v<T>) {
+    return asStatus([&] { *static_cast<T*>(to) = *static_cast<const T*>(from); });
+  } else {
+    return ZoResult::refused;
+  }
+}
+
+// Moves *from to *to; copies where the type cannot be moved.
+template <class T>
+int moveElement(void* to, void* from) {
+  if constexpr (std::is_move_assignable_v<T>) {
+    return asStatus([&] { *static_cast<T*>(to) = std::move(*static_cast<T*>(from)); });
+  } else {
+    return ZoResult::refused;
+  }
+}
+
+// Moves n elements to unused memory, which may overlap them; where they were is unused memory afterwards.
+template <class T>
+void relocateElements(T* to, T* from, std::size_t n) noexcept(movesSafely<T>) {
+  if (to == from || n == 0) return;
+  if constexpr (isRelocatable<T>) {
+    std::memmove(static_cast<void*>(to), static_cast<const void*>(from), n * sizeof(T));
+  } else {
+    const bool backwards = to > from;
+    for (std::size_t k = 0; k < n; ++k) {
+      const std::size_t i = backwards ? n - 1 - k : k;
+      ::new (static_cast<void*>(to + i)) T(std::move(from[i]));
+      std::destroy_at(from + i);
+    }
+  }
+}
+
+// Makes n elements in unused memory with make(place, index); destroys those made when one throws.
+template <class T, class Make>
+void makeElements(T* to, unsigned n, Make&& make) {
+  unsigned made = 0;
+  try {
+    for (; made < n; ++made) make(to + made, made);
+  } catch (...) {
+    std::destroy_n(to, made);
+    throw;
+  }
+}
+
+}  // namespace zo

@@ -1,0 +1,257 @@
+// ZoList<T>: a sequence as a doubly linked list.
+//
+// An element keeps its address until it is removed; sort and reverse only relink. Positions are walked to from the
+// front, so walk with a range-for or an iterator instead of counting positions. Nodes come from a pool of the list.
+//
+// Elements that can only be moved are fine; operations that copy refuse them with 1.
+//
+// Errors, Threads, Cost: as in vlist.h. Range-for iterators and pointers hold until their element is removed.
+#pragma once
+
+#include <zo/text/containers/apply.h>
+#include <zo/text/containers/sequence.h>
+#include <zo/text/containers/vlist.h>
+
+#include <initializer_list>
+
+template <class T>
+struct ZoListNode : ZoVListNode {
+  template <class... Arguments>
+  explicit ZoListNode(Arguments&&... arguments) : element(std::forward<Arguments>(arguments)...) {}
+  T element;
+};
+
+template <class T>
+class ZoListMem final : public ZoVListMem {
+ public:
+  using Node = ZoListNode<T>;
+
+  // An element follows the links at its alignment.
+  static constexpr std::size_t kElementOffset =
+      (sizeof(ZoVListNode) + alignof(T) - 1) / alignof(T) * alignof(T);
+
+  ZoListMem() noexcept : ZoVListMem(sizeof(Node), alignof(Node), kElementOffset) {}
+
+  [[nodiscard]] ZoVListMem* makeNew() const override { return new (std::nothrow) ZoListMem; }
+  int newNode(const void* value, ZoVListNode*& node) override {
+    if constexpr (std::is_copy_constructible_v<T>) {
+      return make(node, *static_cast<const T*>(value));
+    } else {
+      node = nullptr;
+      return ZoResult::refused;
+    }
+  }
+  void deleteNode(ZoVListNode* node) override {
+    std::destroy_at(static_cast<Node*>(node));
+    m_pool.release(node);
+  }
+  int assign(void* to, const void* from) override { return zo::assignElement<T>(to, from); }
+  int moveOut(void* to, void* from) override { return zo::moveElement<T>(to, from); }
+
+  // A node whose element is made from the arguments.
+  template <class... Arguments>
+  int make(ZoVListNode*& node, Arguments&&... arguments) {
+    node = nullptr;
+    void* const place = m_pool.allocate();
+    if (!place) return ZoResult::outOfMemory;
+    if constexpr (std::is_nothrow_constructible_v<T, Arguments...>) {
+      node = ::new (place) Node(std::forward<Arguments>(arguments)...);
+    } else {
+      try {
+        node = ::new (place) Node(std::forward<Arguments>(arguments)...);
+      } catch (const std::bad_alloc&) {
+        m_pool.release(place);
+        return ZoResult::outOfMemory;
+      } catch (...) {
+        m_pool.release(place);
+        throw;
+      }
+    }
+    return ZoResult::ok;
+  }
+};
+
+namespace zo {
+
+// Range-for iterator of a list: holds until its element is removed.
+template <class T>
+class ListIterator {
+ public:
+  using iterator_concept = std::bidirectional_iterator_tag;
+  using iterator_category = std::bidirectional_iterator_tag;
+  using value_type = std::remove_const_t<T>;
+  using difference_type = std::ptrdiff_t;
+  using pointer = T*;
+  using reference = T&;
+
+  ListIterator() = default;
+  ListIterator(ZoVListNode* node, const ZoVList* list) noexcept : m_node(node), m_list(list) {}
+  operator ListIterator<const T>()
+      const noexcept  // NOLINT(google-explicit-constructor): as pointers do
+    requires(!std::is_const_v<T>)
+  {
+    return {m_node, m_list};
+  }
+
+  T& operator*() const noexcept { return static_cast<ZoListNode<value_type>*>(m_node)->element; }
+  T* operator->() const noexcept { return &**this; }
+  ListIterator& operator++() noexcept {
+    m_node = m_node->next;
+    return *this;
+  }
+  ListIterator operator++(int) noexcept {
+    ListIterator before = *this;
+    ++*this;
+    return before;
+  }
+  ListIterator& operator--() noexcept {
+    m_node = m_node ? m_node->prev : m_list->lastNode();
+    return *this;
+  }
+  ListIterator operator--(int) noexcept {
+    ListIterator before = *this;
+    --*this;
+    return before;
+  }
+  bool operator==(const ListIterator& other) const noexcept { return m_node == other.m_node; }
+
+ private:
+  ZoVListNode* m_node = nullptr;  // null at the end
+  const ZoVList* m_list = nullptr;
+};
+
+}  // namespace zo
+
+template <class T>
+class ZoList : public ZoSequence<T> {
+ public:
+  ZoList() noexcept : m_list(nullptr) {}
+  ZoList(std::initializer_list<T> values) : ZoList() {
+    for (const T& value : values) check(append(value));
+  }
+  explicit ZoList(const ZoSequence<T>& other) : ZoList() { check(append(other)); }
+  // Copies throw std::bad_alloc when there is no memory; moves leave the other list empty and usable.
+  ZoList(const ZoList&) = default;
+  ZoList(ZoList&& other) noexcept : ZoSequence<T>(), m_list(std::move(other.m_list)) {}
+  ZoList& operator=(const ZoList&) = default;
+  ZoList& operator=(ZoList&& other) noexcept {
+    m_list = std::move(other.m_list);
+    return *this;
+  }
+  ZoList& operator=(const ZoSequence<T>& other) {
+    check(copyFrom(other));
+    return *this;
+  }
+  ~ZoList() override = default;
+
+  [[nodiscard]] unsigned entries() const noexcept final { return m_list.m_entries; }
+
+  [[nodiscard]] auto begin() noexcept { return zo::ListIterator<T>(m_list.m_first, &m_list); }
+  [[nodiscard]] auto end() noexcept { return zo::ListIterator<T>(nullptr, &m_list); }
+  [[nodiscard]] auto begin() const noexcept {
+    return zo::ListIterator<const T>(m_list.m_first, &m_list);
+  }
+  [[nodiscard]] auto end() const noexcept { return zo::ListIterator<const T>(nullptr, &m_list); }
+
+  int append(const T& value) final { return insertBefore(nullptr, value); }
+  int append(T&& value) final { return insertBefore(nullptr, std::move(value)); }
+  int append(const ZoSequence<T>& other) final {
+    ZoList copies;
+    if (const int status = copies.makeMem()) return status;
+    for (const T& element : other) {
+      if (const int status = copies.append(element)) return status;
+    }
+    if (const int status = makeMem()) return status;
+    m_list.appendAll(copies.m_list);
+    return ZoResult::ok;
+  }
+  // Makes the element in its place; std::bad_alloc of its constructor gives 2.
+  template <class... Arguments>
+  int emplace(Arguments&&... arguments) {
+    return insertBefore(nullptr, std::forward<Arguments>(arguments)...);
+  }
+  int insertAt(unsigned i, const T& value) final {
+    return i > entries() ? ZoResult::refused : insertBefore(m_list.getNodeAtIndex(i), value);
+  }
+  int insertAt(unsigned i, T&& value) final {
+    return i > entries() ? ZoResult::refused
+                         : insertBefore(m_list.getNodeAtIndex(i), std::move(value));
+  }
+  int fillAt(unsigned i, unsigned n, const T& value) final {
+    if (const int status = makeMem()) return status;
+    return m_list.fillAt(i, n, &value);
+  }
+  int copyFrom(const ZoSequence<T>& other) final {
+    if (this == &other) return ZoResult::ok;
+    ZoList copy;
+    if (const int status = copy.append(other)) return status;
+    *this = std::move(copy);
+    return ZoResult::ok;
+  }
+
+  using ZoSequence<T>::index;
+  [[nodiscard]] unsigned index(const T& value, const ZoCompare<T>& compare) const final {
+    const ZoListCompare<T> adapter(compare);
+    return m_list.index(&value, &adapter);
+  }
+  using ZoSequence<T>::remove;
+  int remove(const T& value, const ZoCompare<T>& compare, bool all = false) final {
+    const ZoListCompare<T> adapter(compare);
+    return m_list.remove(&value, &adapter, all);
+  }
+  int removeAll(bool freeMemory = false) final { return m_list.removeAll(freeMemory); }
+  using ZoSequence<T>::sort;
+  int sort(const ZoCompare<T>& compare, bool ascending = true) final {
+    const ZoListCompare<T> adapter(compare);
+    return m_list.sort(&adapter, ascending);
+  }
+  int reverse() final { return m_list.reverse(); }
+  int apply(ZoListApply<T>& applyFn) { return m_list.apply(&applyFn); }
+
+  void walk(zo::SequenceCursor& cursor) const final {
+    ZoVListNode* const node =
+        cursor.node ? static_cast<ZoVListNode*>(cursor.node)->next : m_list.m_first;
+    cursor.node = node;
+    cursor.element = elementOf(node);
+  }
+  [[nodiscard]] const ZoVList& engine() const noexcept { return m_list; }
+
+ protected:
+  T* locate(unsigned i) const noexcept final { return elementOf(m_list.getNodeAtIndex(i)); }
+  int take(unsigned i, T* out) final { return m_list.removeAt(i, out); }
+
+ private:
+  template <class E>
+  friend class ZoListIterator;
+  template <class E>
+  friend class ZoListCIterator;
+
+  static void check(int status) {
+    if (status == ZoResult::outOfMemory) throw std::bad_alloc();
+  }
+  [[nodiscard]] static T* elementOf(ZoVListNode* node) noexcept {
+    return node ? &static_cast<ZoListNode<T>*>(node)->element : nullptr;
+  }
+  int makeMem() {
+    if (!m_list.m_mem) m_list.m_mem = new (std::nothrow) ZoListMem<T>;
+    return m_list.m_mem ? ZoResult::ok : ZoResult::outOfMemory;
+  }
+  // In front of a node, or at the end when it is null.
+  template <class... Arguments>
+  int insertBefore(ZoVListNode* before, Arguments&&... arguments) {
+    if constexpr (std::is_constructible_v<T, Arguments...>) {
+      if (const int status = makeMem()) return status;
+      ZoVListNode* node = nullptr;
+      if (const int status = static_cast<ZoListMem<T>*>(m_list.m_mem)
+                                 ->make(node, std::forward<Arguments>(arguments)...)) {
+        return status;
+      }
+      m_list.link(node, before ? before->prev : m_list.m_last);
+      return ZoResult::ok;
+    } else {
+      return ZoResult::refused;
+    }
+  }
+
+  ZoVList m_list;
+};

@@ -1,0 +1,6 @@
+// Positions in containers: unsigned 32-bit, 0 ... entries - 1.
+#pragma once
+
+namespace zo {
+inline constexpr unsigned npos = 0xFFFFFFFF;  // no position
+}

@@ -1,0 +1,260 @@
+// ZoTree<T, K, C>: a dictionary in a balanced tree, ordered by the comparison C of its keys.
+//
+// Entries are visited in the order of their keys. Keys and values keep their addresses until they are removed.
+// Values and keys that can only be moved are fine; operations that copy refuse them with 1.
+//
+// Errors, Threads, Cost: as in vtree.h. Range-for iterators hold until the tree gains or loses an entry.
+#pragma once
+
+#include <zo/text/containers/dict.h>
+#include <zo/text/containers/vtree.h>
+
+#include <initializer_list>
+
+namespace zo {
+
+template <class T, class K>
+struct TreeEntry {
+  template <class Key, class Value>
+  TreeEntry(Key&& k, Value&& v) : key(std::forward<Key>(k)), value(std::forward<Value>(v)) {}
+  K key;
+  T value;
+};
+
+template <class T, class K>
+struct TreeNode : ZoVTreeNode {
+  template <class Key, class Value>
+  TreeNode(Key&& k, Value&& v) : entry(std::forward<Key>(k), std::forward<Value>(v)) {
+    element = &entry;
+  }
+  TreeEntry<T, K> entry;
+};
+
+// Range-for iterator of a tree.
+template <class T, class K>
+class TreeIterator {
+ public:
+  using iterator_concept = std::forward_iterator_tag;
+  using iterator_category = std::input_iterator_tag;
+  using value_type = DictEntry<T, K>;
+  using difference_type = std::ptrdiff_t;
+  using pointer = void;
+  using reference = DictEntry<T, K>;
+
+  TreeIterator() = default;
+  explicit TreeIterator(ZoVTreeNode* root) noexcept { m_path.descendLeft(root); }
+
+  reference operator*() const noexcept {
+    auto* const entry =
+        static_cast<TreeEntry<std::remove_const_t<T>, K>*>(m_path.current()->element);
+    return {entry->key, entry->value};
+  }
+  TreeIterator& operator++() noexcept {
+    m_path.advance();
+    return *this;
+  }
+  TreeIterator operator++(int) noexcept {
+    TreeIterator before = *this;
+    ++*this;
+    return before;
+  }
+  bool operator==(const TreeIterator& other) const noexcept {
+    return m_path.current() == other.m_path.current();
+  }
+  bool operator==(std::default_sentinel_t) const noexcept { return !m_path.current(); }
+
+ private:
+  TreePath m_path;
+};
+
+}  // namespace zo
+
+// The storage of ZoTree.
+template <class T, class K>
+class ZoTreeMem final : public ZoVTreeMem {
+ public:
+  using Node = zo::TreeNode<T, K>;
+  using Entry = zo::TreeEntry<T, K>;
+
+  ZoTreeMem() noexcept : ZoVTreeMem(sizeof(Node), alignof(Node)) {}
+
+  [[nodiscard]] ZoVTreeMem* makeNew() const override { return new (std::nothrow) ZoTreeMem; }
+  int newNode(const void* key, const void* value, ZoVTreeNode*& node) override {
+    node = nullptr;
+    if constexpr (std::is_copy_constructible_v<K> && std::is_copy_constructible_v<T>) {
+      if (value) return makeNode(node, *static_cast<const K*>(key), *static_cast<const T*>(value));
+    }
+    return ZoResult::refused;
+  }
+  void deleteNode(ZoVTreeNode* node) override {
+    std::destroy_at(static_cast<Node*>(node));
+    m_pool.release(node);
+  }
+  [[nodiscard]] const void* key(const void* element) const override {
+    return &static_cast<const Entry*>(element)->key;
+  }
+  [[nodiscard]] void* value(void* element) const override {
+    return &static_cast<Entry*>(element)->value;
+  }
+  int assignKey(void* to, const void* from) override { return zo::assignElement<K>(to, from); }
+  int assignValue(void* to, const void* from) override { return zo::assignElement<T>(to, from); }
+  int moveValue(void* to, void* from) override { return zo::moveElement<T>(to, from); }
+
+  template <class Key, class Value>
+  int makeNode(ZoVTreeNode*& node, Key&& key, Value&& value) {
+    node = nullptr;
+    void* const place = m_pool.allocate();
+    if (!place) return ZoResult::outOfMemory;
+    try {
+      node = ::new (place) Node(std::forward<Key>(key), std::forward<Value>(value));
+      return ZoResult::ok;
+    } catch (const std::bad_alloc&) {
+      m_pool.release(place);
+      return ZoResult::outOfMemory;
+    } catch (...) {
+      m_pool.release(place);
+      throw;
+    }
+  }
+};
+
+template <class T, class K, class C = ZoCICompare<K>>
+class ZoTree : public ZoDict<T, K> {
+ public:
+  ZoTree() noexcept : m_tree(nullptr) {}
+  ZoTree(std::initializer_list<std::pair<K, T>> entries) : ZoTree() {
+    for (const auto& [key, value] : entries)
+      check(insertAt(key, value));  // the first of equal keys stays
+  }
+  explicit ZoTree(const ZoDict<T, K>& other) : ZoTree() { check(this->insertAll(other)); }
+  // Copies throw std::bad_alloc when there is no memory; moves leave the other tree empty and usable.
+  ZoTree(const ZoTree& other) : ZoDict<T, K>(other), m_tree(nullptr), m_compare(other.m_compare) {
+    check(this->insertAll(other));
+  }
+  ZoTree(ZoTree&& other) noexcept
+      : ZoDict<T, K>(), m_tree(std::move(other.m_tree)), m_compare(other.m_compare) {}
+  ZoTree& operator=(const ZoTree& other) { return *this = static_cast<const ZoDict<T, K>&>(other); }
+  ZoTree& operator=(ZoTree&& other) noexcept {
+    m_tree = std::move(other.m_tree);
+    return *this;
+  }
+  ZoTree& operator=(const ZoDict<T, K>& other) {
+    if (this != &other) *this = ZoTree(other);
+    return *this;
+  }
+  ~ZoTree() override = default;
+
+  [[nodiscard]] unsigned entries() const noexcept final { return m_tree.count(); }
+
+  [[nodiscard]] auto begin() noexcept { return zo::TreeIterator<T, K>(m_tree.m_root); }
+  [[nodiscard]] auto begin() const noexcept { return zo::TreeIterator<const T, K>(m_tree.m_root); }
+  [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
+
+  // The smallest and the largest key; null when empty.
+  [[nodiscard]] const K* firstKey() const noexcept { return keyOf(m_tree.first()); }
+  [[nodiscard]] const K* lastKey() const noexcept { return keyOf(m_tree.last()); }
+  // The position of a key in order, or npos. O(n).
+  [[nodiscard]] unsigned index(const K& key) const {
+    const ZoTreeCompare<K> adapter(m_compare);
+    unsigned i = zo::npos;
+    static_cast<void>(m_tree.getIndex(&key, &i, &adapter));  // leaves npos when absent
+    return i;
+  }
+  int findKey(const K& key, K& outKey) const final {
+    const ZoVTreeNode* const node = find(key);
+    return node ? zo::assignElement<K>(&outKey, keyOf(node->element)) : ZoResult::refused;
+  }
+
+  int insertAt(const K& key, const T& value) final {
+    if constexpr (std::is_copy_constructible_v<K> && std::is_copy_constructible_v<T>) {
+      return insertNew(key, value);
+    } else {
+      return ZoResult::refused;
+    }
+  }
+  int insertAt(K&& key, T&& value) final { return insertNew(std::move(key), std::move(value)); }
+
+  int removeAll(bool = false) final { return m_tree.removeAll(); }  // always gives the memory back
+
+  void walk(zo::DictCursor& cursor) const final {
+    ZoVTreeNode* const node = cursor.node ? following(*static_cast<const K*>(cursor.key))
+                                          : ZoVTree::firstNode(m_tree.m_root);
+    cursor.node = node;
+    if (node) {
+      cursor.key = keyOf(node->element);
+      cursor.value = valueOf(node);
+    }
+  }
+  [[nodiscard]] const ZoVTree& engine() const noexcept { return m_tree; }
+
+ protected:
+  T* locate(const K& key) const final {
+    ZoVTreeNode* const node = find(key);
+    return node ? valueOf(node) : nullptr;
+  }
+  int take(const K& key, T* out) final {
+    const ZoTreeCompare<K> adapter(m_compare);
+    return m_tree.removeAt(&key, out, &adapter);
+  }
+
+ private:
+  using Entry = zo::TreeEntry<T, K>;
+
+  template <class Make>
+  class Maker final : public zo::TreeNodeMaker {
+   public:
+    explicit Maker(Make make) : m_make(make) {}
+    int make(ZoVTreeNode*& node) override { return m_make(node); }
+
+   private:
+    Make m_make;
+  };
+
+  static void check(int status) {
+    if (status == ZoResult::outOfMemory) throw std::bad_alloc();
+  }
+  [[nodiscard]] static const K* keyOf(const void* element) noexcept {
+    return element ? &static_cast<const Entry*>(element)->key : nullptr;
+  }
+  [[nodiscard]] static T* valueOf(ZoVTreeNode* node) noexcept {
+    return &static_cast<Entry*>(node->element)->value;
+  }
+
+  [[nodiscard]] ZoVTreeNode* find(const K& key) const {
+    ZoVTreeNode* node = m_tree.m_root;
+    while (node) {
+      const int order = m_compare.C::compare(key, *keyOf(node->element));
+      if (order == 0) break;
+      node = order < 0 ? node->left : node->right;
+    }
+    return node;
+  }
+  // The first node whose key is greater.
+  [[nodiscard]] ZoVTreeNode* following(const K& key) const {
+    ZoVTreeNode* found = nullptr;
+    for (ZoVTreeNode* node = m_tree.m_root; node;) {
+      if (m_compare.C::compare(key, *keyOf(node->element)) < 0) {
+        found = node;
+        node = node->left;
+      } else {
+        node = node->right;
+      }
+    }
+    return found;
+  }
+
+  template <class Key, class Value>
+  int insertNew(Key&& key, Value&& value) {
+    if (!m_tree.m_mem) m_tree.m_mem = new (std::nothrow) ZoTreeMem<T, K>;
+    if (!m_tree.m_mem) return ZoResult::outOfMemory;
+    Maker maker([&](ZoVTreeNode*& node) {
+      return static_cast<ZoTreeMem<T, K>*>(m_tree.m_mem)
+          ->makeNode(node, std::forward<Key>(key), std::forward<Value>(value));
+    });
+    const ZoTreeCompare<K> adapter(m_compare);
+    return m_tree.insertMade(&key, maker, &adapter);
+  }
+
+  ZoVTree m_tree;
+  C m_compare;
+};

@@ -1,0 +1,174 @@
+// The array engine: a growable table of elements of unknown type, its storage and its iterator.
+//
+// Everything that depends on the element type goes through the storage object; ZoArray<T> supplies it and is what
+// programs use. Pointers to elements stay valid until the array grows, shrinks or moves elements.
+//
+// Errors:  0 success; 1 refused (position out of range, null value or object, full with grow size 0, no storage,
+//          an element that cannot be copied); 2 out of memory, and then nothing has changed. An exception of an
+//          element's copy leaves the elements as they were; only reverse, setAt and fillAt over present elements
+//          keep just what the element's own assignment keeps. Constructors and assignment, which have no status,
+//          throw std::bad_alloc.
+// Threads: any number of readers, or one writer.
+// Cost:    access O(1); growing by a fixed step makes n appends O(n * n / step); insertion and removal O(elements
+//          behind); sort O(n log n), stable.
+#pragma once
+
+#include <zo/config.h>
+#include <zo/text/containers/position.h>
+#include <zo/text/containers/vcallbacks.h>
+
+#include <cstddef>
+
+template <class T, class Table>
+class ZoArray;
+
+// The block of an array: elements side by side. It does not know how many of its cells hold elements; each call is
+// told.
+class ZO_COM_API ZoVArrayTable {
+ public:
+  virtual ~ZoVArrayTable();  // the elements have been erased before
+
+  // An empty storage of the same type; null when there is no memory.
+  [[nodiscard]] virtual ZoVArrayTable* makeNew() const = 0;
+  // Moves the elements to a block of the given number of cells (at least `entries`).
+  virtual int reallocate(unsigned capacity, unsigned entries) = 0;
+  // Opens a gap of n cells in front of position i and fills it with copies of *value, or with elements made without
+  // a value when it is null. There is room. *value may be one of the elements.
+  virtual int insert(unsigned i, unsigned n, const void* value, unsigned entries) = 0;
+  // Copies n elements that lie side by side to the end. There is room.
+  virtual int appendCopies(const void* from, unsigned n, unsigned entries) = 0;
+  virtual int assign(void* to, const void* from) = 0;
+  virtual int moveOut(void* to, void* from) = 0;
+  // Destroys n elements from position i on and closes the gap. Cannot fail at the end.
+  virtual int erase(unsigned i, unsigned n, unsigned entries) = 0;
+  // Destroys all elements but n, to which it is given pointers in the order of the elements.
+  virtual int keep(void* const* kept, unsigned n, unsigned entries) = 0;
+  virtual void exchange(unsigned i, unsigned j) = 0;
+  // Arranges the elements in the order of the pointers to them.
+  virtual int reorder(void* const* order, unsigned entries) = 0;
+
+  [[nodiscard]] void* at(unsigned i) const noexcept {
+    return static_cast<char*>(m_data) + std::size_t{i} * m_elementSize;
+  }
+
+ protected:
+  explicit ZoVArrayTable(unsigned elementSize) noexcept : m_elementSize(elementSize) {}
+  ZoVArrayTable(const ZoVArrayTable&) = delete;
+  ZoVArrayTable& operator=(const ZoVArrayTable&) = delete;
+
+  void* m_data = nullptr;
+  unsigned m_elementSize;
+  unsigned m_cells = 0;
+};
+
+class ZO_COM_API ZoVArray {
+ public:
+  // Takes the storage over; null means no storage, and then every change is refused.
+  explicit ZoVArray(ZoVArrayTable* table, unsigned capacity = 0, unsigned growSize = 0);
+  ZoVArray(const ZoVArray& other);
+  ZoVArray(ZoVArray&& other) noexcept;  // the other is left without storage
+  ZoVArray& operator=(const ZoVArray& other);
+  ZoVArray& operator=(ZoVArray&& other) noexcept;
+  ~ZoVArray();
+
+  [[nodiscard]] unsigned entries() const noexcept { return m_entries; }
+  [[nodiscard]] bool isEmpty() const noexcept { return m_entries == 0; }
+  [[nodiscard]] unsigned capacity() const noexcept { return m_capacity; }
+  [[nodiscard]] unsigned growSize() const noexcept { return m_growSize; }
+  [[nodiscard]] bool isValid(unsigned i) const noexcept { return i < m_entries; }
+
+  // The element, or null.
+  [[nodiscard]] void* at(unsigned i) const noexcept {
+    return i < m_entries ? m_table->at(i) : nullptr;
+  }
+  [[nodiscard]] void* first() const noexcept { return at(0); }
+  [[nodiscard]] void* last() const noexcept { return at(m_entries - 1); }
+  int getAt(unsigned i, void* out) const;  // copies to *out
+  int setAt(unsigned i, const void* value);
+
+  // The first position whose element compares equal to *value, or npos.
+  [[nodiscard]] unsigned index(const void* value, const ZoVArrayCompare* compare) const;
+  // Same number of elements, and all compare equal.
+  [[nodiscard]] bool isEqualTo(const ZoVArray& other, const ZoVArrayCompare* compare) const;
+
+  // Values may be elements of this array, and `other` may be this array.
+  int append(const void* value) { return insertAt(m_entries, value); }
+  int append(const ZoVArray& other);
+  int prepend(const void* value) { return insertAt(0, value); }
+  int insertAt(unsigned i, const void* value);  // in front of position i; i == entries() appends
+  // Sets n elements from position i on, and appends those that lie past the end.
+  int fillAt(unsigned i, unsigned n, const void* value);
+  int apply(ZoVArrayApply* applyFn) const;
+
+  // Removes the first element that compares equal, or all of them; 1 when there is none.
+  int remove(const void* value, const ZoVArrayCompare* compare, bool all);
+  // The removed element is moved to *out unless out is null.
+  int removeFirst(void* out) { return removeAt(0, out); }
+  int removeLast(void* out) { return removeAt(m_entries - 1, out); }
+  int removeAt(unsigned i, void* out);
+  int removeAll(bool freeMemory);  // true gives the block back too: the capacity is then 0
+
+  // Stable in both directions.
+  int sort(const ZoVArrayCompare* compare, bool ascending);
+  int reverse();
+
+  // Sets the capacity, whatever the grow size; elements past it are removed.
+  int resize(unsigned capacity);
+  int copyFrom(
+      const ZoVArray& other);  // replaces the elements; capacity may grow, the grow size stays
+  int shiftLeft(unsigned n);   // removes the first n elements; 1 when there are fewer
+  int shiftRight(unsigned n);  // puts n elements made without a value in front
+  int growArray();             // by one grow size; 1 when that is 0
+  void setGrowSize(unsigned n) noexcept { m_growSize = n; }
+
+  // True when the fields agree with each other.
+  [[nodiscard]] bool validate() const noexcept;
+
+ private:
+  template <class T, class Table>
+  friend class ZoArray;
+
+  int makeRoom(unsigned n);                         // for n more elements, in whole grow steps
+  int makeRoomFor(unsigned n, const void*& value);  // follows a value that is an element
+  void swap(ZoVArray& other) noexcept;
+
+  unsigned m_entries = 0;
+  unsigned m_capacity = 0;
+  unsigned m_growSize = 0;
+  ZoVArrayTable* m_table;
+};
+
+static_assert(sizeof(ZoVArray) == 24, "entries, capacity, grow size, storage");
+
+// Walks an array by position, so it survives every change of the array: it stands on whatever element has its
+// position now, and is not valid when there is none. The array itself must outlive it.
+class ZO_COM_API ZoVArrayIterator {
+ public:
+  explicit ZoVArrayIterator(ZoVArray& array) noexcept : m_array(&array) {}
+  ZoVArrayIterator(const ZoVArrayIterator&) = default;
+  ZoVArrayIterator& operator=(const ZoVArrayIterator&) = default;
+  virtual ~ZoVArrayIterator();
+
+  // The order of these is part of the interface. Movements tell whether the iterator is valid afterwards.
+  virtual void reset();                 // to the first element
+  virtual void reset(ZoVArray& array);  // to the first element of another array
+  virtual bool isValid() const;
+  virtual void* current() const;  // null when not valid
+  virtual bool atFirst() const;
+  virtual bool atLast() const;
+  virtual bool toFirst();
+  virtual bool toLast();
+  virtual bool to(unsigned i);
+  virtual bool next();
+  virtual bool prev();  // not valid in front of the first element
+  virtual int insert(
+      const void* value);  // in front of the current element, or at the end; stands on it then
+  virtual int remove(void* out);  // stands on the following element then
+  // To the next (previous) element behind (before) the current one that compares equal.
+  virtual bool findNext(const void* value, const ZoVArrayCompare* compare);
+  virtual bool findPrev(const void* value, const ZoVArrayCompare* compare);
+
+ private:
+  ZoVArray* m_array;
+  unsigned m_position = 0;
+};

@@ -1,0 +1,29 @@
+// GUIDs as text: "{6F9619FF-8B86-d011-B42D-00CF4FC964FF}".
+//
+// The third group is written in lower case and all others in upper case: stored texts carry it so.
+// Reading takes either case, but asks for both braces, although writing can leave them out.
+//
+// Errors:  nothing throws but std::bad_alloc.
+// Threads: any.
+#pragma once
+
+#include <zo/config.h>
+#include <zo/text/string.h>
+
+#include <guiddef.h>
+
+// Room for the text with its terminating zero.
+inline constexpr unsigned int ZoGuidTextSize = 39;
+
+// Writes the text, zero-terminated, to a buffer of ZoGuidTextSize characters.
+ZO_COM_API void ZoGuid2String(const _GUID& guid, wchar_t* buffer, bool braces = true) noexcept;
+ZO_COM_API ZoString& ZoGuid2String(const _GUID& guid, ZoString& out, bool braces = true);
+
+// Reads the first GUID text that stands in a text. Returns 0; or 1, and then the GUID stays as it
+// was. Only the opening brace, the four dashes and the closing brace are looked for, in this order;
+// a group is read from behind its delimiter as far as hexadecimal digits go, at most its own number
+// of them, and what follows up to the next delimiter is passed over. So short groups are taken with
+// zeros in front.
+[[nodiscard]] ZO_COM_API int ZoString2Guid(const ZoString& text, _GUID& guid) noexcept;
+
+ZO_COM_API void ZoSetNullGuid(_GUID& guid) noexcept;

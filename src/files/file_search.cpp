@@ -1,0 +1,96 @@
+#include <windows.h>
+#include <zo/files/file_search.h>
+#include <zo/system/registry.h>
+#include <zo/system/sys_disp.h>
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "system/notice_data.h"
+#include "system/service_scope.h"
+
+namespace {
+
+std::atomic<int> reactorsAlive = 0;
+
+bool isFile(const wchar_t* name) noexcept {
+  const DWORD attributes = GetFileAttributesW(name);
+  return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+bool isFolder(const wchar_t* name) noexcept {
+  const DWORD attributes = GetFileAttributesW(name);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+// The name as seen from the current directory of its drive.
+ZoFileName absolute(const ZoFileName& name) {
+  std::wstring full(GetFullPathNameW(name.fullName(), 0, nullptr, nullptr), L'\0');
+  full.resize(
+      GetFullPathNameW(name.fullName(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+  return ZoFileName(std::wstring_view(full));
+}
+
+}  // namespace
+
+void ZoStdFileSearch::onReactor(ZoSysNotice notice, const ZoVariant& data) {
+  if (notice != ZoSysNotice::moduleLoaded || ZoFileSearchReactor::isAlive()) return;
+  if (!zo::isThisLibrary(zo::moduleOf(data))) return;
+  auto reactor = std::make_unique<ZoFileSearchReactor>();
+  if (ZoSystem::sysDisp().addReactor(reactor.get()) == ZoResult::ok)
+    static_cast<void>(reactor.release());
+}
+
+int ZoStdFileSearch::release(const wchar_t* module) { return zo::releaseWithLibrary(this, module); }
+
+void ZoStdFileSearch::poolRelease(const wchar_t* module) {
+  if (!module) return;
+  const zo::Writing writing(*this);
+  if (!writing) return;
+  for (unsigned int i = paths_.entries(); i-- > 0;)
+    if (paths_[i].module.equals(module, ZoString::ignoreCase)) paths_.removeAt(i);
+}
+
+int ZoStdFileSearch::addPath(const ZoFileName& folder, const wchar_t* module) {
+  const zo::Writing writing(*this);
+  if (!writing || !isFolder(folder.fullName())) return ZoResult::refused;
+  ZoFileName full;
+  if (full.setFullName(absolute(folder).fullName(), false, true) != ZoResult::ok)
+    return ZoResult::refused;
+  for (const Path& path : paths_)
+    if (path.folder == full) return ZoResult::refused;
+  return paths_.append(Path{full.deepCopy(), ZoString(module).copy()});
+}
+
+int ZoStdFileSearch::find(const ZoFileName& name, ZoFileName& found) {
+  const zo::Reading reading(*this);
+  if (!reading || name.isEmpty()) return ZoResult::refused;
+  if (isFile(name.fullName())) {
+    found = absolute(name);
+    return ZoResult::ok;
+  }
+  if (!name.isRelativ()) return ZoResult::refused;
+  for (const Path& path : paths_) {
+    ZoFileName candidate = name.resolvedAgainst(path.folder);
+    if (!isFile(candidate.fullName())) continue;
+    found = std::move(candidate);
+    return ZoResult::ok;
+  }
+  return ZoResult::refused;
+}
+
+ZoFileSearchReactor::ZoFileSearchReactor() noexcept { ++reactorsAlive; }
+ZoFileSearchReactor::~ZoFileSearchReactor() { --reactorsAlive; }
+bool ZoFileSearchReactor::isAlive() noexcept { return reactorsAlive > 0; }
+
+double ZoFileSearchReactor::priority() { return 1.0; }
+
+void ZoFileSearchReactor::onNotice(ZoSysNotice notice, const ZoVariant& data) {
+  if (notice == ZoSysNotice::moduleReleased) ZoSystem::fileSearch().poolRelease(zo::moduleOf(data));
+}
+
+int ZoFileSearchReactor::release(const wchar_t* module) {
+  return zo::releaseWithLibrary(this, module);
+}

@@ -1,0 +1,18 @@
+// The locks that all of the library shares in a process. They exist from zoComDllAttach to
+// zoComDllDetach.
+#pragma once
+
+#include <windows.h>
+#include <zo/system/guard.h>
+
+namespace zo {
+
+struct ProcessLocks {
+  CRITICAL_SECTION files;    // operations on library files
+  CRITICAL_SECTION decoder;  // the one buffer of the legacy decoder
+  ZoSingleWriterMultiReaderGuard guard;
+  bool attached;
+};
+extern ProcessLocks processLocks;
+
+}  // namespace zo

@@ -1,0 +1,94 @@
+// Elements that tell what a container does with them, and memory that runs out on demand.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <new>
+#include <stdexcept>
+
+namespace telltale {
+
+struct CopyFailed : std::runtime_error {
+  CopyFailed() : std::runtime_error("copy") {}
+};
+
+enum class Failure { kException, kNoMemory };
+
+// What the n-th copy from now on does; 0 means every copy works.
+inline int copiesUntilFailure = 0;
+inline Failure failure = Failure::kException;
+inline int live = 0;    // elements that exist
+inline int broken = 0;  // uses of an element that does not
+
+inline void copying() {
+  if (copiesUntilFailure == 0 || --copiesUntilFailure > 0) return;
+  if (failure == Failure::kNoMemory) throw std::bad_alloc();
+  throw CopyFailed();
+}
+
+// Counts itself, notices use before construction and after destruction, and fails to be copied on demand. With
+// kMoves it has a move that cannot throw, else only the copy.
+template <bool kMoves>
+class Element {
+ public:
+  Element() : Element(0) {}
+  Element(int v) : value(v) { ++live; }  // NOLINT: a value is an element in these tests
+  Element(const Element& other) : value(other.checked().value) {
+    copying();
+    ++live;
+  }
+  Element(Element&& other) noexcept
+    requires kMoves
+      : value(other.checked().value) {
+    other.value = -1;
+    ++live;
+  }
+  Element& operator=(const Element& other) {
+    checked();
+    copying();
+    value = other.checked().value;
+    return *this;
+  }
+  Element& operator=(Element&& other) noexcept
+    requires kMoves
+  {
+    checked();
+    value = other.checked().value;
+    if (this != &other) other.value = -1;
+    return *this;
+  }
+  ~Element() {
+    checked();
+    m_magic = 0;
+    --live;
+  }
+
+  bool operator==(const Element& other) const { return checked().value == other.checked().value; }
+  bool operator<(const Element& other) const { return checked().value < other.checked().value; }
+
+  int value;
+
+ private:
+  const Element& checked() const {
+    if (m_magic != kMagic) ++broken;
+    return *this;
+  }
+
+  static constexpr unsigned kMagic = 0x600DF00D;
+  unsigned m_magic = kMagic;
+};
+
+using Mover = Element<true>;
+using Copier = Element<false>;
+
+// The n-th request of a container for memory fails, and those after it; 0 means none does.
+inline int requestsUntilFailure = 0;
+
+}  // namespace telltale
+
+template <bool kMoves>
+struct std::hash<telltale::Element<kMoves>> {
+  std::size_t operator()(const telltale::Element<kMoves>& e) const {
+    return static_cast<std::size_t>(e.value) * 7;
+  }
+};

@@ -1,0 +1,11 @@
+// How many kernel handles this process has open, for tests that nothing is left behind.
+//
+// Warm up what is measured before the first count: runtime and platform open handles once, too.
+#pragma once
+
+namespace zo::test {
+
+// Throws std::runtime_error when the system does not tell.
+[[nodiscard]] unsigned long openHandles();
+
+}  // namespace zo::test
