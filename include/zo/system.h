@@ -1,7 +1,30 @@
-// System services: the guard, the service base, the registry and its services.
+// System services: life cycle, registry, notices, and the fifteen services.
 #pragma once
 
+#include <zo/files/file_open.h>
+#include <zo/files/file_search.h>
+#include <zo/files/file_system.h>
+#include <zo/system/cad.h>
+#include <zo/system/cfg.h>
+#include <zo/system/codepage.h>
 #include <zo/system/dll_version.h>
+#include <zo/system/err_log.h>
+#include <zo/system/error.h>
+#include <zo/system/exception.h>
+#include <zo/system/execute.h>
 #include <zo/system/guard.h>
+#include <zo/system/layer.h>
+#include <zo/system/life_cycle.h>
+#include <zo/system/macro_lib.h>
+#include <zo/system/message.h>
+#include <zo/system/reactor.h>
+#include <zo/system/registry.h>
+#include <zo/system/standard_mgr.h>
+#include <zo/system/std_error.h>
+#include <zo/system/std_sys_disp.h>
+#include <zo/system/sys_disp.h>
+#include <zo/system/sys_info.h>
 #include <zo/system/sys_notice.h>
 #include <zo/system/sys_obj.h>
+#include <zo/system/sys_str.h>
+#include <zo/system/units.h>

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <zo/variant/guid.h>
+#include <zo/variant/ole_variant.h>
 #include <zo/variant/type.h>
 #include <zo/variant/type_code.h>
 #include <zo/variant/variant.h>
+#include <zo/variant/variant_report.h>

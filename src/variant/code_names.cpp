@@ -81,8 +81,8 @@ constexpr CodeNames kCodes[] = {
     {ZoTypeCode::FavoriteClass, L"FavoriteClass", L"FavoriteClass"},
     {ZoTypeCode::FavoriteCatalog, L"FavoriteCatalog", L"FavoriteCatalog"},
     {ZoTypeCode::Pointer, L"Pointer", L"Pointer"},
-    {ZoTypeCode::IUnknown, L"IUnknown", L"Unknown"},
-    {ZoTypeCode::IDispatch, L"IDispatch", L"Dispatch"},
+    {ZoTypeCode::Unknown, L"IUnknown", L"Unknown"},
+    {ZoTypeCode::Dispatch, L"IDispatch", L"Dispatch"},
 };
 constexpr size_t kCount = std::size(kCodes);
 

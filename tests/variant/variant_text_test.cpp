@@ -50,7 +50,7 @@ ZoVariant sampleTree() {
   list.append(ZoVariant(ZoPoint(1, -2.5, 1e-7)));
   list.append(ZoVariant(ZoVector(0, 0, 1), ZoTypeCode::XDirection));
   list.append(ZoVariant(std::int64_t{-5}, ZoTypeCode::Date));
-  list.append(ZoVariant(reinterpret_cast<void*>(0x1234), ZoTypeCode::IDispatch));
+  list.append(ZoVariant(reinterpret_cast<void*>(0x1234), ZoTypeCode::Dispatch));
   list.append(ZoVariant(L"DIN 912", ZoTypeCode::Catalog));
   list.append(ZoVariant(true, ZoTypeCode::NoType));
   list.append(ZoVariant(7, ZoTypeCode::Length));  // does not fit: code 0

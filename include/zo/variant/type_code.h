@@ -85,8 +85,8 @@ enum class ZoTypeCode : unsigned int {
   FavoriteCatalog,
 
   Pointer = 0x2900,
-  IUnknown,
-  IDispatch,
+  Unknown,   // IUnknown*
+  Dispatch,  // IDispatch*
 };
 
 // Bits of a flag word.

@@ -1,0 +1,127 @@
+// A client: starts the library, asks each of its services something, and stops it.
+#include <zo/system.h>
+#include <zo/variant.h>
+
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+void expect(bool held, const char* what) {
+  if (!held) throw std::runtime_error(what);
+}
+
+void errorsAndMessages() {
+  // No user sits before this program: reports go to a text. The registry owns the new service.
+  std::wostringstream report;
+  ZoSystem::setError(new ZoErrLog(&report));
+  ZoSystem::error().warning(L"client.cpp", __LINE__, L"%d parts left out", 3);
+  expect(report.str().starts_with(L"\n\n*** Warning: 3 parts left out\n"), "a warning in the log");
+
+  try {
+    zoThrow(ZoComException(L"client.cpp", L"errorsAndMessages", L"no such part", __LINE__, true));
+  } catch (const std::exception& e) {
+    expect(std::string(e.what()) == "no such part", "the message of an exception");
+  }
+
+  // Taken out again, the log is ours, and the standard service in force.
+  ZoError* const log = &ZoSystem::error();
+  ZoSystem::setError(nullptr);
+  delete log;
+
+  ZoString text(L"%1 parts were left out");  // for want of a message file
+  ZoSystem::message().getText(L"parts", 17, text);
+  expect(text == L"%1 parts were left out", "the text that the caller brought");
+}
+
+void settings() {
+  ZoCfg& cfg = ZoSystem::cfg();
+  expect(cfg.init(L"", nullptr) == 0, "keys that are full paths");
+  expect(cfg.replaceAt(L"Software@zo_com example@zof@parts@repType2d", ZoVariant(2)) == 0,
+         "a setting is written");
+  expect(cfg.at(L"Software@zo_com example@zof@parts@repType2d", ZoVariant(0), false).asInt() == 2,
+         "and read");
+  expect(cfg.removeAt(L"Software@zo_com example@") == 0, "a key is removed with all below it");
+  expect(cfg.init(nullptr, nullptr) == 0, "the keys of the product");
+}
+
+void unitsAndTexts() {
+  ZoString text;
+  double length = 0;
+  expect(ZoSystem::units().print(12.5, ZoTypeCode::Length, text) == 0, "a length as text");
+  expect(ZoSystem::units().parse(text, ZoTypeCode::Length, length) == 0 && length == 12.5,
+         "and back");
+
+  std::string bytes;
+  expect(
+      ZoSystem::codepage().toBytes(L"\u03C0", ZoCodepage::kUtf8, ZoCodepage::kRefuse, bytes) == 0 &&
+          bytes == "\xCF\x80",
+      "a text as UTF-8");
+}
+
+void filesAndPrograms() {
+  ZoString folder;
+  expect(ZoSystem::sysInfo().folder(ZoSysInfo::kProgram, folder) == 0, "where we lie");
+  ZoFileName found;
+  expect(ZoSystem::fileSearch().addPath(ZoFileName(folder), L"client") == 0, "a search path");
+  expect(ZoSystem::fileSearch().find(ZoFileName(L"zo_com.dll"), found) == 0, "a file is found");
+
+  const ZoFileName absent(L"C:\\there is no such program.exe");
+  expect(ZoSystem::execute().shell(absent, nullptr, 1) == ZoExecute::kFileNotFound,
+         "what is not there is not started");
+  expect(ZoSystem::fileOpen().open(absent) != 0, "no host opens it");
+  ZoSystem::fileSystem().errorIO(L"client");  // after a call of the platform has failed
+  expect(!ZoSystem::fileSystem().errorTxt().isEmpty(), "the platform's message");
+}
+
+// Without a host application these have nothing to give, and say so.
+void theAbsentHost() {
+  ZoString text;
+  ZoVariant standard;
+  expect(!ZoSystem::cad().isPresent(), "no host");
+  expect(!ZoSystem::layer().exists(L"0"), "no layers");
+  expect(ZoSystem::macroLib().getMacro(L"standards", text) != 0, "no macros");
+  expect(ZoSystem::standardMgr().getStandard(L"ISO 4014", standard) != 0, "no standards");
+}
+
+void notices() {
+  class PartCount : public ZoCustomReactor {
+   public:
+    void onNotice(const wchar_t*, const ZoVariant&) override { ++count_; }
+    double priority() override { return 1; }
+    int release(const wchar_t*) override { return 1; }
+    void onRequest(const wchar_t*, ZoVariant& answer) override { answer = count_; }
+
+   private:
+    int count_ = 0;
+  };
+  ZoSysDisp& dispatcher = ZoSystem::sysDisp();
+  dispatcher.addReactor(new PartCount);  // the dispatcher owns it now
+  dispatcher.sendNotice(L"part added", ZoVariant(L"M8"));
+  dispatcher.sendNotice(L"part added", ZoVariant(L"M10"));
+  ZoVariant count;
+  dispatcher.sendRequest(L"how many parts", count);
+  expect(count.asInt() == 2, "the answer to a request");
+}
+
+}  // namespace
+
+int main() {
+  if (zoComDllAttach() != 0) return 1;
+  int result = 0;
+  try {
+    errorsAndMessages();
+    settings();
+    unitsAndTexts();
+    filesAndPrograms();
+    theAbsentHost();
+    notices();
+    std::cout << "all fifteen services answered\n";
+  } catch (const std::exception& e) {
+    std::cerr << "not as it should be: " << e.what() << '\n';
+    result = 1;
+  }
+  return zoComDllDetach() == 0 ? result : 1;
+}

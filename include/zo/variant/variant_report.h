@@ -1,0 +1,73 @@
+// What differs between two trees of variants: a list of changes, each with the path to it.
+//
+// The trees are walked side by side. Entries of dictionaries belong together by key. Elements of
+// sequences belong together by position, once those that are equal at both ends are set aside: one
+// element inserted in the middle is one addition. With anyOrder, equal elements belong together
+// wherever they stand, and what is left over was removed or added.
+//
+// Changes come in the order of the walk: dictionaries by the code units of their keys; in a sequence
+// the changed elements first, then the removed, then the added ones.
+//
+// Errors:  nothing throws but std::bad_alloc. Below ZoVariant::kMaxDepth levels values are compared
+//          as a whole.
+// Threads: as the variants.
+// Cost:    linear in the trees' sizes, with a sort by key; anyOrder is quadratic in the elements that
+//          do not stand in the same places.
+// Text:    docs/variant.md, "Report".
+#pragma once
+
+#include <zo/config.h>
+#include <zo/geometry/tol.h>
+#include <zo/text/string.h>
+#include <zo/variant/variant.h>
+
+#include <iosfwd>
+#include <utility>
+#include <vector>
+
+struct ZoVariantChange {
+  enum Kind : int { kAdded = 1, kRemoved = 2, kChanged = 3 };
+
+  Kind kind = kChanged;
+  // As ZoVariant::find takes it: in the new tree for what was added, else in the old one. Empty for the
+  // trees themselves.
+  ZoString path;
+  // Empty where there is none. Containers that differ only in code or flags stand here without their
+  // elements.
+  ZoVariant before;
+  ZoVariant after;
+
+  friend bool operator==(const ZoVariantChange&, const ZoVariantChange&) = default;
+};
+
+struct ZoVariantReportOptions {
+  ZoTol tol = ZoTol::s_default;  // as in ZoVariant::isEqualTo
+  bool anyOrder = false;         // the order of sequences does not count
+  bool codes = true;             // another type code, or another kind of number, is a change
+  bool flags = true;             // other flags are a change
+};
+
+class ZO_COM_API ZoVariantReport {
+ public:
+  ZoVariantReport() = default;
+  ZoVariantReport(const ZoVariant& before, const ZoVariant& after,
+                  const ZoVariantReportOptions& options = {});
+
+  [[nodiscard]] const std::vector<ZoVariantChange>& changes() const& noexcept { return changes_; }
+  [[nodiscard]] std::vector<ZoVariantChange> changes() && noexcept { return std::move(changes_); }
+  [[nodiscard]] bool isEmpty() const noexcept { return changes_.empty(); }
+  [[nodiscard]] unsigned int count(ZoVariantChange::Kind kind) const noexcept;
+
+  // A sequence with a dictionary for each change: "Change" ("Added", "Removed" or "Changed"), "Path",
+  // and "Before" and "After" where there is one.
+  [[nodiscard]] ZoVariant asVariant() const;
+  // A line for each change, '+', '-' or '*' in front of the path; the values follow in their text
+  // forms, over several lines where they take several. No changes give an empty text.
+  [[nodiscard]] ZoString asText() const;
+
+ private:
+  std::vector<ZoVariantChange> changes_;
+};
+
+// The text.
+ZO_COM_API std::wostream& operator<<(std::wostream& out, const ZoVariantReport& report);

@@ -1,0 +1,182 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <zo/files/file_open.h>
+#include <zo/files/file_search.h>
+#include <zo/files/file_system.h>
+#include <zo/results.h>
+#include <zo/system/cad.h>
+#include <zo/system/layer.h>
+#include <zo/system/macro_lib.h>
+#include <zo/system/message.h>
+#include <zo/system/standard_mgr.h>
+#include <zo/variant/variant.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include "support/printers.h"
+#include "support/temp_folder.h"
+#include "system/other_thread.h"
+
+namespace {
+
+using zo::test::HeldElsewhere;
+using zo::test::TempFolder;
+
+std::wstring ended;
+
+struct Globals : ZoDwgGlobals {
+  explicit Globals(const wchar_t* name) : name_(name) {}
+  ~Globals() override { ended += name_.view(); }
+  ZoString name() override { return name_; }
+  int release(const wchar_t* module) override {
+    if (atRelease) atRelease();
+    if (std::wstring_view(module) != L"mine") return 1;
+    delete this;
+    return 0;
+  }
+  std::function<void()> atRelease;
+
+ private:
+  ZoString name_;
+};
+
+struct Cad : zo::test::Impatient<ZoStdCad> {};
+
+TEST(Cad, KeepsGlobalsByName) {
+  ended.clear();
+  {
+    Cad cad;
+    EXPECT_FALSE(cad.isPresent());
+    auto* const a = new Globals(L"a");
+    Globals sameName(L"A"), other(L"o");
+    EXPECT_EQ(cad.dwgGlobals(L"a"), nullptr);
+    EXPECT_EQ(cad.registerGlobals(nullptr), ZoResult::refused);
+    EXPECT_EQ(cad.registerGlobals(a), 0);
+    EXPECT_EQ(cad.registerGlobals(&sameName), ZoResult::refused);
+    EXPECT_EQ(cad.dwgGlobals(L"A"), a);
+    {
+      const HeldElsewhere held(cad);
+      EXPECT_EQ(cad.registerGlobals(&other), ZoResult::refused);
+      EXPECT_EQ(cad.unregisterGlobals(L"a"), ZoResult::refused);
+      EXPECT_EQ(cad.dwgGlobals(L"a"), nullptr);
+      cad.poolRelease(L"mine");
+    }
+    EXPECT_EQ(cad.dwgGlobals(L"o"), nullptr);
+    EXPECT_EQ(cad.registerGlobals(&other), 0);
+    EXPECT_EQ(cad.unregisterGlobals(L"O"), 0) << "handed back";
+    EXPECT_EQ(cad.unregisterGlobals(L"o"), ZoResult::refused);
+    ended.clear();
+  }
+  EXPECT_EQ(ended, L"oAa") << "the service's end destroys what is registered";
+}
+
+TEST(Cad, GlobalsGoWithTheirModule) {
+  Cad* const cad = new Cad;
+  auto* const a = new Globals(L"a");
+  auto* const thrower = new Globals(L"t");
+  cad->registerGlobals(a);
+  cad->registerGlobals(thrower);
+  cad->registerGlobals(new Globals(L"b"));
+  ended.clear();
+  cad->poolRelease(nullptr);
+  cad->poolRelease(L"other");
+  EXPECT_EQ(ended, L"");
+  a->atRelease = [=] {  // takes part in the lists while they are walked
+    delete cad->dwgGlobals(L"t");
+    cad->unregisterGlobals(L"t");
+    cad->registerGlobals(new Globals(L"c"));
+  };
+  cad->poolRelease(L"mine");
+  std::ranges::sort(ended);
+  EXPECT_EQ(ended.substr(0, 2), L"ab");
+  EXPECT_EQ(cad->dwgGlobals(L"a"), nullptr);
+  EXPECT_NE(cad->dwgGlobals(L"c"), nullptr);
+
+  static_cast<Globals*>(cad->dwgGlobals(L"c"))->atRelease = [] { throw std::runtime_error("c"); };
+  cad->registerGlobals(new Globals(L"d"));
+  EXPECT_THROW(cad->poolRelease(L"mine"), std::runtime_error);
+  EXPECT_NE(cad->dwgGlobals(L"c"), nullptr) << "an exception means to stay";
+  EXPECT_EQ(cad->dwgGlobals(L"d"), nullptr);
+  static_cast<Globals*>(cad->dwgGlobals(L"c"))->atRelease = nullptr;
+
+  EXPECT_EQ(cad->release(L"mine"), 1);
+  EXPECT_EQ(cad->dwgGlobals(L"c"), nullptr) << "releases the module's globals first";
+  EXPECT_EQ(cad->release(nullptr), 1);
+  EXPECT_EQ(cad->release(L"ZO_COM"), 0);
+}
+
+TEST(AbsentHost, AnswersAsOneAndChangesNothing) {
+  ZoString text(L"before");
+  ZoVariant value(7);
+  ZoStdLayer layer;
+  EXPECT_EQ(layer.getCurrent(text), ZoResult::refused);
+  EXPECT_EQ(layer.setCurrent(L"0"), ZoResult::refused);
+  EXPECT_FALSE(layer.exists(L"0"));
+  EXPECT_EQ(ZoStdMacroLib().getMacro(L"m", text), ZoResult::refused);
+  EXPECT_EQ(ZoStdMessage().getText(L"m", 1, text), ZoResult::refused);
+  EXPECT_EQ(ZoStdStandardMgr().getStandard(L"ISO 4014", value), ZoResult::refused);
+  EXPECT_EQ(ZoStdFileOpen().open(ZoFileName(L"C:\\a.dwg")), ZoResult::refused);
+  EXPECT_EQ(text, L"before");
+  EXPECT_EQ(value, ZoVariant(7));
+}
+
+TEST(FileSystem, KeepsTheErrorOfTheCallingThreadForItsText) {
+  ZoStdFileSystem service, another;
+  const auto textOf = [&](DWORD error) {
+    SetLastError(error);
+    EXPECT_EQ(service.errorIO(L"operation"), 0);
+    SetLastError(ERROR_SUCCESS);
+    return another.errorTxt();  // the error is the process's
+  };
+  EXPECT_TRUE(textOf(ERROR_FILE_NOT_FOUND).contains(L"ile not found") ||
+              textOf(ERROR_FILE_NOT_FOUND).contains(L"cannot find"));
+  EXPECT_NE(textOf(ERROR_ACCESS_DENIED), textOf(ERROR_FILE_NOT_FOUND));
+  EXPECT_EQ(textOf(0x2FFFFFFF), L"") << "an error of clients, without a message";
+}
+
+TEST(FileSearch, FindsAFileWhereItsNameSaysOrInTheFirstFolderThatHasIt) {
+  const TempFolder root;
+  namespace fs = std::filesystem;
+  for (const wchar_t* file : {L"one\\a.txt", L"two\\a.txt", L"two\\sub\\b.txt"}) {
+    fs::create_directories((root.path() / file).parent_path());
+    std::ofstream(root.path() / file) << "text";
+  }
+  zo::test::Impatient<ZoStdFileSearch> search;
+  const auto found = [&](const fs::path& name) {
+    ZoFileName result(L"before");
+    const int code = search.find(ZoFileName(name), result);
+    EXPECT_EQ(code == 0, !(result == L"before"));
+    return fs::path(std::wstring(result.view()));
+  };
+  const fs::path none(L"before");
+  const fs::path one = root.path() / L"one", two = root.path() / L"two";
+  EXPECT_EQ(found(L"a.txt"), none);
+  EXPECT_EQ(found(one / L"a.txt"), one / L"a.txt");
+  EXPECT_EQ(found(one), none) << "a folder is no file";
+
+  EXPECT_EQ(search.addPath(ZoFileName(two), L"mine"), 0);
+  EXPECT_EQ(search.addPath(ZoFileName(two), L"other"), ZoResult::refused) << "already there";
+  EXPECT_EQ(search.addPath(ZoFileName(one / L"a.txt"), L"mine"), ZoResult::refused);
+  EXPECT_EQ(search.addPath(ZoFileName(root.path() / L"absent"), L"mine"), ZoResult::refused);
+  EXPECT_EQ(search.addPath(ZoFileName(one), L"other"), 0);
+  EXPECT_EQ(found(L"a.txt"), two / L"a.txt");
+  EXPECT_EQ(found(L"sub\\b.txt"), two / L"sub" / L"b.txt");
+  EXPECT_EQ(found(L"c.txt"), none);
+  EXPECT_EQ(found(one / L"b.txt"), none) << "a full name is not searched for";
+  {
+    const HeldElsewhere held(search);
+    EXPECT_EQ(found(one / L"a.txt"), none);
+    EXPECT_EQ(search.addPath(ZoFileName(root.path()), L"mine"), ZoResult::refused);
+  }
+  search.poolRelease(nullptr);
+  search.poolRelease(L"MINE");
+  EXPECT_EQ(found(L"a.txt"), one / L"a.txt");
+  EXPECT_EQ(found(L"sub\\b.txt"), none);
+}
+
+}  // namespace
