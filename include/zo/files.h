@@ -1,6 +1,9 @@
-// Files: names, and handles of objects in the host's drawings.
+// Files: names, file objects, the services for files, and handles of objects in the host's drawings.
 #pragma once
 
+#include <zo/files/file.h>
+#include <zo/files/file_imp.h>
 #include <zo/files/file_name.h>
+#include <zo/files/file_system.h>
 #include <zo/files/handle.h>
 #include <zo/files/name_results.h>
