@@ -5,5 +5,6 @@
 #include <zo/files/file_imp.h>
 #include <zo/files/file_name.h>
 #include <zo/files/file_system.h>
+#include <zo/files/forward_file_system.h>
 #include <zo/files/handle.h>
 #include <zo/files/name_results.h>

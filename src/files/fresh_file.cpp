@@ -35,13 +35,17 @@ std::wstring folderOf(const ZoFileName& name) {
 
 }  // namespace
 
+std::wstring freshName(std::wstring_view stem, std::wstring_view ending) {
+  return std::wstring(stem).append(hexadecimal(nextNumber())).append(ending);
+}
+
 FreshFile createFresh(std::wstring_view stem, std::wstring_view ending, DWORD access, DWORD share,
                       DWORD flags) {
   constexpr int kAttempts = 1000;
   FreshFile fresh;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    fresh.name = std::wstring(stem) + hexadecimal(nextNumber()) + std::wstring(ending);
-    fresh.file.reset(
+    fresh.name = freshName(stem, ending);
+    fresh.file = OpenFile(
         fileApi().create(SystemPath(fresh.name.c_str()), access, share, CREATE_NEW, flags));
     if (fresh.file) break;
     const DWORD error = GetLastError();

@@ -6,13 +6,16 @@
 #include <string>
 #include <string_view>
 
-#include "platform/handle.h"
+#include "platform/open_file.h"
 
 namespace zo {
 
+// A name that most likely nothing has: stem, eight hexadecimal digits, ending.
+[[nodiscard]] std::wstring freshName(std::wstring_view stem, std::wstring_view ending);
+
 struct FreshFile {
-  Handle file;        // none when it could not be made; GetLastError() then says why
-  std::wstring name;  // stem, eight hexadecimal digits, ending
+  OpenFile file;  // none when it could not be made; GetLastError() then says why
+  std::wstring name;
 };
 
 // Makes one and opens it. The stem begins with the folder.
