@@ -4,6 +4,7 @@
 #include <zo/files/file.h>
 #include <zo/files/file_imp.h>
 #include <zo/files/file_name.h>
+#include <zo/files/file_save.h>
 #include <zo/files/file_system.h>
 #include <zo/files/forward_file_system.h>
 #include <zo/files/handle.h>
