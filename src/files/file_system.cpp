@@ -11,11 +11,15 @@ namespace {
 std::atomic<DWORD> lastError = ERROR_SUCCESS;
 
 ZoString systemMessage(DWORD error) {
+  // Errors of connections have their messages in the library that made them.
+  const bool ofInternet = error >= 12000 && error < 13000;
+  const HMODULE library = ofInternet ? GetModuleHandleW(L"wininet.dll") : nullptr;
+  const DWORD flags = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
+                      FORMAT_MESSAGE_IGNORE_INSERTS | (library ? FORMAT_MESSAGE_FROM_HMODULE : 0);
   wchar_t* text = nullptr;
-  const DWORD length = FormatMessageW(
-      FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-      nullptr, error, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<wchar_t*>(&text),
-      0, nullptr);
+  const DWORD length =
+      FormatMessageW(flags, library, error, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
+                     reinterpret_cast<wchar_t*>(&text), 0, nullptr);
   struct Freed {
     wchar_t* block;
     ~Freed() { LocalFree(block); }
