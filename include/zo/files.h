@@ -6,6 +6,8 @@
 #include <zo/files/file_name.h>
 #include <zo/files/file_save.h>
 #include <zo/files/file_system.h>
+#include <zo/files/file_transfer.h>
+#include <zo/files/find_file.h>
 #include <zo/files/forward_file_system.h>
 #include <zo/files/handle.h>
 #include <zo/files/name_results.h>

@@ -60,14 +60,14 @@ int ZoFileSave::open(const ZoFileName& target) {
   return ZoResult::ok;
 }
 
-int ZoFileSave::commit() {
+int ZoFileSave::commit(bool toDisk) {
   if (beside_.isEmpty() || file_.getImpObj() != imp_ || imp_->failed()) {
     SetLastError(beside_.isEmpty() ? ERROR_INVALID_HANDLE : ERROR_WRITE_FAULT);
     return fail();
   }
   // A stream may have closed it.
   if (!file_.isOpen() && file_.open(beside_, ZoFile::kWrite, ZoFile::kOpenExisting)) return fail();
-  if (file_.flush() || file_.close()) return fail();
+  if ((toDisk && file_.flush()) || file_.close()) return fail();
   if (!zo::putInPlace(beside_.fullName(), target_, false)) return fail();
   beside_.empty();
   return ZoResult::ok;

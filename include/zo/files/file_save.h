@@ -11,7 +11,7 @@
 //          URL. After any failure the target is as it was, and the temporary file is removed. A
 //          process that is killed leaves the target old or complete, and perhaps the temporary file.
 // Threads: one, while the library is attached.
-// Cost:    commit waits for the disk.
+// Cost:    commit waits for the disk, unless told otherwise.
 #pragma once
 
 #include <zo/files/file.h>
@@ -30,8 +30,8 @@ class ZO_COM_API ZoFileSave {
   [[nodiscard]] ZoFile& file() noexcept { return file_; }
   // Puts the file in the target's place, and is done with it. Refused, and then cancelled, when a
   // write, seek or flush of it has failed, even if the caller did not look; when nothing was opened;
-  // or when the target is read-only.
-  int commit();
+  // or when the target is read-only. Without `toDisk` a loss of power may undo it.
+  int commit(bool toDisk = true);
   // Removes what was written.
   void cancel();
 
