@@ -4,6 +4,7 @@
 #include <zo/config.h>
 #include <zo/containers.h>
 #include <zo/geometry.h>
+#include <zo/graph.h>
 #include <zo/results.h>
 #include <zo/strings.h>
 #include <zo/system/dll_version.h>

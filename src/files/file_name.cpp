@@ -69,7 +69,9 @@ ZoFileName ZoFileName::deepCopy() const {
 
 int ZoFileName::setFullName(const wchar_t* text, bool ownDelimiters, bool asDirectory,
                             bool wildcards, bool anyDrive) {
-  return own().parse(viewOf(text), {ownDelimiters, wildcards, anyDrive}, asDirectory);
+  const zo::NameOptions options = {
+      .ownDelimiters = ownDelimiters, .wildcards = wildcards, .anyDrive = anyDrive};
+  return own().parse(viewOf(text), options, asDirectory);
 }
 
 int ZoFileName::empty() { return own().empty(); }
@@ -111,6 +113,9 @@ wchar_t ZoFileName::sysDelimiter() const noexcept { return L'\\'; }
 
 int ZoFileName::appendDirectory(const wchar_t* text) { return own().appendDirectory(text); }
 int ZoFileName::removeLastDir() { return own().removeLastDir(); }
+int ZoFileName::getDirParts(ZoSequence<ZoString>& levels) const {
+  return imp_->getDirParts(levels);
+}
 const wchar_t* ZoFileName::nextDirPart(bool restart) { return own().nextDirPart(restart); }
 
 // ---- Macro and alias ----
@@ -204,7 +209,7 @@ ZoFileName ZoFileName::relativeTo(const ZoFileName& base) const {
   if (const auto text = zo::relativeText(name, zo::normalise(base.imp_->parts()))) {
     ZoFileName result(new ZoFileNameImp(*imp_));
     // A level of a URL may read like a drive or a scheme where it comes to stand first.
-    result.imp_->empty();
+    (void)result.imp_->empty();  // clears; the options stay
     result.imp_->retake(*text);
     if (result.isRelativ() && !result.isEmpty()) {
       result.imp_->setDelimiter(name.delimiter);

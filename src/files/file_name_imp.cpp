@@ -1,6 +1,9 @@
 // ZoFileNameImp: parsing, and the questions that are answered from the parts.
 #include "files/file_name_imp.h"
 
+#include <zo/text/containers/sequence.h>
+
+#include <iterator>
 #include <utility>
 
 #include "files/name_check.h"
@@ -189,17 +192,23 @@ int ZoFileNameImp::parseCD(ZoString& volume, ZoString& rest) const {
   return splitVolume(isCD(), volume, rest);
 }
 
+int ZoFileNameImp::getDirParts(ZoSequence<ZoString>& levels) const {
+  int result = levels.removeAll();
+  const std::wstring_view stretch = zo::levelStretch(parts());
+  size_t at = 0;
+  for (auto part = zo::nextLevel(stretch, at); result == ZoResult::ok && !part.empty();
+       part = zo::nextLevel(stretch, at)) {
+    result = levels.append(ZoString(part));
+  }
+  return result;
+}
+
 // ---- Kinds of files ----
 
 namespace {
 
-struct KindOfFile {
-  const wchar_t* extension;
-  const wchar_t* other = nullptr;
-};
-
-// By kind, up to the last one that extensions tell.
-constexpr KindOfFile kKinds[] = {
+// One or two extensions for each kind, up to the last that extensions tell.
+constexpr const wchar_t* kKinds[][2] = {
     {L".gdb"}, {L".sld", L".sle"}, {L".slg"},          {L".sld"}, {L".slb"}, {L".sle"},
     {L".dxf"}, {L".dwg"},          {L".gpl"},          {L".gpl"}, {L".gpl"}, {L".val"},
     {L".xls"}, {L".mdb"},          {L".val", L".mdb"}, {L".mld"}, {L".jpg"}, {L".bmp"},
@@ -217,12 +226,11 @@ bool ZoFileNameImp::isGplOfFolder(bool sameName) const noexcept {
 
 bool ZoFileNameImp::isKindOf(ZoFileName::FileKind kind) const noexcept {
   if (kind >= ZoFileName::kAnyFile) return kind == ZoFileName::kAnyFile;
-  const KindOfFile& file = kKinds[kind];
+  const auto& [first, second] = kKinds[kind];
   const std::wstring_view extension = state_.extension.view();
-  if (!zo::equalNames(extension, file.extension) &&
-      !(file.other && zo::equalNames(extension, file.other))) {
-    return false;
-  }
+  const bool matches =
+      zo::equalNames(extension, first) || (second && zo::equalNames(extension, second));
+  if (!matches) return false;
   if (kind == ZoFileName::kGplOfFolder) return isGplOfFolder(true);
   return kind != ZoFileName::kGplNotOfFolder || isGplOfFolder(false);
 }

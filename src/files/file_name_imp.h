@@ -25,7 +25,9 @@ class ZoFileNameImp {
   }
   // Frees the name with its last holder.
   void removeHolder() noexcept {
-    if (holders_ != kNotCounted && --holders_ == 0) delete this;
+    if (holders_ == kNotCounted) return;
+    --holders_;
+    if (holders_ == 0) delete this;
   }
   [[nodiscard]] bool isShared() const noexcept { return holders_ != 1; }
 
@@ -80,6 +82,7 @@ class ZoFileNameImp {
   [[nodiscard]] bool hasDeviceName() const noexcept;
   [[nodiscard]] bool isKindOf(ZoFileName::FileKind kind) const noexcept;
   [[nodiscard]] ZoFileName::FileKind isKindOf() const noexcept;
+  int getDirParts(ZoSequence<ZoString>& levels) const;
   int parseUNC(ZoString& volume, ZoString& rest) const;
   int parseCD(ZoString& volume, ZoString& rest) const;
 

@@ -20,7 +20,7 @@ constexpr unsigned char kAll = kNever | kColon | kWildcard;
 constexpr auto kClasses = [] {
   std::array<unsigned char, 0x80> classes{};
   for (size_t c = 0; c < 0x20; ++c) classes[c] = kNever;
-  for (const char c : {'<', '>', '"', '|'}) classes[static_cast<size_t>(c)] = kNever;
+  for (const wchar_t c : {L'<', L'>', L'"', L'|'}) classes[c] = kNever;
   classes[':'] = kColon;
   classes['*'] = classes['?'] = kWildcard;
   return classes;

@@ -40,10 +40,8 @@ struct NameParts {
   }
 };
 
-[[nodiscard]] inline constexpr bool isDelimiter(wchar_t c) noexcept {
-  return c == L'\\' || c == L'/';
-}
-[[nodiscard]] inline constexpr bool isLetter(wchar_t c) noexcept {
+[[nodiscard]] constexpr bool isDelimiter(wchar_t c) noexcept { return c == L'\\' || c == L'/'; }
+[[nodiscard]] constexpr bool isLetter(wchar_t c) noexcept {
   return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z');
 }
 // Whether text begins with a prefix of lower-case letters and signs, in any case of its letters.

@@ -46,22 +46,40 @@ unsigned int hashExact(std::wstring_view text) noexcept {
   return left == 0 ? h : step(h, static_cast<std::uint32_t>(*at) << 16);
 }
 
-unsigned int hashFolded(std::wstring_view text) noexcept {
-  const wchar_t* at = text.data();
-  size_t left = text.size();
+HashedKey hashFolded(const wchar_t* text, std::size_t length) noexcept {
+  const wchar_t* at = text;
+  size_t left = length;
   auto h = static_cast<std::uint32_t>(left);
-  if (left >= kLane) {
-    const __m128i zero = _mm_setzero_si128();
-    __m128i lanes = startLanes(h);
-    for (; left >= kLane; left -= kLane, at += kLane) {
-      const __m128i units = upperAscii8(load8(at));
-      lanes = stepLanes(lanes, _mm_unpacklo_epi16(units, zero));
-      lanes = stepLanes(lanes, _mm_unpackhi_epi16(units, zero));
+  if (left < kLane) {
+    bool printable = true;
+    for (; left > 0; --left, ++at) {
+      printable &= *at >= L' ' && *at <= L'~';
+      h = step(h, upperAscii(*at));
     }
-    h = joinLanes(lanes);
+    return {h, printable};
   }
-  for (; left > 0; --left, ++at) h = step(h, upperAscii(*at));
-  return h;
+  __m128i printable = _mm_set1_epi16(-1);
+  const auto addEight = [&](__m128i lanes, __m128i units) {
+    units = upperAscii8(units);
+    lanes = stepLanes(lanes, _mm_unpacklo_epi16(units, _mm_setzero_si128()));
+    return stepLanes(lanes, _mm_unpackhi_epi16(units, _mm_setzero_si128()));
+  };
+  __m128i lanes = startLanes(h);
+  for (; left >= kLane; left -= kLane, at += kLane) {
+    const __m128i units = load8(at);
+    printable = _mm_and_si128(printable, between8(units, L' ', L'~'));
+    lanes = addEight(lanes, units);
+  }
+  h = joinLanes(lanes);
+  // The rest without a loop: the last eight units with those that were taken already set to zero,
+  // which adds nothing.
+  const __m128i units = load8(at + left - kLane);
+  printable = _mm_and_si128(printable, between8(units, L' ', L'~'));
+  const __m128i index = _mm_set_epi16(7, 6, 5, 4, 3, 2, 1, 0);
+  const __m128i taken = _mm_cmplt_epi16(index, _mm_set1_epi16(static_cast<short>(kLane - left)));
+  const std::uint32_t rest =
+      joinLanes(addEight(_mm_setzero_si128(), _mm_andnot_si128(taken, units)));
+  return {std::rotl(h, static_cast<int>(5 * left % 32)) ^ rest, mask8(printable) == 0xFFFF};
 }
 
 }  // namespace zo

@@ -52,7 +52,9 @@ unsigned int ZoStringRef::last(wchar_t c) const noexcept {
 
 unsigned int ZoStringRef::hash() const noexcept { return zo::hashExact(viewOf(*this)); }
 
-unsigned int ZoStringRef::hashFoldCase() const noexcept { return zo::hashFolded(viewOf(*this)); }
+unsigned int ZoStringRef::hashFoldCase() const noexcept {
+  return zo::hashFolded(data(), length()).hash();
+}
 
 int ZoStringRef::collate(const wchar_t* text) const noexcept {
   return std::wcscoll(data(), text ? text : L"");

@@ -1,4 +1,5 @@
-// The engines as they are: untyped operations, status codes, the rules of growth, and the order of virtual operations.
+// The engines as they are: untyped operations, status codes, the rules of growth, and the order of
+// virtual operations.
 #include <gtest/gtest.h>
 #include <zo/containers.h>
 
@@ -472,7 +473,8 @@ TEST(HashEngine, IteratorSurvivesWhatHappensToOthers) {
 // ---- Layout ----
 
 #if defined(__GNUC__)
-// In this ABI a pointer to a virtual member is the offset of its slot, plus 1; the destructor takes the first two.
+// In this ABI a pointer to a virtual member is the offset of its slot, plus 1; the destructor takes
+// the first two.
 template <class Function>
 std::size_t slotOf(Function function) {
   std::size_t word = 0;

@@ -1,4 +1,5 @@
-// What containers do when an element cannot be copied or memory runs out: nothing is lost, nothing leaks.
+// What containers do when an element cannot be copied or memory runs out: nothing is lost, nothing
+// leaks.
 #include <gtest/gtest.h>
 #include <zo/containers.h>
 

@@ -26,8 +26,8 @@ inline void copying() {
   throw CopyFailed();
 }
 
-// Counts itself, notices use before construction and after destruction, and fails to be copied on demand. With
-// kMoves it has a move that cannot throw, else only the copy.
+// Counts itself, notices use before construction and after destruction, and fails to be copied on
+// demand. With kMoves it has a move that cannot throw, else only the copy.
 template <bool kMoves>
 class Element {
  public:
@@ -59,7 +59,7 @@ class Element {
   }
   ~Element() {
     checked();
-    m_magic = 0;
+    magic_ = 0;
     --live;
   }
 
@@ -70,12 +70,12 @@ class Element {
 
  private:
   const Element& checked() const {
-    if (m_magic != kMagic) ++broken;
+    if (magic_ != kMagic) ++broken;
     return *this;
   }
 
   static constexpr unsigned kMagic = 0x600DF00D;
-  unsigned m_magic = kMagic;
+  unsigned magic_ = kMagic;
 };
 
 using Mover = Element<true>;

@@ -20,13 +20,13 @@ class KeyMem final : public ZoVTreeMem {
   KeyMem() : ZoVTreeMem(sizeof(Node), alignof(Node)) {}
   ZoVTreeMem* makeNew() const override { return new KeyMem; }
   int newNode(const void* key, const void*, ZoVTreeNode*& node) override {
-    auto* const made = ::new (m_pool.allocate()) Node;
+    auto* const made = ::new (pool_.allocate()) Node;
     made->key = *static_cast<const int*>(key);
     made->element = &made->key;
     node = made;
     return 0;
   }
-  void deleteNode(ZoVTreeNode* node) override { m_pool.release(node); }
+  void deleteNode(ZoVTreeNode* node) override { pool_.release(node); }
   const void* key(const void* element) const override { return element; }
   void* value(void* element) const override { return element; }
   int assignKey(void* to, const void* from) override { return zo::assignElement<int>(to, from); }

@@ -1,4 +1,5 @@
-// The typed containers beyond what the random operations reach: text keys, ranges, iterators, construction.
+// The typed containers beyond what the random operations reach: text keys, ranges, iterators,
+// construction.
 #include <gtest/gtest.h>
 #include <zo/containers.h>
 
@@ -72,7 +73,8 @@ TEST(TextKeys, AreFoundByEveryForm) {
   EXPECT_FALSE(constant.contains(L"gamma"));
 }
 
-// The engine, which compares every key of a chain, and the dictionary, which skips what it may, agree.
+// The engine, which compares every key of a chain, and the dictionary, which skips what it may,
+// agree.
 TEST(TextKeys, AreDecidedLikeThePlatformDoes) {
 #ifdef ZO_GUARDED
   constexpr int kPairs = 300;

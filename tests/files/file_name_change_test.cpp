@@ -1,5 +1,6 @@
 // Changing, sharing, computing and comparing file names.
 #include <gtest/gtest.h>
+#include <zo/containers.h>
 #include <zo/files/file_name.h>
 
 #include <filesystem>
@@ -178,6 +179,9 @@ TEST(FileNameEdit, DirectoryLevelsAreAddedRemovedAndWalked) {
        }) {
     SCOPED_TRACE(shown(c.text));
     ZoFileName name(c.text);
+    ZoArray<ZoString> levels = {L"old"};
+    EXPECT_EQ(name.getDirParts(levels), 0);
+    EXPECT_TRUE(std::equal(levels.begin(), levels.end(), c.levels.begin(), c.levels.end()));
     for (const bool restart : {false, true}) {
       std::vector<std::wstring> walked;
       for (const wchar_t* level = name.nextDirPart(restart); level; level = name.nextDirPart()) {
@@ -196,6 +200,13 @@ TEST(FileNameEdit, DirectoryLevelsAreAddedRemovedAndWalked) {
   EXPECT_STREQ(name.nextDirPart(), L"b") << "copies walk on their own";
   name.setFileName(L"g");
   EXPECT_STREQ(name.nextDirPart(), L"a") << "a change starts again";
+}
+
+TEST(FileNameEdit, AFullSequenceStopsGetDirParts) {
+  ZoArray<ZoString> levels(1);
+  levels.setGrowSize(0);
+  EXPECT_EQ(ZoFileName(L"a\\b\\f").getDirParts(levels), 1);
+  EXPECT_EQ(levels.entries(), 1u);
 }
 
 TEST(FileNameEdit, TheDelimiterOfAPlainNameIsForLaterLevels) {
@@ -467,6 +478,7 @@ TEST(FileNameComputed, NormalizedNamesHaveNoSuperfluousLevels) {
                         Case{L"C:", L"C:"},
                         Case{L"a//b\\\\c/", L"a\\b\\c\\"},
                         Case{L"a\\..\\..\\b", L"..\\b"},
+                        Case{L"..\\..\\a", L"..\\..\\a"},
                         Case{L"a\\..", L".\\"},
                         Case{L"a\\b\\..", L"a\\"},
                         Case{L"a\\b\\.", L"a\\b\\"},
@@ -586,6 +598,18 @@ TEST(FileNameCompare, WholeNamesCompareIgnoringCaseAndHashAlike) {
   ZoFileName below(L"x");
   below.setMacro(L"M", L"C:\\R");
   EXPECT_EQ(below, ZoFileName(L"c:\\r\\X")) << "the whole name is the expanded one";
+}
+
+TEST(FileNameCompare, ContainersFindNamesInAnyCase) {
+  ZoArray<ZoFileName> list = {ZoFileName(L"b"), ZoFileName(L"C:\\a"), ZoFileName(L"A")};
+  EXPECT_EQ(list.index(ZoFileName(L"c:\\A")), 1u);
+  list.sort();
+  EXPECT_EQ(list[0], L"a");
+  EXPECT_EQ(list[2], L"c:\\a");
+  ZoHashDict<int, ZoFileName> sizes;
+  EXPECT_EQ(sizes.insertAt(ZoFileName(L"C:\\x.dwg"), 5), 0);
+  EXPECT_TRUE(sizes.contains(ZoFileName(L"c:\\X.DWG")));
+  EXPECT_FALSE(sizes.contains(ZoFileName(L"c:\\X.DW")));
 }
 
 TEST(FileNameConvert, GoesToAndFromTheTextAndPathTypes) {

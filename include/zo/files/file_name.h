@@ -52,9 +52,11 @@
 #include <iosfwd>
 #include <string>
 #include <string_view>
-#include <type_traits>
+#include <utility>
 
 class ZoFileNameImp;
+template <class T>
+class ZoSequence;
 
 namespace zo {
 // std::filesystem::path where its characters are wide. (The header <filesystem> is left to those
@@ -189,6 +191,9 @@ class ZO_COM_API ZoFileName {
   // is empty but for delimiters, 7 as with setDirectory.
   virtual int appendDirectory(const wchar_t* text);
   virtual int removeLastDir();  // 1 when there is no level
+  // All levels in order, in the place of what the sequence held. Returns the code of the sequence
+  // when that refuses or has no memory.
+  virtual int getDirParts(ZoSequence<ZoString>& levels) const;
   // The levels one by one, null behind the last; true starts again. The text is valid until the
   // next call or change. The place in the walk belongs to the name: copies walk on their own, and
   // any change starts again.

@@ -7,76 +7,96 @@
 namespace zo {
 namespace {
 
-constexpr std::size_t kInsertionRun = 8;
+// Runs of about this length are made by insertion, halving for the place: so few elements are moved
+// quickly, and comparing is what costs.
+constexpr std::size_t kLongestRun = 32;
 
-class Order {
+template <Words kKind>
+class Sorter {
  public:
-  Order(const ElementCompare& compare, bool ascending)
-      : m_compare(compare), m_ascending(ascending) {}
-  bool operator()(const void* a, const void* b) const {
-    return m_ascending ? m_compare.compare(a, b) < 0 : m_compare.compare(b, a) < 0;
+  Sorter(const ElementCompare& compare, bool ascending)
+      : compare_(compare), ascending_(ascending) {}
+
+  // Takes pointers to words.
+  bool before(void* const* a, void* const* b) const {
+    const void* const x = kKind == Words::kPointers ? *a : static_cast<const void*>(a);
+    const void* const y = kKind == Words::kPointers ? *b : static_cast<const void*>(b);
+    return ascending_ ? compare_.compare(x, y) < 0 : compare_.compare(y, x) < 0;
+  }
+
+  void insertionSort(void** first, void** end) const {
+    for (void** i = first + 1; i < end; ++i) {
+      if (!before(i, i - 1)) continue;
+      void* word = *i;
+      void** low = first;  // the place is in [low, high]
+      void** high = i - 1;
+      while (low < high) {
+        void** const middle = low + (high - low) / 2;
+        if (before(&word, middle)) {
+          high = middle;
+        } else {
+          low = middle + 1;
+        }
+      }
+      std::copy_backward(low, i, i + 1);
+      *low = word;
+    }
+  }
+
+  // Merges [first, middle) and [middle, end) into `to`.
+  void merge(void** first, void** middle, void** end, void** to) const {
+    void** left = first;
+    void** right = middle;
+    if (!before(right, middle - 1)) {  // in order already
+      std::copy(first, end, to);
+      return;
+    }
+    while (left < middle && right < end) *to++ = before(right, left) ? *right++ : *left++;
+    to = std::copy(left, middle, to);
+    std::copy(right, end, to);
+  }
+
+  int sort(void** words, std::size_t n, bool& changed) const {
+    std::size_t ordered = 1;
+    while (ordered < n && !before(words + ordered, words + ordered - 1)) ++ordered;
+    changed = ordered < n;
+    if (!changed) return ZoResult::ok;
+
+    // Runs of equal length, whose number is a power of two: every merge is of equal halves.
+    std::size_t runs = 1;
+    while (n > runs * kLongestRun) runs *= 2;
+    const auto startOf = [=](std::size_t run) { return run * n / runs; };
+    for (std::size_t run = 0; run < runs; ++run)
+      insertionSort(words + startOf(run), words + startOf(run + 1));
+    if (runs == 1) return ZoResult::ok;
+    const PointerBuffer spare(n);
+    if (!spare) return ZoResult::outOfMemory;
+    void** from = words;
+    void** to = spare.data();
+    for (std::size_t width = 1; width < runs; width *= 2) {
+      for (std::size_t run = 0; run < runs; run += 2 * width) {
+        const std::size_t first = startOf(run);
+        merge(from + first, from + startOf(run + width), from + startOf(run + 2 * width),
+              to + first);
+      }
+      std::swap(from, to);
+    }
+    if (from != words) std::copy(from, from + n, words);
+    return ZoResult::ok;
   }
 
  private:
-  const ElementCompare& m_compare;
-  bool m_ascending;
+  const ElementCompare& compare_;
+  bool ascending_;
 };
-
-void insertionSort(void** first, void** end, const Order& before) {
-  for (void** i = first + 1; i < end; ++i) {
-    void* const element = *i;
-    void** gap = i;
-    for (; gap > first && before(element, gap[-1]); --gap) *gap = gap[-1];
-    *gap = element;
-  }
-}
-
-// Merges [first, middle) and [middle, end) into `to`.
-void merge(void** first, void** middle, void** end, void** to, const Order& before) {
-  void** left = first;
-  void** right = middle;
-  if (!before(*right, middle[-1])) {  // already in order
-    std::copy(first, end, to);
-    return;
-  }
-  while (left < middle && right < end) *to++ = before(*right, *left) ? *right++ : *left++;
-  to = std::copy(left, middle, to);
-  std::copy(right, end, to);
-}
 
 }  // namespace
 
-int mergeSort(void** elements, std::size_t n, const ElementCompare& compare, bool ascending,
-              bool& changed) {
-  const Order before(compare, ascending);
-  changed = false;
-  std::size_t ordered = 1;
-  while (ordered < n && !before(elements[ordered], elements[ordered - 1])) ++ordered;
-  if (ordered >= n) return ZoResult::ok;
-
-  changed = true;
-  for (std::size_t i = 0; i < n; i += kInsertionRun) {
-    insertionSort(elements + i, elements + std::min(i + kInsertionRun, n), before);
-  }
-  if (n <= kInsertionRun) return ZoResult::ok;
-  const PointerBuffer spare(n);
-  if (!spare) return ZoResult::outOfMemory;
-  void** from = elements;
-  void** to = spare.data();
-  for (std::size_t run = kInsertionRun; run < n; run *= 2) {
-    for (std::size_t i = 0; i < n; i += 2 * run) {
-      const std::size_t middle = std::min(i + run, n);
-      const std::size_t end = std::min(i + 2 * run, n);
-      if (middle == end) {
-        std::copy(from + i, from + end, to + i);
-      } else {
-        merge(from + i, from + middle, from + end, to + i, before);
-      }
-    }
-    std::swap(from, to);
-  }
-  if (from != elements) std::copy(from, from + n, elements);
-  return ZoResult::ok;
+int mergeSort(void** words, std::size_t n, Words kind, const ElementCompare& compare,
+              bool ascending, bool& changed) {
+  if (kind == Words::kPointers)
+    return Sorter<Words::kPointers>(compare, ascending).sort(words, n, changed);
+  return Sorter<Words::kElements>(compare, ascending).sort(words, n, changed);
 }
 
 }  // namespace zo

@@ -12,23 +12,25 @@ namespace zo {
 class PointerBuffer {
  public:
   explicit PointerBuffer(std::size_t n) noexcept
-      : m_data(static_cast<void**>(allocateBlock(n * sizeof(void*), alignof(void*)))) {}
-  ~PointerBuffer() { freeBlock(m_data, alignof(void*)); }
+      : data_(static_cast<void**>(allocateBlock(n * sizeof(void*), alignof(void*)))) {}
+  ~PointerBuffer() { freeBlock(static_cast<void*>(data_), alignof(void*)); }
   PointerBuffer(const PointerBuffer&) = delete;
   PointerBuffer& operator=(const PointerBuffer&) = delete;
 
-  explicit operator bool() const noexcept { return m_data != nullptr; }
-  void** data() const noexcept { return m_data; }
-  void*& operator[](std::size_t i) const noexcept { return m_data[i]; }
+  explicit operator bool() const noexcept { return data_ != nullptr; }
+  [[nodiscard]] void** data() const noexcept { return data_; }
+  void*& operator[](std::size_t i) const noexcept { return data_[i]; }
 
  private:
-  void** m_data;
+  void** data_;
 };
 
-// Sorts the pointers by what they point to; equal elements keep their order in both directions. Takes
-// O(n log n) comparisons and n pointers of memory (status 2 when there is none, and then nothing has moved).
-// When the compare object throws, the order of the pointers is undefined; none is lost from the elements' owner.
-int mergeSort(void** elements, std::size_t n, const ElementCompare& compare, bool ascending,
-              bool& changed);
+// Sorts words, each of which points to an element (kPointers) or is an element of that size
+// (kElements). Equal elements keep their order in both directions. Takes O(n log n) comparisons and
+// n words of memory (status 2 when there is none). When the compare object throws, some words may
+// stand twice and others be missing, so they must be copies of what the container holds.
+enum class Words { kPointers, kElements };
+int mergeSort(void** words, std::size_t n, Words kind, const ElementCompare& compare,
+              bool ascending, bool& changed);
 
 }  // namespace zo

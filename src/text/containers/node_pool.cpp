@@ -6,7 +6,7 @@ namespace zo {
 namespace {
 
 constexpr std::size_t kFirstChunkNodes = 8;
-constexpr std::size_t kLargestChunkBytes = 64 * 1024;
+constexpr std::size_t kLargestChunkBytes = std::size_t{64} * 1024;
 
 #ifdef ZO_GUARDED
 constexpr bool kSeparateNodes = true;
@@ -31,59 +31,59 @@ void freeBlock(void* block, std::size_t alignment) noexcept {
 }
 
 NodePool::NodePool(std::size_t nodeSize, std::size_t alignment) noexcept
-    : m_nodeSize(
+    : nodeSize_(
           roundUp(std::max(nodeSize, sizeof(FreeNode)), std::max(alignment, alignof(FreeNode)))),
-      m_alignment(std::max(alignment, alignof(FreeNode))),
-      m_nextCount(kFirstChunkNodes),
-      m_separate(kSeparateNodes) {}
+      alignment_(std::max(alignment, alignof(FreeNode))),
+      nextCount_(kFirstChunkNodes),
+      separate_(kSeparateNodes) {}
 
 void* NodePool::allocateFromHeap() noexcept {
-  if (m_separate) return allocateBlock(m_nodeSize, m_alignment);
-  const std::size_t header = roundUp(sizeof(Chunk), m_alignment);
-  const std::size_t bytes = m_nextCount * m_nodeSize;
-  void* const block = allocateBlock(header + bytes, m_alignment);
+  if (separate_) return allocateBlock(nodeSize_, alignment_);
+  const std::size_t header = roundUp(sizeof(Chunk), alignment_);
+  const std::size_t bytes = nextCount_ * nodeSize_;
+  void* const block = allocateBlock(header + bytes, alignment_);
   if (!block) return nullptr;
-  m_chunks = ::new (block) Chunk{m_chunks};
-  m_unused = static_cast<char*>(block) + header;
-  m_unusedEnd = m_unused + bytes;
-  if (bytes * 2 <= kLargestChunkBytes) m_nextCount *= 2;
-  void* const node = m_unused;
-  m_unused += m_nodeSize;
+  chunks_ = ::new (block) Chunk{chunks_};
+  unused_ = static_cast<char*>(block) + header;
+  unusedEnd_ = unused_ + bytes;
+  if (bytes * 2 <= kLargestChunkBytes) nextCount_ *= 2;
+  void* const node = unused_;
+  unused_ += nodeSize_;
   return node;
 }
 
 void NodePool::absorb(NodePool& other) noexcept {
   // The unused rest of the smaller chunk goes to the free list, so that no memory is lost.
-  if (other.m_unusedEnd - other.m_unused > m_unusedEnd - m_unused) {
-    std::swap(m_unused, other.m_unused);
-    std::swap(m_unusedEnd, other.m_unusedEnd);
+  if (other.unusedEnd_ - other.unused_ > unusedEnd_ - unused_) {
+    std::swap(unused_, other.unused_);
+    std::swap(unusedEnd_, other.unusedEnd_);
   }
-  for (; other.m_unused != other.m_unusedEnd; other.m_unused += m_nodeSize) {
-    m_free = ::new (static_cast<void*>(other.m_unused)) FreeNode{m_free};
+  for (; other.unused_ != other.unusedEnd_; other.unused_ += nodeSize_) {
+    free_ = ::new (static_cast<void*>(other.unused_)) FreeNode{free_};
   }
-  while (FreeNode* const node = other.m_free) {
-    other.m_free = node->next;
-    node->next = m_free;
-    m_free = node;
+  while (FreeNode* const node = other.free_) {
+    other.free_ = node->next;
+    node->next = free_;
+    free_ = node;
   }
-  while (Chunk* const chunk = other.m_chunks) {
-    other.m_chunks = chunk->next;
-    chunk->next = m_chunks;
-    m_chunks = chunk;
+  while (Chunk* const chunk = other.chunks_) {
+    other.chunks_ = chunk->next;
+    chunk->next = chunks_;
+    chunks_ = chunk;
   }
-  m_nextCount = std::max(m_nextCount, other.m_nextCount);
-  other.m_unused = other.m_unusedEnd = nullptr;
-  other.m_nextCount = kFirstChunkNodes;
+  nextCount_ = std::max(nextCount_, other.nextCount_);
+  other.unused_ = other.unusedEnd_ = nullptr;
+  other.nextCount_ = kFirstChunkNodes;
 }
 
 void NodePool::clear() noexcept {
-  while (Chunk* const chunk = m_chunks) {
-    m_chunks = chunk->next;
-    freeBlock(chunk, m_alignment);
+  while (Chunk* const chunk = chunks_) {
+    chunks_ = chunk->next;
+    freeBlock(chunk, alignment_);
   }
-  m_free = nullptr;
-  m_unused = m_unusedEnd = nullptr;
-  m_nextCount = kFirstChunkNodes;
+  free_ = nullptr;
+  unused_ = unusedEnd_ = nullptr;
+  nextCount_ = kFirstChunkNodes;
 }
 
 }  // namespace zo

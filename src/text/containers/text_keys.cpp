@@ -1,59 +1,39 @@
 #include <zo/text/containers/text_keys.h>
 
-#include "platform/collation.h"
 #include "text/hash.h"
 #include "text/units.h"
 
 namespace zo {
 namespace {
 
-constexpr wchar_t kFirstPlain = L' ';
-constexpr wchar_t kLastPlain = L'~';
-
-bool isPlain(std::wstring_view text) noexcept {
-  const wchar_t* const at = text.data();
-  const size_t n = text.size();
-  if (n < kLane) {
-    for (size_t i = 0; i < n; ++i) {
-      if (at[i] < kFirstPlain || at[i] > kLastPlain) return false;
-    }
-    return true;
-  }
-  // The last vector may overlap what was looked at already.
-  for (size_t i = 0; i + kLane < n; i += kLane) {
-    if (mask8(between8(load8(at + i), kFirstPlain, kLastPlain)) != 0xFFFF) return false;
-  }
-  return mask8(between8(load8(at + n - kLane), kFirstPlain, kLastPlain)) == 0xFFFF;
-}
-
-bool equalFolded8(const wchar_t* a, const wchar_t* b) noexcept {
-  return mask8(_mm_cmpeq_epi16(upperAscii8(load8(a)), upperAscii8(load8(b)))) == 0xFFFF;
-}
-
-bool equalPlain(std::wstring_view a, std::wstring_view b) noexcept {
-  const size_t n = a.size();
-  if (n != b.size()) return false;
-  const wchar_t* const x = a.data();
-  const wchar_t* const y = b.data();
-  if (x == y) return true;
-  if (n < kLane) {
-    for (size_t i = 0; i < n; ++i) {
-      if (upperAscii(x[i]) != upperAscii(y[i])) return false;
-    }
-    return true;
-  }
-  for (size_t i = 0; i + kLane < n; i += kLane) {
-    if (!equalFolded8(x + i, y + i)) return false;
-  }
-  return equalFolded8(x + n - kLane, y + n - kLane);
+// 0xFFFF for each of eight units that are equal.
+__m128i equal8(const wchar_t* a, const wchar_t* b) noexcept {
+  return _mm_cmpeq_epi16(upperAscii8(load8(a)), upperAscii8(load8(b)));
 }
 
 }  // namespace
 
-HashedKey hashText(std::wstring_view text) noexcept { return {hashFolded(text), isPlain(text)}; }
+HashedKey hashText(const wchar_t* text, std::size_t length) noexcept {
+  return hashFolded(text, length);
+}
 
-bool equalTexts(std::wstring_view a, std::wstring_view b, bool bothPlain) noexcept {
-  return bothPlain ? equalPlain(a, b) : equalIgnoreCase(a, b);
+bool equalPlainTexts(const wchar_t* a, const wchar_t* b, std::size_t length) noexcept {
+  if (a == b) return true;
+  if (length < kLane) {
+    for (std::size_t i = 0; i < length; ++i) {
+      if (upperAscii(a[i]) != upperAscii(b[i])) return false;
+    }
+    return true;
+  }
+  // Up to 24 units in three steps that overlap, without a branch on the length; then what lies
+  // between.
+  const std::size_t last = length - kLane;
+  const std::size_t second = last < kLane ? last : kLane;
+  __m128i equal = _mm_and_si128(equal8(a, b), equal8(a + last, b + last));
+  equal = _mm_and_si128(equal, equal8(a + second, b + second));
+  for (std::size_t i = 2 * kLane; i < last; i += kLane)
+    equal = _mm_and_si128(equal, equal8(a + i, b + i));
+  return mask8(equal) == 0xFFFF;
 }
 
 }  // namespace zo

@@ -2,6 +2,7 @@
 #include <zo/text/containers/varray.h>
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <new>
 #include <utility>
@@ -15,26 +16,24 @@ constexpr unsigned kMostEntries = zo::npos - 1;  // npos itself is no position
 ZoVArrayTable::~ZoVArrayTable() = default;
 
 ZoVArray::ZoVArray(ZoVArrayTable* table, unsigned capacity, unsigned growSize)
-    : m_growSize(growSize), m_table(table) {
+    : growSize_(growSize), table_(table) {
   if (capacity > 0)
     resize(capacity);  // without memory the array starts smaller, and grows when used
 }
 
-ZoVArray::ZoVArray(const ZoVArray& other) : m_growSize(other.m_growSize), m_table(nullptr) {
-  if (!other.m_table) return;
-  m_table = other.m_table->makeNew();
-  if (!m_table) throw std::bad_alloc();
+ZoVArray::ZoVArray(const ZoVArray& other) : growSize_(other.growSize_) {
+  if (!other.table_) return;
+  table_ = other.table_->makeNew();
+  if (!table_) throw std::bad_alloc();
   try {
     if (copyFrom(other) == ZoResult::outOfMemory) throw std::bad_alloc();
   } catch (...) {
-    delete m_table;
+    delete table_;
     throw;
   }
 }
 
-ZoVArray::ZoVArray(ZoVArray&& other) noexcept : m_growSize(other.m_growSize), m_table(nullptr) {
-  swap(other);
-}
+ZoVArray::ZoVArray(ZoVArray&& other) noexcept : growSize_(other.growSize_) { swap(other); }
 
 ZoVArray& ZoVArray::operator=(const ZoVArray& other) {
   if (this != &other) {
@@ -54,78 +53,78 @@ ZoVArray& ZoVArray::operator=(ZoVArray&& other) noexcept {
 
 ZoVArray::~ZoVArray() {
   removeAll(false);
-  delete m_table;
+  delete table_;
 }
 
 void ZoVArray::swap(ZoVArray& other) noexcept {
-  std::swap(m_entries, other.m_entries);
-  std::swap(m_capacity, other.m_capacity);
-  std::swap(m_growSize, other.m_growSize);
-  std::swap(m_table, other.m_table);
+  std::swap(entries_, other.entries_);
+  std::swap(capacity_, other.capacity_);
+  std::swap(growSize_, other.growSize_);
+  std::swap(table_, other.table_);
 }
 
 int ZoVArray::getAt(unsigned i, void* out) const {
-  if (i >= m_entries || !out) return ZoResult::refused;
-  return m_table->assign(out, m_table->at(i));
+  if (i >= entries_ || !out) return ZoResult::refused;
+  return table_->assign(out, table_->at(i));
 }
 
 int ZoVArray::setAt(unsigned i, const void* value) {
-  if (i >= m_entries || !value) return ZoResult::refused;
-  return m_table->assign(m_table->at(i), value);
+  if (i >= entries_ || !value) return ZoResult::refused;
+  return table_->assign(table_->at(i), value);
 }
 
 unsigned ZoVArray::index(const void* value, const ZoVArrayCompare* compare) const {
   if (!value || !compare) return zo::npos;
-  for (unsigned i = 0; i < m_entries; ++i) {
-    if (compare->compare(m_table->at(i), value) == 0) return i;
+  for (unsigned i = 0; i < entries_; ++i) {
+    if (compare->compare(table_->at(i), value) == 0) return i;
   }
   return zo::npos;
 }
 
 bool ZoVArray::isEqualTo(const ZoVArray& other, const ZoVArrayCompare* compare) const {
-  if (!compare || m_entries != other.m_entries) return false;
-  for (unsigned i = 0; i < m_entries; ++i) {
-    if (compare->compare(m_table->at(i), other.m_table->at(i)) != 0) return false;
+  if (!compare || entries_ != other.entries_) return false;
+  for (unsigned i = 0; i < entries_; ++i) {
+    if (compare->compare(table_->at(i), other.table_->at(i)) != 0) return false;
   }
   return true;
 }
 
 int ZoVArray::append(const ZoVArray& other) {
-  const unsigned n = other.m_entries;
-  if (!m_table) return ZoResult::refused;
+  const unsigned n = other.entries_;
+  if (!table_) return ZoResult::refused;
   if (n == 0) return ZoResult::ok;
   if (const int status = makeRoom(n)) return status;
   // Only now: making room moves the elements when `other` is this array.
-  const int status = m_table->appendCopies(other.m_table->at(0), n, m_entries);
-  if (status == ZoResult::ok) m_entries += n;
+  const int status = table_->appendCopies(other.table_->at(0), n, entries_);
+  if (status == ZoResult::ok) entries_ += n;
   return status;
 }
 
 int ZoVArray::insertAt(unsigned i, const void* value) {
-  if (i > m_entries || !value || !m_table) return ZoResult::refused;
+  if (i > entries_ || !value || !table_) return ZoResult::refused;
   if (const int status = makeRoomFor(1, value)) return status;
-  const int status = m_table->insert(i, 1, value, m_entries);
-  if (status == ZoResult::ok) ++m_entries;
+  const int status = table_->insert(i, 1, value, entries_);
+  if (status == ZoResult::ok) ++entries_;
   return status;
 }
 
 int ZoVArray::fillAt(unsigned i, unsigned n, const void* value) {
-  if (i > m_entries || n > kMostEntries - i || !value || !m_table) return ZoResult::refused;
-  const unsigned inside = std::min(n, m_entries - i);
+  if (i > entries_ || n > kMostEntries - i || !value || !table_) return ZoResult::refused;
+  const unsigned inside = std::min(n, entries_ - i);
   const unsigned behind = n - inside;
   if (const int status = makeRoomFor(behind, value)) return status;
   for (unsigned k = i; k < i + inside; ++k) {
-    if (const int status = m_table->assign(m_table->at(k), value)) return status;
+    if (const int status = table_->assign(table_->at(k), value)) return status;
   }
   if (behind == 0) return ZoResult::ok;
-  const int status = m_table->insert(m_entries, behind, value, m_entries);
-  if (status == ZoResult::ok) m_entries += behind;
+  const int status = table_->insert(entries_, behind, value, entries_);
+  if (status == ZoResult::ok) entries_ += behind;
   return status;
 }
 
 int ZoVArray::apply(ZoVArrayApply* applyFn) const {
   if (!applyFn) return ZoResult::refused;
-  for (unsigned i = 0; i < m_entries; ++i) applyFn->applyTo(m_table->at(i));
+  for (unsigned i = 0; i < entries_; ++i) applyFn->applyTo(table_->at(i));
   return ZoResult::ok;
 }
 
@@ -134,159 +133,169 @@ int ZoVArray::remove(const void* value, const ZoVArrayCompare* compare, bool all
   if (found == zo::npos) return ZoResult::refused;
   if (!all) return removeAt(found, nullptr);
   // All are compared before one goes: the value may be an element, and comparing may throw.
-  zo::PointerBuffer kept(m_entries);
+  const zo::PointerBuffer kept(entries_);
   if (!kept) return ZoResult::outOfMemory;
   unsigned n = 0;
-  for (unsigned i = 0; i < m_entries; ++i) {
-    void* const element = m_table->at(i);
+  for (unsigned i = 0; i < entries_; ++i) {
+    void* const element = table_->at(i);
     if (i < found || compare->compare(element, value) != 0) kept[n++] = element;
   }
-  const int status = m_table->keep(kept.data(), n, m_entries);
-  if (status == ZoResult::ok) m_entries = n;
+  const int status = table_->keep(kept.data(), n, entries_);
+  if (status == ZoResult::ok) entries_ = n;
   return status;
 }
 
 int ZoVArray::removeAt(unsigned i, void* out) {
-  if (i >= m_entries) return ZoResult::refused;
+  if (i >= entries_) return ZoResult::refused;
   if (out) {
-    if (const int status = m_table->moveOut(out, m_table->at(i))) return status;
+    if (const int status = table_->moveOut(out, table_->at(i))) return status;
   }
-  const int status = m_table->erase(i, 1, m_entries);
-  if (status == ZoResult::ok) --m_entries;
+  const int status = table_->erase(i, 1, entries_);
+  if (status == ZoResult::ok) --entries_;
   return status;
 }
 
 int ZoVArray::removeAll(bool freeMemory) {
-  if (!m_table) return ZoResult::ok;
-  if (m_entries > 0) m_table->erase(0, m_entries, m_entries);
-  m_entries = 0;
+  if (!table_) return ZoResult::ok;
+  if (entries_ > 0) table_->erase(0, entries_, entries_);
+  entries_ = 0;
   return freeMemory ? resize(0) : ZoResult::ok;
 }
 
 int ZoVArray::sort(const ZoVArrayCompare* compare, bool ascending) {
   if (!compare) return ZoResult::refused;
-  if (m_entries < 2) return ZoResult::ok;
-  zo::PointerBuffer order(m_entries);
+  if (entries_ < 2) return ZoResult::ok;
+  const zo::PointerBuffer order(entries_);
   if (!order) return ZoResult::outOfMemory;
-  for (unsigned i = 0; i < m_entries; ++i) order[i] = m_table->at(i);
   bool changed = false;
-  if (const int status = zo::mergeSort(order.data(), m_entries, *compare, ascending, changed))
+  if (table_
+          ->holdsWords()) {  // sorting the elements themselves saves a step from pointer to element
+    const std::size_t bytes = entries_ * sizeof(void*);
+    std::memcpy(static_cast<void*>(order.data()), table_->at(0), bytes);
+    const int status =
+        zo::mergeSort(order.data(), entries_, zo::Words::kElements, *compare, ascending, changed);
+    if (status == ZoResult::ok)
+      std::memcpy(table_->at(0), static_cast<const void*>(order.data()), bytes);
     return status;
-  return changed ? m_table->reorder(order.data(), m_entries) : ZoResult::ok;
+  }
+  for (unsigned i = 0; i < entries_; ++i) order[i] = table_->at(i);
+  const int status =
+      zo::mergeSort(order.data(), entries_, zo::Words::kPointers, *compare, ascending, changed);
+  return status == ZoResult::ok && changed ? table_->reorder(order.data(), entries_) : status;
 }
 
 int ZoVArray::reverse() {
-  for (unsigned i = 0, j = m_entries; i + 1 < j; ++i) m_table->exchange(i, --j);
+  for (unsigned i = 0, j = entries_; i + 1 < j; ++i) table_->exchange(i, --j);
   return ZoResult::ok;
 }
 
 int ZoVArray::resize(unsigned capacity) {
-  if (!m_table) return ZoResult::refused;
-  if (capacity == m_capacity) return ZoResult::ok;
-  const unsigned kept = std::min(m_entries, capacity);
-  if (kept < m_entries) {
-    m_table->erase(kept, m_entries - kept, m_entries);
-    m_entries = kept;
+  if (!table_) return ZoResult::refused;
+  if (capacity == capacity_) return ZoResult::ok;
+  const unsigned kept = std::min(entries_, capacity);
+  if (kept < entries_) {
+    table_->erase(kept, entries_ - kept, entries_);
+    entries_ = kept;
   }
-  const int status = m_table->reallocate(capacity, m_entries);
-  if (status == ZoResult::ok) m_capacity = capacity;
+  const int status = table_->reallocate(capacity, entries_);
+  if (status == ZoResult::ok) capacity_ = capacity;
   return status;
 }
 
 int ZoVArray::copyFrom(const ZoVArray& other) {
-  if (!m_table) return ZoResult::refused;
+  if (!table_) return ZoResult::refused;
   if (this == &other) return ZoResult::ok;
-  ZoVArray copy(m_table->makeNew());
-  if (!copy.m_table) return ZoResult::outOfMemory;
-  if (const int status = copy.resize(std::max(other.m_entries, m_capacity))) return status;
+  ZoVArray copy(table_->makeNew());
+  if (!copy.table_) return ZoResult::outOfMemory;
+  if (const int status = copy.resize(std::max(other.entries_, capacity_))) return status;
   if (const int status = copy.append(other)) return status;
-  copy.m_growSize = m_growSize;
+  copy.growSize_ = growSize_;
   swap(copy);
   return ZoResult::ok;
 }
 
 int ZoVArray::shiftLeft(unsigned n) {
-  if (n > m_entries) return ZoResult::refused;
+  if (n > entries_) return ZoResult::refused;
   if (n == 0) return ZoResult::ok;
-  const int status = m_table->erase(0, n, m_entries);
-  if (status == ZoResult::ok) m_entries -= n;
+  const int status = table_->erase(0, n, entries_);
+  if (status == ZoResult::ok) entries_ -= n;
   return status;
 }
 
 int ZoVArray::shiftRight(unsigned n) {
-  if (!m_table) return ZoResult::refused;
+  if (!table_) return ZoResult::refused;
   if (n == 0) return ZoResult::ok;
   if (const int status = makeRoom(n)) return status;
-  const int status = m_table->insert(0, n, nullptr, m_entries);
-  if (status == ZoResult::ok) m_entries += n;
+  const int status = table_->insert(0, n, nullptr, entries_);
+  if (status == ZoResult::ok) entries_ += n;
   return status;
 }
 
 int ZoVArray::growArray() {
-  if (m_growSize == 0 || !m_table) return ZoResult::refused;
-  if (m_growSize > kMostEntries - m_capacity) return ZoResult::outOfMemory;
-  return resize(m_capacity + m_growSize);
+  if (growSize_ == 0 || !table_) return ZoResult::refused;
+  if (growSize_ > kMostEntries - capacity_) return ZoResult::outOfMemory;
+  return resize(capacity_ + growSize_);
 }
 
 int ZoVArray::makeRoom(unsigned n) {
-  const unsigned spare = m_capacity - m_entries;
+  const unsigned spare = capacity_ - entries_;
   if (n <= spare) return ZoResult::ok;
-  if (m_growSize == 0) return ZoResult::refused;
+  if (growSize_ == 0) return ZoResult::refused;
   const unsigned missing = n - spare;
-  const unsigned long long steps = (missing + 0ull + m_growSize - 1) / m_growSize;
-  const unsigned long long capacity = m_capacity + steps * m_growSize;
+  const unsigned long long steps = (missing + 0ull + growSize_ - 1) / growSize_;
+  const unsigned long long capacity = capacity_ + steps * growSize_;
   if (capacity > kMostEntries) return ZoResult::outOfMemory;
   return resize(static_cast<unsigned>(capacity));
 }
 
 int ZoVArray::makeRoomFor(unsigned n, const void*& value) {
   const std::less<> before;
-  const void* const begin = m_table->at(0);
-  const bool own = m_entries > 0 && !before(value, begin) && before(value, m_table->at(m_entries));
+  const void* const begin = table_->at(0);
+  const bool own = entries_ > 0 && !before(value, begin) && before(value, table_->at(entries_));
   const std::ptrdiff_t offset =
       own ? static_cast<const char*>(value) - static_cast<const char*>(begin) : 0;
   const int status = makeRoom(n);
-  if (own) value = static_cast<const char*>(m_table->at(0)) + offset;
+  if (own) value = static_cast<const char*>(table_->at(0)) + offset;
   return status;
 }
 
 bool ZoVArray::validate() const noexcept {
-  if (!m_table) return m_entries == 0 && m_capacity == 0;
-  return m_entries <= m_capacity && (m_capacity == 0 || m_table->at(0));
+  if (!table_) return entries_ == 0 && capacity_ == 0;
+  return entries_ <= capacity_ && (capacity_ == 0 || table_->at(0));
 }
 
 ZoVArrayIterator::~ZoVArrayIterator() = default;
 
-void ZoVArrayIterator::reset() { m_position = 0; }
+void ZoVArrayIterator::reset() { position_ = 0; }
 
 void ZoVArrayIterator::reset(ZoVArray& array) {
-  m_array = &array;
-  m_position = 0;
+  array_ = &array;
+  position_ = 0;
 }
 
-bool ZoVArrayIterator::isValid() const { return m_array->isValid(m_position); }
-void* ZoVArrayIterator::current() const { return m_array->at(m_position); }
-bool ZoVArrayIterator::atFirst() const { return m_position == 0 && isValid(); }
-bool ZoVArrayIterator::atLast() const { return isValid() && m_position + 1 == m_array->entries(); }
+bool ZoVArrayIterator::isValid() const { return array_->isValid(position_); }
+void* ZoVArrayIterator::current() const { return array_->at(position_); }
+bool ZoVArrayIterator::atFirst() const { return position_ == 0 && isValid(); }
+bool ZoVArrayIterator::atLast() const { return isValid() && position_ + 1 == array_->entries(); }
 bool ZoVArrayIterator::toFirst() { return to(0); }
-bool ZoVArrayIterator::toLast() { return to(m_array->entries() - 1); }
+bool ZoVArrayIterator::toLast() { return to(array_->entries() - 1); }
 
 bool ZoVArrayIterator::to(unsigned i) {
-  m_position = m_array->isValid(i) ? i : zo::npos;
+  position_ = array_->isValid(i) ? i : zo::npos;
   return isValid();
 }
 
-bool ZoVArrayIterator::next() { return to(isValid() ? m_position + 1 : zo::npos); }
-bool ZoVArrayIterator::prev() { return to(isValid() ? m_position - 1 : zo::npos); }
+bool ZoVArrayIterator::next() { return to(isValid() ? position_ + 1 : zo::npos); }
+bool ZoVArrayIterator::prev() { return to(isValid() ? position_ - 1 : zo::npos); }
 
 int ZoVArrayIterator::insert(const void* value) {
-  const unsigned i = isValid() ? m_position : m_array->entries();
-  const int status = m_array->insertAt(i, value);
-  if (status == ZoResult::ok) m_position = i;
+  const unsigned i = isValid() ? position_ : array_->entries();
+  const int status = array_->insertAt(i, value);
+  if (status == ZoResult::ok) position_ = i;
   return status;
 }
 
-int ZoVArrayIterator::remove(void* out) { return m_array->removeAt(m_position, out); }
+int ZoVArrayIterator::remove(void* out) { return array_->removeAt(position_, out); }
 
 bool ZoVArrayIterator::findNext(const void* value, const ZoVArrayCompare* compare) {
   if (!value || !compare) return to(zo::npos);

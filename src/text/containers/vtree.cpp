@@ -2,6 +2,7 @@
 #include <zo/text/containers/vtree.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <new>
 #include <utility>
 
@@ -12,13 +13,13 @@ constexpr unsigned kMostEntries = zo::npos - 1;  // npos itself is no position
 class CopyMaker final : public zo::TreeNodeMaker {
  public:
   CopyMaker(ZoVTreeMem& mem, const void* key, const void* value)
-      : m_mem(mem), m_key(key), m_value(value) {}
-  int make(ZoVTreeNode*& node) override { return m_mem.newNode(m_key, m_value, node); }
+      : mem_(mem), key_(key), value_(value) {}
+  int make(ZoVTreeNode*& node) override { return mem_.newNode(key_, value_, node); }
 
  private:
-  ZoVTreeMem& m_mem;
-  const void* m_key;
-  const void* m_value;
+  ZoVTreeMem& mem_;
+  const void* key_;
+  const void* value_;
 };
 
 // The height of a subtree whose balances are right, or -1.
@@ -39,43 +40,42 @@ ZoVTreeMem::~ZoVTreeMem() = default;
 class ZoVTree::PutBack final : public zo::TreeNodeMaker {
  public:
   PutBack(ZoVTree& tree, ZoVTreeNode* node, const ZoVTreeCompare& compare)
-      : m_tree(tree), m_node(node), m_compare(compare) {}
+      : tree_(tree), node_(node), compare_(compare) {}
   ~PutBack() {
     bool taller = false;
-    if (m_node) {
-      m_tree.insertNode(m_tree.m_root, m_tree.m_mem->key(m_node->element), *this, m_compare,
-                        taller);
+    if (node_) {
+      tree_.insertNode(tree_.root_, tree_.mem_->key(node_->element), *this, compare_, taller);
     }
   }
-  void dismiss() { m_node = nullptr; }
+  void dismiss() { node_ = nullptr; }
 
   int make(ZoVTreeNode*& node) override {
-    m_node->left = m_node->right = nullptr;
-    m_node->balance = 0;
-    node = m_node;
+    node_->left = node_->right = nullptr;
+    node_->balance = 0;
+    node = node_;
     return ZoResult::ok;
   }
 
  private:
-  ZoVTree& m_tree;
-  ZoVTreeNode* m_node;
-  const ZoVTreeCompare& m_compare;
+  ZoVTree& tree_;
+  ZoVTreeNode* node_;
+  const ZoVTreeCompare& compare_;
 };
 
 ZoVTree::ZoVTree(ZoVTreeMem* mem, const ZoVTree& other, const ZoVTreeCompare* compare)
     : ZoVTree(mem) {
   if (!mem || !compare) return;
   zo::TreePath path;
-  for (path.descendLeft(other.m_root); ZoVTreeNode* const node = path.current(); path.advance()) {
-    const void* const key = other.m_mem->key(node->element);
-    const void* const value = other.m_mem->value(node->element);
+  for (path.descendLeft(other.root_); ZoVTreeNode* const node = path.current(); path.advance()) {
+    const void* const key = other.mem_->key(node->element);
+    const void* const value = other.mem_->value(node->element);
     // The constructor delegated, so the destructor runs and nothing leaks.
     const int status = insertAt(key, value == node->element ? nullptr : value, compare);
     if (status == ZoResult::outOfMemory) throw std::bad_alloc();
   }
 }
 
-ZoVTree::ZoVTree(ZoVTree&& other) noexcept : m_mem(nullptr) { swap(other); }
+ZoVTree::ZoVTree(ZoVTree&& other) noexcept { swap(other); }
 
 ZoVTree& ZoVTree::operator=(ZoVTree&& other) noexcept {
   if (this != &other) {
@@ -87,27 +87,27 @@ ZoVTree& ZoVTree::operator=(ZoVTree&& other) noexcept {
 
 ZoVTree::~ZoVTree() {
   removeAll();
-  delete m_mem;
+  delete mem_;
 }
 
 void ZoVTree::swap(ZoVTree& other) noexcept {
-  std::swap(m_mem, other.m_mem);
-  std::swap(m_root, other.m_root);
-  std::swap(m_count, other.m_count);
-  m_changes = other.m_changes = std::max(m_changes, other.m_changes) + 1;
+  std::swap(mem_, other.mem_);
+  std::swap(root_, other.root_);
+  std::swap(count_, other.count_);
+  changes_ = other.changes_ = std::max(changes_, other.changes_) + 1;
 }
 
-void* ZoVTree::first() const noexcept { return m_root ? firstNode(m_root)->element : nullptr; }
-void* ZoVTree::last() const noexcept { return m_root ? lastNode(m_root)->element : nullptr; }
+void* ZoVTree::first() const noexcept { return root_ ? firstNode(root_)->element : nullptr; }
+void* ZoVTree::last() const noexcept { return root_ ? lastNode(root_)->element : nullptr; }
 
 void* ZoVTree::at(const void* key, const ZoVTreeCompare* compare) const {
   const ZoVTreeNode* const node = getKeyNode(key, compare);
-  return node ? m_mem->value(node->element) : nullptr;
+  return node ? mem_->value(node->element) : nullptr;
 }
 
 int ZoVTree::getAt(const void* key, void* out, const ZoVTreeCompare* compare) const {
   const void* const value = at(key, compare);
-  return value && out ? m_mem->assignValue(out, value) : ZoResult::refused;
+  return value && out ? mem_->assignValue(out, value) : ZoResult::refused;
 }
 
 int ZoVTree::getIndex(const void* key, unsigned* out, const ZoVTreeCompare* compare) const {
@@ -115,14 +115,14 @@ int ZoVTree::getIndex(const void* key, unsigned* out, const ZoVTreeCompare* comp
   if (!found || !out) return ZoResult::refused;
   unsigned i = 0;
   zo::TreePath path;
-  for (path.descendLeft(m_root); path.current() != found; path.advance()) ++i;
+  for (path.descendLeft(root_); path.current() != found; path.advance()) ++i;
   *out = i;
   return ZoResult::ok;
 }
 
 int ZoVTree::setAt(const void* key, const void* value, const ZoVTreeCompare* compare) {
   void* const place = at(key, compare);
-  return place && value ? m_mem->assignValue(place, value) : ZoResult::refused;
+  return place && value ? mem_->assignValue(place, value) : ZoResult::refused;
 }
 
 int ZoVTree::insert(const void* element, const ZoVTreeCompare* compare) {
@@ -130,18 +130,18 @@ int ZoVTree::insert(const void* element, const ZoVTreeCompare* compare) {
 }
 
 int ZoVTree::insertAt(const void* key, const void* value, const ZoVTreeCompare* compare) {
-  if (!m_mem || !key) return ZoResult::refused;
-  CopyMaker maker(*m_mem, key, value);
+  if (!mem_ || !key) return ZoResult::refused;
+  CopyMaker maker(*mem_, key, value);
   return insertMade(key, maker, compare);
 }
 
 int ZoVTree::insertMade(const void* key, zo::TreeNodeMaker& maker, const ZoVTreeCompare* compare) {
-  if (!m_mem || !compare || m_count == kMostEntries) return ZoResult::refused;
+  if (!mem_ || !compare || count_ == kMostEntries) return ZoResult::refused;
   bool taller = false;
-  const int status = insertNode(m_root, key, maker, *compare, taller);
+  const int status = insertNode(root_, key, maker, *compare, taller);
   if (status == ZoResult::ok) {
-    ++m_count;
-    ++m_changes;
+    ++count_;
+    ++changes_;
   }
   return status;
 }
@@ -150,52 +150,52 @@ int ZoVTree::removeAt(const void* key, void* out, const ZoVTreeCompare* compare)
   if (!key || !compare) return ZoResult::refused;
   bool shorter = false;
   ZoVTreeNode* removed = nullptr;
-  if (const int status = removeNode(m_root, key, *compare, shorter, removed)) return status;
+  if (const int status = removeNode(root_, key, *compare, shorter, removed)) return status;
   if (out) {
     PutBack putBack(*this, removed, *compare);
-    if (const int status = m_mem->moveValue(out, m_mem->value(removed->element))) return status;
+    if (const int status = mem_->moveValue(out, mem_->value(removed->element))) return status;
     putBack.dismiss();
   }
-  m_mem->deleteNode(removed);
-  --m_count;
-  ++m_changes;
+  mem_->deleteNode(removed);
+  --count_;
+  ++changes_;
   return ZoResult::ok;
 }
 
 int ZoVTree::removeFirst(const ZoVTreeCompare* compare, void* out) {
-  return m_root ? removeAt(m_mem->key(first()), out, compare) : ZoResult::refused;
+  return root_ ? removeAt(mem_->key(first()), out, compare) : ZoResult::refused;
 }
 
 int ZoVTree::removeLast(const ZoVTreeCompare* compare, void* out) {
-  return m_root ? removeAt(m_mem->key(last()), out, compare) : ZoResult::refused;
+  return root_ ? removeAt(mem_->key(last()), out, compare) : ZoResult::refused;
 }
 
 int ZoVTree::removeAll() {
-  deleteNodes(std::exchange(m_root, nullptr));
-  m_count = 0;
-  ++m_changes;
-  if (m_mem) m_mem->freeMemory();
+  deleteNodes(std::exchange(root_, nullptr));
+  count_ = 0;
+  ++changes_;
+  if (mem_) mem_->freeMemory();
   return ZoResult::ok;
 }
 
 int ZoVTree::apply(ZoVTreeApply* applyFn) const {
   if (!applyFn) return ZoResult::refused;
-  applyNodes(m_root, *applyFn);
+  applyNodes(root_, *applyFn);
   return ZoResult::ok;
 }
 
 int ZoVTree::dump(ZoVTreeDump* dumpFn, bool parentsFirst) const {
   if (!dumpFn) return ZoResult::refused;
-  dumpNodes(m_root, 0, *dumpFn, parentsFirst);
+  dumpNodes(root_, 0, *dumpFn, parentsFirst);
   return ZoResult::ok;
 }
 
 bool ZoVTree::validate(const ZoVTreeCompare* compare) const {
-  if (checkedHeight(m_root) < 0 || countNodes(m_root) != m_count) return false;
+  if (checkedHeight(root_) < 0 || countNodes(root_) != count_) return false;
   const void* previous = nullptr;
   zo::TreePath path;
-  for (path.descendLeft(m_root); const ZoVTreeNode* const node = path.current(); path.advance()) {
-    const void* const key = m_mem->key(node->element);
+  for (path.descendLeft(root_); const ZoVTreeNode* const node = path.current(); path.advance()) {
+    const void* const key = mem_->key(node->element);
     if (previous && compare && compare->compare(previous, key) >= 0) return false;
     previous = key;
   }
@@ -217,17 +217,17 @@ ZoVTreeNode* ZoVTree::lastNode(ZoVTreeNode* node) noexcept {
 }
 
 ZoVTreeNode* ZoVTree::getNode(unsigned i) const noexcept {
-  if (i >= m_count) return nullptr;
+  if (i >= count_) return nullptr;
   zo::TreePath path;
-  for (path.descendLeft(m_root); i > 0; --i) path.advance();
+  for (path.descendLeft(root_); i > 0; --i) path.advance();
   return path.current();
 }
 
 ZoVTreeNode* ZoVTree::getKeyNode(const void* key, const ZoVTreeCompare* compare) const {
   if (!key || !compare) return nullptr;
-  ZoVTreeNode* node = m_root;
+  ZoVTreeNode* node = root_;
   while (node) {
-    const int order = compare->compare(key, m_mem->key(node->element));
+    const int order = compare->compare(key, mem_->key(node->element));
     if (order == 0) break;
     node = order < 0 ? node->left : node->right;
   }
@@ -241,7 +241,7 @@ int ZoVTree::insertNode(ZoVTreeNode*& node, const void* key, zo::TreeNodeMaker& 
     taller = status == ZoResult::ok;
     return status;
   }
-  const int order = compare.compare(key, m_mem->key(node->element));
+  const int order = compare.compare(key, mem_->key(node->element));
   if (order == 0) return ZoResult::refused;
   const int status = insertNode(order < 0 ? node->left : node->right, key, maker, compare, taller);
   if (taller) {
@@ -273,7 +273,7 @@ bool ZoVTree::leanRight(ZoVTreeNode*& node) noexcept {
 int ZoVTree::removeNode(ZoVTreeNode*& node, const void* key, const ZoVTreeCompare& compare,
                         bool& shorter, ZoVTreeNode*& removed) {
   if (!node) return ZoResult::refused;
-  const int order = compare.compare(key, m_mem->key(node->element));
+  const int order = compare.compare(key, mem_->key(node->element));
   if (order != 0) {
     const int status =
         removeNode(order < 0 ? node->left : node->right, key, compare, shorter, removed);
@@ -318,7 +318,8 @@ void ZoVTree::rotationToLeft(ZoVTreeNode*& node) noexcept {
   ZoVTreeNode* const child = node->right;
   node->right = child->left;
   child->left = node;
-  // The child is balanced only when a removal on the other side asked for the rotation; the height stays then.
+  // The child is balanced only when a removal on the other side asked for the rotation; the height
+  // stays then.
   node->balance = child->balance == 0 ? 1 : 0;
   child->balance = child->balance == 0 ? -1 : 0;
   node = child;
@@ -371,7 +372,7 @@ void ZoVTree::deleteNodes(ZoVTreeNode* node) noexcept {
   if (!node) return;
   deleteNodes(node->left);
   deleteNodes(node->right);
-  m_mem->deleteNode(node);
+  mem_->deleteNode(node);
 }
 
 void ZoVTree::applyNodes(const ZoVTreeNode* node, ZoVTreeApply& applyFn) {
@@ -391,17 +392,17 @@ void ZoVTree::dumpNodes(const ZoVTreeNode* node, unsigned depth, ZoVTreeDump& du
 }
 
 bool ZoVTreeIterator::toFirst() noexcept {
-  m_changes = m_tree->m_changes;
-  m_path.clear();
-  m_path.descendLeft(m_tree->m_root);
+  changes_ = tree_->changes_;
+  path_.clear();
+  path_.descendLeft(tree_->root_);
   return isValid();
 }
 
 bool ZoVTreeIterator::next() noexcept {
-  if (isValid()) m_path.advance();
+  if (isValid()) path_.advance();
   return isValid();
 }
 
 void* ZoVTreeIterator::current() const noexcept {
-  return isValid() ? m_path.current()->element : nullptr;
+  return isValid() ? path_.current()->element : nullptr;
 }

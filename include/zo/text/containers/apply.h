@@ -1,5 +1,6 @@
-// Typed callbacks for apply-to-all: derive and override apply(T&). It is called once per element, in the order of the
-// container, and must not change the container. A range-for does the same where the container's type is known.
+// Typed callbacks for apply-to-all: derive and override apply(T&). It is called once per element,
+// in the order of the container, and must not change the container. A range-for does the same where
+// the container's type is known.
 #pragma once
 
 #include <zo/text/containers/vcallbacks.h>

@@ -1,13 +1,15 @@
 // ZoArray<T>: a sequence in one contiguous table.
 //
-// Elements lie side by side, and are reached inline. The default array starts without memory, with a grow size of
-// kFirstGrowSize; when it is full it raises its grow size to its capacity first, so that n appends cost O(n). A grow
-// size set by setGrowSize is raised likewise, except 0: then a full array refuses to grow (status 1).
+// Elements lie side by side, and are reached inline. The default array starts without memory, with
+// a grow size of kFirstGrowSize; when it is full it raises its grow size to its capacity first, so
+// that n appends cost O(n). A grow size set by setGrowSize is raised likewise, except 0: then a
+// full array refuses to grow (status 1).
 //
 // Elements that can only be moved are fine; operations that copy refuse them with 1.
 //
-// Errors, Threads, Cost: as in varray.h. Pointers, references and range-for iterators hold until the array grows or
-//          elements in front of them come or go; ZoArrayIterator goes by position and holds always.
+// Errors, Threads, Cost: as in varray.h. Pointers, references and range-for iterators hold until
+//          the array grows or elements in front of them come or go; ZoArrayIterator goes by
+//          position and holds always.
 #pragma once
 
 #include <zo/text/containers/apply.h>
@@ -21,9 +23,9 @@ class ZoArray : public ZoSequence<T> {
  public:
   static constexpr unsigned kFirstGrowSize = 8;
 
-  ZoArray() noexcept : m_array(nullptr, 0, kFirstGrowSize) {}
+  ZoArray() noexcept : array_(nullptr, 0, kFirstGrowSize) {}
   explicit ZoArray(unsigned capacity, unsigned growSize = kFirstGrowSize)
-      : m_array(nullptr, 0, growSize) {
+      : array_(nullptr, 0, growSize) {
     resize(capacity);
   }
   ZoArray(std::initializer_list<T> values) : ZoArray() {
@@ -31,12 +33,13 @@ class ZoArray : public ZoSequence<T> {
     for (const T& value : values) check(append(value));
   }
   explicit ZoArray(const ZoSequence<T>& other) : ZoArray() { check(append(other)); }
-  // Copies throw std::bad_alloc when there is no memory; moves leave the other array empty and usable.
+  // Copies throw std::bad_alloc when there is no memory; moves leave the other array empty and
+  // usable.
   ZoArray(const ZoArray&) = default;
-  ZoArray(ZoArray&& other) noexcept : ZoSequence<T>(), m_array(std::move(other.m_array)) {}
+  ZoArray(ZoArray&& other) noexcept : ZoSequence<T>(), array_(std::move(other.array_)) {}
   ZoArray& operator=(const ZoArray&) = default;
   ZoArray& operator=(ZoArray&& other) noexcept {
-    m_array = std::move(other.m_array);
+    array_ = std::move(other.array_);
     return *this;
   }
   ZoArray& operator=(const ZoSequence<T>& other) {
@@ -45,10 +48,10 @@ class ZoArray : public ZoSequence<T> {
   }
   ~ZoArray() override = default;
 
-  [[nodiscard]] unsigned entries() const noexcept final { return m_array.m_entries; }
-  [[nodiscard]] unsigned capacity() const noexcept { return m_array.capacity(); }
-  [[nodiscard]] unsigned growSize() const noexcept { return m_array.growSize(); }
-  void setGrowSize(unsigned n) noexcept { m_array.setGrowSize(n); }
+  [[nodiscard]] unsigned entries() const noexcept final { return array_.entries_; }
+  [[nodiscard]] unsigned capacity() const noexcept { return array_.capacity(); }
+  [[nodiscard]] unsigned growSize() const noexcept { return array_.growSize(); }
+  void setGrowSize(unsigned n) noexcept { array_.setGrowSize(n); }
 
   [[nodiscard]] T* data() noexcept { return cells(); }
   [[nodiscard]] const T* data() const noexcept { return cells(); }
@@ -63,14 +66,14 @@ class ZoArray : public ZoSequence<T> {
 
   int append(const T& value) final {
     if constexpr (std::is_copy_constructible_v<T>) {
-      if (m_array.m_entries < m_array.m_capacity) {
+      if (array_.entries_ < array_.capacity_) {
         return appendMade([&](T* place) { ::new (static_cast<void*>(place)) T(value); });
       }
     }
     return insertAt(entries(), value);
   }
   int append(T&& value) final {
-    if (m_array.m_entries < m_array.m_capacity) {
+    if (array_.entries_ < array_.capacity_) {
       return appendMade([&](T* place) { ::new (static_cast<void*>(place)) T(std::move(value)); });
     }
     return insertAt(entries(), std::move(value));
@@ -79,7 +82,7 @@ class ZoArray : public ZoSequence<T> {
     const unsigned n = other.entries();
     if (const int status = makeRoom(n)) return status;
     if (const auto* array = dynamic_cast<const ZoArray*>(&other))
-      return m_array.append(array->m_array);
+      return array_.append(array->array_);
     ZoArray copies;
     if (const int status = copies.resize(n)) return status;
     for (const T& element : other) {
@@ -101,20 +104,20 @@ class ZoArray : public ZoSequence<T> {
   int insertAt(unsigned i, const T& value) final {
     if (i > entries()) return ZoResult::refused;
     if (const int status = raiseGrowSize()) return status;
-    return m_array.insertAt(i, &value);
+    return array_.insertAt(i, &value);
   }
   int insertAt(unsigned i, T&& value) final {
     if (i > entries()) return ZoResult::refused;
     if (const int status = makeRoom(1)) return status;
     const int status = table()->insertMoved(i, value, entries());
-    if (status == ZoResult::ok) ++m_array.m_entries;
+    if (status == ZoResult::ok) ++array_.entries_;
     return status;
   }
 
   int fillAt(unsigned i, unsigned n, const T& value) final {
     if (i > entries()) return ZoResult::refused;
     if (const int status = raiseGrowSize()) return status;
-    return m_array.fillAt(i, n, &value);
+    return array_.fillAt(i, n, &value);
   }
   int copyFrom(const ZoSequence<T>& other) final {
     if (this == &other) return ZoResult::ok;
@@ -128,56 +131,54 @@ class ZoArray : public ZoSequence<T> {
   using ZoSequence<T>::index;
   [[nodiscard]] unsigned index(const T& value, const ZoCompare<T>& compare) const final {
     const ZoArrayCompare<T> adapter(compare);
-    return m_array.index(&value, &adapter);
+    return array_.index(&value, &adapter);
   }
   using ZoSequence<T>::remove;
   int remove(const T& value, const ZoCompare<T>& compare, bool all = false) final {
     const ZoArrayCompare<T> adapter(compare);
-    return m_array.remove(&value, &adapter, all);
+    return array_.remove(&value, &adapter, all);
   }
-  int removeAll(bool freeMemory = false) final { return m_array.removeAll(freeMemory); }
+  int removeAll(bool freeMemory = false) final { return array_.removeAll(freeMemory); }
   using ZoSequence<T>::sort;
   int sort(const ZoCompare<T>& compare, bool ascending = true) final {
     const ZoArrayCompare<T> adapter(compare);
-    return m_array.sort(&adapter, ascending);
+    return array_.sort(&adapter, ascending);
   }
-  int reverse() final { return m_array.reverse(); }
-  int apply(ZoArrayApply<T>& applyFn) { return m_array.apply(&applyFn); }
+  int reverse() final { return array_.reverse(); }
+  int apply(ZoArrayApply<T>& applyFn) { return array_.apply(&applyFn); }
 
   // Sets the capacity, whatever the grow size; elements past it are removed.
   int resize(unsigned capacity) {
-    if (capacity == m_array.capacity()) return ZoResult::ok;
+    if (capacity == array_.capacity()) return ZoResult::ok;
     if (const int status = makeTable()) return status;
-    return m_array.resize(capacity);
+    return array_.resize(capacity);
   }
-  int shiftLeft(unsigned n) { return m_array.shiftLeft(n); }  // removes the first n elements
+  int shiftLeft(unsigned n) { return array_.shiftLeft(n); }  // removes the first n elements
   int shiftRight(unsigned n) {  // puts n elements made without a value in front
     if (const int status = raiseGrowSize()) return status;
-    return m_array.shiftRight(n);
+    return array_.shiftRight(n);
   }
 
   void walk(zo::SequenceCursor& cursor) const final {
     if (cursor.element) ++cursor.position;
     cursor.element = locate(cursor.position);
   }
-  [[nodiscard]] const ZoVArray& engine() const noexcept { return m_array; }
+  [[nodiscard]] const ZoVArray& engine() const noexcept { return array_; }
 
  protected:
-  T* locate(unsigned i) const noexcept final {
-    return i < m_array.m_entries ? cells() + i : nullptr;
-  }
-  int take(unsigned i, T* out) final { return m_array.removeAt(i, out); }
+  T* locate(unsigned i) const noexcept final { return i < array_.entries_ ? cells() + i : nullptr; }
+  int take(unsigned i, T* out) final { return array_.removeAt(i, out); }
 
  private:
   static void check(int status) {
     if (status == ZoResult::outOfMemory) throw std::bad_alloc();
   }
-  [[nodiscard]] Table* table() const noexcept { return static_cast<Table*>(m_array.m_table); }
-  [[nodiscard]] T* cells() const noexcept { return m_array.m_table ? table()->data() : nullptr; }
+  [[nodiscard]] Table* table() const noexcept { return static_cast<Table*>(array_.table_); }
+  [[nodiscard]] T* cells() const noexcept { return array_.table_ ? table()->data() : nullptr; }
 
   int makeTable() {
-    if (!m_array.m_table) m_array.m_table = new (std::nothrow) Table;
-    return m_array.m_table ? ZoResult::ok : ZoResult::outOfMemory;
+    if (!array_.table_) array_.table_ = new (std::nothrow) Table;
+    return array_.table_ ? ZoResult::ok : ZoResult::outOfMemory;
   }
   // Before any growth; makes the storage of an array that has none yet.
   int raiseGrowSize() {
@@ -188,13 +189,13 @@ class ZoArray : public ZoSequence<T> {
   }
   int makeRoom(unsigned n) {
     if (const int status = raiseGrowSize()) return status;
-    return m_array.makeRoom(n);
+    return array_.makeRoom(n);
   }
   template <class Make>
   int appendMade(Make make) {
-    const auto action = [&] {
-      make(cells() + m_array.m_entries);
-      ++m_array.m_entries;
+    const auto action = [&, n = array_.entries_] {
+      make(cells() + n);
+      array_.entries_ = n + 1;
     };
     if constexpr (noexcept(make(nullptr))) {
       action();
@@ -203,5 +204,5 @@ class ZoArray : public ZoSequence<T> {
       return zo::asStatus(action);
     }
   }
-  ZoVArray m_array;
+  ZoVArray array_;
 };

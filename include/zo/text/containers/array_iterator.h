@@ -1,5 +1,5 @@
-// Iterators of ZoArray: they go by position, so they survive every change of the array and stand on whatever element
-// has their position then.
+// Iterators of ZoArray: they go by position, so they survive every change of the array and stand on
+// whatever element has their position then.
 #pragma once
 
 #include <zo/text/containers/array.h>
@@ -11,37 +11,40 @@ namespace zo {
 template <class T, class Array, class Base>
 class ArrayWalker : public Base {
  public:
-  explicit ArrayWalker(Array& array) noexcept : m_array(&array) {}
+  explicit ArrayWalker(Array& array) noexcept : array_(&array) {}
 
-  void reset() final { m_position = 0; }
+  void reset() final { position_ = 0; }
   void reset(Array& array) noexcept {
-    m_array = &array;
-    m_position = 0;
+    array_ = &array;
+    position_ = 0;
   }
   bool toFirst() final { return to(0); }
-  [[nodiscard]] bool atFirst() const final { return m_position == 0 && isValid(); }
-  [[nodiscard]] bool isValid() const final { return m_position < m_array->entries(); }
+  [[nodiscard]] bool atFirst() const final { return position_ == 0 && isValid(); }
+  [[nodiscard]] bool isValid() const final { return position_ < array_->entries(); }
   bool next() final {
     if (!isValid()) return false;
-    ++m_position;
+    ++position_;
     return isValid();
   }
-  bool toLast() final { return to(m_array->entries() - 1); }
+  bool toLast() final { return to(array_->entries() - 1); }
   [[nodiscard]] bool atLast() const final {
-    return isValid() && m_position + 1 == m_array->entries();
+    return isValid() && position_ + 1 == array_->entries();
   }
   bool to(unsigned i) final {
-    m_position = i < m_array->entries() ? i : npos;
+    position_ = i < array_->entries() ? i : npos;
     return isValid();
   }
-  bool prev() final { return to(isValid() ? m_position - 1 : npos); }
-  [[nodiscard]] unsigned position() const noexcept { return isValid() ? m_position : npos; }
+  bool prev() final { return to(isValid() ? position_ - 1 : npos); }
+  // As in the root class, without its virtual call.
+  [[nodiscard]] auto* current() const noexcept { return array_->at(position_); }
+  [[nodiscard]] auto* operator()() const noexcept { return current(); }
+  [[nodiscard]] unsigned position() const noexcept { return isValid() ? position_ : npos; }
 
  protected:
-  [[nodiscard]] const T* element() const final { return m_array->at(m_position); }
+  [[nodiscard]] const T* element() const final { return array_->at(position_); }
 
-  Array* m_array;
-  unsigned m_position = 0;
+  Array* array_;
+  unsigned position_ = 0;
 };
 
 }  // namespace zo
@@ -52,16 +55,16 @@ class ZoArrayIterator final : public zo::ArrayWalker<T, ZoArray<T, Table>, ZoSeq
   using zo::ArrayWalker<T, ZoArray<T, Table>, ZoSeqIterator<T>>::ArrayWalker;
 
   int insert(const T& value) final {
-    const unsigned i = this->isValid() ? this->m_position : this->m_array->entries();
-    const int status = this->m_array->insertAt(i, value);
-    if (status == ZoResult::ok) this->m_position = i;
+    const unsigned i = this->isValid() ? this->position_ : this->array_->entries();
+    const int status = this->array_->insertAt(i, value);
+    if (status == ZoResult::ok) this->position_ = i;
     return status;
   }
 
  protected:
   int take(T* out) final {
-    return out ? this->m_array->removeAt(this->m_position, *out)
-               : this->m_array->removeAt(this->m_position);
+    return out ? this->array_->removeAt(this->position_, *out)
+               : this->array_->removeAt(this->position_);
   }
 };
 

@@ -1,7 +1,7 @@
 // The storage of ZoArray<T>: elements side by side in one block.
 //
-// Elements that can change their place without throwing are relocated; others are copied to a new block first, so
-// that an exception leaves the old one as it was.
+// Elements that can change their place without throwing are relocated; others are copied to a new
+// block first, so that an exception leaves the old one as it was.
 #pragma once
 
 #include <zo/text/containers/elements.h>
@@ -13,10 +13,10 @@
 template <class T>
 class ZoArrayTable final : public ZoVArrayTable {
  public:
-  ZoArrayTable() noexcept : ZoVArrayTable(sizeof(T)) {}
-  ~ZoArrayTable() override { zo::freeBlock(m_data, alignof(T)); }
+  ZoArrayTable() noexcept : ZoVArrayTable(sizeof(T), zo::isRelocatable<T>) {}
+  ~ZoArrayTable() override { zo::freeBlock(data_, alignof(T)); }
 
-  [[nodiscard]] T* data() const noexcept { return static_cast<T*>(m_data); }
+  [[nodiscard]] T* data() const noexcept { return static_cast<T*>(data_); }
 
   [[nodiscard]] ZoVArrayTable* makeNew() const override { return new (std::nothrow) ZoArrayTable; }
 
@@ -75,9 +75,9 @@ class ZoArrayTable final : public ZoVArrayTable {
     const unsigned rest = entries - i - n;
     if constexpr (!zo::movesSafely<T>) {
       if (rest > 0) {
-        Block block(m_cells);
+        Block block(cells_);
         if (!block.cells) return ZoResult::outOfMemory;
-        return rebuild(block, m_cells, entries - n, entries,
+        return rebuild(block, cells_, entries - n, entries,
                        [&](T* place, unsigned k) { carry(place, data() + (k < i ? k : k + n)); });
       }
     }
@@ -98,9 +98,9 @@ class ZoArrayTable final : public ZoVArrayTable {
       }
       return ZoResult::ok;
     } else {
-      Block block(m_cells);
+      Block block(cells_);
       if (!block.cells) return ZoResult::outOfMemory;
-      return rebuild(block, m_cells, n, entries,
+      return rebuild(block, cells_, n, entries,
                      [&](T* place, unsigned k) { carry(place, static_cast<T*>(kept[k])); });
     }
   }
@@ -111,16 +111,16 @@ class ZoArrayTable final : public ZoVArrayTable {
   }
 
   int reorder(void* const* order, unsigned entries) override {
-    Block block(m_cells);
+    Block block(cells_);
     if (!block.cells) return ZoResult::outOfMemory;
     if constexpr (zo::movesSafely<T>) {
       for (unsigned k = 0; k < entries; ++k) {
         zo::relocateElements(block.cells + k, static_cast<T*>(order[k]), 1);
       }
-      adopt(block, m_cells);
+      adopt(block, cells_);
       return ZoResult::ok;
     } else {
-      return rebuild(block, m_cells, entries, entries,
+      return rebuild(block, cells_, entries, entries,
                      [&](T* place, unsigned k) { carry(place, static_cast<T*>(order[k])); });
     }
   }
@@ -148,8 +148,8 @@ class ZoArrayTable final : public ZoVArrayTable {
   // The block takes the place of the present one, whose memory it holds afterwards.
   void adopt(Block& block, unsigned capacity) noexcept {
     T* const old = data();
-    m_data = block.cells;
-    m_cells = capacity;
+    data_ = block.cells;
+    cells_ = capacity;
     block.cells = old;
   }
 
@@ -179,9 +179,9 @@ class ZoArrayTable final : public ZoVArrayTable {
         }
       });
     } else {
-      Block block(m_cells);
+      Block block(cells_);
       if (!block.cells) return ZoResult::outOfMemory;
-      return rebuild(block, m_cells, entries + n, entries, [&](T* place, unsigned k) {
+      return rebuild(block, cells_, entries + n, entries, [&](T* place, unsigned k) {
         if (k < i) {
           carry(place, data() + k);
         } else if (k < i + n) {

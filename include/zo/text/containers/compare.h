@@ -17,8 +17,9 @@ class ZoCompare {
   ZoCompare& operator=(const ZoCompare&) = default;
   virtual ~ZoCompare() = default;
 
-  // Negative, 0 or positive. A type without `<` is compared by `==` (0 or 1), one without both by identity.
-  virtual int compare(const T& a, const T& b) const {
+  // Negative, 0 or positive. A type without `<` is compared by `==` (0 or 1), one without both by
+  // identity.
+  [[nodiscard]] virtual int compare(const T& a, const T& b) const {
     if constexpr (requires { a < b; }) {
       return a < b ? -1 : b < a ? 1 : 0;
     } else if constexpr (requires { a == b; }) {
@@ -38,24 +39,24 @@ namespace zo {
 template <class T, class Base>
 class TypedCompare : public Base {
  public:
-  explicit TypedCompare(const ZoCompare<T>& compare) noexcept : m_compare(&compare) {}
+  explicit TypedCompare(const ZoCompare<T>& compare) noexcept : compare_(&compare) {}
   int compare(const void* a, const void* b) const override {
-    return m_compare->compare(*static_cast<const T*>(a), *static_cast<const T*>(b));
+    return compare_->compare(*static_cast<const T*>(a), *static_cast<const T*>(b));
   }
 
  private:
-  const ZoCompare<T>* m_compare;  // not owned; outlives this
+  const ZoCompare<T>* compare_;  // not owned; outlives this
 };
 
 // Any callable (a, b) -> int as a comparison: `array.sort(zo::compareBy<Part>(byWeight))`.
 template <class T, class F>
 class CompareBy final : public ZoCompare<T> {
  public:
-  explicit CompareBy(F f) : m_f(std::move(f)) {}
-  int compare(const T& a, const T& b) const override { return m_f(a, b); }
+  explicit CompareBy(F f) : f_(std::move(f)) {}
+  int compare(const T& a, const T& b) const override { return f_(a, b); }
 
  private:
-  F m_f;
+  F f_;
 };
 
 template <class T, class F>

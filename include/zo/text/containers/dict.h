@@ -1,9 +1,10 @@
-// Any map from unique keys of type K to values of type T: ZoHashDict or ZoTree behind one interface.
+// Any map from unique keys of type K to values of type T: ZoHashDict or ZoTree behind one
+// interface.
 //
-// Results: 0 success; 1 refused (key present, key absent, an element that cannot be copied, no memory to grow a hash
-//          table); 2 out of memory. Nothing has changed then.
-// Ranges:  `for (auto [key, value] : dict)` visits every entry; key and value are references. Insertion and removal
-//          end such a walk.
+// Results: 0 success; 1 refused (key present, key absent, an element that cannot be copied, no
+//          memory to grow a hash table); 2 out of memory. Nothing has changed then.
+// Ranges:  `for (auto [key, value] : dict)` visits every entry; key and value are references.
+//          Insertion and removal end such a walk.
 #pragma once
 
 #include <zo/text/containers/compare.h>
@@ -42,13 +43,13 @@ class DictIterator {
   using reference = DictEntry<T, K>;
 
   DictIterator() = default;
-  explicit DictIterator(const Dict& dict) : m_dict(&dict) { dict.walk(m_cursor); }
+  explicit DictIterator(const Dict& dict) : dict_(&dict) { dict.walk(cursor_); }
 
   reference operator*() const {
-    return {*static_cast<const K*>(m_cursor.key), *static_cast<T*>(m_cursor.value)};
+    return {*static_cast<const K*>(cursor_.key), *static_cast<T*>(cursor_.value)};
   }
   DictIterator& operator++() {
-    m_dict->walk(m_cursor);
+    dict_->walk(cursor_);
     return *this;
   }
   DictIterator operator++(int) {
@@ -56,11 +57,11 @@ class DictIterator {
     ++*this;
     return before;
   }
-  bool operator==(const DictIterator& other) const { return m_cursor.node == other.m_cursor.node; }
+  bool operator==(const DictIterator& other) const { return cursor_.node == other.cursor_.node; }
 
  private:
-  const Dict* m_dict = nullptr;
-  DictCursor m_cursor;
+  const Dict* dict_ = nullptr;
+  DictCursor cursor_;
 };
 
 }  // namespace zo
@@ -95,8 +96,8 @@ class ZoDict : public ZoContainer<T> {
   int removeAt(const K& key) { return take(key, nullptr); }
   int removeAt(const K& key, T& out) { return take(key, &out); }
 
-  // Inserts the entries of another dictionary whose keys are not present. Stops at the first that is refused for
-  // another reason; those before it stay.
+  // Inserts the entries of another dictionary whose keys are not present. Stops at the first that
+  // is refused for another reason; those before it stay.
   int insertAll(const ZoDict& other) {
     for (auto [key, value] : other) {
       if (contains(key)) continue;

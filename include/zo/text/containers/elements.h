@@ -1,7 +1,7 @@
 // Making, copying and moving elements of a type that the engines do not know.
 //
-// Errors:  a std::bad_alloc of an element becomes status 2; any other exception passes through. What cannot be
-//          copied (or made without a value) is refused with 1.
+// Errors:  a std::bad_alloc of an element becomes status 2; any other exception passes through.
+//          What cannot be copied (or made without a value) is refused with 1.
 #pragma once
 
 #include <zo/results.h>
@@ -14,8 +14,8 @@
 
 namespace zo {
 
-// True for types whose bytes may be moved to another address instead of calling move constructor and destructor.
-// Specialise it for types that hold only pointers to what they own.
+// True for types whose bytes may be moved to another address instead of calling move constructor
+// and destructor. Specialise it for types that hold only pointers to what they own.
 template <class T>
 inline constexpr bool isRelocatable = std::is_trivially_copyable_v<T>;
 
@@ -53,7 +53,8 @@ int moveElement(void* to, void* from) {
   }
 }
 
-// Moves n elements to unused memory, which may overlap them; where they were is unused memory afterwards.
+// Moves n elements to unused memory, which may overlap them; where they were is unused memory
+// afterwards.
 template <class T>
 void relocateElements(T* to, T* from, std::size_t n) noexcept(movesSafely<T>) {
   if (to == from || n == 0) return;

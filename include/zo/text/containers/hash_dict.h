@@ -1,11 +1,12 @@
-// ZoHashDict<T, K, H>: a dictionary in a hash table. H is the key policy, ZoCIHashValue<K> unless told otherwise:
-// text keys ignore case.
+// ZoHashDict<T, K, H>: a dictionary in a hash table. H is the key policy, ZoCIHashValue<K> unless
+// told otherwise: text keys ignore case.
 //
-// Made with 128 buckets and load factor 0.7; it doubles its buckets as it fills. Entries are visited bucket by bucket,
-// within a bucket in the order of insertion. Keys and values keep their addresses until they are removed.
+// Made with 128 buckets and load factor 0.7; it doubles its buckets as it fills. Entries are
+// visited bucket by bucket, within a bucket in the order of insertion. Keys and values keep their
+// addresses until they are removed.
 //
-// Where the policy knows other forms of a key (for ZoString: const wchar_t*, ZoSubString, std::wstring_view), look-up
-// takes them as they are, without making a key.
+// Where the policy knows other forms of a key (for ZoString: const wchar_t*, ZoSubString,
+// std::wstring_view), look-up takes them as they are, without making a key.
 //
 // Values and keys that can only be moved are fine; operations that copy refuse them with 1.
 //
@@ -25,7 +26,8 @@ namespace zo {
 template <class H, class Q>
 concept LookUpForm = requires(const Q& key) { H::lookUpForm(key); };
 
-// Range-for iterator of a hash dictionary: holds until its entry is removed. Growing changes what comes next.
+// Range-for iterator of a hash dictionary: holds until its entry is removed. Growing changes what
+// comes next.
 template <class T, class K>
 class HashIterator {
  public:
@@ -37,18 +39,18 @@ class HashIterator {
   using reference = DictEntry<T, K>;
 
   HashIterator() = default;
-  explicit HashIterator(const ZoVHashTable* table) noexcept : m_table(table) {
+  explicit HashIterator(const ZoVHashTable* table) noexcept : table_(table) {
     if (table) findFrom(0);
   }
 
   reference operator*() const noexcept {
-    auto* const node = static_cast<HashNode<std::remove_const_t<T>, K>*>(m_node);
+    auto* const node = static_cast<HashNode<std::remove_const_t<T>, K>*>(node_);
     return {node->key, node->value};
   }
   HashIterator& operator++() noexcept {
-    const unsigned bucket = m_table->bucketOf(m_node->hash);
-    m_node = m_node->next;
-    if (!m_node) findFrom(bucket + 1);
+    const unsigned bucket = table_->bucketOf(node_->hash);
+    node_ = node_->next;
+    if (!node_) findFrom(bucket + 1);
     return *this;
   }
   HashIterator operator++(int) noexcept {
@@ -56,17 +58,17 @@ class HashIterator {
     ++*this;
     return before;
   }
-  bool operator==(const HashIterator& other) const noexcept { return m_node == other.m_node; }
+  bool operator==(const HashIterator& other) const noexcept { return node_ == other.node_; }
 
  private:
   void findFrom(unsigned bucket) noexcept {
-    const unsigned buckets = m_table->buckets();
-    m_node = nullptr;
-    for (; bucket < buckets && !m_node; ++bucket) m_node = *m_table->chain(bucket);
+    const unsigned buckets = table_->buckets();
+    node_ = nullptr;
+    for (; bucket < buckets && !node_; ++bucket) node_ = *table_->chain(bucket);
   }
 
-  const ZoVHashTable* m_table = nullptr;
-  ZoVHashNode* m_node = nullptr;  // null at the end
+  const ZoVHashTable* table_ = nullptr;
+  ZoVHashNode* node_ = nullptr;  // null at the end
 };
 
 }  // namespace zo
@@ -76,20 +78,21 @@ class ZoHashDict : public ZoDict<T, K> {
  public:
   explicit ZoHashDict(unsigned buckets = ZoVHash::kDefaultBuckets,
                       double loadFactor = ZoVHash::kDefaultLoadFactor)
-      : m_hash(ZoHashTable<T, K>::make(buckets ? buckets : ZoVHash::kDefaultBuckets), buckets,
-               loadFactor) {}
+      : hash_(ZoHashTable<T, K>::make(buckets ? buckets : ZoVHash::kDefaultBuckets), buckets,
+              loadFactor) {}
   ZoHashDict(std::initializer_list<std::pair<K, T>> entries) : ZoHashDict() {
     for (const auto& [key, value] : entries)
       check(insertAt(key, value));  // the first of equal keys stays
   }
   explicit ZoHashDict(const ZoDict<T, K>& other) : ZoHashDict() { check(this->insertAll(other)); }
-  // Copies throw std::bad_alloc when there is no memory; moves leave the other dictionary empty and usable.
+  // Copies throw std::bad_alloc when there is no memory; moves leave the other dictionary empty and
+  // usable.
   ZoHashDict(const ZoHashDict&) = default;
   ZoHashDict(ZoHashDict&& other) noexcept
-      : ZoDict<T, K>(), m_hash(std::move(other.m_hash)), m_policy(other.m_policy) {}
+      : ZoDict<T, K>(), hash_(std::move(other.hash_)), policy_(other.policy_) {}
   ZoHashDict& operator=(const ZoHashDict&) = default;
   ZoHashDict& operator=(ZoHashDict&& other) noexcept {
-    m_hash = std::move(other.m_hash);
+    hash_ = std::move(other.hash_);
     return *this;
   }
   ZoHashDict& operator=(const ZoDict<T, K>& other) {
@@ -98,15 +101,15 @@ class ZoHashDict : public ZoDict<T, K> {
   }
   ~ZoHashDict() override = default;
 
-  [[nodiscard]] unsigned entries() const noexcept final { return m_hash.m_entries; }
-  [[nodiscard]] unsigned buckets() const noexcept { return m_hash.buckets(); }
-  [[nodiscard]] double loadFactor() const noexcept { return m_hash.loadFactor(); }
-  [[nodiscard]] double collisionRatio() const { return m_hash.collisionRatio(); }
-  [[nodiscard]] ZoHashStats stats() const { return m_hash.stats(); }
+  [[nodiscard]] unsigned entries() const noexcept final { return hash_.entries_; }
+  [[nodiscard]] unsigned buckets() const noexcept { return hash_.buckets(); }
+  [[nodiscard]] double loadFactor() const noexcept { return hash_.loadFactor(); }
+  [[nodiscard]] double collisionRatio() const { return hash_.collisionRatio(); }
+  [[nodiscard]] ZoHashStats stats() const { return hash_.stats(); }
 
-  [[nodiscard]] auto begin() noexcept { return zo::HashIterator<T, K>(m_hash.m_table); }
+  [[nodiscard]] auto begin() noexcept { return zo::HashIterator<T, K>(hash_.table_); }
   [[nodiscard]] auto end() noexcept { return zo::HashIterator<T, K>(); }
-  [[nodiscard]] auto begin() const noexcept { return zo::HashIterator<const T, K>(m_hash.m_table); }
+  [[nodiscard]] auto begin() const noexcept { return zo::HashIterator<const T, K>(hash_.table_); }
   [[nodiscard]] auto end() const noexcept { return zo::HashIterator<const T, K>(); }
 
   [[nodiscard]] T* at(const K& key) { return valueOf(find(formOf(key))); }
@@ -130,7 +133,7 @@ class ZoHashDict : public ZoDict<T, K> {
   // Any key that compares equal; every key is looked at.
   [[nodiscard]] bool contains(const K& key, const ZoCompare<K>& compare) const {
     const ZoHashCompare<K> adapter(compare);
-    return m_hash.contains(&key, &adapter);
+    return hash_.contains(&key, &adapter);
   }
 
   int findKey(const K& key, K& outKey) const final {
@@ -140,7 +143,7 @@ class ZoHashDict : public ZoDict<T, K> {
   // The first key that compares equal; every key is looked at.
   int findKey(const K& key, K& outKey, const ZoCompare<K>& compare) const {
     const ZoHashCompare<K> adapter(compare);
-    return m_hash.findKey(&key, &outKey, &adapter);
+    return hash_.findKey(&key, &outKey, &adapter);
   }
 
   int insertAt(const K& key, const T& value) final {
@@ -153,19 +156,20 @@ class ZoHashDict : public ZoDict<T, K> {
   int insertAt(K&& key, T&& value) final { return insertNew(std::move(key), std::move(value)); }
 
   int removeAll(bool freeMemory = false) final {
-    m_hash.removeAll();
+    hash_.removeAll();
     return freeMemory ? setCapacity(ZoVHash::kDefaultBuckets, loadFactor()) : ZoResult::ok;
   }
-  // Refuses 0 buckets and a load factor that is not above 0. Buckets that are too few for the load factor double.
+  // Refuses 0 buckets and a load factor that is not above 0. Buckets that are too few for the load
+  // factor double.
   int setCapacity(unsigned buckets, double loadFactor) {
     if (const int status = makeTable()) return status;
-    const ZoHashKey<K> adapter(m_policy);
-    return m_hash.setCapacity(buckets, loadFactor, &adapter);
+    const ZoHashKey<K> adapter(policy_);
+    return hash_.setCapacity(buckets, loadFactor, &adapter);
   }
-  int apply(ZoHashApply<T>& applyFn) { return m_hash.apply(&applyFn); }
+  int apply(ZoHashApply<T>& applyFn) { return hash_.apply(&applyFn); }
 
   void walk(zo::DictCursor& cursor) const final {
-    const auto* const table = m_hash.m_table;
+    const auto* const table = hash_.table_;
     auto* node = static_cast<ZoVHashNode*>(cursor.node);
     unsigned bucket = node ? table->bucketOf(node->hash) + 1 : 0;
     node = node ? node->next : nullptr;
@@ -176,14 +180,14 @@ class ZoHashDict : public ZoDict<T, K> {
       cursor.value = &static_cast<zo::HashNode<T, K>*>(node)->value;
     }
   }
-  [[nodiscard]] const ZoVHash& engine() const noexcept { return m_hash; }
-  [[nodiscard]] const H& policy() const noexcept { return m_policy; }
+  [[nodiscard]] const ZoVHash& engine() const noexcept { return hash_; }
+  [[nodiscard]] const H& policy() const noexcept { return policy_; }
 
  protected:
   T* locate(const K& key) const final { return valueOf(find(formOf(key))); }
   int take(const K& key, T* out) final {
-    const ZoHashKey<K> adapter(m_policy);
-    return m_hash.removeAt(&key, out, &adapter);
+    const ZoHashKey<K> adapter(policy_);
+    return hash_.removeAt(&key, out, &adapter);
   }
 
  private:
@@ -212,27 +216,27 @@ class ZoHashDict : public ZoDict<T, K> {
     if constexpr (requires { H::hashKey(key); }) {
       return H::hashKey(key);
     } else {
-      return {m_policy.H::hash(key), true};
+      return {policy_.H::hash(key), true};
     }
   }
   template <class Form>
   [[nodiscard]] bool matches(ZoVHashNode* node, const Form& key, zo::HashedKey hashed) const {
-    const bool plain = node->plain && hashed.plain;
-    if (plain && node->hash != hashed.hash) return false;
+    const bool plain = node->plain && hashed.plain();
+    if (plain && node->hash != hashed.hash()) return false;
     const K& mine = static_cast<Node*>(node)->key;
     if constexpr (requires { H::isEqual(mine, key, plain); }) {
       return H::isEqual(mine, key, plain);
     } else {
-      return m_policy.H::compare(mine, key) == 0;
+      return policy_.H::compare(mine, key) == 0;
     }
   }
 
   template <class Form>
   [[nodiscard]] Node* find(const Form& key) const {
-    const ZoVHashTable* const table = m_hash.m_table;
+    const ZoVHashTable* const table = hash_.table_;
     if (!table) return nullptr;
     const zo::HashedKey hashed = hashOf(key);
-    ZoVHashNode* node = *table->chain(table->bucketOf(hashed.hash));
+    ZoVHashNode* node = *table->chain(table->bucketOf(hashed.hash()));
     while (node && !matches(node, key, hashed)) node = node->next;
     return static_cast<Node*>(node);
   }
@@ -240,11 +244,11 @@ class ZoHashDict : public ZoDict<T, K> {
   template <class Key, class Value>
   int insertNew(Key&& key, Value&& value) {
     if (const int status = makeTable()) return status;
-    if (m_hash.isOverloaded() && m_hash.grow() != ZoResult::ok) return ZoResult::refused;
+    if (hash_.isOverloaded() && hash_.grow() != ZoResult::ok) return ZoResult::refused;
     if (entries() == zo::npos - 1) return ZoResult::refused;
-    auto* const table = static_cast<ZoHashTable<T, K>*>(m_hash.m_table);
+    auto* const table = static_cast<ZoHashTable<T, K>*>(hash_.table_);
     const zo::HashedKey hashed = hashOf(formOf(key));
-    ZoVHashNode** link = table->chain(table->bucketOf(hashed.hash));
+    ZoVHashNode** link = table->chain(table->bucketOf(hashed.hash()));
     const bool collides = *link != nullptr;
     for (; *link; link = &(*link)->next) {
       if (matches(*link, formOf(key), hashed)) return ZoResult::refused;
@@ -253,23 +257,23 @@ class ZoHashDict : public ZoDict<T, K> {
     if (const int status =
             table->makeNode(node, std::forward<Key>(key), std::forward<Value>(value)))
       return status;
-    node->hash = hashed.hash;
-    node->plain = hashed.plain;
+    node->hash = hashed.hash();
+    node->plain = hashed.plain();
     *link = node;
-    ++m_hash.m_entries;
-    if (collides) ++m_hash.m_collisions;
+    ++hash_.entries_;
+    if (collides) ++hash_.collisions_;
     return ZoResult::ok;
   }
 
   // For a dictionary that was moved from, or found no memory when it was made.
   int makeTable() {
-    if (m_hash.m_table) return ZoResult::ok;
-    m_hash.m_table = ZoHashTable<T, K>::make(ZoVHash::kDefaultBuckets);
-    if (!m_hash.m_table) return ZoResult::outOfMemory;
-    m_hash.m_buckets = ZoVHash::kDefaultBuckets;
+    if (hash_.table_) return ZoResult::ok;
+    hash_.table_ = ZoHashTable<T, K>::make(ZoVHash::kDefaultBuckets);
+    if (!hash_.table_) return ZoResult::outOfMemory;
+    hash_.buckets_ = ZoVHash::kDefaultBuckets;
     return ZoResult::ok;
   }
 
-  ZoVHash m_hash;
-  H m_policy;
+  ZoVHash hash_;
+  H policy_;
 };

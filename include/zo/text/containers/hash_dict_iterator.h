@@ -1,10 +1,12 @@
-// Iterators of ZoHashDict: they stand on an entry, and survive insertions and the removal of other entries; growing
-// changes what comes next. When their own entry is removed by someone else they are not valid; see vhash.h for what
-// noticing that costs.
+// Iterators of ZoHashDict: they stand on an entry, and survive insertions and the removal of other
+// entries; growing changes what comes next. When their own entry is removed by someone else they
+// are not valid; see vhash.h for what noticing that costs.
 #pragma once
 
 #include <zo/text/containers/hash_dict.h>
 #include <zo/text/containers/iterator.h>
+
+#include <utility>
 
 namespace zo {
 
@@ -12,25 +14,32 @@ namespace zo {
 template <class T, class K, class Base>
 class HashWalker : public Base {
  public:
-  void reset() final { m_walk.reset(); }
-  bool toFirst() final { return m_walk.toFirst(); }
-  [[nodiscard]] bool atFirst() const final { return m_walk.atFirst(); }
-  [[nodiscard]] bool isValid() const final { return m_walk.isValid(); }
-  bool next() final { return m_walk.next(); }
+  void reset() final { walk_.reset(); }
+  bool toFirst() final { return walk_.toFirst(); }
+  [[nodiscard]] bool atFirst() const final { return walk_.atFirst(); }
+  [[nodiscard]] bool isValid() const final { return walk_.isValid(); }
+  bool next() final { return walk_.next(); }
   [[nodiscard]] const K* key() const final {
-    const auto* const node = static_cast<const HashNode<T, K>*>(m_walk.node());
+    const auto* const node = static_cast<const HashNode<T, K>*>(walk_.node());
     return node ? &node->key : nullptr;
   }
 
- protected:
-  explicit HashWalker(ZoVHash& hash) noexcept : m_walk(hash) {}
+  // As in the root class, without its virtual call.
+  [[nodiscard]] auto current() const noexcept {
+    return static_cast<decltype(std::declval<const Base&>().current())>(place());
+  }
+  [[nodiscard]] auto operator()() const noexcept { return current(); }
 
-  [[nodiscard]] const T* element() const final {
-    const auto* const node = static_cast<const HashNode<T, K>*>(m_walk.node());
+ protected:
+  explicit HashWalker(ZoVHash& hash) noexcept : walk_(hash) {}
+
+  [[nodiscard]] const T* element() const final { return place(); }
+  [[nodiscard]] T* place() const noexcept {
+    auto* const node = static_cast<HashNode<T, K>*>(walk_.node());
     return node ? &node->value : nullptr;
   }
 
-  ZoVHashIterator m_walk;
+  ZoVHashIterator walk_;
 };
 
 }  // namespace zo
@@ -39,13 +48,13 @@ template <class T, class K, class H = ZoCIHashValue<K>>
 class ZoHashDictIterator final : public zo::HashWalker<T, K, ZoDictIterator<T, K>> {
  public:
   explicit ZoHashDictIterator(ZoHashDict<T, K, H>& dict) noexcept
-      : zo::HashWalker<T, K, ZoDictIterator<T, K>>(dict.m_hash) {}
+      : zo::HashWalker<T, K, ZoDictIterator<T, K>>(dict.hash_) {}
 
   using zo::HashWalker<T, K, ZoDictIterator<T, K>>::reset;
-  void reset(ZoHashDict<T, K, H>& dict) noexcept { this->m_walk.reset(dict.m_hash); }
+  void reset(ZoHashDict<T, K, H>& dict) noexcept { this->walk_.reset(dict.hash_); }
 
  protected:
-  int take(T* out) final { return this->m_walk.remove(out); }
+  int take(T* out) final { return this->walk_.remove(out); }
 };
 
 template <class T, class K, class H = ZoCIHashValue<K>>
@@ -53,10 +62,10 @@ class ZoHashDictCIterator final : public zo::HashWalker<T, K, ZoDictCIterator<T,
  public:
   // The engine's iterator can change its table; this class does not let it.
   explicit ZoHashDictCIterator(const ZoHashDict<T, K, H>& dict) noexcept
-      : zo::HashWalker<T, K, ZoDictCIterator<T, K>>(const_cast<ZoVHash&>(dict.m_hash)) {}
+      : zo::HashWalker<T, K, ZoDictCIterator<T, K>>(const_cast<ZoVHash&>(dict.hash_)) {}
 
   using zo::HashWalker<T, K, ZoDictCIterator<T, K>>::reset;
   void reset(const ZoHashDict<T, K, H>& dict) noexcept {
-    this->m_walk.reset(const_cast<ZoVHash&>(dict.m_hash));
+    this->walk_.reset(const_cast<ZoVHash&>(dict.hash_));
   }
 };

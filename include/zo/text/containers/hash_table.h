@@ -41,7 +41,7 @@ class ZoHashTable final : public ZoVHashTable {
   }
   void deleteNode(ZoVHashNode* node) override {
     std::destroy_at(static_cast<Node*>(node));
-    m_pool.release(node);
+    pool_.release(node);
   }
   [[nodiscard]] const void* key(const ZoVHashNode* node) const override {
     return &static_cast<const Node*>(node)->key;
@@ -56,16 +56,16 @@ class ZoHashTable final : public ZoVHashTable {
   template <class Key, class Value>
   int makeNode(ZoVHashNode*& node, Key&& key, Value&& value) {
     node = nullptr;
-    void* const place = m_pool.allocate();
+    void* const place = pool_.allocate();
     if (!place) return ZoResult::outOfMemory;
     try {
       node = ::new (place) Node(std::forward<Key>(key), std::forward<Value>(value));
       return ZoResult::ok;
     } catch (const std::bad_alloc&) {
-      m_pool.release(place);
+      pool_.release(place);
       return ZoResult::outOfMemory;
     } catch (...) {
-      m_pool.release(place);
+      pool_.release(place);
       throw;
     }
   }

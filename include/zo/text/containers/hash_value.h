@@ -1,27 +1,19 @@
 // Key policies of dictionaries: when keys are equal, and what they hash to.
 //
-// Keys that are equal must hash alike. A dictionary calls the policy of its own type H without virtual calls;
-// ZoHashKey<K> shows any policy to the engine. A policy may offer more for look-up (text_keys.h does):
-//   static Form lookUpForm(key)       what is hashed and compared, from a K or from another form of a key;
-//   static HashedKey hashKey(Form)    the same hash, for keys where equality does not always follow it;
+// Keys that are equal must hash alike. A dictionary calls the policy of its own type H without
+// virtual calls; ZoHashKey<K> shows any policy to the engine. A policy may offer more for look-up
+// (text_keys.h does):
+// static Form lookUpForm(key) what is hashed and compared, from a K or from another form of a key;
+// static HashedKey hashKey(Form) the same hash, for keys where equality does not always follow it;
 //   static bool isEqual(K, Form, bool bothPlain)
 //
 // Threads: stateless as given here; any number of threads.
 #pragma once
 
 #include <zo/text/containers/vcallbacks.h>
+#include <zo/text/hashed_key.h>
 
 #include <functional>
-
-namespace zo {
-
-// A hash value, and whether it decides: two plain keys with different hash values are not equal.
-struct HashedKey {
-  unsigned hash;
-  bool plain;
-};
-
-}  // namespace zo
 
 template <class K>
 class ZoHashValue {
@@ -32,8 +24,8 @@ class ZoHashValue {
   virtual ~ZoHashValue() = default;
 
   // 0 when the keys are equal.
-  virtual int compare(const K& a, const K& b) const { return a == b ? 0 : 1; }
-  virtual unsigned hash(const K& key) const {
+  [[nodiscard]] virtual int compare(const K& a, const K& b) const { return a == b ? 0 : 1; }
+  [[nodiscard]] virtual unsigned hash(const K& key) const {
     const std::size_t h = std::hash<K>{}(key);
     return static_cast<unsigned>(h ^ (h >> 32));
   }
@@ -46,14 +38,14 @@ class ZoCIHashValue : public ZoHashValue<K> {};
 template <class K>
 class ZoHashKey final : public ZoVHashKey {
  public:
-  explicit ZoHashKey(const ZoHashValue<K>& policy) noexcept : m_policy(&policy) {}
+  explicit ZoHashKey(const ZoHashValue<K>& policy) noexcept : policy_(&policy) {}
   int compare(const void* a, const void* b) const override {
-    return m_policy->compare(*static_cast<const K*>(a), *static_cast<const K*>(b));
+    return policy_->compare(*static_cast<const K*>(a), *static_cast<const K*>(b));
   }
   unsigned hash(const void* key) const override {
-    return m_policy->hash(*static_cast<const K*>(key));
+    return policy_->hash(*static_cast<const K*>(key));
   }
 
  private:
-  const ZoHashValue<K>* m_policy;  // not owned; outlives this
+  const ZoHashValue<K>* policy_;  // not owned; outlives this
 };

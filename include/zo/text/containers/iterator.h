@@ -1,10 +1,12 @@
 // Iterators of typed containers, whatever the container: the root classes.
 //
-// A fresh iterator stands on the first element. Movements tell whether it is valid afterwards; one that has left its
-// container is not valid until it is sent somewhere, and current() is null then. Iterators never dangle as long as
-// their container lives: what each survives is said beside its class.
+// A fresh iterator stands on the first element. Movements tell whether it is valid afterwards; one
+// that has left its container is not valid until it is sent somewhere, and current() is null then.
+// Iterators never dangle as long as their container lives: what each survives is said beside its
+// class.
 //
-// Ranges:  `for (T& element : iterator)` walks from where the iterator stands to the end, and moves the iterator.
+// Ranges:  `for (T& element : iterator)` walks from where the iterator stands to the end, and moves
+//          the iterator.
 #pragma once
 
 #include <zo/text/containers/compare.h>
@@ -25,17 +27,17 @@ class Remaining {
   using difference_type = std::ptrdiff_t;
 
   Remaining() = default;
-  explicit Remaining(Iterator& iterator) noexcept : m_iterator(&iterator) {}
-  T& operator*() const { return *m_iterator->current(); }
+  explicit Remaining(Iterator& iterator) noexcept : iterator_(&iterator) {}
+  T& operator*() const { return *iterator_->current(); }
   Remaining& operator++() {
-    m_iterator->next();
+    iterator_->next();
     return *this;
   }
-  void operator++(int) { m_iterator->next(); }
-  bool operator==(std::default_sentinel_t) const { return !m_iterator->isValid(); }
+  void operator++(int) { iterator_->next(); }
+  bool operator==(std::default_sentinel_t) const { return !iterator_->isValid(); }
 
  private:
-  Iterator* m_iterator = nullptr;
+  Iterator* iterator_ = nullptr;
 };
 
 }  // namespace zo
@@ -89,7 +91,8 @@ class ZoIterator : public virtual ZoCIterator<T> {
   }  // NOLINT: the container is not const
   [[nodiscard]] T* operator()() const { return current(); }
 
-  // Removes the current element and stands on the following one. 1 when not valid. The element is moved to out.
+  // Removes the current element and stands on the following one. 1 when not valid. The element is
+  // moved to out.
   int remove() { return take(nullptr); }
   int remove(T& out) { return take(&out); }
 

@@ -1,11 +1,13 @@
 // ZoList<T>: a sequence as a doubly linked list.
 //
-// An element keeps its address until it is removed; sort and reverse only relink. Positions are walked to from the
-// front, so walk with a range-for or an iterator instead of counting positions. Nodes come from a pool of the list.
+// An element keeps its address until it is removed; sort and reverse only relink. Positions are
+// walked to from the front, so walk with a range-for or an iterator instead of counting positions.
+// Nodes come from a pool of the list.
 //
 // Elements that can only be moved are fine; operations that copy refuse them with 1.
 //
-// Errors, Threads, Cost: as in vlist.h. Range-for iterators and pointers hold until their element is removed.
+// Errors, Threads, Cost: as in vlist.h. Range-for iterators and pointers hold until their element
+// is removed.
 #pragma once
 
 #include <zo/text/containers/apply.h>
@@ -43,7 +45,7 @@ class ZoListMem final : public ZoVListMem {
   }
   void deleteNode(ZoVListNode* node) override {
     std::destroy_at(static_cast<Node*>(node));
-    m_pool.release(node);
+    pool_.release(node);
   }
   int assign(void* to, const void* from) override { return zo::assignElement<T>(to, from); }
   int moveOut(void* to, void* from) override { return zo::moveElement<T>(to, from); }
@@ -52,7 +54,7 @@ class ZoListMem final : public ZoVListMem {
   template <class... Arguments>
   int make(ZoVListNode*& node, Arguments&&... arguments) {
     node = nullptr;
-    void* const place = m_pool.allocate();
+    void* const place = pool_.allocate();
     if (!place) return ZoResult::outOfMemory;
     if constexpr (std::is_nothrow_constructible_v<T, Arguments...>) {
       node = ::new (place) Node(std::forward<Arguments>(arguments)...);
@@ -60,10 +62,10 @@ class ZoListMem final : public ZoVListMem {
       try {
         node = ::new (place) Node(std::forward<Arguments>(arguments)...);
       } catch (const std::bad_alloc&) {
-        m_pool.release(place);
+        pool_.release(place);
         return ZoResult::outOfMemory;
       } catch (...) {
-        m_pool.release(place);
+        pool_.release(place);
         throw;
       }
     }
@@ -85,18 +87,18 @@ class ListIterator {
   using reference = T&;
 
   ListIterator() = default;
-  ListIterator(ZoVListNode* node, const ZoVList* list) noexcept : m_node(node), m_list(list) {}
+  ListIterator(ZoVListNode* node, const ZoVList* list) noexcept : node_(node), list_(list) {}
   operator ListIterator<const T>()
       const noexcept  // NOLINT(google-explicit-constructor): as pointers do
     requires(!std::is_const_v<T>)
   {
-    return {m_node, m_list};
+    return {node_, list_};
   }
 
-  T& operator*() const noexcept { return static_cast<ZoListNode<value_type>*>(m_node)->element; }
+  T& operator*() const noexcept { return static_cast<ZoListNode<value_type>*>(node_)->element; }
   T* operator->() const noexcept { return &**this; }
   ListIterator& operator++() noexcept {
-    m_node = m_node->next;
+    node_ = node_->next;
     return *this;
   }
   ListIterator operator++(int) noexcept {
@@ -105,7 +107,7 @@ class ListIterator {
     return before;
   }
   ListIterator& operator--() noexcept {
-    m_node = m_node ? m_node->prev : m_list->lastNode();
+    node_ = node_ ? node_->prev : list_->lastNode();
     return *this;
   }
   ListIterator operator--(int) noexcept {
@@ -113,11 +115,11 @@ class ListIterator {
     --*this;
     return before;
   }
-  bool operator==(const ListIterator& other) const noexcept { return m_node == other.m_node; }
+  bool operator==(const ListIterator& other) const noexcept { return node_ == other.node_; }
 
  private:
-  ZoVListNode* m_node = nullptr;  // null at the end
-  const ZoVList* m_list = nullptr;
+  ZoVListNode* node_ = nullptr;  // null at the end
+  const ZoVList* list_ = nullptr;
 };
 
 }  // namespace zo
@@ -125,17 +127,18 @@ class ListIterator {
 template <class T>
 class ZoList : public ZoSequence<T> {
  public:
-  ZoList() noexcept : m_list(nullptr) {}
+  ZoList() noexcept : list_(nullptr) {}
   ZoList(std::initializer_list<T> values) : ZoList() {
     for (const T& value : values) check(append(value));
   }
   explicit ZoList(const ZoSequence<T>& other) : ZoList() { check(append(other)); }
-  // Copies throw std::bad_alloc when there is no memory; moves leave the other list empty and usable.
+  // Copies throw std::bad_alloc when there is no memory; moves leave the other list empty and
+  // usable.
   ZoList(const ZoList&) = default;
-  ZoList(ZoList&& other) noexcept : ZoSequence<T>(), m_list(std::move(other.m_list)) {}
+  ZoList(ZoList&& other) noexcept : ZoSequence<T>(), list_(std::move(other.list_)) {}
   ZoList& operator=(const ZoList&) = default;
   ZoList& operator=(ZoList&& other) noexcept {
-    m_list = std::move(other.m_list);
+    list_ = std::move(other.list_);
     return *this;
   }
   ZoList& operator=(const ZoSequence<T>& other) {
@@ -144,14 +147,14 @@ class ZoList : public ZoSequence<T> {
   }
   ~ZoList() override = default;
 
-  [[nodiscard]] unsigned entries() const noexcept final { return m_list.m_entries; }
+  [[nodiscard]] unsigned entries() const noexcept final { return list_.entries_; }
 
-  [[nodiscard]] auto begin() noexcept { return zo::ListIterator<T>(m_list.m_first, &m_list); }
-  [[nodiscard]] auto end() noexcept { return zo::ListIterator<T>(nullptr, &m_list); }
+  [[nodiscard]] auto begin() noexcept { return zo::ListIterator<T>(list_.first_, &list_); }
+  [[nodiscard]] auto end() noexcept { return zo::ListIterator<T>(nullptr, &list_); }
   [[nodiscard]] auto begin() const noexcept {
-    return zo::ListIterator<const T>(m_list.m_first, &m_list);
+    return zo::ListIterator<const T>(list_.first_, &list_);
   }
-  [[nodiscard]] auto end() const noexcept { return zo::ListIterator<const T>(nullptr, &m_list); }
+  [[nodiscard]] auto end() const noexcept { return zo::ListIterator<const T>(nullptr, &list_); }
 
   int append(const T& value) final { return insertBefore(nullptr, value); }
   int append(T&& value) final { return insertBefore(nullptr, std::move(value)); }
@@ -162,7 +165,7 @@ class ZoList : public ZoSequence<T> {
       if (const int status = copies.append(element)) return status;
     }
     if (const int status = makeMem()) return status;
-    m_list.appendAll(copies.m_list);
+    list_.appendAll(copies.list_);
     return ZoResult::ok;
   }
   // Makes the element in its place; std::bad_alloc of its constructor gives 2.
@@ -171,15 +174,15 @@ class ZoList : public ZoSequence<T> {
     return insertBefore(nullptr, std::forward<Arguments>(arguments)...);
   }
   int insertAt(unsigned i, const T& value) final {
-    return i > entries() ? ZoResult::refused : insertBefore(m_list.getNodeAtIndex(i), value);
+    return i > entries() ? ZoResult::refused : insertBefore(list_.getNodeAtIndex(i), value);
   }
   int insertAt(unsigned i, T&& value) final {
     return i > entries() ? ZoResult::refused
-                         : insertBefore(m_list.getNodeAtIndex(i), std::move(value));
+                         : insertBefore(list_.getNodeAtIndex(i), std::move(value));
   }
   int fillAt(unsigned i, unsigned n, const T& value) final {
     if (const int status = makeMem()) return status;
-    return m_list.fillAt(i, n, &value);
+    return list_.fillAt(i, n, &value);
   }
   int copyFrom(const ZoSequence<T>& other) final {
     if (this == &other) return ZoResult::ok;
@@ -192,33 +195,33 @@ class ZoList : public ZoSequence<T> {
   using ZoSequence<T>::index;
   [[nodiscard]] unsigned index(const T& value, const ZoCompare<T>& compare) const final {
     const ZoListCompare<T> adapter(compare);
-    return m_list.index(&value, &adapter);
+    return list_.index(&value, &adapter);
   }
   using ZoSequence<T>::remove;
   int remove(const T& value, const ZoCompare<T>& compare, bool all = false) final {
     const ZoListCompare<T> adapter(compare);
-    return m_list.remove(&value, &adapter, all);
+    return list_.remove(&value, &adapter, all);
   }
-  int removeAll(bool freeMemory = false) final { return m_list.removeAll(freeMemory); }
+  int removeAll(bool freeMemory = false) final { return list_.removeAll(freeMemory); }
   using ZoSequence<T>::sort;
   int sort(const ZoCompare<T>& compare, bool ascending = true) final {
     const ZoListCompare<T> adapter(compare);
-    return m_list.sort(&adapter, ascending);
+    return list_.sort(&adapter, ascending);
   }
-  int reverse() final { return m_list.reverse(); }
-  int apply(ZoListApply<T>& applyFn) { return m_list.apply(&applyFn); }
+  int reverse() final { return list_.reverse(); }
+  int apply(ZoListApply<T>& applyFn) { return list_.apply(&applyFn); }
 
   void walk(zo::SequenceCursor& cursor) const final {
     ZoVListNode* const node =
-        cursor.node ? static_cast<ZoVListNode*>(cursor.node)->next : m_list.m_first;
+        cursor.node ? static_cast<ZoVListNode*>(cursor.node)->next : list_.first_;
     cursor.node = node;
     cursor.element = elementOf(node);
   }
-  [[nodiscard]] const ZoVList& engine() const noexcept { return m_list; }
+  [[nodiscard]] const ZoVList& engine() const noexcept { return list_; }
 
  protected:
-  T* locate(unsigned i) const noexcept final { return elementOf(m_list.getNodeAtIndex(i)); }
-  int take(unsigned i, T* out) final { return m_list.removeAt(i, out); }
+  T* locate(unsigned i) const noexcept final { return elementOf(list_.getNodeAtIndex(i)); }
+  int take(unsigned i, T* out) final { return list_.removeAt(i, out); }
 
  private:
   template <class E>
@@ -233,8 +236,8 @@ class ZoList : public ZoSequence<T> {
     return node ? &static_cast<ZoListNode<T>*>(node)->element : nullptr;
   }
   int makeMem() {
-    if (!m_list.m_mem) m_list.m_mem = new (std::nothrow) ZoListMem<T>;
-    return m_list.m_mem ? ZoResult::ok : ZoResult::outOfMemory;
+    if (!list_.mem_) list_.mem_ = new (std::nothrow) ZoListMem<T>;
+    return list_.mem_ ? ZoResult::ok : ZoResult::outOfMemory;
   }
   // In front of a node, or at the end when it is null.
   template <class... Arguments>
@@ -242,16 +245,16 @@ class ZoList : public ZoSequence<T> {
     if constexpr (std::is_constructible_v<T, Arguments...>) {
       if (const int status = makeMem()) return status;
       ZoVListNode* node = nullptr;
-      if (const int status = static_cast<ZoListMem<T>*>(m_list.m_mem)
+      if (const int status = static_cast<ZoListMem<T>*>(list_.mem_)
                                  ->make(node, std::forward<Arguments>(arguments)...)) {
         return status;
       }
-      m_list.link(node, before ? before->prev : m_list.m_last);
+      list_.link(node, before ? before->prev : list_.last_);
       return ZoResult::ok;
     } else {
       return ZoResult::refused;
     }
   }
 
-  ZoVList m_list;
+  ZoVList list_;
 };

@@ -1,9 +1,12 @@
-// Iterators of ZoList: they stand on an element, and survive insertions, sorting and the removal of other elements.
-// When their own element is removed by someone else they are not valid; see vlist.h for what noticing that costs.
+// Iterators of ZoList: they stand on an element, and survive insertions, sorting and the removal of
+// other elements. When their own element is removed by someone else they are not valid; see vlist.h
+// for what noticing that costs.
 #pragma once
 
 #include <zo/text/containers/iterator.h>
 #include <zo/text/containers/list.h>
+
+#include <utility>
 
 namespace zo {
 
@@ -11,25 +14,32 @@ namespace zo {
 template <class T, class Base>
 class ListWalker : public Base {
  public:
-  void reset() final { m_walk.reset(); }
-  bool toFirst() final { return m_walk.toFirst(); }
-  [[nodiscard]] bool atFirst() const final { return m_walk.atFirst(); }
-  [[nodiscard]] bool isValid() const final { return m_walk.isValid(); }
-  bool next() final { return m_walk.next(); }
-  bool toLast() final { return m_walk.toLast(); }
-  [[nodiscard]] bool atLast() const final { return m_walk.atLast(); }
-  bool to(unsigned i) final { return m_walk.to(i); }
-  bool prev() final { return m_walk.prev(); }
+  void reset() final { walk_.reset(); }
+  bool toFirst() final { return walk_.toFirst(); }
+  [[nodiscard]] bool atFirst() const final { return walk_.atFirst(); }
+  [[nodiscard]] bool isValid() const final { return walk_.isValid(); }
+  bool next() final { return walk_.next(); }
+  bool toLast() final { return walk_.toLast(); }
+  [[nodiscard]] bool atLast() const final { return walk_.atLast(); }
+  bool to(unsigned i) final { return walk_.to(i); }
+  bool prev() final { return walk_.prev(); }
+
+  // As in the root class, without its virtual call.
+  [[nodiscard]] auto current() const noexcept {
+    return static_cast<decltype(std::declval<const Base&>().current())>(place());
+  }
+  [[nodiscard]] auto operator()() const noexcept { return current(); }
 
  protected:
-  explicit ListWalker(ZoVList& list) noexcept : m_walk(list) {}
+  explicit ListWalker(ZoVList& list) noexcept : walk_(list) {}
 
-  [[nodiscard]] const T* element() const final {
-    ZoVListNode* const node = m_walk.node();
+  [[nodiscard]] const T* element() const final { return place(); }
+  [[nodiscard]] T* place() const noexcept {
+    ZoVListNode* const node = walk_.node();
     return node ? &static_cast<ZoListNode<T>*>(node)->element : nullptr;
   }
 
-  ZoVListIterator m_walk;
+  ZoVListIterator walk_;
 };
 
 }  // namespace zo
@@ -38,26 +48,26 @@ template <class T>
 class ZoListIterator final : public zo::ListWalker<T, ZoSeqIterator<T>> {
  public:
   explicit ZoListIterator(ZoList<T>& list) noexcept
-      : zo::ListWalker<T, ZoSeqIterator<T>>(list.m_list), m_list(&list) {}
+      : zo::ListWalker<T, ZoSeqIterator<T>>(list.list_), list_(&list) {}
 
   using zo::ListWalker<T, ZoSeqIterator<T>>::reset;
   void reset(ZoList<T>& list) noexcept {
-    m_list = &list;
-    this->m_walk.reset(list.m_list);
+    list_ = &list;
+    this->walk_.reset(list.list_);
   }
 
   int insert(const T& value) final {
-    ZoVListNode* const before = this->m_walk.node();
-    if (const int status = m_list->insertBefore(before, value)) return status;
-    this->m_walk.stand(before ? before->prev : m_list->m_list.lastNode());
+    ZoVListNode* const before = this->walk_.node();
+    if (const int status = list_->insertBefore(before, value)) return status;
+    this->walk_.stand(before ? before->prev : list_->list_.lastNode());
     return ZoResult::ok;
   }
 
  protected:
-  int take(T* out) final { return this->m_walk.remove(out); }
+  int take(T* out) final { return this->walk_.remove(out); }
 
  private:
-  ZoList<T>* m_list;
+  ZoList<T>* list_;
 };
 
 template <class T>
@@ -65,10 +75,10 @@ class ZoListCIterator final : public zo::ListWalker<T, ZoSeqCIterator<T>> {
  public:
   // The engine's iterator can change its list; this class does not let it.
   explicit ZoListCIterator(const ZoList<T>& list) noexcept
-      : zo::ListWalker<T, ZoSeqCIterator<T>>(const_cast<ZoVList&>(list.m_list)) {}
+      : zo::ListWalker<T, ZoSeqCIterator<T>>(const_cast<ZoVList&>(list.list_)) {}
 
   using zo::ListWalker<T, ZoSeqCIterator<T>>::reset;
   void reset(const ZoList<T>& list) noexcept {
-    this->m_walk.reset(const_cast<ZoVList&>(list.m_list));
+    this->walk_.reset(const_cast<ZoVList&>(list.list_));
   }
 };

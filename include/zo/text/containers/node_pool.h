@@ -1,9 +1,9 @@
 // Memory of the containers: plain blocks, and pools that hand out nodes of one size.
 //
-// A pool takes memory in chunks that grow with use and keeps freed nodes for the next request, so that a
-// node costs a few instructions where a heap block costs a call into the system. Memory goes back to the
-// heap when the pool is cleared or destroyed. A guarded build takes every node from the heap instead, so
-// that touching a freed node is seen.
+// A pool takes memory in chunks that grow with use and keeps freed nodes for the next request, so
+// that a node costs a few instructions where a heap block costs a call into the system. Memory goes
+// back to the heap when the pool is cleared or destroyed. A guarded build takes every node from the
+// heap instead, so that touching a freed node is seen.
 //
 // Errors:  no memory gives null; nothing throws.
 // Threads: a pool belongs to one container and is guarded by whatever guards that.
@@ -27,21 +27,21 @@ class ZO_COM_API NodePool {
   NodePool& operator=(const NodePool&) = delete;
 
   [[nodiscard]] void* allocate() noexcept {
-    if (m_free) {
-      FreeNode* const node = m_free;
-      m_free = node->next;
+    if (free_) {
+      FreeNode* const node = free_;
+      free_ = node->next;
       return node;
     }
-    if (m_unused == m_unusedEnd) return allocateFromHeap();
-    void* const node = m_unused;
-    m_unused += m_nodeSize;
+    if (unused_ == unusedEnd_) return allocateFromHeap();
+    void* const node = unused_;
+    unused_ += nodeSize_;
     return node;
   }
 
   // The node must come from this pool, or from one that this pool has absorbed.
   void release(void* node) noexcept {
-    if (m_separate) return freeBlock(node, m_alignment);
-    m_free = ::new (node) FreeNode{m_free};
+    if (separate_) return freeBlock(node, alignment_);
+    free_ = ::new (node) FreeNode{free_};
   }
 
   // Takes over the memory of another pool of the same node size, with the nodes that live there.
@@ -60,14 +60,14 @@ class ZO_COM_API NodePool {
 
   void* allocateFromHeap() noexcept;
 
-  FreeNode* m_free = nullptr;
-  char* m_unused = nullptr;
-  char* m_unusedEnd = nullptr;
-  Chunk* m_chunks = nullptr;
-  std::size_t m_nodeSize;
-  std::size_t m_alignment;
-  std::size_t m_nextCount;  // nodes in the next chunk
-  bool m_separate;          // every node is a heap block of its own
+  FreeNode* free_ = nullptr;
+  char* unused_ = nullptr;
+  char* unusedEnd_ = nullptr;
+  Chunk* chunks_ = nullptr;
+  std::size_t nodeSize_;
+  std::size_t alignment_;
+  std::size_t nextCount_;  // nodes in the next chunk
+  bool separate_;          // every node is a heap block of its own
 };
 
 }  // namespace zo

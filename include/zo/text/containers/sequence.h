@@ -1,9 +1,9 @@
 // Any ordered collection with positions 0 ... entries - 1: ZoArray or ZoList behind one interface.
 //
-// Results: 0 success; 1 refused (position out of range, an array that is full and may not grow, an element that
-//          cannot be copied); 2 out of memory, and then nothing has changed.
-// Ranges:  `for (T& element : sequence)` walks in order, O(1) a step in arrays and lists alike. Insertion and removal
-//          end such a walk.
+// Results: 0 success; 1 refused (position out of range, an array that is full and may not grow, an
+//          element that cannot be copied); 2 out of memory, and then nothing has changed.
+// Ranges:  `for (T& element : sequence)` walks in order, O(1) a step in arrays and lists alike.
+//          Insertion and removal end such a walk.
 #pragma once
 
 #include <zo/text/containers/compare.h>
@@ -35,14 +35,14 @@ class SequenceIterator {
   using reference = T&;
 
   SequenceIterator() = default;
-  explicit SequenceIterator(const Sequence& sequence) : m_sequence(&sequence) {
-    sequence.walk(m_cursor);
+  explicit SequenceIterator(const Sequence& sequence) : sequence_(&sequence) {
+    sequence.walk(cursor_);
   }
 
-  T& operator*() const { return *static_cast<T*>(m_cursor.element); }
-  T* operator->() const { return static_cast<T*>(m_cursor.element); }
+  T& operator*() const { return *static_cast<T*>(cursor_.element); }
+  T* operator->() const { return static_cast<T*>(cursor_.element); }
   SequenceIterator& operator++() {
-    m_sequence->walk(m_cursor);
+    sequence_->walk(cursor_);
     return *this;
   }
   SequenceIterator operator++(int) {
@@ -51,12 +51,12 @@ class SequenceIterator {
     return before;
   }
   bool operator==(const SequenceIterator& other) const {
-    return m_cursor.element == other.m_cursor.element;
+    return cursor_.element == other.cursor_.element;
   }
 
  private:
-  const Sequence* m_sequence = nullptr;
-  SequenceCursor m_cursor;
+  const Sequence* sequence_ = nullptr;
+  SequenceCursor cursor_;
 };
 
 }  // namespace zo
@@ -87,8 +87,8 @@ class ZoSequence : public ZoContainer<T> {
     return element ? zo::assignElement<T>(element, &value) : ZoResult::refused;
   }
 
-  // Copied values may be elements of this sequence, and `other` may be this sequence. A value to be moved may not
-  // be an element, and is left alone unless the result is 0.
+  // Copied values may be elements of this sequence, and `other` may be this sequence. A value to be
+  // moved may not be an element, and is left alone unless the result is 0.
   virtual int insertAt(unsigned i,
                        const T& value) = 0;  // in front of position i; i == entries() appends
   virtual int insertAt(unsigned i, T&& value) = 0;

@@ -1,11 +1,13 @@
 // Text in containers: the order and the key policy ignoring case.
 //
-// Both ask the platform's collation ignoring case (ZoString::compareTo), and decide printable ASCII without asking.
-// The hash is ZoString::hash(ignoreCase), which folds a to z only. So two texts that differ in the case of other
-// letters are equal for the comparison but may hash differently; a dictionary takes them for one key when they fall
-// into the same bucket. That is deliberate: hash values are part of the interface.
+// Both ask the platform's collation ignoring case (ZoString::compareTo), and decide printable ASCII
+// without asking. The hash is ZoString::hash(ignoreCase), which folds a to z only. So two texts
+// that differ in the case of other letters are equal for the comparison but may hash differently; a
+// dictionary takes them for one key when they fall into the same bucket. That is deliberate: hash
+// values are part of the interface.
 //
-// Look-up takes const wchar_t*, ZoSubString and std::wstring_view as they are, without making a string.
+// Look-up takes const wchar_t*, ZoSubString and std::wstring_view as they are, without making a
+// string.
 //
 // Threads: stateless; any number of threads.
 #pragma once
@@ -15,6 +17,7 @@
 #include <zo/text/containers/hash_value.h>
 #include <zo/text/string.h>
 
+#include <cstddef>
 #include <string_view>
 
 namespace zo {
@@ -23,18 +26,18 @@ namespace zo {
 template <>
 inline constexpr bool isRelocatable<ZoString> = true;
 
-// Plain: printable ASCII.
-[[nodiscard]] ZO_COM_API HashedKey hashText(std::wstring_view text) noexcept;
-// Whether texts are equal ignoring case; bothPlain when both are known to be plain.
-[[nodiscard]] ZO_COM_API bool equalTexts(std::wstring_view a, std::wstring_view b,
-                                         bool bothPlain) noexcept;
+// Plain: printable ASCII. (Texts go as pointer and length: a view would be passed through memory.)
+[[nodiscard]] ZO_COM_API HashedKey hashText(const wchar_t* text, std::size_t length) noexcept;
+// Whether plain texts of one length are equal ignoring case.
+[[nodiscard]] ZO_COM_API bool equalPlainTexts(const wchar_t* a, const wchar_t* b,
+                                              std::size_t length) noexcept;
 
 }  // namespace zo
 
 template <>
 class ZoCICompare<ZoString> : public ZoCompare<ZoString> {
  public:
-  int compare(const ZoString& a, const ZoString& b) const override {
+  [[nodiscard]] int compare(const ZoString& a, const ZoString& b) const override {
     return a.compareTo(b, ZoString::ignoreCase);
   }
 };
@@ -42,10 +45,12 @@ class ZoCICompare<ZoString> : public ZoCompare<ZoString> {
 template <>
 class ZoCIHashValue<ZoString> : public ZoHashValue<ZoString> {
  public:
-  int compare(const ZoString& a, const ZoString& b) const override {
+  [[nodiscard]] int compare(const ZoString& a, const ZoString& b) const override {
     return a.compareTo(b, ZoString::ignoreCase);
   }
-  unsigned hash(const ZoString& key) const override { return key.hash(ZoString::ignoreCase); }
+  [[nodiscard]] unsigned hash(const ZoString& key) const override {
+    return key.hash(ZoString::ignoreCase);
+  }
 
   // For look-up without virtual calls.
   static std::wstring_view lookUpForm(const ZoString& key) noexcept { return key.view(); }
@@ -54,8 +59,11 @@ class ZoCIHashValue<ZoString> : public ZoHashValue<ZoString> {
   static std::wstring_view lookUpForm(const wchar_t* key) noexcept {  // null counts as empty
     return key ? std::wstring_view(key) : std::wstring_view();
   }
-  static zo::HashedKey hashKey(std::wstring_view key) noexcept { return zo::hashText(key); }
+  static zo::HashedKey hashKey(std::wstring_view key) noexcept {
+    return zo::hashText(key.data(), key.size());
+  }
   static bool isEqual(const ZoString& mine, std::wstring_view key, bool bothPlain) noexcept {
-    return zo::equalTexts(mine.view(), key, bothPlain);
+    if (!bothPlain) return mine.equals(key, ZoString::ignoreCase);
+    return mine.length() == key.size() && zo::equalPlainTexts(mine.data(), key.data(), key.size());
   }
 };

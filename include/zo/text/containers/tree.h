@@ -1,9 +1,11 @@
 // ZoTree<T, K, C>: a dictionary in a balanced tree, ordered by the comparison C of its keys.
 //
-// Entries are visited in the order of their keys. Keys and values keep their addresses until they are removed.
-// Values and keys that can only be moved are fine; operations that copy refuse them with 1.
+// Entries are visited in the order of their keys. Keys and values keep their addresses until they
+// are removed. Values and keys that can only be moved are fine; operations that copy refuse them
+// with 1.
 //
-// Errors, Threads, Cost: as in vtree.h. Range-for iterators hold until the tree gains or loses an entry.
+// Errors, Threads, Cost: as in vtree.h. Range-for iterators hold until the tree gains or loses an
+// entry.
 #pragma once
 
 #include <zo/text/containers/dict.h>
@@ -42,15 +44,15 @@ class TreeIterator {
   using reference = DictEntry<T, K>;
 
   TreeIterator() = default;
-  explicit TreeIterator(ZoVTreeNode* root) noexcept { m_path.descendLeft(root); }
+  explicit TreeIterator(ZoVTreeNode* root) noexcept { path_.descendLeft(root); }
 
   reference operator*() const noexcept {
     auto* const entry =
-        static_cast<TreeEntry<std::remove_const_t<T>, K>*>(m_path.current()->element);
+        static_cast<TreeEntry<std::remove_const_t<T>, K>*>(path_.current()->element);
     return {entry->key, entry->value};
   }
   TreeIterator& operator++() noexcept {
-    m_path.advance();
+    path_.advance();
     return *this;
   }
   TreeIterator operator++(int) noexcept {
@@ -59,12 +61,12 @@ class TreeIterator {
     return before;
   }
   bool operator==(const TreeIterator& other) const noexcept {
-    return m_path.current() == other.m_path.current();
+    return path_.current() == other.path_.current();
   }
-  bool operator==(std::default_sentinel_t) const noexcept { return !m_path.current(); }
+  bool operator==(std::default_sentinel_t) const noexcept { return !path_.current(); }
 
  private:
-  TreePath m_path;
+  TreePath path_;
 };
 
 }  // namespace zo
@@ -88,7 +90,7 @@ class ZoTreeMem final : public ZoVTreeMem {
   }
   void deleteNode(ZoVTreeNode* node) override {
     std::destroy_at(static_cast<Node*>(node));
-    m_pool.release(node);
+    pool_.release(node);
   }
   [[nodiscard]] const void* key(const void* element) const override {
     return &static_cast<const Entry*>(element)->key;
@@ -103,16 +105,16 @@ class ZoTreeMem final : public ZoVTreeMem {
   template <class Key, class Value>
   int makeNode(ZoVTreeNode*& node, Key&& key, Value&& value) {
     node = nullptr;
-    void* const place = m_pool.allocate();
+    void* const place = pool_.allocate();
     if (!place) return ZoResult::outOfMemory;
     try {
       node = ::new (place) Node(std::forward<Key>(key), std::forward<Value>(value));
       return ZoResult::ok;
     } catch (const std::bad_alloc&) {
-      m_pool.release(place);
+      pool_.release(place);
       return ZoResult::outOfMemory;
     } catch (...) {
-      m_pool.release(place);
+      pool_.release(place);
       throw;
     }
   }
@@ -121,21 +123,22 @@ class ZoTreeMem final : public ZoVTreeMem {
 template <class T, class K, class C = ZoCICompare<K>>
 class ZoTree : public ZoDict<T, K> {
  public:
-  ZoTree() noexcept : m_tree(nullptr) {}
+  ZoTree() noexcept : tree_(nullptr) {}
   ZoTree(std::initializer_list<std::pair<K, T>> entries) : ZoTree() {
     for (const auto& [key, value] : entries)
       check(insertAt(key, value));  // the first of equal keys stays
   }
   explicit ZoTree(const ZoDict<T, K>& other) : ZoTree() { check(this->insertAll(other)); }
-  // Copies throw std::bad_alloc when there is no memory; moves leave the other tree empty and usable.
-  ZoTree(const ZoTree& other) : ZoDict<T, K>(other), m_tree(nullptr), m_compare(other.m_compare) {
+  // Copies throw std::bad_alloc when there is no memory; moves leave the other tree empty and
+  // usable.
+  ZoTree(const ZoTree& other) : ZoDict<T, K>(other), tree_(nullptr), compare_(other.compare_) {
     check(this->insertAll(other));
   }
   ZoTree(ZoTree&& other) noexcept
-      : ZoDict<T, K>(), m_tree(std::move(other.m_tree)), m_compare(other.m_compare) {}
+      : ZoDict<T, K>(), tree_(std::move(other.tree_)), compare_(other.compare_) {}
   ZoTree& operator=(const ZoTree& other) { return *this = static_cast<const ZoDict<T, K>&>(other); }
   ZoTree& operator=(ZoTree&& other) noexcept {
-    m_tree = std::move(other.m_tree);
+    tree_ = std::move(other.tree_);
     return *this;
   }
   ZoTree& operator=(const ZoDict<T, K>& other) {
@@ -144,20 +147,20 @@ class ZoTree : public ZoDict<T, K> {
   }
   ~ZoTree() override = default;
 
-  [[nodiscard]] unsigned entries() const noexcept final { return m_tree.count(); }
+  [[nodiscard]] unsigned entries() const noexcept final { return tree_.count(); }
 
-  [[nodiscard]] auto begin() noexcept { return zo::TreeIterator<T, K>(m_tree.m_root); }
-  [[nodiscard]] auto begin() const noexcept { return zo::TreeIterator<const T, K>(m_tree.m_root); }
+  [[nodiscard]] auto begin() noexcept { return zo::TreeIterator<T, K>(tree_.root_); }
+  [[nodiscard]] auto begin() const noexcept { return zo::TreeIterator<const T, K>(tree_.root_); }
   [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
 
   // The smallest and the largest key; null when empty.
-  [[nodiscard]] const K* firstKey() const noexcept { return keyOf(m_tree.first()); }
-  [[nodiscard]] const K* lastKey() const noexcept { return keyOf(m_tree.last()); }
+  [[nodiscard]] const K* firstKey() const noexcept { return keyOf(tree_.first()); }
+  [[nodiscard]] const K* lastKey() const noexcept { return keyOf(tree_.last()); }
   // The position of a key in order, or npos. O(n).
   [[nodiscard]] unsigned index(const K& key) const {
-    const ZoTreeCompare<K> adapter(m_compare);
+    const ZoTreeCompare<K> adapter(compare_);
     unsigned i = zo::npos;
-    static_cast<void>(m_tree.getIndex(&key, &i, &adapter));  // leaves npos when absent
+    static_cast<void>(tree_.getIndex(&key, &i, &adapter));  // leaves npos when absent
     return i;
   }
   int findKey(const K& key, K& outKey) const final {
@@ -174,18 +177,18 @@ class ZoTree : public ZoDict<T, K> {
   }
   int insertAt(K&& key, T&& value) final { return insertNew(std::move(key), std::move(value)); }
 
-  int removeAll(bool = false) final { return m_tree.removeAll(); }  // always gives the memory back
+  int removeAll(bool = false) final { return tree_.removeAll(); }  // always gives the memory back
 
   void walk(zo::DictCursor& cursor) const final {
     ZoVTreeNode* const node = cursor.node ? following(*static_cast<const K*>(cursor.key))
-                                          : ZoVTree::firstNode(m_tree.m_root);
+                                          : ZoVTree::firstNode(tree_.root_);
     cursor.node = node;
     if (node) {
       cursor.key = keyOf(node->element);
       cursor.value = valueOf(node);
     }
   }
-  [[nodiscard]] const ZoVTree& engine() const noexcept { return m_tree; }
+  [[nodiscard]] const ZoVTree& engine() const noexcept { return tree_; }
 
  protected:
   T* locate(const K& key) const final {
@@ -193,8 +196,8 @@ class ZoTree : public ZoDict<T, K> {
     return node ? valueOf(node) : nullptr;
   }
   int take(const K& key, T* out) final {
-    const ZoTreeCompare<K> adapter(m_compare);
-    return m_tree.removeAt(&key, out, &adapter);
+    const ZoTreeCompare<K> adapter(compare_);
+    return tree_.removeAt(&key, out, &adapter);
   }
 
  private:
@@ -203,11 +206,11 @@ class ZoTree : public ZoDict<T, K> {
   template <class Make>
   class Maker final : public zo::TreeNodeMaker {
    public:
-    explicit Maker(Make make) : m_make(make) {}
-    int make(ZoVTreeNode*& node) override { return m_make(node); }
+    explicit Maker(Make make) : make_(make) {}
+    int make(ZoVTreeNode*& node) override { return make_(node); }
 
    private:
-    Make m_make;
+    Make make_;
   };
 
   static void check(int status) {
@@ -221,9 +224,9 @@ class ZoTree : public ZoDict<T, K> {
   }
 
   [[nodiscard]] ZoVTreeNode* find(const K& key) const {
-    ZoVTreeNode* node = m_tree.m_root;
+    ZoVTreeNode* node = tree_.root_;
     while (node) {
-      const int order = m_compare.C::compare(key, *keyOf(node->element));
+      const int order = compare_.C::compare(key, *keyOf(node->element));
       if (order == 0) break;
       node = order < 0 ? node->left : node->right;
     }
@@ -232,8 +235,8 @@ class ZoTree : public ZoDict<T, K> {
   // The first node whose key is greater.
   [[nodiscard]] ZoVTreeNode* following(const K& key) const {
     ZoVTreeNode* found = nullptr;
-    for (ZoVTreeNode* node = m_tree.m_root; node;) {
-      if (m_compare.C::compare(key, *keyOf(node->element)) < 0) {
+    for (ZoVTreeNode* node = tree_.root_; node;) {
+      if (compare_.C::compare(key, *keyOf(node->element)) < 0) {
         found = node;
         node = node->left;
       } else {
@@ -245,16 +248,16 @@ class ZoTree : public ZoDict<T, K> {
 
   template <class Key, class Value>
   int insertNew(Key&& key, Value&& value) {
-    if (!m_tree.m_mem) m_tree.m_mem = new (std::nothrow) ZoTreeMem<T, K>;
-    if (!m_tree.m_mem) return ZoResult::outOfMemory;
+    if (!tree_.mem_) tree_.mem_ = new (std::nothrow) ZoTreeMem<T, K>;
+    if (!tree_.mem_) return ZoResult::outOfMemory;
     Maker maker([&](ZoVTreeNode*& node) {
-      return static_cast<ZoTreeMem<T, K>*>(m_tree.m_mem)
+      return static_cast<ZoTreeMem<T, K>*>(tree_.mem_)
           ->makeNode(node, std::forward<Key>(key), std::forward<Value>(value));
     });
-    const ZoTreeCompare<K> adapter(m_compare);
-    return m_tree.insertMade(&key, maker, &adapter);
+    const ZoTreeCompare<K> adapter(compare_);
+    return tree_.insertMade(&key, maker, &adapter);
   }
 
-  ZoVTree m_tree;
-  C m_compare;
+  ZoVTree tree_;
+  C compare_;
 };

@@ -1,16 +1,18 @@
 // The array engine: a growable table of elements of unknown type, its storage and its iterator.
 //
-// Everything that depends on the element type goes through the storage object; ZoArray<T> supplies it and is what
-// programs use. Pointers to elements stay valid until the array grows, shrinks or moves elements.
+// Everything that depends on the element type goes through the storage object; ZoArray<T> supplies
+// it and is what programs use. Pointers to elements stay valid until the array grows, shrinks or
+// moves elements.
 //
-// Errors:  0 success; 1 refused (position out of range, null value or object, full with grow size 0, no storage,
-//          an element that cannot be copied); 2 out of memory, and then nothing has changed. An exception of an
-//          element's copy leaves the elements as they were; only reverse, setAt and fillAt over present elements
-//          keep just what the element's own assignment keeps. Constructors and assignment, which have no status,
-//          throw std::bad_alloc.
+// Errors:  0 success; 1 refused (position out of range, null value or object, full with grow size
+//          0, no storage, an element that cannot be copied); 2 out of memory, and then nothing has
+//          changed. An exception of an element's copy leaves the elements as they were; only
+//          reverse, setAt and fillAt over present elements keep just what the element's own
+//          assignment keeps. Constructors and assignment, which have no status, throw
+//          std::bad_alloc.
 // Threads: any number of readers, or one writer.
-// Cost:    access O(1); growing by a fixed step makes n appends O(n * n / step); insertion and removal O(elements
-//          behind); sort O(n log n), stable.
+// Cost:    access O(1); growing by a fixed step makes n appends O(n * n / step); insertion and
+//          removal O(elements behind); sort O(n log n), stable.
 #pragma once
 
 #include <zo/config.h>
@@ -22,18 +24,21 @@
 template <class T, class Table>
 class ZoArray;
 
-// The block of an array: elements side by side. It does not know how many of its cells hold elements; each call is
-// told.
+// The block of an array: elements side by side. It does not know how many of its cells hold
+// elements; each call is told.
 class ZO_COM_API ZoVArrayTable {
  public:
   virtual ~ZoVArrayTable();  // the elements have been erased before
+  ZoVArrayTable(const ZoVArrayTable&) = delete;
+  ZoVArrayTable& operator=(const ZoVArrayTable&) = delete;
 
   // An empty storage of the same type; null when there is no memory.
   [[nodiscard]] virtual ZoVArrayTable* makeNew() const = 0;
   // Moves the elements to a block of the given number of cells (at least `entries`).
   virtual int reallocate(unsigned capacity, unsigned entries) = 0;
-  // Opens a gap of n cells in front of position i and fills it with copies of *value, or with elements made without
-  // a value when it is null. There is room. *value may be one of the elements.
+  // Opens a gap of n cells in front of position i and fills it with copies of *value, or with
+  // elements made without a value when it is null. There is room. *value may be one of the
+  // elements.
   virtual int insert(unsigned i, unsigned n, const void* value, unsigned entries) = 0;
   // Copies n elements that lie side by side to the end. There is room.
   virtual int appendCopies(const void* from, unsigned n, unsigned entries) = 0;
@@ -48,17 +53,21 @@ class ZO_COM_API ZoVArrayTable {
   virtual int reorder(void* const* order, unsigned entries) = 0;
 
   [[nodiscard]] void* at(unsigned i) const noexcept {
-    return static_cast<char*>(m_data) + std::size_t{i} * m_elementSize;
+    return static_cast<char*>(data_) + std::size_t{i} * elementSize_;
+  }
+  // True when elements have the size of a pointer and may be moved as bytes.
+  [[nodiscard]] bool holdsWords() const noexcept {
+    return relocatable_ && elementSize_ == sizeof(void*);
   }
 
  protected:
-  explicit ZoVArrayTable(unsigned elementSize) noexcept : m_elementSize(elementSize) {}
-  ZoVArrayTable(const ZoVArrayTable&) = delete;
-  ZoVArrayTable& operator=(const ZoVArrayTable&) = delete;
+  ZoVArrayTable(unsigned elementSize, bool relocatable) noexcept
+      : elementSize_(elementSize), relocatable_(relocatable) {}
 
-  void* m_data = nullptr;
-  unsigned m_elementSize;
-  unsigned m_cells = 0;
+  void* data_ = nullptr;
+  unsigned elementSize_;
+  unsigned cells_ = 0;
+  bool relocatable_;
 };
 
 class ZO_COM_API ZoVArray {
@@ -71,18 +80,18 @@ class ZO_COM_API ZoVArray {
   ZoVArray& operator=(ZoVArray&& other) noexcept;
   ~ZoVArray();
 
-  [[nodiscard]] unsigned entries() const noexcept { return m_entries; }
-  [[nodiscard]] bool isEmpty() const noexcept { return m_entries == 0; }
-  [[nodiscard]] unsigned capacity() const noexcept { return m_capacity; }
-  [[nodiscard]] unsigned growSize() const noexcept { return m_growSize; }
-  [[nodiscard]] bool isValid(unsigned i) const noexcept { return i < m_entries; }
+  [[nodiscard]] unsigned entries() const noexcept { return entries_; }
+  [[nodiscard]] bool isEmpty() const noexcept { return entries_ == 0; }
+  [[nodiscard]] unsigned capacity() const noexcept { return capacity_; }
+  [[nodiscard]] unsigned growSize() const noexcept { return growSize_; }
+  [[nodiscard]] bool isValid(unsigned i) const noexcept { return i < entries_; }
 
   // The element, or null.
   [[nodiscard]] void* at(unsigned i) const noexcept {
-    return i < m_entries ? m_table->at(i) : nullptr;
+    return i < entries_ ? table_->at(i) : nullptr;
   }
   [[nodiscard]] void* first() const noexcept { return at(0); }
-  [[nodiscard]] void* last() const noexcept { return at(m_entries - 1); }
+  [[nodiscard]] void* last() const noexcept { return at(entries_ - 1); }
   int getAt(unsigned i, void* out) const;  // copies to *out
   int setAt(unsigned i, const void* value);
 
@@ -92,7 +101,7 @@ class ZO_COM_API ZoVArray {
   [[nodiscard]] bool isEqualTo(const ZoVArray& other, const ZoVArrayCompare* compare) const;
 
   // Values may be elements of this array, and `other` may be this array.
-  int append(const void* value) { return insertAt(m_entries, value); }
+  int append(const void* value) { return insertAt(entries_, value); }
   int append(const ZoVArray& other);
   int prepend(const void* value) { return insertAt(0, value); }
   int insertAt(unsigned i, const void* value);  // in front of position i; i == entries() appends
@@ -104,7 +113,7 @@ class ZO_COM_API ZoVArray {
   int remove(const void* value, const ZoVArrayCompare* compare, bool all);
   // The removed element is moved to *out unless out is null.
   int removeFirst(void* out) { return removeAt(0, out); }
-  int removeLast(void* out) { return removeAt(m_entries - 1, out); }
+  int removeLast(void* out) { return removeAt(entries_ - 1, out); }
   int removeAt(unsigned i, void* out);
   int removeAll(bool freeMemory);  // true gives the block back too: the capacity is then 0
 
@@ -119,7 +128,7 @@ class ZO_COM_API ZoVArray {
   int shiftLeft(unsigned n);   // removes the first n elements; 1 when there are fewer
   int shiftRight(unsigned n);  // puts n elements made without a value in front
   int growArray();             // by one grow size; 1 when that is 0
-  void setGrowSize(unsigned n) noexcept { m_growSize = n; }
+  void setGrowSize(unsigned n) noexcept { growSize_ = n; }
 
   // True when the fields agree with each other.
   [[nodiscard]] bool validate() const noexcept;
@@ -132,30 +141,32 @@ class ZO_COM_API ZoVArray {
   int makeRoomFor(unsigned n, const void*& value);  // follows a value that is an element
   void swap(ZoVArray& other) noexcept;
 
-  unsigned m_entries = 0;
-  unsigned m_capacity = 0;
-  unsigned m_growSize = 0;
-  ZoVArrayTable* m_table;
+  unsigned entries_ = 0;
+  unsigned capacity_ = 0;
+  unsigned growSize_ = 0;
+  ZoVArrayTable* table_ = nullptr;
 };
 
 static_assert(sizeof(ZoVArray) == 24, "entries, capacity, grow size, storage");
 
-// Walks an array by position, so it survives every change of the array: it stands on whatever element has its
-// position now, and is not valid when there is none. The array itself must outlive it.
+// Walks an array by position, so it survives every change of the array: it stands on whatever
+// element has its position now, and is not valid when there is none. The array itself must outlive
+// it.
 class ZO_COM_API ZoVArrayIterator {
  public:
-  explicit ZoVArrayIterator(ZoVArray& array) noexcept : m_array(&array) {}
+  explicit ZoVArrayIterator(ZoVArray& array) noexcept : array_(&array) {}
   ZoVArrayIterator(const ZoVArrayIterator&) = default;
   ZoVArrayIterator& operator=(const ZoVArrayIterator&) = default;
   virtual ~ZoVArrayIterator();
 
-  // The order of these is part of the interface. Movements tell whether the iterator is valid afterwards.
+  // The order of these is part of the interface. Movements tell whether the iterator is valid
+  // afterwards.
   virtual void reset();                 // to the first element
   virtual void reset(ZoVArray& array);  // to the first element of another array
-  virtual bool isValid() const;
-  virtual void* current() const;  // null when not valid
-  virtual bool atFirst() const;
-  virtual bool atLast() const;
+  [[nodiscard]] virtual bool isValid() const;
+  [[nodiscard]] virtual void* current() const;  // null when not valid
+  [[nodiscard]] virtual bool atFirst() const;
+  [[nodiscard]] virtual bool atLast() const;
   virtual bool toFirst();
   virtual bool toLast();
   virtual bool to(unsigned i);
@@ -169,6 +180,6 @@ class ZO_COM_API ZoVArrayIterator {
   virtual bool findPrev(const void* value, const ZoVArrayCompare* compare);
 
  private:
-  ZoVArray* m_array;
-  unsigned m_position = 0;
+  ZoVArray* array_;
+  unsigned position_ = 0;
 };

@@ -1,8 +1,9 @@
 // What an engine is given to look at elements it knows nothing of: compare, apply and hash objects.
 //
-// An engine never compares or hashes an element itself. The pointers are to the elements (for a dictionary:
-// compare gets keys, apply gets values). A null object is refused by every engine call that needs one: status
-// 1, npos or false. Objects are used during the call only and belong to the caller.
+// An engine never compares or hashes an element itself. The pointers are to the elements (for a
+// dictionary: compare gets keys, apply gets values). A null object is refused by every engine call
+// that needs one: status 1, npos or false. Objects are used during the call only and belong to the
+// caller.
 //
 // Errors:  what an object throws passes through; the container is then as it was.
 #pragma once

@@ -1,18 +1,22 @@
-// The hash table engine: unique keys and their values, of unknown types, in chains; its storage and its iterator.
+// The hash table engine: unique keys and their values, of unknown types, in chains; its storage and
+// its iterator.
 //
-// Everything that depends on the types goes through the storage object and the key policy; ZoHashDict<T, K, H>
-// supplies both and is what programs use. Elements are visited bucket by bucket, and within a bucket in the order
-// of their insertion. Keys and values keep their addresses until they are removed, also while the table grows.
+// Everything that depends on the types goes through the storage object and the key policy;
+// ZoHashDict<T, K, H> supplies both and is what programs use. Elements are visited bucket by
+// bucket, and within a bucket in the order of their insertion. Keys and values keep their addresses
+// until they are removed, also while the table grows.
 //
-// The hash value of a key is kept beside it, so every call on one table must bring a policy that hashes alike.
+// The hash value of a key is kept beside it, so every call on one table must bring a policy that
+// hashes alike.
 //
-// Errors:  0 success; 1 refused (key present, key absent, null key, value or object, no storage, an element that
-//          cannot be copied, and an insertion that finds no memory to grow the table); 2 out of memory. Nothing
-//          has changed then, with one exception: resize(). An exception of an element's copy or of the policy
-//          leaves the elements as they were. Constructors and assignment, which have no status, throw
-//          std::bad_alloc.
+// Errors:  0 success; 1 refused (key present, key absent, null key, value or object, no storage, an
+//          element that cannot be copied, and an insertion that finds no memory to grow the table);
+//          2 out of memory. Nothing has changed then, with one exception: resize(). An exception of
+//          an element's copy or of the policy leaves the elements as they were. Constructors and
+//          assignment, which have no status, throw std::bad_alloc.
 // Threads: any number of readers, or one writer.
-// Cost:    O(1) on average for a key; O(entries + buckets) for contains and findKey with a compare object.
+// Cost:    O(1) on average for a key; O(entries + buckets) for contains and findKey with a compare
+//          object.
 #pragma once
 
 #include <zo/config.h>
@@ -38,11 +42,13 @@ struct ZoHashStats {
   unsigned collisions = 0;  // insertions into a chain that held an element, since the last resize
 };
 
-// The chains of a table. Links are the same for all types and stand here; what touches a key or a value is left to
-// the typed storage.
+// The chains of a table. Links are the same for all types and stand here; what touches a key or a
+// value is left to the typed storage.
 class ZO_COM_API ZoVHashTable {
  public:
   virtual ~ZoVHashTable();  // the typed storage has called removeAll()
+  ZoVHashTable(const ZoVHashTable&) = delete;
+  ZoVHashTable& operator=(const ZoVHashTable&) = delete;
 
   // An empty storage of the same type with n buckets; null when there is no memory or n is 0.
   [[nodiscard]] virtual ZoVHashTable* makeNew(unsigned buckets) const = 0;
@@ -64,31 +70,28 @@ class ZO_COM_API ZoVHashTable {
   virtual void unlink(unsigned bucket, ZoVHashNode* node);
   virtual void removeAll();  // deletes every node; the buckets stay
 
-  [[nodiscard]] unsigned buckets() const noexcept { return m_bucketCount; }
+  [[nodiscard]] unsigned buckets() const noexcept { return bucketCount_; }
   [[nodiscard]] unsigned bucketOf(unsigned hash) const noexcept {
-    return m_mask ? hash & m_mask : hash % m_bucketCount;
+    return mask_ ? hash & mask_ : hash % bucketCount_;
   }
-  [[nodiscard]] ZoVHashNode** chain(unsigned bucket) const noexcept { return m_chains + bucket; }
+  [[nodiscard]] ZoVHashNode** chain(unsigned bucket) const noexcept { return chains_ + bucket; }
   // Takes over the nodes' memory of a storage of the same type.
   void absorb(ZoVHashTable& other) noexcept;
   // Changes whenever a node has been removed or has moved to another storage.
-  [[nodiscard]] unsigned removals() const noexcept { return m_removals; }
+  [[nodiscard]] unsigned removals() const noexcept { return removals_; }
 
  protected:
-  ZoVHashTable(std::size_t nodeSize, std::size_t alignment) noexcept
-      : m_pool(nodeSize, alignment) {}
-  ZoVHashTable(const ZoVHashTable&) = delete;
-  ZoVHashTable& operator=(const ZoVHashTable&) = delete;
+  ZoVHashTable(std::size_t nodeSize, std::size_t alignment) noexcept : pool_(nodeSize, alignment) {}
 
   bool makeBuckets(unsigned n) noexcept;  // once, before anything else
 
-  zo::NodePool m_pool;
+  zo::NodePool pool_;
 
  private:
-  ZoVHashNode** m_chains = nullptr;
-  unsigned m_bucketCount = 0;
-  unsigned m_mask = 0;  // the number of buckets - 1 when that is a power of two
-  unsigned m_removals = 0;
+  ZoVHashNode** chains_ = nullptr;
+  unsigned bucketCount_ = 0;
+  unsigned mask_ = 0;  // the number of buckets - 1 when that is a power of two
+  unsigned removals_ = 0;
 };
 
 class ZO_COM_API ZoVHash {
@@ -96,8 +99,9 @@ class ZO_COM_API ZoVHash {
   static constexpr unsigned kDefaultBuckets = 128;
   static constexpr double kDefaultLoadFactor = 0.7;
 
-  // Takes the storage over; with null the table has 0 buckets and refuses every insertion. `buckets` is the number
-  // the storage was made with (its own number counts). A load factor that is not above 0 gives the default.
+  // Takes the storage over; with null the table has 0 buckets and refuses every insertion.
+  // `buckets` is the number the storage was made with (its own number counts). A load factor that
+  // is not above 0 gives the default.
   explicit ZoVHash(ZoVHashTable* table, unsigned buckets = kDefaultBuckets,
                    double loadFactor = kDefaultLoadFactor);
   ZoVHash(const ZoVHash& other);
@@ -109,20 +113,21 @@ class ZO_COM_API ZoVHash {
   virtual ~ZoVHash();
   // Any key that compares equal, looked for in all buckets.
   virtual bool contains(const void* key, const ZoVHashCompare* compare) const;
-  virtual unsigned entries() const;
+  [[nodiscard]] virtual unsigned entries() const;
   // Copies the first such key, as it is stored, to *outKey.
   virtual int findKey(const void* key, void* outKey, const ZoVHashCompare* compare) const;
   virtual int getAt(const void* key, void* outValue, const ZoVHashKey* hashKey) const;
-  virtual bool isEmpty() const;
+  [[nodiscard]] virtual bool isEmpty() const;
   virtual bool isValid(const void* key, const ZoVHashKey* hashKey) const;  // the key is present
-  virtual double collisionRatio() const;  // collisions / entries; 0 when empty
-  // Rehashes into the given number of buckets. Refuses 0 buckets and a load factor that is not above 0. With fewer
-  // buckets than the load factor asks for, the table grows again on the way, by doubling.
+  [[nodiscard]] virtual double collisionRatio() const;  // collisions / entries; 0 when empty
+  // Rehashes into the given number of buckets. Refuses 0 buckets and a load factor that is not
+  // above 0. With fewer buckets than the load factor asks for, the table grows again on the way, by
+  // doubling.
   virtual int setCapacity(unsigned buckets, double loadFactor, const ZoVHashKey* hashKey);
   virtual int apply(ZoVHashApply* applyFn);                            // to the values
   virtual void* at(const void* key, const ZoVHashKey* hashKey) const;  // the value, or null
-  // Refuses a key that is present. The load is tested before the key is looked up, so a refused insertion may
-  // still have grown the table; that is deliberate.
+  // Refuses a key that is present. The load is tested before the key is looked up, so a refused
+  // insertion may still have grown the table; that is deliberate.
   virtual int insertAt(const void* key, const void* value, const ZoVHashKey* hashKey);
   virtual int setAt(const void* key, const void* value,
                     const ZoVHashKey* hashKey);  // refuses an absent key
@@ -131,13 +136,14 @@ class ZO_COM_API ZoVHash {
 
   // The bucket of a key that is present, or npos.
   [[nodiscard]] unsigned getPosition(const void* key, const ZoVHashKey* hashKey) const;
-  // Doubles the number of buckets and inserts everything anew, in bucket and chain order; collisions are counted
-  // anew. 1 without storage. 2 when there is no memory: then the storage is gone, with all elements. That is
-  // deliberate; insertAt and setCapacity ask for the memory first and lose nothing.
+  // Doubles the number of buckets and inserts everything anew, in bucket and chain order;
+  // collisions are counted anew. 1 without storage. 2 when there is no memory: then the storage is
+  // gone, with all elements. That is deliberate; insertAt and setCapacity ask for the memory first
+  // and lose nothing.
   int resize(const ZoVHashKey* hashKey);
 
-  [[nodiscard]] unsigned buckets() const noexcept { return m_buckets; }
-  [[nodiscard]] double loadFactor() const noexcept { return m_loadFactor; }
+  [[nodiscard]] unsigned buckets() const noexcept { return buckets_; }
+  [[nodiscard]] double loadFactor() const noexcept { return loadFactor_; }
   [[nodiscard]] ZoHashStats stats() const;
   // True when fields, chains and kept hash values agree, and no key is there twice.
   [[nodiscard]] bool validate(const ZoVHashKey* hashKey) const;
@@ -148,7 +154,7 @@ class ZO_COM_API ZoVHash {
   friend class ZoVHashIterator;
 
   [[nodiscard]] bool isOverloaded() const noexcept {
-    return static_cast<double>(m_entries) / static_cast<double>(m_buckets) > m_loadFactor;
+    return static_cast<double>(entries_) / static_cast<double>(buckets_) > loadFactor_;
   }
   int grow();                          // like resize, but loses nothing
   void moveInto(ZoVHashTable* table);  // every element, to a new storage
@@ -158,26 +164,27 @@ class ZO_COM_API ZoVHash {
   ZoVHashNode* scan(const void* key, const zo::ElementCompare* compare) const;
   void swap(ZoVHash& other) noexcept;
 
-  unsigned m_entries = 0;
-  unsigned m_buckets;
-  unsigned m_collisions = 0;
-  double m_loadFactor;
-  ZoVHashTable* m_table;
+  unsigned entries_ = 0;
+  unsigned buckets_;
+  unsigned collisions_ = 0;
+  double loadFactor_;
+  ZoVHashTable* table_;
 };
 
 static_assert(sizeof(ZoVHash) == 8 + 4 * 4 + 8 + 8,
               "virtual operations, entries, buckets, collisions, load factor, storage");
 
-// Stands on an element, so it survives every insertion and the removal of other elements; growing the table changes
-// what comes next. When its element is removed by someone else it is not valid. It notices that by the count of
-// removals: after one, its next use looks for its node, O(entries). The table must outlive it.
+// Stands on an element, so it survives every insertion and the removal of other elements; growing
+// the table changes what comes next. When its element is removed by someone else it is not valid.
+// It notices that by the count of removals: after one, its next use looks for its node, O(entries).
+// The table must outlive it.
 class ZO_COM_API ZoVHashIterator {
  public:
-  explicit ZoVHashIterator(ZoVHash& hash) noexcept : m_hash(&hash) { reset(); }
+  explicit ZoVHashIterator(ZoVHash& hash) noexcept : hash_(&hash) { reset(); }
 
   void reset() noexcept { toFirst(); }  // to the first element
   void reset(ZoVHash& hash) noexcept {
-    m_hash = &hash;
+    hash_ = &hash;
     reset();
   }
   // Movements tell whether the iterator is valid afterwards.
@@ -192,8 +199,8 @@ class ZO_COM_API ZoVHashIterator {
   int remove(void* outValue);  // stands on the following element then
 
   [[nodiscard]] ZoVHashNode* node() const noexcept {
-    if (m_table != m_hash->m_table || (m_table && m_removals != m_table->removals())) find();
-    return m_node;
+    if (table_ != hash_->table_ || (table_ && removals_ != table_->removals())) find();
+    return node_;
   }
 
  private:
@@ -202,8 +209,8 @@ class ZO_COM_API ZoVHashIterator {
   ZoVHashNode* following(const ZoVHashNode* node) const noexcept;
   void find() const noexcept;
 
-  ZoVHash* m_hash;
-  mutable const ZoVHashTable* m_table = nullptr;
-  mutable ZoVHashNode* m_node = nullptr;
-  mutable unsigned m_removals = 0;
+  ZoVHash* hash_;
+  mutable const ZoVHashTable* table_ = nullptr;
+  mutable ZoVHashNode* node_ = nullptr;
+  mutable unsigned removals_ = 0;
 };

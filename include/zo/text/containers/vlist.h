@@ -1,15 +1,18 @@
-// The list engine: a doubly linked list of elements of unknown type, its node storage and its iterator.
+// The list engine: a doubly linked list of elements of unknown type, its node storage and its
+// iterator.
 //
-// Everything that depends on the element type goes through the storage object; ZoList<T> supplies it and is what
-// programs use. An element keeps its address until it is removed, also through sort and reverse.
+// Everything that depends on the element type goes through the storage object; ZoList<T> supplies
+// it and is what programs use. An element keeps its address until it is removed, also through sort
+// and reverse.
 //
-// Errors:  0 success; 1 refused (position out of range, null value or object, no storage, an element that cannot be
-//          copied); 2 out of memory, and then nothing has changed. An exception of an element's copy leaves the
-//          list as it was; fillAt over existing elements and setAt keep what the element's assignment keeps.
-//          Constructors and assignment, which have no status, throw std::bad_alloc.
+// Errors:  0 success; 1 refused (position out of range, null value or object, no storage, an
+//          element that cannot be copied); 2 out of memory, and then nothing has changed. An
+//          exception of an element's copy leaves the list as it was; fillAt over existing elements
+//          and setAt keep what the element's assignment keeps. Constructors and assignment, which
+//          have no status, throw std::bad_alloc.
 // Threads: any number of readers, or one writer.
-// Cost:    both ends O(1); a position is walked to from the front, O(position); sort O(n log n), stable, by
-//          relinking.
+// Cost:    both ends O(1); a position is walked to from the front, O(position); sort O(n log n),
+//          stable, by relinking.
 #pragma once
 
 #include <zo/config.h>
@@ -31,6 +34,8 @@ struct ZoVListNode {
 class ZO_COM_API ZoVListMem {
  public:
   virtual ~ZoVListMem();  // the nodes have been deleted before
+  ZoVListMem(const ZoVListMem&) = delete;
+  ZoVListMem& operator=(const ZoVListMem&) = delete;
 
   [[nodiscard]] virtual ZoVListMem* makeNew() const = 0;  // null when there is no memory
   // A node that is not linked, with a copy of the value. `node` is null unless the status is 0.
@@ -40,42 +45,40 @@ class ZO_COM_API ZoVListMem {
   virtual int moveOut(void* to, void* from) = 0;
 
   [[nodiscard]] void* element(ZoVListNode* node) const noexcept {
-    return reinterpret_cast<char*>(node) + m_elementOffset;
+    return reinterpret_cast<char*>(node) + elementOffset_;
   }
   [[nodiscard]] ZoVListNode* node(void* element) const noexcept {
-    return reinterpret_cast<ZoVListNode*>(static_cast<char*>(element) - m_elementOffset);
+    return reinterpret_cast<ZoVListNode*>(static_cast<char*>(element) - elementOffset_);
   }
-  void freeMemory() noexcept { m_pool.clear(); }  // no node is left
+  void freeMemory() noexcept { pool_.clear(); }  // no node is left
   // Takes over the nodes' memory of a storage of the same type.
-  void absorb(ZoVListMem& other) noexcept { m_pool.absorb(other.m_pool); }
+  void absorb(ZoVListMem& other) noexcept { pool_.absorb(other.pool_); }
 
  protected:
   ZoVListMem(std::size_t nodeSize, std::size_t alignment, std::size_t elementOffset) noexcept
-      : m_pool(nodeSize, alignment), m_elementOffset(elementOffset) {}
-  ZoVListMem(const ZoVListMem&) = delete;
-  ZoVListMem& operator=(const ZoVListMem&) = delete;
+      : pool_(nodeSize, alignment), elementOffset_(elementOffset) {}
 
-  zo::NodePool m_pool;
-  std::size_t m_elementOffset;
+  zo::NodePool pool_;
+  std::size_t elementOffset_;
 };
 
 class ZO_COM_API ZoVList {
  public:
-  explicit ZoVList(ZoVListMem* mem) noexcept : m_mem(mem) {}  // takes it over
+  explicit ZoVList(ZoVListMem* mem) noexcept : mem_(mem) {}  // takes it over
   ZoVList(const ZoVList& other);
   ZoVList(ZoVList&& other) noexcept;  // the other is left without storage
   ZoVList& operator=(const ZoVList& other);
   ZoVList& operator=(ZoVList&& other) noexcept;
   ~ZoVList();
 
-  [[nodiscard]] unsigned entries() const noexcept { return m_entries; }
-  [[nodiscard]] bool isEmpty() const noexcept { return m_entries == 0; }
-  [[nodiscard]] bool isValid(unsigned i) const noexcept { return i < m_entries; }
+  [[nodiscard]] unsigned entries() const noexcept { return entries_; }
+  [[nodiscard]] bool isEmpty() const noexcept { return entries_ == 0; }
+  [[nodiscard]] bool isValid(unsigned i) const noexcept { return i < entries_; }
 
   // The element, or null.
   [[nodiscard]] void* at(unsigned i) const noexcept { return elementOf(getNodeAtIndex(i)); }
-  [[nodiscard]] void* first() const noexcept { return elementOf(m_first); }
-  [[nodiscard]] void* last() const noexcept { return elementOf(m_last); }
+  [[nodiscard]] void* first() const noexcept { return elementOf(first_); }
+  [[nodiscard]] void* last() const noexcept { return elementOf(last_); }
   int getAt(unsigned i, void* out) const;  // copies to *out
   int setAt(unsigned i, const void* value);
 
@@ -85,7 +88,7 @@ class ZO_COM_API ZoVList {
   [[nodiscard]] bool isEqualTo(const ZoVList& other, const ZoVListCompare* compare) const;
 
   // Values may be elements of this list, and `other` may be this list.
-  int append(const void* value) { return insertAt(m_entries, value); }
+  int append(const void* value) { return insertAt(entries_, value); }
   int append(const ZoVList& other);
   int prepend(const void* value) { return insertAt(0, value); }
   int insertAt(unsigned i, const void* value);  // in front of position i; i == entries() appends
@@ -96,8 +99,8 @@ class ZO_COM_API ZoVList {
   // Removes the first element that compares equal, or all of them; 1 when there is none.
   int remove(const void* value, const ZoVListCompare* compare, bool all);
   // The removed element is moved to *out unless out is null.
-  int removeFirst(void* out) { return removeNode(m_first, out); }
-  int removeLast(void* out) { return removeNode(m_last, out); }
+  int removeFirst(void* out) { return removeNode(first_, out); }
+  int removeLast(void* out) { return removeNode(last_, out); }
   int removeAt(unsigned i, void* out) { return removeNode(getNodeAtIndex(i), out); }
   int removeAll(bool freeMemory);  // true gives the memory kept for new nodes back too
 
@@ -108,20 +111,20 @@ class ZO_COM_API ZoVList {
 
   // Nodes, for iterators and typed lists. A node that is linked belongs to the list.
   void link(ZoVListNode* node, ZoVListNode* after) noexcept {  // null: to the front
-    ZoVListNode* const next = after ? after->next : m_first;
+    ZoVListNode* const next = after ? after->next : first_;
     node->prev = after;
     node->next = next;
-    (after ? after->next : m_first) = node;
-    (next ? next->prev : m_last) = node;
-    ++m_entries;
+    (after ? after->next : first_) = node;
+    (next ? next->prev : last_) = node;
+    ++entries_;
   }
   void unlink(ZoVListNode* node) noexcept {
-    (node->prev ? node->prev->next : m_first) = node->next;
-    (node->next ? node->next->prev : m_last) = node->prev;
-    --m_entries;
-    ++m_removals;
+    (node->prev ? node->prev->next : first_) = node->next;
+    (node->next ? node->next->prev : last_) = node->prev;
+    --entries_;
+    ++removals_;
   }
-  [[nodiscard]] ZoVListNode* lastNode() const noexcept { return m_last; }
+  [[nodiscard]] ZoVListNode* lastNode() const noexcept { return last_; }
   [[nodiscard]] ZoVListNode* getNodeAtIndex(unsigned i) const noexcept;  // null when out of range
   // Moves the element to *out unless that is null, and deletes the node. Null is refused.
   int removeNode(ZoVListNode* node, void* out);
@@ -135,44 +138,45 @@ class ZO_COM_API ZoVList {
   friend class ZoVListIterator;
 
   [[nodiscard]] void* elementOf(ZoVListNode* node) const noexcept {
-    return node ? m_mem->element(node) : nullptr;
+    return node ? mem_->element(node) : nullptr;
   }
   void appendAll(ZoVList& other) noexcept;
   void swap(ZoVList& other) noexcept;
   void relink(void* const* order) noexcept;
 
-  ZoVListMem* m_mem;
-  ZoVListNode* m_first = nullptr;
-  ZoVListNode* m_last = nullptr;
-  unsigned m_entries = 0;
-  unsigned m_removals = 0;  // lets an iterator see that its node may be gone
+  ZoVListMem* mem_ = nullptr;
+  ZoVListNode* first_ = nullptr;
+  ZoVListNode* last_ = nullptr;
+  unsigned entries_ = 0;
+  unsigned removals_ = 0;  // lets an iterator see that its node may be gone
 };
 
-// Stands on a node, so it survives every insertion, sort and removal of other elements. When the element it stands on
-// is removed by someone else it is not valid. It notices that by the list's count of removals: after one, its next
-// use looks for its node in the list, O(n). The list must outlive it.
+// Stands on a node, so it survives every insertion, sort and removal of other elements. When the
+// element it stands on is removed by someone else it is not valid. It notices that by the list's
+// count of removals: after one, its next use looks for its node in the list, O(n). The list must
+// outlive it.
 class ZO_COM_API ZoVListIterator {
  public:
-  explicit ZoVListIterator(ZoVList& list) noexcept : m_list(&list) { reset(); }
+  explicit ZoVListIterator(ZoVList& list) noexcept : list_(&list) { reset(); }
 
-  void reset() noexcept { stand(m_list->m_first); }  // to the first element
+  void reset() noexcept { stand(list_->first_); }  // to the first element
   void reset(ZoVList& list) noexcept {
-    m_list = &list;
+    list_ = &list;
     reset();
   }
   [[nodiscard]] bool isValid() const noexcept { return node() != nullptr; }
   [[nodiscard]] void* current() const noexcept {
-    return m_list->elementOf(node());
+    return list_->elementOf(node());
   }  // null when not valid
-  [[nodiscard]] bool atFirst() const noexcept { return node() && node() == m_list->m_first; }
-  [[nodiscard]] bool atLast() const noexcept { return node() && node() == m_list->m_last; }
+  [[nodiscard]] bool atFirst() const noexcept { return node() && node() == list_->first_; }
+  [[nodiscard]] bool atLast() const noexcept { return node() && node() == list_->last_; }
 
   // Movements tell whether the iterator is valid afterwards.
-  bool toFirst() noexcept { return stand(m_list->m_first); }
-  bool toLast() noexcept { return stand(m_list->m_last); }
-  bool to(unsigned i) noexcept { return stand(m_list->getNodeAtIndex(i)); }
-  bool next() noexcept { return stand(node() ? m_node->next : nullptr); }
-  bool prev() noexcept { return stand(node() ? m_node->prev : nullptr); }
+  bool toFirst() noexcept { return stand(list_->first_); }
+  bool toLast() noexcept { return stand(list_->last_); }
+  bool to(unsigned i) noexcept { return stand(list_->getNodeAtIndex(i)); }
+  bool next() noexcept { return stand(node() ? node_->next : nullptr); }
+  bool prev() noexcept { return stand(node() ? node_->prev : nullptr); }
 
   int insert(
       const void* value);  // in front of the current element, or at the end; stands on it then
@@ -183,20 +187,20 @@ class ZO_COM_API ZoVListIterator {
 
   // For typed iterators.
   [[nodiscard]] ZoVListNode* node() const noexcept {
-    if (m_removals != m_list->m_removals) find();
-    return m_node;
+    if (removals_ != list_->removals_) find();
+    return node_;
   }
   bool stand(ZoVListNode* node) noexcept {
-    m_node = node;
-    m_removals = m_list->m_removals;
+    node_ = node;
+    removals_ = list_->removals_;
     return node != nullptr;
   }
-  [[nodiscard]] ZoVList& list() const noexcept { return *m_list; }
+  [[nodiscard]] ZoVList& list() const noexcept { return *list_; }
 
  private:
   void find() const noexcept;
 
-  ZoVList* m_list;
-  mutable ZoVListNode* m_node = nullptr;
-  mutable unsigned m_removals = 0;
+  ZoVList* list_;
+  mutable ZoVListNode* node_ = nullptr;
+  mutable unsigned removals_ = 0;
 };

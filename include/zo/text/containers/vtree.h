@@ -1,15 +1,17 @@
-// The tree engine: a height-balanced (AVL) binary search tree over elements of unknown type, its node storage and
-// its iterator.
+// The tree engine: a height-balanced (AVL) binary search tree over elements of unknown type, its
+// node storage and its iterator.
 //
-// An element is a key alone or a key with a value: the storage object tells. The order is that of the compare object
-// passed to every operation, and must always be the same for one tree. ZoTree<T, K> supplies both and is what
-// programs use. An element keeps its address until it is removed.
+// An element is a key alone or a key with a value: the storage object tells. The order is that of
+// the compare object passed to every operation, and must always be the same for one tree. ZoTree<T,
+// K> supplies both and is what programs use. An element keeps its address until it is removed.
 //
-// Errors:  0 success; 1 refused (key present, key absent, null key, value or object, no storage, an element that
-//          cannot be copied); 2 out of memory. Nothing has changed then, nor after an exception of an element's copy
-//          or of the compare object. The copying constructor, which has no status, throws std::bad_alloc.
+// Errors:  0 success; 1 refused (key present, key absent, null key, value or object, no storage, an
+//          element that cannot be copied); 2 out of memory. Nothing has changed then, nor after an
+//          exception of an element's copy or of the compare object. The copying constructor, which
+//          has no status, throws std::bad_alloc.
 // Threads: any number of readers, or one writer.
-// Cost:    O(log n) for a key; at most 1.44 log2(n + 2) levels. first and last O(log n), getIndex O(n).
+// Cost:    O(log n) for a key; at most 1.44 log2(n + 2) levels. first and last O(log n), getIndex
+//          O(n).
 #pragma once
 
 #include <zo/config.h>
@@ -35,9 +37,12 @@ static_assert(offsetof(ZoVTreeNode, element) == 0 && offsetof(ZoVTreeNode, left)
 class ZO_COM_API ZoVTreeMem {
  public:
   virtual ~ZoVTreeMem();  // the nodes have been deleted before
+  ZoVTreeMem(const ZoVTreeMem&) = delete;
+  ZoVTreeMem& operator=(const ZoVTreeMem&) = delete;
 
   [[nodiscard]] virtual ZoVTreeMem* makeNew() const = 0;  // null when there is no memory
-  // A node with copies of key and value (null: an element without one). `node` is null unless the status is 0.
+  // A node with copies of key and value (null: an element without one). `node` is null unless the
+  // status is 0.
   virtual int newNode(const void* key, const void* value, ZoVTreeNode*& node) = 0;
   virtual void deleteNode(ZoVTreeNode* node) = 0;
   [[nodiscard]] virtual const void* key(const void* element) const = 0;
@@ -47,14 +52,12 @@ class ZO_COM_API ZoVTreeMem {
   virtual int assignValue(void* to, const void* from) = 0;
   virtual int moveValue(void* to, void* from) = 0;
 
-  void freeMemory() noexcept { m_pool.clear(); }  // no node is left
+  void freeMemory() noexcept { pool_.clear(); }  // no node is left
 
  protected:
-  ZoVTreeMem(std::size_t nodeSize, std::size_t alignment) noexcept : m_pool(nodeSize, alignment) {}
-  ZoVTreeMem(const ZoVTreeMem&) = delete;
-  ZoVTreeMem& operator=(const ZoVTreeMem&) = delete;
+  ZoVTreeMem(std::size_t nodeSize, std::size_t alignment) noexcept : pool_(nodeSize, alignment) {}
 
-  zo::NodePool m_pool;
+  zo::NodePool pool_;
 };
 
 namespace zo {
@@ -71,34 +74,34 @@ class ZO_COM_API TreeNodeMaker {
 // The way from the root to a node: an AVL tree of 2^32 nodes has at most 46 levels.
 class TreePath {
  public:
-  void clear() noexcept { m_depth = 0; }
+  void clear() noexcept { depth_ = 0; }
   [[nodiscard]] ZoVTreeNode* current() const noexcept {
-    return m_depth > 0 ? m_nodes[m_depth - 1] : nullptr;
+    return depth_ > 0 ? nodes_[depth_ - 1] : nullptr;
   }
   // Down to the first node in order of the subtree; null is allowed.
   void descendLeft(ZoVTreeNode* node) noexcept {
-    for (; node; node = node->left) m_nodes[m_depth++] = node;
+    for (; node; node = node->left) nodes_[depth_++] = node;
   }
   // To the next node in order. Nodes whose right side is being walked are not kept.
-  void advance() noexcept { descendLeft(m_nodes[--m_depth]->right); }
+  void advance() noexcept { descendLeft(nodes_[--depth_]->right); }
 
  private:
-  ZoVTreeNode* m_nodes[48];
-  unsigned m_depth = 0;
+  ZoVTreeNode* nodes_[48];
+  unsigned depth_ = 0;
 };
 
 }  // namespace zo
 
 class ZO_COM_API ZoVTree {
  public:
-  explicit ZoVTree(ZoVTreeMem* mem) noexcept : m_mem(mem) {}  // takes it over
+  explicit ZoVTree(ZoVTreeMem* mem) noexcept : mem_(mem) {}  // takes it over
   // Copies the elements of another tree of the same types, in the order of the compare object.
   ZoVTree(ZoVTreeMem* mem, const ZoVTree& other, const ZoVTreeCompare* compare);
   ZoVTree(ZoVTree&& other) noexcept;  // the other is left without storage
   ZoVTree& operator=(ZoVTree&& other) noexcept;
   ~ZoVTree();
 
-  [[nodiscard]] unsigned count() const noexcept { return m_count; }
+  [[nodiscard]] unsigned count() const noexcept { return count_; }
   [[nodiscard]] void* first() const noexcept;  // the smallest element, or null
   [[nodiscard]] void* last() const noexcept;
   // The value of a key, or null.
@@ -132,7 +135,7 @@ class ZO_COM_API ZoVTree {
   static unsigned countNodes(const ZoVTreeNode* node) noexcept;
   static ZoVTreeNode* firstNode(ZoVTreeNode* node) noexcept;
   static ZoVTreeNode* lastNode(ZoVTreeNode* node) noexcept;
-  ZoVTreeNode* getNode(unsigned i) const noexcept;  // by position in order
+  [[nodiscard]] ZoVTreeNode* getNode(unsigned i) const noexcept;  // by position in order
   ZoVTreeNode* getKeyNode(const void* key, const ZoVTreeCompare* compare) const;
 
   // Both work on the subtree at `node`, which they change, and tell whether its height has changed.
@@ -166,28 +169,28 @@ class ZO_COM_API ZoVTree {
   static ZoVTreeNode* takeFirst(ZoVTreeNode*& node, bool& shorter) noexcept;
   void swap(ZoVTree& other) noexcept;
 
-  ZoVTreeMem* m_mem;
-  ZoVTreeNode* m_root = nullptr;
-  unsigned m_count = 0;
-  unsigned m_changes = 0;  // insertions and removals; lets an iterator see that its way is gone
+  ZoVTreeMem* mem_ = nullptr;
+  ZoVTreeNode* root_ = nullptr;
+  unsigned count_ = 0;
+  unsigned changes_ = 0;  // insertions and removals; lets an iterator see that its way is gone
 };
 
-// Walks the elements in order. After an insertion or removal it is not valid until it is sent to the first element
-// again. The tree must outlive it.
+// Walks the elements in order. After an insertion or removal it is not valid until it is sent to
+// the first element again. The tree must outlive it.
 class ZO_COM_API ZoVTreeIterator {
  public:
-  explicit ZoVTreeIterator(const ZoVTree& tree) noexcept : m_tree(&tree) { reset(); }
+  explicit ZoVTreeIterator(const ZoVTree& tree) noexcept : tree_(&tree) { reset(); }
 
   void reset() noexcept { toFirst(); }
   bool toFirst() noexcept;
   bool next() noexcept;
   [[nodiscard]] bool isValid() const noexcept {
-    return m_changes == m_tree->m_changes && m_path.current();
+    return changes_ == tree_->changes_ && path_.current();
   }
   [[nodiscard]] void* current() const noexcept;  // the element; null when not valid
 
  private:
-  const ZoVTree* m_tree;
-  zo::TreePath m_path;
-  unsigned m_changes = 0;
+  const ZoVTree* tree_;
+  zo::TreePath path_;
+  unsigned changes_ = 0;
 };

@@ -1,0 +1,42 @@
+// A new file, written from front to back.
+//
+// Errors:  the platform's code of the first failure is kept, and nothing is written after it; what
+//          was written before it stays in the file. Nothing throws.
+// Threads: one thread at a time per object.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+
+#include "platform/handle.h"
+
+namespace zo {
+
+class OutputFile {
+ public:
+  // Replaces a file of that name; others may read it meanwhile. Null counts as an empty name, which
+  // no file has.
+  explicit OutputFile(const wchar_t* name) noexcept;
+  virtual ~OutputFile() = default;  // closes, and tells nobody of a failure: call close()
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  void write(const void* bytes, size_t count) noexcept;
+  // 0 so far, or the code of the failure that ended writing.
+  [[nodiscard]] int error() const noexcept { return static_cast<int>(error_); }
+  // Closes the file and returns error(): only now it is known that everything was taken.
+  [[nodiscard]] int close() noexcept;
+
+ protected:
+  // One call of WriteFile; tests fail or shorten it.
+  virtual bool writeSome(const void* bytes, DWORD count, DWORD& written) noexcept;
+
+ private:
+  void fail(DWORD code) noexcept;
+
+  Handle file_;
+  DWORD error_ = 0;
+};
+
+}  // namespace zo

@@ -1,0 +1,131 @@
+#include "platform/output_file.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "platform/utf8_writer.h"
+#include "support/file_bytes.h"
+#include "support/temp_folder.h"
+
+using zo::test::fileBytes;
+using zo::test::TempFolder;
+
+namespace {
+
+// A file whose n-th write, from 1, goes wrong: it takes `taken` bytes and reports `code`, or claims
+// success when that is 0.
+class FaultyFile : public zo::OutputFile {
+ public:
+  FaultyFile(const wchar_t* name, int faultyCall, DWORD taken, DWORD code)
+      : OutputFile(name), faultyCall_(faultyCall), taken_(taken), code_(code) {}
+
+  int calls = 0;
+
+ protected:
+  bool writeSome(const void* bytes, DWORD count, DWORD& written) noexcept override {
+    if (++calls != faultyCall_) return OutputFile::writeSome(bytes, count, written);
+    OutputFile::writeSome(bytes, std::min(count, taken_), written);
+    SetLastError(code_);
+    return code_ == 0;
+  }
+
+ private:
+  int faultyCall_;
+  DWORD taken_;
+  DWORD code_;
+};
+
+std::string utf8(const TempFolder& folder, const std::vector<std::wstring>& pieces) {
+  const std::filesystem::path path = folder.path() / L"text";
+  zo::OutputFile file(path.c_str());
+  zo::Utf8Writer writer(file);
+  for (const std::wstring& piece : pieces) writer << piece;
+  writer.flush();
+  EXPECT_EQ(file.close(), 0);
+  return fileBytes(path);
+}
+
+}  // namespace
+
+TEST(OutputFile, ReplacesWhatIsThereAndWritesInOrder) {
+  const TempFolder folder;
+  const std::filesystem::path path = folder.path() / L"\x65E5 file";
+  for (const std::string text : {"a longer text that is replaced", "short", ""}) {
+    zo::OutputFile file(path.c_str());
+    for (const char& c : text) file.write(&c, 1);
+    EXPECT_EQ(file.close(), 0);
+    EXPECT_EQ(fileBytes(path), text);
+  }
+}
+
+TEST(OutputFile, TellsWhyItCannotBeOpenedAndThenTakesNothing) {
+  const TempFolder folder;
+  const std::wstring base = folder.path().wstring();
+  const struct {
+    std::wstring name;
+    int code;
+  } cases[] = {{base, ERROR_ACCESS_DENIED},
+               {base + L"\\none\\file", ERROR_PATH_NOT_FOUND},
+               {base + L"\\a?b", ERROR_INVALID_NAME}};
+  for (const auto& [name, code] : cases) {
+    zo::OutputFile file(name.c_str());
+    EXPECT_EQ(file.error(), code) << name;
+    file.write("x", 1);
+    EXPECT_EQ(file.close(), code) << name;
+  }
+  for (const wchar_t* none : {L"", static_cast<const wchar_t*>(nullptr)}) {
+    zo::OutputFile file(none);
+    EXPECT_NE(file.close(), 0);
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST(OutputFile, TheFirstFailureIsReportedAndEndsWriting) {
+  const TempFolder folder;
+  const std::filesystem::path path = folder.path() / L"file";
+  const struct {
+    DWORD taken, code;
+    int reported;
+  } cases[] = {{0, ERROR_DISK_FULL, ERROR_DISK_FULL},
+               {2, ERROR_NETNAME_DELETED, ERROR_NETNAME_DELETED},
+               {2, 0, ERROR_HANDLE_DISK_FULL},  // a short write that claims success
+               {0, 0, ERROR_HANDLE_DISK_FULL}};
+  for (const auto& [taken, code, reported] : cases) {
+    FaultyFile file(path.c_str(), 2, taken, code);
+    file.write("one,", 4);
+    EXPECT_EQ(file.error(), 0);
+    file.write("two,", 4);
+    EXPECT_EQ(file.error(), reported);
+    file.write("three", 5);
+    EXPECT_EQ(file.calls, 2);
+    EXPECT_EQ(file.close(), reported);
+    EXPECT_EQ(fileBytes(path), std::string("one,two,").substr(0, 4 + taken));
+  }
+}
+
+TEST(Utf8Writer, EncodesWhateverIsGivenInWhateverPieces) {
+  const TempFolder folder;
+  const struct {
+    std::vector<std::wstring> pieces;
+    const char* bytes;
+  } cases[] = {{{}, ""},
+               {{L"", L"a\n", L"b\r\n"}, "a\nb\r\n"},
+               {{L"\x7F\x80\x7FF\x800\xFFFF"}, "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF"},
+               {{L"\xD83D\xDE00", L"\xD83D", L"\xDE00"}, "\xF0\x9F\x98\x80\xF0\x9F\x98\x80"},
+               {{L"\xD83D", L"x\xDE00", L"\xD83D"}, "\xEF\xBF\xBDx\xEF\xBF\xBD\xEF\xBF\xBD"}};
+  for (const auto& [pieces, bytes] : cases) EXPECT_EQ(utf8(folder, pieces), bytes);
+}
+
+TEST(Utf8Writer, LosesNothingWhereABlockEnds) {
+  const TempFolder folder;
+  for (size_t ahead = 32 * 1024 - 4; ahead < 32 * 1024 + 2; ++ahead) {
+    const std::wstring start(ahead, L'x'), rest(70'000, L'\x65E5');
+    std::string expected = std::string(ahead, 'x') + "\xF0\x9F\x98\x80";
+    for (size_t i = 0; i < rest.size(); ++i) expected += "\xE6\x97\xA5";
+    // No EXPECT_EQ: it would print them.
+    EXPECT_TRUE(utf8(folder, {start, L"\xD83D", L"\xDE00", rest}) == expected) << ahead;
+    EXPECT_TRUE(utf8(folder, {start + L"\xD83D\xDE00" + rest}) == expected) << ahead;
+  }
+}
