@@ -1,9 +1,9 @@
 // System services: life cycle, registry, notices, and the fifteen services.
 #pragma once
 
-#include <zo/files/file_open.h>
-#include <zo/files/file_search.h>
-#include <zo/files/file_system.h>
+#include <zo/files/std_file_open.h>
+#include <zo/files/std_file_search.h>
+#include <zo/files/std_file_system.h>
 #include <zo/system/cad.h>
 #include <zo/system/cfg.h>
 #include <zo/system/codepage.h>
@@ -12,6 +12,9 @@
 #include <zo/system/error.h>
 #include <zo/system/exception.h>
 #include <zo/system/execute.h>
+#include <zo/system/file_open.h>
+#include <zo/system/file_search.h>
+#include <zo/system/file_system.h>
 #include <zo/system/guard.h>
 #include <zo/system/layer.h>
 #include <zo/system/life_cycle.h>

@@ -1,7 +1,7 @@
 #include <windows.h>
 #include <zo/files/file_imp.h>
-#include <zo/files/file_system.h>
 #include <zo/results.h>
+#include <zo/system/file_system.h>
 #include <zo/system/registry.h>
 
 #include <utility>

@@ -1,9 +1,9 @@
 #include <windows.h>
 #include <zo/files/file.h>
 #include <zo/files/file_save.h>
-#include <zo/files/file_system.h>
 #include <zo/files/file_transfer.h>
 #include <zo/files/find_file.h>
+#include <zo/system/file_system.h>
 #include <zo/system/registry.h>
 
 #include <memory>

@@ -1,6 +1,6 @@
 #include <windows.h>
-#include <zo/files/file_system.h>
 #include <zo/files/find_file.h>
+#include <zo/system/file_system.h>
 #include <zo/system/registry.h>
 #include <zo/text/containers/sequence.h>
 

@@ -9,7 +9,7 @@
 #pragma once
 
 #include <windows.h>
-#include <zo/files/file_system.h>
+#include <zo/system/file_system.h>
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
-// What ZoStdFileSystem does. The contracts stand in zo/files/file_system.h.
+// What ZoStdFileSystem does. The contracts stand in zo/system/file_system.h.
 #pragma once
 
-#include <zo/files/file_system.h>
+#include <zo/system/file_system.h>
 
 #include <string>
 #include <string_view>

@@ -1,12 +1,12 @@
-#include <zo/files/file_open.h>
-#include <zo/files/file_search.h>
-#include <zo/files/file_system.h>
 #include <zo/results.h>
 #include <zo/system/cad.h>
 #include <zo/system/cfg.h>
 #include <zo/system/codepage.h>
 #include <zo/system/error.h>
 #include <zo/system/execute.h>
+#include <zo/system/file_open.h>
+#include <zo/system/file_search.h>
+#include <zo/system/file_system.h>
 #include <zo/system/layer.h>
 #include <zo/system/macro_lib.h>
 #include <zo/system/message.h>
@@ -41,7 +41,8 @@ void sendChanged(ZoSysDisp& dispatcher, const wchar_t* type, const ZoString& cla
   dispatcher.sendNotice(ZoSysNotice::serviceChanged, ZoVariant(data));
 }
 
-// Puts the service into its slot. Gives the name of its class; none when there is no notice to send.
+// Puts the service into its slot. Gives the name of its class; none when there is no notice to
+// send.
 template <class Service>
 ZoString install(Service*& slot, Service* service) {
   Service* const before = std::exchange(slot, service);

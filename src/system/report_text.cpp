@@ -1,6 +1,9 @@
 #include "system/report_text.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cwchar>
+#include <iterator>
 
 namespace zo {
 
@@ -13,16 +16,18 @@ ReportText& ReportText::add(const wchar_t* text) noexcept {
 }
 
 ReportText& ReportText::add(int number) noexcept {
-  wchar_t digits[12];
-  _itow(number, digits, 10);
-  return add(digits);
+  char digits[12];
+  const char* const end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
+  wchar_t text[12]{};
+  std::copy<const char*>(digits, end, text);
+  return add(text);
 }
 
 ReportText& ReportText::addFormatted(const wchar_t* format, va_list arguments) noexcept {
   if (!format) return *this;
-  // Writes no terminator when the text is too long: the buffer is zero from the start.
-  _vsnwprintf(buffer_.data() + length_, kMaxLength - length_, format, arguments);
-  length_ += wcsnlen(buffer_.data() + length_, kMaxLength - length_);
+  wchar_t* const end = buffer_.data() + length_;
+  _vsnwprintf_s(end, buffer_.size() - length_, _TRUNCATE, format, arguments);
+  length_ += std::wcslen(end);
   return *this;
 }
 

@@ -1,7 +1,7 @@
 // The one file that knows all standard services: it makes and destroys them.
-#include <zo/files/file_open.h>
-#include <zo/files/file_search.h>
-#include <zo/files/file_system.h>
+#include <zo/files/std_file_open.h>
+#include <zo/files/std_file_search.h>
+#include <zo/files/std_file_system.h>
 #include <zo/results.h>
 #include <zo/system/cad.h>
 #include <zo/system/cfg.h>

@@ -7,7 +7,7 @@
 
 #include <winioctl.h>
 #include <zo/files/file_name.h>
-#include <zo/files/file_system.h>
+#include <zo/files/std_file_system.h>
 
 #include <algorithm>
 #include <filesystem>

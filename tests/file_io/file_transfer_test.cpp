@@ -5,7 +5,6 @@
 #include "file_io/faulty_files.h"
 #include "file_io/file_fixture.h"
 
-
 namespace zo::test {
 namespace {
 

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
-#include <zo/files/file_open.h>
-#include <zo/files/file_search.h>
-#include <zo/files/file_system.h>
+#include <zo/files/std_file_open.h>
+#include <zo/files/std_file_search.h>
+#include <zo/files/std_file_system.h>
 #include <zo/results.h>
 #include <zo/system/cad.h>
 #include <zo/system/layer.h>

@@ -16,7 +16,7 @@
 // Errors, Threads: as the other one.
 #pragma once
 
-#include <zo/files/file_system.h>
+#include <zo/system/file_system.h>
 
 class ZoForwardFileSystem : public ZoFileSystem {
  public:

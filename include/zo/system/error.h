@@ -4,8 +4,8 @@
 //          report could not be written, or (trace, prompt) the format is null. Only what a client's
 //          implementation throws is thrown.
 // Threads: any; reports never interleave.
-// Formats: as the runtime's wprintf takes them (%s is a wide text); the formatted text is cut to 256
-//          characters. A null format of a warning counts as an empty one.
+// Formats: as the runtime's wprintf takes them (%s is a wide text); the formatted text is cut to
+//          256 characters. A null format of a warning counts as an empty one.
 #pragma once
 
 #include <zo/system/sys_obj.h>

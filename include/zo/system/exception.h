@@ -4,8 +4,8 @@
 //   catch-side:  catch (const ZoComException& e) { e.report(); }
 //                catch (const std::exception& e) { log(e.what()); }
 //
-// What zoThrow throws is caught by either handler: it is the exception given and a std::exception at
-// once, so that this class keeps its plain shape, without a base. A plain `throw` works too, but
+// What zoThrow throws is caught by either handler: it is the exception given and a std::exception
+// at once, so that this class keeps its plain shape, without a base. A plain `throw` works too, but
 // then only handlers of ZoComException catch it. The library throws by zoThrow alone.
 //
 // Errors:  nothing here throws but zoThrow, and report() what the error service throws.

@@ -1,7 +1,7 @@
 // The execute service: starts programs and opens documents.
 //
-// Errors:  0 started; 1 refused, or the guard was not obtained within timeOut(); otherwise a code of
-//          ZoExecute. Only what a client's implementation throws is thrown.
+// Errors:  0 started; 1 refused, or the guard was not obtained within timeOut(); otherwise a code
+//          of ZoExecute. Only what a client's implementation throws is thrown.
 // Threads: any; calls wait for one another at most timeOut().
 #pragma once
 

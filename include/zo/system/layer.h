@@ -1,8 +1,8 @@
-// The service of the host drawing's layers: names under which objects of a drawing are shown, hidden
-// and coloured together.
+// The service of the host drawing's layers: names under which objects of a drawing are shown,
+// hidden and coloured together.
 //
-// Errors:  0 success; 1 no such layer, no drawing, or the guard was not obtained in time; what was to
-//          be filled then stays as it was.
+// Errors:  0 success; 1 no such layer, no drawing, or the guard was not obtained in time; what was
+//          to be filled then stays as it was.
 // Threads: any.
 #pragma once
 

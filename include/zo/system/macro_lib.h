@@ -1,8 +1,8 @@
 // The service of the host's macro libraries: names that stand for folders, as in the file name
 // $standards'bolts\m8.dwg.
 //
-// Errors:  0 success; 1 no such macro, or the guard was not obtained in time; the value then stays as
-//          it was.
+// Errors:  0 success; 1 no such macro, or the guard was not obtained in time; the value then stays
+//          as it was.
 // Threads: any.
 #pragma once
 

@@ -3,8 +3,8 @@
 // Lower priorities are told first. The dispatcher asks priority() when a reactor is added, of all
 // reactors of the kind; it should not change. What a handler throws: see sys_disp.h.
 //
-// Owned: by the client until registered, and by it again once removed; the dispatcher's end destroys
-//        what is still registered.
+// Owned: by the client until registered, and by it again once removed; the dispatcher's end
+//        destroys what is still registered.
 #pragma once
 
 #include <zo/config.h>

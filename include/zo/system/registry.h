@@ -5,8 +5,8 @@
 //
 // Each service has a standard implementation, made by zoComDllAttach, and may have one installed
 // by a client in its place. An accessor gives the installed one, else the standard one; before
-// zoComDllAttach, after zoComDllDetach, and for a standard service for which there was no memory, it
-// must not be used.
+// zoComDllAttach, after zoComDllDetach, and for a standard service for which there was no memory,
+// it must not be used.
 //
 // Installing: set...(service) hands the service over to the registry, destroys the one that was
 // installed before, and sends ZoSysNotice::serviceChanged through the dispatcher then in force

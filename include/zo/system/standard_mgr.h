@@ -1,8 +1,8 @@
-// The standards manager: engineering standards of the host's catalogues ("ISO 4014") as dictionaries
-// of code ZoTypeCode::Standard.
+// The standards manager: engineering standards of the host's catalogues ("ISO 4014") as
+// dictionaries of code ZoTypeCode::Standard.
 //
-// Errors:  0 success; 1 no such standard, or the guard was not obtained in time; the value then stays
-//          as it was.
+// Errors:  0 success; 1 no such standard, or the guard was not obtained in time; the value then
+//          stays as it was.
 // Threads: any.
 #pragma once
 

@@ -1,9 +1,9 @@
 // The standard error service: message boxes.
 //
 // Boxes are task-modal and have the system's default caption (errors), "Warning" or "Prompt". Their
-// whole text is cut to 256 characters. Error and warning boxes offer Abort, Retry and Ignore: Ignore
-// keeps all further boxes of that kind away, in this process, from every ZoStdError; the other two
-// have no effect. Suppressed reports still return 0. trace() shows nothing, on purpose.
+// whole text is cut to 256 characters. Error and warning boxes offer Abort, Retry and Ignore:
+// Ignore keeps all further boxes of that kind away, in this process, from every ZoStdError; the
+// other two have no effect. Suppressed reports still return 0. trace() shows nothing, on purpose.
 // A box that cannot be shown (a service without a desktop) is sent to the debugger instead.
 //
 // Errors, Formats: as in error.h.

@@ -31,7 +31,8 @@ class ZO_COM_API ZoSysDisp : public ZoSysObj {
   virtual int sendNotice(const wchar_t* name, const ZoVariant& data) = 0;
   // To the system reactors, and then to all services in the order of their slots
   // (ZoSysObj::onReactor). ZoSysNotice::moduleReleased has a second pass: each standard service
-  // drops what it keeps of the module (poolRelease), and each installed one is asked to go (release).
+  // drops what it keeps of the module (poolRelease), and each installed one is asked to go
+  // (release).
   virtual int sendNotice(ZoSysNotice notice, const ZoVariant& data) = 0;
   // To the custom reactors, which may answer in the data.
   virtual int sendRequest(const wchar_t* name, ZoVariant& data) = 0;

@@ -1,8 +1,8 @@
 // What happened to a module or a service, as the dispatcher tells every reactor and service.
 //
-// The data of a notice is a variant with a dictionary; its keys ignore case like every dictionary's.
-// Other numbers than these are free for clients: the dispatcher forwards any of them unchanged, as
-// in sendNotice(static_cast<ZoSysNotice>(1000), data).
+// The data of a notice is a variant with a dictionary; its keys ignore case like every
+// dictionary's. Other numbers than these are free for clients: the dispatcher forwards any of them
+// unchanged, as in sendNotice(static_cast<ZoSysNotice>(1000), data).
 #pragma once
 
 // Modules of different age exchange these numbers: never renumber.

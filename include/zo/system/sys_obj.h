@@ -6,10 +6,10 @@
 //     return doneReading(ZoResult::ok);
 //   }
 //
-// A copy shares its source's guard: it holds the same three handles, and no kernel objects are made.
-// Each destructor closes what its object holds, so all copies but one must give the handles up first
-// (guard() = {}), and the source must outlive the use of them. An assignment forgets the handles of
-// its target, without closing them.
+// A copy shares its source's guard: it holds the same three handles, and no kernel objects are
+// made. Each destructor closes what its object holds, so all copies but one must give the handles
+// up first (guard() = {}), and the source must outlive the use of them. An assignment forgets the
+// handles of its target, without closing them.
 //
 // Errors:  a constructor whose guard cannot be made leaves one without handles, on which every wait
 //          answers ZoResult::refused. Nothing here throws.
@@ -43,13 +43,14 @@ class ZO_COM_API ZoSysObj {
   virtual int timeOut();
 
   // ---- The guard ----
-  // Wait at most timeOut() milliseconds for the guard. 0: obtained, also from a holder that ended in
-  // it. ZoResult::timeOut: not in time. ZoResult::refused: this object has no guard.
+  // Wait at most timeOut() milliseconds for the guard. 0: obtained, also from a holder that ended
+  // in it. ZoResult::timeOut: not in time. ZoResult::refused: this object has no guard.
   [[nodiscard]] int waitToWrite();
   [[nodiscard]] int waitToRead();
 
   // Each gives one wait back. A value is returned as it came, so that a guarded function can end in
-  // one statement; a text must not be the guarded state itself, which another thread may now change.
+  // one statement; a text must not be the guarded state itself, which another thread may now
+  // change.
   void doneWriting() noexcept;
   int doneWriting(int value) noexcept;
   unsigned int doneWriting(unsigned int value) noexcept;

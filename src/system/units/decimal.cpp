@@ -11,17 +11,6 @@ namespace {
 
 constexpr double kSmallest = 1e-270;  // of what Wide is trusted with
 constexpr double kLargest = 1e270;
-constexpr int kExactPower = 22;  // 10^22 is the last power of ten that a double holds
-
-struct ExactPowers {
-  double power[kExactPower + 1];
-  constexpr ExactPowers() {
-    power[0] = 1;
-    for (int i = 1; i <= kExactPower; ++i) power[i] = power[i - 1] * 10;
-  }
-};
-constexpr ExactPowers kExactPowers;
-
 constexpr std::int64_t kLimit = 1'000'000'000'000'000'000;  // 10^Decimal::kDigits
 
 void dropZeros(Decimal& number) noexcept {
@@ -34,11 +23,10 @@ void dropZeros(Decimal& number) noexcept {
 // digits * 10^exponent, rounded to nearest whatever the size.
 double nearestReal(const Decimal& number) noexcept {
   const double digits = static_cast<double>(number.digits);
-  if (number.digits < (std::int64_t{1} << 53)) {
-    if (number.exponent >= 0 && number.exponent <= kExactPower)
-      return digits * kExactPowers.power[number.exponent];
-    if (number.exponent < 0 && number.exponent >= -kExactPower)
-      return digits / kExactPowers.power[-number.exponent];
+  if (number.digits < (std::int64_t{1} << 53) &&
+      std::abs(number.exponent) <= detail::TenPowers::kExact) {
+    const double power = detail::kTenPowers.exact[std::abs(number.exponent)];
+    return number.exponent < 0 ? digits / power : digits * power;
   }
   wchar_t text[2 * ZoNumberTextSize];
   unsigned int length = ZoIntToStr(number.digits, text);

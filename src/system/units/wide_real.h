@@ -79,23 +79,32 @@ inline std::int64_t nearestWhole(Wide n) noexcept {
 
 namespace detail {
 struct TenPowers {
-  static constexpr int kCount = 9;  // 10^1, 10^2, 10^4, ... 10^256
-  Wide power[kCount];
+  static constexpr int kExact = 22;  // 10^22 is the last power of ten that a double holds
+  static constexpr int kCount = 9;
+  double exact[kExact + 1];
+  Wide power[kCount];  // 10^1, 10^2, 10^4, ... 10^256
   constexpr TenPowers() {
+    exact[0] = 1;
+    for (int i = 1; i <= kExact; ++i) exact[i] = exact[i - 1] * 10;
     power[0] = {10};
     for (int i = 1; i < kCount; ++i) power[i] = power[i - 1] * power[i - 1];
   }
 };
 inline constexpr TenPowers kTenPowers;
+
+// exponent from 0 to 300.
+constexpr Wide tenTo(int exponent) noexcept {
+  if (exponent <= TenPowers::kExact) return {kTenPowers.exact[exponent]};
+  Wide power{1};
+  for (int i = 0; exponent != 0; ++i, exponent >>= 1)
+    if (exponent & 1) power = power * kTenPowers.power[i];
+  return power;
+}
 }  // namespace detail
 
 // value * 10^exponent, for exponents from -300 to 300.
 constexpr Wide timesTenTo(Wide value, int exponent) noexcept {
-  Wide power{1};
-  int left = exponent < 0 ? -exponent : exponent;
-  for (int i = 0; left != 0; ++i, left >>= 1)
-    if (left & 1) power = power * detail::kTenPowers.power[i];
-  return exponent < 0 ? value / power : value * power;
+  return exponent < 0 ? value / detail::tenTo(-exponent) : value * detail::tenTo(exponent);
 }
 
 }  // namespace zo

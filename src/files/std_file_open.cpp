@@ -1,4 +1,4 @@
-#include <zo/files/file_open.h>
+#include <zo/files/std_file_open.h>
 
 #include "system/service_scope.h"
 

@@ -1,29 +1,18 @@
-// The file search service: finds a file that is not where its name says, over search paths that
-// modules add.
+// The standard file search: searches folders of the file system only.
 //
-// Errors:  0 success; 1 not found, a folder that is not there or was added before, or the guard was
-//          not obtained within timeOut(); 2 out of memory. Nothing has changed then, and what was to
-//          be filled stays as it was.
-// Threads: any.
+// ZoSysNotice::moduleLoaded with the module "zo_com" makes it register a reactor with the
+// dispatcher, once, which tells the search in force of released modules: so an installed search,
+// too, drops their folders.
+//
+// Errors, Threads: as in zo/system/file_search.h.
+// Cost:    a search asks the platform about each folder in turn.
 #pragma once
 
 #include <zo/files/file_name.h>
+#include <zo/system/file_search.h>
 #include <zo/system/reactor.h>
-#include <zo/system/sys_obj.h>
 #include <zo/text/containers/list.h>
 
-class ZO_COM_API ZoFileSearch : public ZoSysObj {
- public:
-  // Adds a folder behind those added before, until the module is released.
-  virtual int addPath(const ZoFileName& folder, const wchar_t* module) = 0;
-  // The full name of the file: where its name says, or else, for a relative name, in the first of
-  // the folders that has it.
-  virtual int find(const ZoFileName& name, ZoFileName& found) = 0;
-};
-
-// Searches folders of the file system only. ZoSysNotice::moduleLoaded with the module "zo_com" makes
-// it register a reactor with the dispatcher, once, which tells the search in force of released
-// modules: so an installed search, too, drops their folders.
 class ZO_COM_API ZoStdFileSearch : public ZoFileSearch {
  public:
   void onReactor(ZoSysNotice notice, const ZoVariant& data) override;

@@ -1,5 +1,5 @@
 #include <windows.h>
-#include <zo/files/file_system.h>
+#include <zo/files/std_file_system.h>
 
 #include <atomic>
 
