@@ -35,7 +35,7 @@ ZoFileImp::ZoFileImp(const ZoFileImp& other)
       share_(other.share_),
       service_(other.service_) {
   if (other.handle_ == INVALID_HANDLE_VALUE) return;
-  if (const HANDLE copy = zo::fileApi().duplicate(other.handle_)) {
+  if (HANDLE copy = zo::fileApi().duplicate(other.handle_)) {
     handle_ = copy;
   } else {
     report(L"open");
@@ -94,8 +94,8 @@ int ZoFileImp::open(const ZoFileName& name, int access, ZoFile::CreationMode mod
   if (const int code = close()) return code;
   const ZoFileName served = name.isURL() ? name.localAlias() : ZoFileName();
   const zo::SystemPath path(served.isEmpty() ? name.fullName() : served.fullName());
-  const HANDLE opened = zo::fileApi().create(
-      path, static_cast<DWORD>(access), static_cast<DWORD>(share), mode, flagsFor(access, flags));
+  HANDLE opened = zo::fileApi().create(path, static_cast<DWORD>(access), static_cast<DWORD>(share),
+                                       mode, flagsFor(access, flags));
   if (opened == INVALID_HANDLE_VALUE) return report(L"open");
   adopt(opened, name, access, share);
   return ZoResult::ok;
@@ -120,7 +120,7 @@ int ZoFileImp::createTemp(ZoFileName& name, int access, ZoFile::CreationMode mod
 bool ZoFileImp::isOpen() const noexcept { return handle_ != INVALID_HANDLE_VALUE; }
 
 int ZoFileImp::close() {
-  const HANDLE closed = std::exchange(handle_, INVALID_HANDLE_VALUE);
+  HANDLE closed = std::exchange(handle_, INVALID_HANDLE_VALUE);
   if (closed == INVALID_HANDLE_VALUE || zo::fileApi().close(closed)) return ZoResult::ok;
   return report(L"close");
 }

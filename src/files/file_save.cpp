@@ -69,7 +69,7 @@ int ZoFileSave::commit(bool toDisk) {
   if (!file_.isOpen() && file_.open(beside_, ZoFile::kWrite, ZoFile::kOpenExisting)) return fail();
   if ((toDisk && file_.flush()) || file_.close()) return fail();
   if (!zo::putInPlace(beside_.fullName(), target_, false)) return fail();
-  beside_.empty();
+  beside_ = ZoFileName();
   return ZoResult::ok;
 }
 
@@ -78,5 +78,5 @@ void ZoFileSave::cancel() {
   imp_ = nullptr;
   if (beside_.isEmpty()) return;
   zo::discard(beside_.fullName());
-  beside_.empty();
+  beside_ = ZoFileName();
 }

@@ -41,7 +41,7 @@ std::FILE* ZoFileImp::getCFileHandle(const wchar_t* mode) {
   // A descriptor cannot give its handle back, so it gets one of its own: the file stays open here
   // whatever fails.
   zo::FileApi& api = zo::fileApi();
-  const HANDLE handed = api.duplicate(handle_);
+  HANDLE handed = api.duplicate(handle_);
   if (!handed) {
     report(L"open");
     return nullptr;

@@ -67,7 +67,7 @@ void ZoStdFileSystemImp::forEachIn(const std::wstring& folder, const wchar_t* pa
   zo::FileApi& api = zo::fileApi();
   WIN32_FIND_DATAW found;
   const std::wstring all = inFolder(folder, pattern);
-  const HANDLE search = api.findFirst(zo::SystemPath(all.c_str()), found);
+  HANDLE search = api.findFirst(zo::SystemPath(all.c_str()), found);
   bool more = search != INVALID_HANDLE_VALUE;
   while (more) {
     const std::wstring_view name = found.cFileName;

@@ -32,7 +32,7 @@ DWORD attributesOf(const ZoFileName& name) {
 std::int64_t sizeOf(const ZoFileName& name) {
   if (name.isURL()) return 0;
   WIN32_FIND_DATAW entry;
-  const HANDLE search = zo::fileApi().findFirst(zo::SystemPath(name.fullName()), entry);
+  HANDLE search = zo::fileApi().findFirst(zo::SystemPath(name.fullName()), entry);
   if (search == INVALID_HANDLE_VALUE) return 0;
   zo::fileApi().findClose(search);
   return static_cast<std::int64_t>((std::uint64_t{entry.nFileSizeHigh} << 32) | entry.nFileSizeLow);

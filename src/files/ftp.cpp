@@ -2,6 +2,7 @@
 
 #include <wininet.h>
 
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -18,7 +19,10 @@ struct Internet {
   template <class Function>
   Function find(const char* name) const {
     const FARPROC address = library ? GetProcAddress(library, name) : nullptr;
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(address));
+    Function function = nullptr;
+    static_assert(sizeof function == sizeof address);
+    std::memcpy(&function, &address, sizeof function);
+    return function;
   }
 
 #define ZO_INTERNET(name) decltype(&::name) name = find<decltype(&::name)>(#name)

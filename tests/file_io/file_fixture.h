@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -52,9 +51,12 @@ class FileTest : public ::testing::Test {
   }
   // "(none)" for a file that is not there.
   static std::string bytesOf(const ZoFileName& name) {
-    std::ifstream in(std::filesystem::path(name.fullName()), std::ios::binary);
+    std::ifstream in(std::filesystem::path(name.fullName()), std::ios::binary | std::ios::ate);
     if (!in) return "(none)";
-    return {std::istreambuf_iterator<char>(in), {}};
+    std::string bytes(static_cast<size_t>(in.tellg()), '\0');
+    in.seekg(0);
+    in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return bytes;
   }
   static bool exists(const ZoFileName& name) {
     return GetFileAttributesW(name.fullName()) != INVALID_FILE_ATTRIBUTES;
