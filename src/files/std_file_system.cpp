@@ -3,6 +3,7 @@
 
 #include <atomic>
 
+#include "files/std_file_system_imp.h"
 #include "system/service_scope.h"
 
 namespace {
@@ -10,11 +11,15 @@ namespace {
 std::atomic<DWORD> lastError = ERROR_SUCCESS;
 
 ZoString systemMessage(DWORD error) {
+  // Errors of connections have their messages in the library that made them.
+  const bool ofInternet = error >= 12000 && error < 13000;
+  const HMODULE library = ofInternet ? GetModuleHandleW(L"wininet.dll") : nullptr;
+  const DWORD flags = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
+                      FORMAT_MESSAGE_IGNORE_INSERTS | (library ? FORMAT_MESSAGE_FROM_HMODULE : 0);
   wchar_t* text = nullptr;
-  const DWORD length = FormatMessageW(
-      FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-      nullptr, error, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<wchar_t*>(&text),
-      0, nullptr);
+  const DWORD length =
+      FormatMessageW(flags, library, error, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
+                     reinterpret_cast<wchar_t*>(&text), 0, nullptr);
   struct Freed {
     wchar_t* block;
     ~Freed() { LocalFree(block); }
@@ -24,6 +29,8 @@ ZoString systemMessage(DWORD error) {
 
 }  // namespace
 
+ZoStdFileSystem::ZoStdFileSystem() : imp_(new ZoStdFileSystemImp(*this)) {}
+ZoStdFileSystem::~ZoStdFileSystem() { delete imp_; }
 int ZoStdFileSystem::release(const wchar_t* module) { return zo::releaseWithLibrary(this, module); }
 
 int ZoStdFileSystem::errorIO(const wchar_t*) {
@@ -32,3 +39,84 @@ int ZoStdFileSystem::errorIO(const wchar_t*) {
 }
 
 ZoString ZoStdFileSystem::errorTxt() { return systemMessage(lastError); }
+
+int ZoStdFileSystem::createDirectory(const ZoFileName& name) { return imp_->createDirectory(name); }
+int ZoStdFileSystem::getCurrentDirectory(ZoFileName& name) {
+  return imp_->getCurrentDirectory(name);
+}
+int ZoStdFileSystem::setCurrentDirectory(const ZoFileName& name) {
+  return imp_->setCurrentDirectory(name);
+}
+int ZoStdFileSystem::getTempPath(ZoFileName& name) { return imp_->getTempPath(name); }
+int ZoStdFileSystem::getAbsolutePath(ZoFileName& name) { return imp_->getAbsolutePath(name); }
+int ZoStdFileSystem::getFullPathName(const ZoFileName& name, ZoFileName& full) {
+  return imp_->getFullPathName(name, full);
+}
+int ZoStdFileSystem::searchPath(const ZoFileName& file, ZoFileName& found, const ZoFileName& path) {
+  return imp_->searchPath(file, found, path);
+}
+int ZoStdFileSystem::copy(const ZoFileName& from, const ZoFileName& to, bool failIfExists) {
+  return imp_->copy(from, to, failIfExists);
+}
+int ZoStdFileSystem::append(const ZoFileName& from, const ZoFileName& to, bool mustExist) {
+  return imp_->append(from, to, mustExist);
+}
+int ZoStdFileSystem::move(const ZoFileName& from, const ZoFileName& to) {
+  return imp_->move(from, to);
+}
+int ZoStdFileSystem::erase(const ZoFileName& name, EraseType type) {
+  return imp_->erase(name, type);
+}
+int ZoStdFileSystem::getTempFileName(ZoFileName& name, const ZoFileName& pattern) {
+  return imp_->getTempFileName(name, pattern);
+}
+unsigned int ZoStdFileSystem::getAttributes(const ZoFileName& name) {
+  return imp_->getAttributes(name);
+}
+int ZoStdFileSystem::subSetAttributes(const ZoFileName& name, unsigned int attributes) {
+  return imp_->subSetAttributes(name, attributes);
+}
+int ZoStdFileSystem::getVolumeInformation(unsigned int& serial, unsigned int& longestComponent,
+                                          unsigned int& flags, const ZoFileName& volume,
+                                          ZoString& label, ZoString& fileSystem) {
+  return imp_->getVolumeInformation(serial, longestComponent, flags, volume, label, fileSystem);
+}
+int ZoStdFileSystem::getDiskFreeSpace(unsigned int& freeKiB, unsigned int& totalKiB,
+                                      const ZoFileName& volume) {
+  return imp_->getDiskFreeSpace(freeKiB, totalKiB, volume);
+}
+ZoFileSystem::DriveType ZoStdFileSystem::getDriveType(const ZoFileName& volume) {
+  return imp_->getDriveType(volume);
+}
+int ZoStdFileSystem::getLogicalDrivesStrings(ZoSequence<ZoFileName>& drives) {
+  return imp_->getLogicalDrivesStrings(drives);
+}
+int ZoStdFileSystem::setVolumeLabel(const wchar_t* label, const ZoFileName& volume) {
+  return imp_->setVolumeLabel(label, volume);
+}
+int ZoStdFileSystem::getCDRom(ZoSequence<ZoFileName>& drives, ZoSequence<ZoString>& labels) {
+  return imp_->getCDRom(drives, labels);
+}
+int ZoStdFileSystem::getRemote(const ZoFileName& remote, ZoFileName& local, bool failIfExists) {
+  return imp_->getRemote(remote, local, failIfExists);
+}
+int ZoStdFileSystem::putRemote(const ZoFileName& local, const ZoFileName& remote) {
+  return imp_->putRemote(local, remote);
+}
+int ZoStdFileSystem::isRemote(const ZoFileName& name, ZoFileName& local) {
+  return imp_->isRemote(name, local);
+}
+
+int ZoStdFileSystemImp::report(const wchar_t* operation) {
+  service_.errorIO(operation);
+  return ZoResult::refused;
+}
+
+int ZoStdFileSystemImp::report(const wchar_t* operation, DWORD error) {
+  SetLastError(error);
+  return report(operation);
+}
+
+int ZoStdFileSystemImp::result(bool done, const wchar_t* operation) {
+  return done ? ZoResult::ok : report(operation);
+}

@@ -19,13 +19,20 @@ std::wstring temporaryBeside(const std::wstring& name) {
 }  // namespace
 
 bool InputFile::open(const wchar_t* name) noexcept {
-  file_ = fileApi().open(name, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, OPEN_EXISTING);
+  file_ = Handle(fileApi().create(name, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL));
   position_ = 0;
-  return file_ && fileApi().size(file_.get(), size_);
+  std::int64_t bytes = 0;
+  if (!file_ || !fileApi().size(file_.get(), bytes)) return false;
+  size_ = static_cast<std::uint64_t>(bytes);
+  return true;
 }
 
 bool InputFile::read(std::uint64_t offset, std::span<unsigned char> to) noexcept {
-  if (offset != position_ && !fileApi().seek(file_.get(), offset)) return false;
+  std::int64_t now = 0;
+  if (offset != position_ &&
+      !fileApi().seek(file_.get(), static_cast<std::int64_t>(offset), FILE_BEGIN, now))
+    return false;
   position_ = offset;
   while (!to.empty()) {
     DWORD done = 0;
@@ -45,7 +52,8 @@ bool TargetFile::open(const wchar_t* name) {
   name_ = name;
   do {  // a killed process of the same number may have left a file
     temporary_ = temporaryBeside(name_);
-    file_ = fileApi().open(temporary_.c_str(), GENERIC_WRITE, 0, CREATE_NEW);
+    file_ = Handle(fileApi().create(temporary_.c_str(), GENERIC_WRITE, 0, CREATE_NEW,
+                                    FILE_ATTRIBUTE_NORMAL));
   } while (!file_ && GetLastError() == ERROR_FILE_EXISTS);
   if (!file_) temporary_.clear();
   return static_cast<bool>(file_);
@@ -53,7 +61,7 @@ bool TargetFile::open(const wchar_t* name) {
 
 TargetFile::~TargetFile() {
   file_.reset();
-  if (!temporary_.empty()) fileApi().remove(temporary_.c_str());
+  if (!temporary_.empty()) fileApi().removeFile(temporary_.c_str());
 }
 
 bool TargetFile::write(std::span<const unsigned char> bytes) noexcept {
@@ -73,7 +81,8 @@ bool TargetFile::write(std::span<const unsigned char> bytes) noexcept {
 bool TargetFile::commit() noexcept {
   if (!fileApi().flush(file_.get())) return false;
   file_.reset();
-  if (!fileApi().replace(temporary_.c_str(), name_.c_str())) return false;
+  constexpr DWORD kReplace = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  if (!fileApi().move(temporary_.c_str(), name_.c_str(), kReplace)) return false;
   temporary_.clear();
   return true;
 }

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "platform/file_api.h"
+#include "platform/handle.h"
 
 namespace zo {
 

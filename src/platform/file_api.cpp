@@ -1,54 +1,149 @@
 #include "platform/file_api.h"
 
-#include <utility>
+#include <atomic>
 
 namespace zo {
-
 namespace {
 
-FileApi g_platform;
-FileApi* g_current = &g_platform;
+FileApi platform;
+std::atomic<FileApi*> current = nullptr;
+
+DWORD low(std::uint64_t value) { return static_cast<DWORD>(value); }
+DWORD high(std::uint64_t value) { return static_cast<DWORD>(value >> 32); }
 
 }  // namespace
 
-Handle FileApi::open(const wchar_t* name, DWORD access, DWORD share, DWORD disposition) noexcept {
-  return Handle(
-      CreateFileW(name, access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+FileApi& fileApi() noexcept {
+  FileApi* const layer = current.load(std::memory_order_acquire);
+  return layer ? *layer : platform;
 }
 
-bool FileApi::size(HANDLE file, std::uint64_t& bytes) noexcept {
-  LARGE_INTEGER size;
-  if (!GetFileSizeEx(file, &size)) return false;
-  bytes = static_cast<std::uint64_t>(size.QuadPart);
+FileApi* setFileApi(FileApi* layer) noexcept { return current.exchange(layer); }
+
+HANDLE FileApi::create(const wchar_t* name, DWORD access, DWORD share, DWORD disposition,
+                       DWORD flags) {
+  return CreateFileW(name, access, share, nullptr, disposition, flags, nullptr);
+}
+
+HANDLE FileApi::reopen(HANDLE file, DWORD access, DWORD share, DWORD flags) {
+  return ReOpenFile(file, access, share, flags);
+}
+
+HANDLE FileApi::duplicate(HANDLE file) {
+  HANDLE copy = nullptr;
+  const HANDLE self = GetCurrentProcess();
+  return DuplicateHandle(self, file, self, &copy, 0, FALSE, DUPLICATE_SAME_ACCESS) ? copy : nullptr;
+}
+
+bool FileApi::close(HANDLE file) { return CloseHandle(file); }
+
+bool FileApi::read(HANDLE file, void* buffer, DWORD count, DWORD& done) {
+  return ReadFile(file, buffer, count, &done, nullptr);
+}
+
+bool FileApi::write(HANDLE file, const void* data, DWORD count, DWORD& done) {
+  return WriteFile(file, data, count, &done, nullptr);
+}
+
+bool FileApi::seek(HANDLE file, std::int64_t offset, DWORD method, std::int64_t& position) {
+  LARGE_INTEGER distance, reached;
+  distance.QuadPart = offset;
+  if (!SetFilePointerEx(file, distance, &reached, method)) return false;
+  position = reached.QuadPart;
   return true;
 }
 
-bool FileApi::seek(HANDLE file, std::uint64_t position) noexcept {
-  LARGE_INTEGER distance;
-  distance.QuadPart = static_cast<LONGLONG>(position);
-  return SetFilePointerEx(file, distance, nullptr, FILE_BEGIN) != 0;
+bool FileApi::setEnd(HANDLE file) { return SetEndOfFile(file); }
+
+bool FileApi::lock(HANDLE file, std::uint64_t start, std::uint64_t length) {
+  return LockFile(file, low(start), high(start), low(length), high(length));
 }
 
-bool FileApi::read(HANDLE file, void* to, DWORD size, DWORD& done) noexcept {
-  return ReadFile(file, to, size, &done, nullptr) != 0;
+bool FileApi::unlock(HANDLE file, std::uint64_t start, std::uint64_t length) {
+  return UnlockFile(file, low(start), high(start), low(length), high(length));
 }
 
-bool FileApi::write(HANDLE file, const void* data, DWORD size, DWORD& done) noexcept {
-  return WriteFile(file, data, size, &done, nullptr) != 0;
+bool FileApi::flush(HANDLE file) { return FlushFileBuffers(file); }
+
+bool FileApi::size(HANDLE file, std::int64_t& bytes) {
+  LARGE_INTEGER size;
+  if (!GetFileSizeEx(file, &size)) return false;
+  bytes = size.QuadPart;
+  return true;
 }
 
-bool FileApi::flush(HANDLE file) noexcept { return FlushFileBuffers(file) != 0; }
-
-bool FileApi::replace(const wchar_t* from, const wchar_t* to) noexcept {
-  return MoveFileExW(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+bool FileApi::information(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) {
+  return GetFileInformationByHandle(file, &information);
 }
 
-bool FileApi::remove(const wchar_t* name) noexcept { return DeleteFileW(name) != 0; }
+bool FileApi::setTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
+                       const FILETIME* written) {
+  return SetFileTime(file, created, accessed, written);
+}
 
-FileApi& fileApi() noexcept { return *g_current; }
+bool FileApi::createFolder(const wchar_t* name) { return CreateDirectoryW(name, nullptr); }
+bool FileApi::removeFolder(const wchar_t* name) { return RemoveDirectoryW(name); }
+bool FileApi::removeFile(const wchar_t* name) { return DeleteFileW(name); }
 
-FileApi* setFileApi(FileApi* api) noexcept {
-  return std::exchange(g_current, api ? api : &g_platform);
+bool FileApi::copy(const wchar_t* from, const wchar_t* to, bool failIfExists) {
+  return CopyFileW(from, to, failIfExists);
+}
+
+bool FileApi::move(const wchar_t* from, const wchar_t* to, DWORD flags) {
+  return MoveFileExW(from, to, flags);
+}
+
+DWORD FileApi::attributes(const wchar_t* name) { return GetFileAttributesW(name); }
+
+bool FileApi::setAttributes(const wchar_t* name, DWORD attributes) {
+  return SetFileAttributesW(name, attributes);
+}
+
+HANDLE FileApi::findFirst(const wchar_t* pattern, WIN32_FIND_DATAW& entry) {
+  return FindFirstFileExW(pattern, FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr,
+                          FIND_FIRST_EX_LARGE_FETCH);
+}
+
+bool FileApi::findNext(HANDLE search, WIN32_FIND_DATAW& entry) {
+  return FindNextFileW(search, &entry);
+}
+
+bool FileApi::findClose(HANDLE search) { return FindClose(search); }
+
+DWORD FileApi::currentFolder(DWORD size, wchar_t* buffer) {
+  return GetCurrentDirectoryW(size, buffer);
+}
+
+bool FileApi::setCurrentFolder(const wchar_t* name) { return SetCurrentDirectoryW(name); }
+DWORD FileApi::tempFolder(DWORD size, wchar_t* buffer) { return GetTempPathW(size, buffer); }
+
+DWORD FileApi::fullPath(const wchar_t* name, DWORD size, wchar_t* buffer) {
+  return GetFullPathNameW(name, size, buffer, nullptr);
+}
+
+DWORD FileApi::searchPath(const wchar_t* path, const wchar_t* name, DWORD size, wchar_t* buffer) {
+  return SearchPathW(path, name, nullptr, size, buffer, nullptr);
+}
+
+DWORD FileApi::tempName(const wchar_t* folder, const wchar_t* prefix, wchar_t (&buffer)[MAX_PATH]) {
+  return GetTempFileNameW(folder, prefix, 0, buffer);
+}
+
+bool FileApi::volume(const wchar_t* root, Volume& volume) {
+  return GetVolumeInformationW(root, volume.label, MAX_PATH + 1, &volume.serial,
+                               &volume.longestComponent, &volume.flags, volume.fileSystem,
+                               MAX_PATH + 1);
+}
+
+bool FileApi::space(const wchar_t* root, Space& space) {
+  return GetDiskFreeSpaceW(root, &space.sectorsPerCluster, &space.bytesPerSector,
+                           &space.freeClusters, &space.clusters);
+}
+
+DWORD FileApi::driveType(const wchar_t* root) { return GetDriveTypeW(root); }
+DWORD FileApi::drives(DWORD size, wchar_t* buffer) { return GetLogicalDriveStringsW(size, buffer); }
+bool FileApi::setLabel(const wchar_t* root, const wchar_t* label) {
+  return SetVolumeLabelW(root, label);
 }
 
 }  // namespace zo

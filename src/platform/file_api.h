@@ -1,15 +1,16 @@
-// The platform's file calls that the library makes, in one replaceable place: a test fails them,
-// shortens them or stops at the n-th one.
+// The platform's file functions behind one door, so that a layer can stand between them and the
+// library: what fails the n-th call, shortens a write or ends the process there.
 //
-// Errors:  false, with the reason in GetLastError.
-// Threads: setFileApi while no file is in use; the calls from any thread.
+// Each function is the platform's one with the parameters that the library uses; `bool` is its BOOL,
+// and a failure leaves its reason in GetLastError(). Names are passed on as they are: SystemPath
+// (zo/platform/system_path.h) comes before.
+//
+// Threads: any; a layer is put in and taken out while no other thread uses files.
 #pragma once
 
 #include <windows.h>
 
 #include <cstdint>
-
-#include "platform/handle.h"
 
 namespace zo {
 
@@ -17,20 +18,64 @@ class FileApi {
  public:
   virtual ~FileApi() = default;
 
-  virtual Handle open(const wchar_t* name, DWORD access, DWORD share, DWORD disposition) noexcept;
-  virtual bool size(HANDLE file, std::uint64_t& bytes) noexcept;
-  virtual bool seek(HANDLE file, std::uint64_t position) noexcept;
-  // One call each: `done` may be less than `size`, 0 at the end of the file.
-  virtual bool read(HANDLE file, void* to, DWORD size, DWORD& done) noexcept;
-  virtual bool write(HANDLE file, const void* data, DWORD size, DWORD& done) noexcept;
-  virtual bool flush(HANDLE file) noexcept;
-  // Gives the file `from` the name `to`, in place of the file that has it.
-  virtual bool replace(const wchar_t* from, const wchar_t* to) noexcept;
-  virtual bool remove(const wchar_t* name) noexcept;
+  // ---- Open files ----
+  virtual HANDLE create(const wchar_t* name, DWORD access, DWORD share, DWORD disposition,
+                        DWORD flags);
+  // The same file once more, with a position of its own.
+  virtual HANDLE reopen(HANDLE file, DWORD access, DWORD share, DWORD flags);
+  // The same open file once more: one position, one set of locks. Null when refused.
+  virtual HANDLE duplicate(HANDLE file);
+  virtual bool close(HANDLE file);
+  virtual bool read(HANDLE file, void* buffer, DWORD count, DWORD& done);
+  virtual bool write(HANDLE file, const void* data, DWORD count, DWORD& done);
+  virtual bool seek(HANDLE file, std::int64_t offset, DWORD method, std::int64_t& position);
+  virtual bool setEnd(HANDLE file);
+  virtual bool lock(HANDLE file, std::uint64_t start, std::uint64_t length);
+  virtual bool unlock(HANDLE file, std::uint64_t start, std::uint64_t length);
+  virtual bool flush(HANDLE file);
+  virtual bool size(HANDLE file, std::int64_t& bytes);
+  virtual bool information(HANDLE file, BY_HANDLE_FILE_INFORMATION& information);
+  virtual bool setTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
+                        const FILETIME* written);
+
+  // ---- Whole files and folders ----
+  virtual bool createFolder(const wchar_t* name);
+  virtual bool removeFolder(const wchar_t* name);
+  virtual bool removeFile(const wchar_t* name);
+  virtual bool copy(const wchar_t* from, const wchar_t* to, bool failIfExists);
+  virtual bool move(const wchar_t* from, const wchar_t* to, DWORD flags);
+  virtual DWORD attributes(const wchar_t* name);
+  virtual bool setAttributes(const wchar_t* name, DWORD attributes);
+  virtual HANDLE findFirst(const wchar_t* pattern, WIN32_FIND_DATAW& entry);
+  virtual bool findNext(HANDLE search, WIN32_FIND_DATAW& entry);
+  virtual bool findClose(HANDLE search);
+
+  // ---- Places: a count of characters, as the platform gives it ----
+  virtual DWORD currentFolder(DWORD size, wchar_t* buffer);
+  virtual bool setCurrentFolder(const wchar_t* name);
+  virtual DWORD tempFolder(DWORD size, wchar_t* buffer);
+  virtual DWORD fullPath(const wchar_t* name, DWORD size, wchar_t* buffer);
+  virtual DWORD searchPath(const wchar_t* path, const wchar_t* name, DWORD size, wchar_t* buffer);
+  virtual DWORD tempName(const wchar_t* folder, const wchar_t* prefix, wchar_t (&buffer)[MAX_PATH]);
+
+  // ---- Volumes ----
+  struct Volume {
+    DWORD serial, longestComponent, flags;
+    wchar_t label[MAX_PATH + 1], fileSystem[MAX_PATH + 1];
+  };
+  struct Space {
+    DWORD sectorsPerCluster, bytesPerSector, freeClusters, clusters;
+  };
+  virtual bool volume(const wchar_t* root, Volume& volume);
+  virtual bool space(const wchar_t* root, Space& space);
+  virtual DWORD driveType(const wchar_t* root);
+  virtual DWORD drives(DWORD size, wchar_t* buffer);
+  virtual bool setLabel(const wchar_t* root, const wchar_t* label);
 };
 
+// The one in use: the platform's own, or the layer above it.
 [[nodiscard]] FileApi& fileApi() noexcept;
-// Installs another one, null for the platform's, and returns the one before.
-FileApi* setFileApi(FileApi* api) noexcept;
+// Puts a layer in; null takes it out. Returns what was there, null for the platform's own.
+FileApi* setFileApi(FileApi* layer) noexcept;
 
 }  // namespace zo

@@ -40,27 +40,27 @@ class FailingApi final : public FileApi {
   ~FailingApi() override { setFileApi(nullptr); }
   bool reached() const { return calls_ >= failAt_; }
 
-  Handle open(const wchar_t* name, DWORD access, DWORD share, DWORD how) noexcept override {
-    return fails() ? Handle() : FileApi::open(name, access, share, how);
+  HANDLE create(const wchar_t* name, DWORD access, DWORD share, DWORD how, DWORD flags) override {
+    return fails() ? INVALID_HANDLE_VALUE : FileApi::create(name, access, share, how, flags);
   }
-  bool size(HANDLE file, std::uint64_t& bytes) noexcept override {
+  bool size(HANDLE file, std::int64_t& bytes) override {
     return !fails() && FileApi::size(file, bytes);
   }
-  bool seek(HANDLE file, std::uint64_t position) noexcept override {
-    return !fails() && FileApi::seek(file, position);
+  bool seek(HANDLE file, std::int64_t offset, DWORD method, std::int64_t& position) override {
+    return !fails() && FileApi::seek(file, offset, method, position);
   }
-  bool read(HANDLE file, void* to, DWORD size, DWORD& done) noexcept override {
+  bool read(HANDLE file, void* to, DWORD size, DWORD& done) override {
     if (!fails()) return FileApi::read(file, to, size, done);
     done = 0;
     return shorten_;  // the end of the file, where there should be none
   }
-  bool write(HANDLE file, const void* data, DWORD size, DWORD& done) noexcept override {
+  bool write(HANDLE file, const void* data, DWORD size, DWORD& done) override {
     if (!fails()) return FileApi::write(file, data, size, done);
     return shorten_ && FileApi::write(file, data, size / 2, done);
   }
-  bool flush(HANDLE file) noexcept override { return !fails() && FileApi::flush(file); }
-  bool replace(const wchar_t* from, const wchar_t* to) noexcept override {
-    return !fails() && FileApi::replace(from, to);
+  bool flush(HANDLE file) override { return !fails() && FileApi::flush(file); }
+  bool move(const wchar_t* from, const wchar_t* to, DWORD flags) override {
+    return !fails() && FileApi::move(from, to, flags);
   }
 
  private:

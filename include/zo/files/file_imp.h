@@ -1,0 +1,85 @@
+// What a ZoFile passes its operations on to: as it stands, a file of the operating system. A class
+// derived from it can serve anything else that is read and written like a file, by overriding what
+// it can do; the operations' contracts are those of zo/files/file.h.
+//
+//   class Member : public ZoFileImp {
+//     bool isOpen() const noexcept override { ... }
+//     unsigned int read(void* buffer, unsigned int count) override { ... }
+//   };
+//   ZoFile file(new Member(...));
+//
+// What is not overridden answers as for a file that is not open: 1, 0, -1 or nothing. A class whose
+// files can be copied overrides clone() and, for another access mode, cloneFor().
+#pragma once
+
+#include <zo/config.h>
+#include <zo/files/file.h>
+
+#include <mutex>
+
+class ZoFileSystem;
+
+class ZO_COM_API ZoFileImp {
+ public:
+  // Failures are reported to the service, by default the one that is in force then.
+  explicit ZoFileImp(ZoFileSystem* service = nullptr) noexcept;
+  explicit ZoFileImp(void* handle, ZoFileSystem* service = nullptr) noexcept;
+  ZoFileImp(const ZoFileImp& other);
+  ZoFileImp(const ZoFileImp& other, unsigned int access);
+  ZoFileImp& operator=(const ZoFileImp& other);
+  virtual ~ZoFileImp();
+
+  // A copy for another ZoFile, which deletes it.
+  [[nodiscard]] virtual ZoFileImp* clone() const;
+  [[nodiscard]] virtual ZoFileImp* cloneFor(unsigned int access) const;
+
+  virtual int open(const ZoFileName& name, int access, ZoFile::CreationMode mode, int share,
+                   int flags);
+  virtual int createTemp(ZoFileName& name, int access, ZoFile::CreationMode mode, int share,
+                         int flags);
+  [[nodiscard]] virtual bool isOpen() const noexcept;
+  virtual int close();
+
+  virtual unsigned int read(void* buffer, unsigned int count);
+  virtual unsigned int write(const void* data, unsigned int count);
+  virtual std::int64_t seek(std::int64_t offset, ZoFile::MoveMethod method);
+  [[nodiscard]] virtual std::int64_t size();
+  virtual int setEndOfFile();
+  virtual int flush();
+  virtual int lockRange(std::int64_t start, std::int64_t length);
+  virtual int unlockRange(std::int64_t start, std::int64_t length);
+
+  [[nodiscard]] virtual const ZoFileName& name() const noexcept;
+  [[nodiscard]] virtual unsigned int accessMode() const noexcept;
+  [[nodiscard]] virtual unsigned int shareMode() const noexcept;
+  [[nodiscard]] virtual unsigned int attributes();
+  [[nodiscard]] virtual FILETIME creationTime();
+  [[nodiscard]] virtual FILETIME lastAccessTime();
+  [[nodiscard]] virtual FILETIME lastWriteTime();
+  virtual int setCreationTime(FILETIME time);
+  virtual int setLastAccessTime(FILETIME time);
+  virtual int setLastWriteTime(FILETIME time);
+
+  [[nodiscard]] virtual std::FILE* getCFileHandle(bool text, bool writable);
+  [[nodiscard]] virtual std::FILE* getCFileHandle(const wchar_t* mode);
+  [[nodiscard]] virtual void* handle(bool give);
+
+ protected:
+  // Reports the platform's last error. Returns 1, so that a failed operation can end with it.
+  int report(const wchar_t* operation) const;
+  // For classes that serve a name and modes of their own.
+  void setModes(const ZoFileName& name, unsigned int access, unsigned int share);
+
+ private:
+  void adopt(void* handle, const ZoFileName& name, int access, int share);
+  int lockOrUnlock(bool lock, std::int64_t start, std::int64_t length, const wchar_t* operation);
+  int setTime(FILETIME time, unsigned int which, const wchar_t* operation);
+  FILETIME time(unsigned int which, const wchar_t* operation);
+
+  mutable std::mutex mutex_;
+  ZoFileName name_;  // shares its parts with no other name, so that files can go to other threads
+  void* handle_;
+  unsigned int access_ = 0;
+  unsigned int share_ = 0;
+  ZoFileSystem* service_;
+};

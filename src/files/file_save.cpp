@@ -1,0 +1,82 @@
+#include <windows.h>
+#include <zo/files/file_imp.h>
+#include <zo/files/file_save.h>
+#include <zo/system/file_system.h>
+#include <zo/system/registry.h>
+
+#include "files/fresh_file.h"
+#include "files/replace_file.h"
+#include "platform/open_file.h"
+
+// A file that remembers whether all went well: what failed must not become the target, even if the
+// caller did not look.
+class ZoFileSave::Imp : public ZoFileImp {
+ public:
+  unsigned int write(const void* data, unsigned int count) override {
+    const unsigned int done = ZoFileImp::write(data, count);
+    failed_ = failed_ || (done == 0 && count > 0);
+    return done;
+  }
+  std::int64_t seek(std::int64_t offset, ZoFile::MoveMethod method) override {
+    const std::int64_t position = ZoFileImp::seek(offset, method);
+    failed_ = failed_ || (position < 0 && isOpen());
+    return position;
+  }
+  int setEndOfFile() override { return kept(ZoFileImp::setEndOfFile()); }
+  int flush() override { return kept(ZoFileImp::flush()); }
+  int close() override { return kept(ZoFileImp::close()); }
+  [[nodiscard]] bool failed() const { return failed_; }
+
+ private:
+  int kept(int code) {
+    failed_ = failed_ || code != ZoResult::ok;
+    return code;
+  }
+
+  bool failed_ = false;
+};
+
+ZoFileSave::ZoFileSave() = default;
+ZoFileSave::~ZoFileSave() { cancel(); }
+
+int ZoFileSave::fail() {
+  const zo::KeptError kept;
+  ZoSystem::fileSystem().errorIO(L"save");
+  cancel();
+  return ZoResult::refused;
+}
+
+int ZoFileSave::open(const ZoFileName& target) {
+  cancel();
+  if (target.isURL()) return ZoResult::invalid;
+  ZoFileName wish;
+  wish.setFullName((zo::stemBeside(target) + std::wstring(zo::kEndingBeside)).c_str());
+  imp_ = new Imp;
+  file_.setImpObj(imp_);
+  if (file_.createTemp(wish, ZoFile::kReadWrite, ZoFile::kCreateNew, ZoFile::kShareRead, 0))
+    return ZoResult::refused;
+  target_ = target;
+  beside_ = wish;
+  return ZoResult::ok;
+}
+
+int ZoFileSave::commit(bool toDisk) {
+  if (beside_.isEmpty() || file_.getImpObj() != imp_ || imp_->failed()) {
+    SetLastError(beside_.isEmpty() ? ERROR_INVALID_HANDLE : ERROR_WRITE_FAULT);
+    return fail();
+  }
+  // A stream may have closed it.
+  if (!file_.isOpen() && file_.open(beside_, ZoFile::kWrite, ZoFile::kOpenExisting)) return fail();
+  if ((toDisk && file_.flush()) || file_.close()) return fail();
+  if (!zo::putInPlace(beside_.fullName(), target_, false)) return fail();
+  beside_ = ZoFileName();
+  return ZoResult::ok;
+}
+
+void ZoFileSave::cancel() {
+  file_.setImpObj(nullptr);
+  imp_ = nullptr;
+  if (beside_.isEmpty()) return;
+  zo::discard(beside_.fullName());
+  beside_ = ZoFileName();
+}

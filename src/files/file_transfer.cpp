@@ -1,0 +1,213 @@
+#include <windows.h>
+#include <zo/files/file.h>
+#include <zo/files/file_save.h>
+#include <zo/files/file_transfer.h>
+#include <zo/files/find_file.h>
+#include <zo/system/file_system.h>
+#include <zo/system/registry.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/file_api.h"
+#include "platform/system_path.h"
+
+namespace {
+
+constexpr unsigned int kPiece = 256 * 1024;
+
+struct Item {
+  ZoFileName source, target;
+};
+
+ZoFileSystem& fileSystem() { return ZoSystem::fileSystem(); }
+
+DWORD attributesOf(const ZoFileName& name) {
+  return zo::fileApi().attributes(zo::SystemPath(name.fullName()));
+}
+
+// 0 for what is not there, or on a server.
+std::int64_t sizeOf(const ZoFileName& name) {
+  if (name.isURL()) return 0;
+  WIN32_FIND_DATAW entry;
+  HANDLE search = zo::fileApi().findFirst(zo::SystemPath(name.fullName()), entry);
+  if (search == INVALID_HANDLE_VALUE) return 0;
+  zo::fileApi().findClose(search);
+  return static_cast<std::int64_t>((std::uint64_t{entry.nFileSizeHigh} << 32) | entry.nFileSizeLow);
+}
+
+ZoFileName folderOf(const ZoFileName& name) {
+  ZoFileName folder = name;
+  folder.setFileNameExt(nullptr);
+  return folder;
+}
+
+int report(DWORD error) {
+  SetLastError(error);
+  fileSystem().errorIO(L"transfer");
+  return ZoResult::refused;
+}
+
+int makeFolderOf(const ZoFileName& target) {
+  const ZoFileName folder = folderOf(target);
+  if (folder.isEmpty() || attributesOf(folder) != INVALID_FILE_ATTRIBUTES) return ZoResult::ok;
+  return fileSystem().createDirectory(folder);
+}
+
+}  // namespace
+
+struct ZoFileTransfer::Imp {
+  std::vector<Item> items;
+  ZoArray<Failure> failures;
+  Watcher watcher;
+  bool refusesExisting = false;
+  bool cancelled = false;
+
+  // Of the run.
+  unsigned int filesDone = 0, files = 0;
+  std::int64_t bytesDone = 0, bytes = 0;
+
+  // false when the run is to end.
+  bool tell(const Item& item, std::int64_t ofThis) {
+    if (cancelled) return false;
+    if (watcher)
+      cancelled = !watcher({item.source, item.target, filesDone, files, bytesDone + ofThis, bytes});
+    return !cancelled;
+  }
+
+  // 0, or a code; a cancelled run ends with 1.
+  int pour(const Item& item, ZoFile& from, ZoFileSave& save) {
+    const auto buffer = std::make_unique<std::byte[]>(kPiece);
+    const std::int64_t size = from.size();
+    if (size < 0) return ZoResult::refused;
+    for (std::int64_t moved = 0; moved < size;) {
+      const unsigned int got = from.read(buffer.get(), kPiece);
+      if (got == 0) return from.size() < size ? report(ERROR_HANDLE_EOF) : ZoResult::refused;
+      for (unsigned int written = 0; written < got;) {
+        const unsigned int done = save.file().write(buffer.get() + written, got - written);
+        if (done == 0) return ZoResult::refused;
+        written += done;
+      }
+      moved += got;
+      if (moved < size && !tell(item, moved)) return report(ERROR_CANCELLED);
+    }
+    return ZoResult::ok;
+  }
+
+  int copyFile(const Item& item) {
+    ZoFile from;
+    ZoFileSave save;
+    if (const int code = from.open(item.source, ZoFile::kRead, ZoFile::kOpenExisting,
+                                   ZoFile::kShareRead, ZoFile::kSequential))
+      return code;
+    if (const int code = save.open(item.target)) return code;
+    if (const int code = pour(item, from, save)) return code;
+    if (save.file().setLastWriteTime(from.lastWriteTime())) return ZoResult::refused;
+    const unsigned int attributes = from.attributes();
+    if (attributes == 0) return ZoResult::refused;
+    if (const int code = fileSystem().subSetAttributes(save.file().name(), attributes)) return code;
+    return save.commit(false);
+  }
+
+  int fetchOrSend(const Item& item) {
+    if (item.target.isURL()) return fileSystem().putRemote(item.source, item.target);
+    ZoFileName local = item.target;
+    return fileSystem().getRemote(item.source, local, refusesExisting);
+  }
+
+  int transfer(const Item& item, Mode mode) {
+    const bool remote = item.source.isURL() || item.target.isURL();
+    if (!item.target.isURL()) {
+      if (const int code = makeFolderOf(item.target)) return code;
+      if (refusesExisting && attributesOf(item.target) != INVALID_FILE_ATTRIBUTES)
+        return report(ERROR_FILE_EXISTS);
+    }
+    if (mode == kMove && !remote) {
+      const bool moved = zo::fileApi().move(zo::SystemPath(item.source.fullName()),
+                                            zo::SystemPath(item.target.fullName()), 0);
+      if (moved) return ZoResult::ok;
+      // Onto another volume, or what is there: by copying.
+      const DWORD error = GetLastError();
+      if (error != ERROR_NOT_SAME_DEVICE && error != ERROR_ALREADY_EXISTS) return report(error);
+    }
+    if (const int code = remote ? fetchOrSend(item) : copyFile(item)) return code;
+    if (mode == kMove && fileSystem().erase(item.source, ZoFileSystem::kFile))
+      return ZoResult::partial;
+    return ZoResult::ok;
+  }
+
+  void begin() {
+    failures.removeAll();
+    cancelled = false;
+    filesDone = 0;
+    files = static_cast<unsigned int>(items.size());
+    bytesDone = bytes = 0;
+    for (const Item& item : items) bytes += sizeOf(item.source);
+  }
+
+  int run(Mode mode) {
+    begin();
+    std::vector<Item> left;
+    bool anyDone = false;
+    for (Item& item : items) {
+      const std::int64_t size = sizeOf(item.source);
+      if (!tell(item, 0)) {
+        left.push_back(std::move(item));
+        continue;
+      }
+      const int code = transfer(item, mode);
+      if (code == ZoResult::ok) {
+        anyDone = true;
+      } else if (!cancelled) {
+        failures.append(Failure{item.source, item.target, code, fileSystem().errorTxt()});
+      }
+      ++filesDone;
+      bytesDone += size;
+      tell(item, 0);
+      if (code != ZoResult::ok) left.push_back(std::move(item));
+    }
+    items = std::move(left);
+    if (items.empty()) return ZoResult::ok;
+    return anyDone ? ZoResult::partial : ZoResult::refused;
+  }
+};
+
+ZoFileTransfer::ZoFileTransfer() : imp_(new Imp) {}
+ZoFileTransfer::~ZoFileTransfer() { delete imp_; }
+
+int ZoFileTransfer::add(const ZoFileName& source, const ZoFileName& target) {
+  imp_->items.push_back({source, target});
+  return ZoResult::ok;
+}
+
+int ZoFileTransfer::addTree(const ZoFileName& pattern, const ZoFileName& targetFolder) {
+  std::wstring target(targetFolder.view());
+  const wchar_t delimiter = targetFolder.delimiter();
+  if (!target.empty() && target.back() != L'\\' && target.back() != L'/') target += delimiter;
+  const size_t folder = pattern.view().size() - std::wstring_view(pattern.fileNameExt()).size();
+  ZoFindFile find;
+  if (const int code = find.open(pattern, true)) return code;
+  while (find.next()) {
+    std::wstring below(find.path().substr(folder));
+    for (wchar_t& c : below) {
+      if (c == L'\\') c = delimiter;
+    }
+    add(find.name(), ZoFileName(std::wstring_view(target + below)));
+  }
+  return find.result();
+}
+
+unsigned int ZoFileTransfer::entries() const noexcept {
+  return static_cast<unsigned int>(imp_->items.size());
+}
+
+void ZoFileTransfer::clear() noexcept { imp_->items.clear(); }
+void ZoFileTransfer::onProgress(Watcher watcher) { imp_->watcher = std::move(watcher); }
+void ZoFileTransfer::refuseExisting(bool refuse) noexcept { imp_->refusesExisting = refuse; }
+int ZoFileTransfer::run(Mode mode) { return imp_->run(mode); }
+bool ZoFileTransfer::wasCancelled() const noexcept { return imp_->cancelled; }
+const ZoArray<ZoFileTransfer::Failure>& ZoFileTransfer::failures() const noexcept {
+  return imp_->failures;
+}

@@ -1,0 +1,76 @@
+#include "files/fresh_file.h"
+
+#include <array>
+#include <atomic>
+
+#include "platform/file_api.h"
+#include "platform/system_path.h"
+
+namespace zo {
+namespace {
+
+// So that the digits and an ending still fit into a component of the platform.
+constexpr size_t kLongestStem = 200;
+
+std::wstring_view shortened(std::wstring_view name) { return name.substr(0, kLongestStem); }
+
+// Numbers that differ between processes and between calls. They only keep collisions rare: what
+// exists is never touched.
+unsigned int nextNumber() {
+  static std::atomic<unsigned int> counter = GetCurrentProcessId() * 0x9E3779B1U;
+  LARGE_INTEGER now;
+  QueryPerformanceCounter(&now);
+  return counter.fetch_add(0x61C88647U) ^ now.LowPart;
+}
+
+std::wstring hexadecimal(unsigned int number) {
+  std::wstring text(8, L'0');
+  for (size_t i = text.size(); i-- > 0; number >>= 4) text[i] = L"0123456789abcdef"[number & 15];
+  return text;
+}
+
+std::wstring folderOf(const ZoFileName& name) {
+  return std::wstring(name.drive()) + name.directory();
+}
+
+}  // namespace
+
+std::wstring freshName(std::wstring_view stem, std::wstring_view ending) {
+  return std::wstring(stem).append(hexadecimal(nextNumber())).append(ending);
+}
+
+FreshFile createFresh(std::wstring_view stem, std::wstring_view ending, DWORD access, DWORD share,
+                      DWORD flags) {
+  constexpr int kAttempts = 1000;
+  FreshFile fresh;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    fresh.name = freshName(stem, ending);
+    fresh.file = OpenFile(
+        fileApi().create(SystemPath(fresh.name.c_str()), access, share, CREATE_NEW, flags));
+    if (fresh.file) break;
+    const DWORD error = GetLastError();
+    if (error != ERROR_FILE_EXISTS && error != ERROR_ALREADY_EXISTS) break;
+  }
+  return fresh;
+}
+
+std::wstring temporaryStem(const ZoFileName& name) {
+  std::wstring folder = folderOf(name);
+  if (folder.empty()) {
+    folder = textOf([](DWORD size, wchar_t* buffer) { return fileApi().tempFolder(size, buffer); });
+  }
+  const std::wstring_view own = name.fileName();
+  folder += own.empty() ? std::wstring_view(L"zo") : shortened(own);
+  return folder;
+}
+
+std::wstring temporaryEnding(const ZoFileName& name) {
+  const std::wstring_view own = name.extension();
+  return std::wstring(own.empty() ? std::wstring_view(L".tmp") : own);
+}
+
+std::wstring stemBeside(const ZoFileName& target) {
+  return folderOf(target).append(shortened(target.fileNameExt())).append(1, L'~');
+}
+
+}  // namespace zo

@@ -1,0 +1,35 @@
+// Files that did not exist before, under names that nobody else has.
+#pragma once
+
+#include <zo/files/file_name.h>
+
+#include <string>
+#include <string_view>
+
+#include "platform/open_file.h"
+
+namespace zo {
+
+// A name that most likely nothing has: stem, eight hexadecimal digits, ending.
+[[nodiscard]] std::wstring freshName(std::wstring_view stem, std::wstring_view ending);
+
+struct FreshFile {
+  OpenFile file;  // none when it could not be made; GetLastError() then says why
+  std::wstring name;
+};
+
+// Makes one and opens it. The stem begins with the folder.
+[[nodiscard]] FreshFile createFresh(std::wstring_view stem, std::wstring_view ending,
+                                    unsigned long access, unsigned long share, unsigned long flags);
+
+// Stem and ending for a temporary file that is to be called like `name`, in its folder; what it does
+// not have is taken from the platform's folder for temporary files, "zo" and ".tmp".
+[[nodiscard]] std::wstring temporaryStem(const ZoFileName& name);
+[[nodiscard]] std::wstring temporaryEnding(const ZoFileName& name);
+
+// Stem and ending for what is to take the place of `target` when it is complete: beside it, and not
+// found by a search for files of the target's extension.
+[[nodiscard]] std::wstring stemBeside(const ZoFileName& target);
+inline constexpr std::wstring_view kEndingBeside = L".tmp";
+
+}  // namespace zo

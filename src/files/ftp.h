@@ -1,0 +1,71 @@
+// One connection to an FTP server, through the platform's internet functions, which are loaded when
+// they are needed first: most programs never do.
+//
+// Paths are the server's, absolute. File names travel in the ANSI code page.
+//
+// Errors:  operations answer false and leave the reason in the last error: a code of the platform's
+//          internet functions (12000 and up) where it is theirs.
+// Threads: one per connection.
+#pragma once
+
+#include <windows.h>
+#include <zo/system/file_system.h>
+
+#include <string>
+#include <vector>
+
+namespace zo {
+
+// What a name of the form ftp://[user[:password]@]host[:port]/path says. Other names have no host.
+struct FtpAddress {
+  std::wstring host, user, password, path;
+  unsigned short port = 0;  // 0: the usual one
+};
+[[nodiscard]] FtpAddress ftpAddress(const ZoFileName& name);
+[[nodiscard]] std::wstring ftpPath(const ZoFileName& name);
+// Whether both are FTP names of one server and user.
+[[nodiscard]] bool sameServer(const ZoFileName& a, const ZoFileName& b);
+
+class FtpConnection {
+ public:
+  struct Entry {
+    std::wstring name;
+    bool isFolder;
+  };
+
+  // Connects; the agent is how the connection calls itself.
+  FtpConnection(const FtpAddress& address, const wchar_t* agent);
+  FtpConnection(const FtpConnection&) = delete;
+  FtpConnection& operator=(const FtpConnection&) = delete;
+  ~FtpConnection();
+  [[nodiscard]] bool isOpen() const { return server_ != nullptr; }
+
+  bool createFolder(const std::wstring& path);
+  bool removeFolder(const std::wstring& path);
+  bool removeFile(const std::wstring& path);
+  bool rename(const std::wstring& from, const std::wstring& to);
+  // The local file is made anew.
+  bool get(const std::wstring& path, const wchar_t* local);
+  bool put(const wchar_t* local, const std::wstring& path);
+  // Without "." and "..".
+  bool list(const std::wstring& folder, std::vector<Entry>& entries);
+
+ private:
+  void* session_ = nullptr;
+  void* server_ = nullptr;
+};
+
+// Runs an operation on the server of a name: 3 when it is no FTP name, 1 when it does not answer,
+// else what the operation answers.
+template <class Operation>
+int onServer(const ZoFileName& name, const wchar_t* agent, ZoFileSystem& service,
+             Operation operation) {
+  const FtpAddress address = ftpAddress(name);
+  if (address.host.empty()) return ZoResult::invalid;
+  FtpConnection server(address, agent);
+  if (server.isOpen()) return operation(server);
+  service.errorIO(agent);
+  return ZoResult::refused;
+}
+
+}  // namespace zo

@@ -1,0 +1,25 @@
+// Putting a complete file in the place of another in one step.
+//
+// Errors: false leaves the reason in the last error.
+#pragma once
+
+#include <zo/files/file_name.h>
+
+#include <string>
+
+namespace zo {
+
+// Renames what stands beside the target to the target's name. A target that exists is replaced, or
+// with `failIfExists` refused; one that is read-only is refused. The step is on the disk when this
+// returns.
+[[nodiscard]] bool putInPlace(const std::wstring& complete, const ZoFileName& target,
+                              bool failIfExists);
+
+// Copies a file beside the target and puts it in place. A failure leaves the target as it was and
+// nothing beside it.
+[[nodiscard]] bool copyIntoPlace(const ZoFileName& from, const ZoFileName& to, bool failIfExists);
+
+// Removes a file that is of no use any more, read-only or not. The last error stays.
+void discard(const std::wstring& name) noexcept;
+
+}  // namespace zo

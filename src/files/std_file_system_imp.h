@@ -1,0 +1,63 @@
+// What ZoStdFileSystem does. The contracts stand in zo/system/file_system.h.
+#pragma once
+
+#include <zo/system/file_system.h>
+
+#include <string>
+#include <string_view>
+
+#include "platform/file_api.h"
+
+class ZoStdFileSystemImp {
+ public:
+  // Failures are reported to the service.
+  explicit ZoStdFileSystemImp(ZoFileSystem& service) : service_(service) {}
+
+  int createDirectory(const ZoFileName& name);
+  int getCurrentDirectory(ZoFileName& name);
+  int setCurrentDirectory(const ZoFileName& name);
+  int getTempPath(ZoFileName& name);
+  int getAbsolutePath(ZoFileName& name);
+  int getFullPathName(const ZoFileName& name, ZoFileName& full);
+  int searchPath(const ZoFileName& file, ZoFileName& found, const ZoFileName& path);
+  int copy(const ZoFileName& from, const ZoFileName& to, bool failIfExists);
+  int append(const ZoFileName& from, const ZoFileName& to, bool mustExist);
+  int move(const ZoFileName& from, const ZoFileName& to);
+  int erase(const ZoFileName& name, ZoFileSystem::EraseType type);
+  int getTempFileName(ZoFileName& name, const ZoFileName& pattern);
+  unsigned int getAttributes(const ZoFileName& name);
+  int subSetAttributes(const ZoFileName& name, unsigned int attributes);
+  int getVolumeInformation(unsigned int& serial, unsigned int& longestComponent,
+                           unsigned int& flags, const ZoFileName& volume, ZoString& label,
+                           ZoString& fileSystem);
+  int getDiskFreeSpace(unsigned int& freeKiB, unsigned int& totalKiB, const ZoFileName& volume);
+  ZoFileSystem::DriveType getDriveType(const ZoFileName& volume);
+  int getLogicalDrivesStrings(ZoSequence<ZoFileName>& drives);
+  int setVolumeLabel(const wchar_t* label, const ZoFileName& volume);
+  int getCDRom(ZoSequence<ZoFileName>& drives, ZoSequence<ZoString>& labels);
+  int getRemote(const ZoFileName& remote, ZoFileName& local, bool failIfExists);
+  int putRemote(const ZoFileName& local, const ZoFileName& remote);
+  int isRemote(const ZoFileName& name, ZoFileName& local);
+
+ private:
+  // Keeps the platform's last error, or the one that is given. Both return 1.
+  int report(const wchar_t* operation);
+  int report(const wchar_t* operation, DWORD error);
+  // 0 or, after the call failed, 1.
+  int result(bool done, const wchar_t* operation);
+
+  // Erasing, counted so that nothing, all and a part can be told apart.
+  struct Erased {
+    unsigned int done = 0, failed = 0;
+    [[nodiscard]] int code() const;
+  };
+  void eraseFile(const std::wstring& path, Erased& erased);
+  void eraseFolder(const std::wstring& path, Erased& erased);
+  void eraseTree(const std::wstring& folder, Erased& erased);
+  void eraseBackups(const ZoFileName& name, Erased& erased);
+  template <class Entry>
+  void forEachIn(const std::wstring& folder, const wchar_t* pattern, Erased& erased, Entry entry);
+  int eraseRemote(const ZoFileName& name, ZoFileSystem::EraseType type);
+
+  ZoFileSystem& service_;
+};

@@ -1,0 +1,13 @@
+// Whether a file name fits a pattern of * and ?, ignoring case as file names do.
+//
+// As the platform has it: "*.*" fits every name, a final ".*" also a name without an extension, and
+// a final "." only such a name. Other than there, names alone are asked, never short aliases.
+#pragma once
+
+#include <string_view>
+
+namespace zo {
+
+[[nodiscard]] bool fitsWildcard(std::wstring_view name, std::wstring_view pattern) noexcept;
+
+}  // namespace zo

@@ -1,0 +1,80 @@
+// What the tests of files share: a folder of their own, the library attached, and files as plain
+// bytes, read and written past the library.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <winioctl.h>
+#include <zo/files/file_name.h>
+#include <zo/files/std_file_system.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "support/printers.h"
+#include "support/temp_folder.h"
+#include "system/attached.h"
+
+namespace zo::test {
+
+// The standard service; keeps what errorIO was told.
+class RecordingFileSystem : public ZoStdFileSystem {
+ public:
+  int errorIO(const wchar_t* operation) override {
+    lastError = GetLastError();
+    operations.emplace_back(operation);
+    SetLastError(lastError);
+    return ZoStdFileSystem::errorIO(operation);
+  }
+  std::vector<std::wstring> operations;
+  DWORD lastError = 0;
+};
+
+// The system's message for an error, as errorTxt() is to give it.
+inline std::wstring messageOf(DWORD error) {
+  wchar_t text[1024];
+  const DWORD flags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
+  return {text, FormatMessageW(flags, nullptr, error, 0, text, 1024, nullptr)};
+}
+
+class FileTest : public ::testing::Test {
+ protected:
+  ZoFileName name(const std::wstring& relative) const {
+    return ZoFileName((folder_.path() / relative).wstring().c_str());
+  }
+  static void put(const ZoFileName& name, const std::string& bytes) {
+    std::ofstream(std::filesystem::path(name.fullName()), std::ios::binary) << bytes;
+  }
+  // "(none)" for a file that is not there.
+  static std::string bytesOf(const ZoFileName& name) {
+    std::ifstream in(std::filesystem::path(name.fullName()), std::ios::binary | std::ios::ate);
+    if (!in) return "(none)";
+    std::string bytes(static_cast<size_t>(in.tellg()), '\0');
+    in.seekg(0);
+    in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return bytes;
+  }
+  static bool exists(const ZoFileName& name) {
+    return GetFileAttributesW(name.fullName()) != INVALID_FILE_ATTRIBUTES;
+  }
+  // All that is in the test's folder, sorted, folders with a final backslash.
+  std::vector<std::wstring> listing() const {
+    std::vector<std::wstring> names;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_.path())) {
+      names.push_back(std::filesystem::relative(entry.path(), folder_.path()).wstring() +
+                      (entry.is_directory() ? L"\\" : L""));
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+  using Names = std::vector<std::wstring>;
+
+  Attached attached_;
+  TempFolder folder_;
+};
+
+}  // namespace zo::test

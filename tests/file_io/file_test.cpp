@@ -1,0 +1,526 @@
+// File objects on real files.
+#include <zo/files/file.h>
+#include <zo/files/file_imp.h>
+
+#include <cstring>
+#include <functional>
+#include <utility>
+
+#include "file_io/faulty_files.h"
+#include "file_io/file_fixture.h"
+#include "support/child_process.h"
+#include "support/open_handles.h"
+
+namespace zo::test {
+namespace {
+
+using FileObject = FileTest;
+constexpr std::int64_t kGiB = std::int64_t{1} << 30;
+constexpr int kShareAll = ZoFile::kShareRead | ZoFile::kShareWrite | ZoFile::kShareDelete;
+
+std::uint64_t ticks(FILETIME time) {
+  return (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+}
+FILETIME timeOf(std::uint64_t ticks) {
+  return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+}
+
+std::string readAll(ZoFile& file) {
+  std::string bytes(100, '?');
+  bytes.resize(file.read(bytes.data(), 100));
+  return bytes;
+}
+
+TEST_F(FileObject, TheModeDecidesByWhatExists) {
+  struct Case {
+    ZoFile::CreationMode mode;
+    int whenAbsent, whenPresent;
+    const char *absentAfter, *presentAfter;
+  } const cases[] = {
+      {ZoFile::kCreateNew, 0, 1, "", "old"},           {ZoFile::kCreateAlways, 0, 0, "", ""},
+      {ZoFile::kOpenExisting, 1, 0, "(none)", "old"},  {ZoFile::kOpenAlways, 0, 0, "", "old"},
+      {ZoFile::kTruncateExisting, 1, 0, "(none)", ""},
+  };
+  for (const Case& c : cases) {
+    const ZoFileName absent = name(L"absent" + std::to_wstring(c.mode));
+    const ZoFileName present = name(L"present" + std::to_wstring(c.mode));
+    put(present, "old");
+    for (const bool there : {false, true}) {
+      ZoFile file;
+      const ZoFileName& tried = there ? present : absent;
+      const int expected = there ? c.whenPresent : c.whenAbsent;
+      EXPECT_EQ(file.open(tried, ZoFile::kWrite, c.mode), expected) << c.mode << there;
+      EXPECT_EQ(file.isOpen(), expected == 0);
+      EXPECT_EQ(file.close(), 0);
+      EXPECT_FALSE(file.isOpen());
+      EXPECT_EQ(bytesOf(tried), there ? c.presentAfter : c.absentAfter) << c.mode << there;
+    }
+  }
+}
+
+TEST_F(FileObject, KnowsHowItWasOpened) {
+  ZoFile file;
+  EXPECT_TRUE(file.name().isEmpty());
+  EXPECT_EQ(file.accessMode(), 0u);
+  ASSERT_EQ(file.open(name(L"f"), ZoFile::kReadWrite, ZoFile::kCreateNew, ZoFile::kShareRead), 0);
+  EXPECT_EQ(file.name(), name(L"f"));
+  EXPECT_EQ(file.accessMode(), 0xC0000000u);
+  EXPECT_EQ(file.shareMode(), 1u);
+  EXPECT_FALSE(file.attributes() & FILE_ATTRIBUTE_DIRECTORY);
+  ZoFile other;
+  EXPECT_EQ(other.open(name(L"f"), ZoFile::kWrite), 1) << "shared for reading only";
+  EXPECT_EQ(ZoSystem::fileSystem().errorTxt().view(), messageOf(ERROR_SHARING_VIOLATION));
+  // The flag for random access goes with reading and writing.
+  struct Seen : FaultyFiles {
+    HANDLE create(const wchar_t* n, DWORD a, DWORD s, DWORD d, DWORD f) override {
+      flags = f;
+      return FaultyFiles::create(n, a, s, d, f);
+    }
+    DWORD flags = 0;
+  } seen;
+  constexpr DWORD kRandom = FILE_FLAG_RANDOM_ACCESS, kSequential = FILE_FLAG_SEQUENTIAL_SCAN;
+  const std::pair<std::pair<int, int>, DWORD> cases[] = {
+      {{ZoFile::kRead, 0}, 0},
+      {{ZoFile::kWrite, 0}, 0},
+      {{ZoFile::kReadWrite, 0}, kRandom},
+      {{ZoFile::kRead, ZoFile::kRandomAccess}, kRandom},
+      {{ZoFile::kReadWrite, ZoFile::kSequential}, kSequential}};
+  for (const auto& [given, flags] : cases) {
+    EXPECT_EQ(file.open(name(L"f"), given.first, ZoFile::kOpenExisting, 0, given.second), 0);
+    EXPECT_EQ(seen.flags, flags) << given.first << ' ' << given.second;
+  }
+}
+
+TEST_F(FileObject, ReadsAndWritesSayHowMuchWasMoved) {
+  ZoFile file;
+  ASSERT_EQ(file.open(name(L"f"), ZoFile::kReadWrite, ZoFile::kCreateNew), 0);
+  EXPECT_EQ(file.write("abcdef", 6), 6u);
+  EXPECT_EQ(file.write("", 0), 0u);
+  EXPECT_EQ(file.currentPos(), 6);
+  EXPECT_EQ(readAll(file), "") << "at the end";
+  EXPECT_EQ(file.seek(4), 4);
+  EXPECT_EQ(readAll(file), "ef");
+  EXPECT_EQ(file.seekToBegin(), 0);
+  EXPECT_EQ(file.seekToEnd(), 6);
+  EXPECT_EQ(file.seek(-2, ZoFile::kCurrent), 4);
+  EXPECT_EQ(file.setEndOfFile(), 0);
+  EXPECT_EQ(file.size(), 4);
+  EXPECT_EQ(file.flush(), 0);
+
+  FaultyFiles files;
+  files.arm({.fault = Fault::shorten, .call = "write"});
+  EXPECT_EQ(file.write("ghij", 4), 2u) << "a short write is no failure, and is told";
+  files.arm({.fault = Fault::shorten, .call = "read"});
+  file.seekToBegin();
+  char buffer[6];
+  EXPECT_EQ(file.read(buffer, 6), 3u);
+  files.arm({.fault = Fault::fail, .call = "close"});
+  EXPECT_EQ(file.close(), 1) << "a failure to close is told";
+  EXPECT_FALSE(file.isOpen());
+  EXPECT_EQ(bytesOf(name(L"f")), "abcdgh");
+}
+
+TEST_F(FileObject, WithoutAFileNothingIsAskedOfThePlatform) {
+  char byte = 'x';
+  ZoFile moved;
+  ZoFile empty(std::move(moved));
+  ZoFile open;
+  ASSERT_EQ(open.open(name(L"f"), ZoFile::kReadWrite, ZoFile::kCreateNew), 0);
+  FaultyFiles files;
+  for (ZoFile* file : {&moved, &empty}) {
+    EXPECT_EQ(file->read(&byte, 1), 0u);
+    EXPECT_EQ(file->write(&byte, 1), 0u);
+    EXPECT_EQ(file->seek(0), -1);
+    EXPECT_EQ(file->currentPos(), -1);
+    EXPECT_EQ(file->size(), -1);
+    EXPECT_EQ(file->setEndOfFile(), 1);
+    EXPECT_EQ(file->lockRange(0, 1), 1);
+    EXPECT_EQ(file->unlockRange(0, 1), 1);
+    EXPECT_EQ(file->flush(), 1);
+    EXPECT_EQ(file->attributes(), 0u);
+    EXPECT_EQ(ticks(file->lastWriteTime()) + ticks(file->creationTime()), 0u);
+    EXPECT_EQ(file->setLastAccessTime({}), 1);
+    EXPECT_EQ(file->getCFileHandle(false, false), nullptr);
+    EXPECT_EQ(file->handle(), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(file->close(), 0);
+    EXPECT_TRUE(file->name().isEmpty());
+  }
+  EXPECT_EQ(open.read(nullptr, 1), 0u);
+  EXPECT_EQ(open.write(nullptr, 1), 0u);
+  EXPECT_EQ(open.lockRange(-1, 1), 1);
+  EXPECT_EQ(open.unlockRange(-1, 1), 1);
+  EXPECT_EQ(files.calls().size(), 0u);
+}
+
+TEST_F(FileObject, SizesAndPositionsHave64Bits) {
+  ZoFile file;
+  ASSERT_EQ(file.open(name(L"large"), ZoFile::kReadWrite, ZoFile::kCreateNew), 0);
+  DWORD returned;
+  DeviceIoControl(file.handle(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &returned, nullptr);
+  // Among them the position whose low half is what the platform also says for a failure.
+  for (const std::int64_t at : {std::int64_t{0xFFFFFFFF}, 4 * kGiB + 10, 5 * kGiB}) {
+    EXPECT_EQ(file.seek(at), at);
+    EXPECT_EQ(file.currentPos(), at);
+    EXPECT_EQ(file.write("zo", 2), 2u);
+    EXPECT_EQ(file.size(), at + 2);
+  }
+  EXPECT_EQ(file.seek(-kGiB + 8, ZoFile::kEnd), 4 * kGiB + 10);
+  EXPECT_EQ(file.seek(4 * kGiB + 10), 4 * kGiB + 10);
+  char read[2];
+  EXPECT_EQ(file.read(read, 2), 2u);
+  EXPECT_EQ(std::string(read, 2), "zo");
+  EXPECT_EQ(file.seek(-1), -1);
+  EXPECT_EQ(file.seek(-6 * kGiB, ZoFile::kEnd), -1);
+  EXPECT_EQ(ZoSystem::fileSystem().errorTxt().view(), messageOf(ERROR_NEGATIVE_SEEK));
+  EXPECT_EQ(file.currentPos(), 4 * kGiB + 12) << "a refused seek moves nothing";
+  EXPECT_EQ(file.setEndOfFile(), 0);
+  EXPECT_EQ(file.size(), 4 * kGiB + 12);
+}
+
+ZO_TEST_CHILD(fileLocker) {
+  const Attached attached;
+  ZoFile file;
+  if (file.open(parent.argument(0).c_str(), ZoFile::kReadWrite, ZoFile::kOpenExisting, kShareAll))
+    return 1;
+  while (const auto order = parent.hear()) {
+    const bool lock = order->front() == '+';
+    const std::int64_t start = std::stoll(order->substr(1));
+    parent.say(std::to_string(lock ? file.lockRange(start, 10) : file.unlockRange(start, 10)));
+  }
+  return 0;
+}
+
+TEST_F(FileObject, LocksHoldAgainstOtherProcesses) {
+  put(name(L"f"), "0123456789");
+  ZoFile file;
+  ASSERT_EQ(file.open(name(L"f"), ZoFile::kReadWrite, ZoFile::kOpenExisting, kShareAll), 0);
+  ChildProcess child(L"fileLocker", {name(L"f").fullName()});
+  const auto ask = [&](const std::string& order) {
+    child.say(order);
+    return child.hear().value_or("ended");
+  };
+  const std::int64_t distant = 5 * kGiB;
+  for (const std::int64_t start : {std::int64_t{0}, distant}) {
+    const std::string at = std::to_string(start);
+    EXPECT_EQ(file.lockRange(start, 10), 0);
+    EXPECT_EQ(ask("+" + at), "1") << "the same range";
+    EXPECT_EQ(ask("+" + std::to_string(start + 9)), "1") << "one byte of it";
+    EXPECT_EQ(ask("+" + std::to_string(start + 10)), "0") << "behind it";
+    EXPECT_EQ(file.lockRange(start + 19, 1), 1) << "theirs";
+    EXPECT_EQ(ZoSystem::fileSystem().errorTxt().view(), messageOf(ERROR_LOCK_VIOLATION));
+    EXPECT_EQ(ask("-" + std::to_string(start + 10)), "0");
+    EXPECT_EQ(file.unlockRange(start, 9), 1) << "not as it was locked";
+    EXPECT_EQ(file.unlockRange(start, 10), 0);
+    EXPECT_EQ(ask("+" + at), "0");
+    EXPECT_EQ(file.lockRange(start, 10), 1);
+  }
+  child.kill();
+  EXPECT_EQ(file.lockRange(0, 10), 0) << "the locks of a process that is gone are gone";
+}
+
+TEST_F(FileObject, TimesAreKeptTo100Nanoseconds) {
+  ZoFile file;
+  ASSERT_EQ(file.open(name(L"f"), ZoFile::kReadWrite, ZoFile::kCreateNew), 0);
+  const std::uint64_t written = 133'000'000'123'456'789, accessed = 132'999'999'987'654'321;
+  EXPECT_EQ(file.setLastWriteTime(timeOf(written)), 0);
+  EXPECT_EQ(file.setLastAccessTime(timeOf(accessed)), 0);
+  EXPECT_EQ(ticks(file.lastWriteTime()), written);
+  EXPECT_EQ(ticks(file.lastAccessTime()), accessed) << "each setter leaves the other times";
+  // Not every file system keeps the time of creation; what was set or what was there must be read.
+  const std::uint64_t before = ticks(file.creationTime());
+  const std::uint64_t created = 132'888'888'888'888'888;
+  EXPECT_EQ(file.setCreationTime(timeOf(created)), 0);
+  EXPECT_TRUE(ticks(file.creationTime()) == created || ticks(file.creationTime()) == before);
+  EXPECT_EQ(ticks(file.lastWriteTime()), written);
+}
+
+TEST_F(FileObject, TemporaryFilesAreNewAndNamedAfterTheWish) {
+  ZoFile first, second, elsewhere;
+  ZoFileName one = name(L"part.dwg"), two = one, plain;
+  put(name(L"part.dwg"), "old");
+  ASSERT_EQ(first.createTemp(one), 0);
+  ASSERT_EQ(
+      second.createTemp(two, ZoFile::kReadWrite, ZoFile::kCreateAlways, 0, ZoFile::kDeleteOnClose),
+      0);
+  ASSERT_EQ(elsewhere.createTemp(plain, ZoFile::kReadWrite, ZoFile::kCreateNew, 0,
+                                 ZoFile::kDeleteOnClose),
+            0);
+  EXPECT_FALSE(one == two);
+  for (const ZoFileName* made : {&one, &two}) {
+    EXPECT_STREQ(made->directory(), name(L"x").directory());
+    EXPECT_STREQ(made->extension(), L".dwg");
+    EXPECT_EQ(std::wstring(made->fileName()).substr(0, 4), L"part");
+    EXPECT_EQ(std::wstring(made->fileName()).size(), 12u);
+    EXPECT_TRUE(exists(*made));
+  }
+  EXPECT_EQ(first.name(), one);
+  EXPECT_EQ(first.write("new", 3), 3u);
+  EXPECT_EQ(bytesOf(name(L"part.dwg")), "old");
+  ZoFileName temp;
+  ASSERT_EQ(ZoFileName(std::filesystem::temp_directory_path().wstring().c_str())
+                .isEqual(ZoFileName((std::wstring(plain.drive()) + plain.directory()).c_str())),
+            true)
+      << std::string(std::filesystem::path(plain.fullName()).string());
+  EXPECT_STREQ(plain.extension(), L".tmp");
+  EXPECT_EQ(second.close(), 0);
+  EXPECT_FALSE(exists(two)) << "deleted on close";
+  for (const auto mode : {ZoFile::kOpenExisting, ZoFile::kTruncateExisting}) {
+    ZoFileName kept = name(L"kept");
+    EXPECT_EQ(second.createTemp(kept, ZoFile::kReadWrite, mode), 1);
+    EXPECT_EQ(kept, name(L"kept"));
+  }
+  ZoFileName nowhere = name(L"no folder\\f");
+  EXPECT_EQ(second.createTemp(nowhere), 1);
+  EXPECT_EQ(nowhere, name(L"no folder\\f"));
+  // A name that is taken is left alone, and the next one tried.
+  FaultyFiles files;
+  files.arm({.fault = Fault::fail, .call = "create", .error = ERROR_FILE_EXISTS});
+  ZoFileName another = name(L"x");
+  EXPECT_EQ(second.createTemp(another), 0);
+  EXPECT_EQ(files.calls(), (std::vector<std::string>{"create", "create"}));
+}
+
+TEST_F(FileObject, AStreamTakesTheFileOver) {
+  struct Case {
+    const wchar_t* mode;  // null: through the flags
+    bool text, writable;
+    int access;
+    bool works;
+  } const cases[] = {
+      {nullptr, true, false, ZoFile::kRead, true},
+      {nullptr, false, false, ZoFile::kReadWrite, true},
+      {nullptr, false, true, ZoFile::kReadWrite, true},
+      {nullptr, true, true, ZoFile::kReadWrite, true},
+      {nullptr, false, true, ZoFile::kRead, false},
+      {L"rb", false, false, ZoFile::kRead, true},
+      {L"r+b", false, true, ZoFile::kReadWrite, true},
+      {L"w+b", false, true, ZoFile::kReadWrite, true},
+      {L"ab", false, true, ZoFile::kReadWrite, true},
+      {L"", false, false, ZoFile::kRead, false},
+      {L"x", false, false, ZoFile::kRead, false},
+      {L"r,ccs=UTF-8", false, false, ZoFile::kRead, false},
+  };
+  for (const Case& c : cases) {
+    const std::string shown = std::to_string(&c - cases);
+    put(name(L"f"), "ab\r\ncd");
+    ZoFile file;
+    ASSERT_EQ(file.open(name(L"f"), c.access, ZoFile::kOpenExisting, kShareAll), 0);
+    ASSERT_EQ(file.seek(1), 1);
+    std::FILE* const stream =
+        c.mode ? file.getCFileHandle(c.mode) : file.getCFileHandle(c.text, c.writable);
+    ASSERT_EQ(stream != nullptr, c.works) << shown;
+    EXPECT_EQ(file.isOpen(), !c.works) << shown;
+    if (!stream) {
+      EXPECT_EQ(readAll(file), "b\r\ncd") << shown << ": untouched";
+      continue;
+    }
+    if (!c.mode || c.mode[0] == L'r') {
+      char line[10] = {};
+      EXPECT_EQ(std::fread(line, 1, 3, stream), 3u) << shown;
+      EXPECT_EQ(std::string(line), c.text ? "b\nc" : "b\r\n") << shown;
+      std::fseek(stream, 0, SEEK_CUR);
+    }
+    EXPECT_EQ(std::fputs("!", stream) >= 0 && std::fflush(stream) == 0, c.writable) << shown;
+    std::fclose(stream);
+    ASSERT_EQ(file.open(name(L"f"), ZoFile::kRead, ZoFile::kOpenExisting, 0), 0) << "closed";
+  }
+  EXPECT_EQ(ZoFile().getCFileHandle(nullptr), nullptr);
+}
+
+TEST_F(FileObject, AStreamThatCannotBeMadeLeavesTheFile) {
+  put(name(L"f"), "abc");
+  ZoFile file;
+  ASSERT_EQ(file.open(name(L"f")), 0);
+  FaultyFiles files;
+  files.arm({.fault = Fault::fail, .call = "duplicate"});
+  EXPECT_EQ(file.getCFileHandle(false, false), nullptr);
+  EXPECT_TRUE(files.met());
+  EXPECT_EQ(readAll(file), "abc");
+}
+
+TEST_F(FileObject, CopiesShareThePositionAndMovesTakeTheFile) {
+  put(name(L"f"), "abcdef");
+  const unsigned long before = openHandles();
+  {
+    ZoFile file;
+    ASSERT_EQ(file.open(name(L"f"), ZoFile::kRead, ZoFile::kOpenExisting, kShareAll), 0);
+    ZoFile copy(file);
+    char c;
+    EXPECT_EQ(copy.read(&c, 1), 1u);
+    EXPECT_EQ(file.currentPos(), 1) << "one position";
+    EXPECT_EQ(copy.name(), file.name());
+    EXPECT_EQ(file.close(), 0);
+    EXPECT_EQ(readAll(copy), "bcdef") << "closed when both are";
+
+    ZoFile writer(copy, static_cast<unsigned int>(ZoFile::kWrite));
+    ASSERT_TRUE(writer.isOpen());
+    EXPECT_EQ(writer.currentPos(), 0) << "a position of its own";
+    EXPECT_EQ(writer.write("X", 1), 1u);
+    EXPECT_EQ(writer.accessMode(), 0x40000000u);
+    EXPECT_EQ(copy.currentPos(), 6);
+
+    ZoFile moved(std::move(copy));
+    EXPECT_FALSE(copy.isOpen());
+    EXPECT_EQ(moved.seekToBegin(), 0);
+    EXPECT_EQ(readAll(moved), "Xbcdef");
+    EXPECT_EQ(copy.open(name(L"f"), ZoFile::kRead, ZoFile::kOpenExisting, kShareAll), 0)
+        << "usable again";
+    moved = std::move(copy);
+    EXPECT_EQ(readAll(moved), "Xbcdef");
+    ZoFile& self = moved;
+    moved = self;
+    EXPECT_TRUE(moved.isOpen());
+    file = moved;
+    EXPECT_TRUE(file.isOpen());
+    file = ZoFile();
+    EXPECT_FALSE(file.isOpen());
+    // A copy that asks for more than the sharing allows has no file.
+    ASSERT_EQ(file.open(name(L"g"), ZoFile::kWrite, ZoFile::kCreateNew, ZoFile::kShareNone), 0);
+    EXPECT_FALSE(ZoFile(file, static_cast<unsigned int>(ZoFile::kRead)).isOpen());
+  }
+  EXPECT_EQ(openHandles(), before);
+}
+
+TEST_F(FileObject, HandlesAreTakenOverAndGiven) {
+  const HANDLE raw =
+      CreateFileW(name(L"f").fullName(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+  ZoFile file(raw);
+  EXPECT_TRUE(file.isOpen());
+  EXPECT_EQ(file.handle(), raw);
+  EXPECT_EQ(file.write("raw", 3), 3u);
+  EXPECT_EQ(file.handle(true), raw);
+  EXPECT_FALSE(file.isOpen());
+  EXPECT_TRUE(CloseHandle(raw)) << "nobody else closed it";
+  EXPECT_EQ(bytesOf(name(L"f")), "raw");
+}
+
+TEST_F(FileObject, EveryFailureIsReportedUnderItsName) {
+  RecordingFileSystem service;
+  put(name(L"f"), "abc");
+  ZoFile file(new ZoFileImp(&service));
+  ASSERT_EQ(file.open(name(L"f"), ZoFile::kReadWrite), 0);
+  ZoFileName temp = name(L"t");
+  char byte = 'x';
+  struct Case {
+    const char* call;
+    const wchar_t* reported;
+    std::function<std::int64_t()> run;
+    std::int64_t result;
+  } const cases[] = {
+      {"read", L"read", [&] { return file.read(&byte, 1); }, 0},
+      {"write", L"write", [&] { return file.write(&byte, 1); }, 0},
+      {"seek", L"seek", [&] { return file.seek(1); }, -1},
+      {"seek", L"seek", [&] { return file.currentPos(); }, -1},
+      {"setEnd", L"setEndOfFile", [&] { return file.setEndOfFile(); }, 1},
+      {"lock", L"lockRange", [&] { return file.lockRange(0, 1); }, 1},
+      {"unlock", L"unlockRange", [&] { return file.unlockRange(0, 1); }, 1},
+      {"flush", L"flush", [&] { return file.flush(); }, 1},
+      {"size", L"size", [&] { return file.size(); }, -1},
+      {"information", L"attributes", [&] { return file.attributes(); }, 0},
+      {"information", L"creationTime", [&] { return ticks(file.creationTime()); }, 0},
+      {"information", L"lastAccessTime", [&] { return ticks(file.lastAccessTime()); }, 0},
+      {"information", L"lastWriteTime", [&] { return ticks(file.lastWriteTime()); }, 0},
+      {"setTimes", L"setCreationTime", [&] { return file.setCreationTime({}); }, 1},
+      {"setTimes", L"setLastAccessTime", [&] { return file.setLastAccessTime({}); }, 1},
+      {"setTimes", L"setLastWriteTime", [&] { return file.setLastWriteTime({}); }, 1},
+      {"duplicate", L"open", [&] { return ZoFile(file).isOpen(); }, 0},
+      {"reopen", L"open", [&] { return ZoFile(file, 0x80000000U).isOpen(); }, 0},
+      {"close", L"close", [&] { return file.close(); }, 1},
+      {"create", L"open", [&] { return file.open(name(L"f")); }, 1},
+      {"create", L"createTemp", [&] { return file.createTemp(temp); }, 1},
+  };
+  FaultyFiles files;
+  DWORD error = 1000;
+  for (const Case& c : cases) {
+    files.arm({.fault = Fault::fail, .call = c.call, .error = ++error});
+    service.operations.clear();
+    EXPECT_EQ(c.run(), c.result) << c.call;
+    EXPECT_EQ(service.operations, Names{c.reported}) << c.call;
+    EXPECT_EQ(service.lastError, error) << c.call << ": nothing may come between";
+    EXPECT_EQ(service.errorTxt().view(), messageOf(error));
+  }
+}
+
+// A file in memory, as an archive's member may be one.
+class MemoryFile : public ZoFileImp {
+ public:
+  explicit MemoryFile(std::string bytes) : bytes_(std::move(bytes)) {}
+  [[nodiscard]] ZoFileImp* clone() const override { return new MemoryFile(bytes_); }
+  [[nodiscard]] bool isOpen() const noexcept override { return true; }
+  unsigned int read(void* buffer, unsigned int count) override {
+    const std::size_t n = bytes_.copy(static_cast<char*>(buffer), count, at_);
+    at_ += n;
+    return static_cast<unsigned int>(n);
+  }
+  std::int64_t seek(std::int64_t offset, ZoFile::MoveMethod method) override {
+    if (method == ZoFile::kBegin) at_ = static_cast<std::size_t>(offset);
+    return static_cast<std::int64_t>(at_);
+  }
+  [[nodiscard]] std::int64_t size() override { return static_cast<std::int64_t>(bytes_.size()); }
+
+ private:
+  std::string bytes_;
+  std::size_t at_ = 0;
+};
+
+TEST_F(FileObject, AnythingCanServeAsAFile) {
+  ZoFile file(new MemoryFile("in memory"));
+  EXPECT_TRUE(file.isOpen());
+  EXPECT_EQ(file.size(), 9);
+  EXPECT_EQ(file.seek(3), 3);
+  EXPECT_EQ(readAll(file), "memory");
+  EXPECT_EQ(file.currentPos(), 9);
+  EXPECT_EQ(file.write("x", 1), 0u) << "what is not served is refused";
+  EXPECT_EQ(file.handle(), INVALID_HANDLE_VALUE);
+  ZoFile copy(file);
+  EXPECT_EQ(readAll(copy), "in memory");
+  auto* const plain = new ZoFileImp;
+  EXPECT_EQ(file.setImpObj(plain), 0);
+  EXPECT_EQ(file.getImpObj(), plain);
+  EXPECT_EQ(file.setImpObj(plain), 0) << "the same one stays";
+  EXPECT_FALSE(file.isOpen());
+  EXPECT_EQ(file.setImpObj(nullptr), 0);
+  EXPECT_NE(file.getImpObj(), nullptr) << "made when asked for";
+}
+
+TEST_F(FileObject, FilesThatChangeBetweenTwoCallsAreErrorsOrStay) {
+  put(name(L"gone"), "abc");
+  ZoFile file, other;
+  ASSERT_EQ(file.open(name(L"gone"), ZoFile::kRead, ZoFile::kOpenExisting, kShareAll), 0);
+  ASSERT_TRUE(DeleteFileW(name(L"gone").fullName()));
+  EXPECT_EQ(readAll(file), "abc") << "an open file stays until it is closed";
+  EXPECT_EQ(file.close(), 0);
+  EXPECT_EQ(file.open(name(L"gone")), 1);
+  EXPECT_EQ(ZoSystem::fileSystem().errorTxt().view(), messageOf(ERROR_FILE_NOT_FOUND));
+
+  put(name(L"busy"), "abc");
+  ASSERT_EQ(other.open(name(L"busy"), ZoFile::kReadWrite, ZoFile::kOpenExisting, 0), 0);
+  EXPECT_EQ(file.open(name(L"busy")), 1);
+  EXPECT_EQ(ZoSystem::fileSystem().errorTxt().view(), messageOf(ERROR_SHARING_VIOLATION));
+  EXPECT_EQ(other.close(), 0);
+  EXPECT_EQ(file.open(name(L"busy")), 0);
+}
+
+TEST_F(FileObject, LongForeignAndAliasedNamesWork) {
+  std::wstring deep = L"\x44F\x4E00";
+  while (name(deep).fullNameSize() < 400) deep += L"\\" + std::wstring(60, L'd');
+  std::filesystem::create_directories(
+      std::filesystem::path(L"\\\\?\\" + std::wstring(name(deep).fullName())));
+  ZoFile file;
+  ASSERT_EQ(file.open(name(deep + L"\\\xFC.bin"), ZoFile::kReadWrite, ZoFile::kCreateNew), 0);
+  EXPECT_EQ(file.write("deep", 4), 4u);
+  EXPECT_EQ(file.close(), 0);
+  EXPECT_EQ(file.open(name(deep + L"\\\xFC.bin")), 0);
+  EXPECT_EQ(readAll(file), "deep");
+
+  put(name(L"local"), "alias");
+  ZoFileName url(L"ftp://host/part.dwg");
+  EXPECT_EQ(file.open(url), 1);
+  url.setLocalAlias(name(L"local"));
+  EXPECT_EQ(file.open(url), 0);
+  EXPECT_EQ(readAll(file), "alias");
+  EXPECT_EQ(file.name(), url);
+}
+
+}  // namespace
+}  // namespace zo::test

@@ -1,0 +1,170 @@
+// Files of a server, on a real one.
+#include "file_io/faulty_files.h"
+#include "file_io/file_fixture.h"
+#include "file_io/ftp_server.h"
+#include "files/ftp.h"
+
+namespace zo::test {
+namespace {
+
+TEST(FtpNames, AreTakenApartWithTheirPort) {
+  struct Case {
+    const wchar_t *name, *host, *user, *password, *path;
+    unsigned short port;
+  } const cases[] = {
+      {L"ftp://h/x/y", L"h", L"", L"", L"/x/y", 0},
+      {L"FTP://h", L"h", L"", L"", L"/", 0},
+      {L"ftp://h:2121/x", L"h", L"", L"", L"/x", 2121},
+      {L"ftp://u@h/x", L"h", L"u", L"", L"/x", 0},
+      {L"ftp://u:p@h:21/x", L"h", L"u", L"p", L"/x", 21},
+      {L"ftp://u:p@q@h/x@y:z", L"h", L"u", L"p@q", L"/x@y:z", 0},
+      {L"ftp://h:99999/x", L"h", L"", L"", L"/x", 0},
+      {L"ftps://h/x", L"", L"", L"", L"", 0},  // not what is spoken here
+      {L"http://h/x", L"", L"", L"", L"", 0},
+      {L"C:\\ftp", L"", L"", L"", L"", 0},
+  };
+  for (const Case& c : cases) {
+    const FtpAddress address = ftpAddress(ZoFileName(c.name));
+    EXPECT_EQ(address.host, c.host);
+    EXPECT_EQ(address.user, c.user);
+    EXPECT_EQ(address.password, c.password);
+    EXPECT_EQ(address.path, c.path);
+    EXPECT_EQ(address.port, c.port);
+  }
+  EXPECT_TRUE(sameServer(ZoFileName(L"ftp://u@h/a"), ZoFileName(L"FTP://u@H/b")));
+  EXPECT_FALSE(sameServer(ZoFileName(L"ftp://u@h/a"), ZoFileName(L"ftp://v@h/a")));
+  EXPECT_FALSE(sameServer(ZoFileName(L"http://h/a"), ZoFileName(L"http://h/b")));
+}
+
+using RemoteNames = FileTest;
+
+TEST_F(RemoteNames, HaveALocalPlaceThatNeverLeadsElsewhere) {
+  ZoFileSystem& fs = ZoSystem::fileSystem();
+  ZoFileName temp, local(L"unchanged");
+  ASSERT_EQ(fs.getTempPath(temp), 0);
+  const std::wstring base = std::wstring(temp.view()) + L"zo_remote\\";
+  const std::pair<const wchar_t*, const wchar_t*> cases[] = {
+      {L"ftp://u:p@host/dir/f.dwg", L"host\\dir\\f.dwg"},
+      {L"ftp://host:2121//a//f", L"host_2121\\a\\f"},
+      {L"ftp://host/../../f", L"host\\_.._\\_.._\\f"},
+      {L"ftp://host/a\\..\\b", L"host\\a_.._b"},
+      {L"ftp://host/nul/con.txt", L"host\\_nul_\\_con.txt_"},
+      {L"ftp://host/C:/x", L"host\\C_\\x"},
+      {L"ftp://../f. ", L"_.._\\_f. _"},
+  };
+  for (const auto& [remote, place] : cases) {
+    EXPECT_EQ(fs.isRemote(ZoFileName(remote), local), 0);
+    EXPECT_EQ(std::wstring(local.view()), base + place);
+  }
+  ZoFileName aliased(L"ftp://host/f");
+  aliased.setLocalAlias(name(L"alias"));
+  EXPECT_EQ(fs.isRemote(aliased, local), 0);
+  EXPECT_EQ(local, name(L"alias"));
+  for (const wchar_t* other : {L"C:\\f", L"http://host/f", L"", L"f"}) {
+    local = L"unchanged";
+    EXPECT_EQ(fs.isRemote(ZoFileName(other), local), 1);
+    EXPECT_EQ(local, L"unchanged");
+    EXPECT_EQ(fs.getRemote(ZoFileName(other), local), 3);
+    EXPECT_EQ(fs.putRemote(name(L"f"), ZoFileName(other)), 3);
+  }
+}
+
+class Remote : public FileTest {
+ protected:
+  void SetUp() override {
+    if (!server_.isRunning()) GTEST_SKIP() << "there is no FTP server here (python3-pyftpdlib)";
+  }
+  ZoFileSystem& fs() { return ZoSystem::fileSystem(); }
+  ZoFileName remote(const std::wstring& path) { return ZoFileName(server_.url(path).c_str()); }
+  // On the server's disk.
+  ZoFileName stored(const std::wstring& relative) {
+    return ZoFileName((server_.folder() / relative).wstring().c_str());
+  }
+  FtpServer server_;
+};
+
+TEST_F(Remote, FilesGoToTheServerAndBack) {
+  std::string content(300'000, '\0');
+  for (size_t i = 0; i < content.size(); ++i) content[i] = static_cast<char>(i * 7);
+  put(name(L"f"), content);
+  EXPECT_EQ(fs().putRemote(name(L"f"), remote(L"/part.dwg")), 0);
+  EXPECT_TRUE(bytesOf(stored(L"part.dwg")) == content);
+  put(name(L"f"), "shorter");
+  EXPECT_EQ(fs().putRemote(name(L"f"), remote(L"/part.dwg")), 0) << "replaces";
+  EXPECT_EQ(bytesOf(stored(L"part.dwg")), "shorter");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(server_.folder()), {}), 1);
+
+  ZoFileName local = name(L"new folder\\below\\back");
+  EXPECT_EQ(fs().getRemote(remote(L"/part.dwg"), local), 0);
+  EXPECT_EQ(bytesOf(local), "shorter");
+  put(stored(L"part.dwg"), "changed");
+  EXPECT_EQ(fs().getRemote(remote(L"/part.dwg"), local, true), 1);
+  EXPECT_EQ(fs().errorTxt().view(), messageOf(ERROR_FILE_EXISTS));
+  EXPECT_EQ(bytesOf(local), "shorter");
+  EXPECT_EQ(fs().getRemote(remote(L"/part.dwg"), local), 0);
+  EXPECT_EQ(bytesOf(local), "changed");
+  EXPECT_EQ(listing(),
+            (Names{L"f", L"new folder\\", L"new folder\\below\\", L"new folder\\below\\back"}));
+  // Without a name of its own the copy gets its place, and anonymous users may read.
+  ZoFileName place, expected;
+  const ZoFileName anonymous(server_.url(L"/part.dwg", L"").c_str());
+  EXPECT_EQ(fs().getRemote(anonymous, place), 0);
+  EXPECT_EQ(fs().isRemote(anonymous, expected), 0);
+  EXPECT_EQ(place, expected);
+  EXPECT_EQ(bytesOf(place), "changed");
+  ZoFileName host = place;
+  host.setFileNameExt(nullptr);
+  EXPECT_EQ(fs().erase(host, ZoFileSystem::kTree), 0);
+}
+
+TEST_F(Remote, FailuresLeaveBothSidesAsTheyWere) {
+  put(stored(L"f"), "server's");
+  put(name(L"local"), "ours");
+  ZoFileName local = name(L"local");
+  EXPECT_EQ(fs().getRemote(remote(L"/missing"), local), 1);
+  EXPECT_EQ(fs().getRemote(ZoFileName(server_.url(L"/f", L"u:wrong@").c_str()), local), 1);
+  EXPECT_EQ(fs().putRemote(name(L"missing"), remote(L"/f")), 1);
+  EXPECT_EQ(fs().putRemote(name(L"local"), ZoFileName(server_.url(L"/f", L"").c_str())), 1)
+      << "anonymous users may not write";
+  EXPECT_EQ(fs().putRemote(name(L"local"), remote(L"/missing/f")), 1);
+  // The disk is full when the fetched file is to take its place.
+  FaultyFiles files;
+  files.arm({.fault = Fault::fail, .call = "move"});
+  EXPECT_EQ(fs().getRemote(remote(L"/f"), local), 1);
+  EXPECT_EQ(fs().errorTxt().view(), messageOf(ERROR_DISK_FULL));
+  EXPECT_EQ(bytesOf(name(L"local")), "ours");
+  EXPECT_EQ(bytesOf(stored(L"f")), "server's");
+  EXPECT_EQ(listing(), Names{L"local"});
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(server_.folder()), {}), 1);
+  put(stored(L"broken"), std::string(2'000'000, 'b'));
+  EXPECT_EQ(fs().getRemote(remote(L"/broken"), local), 1) << "the server broke off";
+  EXPECT_EQ(bytesOf(name(L"local")), "ours");
+  EXPECT_EQ(listing(), Names{L"local"});
+}
+
+TEST_F(Remote, DirectoriesAreMadeRenamedAndErased) {
+  EXPECT_EQ(fs().createDirectory(remote(L"/a")), 0);
+  EXPECT_EQ(fs().createDirectory(remote(L"/a")), 1);
+  EXPECT_EQ(fs().createDirectory(remote(L"/a/b")), 0);
+  put(stored(L"a\\b\\f"), "x");
+  put(stored(L"a\\one.bak"), "x");
+  put(stored(L"a\\two.dwg"), "x");
+  EXPECT_EQ(fs().move(remote(L"/a/b/f"), remote(L"/a/g")), 0);
+  EXPECT_EQ(fs().move(remote(L"/a/missing"), remote(L"/a/h")), 1);
+  EXPECT_EQ(bytesOf(stored(L"a\\g")), "x");
+  EXPECT_EQ(fs().erase(remote(L"/a/"), ZoFileSystem::kBackups), 0);
+  EXPECT_FALSE(exists(stored(L"a\\one.bak")));
+  EXPECT_TRUE(exists(stored(L"a\\two.dwg")));
+  EXPECT_EQ(fs().erase(remote(L"/a/g"), ZoFileSystem::kFile), 0);
+  EXPECT_EQ(fs().erase(remote(L"/a/g"), ZoFileSystem::kFile), 1);
+  EXPECT_EQ(fs().erase(remote(L"/a"), ZoFileSystem::kDirectory), 1) << "not empty";
+  EXPECT_EQ(fs().erase(remote(L"/a/b"), ZoFileSystem::kDirectory), 0);
+  EXPECT_EQ(fs().createDirectory(remote(L"/a/deep")), 0);
+  put(stored(L"a\\deep\\f"), "x");
+  EXPECT_EQ(fs().erase(remote(L"/"), ZoFileSystem::kTree), 1) << "never the root";
+  EXPECT_EQ(fs().erase(remote(L"/a"), ZoFileSystem::kTree), 0);
+  EXPECT_TRUE(std::filesystem::is_empty(server_.folder()));
+}
+
+}  // namespace
+}  // namespace zo::test
