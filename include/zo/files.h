@@ -1,4 +1,4 @@
-// Files: names, file objects, the services for files, and handles of objects in the host's drawings.
+// Files: names, file objects, the services for files, and handles of the host's objects.
 #pragma once
 
 #include <zo/files/file.h>

@@ -52,8 +52,8 @@ bool TargetFile::open(const wchar_t* name) {
   name_ = name;
   do {  // a killed process of the same number may have left a file
     temporary_ = temporaryBeside(name_);
-    file_ = Handle(fileApi().create(temporary_.c_str(), GENERIC_WRITE, 0, CREATE_NEW,
-                                    FILE_ATTRIBUTE_NORMAL));
+    file_ = Handle(
+        fileApi().create(temporary_.c_str(), GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL));
   } while (!file_ && GetLastError() == ERROR_FILE_EXISTS);
   if (!file_) temporary_.clear();
   return static_cast<bool>(file_);
