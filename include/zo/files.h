@@ -1,4 +1,5 @@
-// Files: names, file objects, the services for files, and handles of objects in the host's drawings.
+// Files: names, file objects, the services for files, and handles of objects in the host's
+//          drawings.
 #pragma once
 
 #include <zo/files/file.h>

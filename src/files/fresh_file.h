@@ -22,8 +22,8 @@ struct FreshFile {
 [[nodiscard]] FreshFile createFresh(std::wstring_view stem, std::wstring_view ending,
                                     unsigned long access, unsigned long share, unsigned long flags);
 
-// Stem and ending for a temporary file that is to be called like `name`, in its folder; what it does
-// not have is taken from the platform's folder for temporary files, "zo" and ".tmp".
+// Stem and ending for a temporary file that is to be called like `name`, in its folder; what it
+// does not have is taken from the platform's folder for temporary files, "zo" and ".tmp".
 [[nodiscard]] std::wstring temporaryStem(const ZoFileName& name);
 [[nodiscard]] std::wstring temporaryEnding(const ZoFileName& name);
 

@@ -1,9 +1,9 @@
 // The platform's file functions behind one door, so that a layer can stand between them and the
 // library: what fails the n-th call, shortens a write or ends the process there.
 //
-// Each function is the platform's one with the parameters that the library uses; `bool` is its BOOL,
-// and a failure leaves its reason in GetLastError(). Names are passed on as they are: SystemPath
-// (zo/platform/system_path.h) comes before.
+// Each function is the platform's one with the parameters that the library uses; `bool` is its
+// BOOL, and a failure leaves its reason in GetLastError(). Names are passed on as they are:
+// SystemPath (zo/platform/system_path.h) comes before.
 //
 // Threads: any; a layer is put in and taken out while no other thread uses files.
 #pragma once

@@ -25,9 +25,9 @@ class SystemPath {
   std::wstring long_;
 };
 
-// What a call of the platform writes whose result is a count of characters: asked with the size of a
-// buffer and the buffer, it gives what it wrote, or the size it needs, or 0 for a failure. Nothing
-// comes of a failure, and GetLastError() is then as the call left it.
+// What a call of the platform writes whose result is a count of characters: asked with the size of
+// a buffer and the buffer, it gives what it wrote, or the size it needs, or 0 for a failure.
+// Nothing comes of a failure, and GetLastError() is then as the call left it.
 template <class Call>
 std::wstring textOf(Call call) {
   std::wstring text(260, L'\0');

@@ -1,5 +1,5 @@
-// A real FTP server for a test, on a free port of the loopback; it ends with its object, or with the
-// process. User "u", password "p".
+// A real FTP server for a test, on a free port of the loopback; it ends with its object, or with
+// the process. User "u", password "p".
 #pragma once
 
 #include <filesystem>

@@ -4,21 +4,22 @@
 //   if (file.open(name, ZoFile::kRead)) return report(ZoSystem::fileSystem().errorTxt());
 //   const unsigned int got = file.read(buffer, sizeof buffer);
 //
-// A ZoFile owns an implementation object (zo/files/file_imp.h) and passes everything on to it. As it
-// comes, that is a file of the operating system; setImpObj puts any other in its place. Sizes and
-// positions have 64 bits everywhere.
+// A ZoFile owns an implementation object (zo/files/file_imp.h) and passes everything on to it. As
+// it comes, that is a file of the operating system; setImpObj puts any other in its place. Sizes
+// and positions have 64 bits everywhere.
 //
 // Errors:  int results are 0, or 1 after a failure, whose reason is then to be had from the
 //          file-system service's errorTxt(). read and write return the bytes that were moved, which
 //          may be fewer than asked for: at the end of the file, or when the platform moved fewer. A
 //          failure moves 0 and has a reason. Nothing throws but std::bad_alloc.
-// Copies:  a copy of an open file is a second handle on the same opening: both share position, locks
-//          and modes, and the file is closed when both are. A copy with another access mode is an
-//          opening of its own, with a position of its own at the start. A copy that fails has no
-//          file. A moved-from object has none either; it can be opened again.
+// Copies:  a copy of an open file is a second handle on the same opening: both share position,
+//          locks and modes, and the file is closed when both are. A copy with another access mode
+//          is an opening of its own, with a position of its own at the start. A copy that fails has
+//          no file. A moved-from object has none either; it can be opened again.
 // Threads: read, write, seek, setEndOfFile and the setters of times exclude each other within one
 //          object; all else is for one thread at a time, and only while the library is attached.
-// Cost:    one call of the platform each: small pieces are better read and written through a buffer.
+// Cost:    one call of the platform each: small pieces are better read and written through a
+//          buffer.
 #pragma once
 
 #include <zo/config.h>

@@ -9,7 +9,8 @@
 //
 // Errors:  0, or 1 after a failure whose reason the file-system service's errorTxt() gives; 3 for a
 //          URL. After any failure the target is as it was, and the temporary file is removed. A
-//          process that is killed leaves the target old or complete, and perhaps the temporary file.
+//          process that is killed leaves the target old or complete, and perhaps the temporary
+//          file.
 // Threads: one, while the library is attached.
 // Cost:    commit waits for the disk, unless told otherwise.
 #pragma once
@@ -29,8 +30,8 @@ class ZO_COM_API ZoFileSave {
   // to a stream that is closed before the commit.
   [[nodiscard]] ZoFile& file() noexcept { return file_; }
   // Puts the file in the target's place, and is done with it. Refused, and then cancelled, when a
-  // write, seek or flush of it has failed, even if the caller did not look; when nothing was opened;
-  // or when the target is read-only. Without `toDisk` a loss of power may undo it.
+  // write, seek or flush of it has failed, even if the caller did not look; when nothing was
+  // opened; or when the target is read-only. Without `toDisk` a loss of power may undo it.
   int commit(bool toDisk = true);
   // Removes what was written.
   void cancel();

@@ -7,8 +7,8 @@
 //     for (const auto& failure : transfer.failures()) list(failure.source, failure.reason);
 //   }
 //
-// Missing folders of targets are made. Each file is copied beside its target and put in place in one
-// step, with its attributes and the time of its last change, so a target is always as it was or
+// Missing folders of targets are made. Each file is copied beside its target and put in place in
+// one step, with its attributes and the time of its last change, so a target is always as it was or
 // complete, and a source that is to be moved is erased only then. Sources and targets may be FTP
 // names, but not both of one file.
 //

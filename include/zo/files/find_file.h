@@ -10,12 +10,12 @@
 // The pattern is the file name and extension of a name, with * and ?; an empty one stands for "*".
 // It fits names ignoring case; "*.*" fits every name, a final ".*" also a name without extension,
 // and a final "." only such a name. With subfolders, the pattern is for what is found in each of
-// them; every folder is entered right after its own turn, but for links to folders, which could lead
-// in circles. The order within a folder is the file system's.
+// them; every folder is entered right after its own turn, but for links to folders, which could
+// lead in circles. The order within a folder is the file system's.
 //
-// Errors:  open answers 0, 1 when the folder cannot be read, 3 for a URL. A folder below that cannot
-//          be read is left out, and result() is 1 in the end; the reason of the last one is to be had
-//          from the file-system service's errorTxt(). Nothing throws but std::bad_alloc.
+// Errors:  open answers 0, 1 when the folder cannot be read, 3 for a URL. A folder below that
+//          cannot be read is left out, and result() is 1 in the end; the reason of the last one is
+//          to be had from the file-system service's errorTxt(). Nothing throws but std::bad_alloc.
 // Threads: one per object, while the library is attached.
 // Cost:    one open search per level of folders, no list of names. name() is made when it is asked
 //          for.

@@ -18,9 +18,9 @@
 //            3  a URL, where the operation has no use for it
 //            4  move and erase: done in part (see there), and errorTxt() says why
 //          What a failed operation was to fill is as it was. Nothing throws but std::bad_alloc.
-// Safety:  copy, and move to another volume, fill a temporary file beside the target ("name~xxxxxxxx
-//          .tmp") and put it in the target's place in one step: whatever fails, and if the process
-//          is killed, the target is as it was or complete, and the source is there.
+// Safety:  copy, and move to another volume, fill a temporary file beside the target
+//          ("name~xxxxxxxx.tmp") and put it in the target's place in one step: whatever fails, and
+//          if the process is killed, the target is as it was or complete, and the source is there.
 // Threads: any, but there is one error for the whole process: a failure in one thread can replace
 //          the one that another thread is about to ask for.
 #pragma once
@@ -94,8 +94,8 @@ class ZO_COM_API ZoFileSystem : public ZoSysObj {
   // Makes an empty file under a name that was not there, in the directory of `pattern` (that for
   // temporary files when it has none), which begins with the first three characters of its name.
   virtual int getTempFileName(ZoFileName& name, const ZoFileName& pattern) = 0;
-  // The platform's bits; 0 for a failure; 3 for a URL, on purpose the same as for a hidden file that
-  // is read-only.
+  // The platform's bits; 0 for a failure; 3 for a URL, on purpose the same as for a hidden file
+  // that is read-only.
   [[nodiscard]] virtual unsigned int getAttributes(const ZoFileName& name) = 0;
   // Replaces the attributes.
   virtual int subSetAttributes(const ZoFileName& name, unsigned int attributes) = 0;
@@ -114,8 +114,8 @@ class ZO_COM_API ZoFileSystem : public ZoSysObj {
   virtual int getCDRom(ZoSequence<ZoFileName>& drives, ZoSequence<ZoString>& labels) = 0;
 
   // ---- Errors ----
-  // Called at once after a call of the platform failed: keeps the calling thread's last error, which
-  // may then be asked for by errorTxt(). The operation's name is not kept. Returns 0.
+  // Called at once after a call of the platform failed: keeps the calling thread's last error,
+  // which may then be asked for by errorTxt(). The operation's name is not kept. Returns 0.
   virtual int errorIO(const wchar_t* operation) = 0;
   // The system's message for the error that was kept last, in the user's language and as it comes,
   // with its line end; empty for an error without a message.
@@ -130,7 +130,7 @@ class ZO_COM_API ZoFileSystem : public ZoSysObj {
   // name and renamed when it is complete.
   virtual int putRemote(const ZoFileName& local, const ZoFileName& remote) = 0;
   // 0 for a name that getRemote can fetch, and then `local` is where a copy has its place: the
-  // name's local alias, else below "zo_remote" in the directory for temporary files; 1 for any other
-  // name. Asks neither server nor disk.
+  // name's local alias, else below "zo_remote" in the directory for temporary files; 1 for any
+  // other name. Asks neither server nor disk.
   virtual int isRemote(const ZoFileName& name, ZoFileName& local) = 0;
 };
