@@ -1,5 +1,4 @@
-// Files: names, file objects, the services for files, and handles of objects in the host's
-//          drawings.
+// Files: names, file objects, services, searches, transfers; handles of objects in drawings.
 #pragma once
 
 #include <zo/files/file.h>
