@@ -1,4 +1,4 @@
-// Files: names, file objects, the services for files, and handles of the host's objects.
+// Files: names, file objects, services, searches, transfers; handles of objects in drawings.
 #pragma once
 
 #include <zo/files/file.h>

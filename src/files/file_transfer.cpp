@@ -72,8 +72,14 @@ struct ZoFileTransfer::Imp {
   // false when the run is to end.
   bool tell(const Item& item, std::int64_t ofThis) {
     if (cancelled) return false;
-    if (watcher)
-      cancelled = !watcher({item.source, item.target, filesDone, files, bytesDone + ofThis, bytes});
+    if (watcher) {
+      cancelled = !watcher({.source = item.source,
+                            .target = item.target,
+                            .filesDone = filesDone,
+                            .files = files,
+                            .bytesDone = bytesDone + ofThis,
+                            .bytes = bytes});
+    }
     return !cancelled;
   }
 
@@ -161,7 +167,10 @@ struct ZoFileTransfer::Imp {
       if (code == ZoResult::ok) {
         anyDone = true;
       } else if (!cancelled) {
-        failures.append(Failure{item.source, item.target, code, fileSystem().errorTxt()});
+        failures.append(Failure{.source = item.source,
+                                .target = item.target,
+                                .code = code,
+                                .reason = fileSystem().errorTxt()});
       }
       ++filesDone;
       bytesDone += size;

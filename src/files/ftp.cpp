@@ -2,7 +2,7 @@
 
 #include <wininet.h>
 
-#include <cstring>
+#include <bit>
 #include <string_view>
 #include <utility>
 
@@ -19,12 +19,10 @@ struct Internet {
   template <class Function>
   Function find(const char* name) const {
     const FARPROC address = library ? GetProcAddress(library, name) : nullptr;
-    Function function = nullptr;
-    static_assert(sizeof function == sizeof address);
-    std::memcpy(&function, &address, sizeof function);
-    return function;
+    return std::bit_cast<Function>(address);
   }
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): the name of a member cannot stand in them
 #define ZO_INTERNET(name) decltype(&::name) name = find<decltype(&::name)>(#name)
   ZO_INTERNET(InternetOpenW);
   ZO_INTERNET(InternetConnectW);

@@ -31,7 +31,7 @@ HANDLE FileApi::reopen(HANDLE file, DWORD access, DWORD share, DWORD flags) {
 
 HANDLE FileApi::duplicate(HANDLE file) {
   HANDLE copy = nullptr;
-  const HANDLE self = GetCurrentProcess();
+  HANDLE self = GetCurrentProcess();
   return DuplicateHandle(self, file, self, &copy, 0, FALSE, DUPLICATE_SAME_ACCESS) ? copy : nullptr;
 }
 

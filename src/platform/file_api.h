@@ -3,7 +3,7 @@
 //
 // Each function is the platform's one with the parameters that the library uses; `bool` is its
 // BOOL, and a failure leaves its reason in GetLastError(). Names are passed on as they are:
-// SystemPath (zo/platform/system_path.h) comes before.
+// SystemPath (platform/system_path.h) comes before.
 //
 // Threads: any; a layer is put in and taken out while no other thread uses files.
 #pragma once

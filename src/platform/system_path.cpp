@@ -38,7 +38,7 @@ SystemPath::SystemPath(const wchar_t* name) : name_(name) {
     if (isAbsolute(text)) return;
     if (GetFullPathNameW(name, 0, nullptr, nullptr) <= kLongestPlain + 1) return;
   }
-  std::wstring full = fullPath(name);
+  const std::wstring full = fullPath(name);
   if (full.empty() || hasPrefix(full)) return;
   const bool network = full.starts_with(LR"(\\)");
   long_ = network ? LR"(\\?\UNC)" + full.substr(1) : LR"(\\?\)" + full;

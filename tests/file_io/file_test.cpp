@@ -256,7 +256,6 @@ TEST_F(FileObject, TemporaryFilesAreNewAndNamedAfterTheWish) {
   EXPECT_EQ(first.name(), one);
   EXPECT_EQ(first.write("new", 3), 3u);
   EXPECT_EQ(bytesOf(name(L"part.dwg")), "old");
-  ZoFileName temp;
   ASSERT_EQ(ZoFileName(std::filesystem::temp_directory_path().wstring().c_str())
                 .isEqual(ZoFileName((std::wstring(plain.drive()) + plain.directory()).c_str())),
             true)
@@ -272,12 +271,20 @@ TEST_F(FileObject, TemporaryFilesAreNewAndNamedAfterTheWish) {
   ZoFileName nowhere = name(L"no folder\\f");
   EXPECT_EQ(second.createTemp(nowhere), 1);
   EXPECT_EQ(nowhere, name(L"no folder\\f"));
-  // A name that is taken is left alone, and the next one tried.
-  FaultyFiles files;
-  files.arm({.fault = Fault::fail, .call = "create", .error = ERROR_FILE_EXISTS});
+  // A name that somebody takes in the last moment is left alone, and the next one tried.
+  struct Taken : FaultyFiles {
+    HANDLE create(const wchar_t* wanted, DWORD access, DWORD share, DWORD disposition,
+                  DWORD flags) override {
+      if (std::exchange(first, false)) put(taken = wanted, "theirs");
+      return FaultyFiles::create(wanted, access, share, disposition, flags);
+    }
+    bool first = true;
+    ZoFileName taken;
+  } files;
   ZoFileName another = name(L"x");
   EXPECT_EQ(second.createTemp(another), 0);
-  EXPECT_EQ(files.calls(), (std::vector<std::string>{"create", "create"}));
+  EXPECT_FALSE(another == files.taken);
+  EXPECT_EQ(bytesOf(files.taken), "theirs");
 }
 
 TEST_F(FileObject, AStreamTakesTheFileOver) {

@@ -12,12 +12,14 @@
 //   taken as it stands.
 //
 // Errors:  int results are
-//            0  success 1  the platform refused: errorIO() was called, and errorTxt() says why 2
-//            no memory for what was to be filled 3  a URL, where the operation has no use for it 4
-//            move and erase: done in part (see there), and errorTxt() says why
+//            0  success
+//            1  the platform refused: errorIO() was called, and errorTxt() says why
+//            2  no memory for what was to be filled
+//            3  a URL, where the operation has no use for it
+//            4  move and erase: done in part (see there), and errorTxt() says why
 //          What a failed operation was to fill is as it was. Nothing throws but std::bad_alloc.
 // Safety:  copy, and move to another volume, fill a temporary file beside the target
-//          ("name~xxxxxxxx .tmp") and put it in the target's place in one step: whatever fails, and
+//          ("name~xxxxxxxx.tmp") and put it in the target's place in one step: whatever fails, and
 //          if the process is killed, the target is as it was or complete, and the source is there.
 // Threads: any, but there is one error for the whole process: a failure in one thread can replace
 //          the one that another thread is about to ask for.
