@@ -1,0 +1,153 @@
+// Libraries: one file that holds many, each under a name of its own, compressed or as it is.
+//
+//   ZoLibrary library;
+//   if (const int code = library.open(L"parts.lib", ZoFile::kReadWrite, ZoFile::kOpenAlways))
+//     return code;
+//   library.addFile(L"C:\\parts\\bolt.dwg", L"bolts/m8.dwg", true);
+//   library.extractFile(L"bolts/m8.dwg", L"C:\\out\\m8.dwg");
+//
+// Names    are kept as they are given, and compared ignoring case. They must have a form in the
+//          system's ANSI code page, of 1 to 65535 bytes; others are refused, never mangled. If
+//          a file holds more than one live member of a name, the first counts.
+// Promise  after a killed process, a full disk, an I/O error or a cancelled call at any instant,
+//          every member that was complete before the call is intact, and the call is wholly done
+//          or wholly absent. docs/formats/library.md has the order of writes that keeps it.
+// Deleted  members stay in the file, and match nothing but recoverFile, until reorganize.
+//
+// Errors:  0, or: 1 not open, a read or write that failed or came short, no such member, or another
+//          failure; 3 a URL as a member's name; 1001 a live member has the name; 1002 no such
+//          member, where a mark in the file ended the search; 1004 not open for writing; 1005
+//          another writer kept the library for longer than the time-out. A failure of the
+//          platform is to be had from the file-system service's errorTxt(). Nothing throws but
+//          std::bad_alloc, and then nothing is changed.
+// Threads: any, also on one object: one call runs at a time in a process. The thread that opened a
+//          library for writing closes it (the platform ties the lock to it). Other processes read
+//          while one writes.
+// Cost:    finding a member is O(1) after a scan at the first search; a scan is repeated when
+//          another process has changed the file. Adding does not depend on what is there.
+// Stored:  docs/formats/library.md.
+#pragma once
+
+#include <zo/config.h>
+#include <zo/files/file.h>
+#include <zo/files/library_entry.h>
+#include <zo/files/library_results.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <memory>
+
+template <class T>
+class ZoSequence;
+
+namespace zo {
+class LibraryCore;
+}
+
+class ZO_COM_API ZoLibrary {
+ public:
+  enum compMode : unsigned int {
+    kStore = 0,
+    kCompress = 1,
+    kAutomatic = 2,  // compressed, unless that is no smaller
+  };
+  // How hard a member is compressed; anything else counts as normal. They reach the file.
+  static constexpr int kFast = 1024, kNormal = 2048, kBest = 4096;
+
+  // Called before a long call begins, within it at intervals of at most some hundred KiB, and at
+  // its end; bytes of the members (reorganize: of the file). False cancels the call, which then
+  // answers 1 and leaves everything as it was.
+  using Watcher = std::function<bool(std::uint64_t done, std::uint64_t total)>;
+
+  ZoLibrary();
+  ZoLibrary(const ZoLibrary&) = delete;
+  ZoLibrary& operator=(const ZoLibrary&) = delete;
+  ZoLibrary(ZoLibrary&& other) noexcept;
+  ZoLibrary& operator=(ZoLibrary&& other) noexcept;
+  ~ZoLibrary();  // closes
+
+  // ---- Opening and closing ----
+  // Opens or makes a library. With kWrite in access the write lock is taken first, waiting for it
+  // at most lockTimeOut ms: a mutex for this machine, and a lock far behind the end of the file for
+  // all others. What a killed writer had begun is then finished or undone. A file that is new or
+  // empty becomes a library without members; any other opens whatever it holds, see isLibrary.
+  int open(const ZoFileName& name, int access = ZoFile::kRead,
+           ZoFile::CreationMode mode = ZoFile::kOpenExisting, unsigned int lockTimeOut = 5000);
+  // Members that are open as files are closed for good: they read and write nothing any more.
+  int close();
+  [[nodiscard]] bool isOpen() const noexcept;
+  [[nodiscard]] bool isWritable() const noexcept;
+  [[nodiscard]] const ZoFileName& name() const noexcept;  // as it was opened
+
+  // ---- Members ----
+  // Adds a file with its three times. `replace` lets it take the place of a live member of that
+  // name, which is refused otherwise. `level` is kFast, kNormal or kBest.
+  int addFile(const ZoFileName& source, const ZoFileName& member, bool replace = false,
+              compMode mode = kCompress, int level = kNormal);
+  // The same from a file object, from its position to its end.
+  int addFile(ZoFile& source, const ZoFileName& member, bool replace = false,
+              compMode mode = kCompress, int level = kNormal);
+  // Writes a member out with its three times, in one step: a target that exists is replaced when
+  // the member was read as a whole and its check value holds, and is as it was otherwise.
+  int extractFile(const ZoFileName& member, const ZoFileName& target);
+  int renameFile(const ZoFileName& member, const ZoFileName& newName);
+  // Marks a member as deleted, or removes it physically, which rewrites the file beside itself and
+  // replaces it in one step.
+  int deleteFile(const ZoFileName& member, bool physically = false);
+  // Undoes a deletion by mark, of the latest deleted member of that name. 1001 when a live member
+  // has the name.
+  int recoverFile(const ZoFileName& member);
+  // Opens a member as a file object (zo/files/lib_file.h): to read it, or with kWrite in access to
+  // write it anew; it is then added, replacing what has the name, when the file is closed. `level`
+  // is kFast, kNormal, kBest, or 0 to store.
+  int getFile(ZoFile& file, const ZoFileName& member, int access = ZoFile::kRead,
+              int level = kNormal);
+  // Opens a member for reading as a stdio stream in binary mode, which the caller closes; null
+  // after a failure. Access for writing is refused: closing a stream could not report a failure.
+  int getCFile(std::FILE** stream, const ZoFileName& member, int access = ZoFile::kRead,
+               int level = kNormal);
+
+  // ---- What is there ----
+  // Adds the names to the sequence, and the times of the last change and the sizes of the members
+  // to the others where given (a size from 4 GiB as 0xFFFFFFFF), in the order of the file.
+  int getFileNames(ZoSequence<ZoFileName>& names, bool withDeleted = false,
+                   ZoSequence<FILETIME>* times = nullptr,
+                   ZoSequence<unsigned int>* sizes = nullptr);
+  // Visits all that the file says of its members, in its order; false from the visitor ends it. No
+  // call on this library from within.
+  int forEachEntry(const std::function<bool(const ZoLibEntry&)>& visit, bool withDeleted = false);
+  // A live member's entry.
+  int getEntry(const ZoFileName& member, ZoLibEntry& entry);
+  [[nodiscard]] bool contains(const ZoFileName& member);
+
+  // ---- The file as a whole ----
+  // Rewrites the file without deleted members, beside itself, and replaces it in one step.
+  // Processes that have it open for reading keep the old one until they open it again.
+  int reorganize();
+  // The 64-bit value that a library keeps for its users. checkSum answers 0 when it is not open.
+  [[nodiscard]] std::uint64_t checkSum();
+  int setCheckSum(std::uint64_t value);
+  // Whether the file begins with a library's mark.
+  [[nodiscard]] bool isLibrary();
+  // The counter in the header: raised by every addFile, never lowered.
+  [[nodiscard]] std::uint32_t counter();
+  // How the members end: 0 with the end of the file or the mark for it, else the number of bytes
+  // that follow the last member and are none: left by a killed writer, or damage.
+  [[nodiscard]] std::uint64_t trailingBytes();
+  // Reads a member as a whole: 0 when it is as it was added, 1000 when its check value is not that
+  // of its bytes, 1 when it cannot be read. A member without protection gives 0 when it can be read.
+  int verify(const ZoLibEntry& entry);
+  // Copies every member that can be read from a damaged library into another one, also such behind
+  // a damage. The report names what was found, as it was read, and its code as by verify; members
+  // are copied when that is 0. Needs no scan that holds; answers 0 when the source could be read.
+  int salvageInto(ZoLibrary& target,
+                  const std::function<bool(const ZoLibEntry&, int code)>& report = {});
+
+  // ---- Long calls ----
+  void onProgress(Watcher watcher);
+  [[nodiscard]] bool wasCancelled() const noexcept;  // the last call that could be
+
+ private:
+  std::shared_ptr<zo::LibraryCore> core_;  // shared with the members that are open as files
+};
