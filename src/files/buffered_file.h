@@ -22,8 +22,10 @@
 namespace zo {
 
 inline constexpr std::size_t kFileBuffer = 64 * 1024;
-// More than this is not asked of a file at once: the platform counts in 32 bits.
-inline constexpr std::size_t kLargestPiece = 1 << 30;
+// What is asked of a file at once: the platform counts in 32 bits.
+[[nodiscard]] inline unsigned int pieceOf(std::size_t count) noexcept {
+  return static_cast<unsigned int>(std::min(count, std::size_t{1} << 30));
+}
 
 class FileReader {
  public:
@@ -97,8 +99,7 @@ class FileReader {
 
   // A file gives nothing at its end as well as for a failure; only its size tells which it was.
   std::size_t fetch(void* out, std::size_t count) {
-    const auto piece = static_cast<unsigned int>(std::min(count, kLargestPiece));
-    const std::size_t moved = file_.read(out, piece);
+    const std::size_t moved = file_.read(out, pieceOf(count));
     if (moved == 0) failed_ = bufferStart_ < file_.size() || file_.size() < 0;
     return moved;
   }
@@ -156,8 +157,7 @@ class FileWriter {
 
   bool store(const std::byte* data, std::size_t count) {
     while (count > 0 && !failed_) {
-      const std::size_t moved =
-          file_.write(data, static_cast<unsigned int>(std::min(count, kLargestPiece)));
+      const std::size_t moved = file_.write(data, pieceOf(count));
       if (moved == 0) {
         failed_ = true;
         capacity_ = 0;  // so that every write comes past here

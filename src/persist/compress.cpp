@@ -28,8 +28,12 @@ int ZoCompress::operator()(const char* in, char*& out, unsigned int& outSize) co
   return imp_ ? (*imp_)(in, out, outSize) : ZoResult::refused;
 }
 
-int ZoCompress::operator()(const wchar_t* in, const wchar_t* out) const {
+int ZoCompress::operator()(ZoFile& in, ZoFile& out) const {
   return imp_ ? (*imp_)(in, out) : ZoResult::refused;
+}
+
+int ZoCompress::operator()(const ZoFileName& in, const ZoFileName& out) const {
+  return imp_ ? zo::betweenNames(in, out, *this) : ZoResult::refused;
 }
 
 // ---- The operations ----
@@ -58,20 +62,10 @@ int ZoCompressImp::operator()(const char* in, char*& out, unsigned int& outSize)
   return ZoResult::ok;
 }
 
-int ZoCompressImp::operator()(const wchar_t* in, const wchar_t* out) const noexcept {
-  if (!in || !out) return ZoResult::refused;
-  try {
-    zo::FileSink target;
-    {
-      zo::FileStore store;
-      if (!store.open(in) || !target.open(out)) return ZoResult::refused;
-      zo::PartSource source(store, 0, store.size());
-      if (zo::compressStream(source, store.size(), zo::levelOf(mode_), target)) {
-        return ZoResult::refused;
-      }
-    }
-    return target.commit() ? ZoResult::ok : ZoResult::refused;
-  } catch (const std::bad_alloc&) {
-    return ZoResult::refused;
-  }
+int ZoCompressImp::operator()(ZoFile& in, ZoFile& out) const noexcept {
+  return zo::betweenFiles(in, out, [this](zo::FileStore& store, zo::FileSink& sink) {
+    zo::PartSource source(store, 0, store.size());
+    return zo::compressStream(source, store.size(), zo::levelOf(mode_), sink) ? ZoResult::refused
+                                                                              : ZoResult::ok;
+  });
 }

@@ -3,6 +3,8 @@
 
 #include <zo/persist/zip.h>
 
+class ZoFile;
+
 class ZoCompressImp {
  public:
   explicit ZoCompressImp(ZoZip::compressMode mode) noexcept : mode_(mode) {}
@@ -10,7 +12,7 @@ class ZoCompressImp {
   int setMode(ZoZip::compressMode mode) noexcept;
   [[nodiscard]] bool compressFast() const noexcept { return mode_ == ZoZip::fast; }
   int operator()(const char* in, char*& out, unsigned int& outSize) const noexcept;
-  int operator()(const wchar_t* in, const wchar_t* out) const noexcept;
+  int operator()(ZoFile& in, ZoFile& out) const noexcept;
 
  private:
   ZoZip::compressMode mode_;

@@ -24,8 +24,12 @@ int ZoExplode::operator()(const char* in, unsigned int inSize, char*& out,
   return imp_ ? (*imp_)(in, inSize, out, outSize) : ZoResult::refused;
 }
 
-int ZoExplode::operator()(const wchar_t* in, const wchar_t* out) const {
+int ZoExplode::operator()(ZoFile& in, ZoFile& out) const {
   return imp_ ? (*imp_)(in, out) : ZoResult::refused;
+}
+
+int ZoExplode::operator()(const ZoFileName& in, const ZoFileName& out) const {
+  return imp_ ? zo::betweenNames(in, out, *this) : ZoResult::refused;
 }
 
 // ---- The operations ----
@@ -45,19 +49,6 @@ int ZoExplodeImp::operator()(const char* in, unsigned int inSize, char*& out,
   return result;
 }
 
-int ZoExplodeImp::operator()(const wchar_t* in, const wchar_t* out) const noexcept {
-  if (!in || !out) return ZoResult::refused;
-  try {
-    zo::FileSink target;
-    int result = ZoResult::refused;
-    {
-      zo::FileStore store;
-      if (!store.open(in) || !target.open(out)) return ZoResult::refused;
-      result = zo::explodeStream(store, target);
-    }
-    if (result == ZoResult::refused) return result;
-    return target.commit() ? result : ZoResult::refused;
-  } catch (const std::bad_alloc&) {
-    return ZoResult::refused;
-  }
+int ZoExplodeImp::operator()(ZoFile& in, ZoFile& out) const noexcept {
+  return zo::betweenFiles(in, out, zo::explodeStream);
 }

@@ -5,8 +5,8 @@
 namespace zo {
 
 OutputFile::OutputFile(const wchar_t* name) noexcept
-    : file_(CreateFileW(name ? name : L"", GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
-                        FILE_ATTRIBUTE_NORMAL, nullptr)) {
+    : file_(fileApi().create(name ? name : L"", GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS,
+                             FILE_ATTRIBUTE_NORMAL)) {
   if (!file_) fail(GetLastError());
 }
 
@@ -16,7 +16,7 @@ void OutputFile::write(const void* bytes, size_t count) noexcept {
   while (count > 0 && error_ == 0) {
     const auto portion = static_cast<DWORD>(std::min(count, kMost));
     DWORD written = 0;
-    if (!writeSome(rest, portion, written)) return fail(GetLastError());
+    if (!fileApi().write(file_.get(), rest, portion, written)) return fail(GetLastError());
     // A disk file takes all or fails; a call that takes less has met the end of the medium.
     if (written != portion) return fail(ERROR_HANDLE_DISK_FULL);
     rest += portion;
@@ -25,12 +25,8 @@ void OutputFile::write(const void* bytes, size_t count) noexcept {
 }
 
 int OutputFile::close() noexcept {
-  if (file_ && !CloseHandle(file_.release())) fail(GetLastError());
+  if (!file_.close()) fail(GetLastError());
   return error();
-}
-
-bool OutputFile::writeSome(const void* bytes, DWORD count, DWORD& written) noexcept {
-  return WriteFile(file_.get(), bytes, count, &written, nullptr) != 0;
 }
 
 // The first code stays; a call that failed without one must still not look like success.

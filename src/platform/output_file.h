@@ -5,11 +5,9 @@
 // Threads: one thread at a time per object.
 #pragma once
 
-#include <windows.h>
-
 #include <cstddef>
 
-#include "platform/handle.h"
+#include "platform/open_file.h"
 
 namespace zo {
 
@@ -18,7 +16,7 @@ class OutputFile {
   // Replaces a file of that name; others may read it meanwhile. Null counts as an empty name, which
   // no file has.
   explicit OutputFile(const wchar_t* name) noexcept;
-  virtual ~OutputFile() = default;  // closes, and tells nobody of a failure: call close()
+  ~OutputFile() = default;  // closes, and tells nobody of a failure: call close()
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
@@ -28,14 +26,10 @@ class OutputFile {
   // Closes the file and returns error(): only now it is known that everything was taken.
   [[nodiscard]] int close() noexcept;
 
- protected:
-  // One call of WriteFile; tests fail or shorten it.
-  virtual bool writeSome(const void* bytes, DWORD count, DWORD& written) noexcept;
-
  private:
   void fail(DWORD code) noexcept;
 
-  Handle file_;
+  OpenFile file_;
   DWORD error_ = 0;
 };
 

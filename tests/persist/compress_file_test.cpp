@@ -1,6 +1,7 @@
 // The file forms, and the platform's files under them.
 #include <gtest/gtest.h>
 #include <zo/compress.h>
+#include <zo/files/file_imp.h>
 
 #include <cstring>
 #include <filesystem>
@@ -10,6 +11,7 @@
 #include "persist/persist_support.h"
 #include "platform/file_api.h"
 #include "support/temp_folder.h"
+#include "system/attached.h"
 
 using namespace zo;
 using namespace zo::test;
@@ -73,114 +75,170 @@ class FailingApi final : public FileApi {
   bool shorten_;
 };
 
+class CompressFile : public ::testing::Test {
+ protected:
+  fs::path path(const wchar_t* name) const { return folder_.path() / name; }
+  ZoFileName name(const wchar_t* name) const { return ZoFileName(path(name)); }
+  // Opens a file of this content for reading and writing, at a position.
+  void open(ZoFile& file, const wchar_t* name, const ByteVector& content, std::int64_t position) {
+    file.close();
+    writeFile(path(name), content);
+    ASSERT_EQ(file.open(ZoFileName(path(name)), ZoFile::kReadWrite), 0);
+    ASSERT_EQ(file.seek(position), position);
+  }
+
+  Attached attached_;
+  TempFolder folder_;
+  const ByteVector old_ = {'o', 'l', 'd'};
+};
+
+// A file whose n-th write, from 1, takes half of the bytes and says so.
+class ShortFile : public ZoFileImp {
+ public:
+  explicit ShortFile(int shortWrite) : left_(shortWrite) {}
+  unsigned int write(const void* data, unsigned int count) override {
+    return ZoFileImp::write(data, --left_ == 0 ? count / 2 : count);
+  }
+  bool reached() const { return left_ <= 0; }
+
+ private:
+  int left_;
+};
+
 }  // namespace
 
-TEST(CompressFile, ComesBackWhateverItsBytes) {
-  const TempFolder folder;
-  const fs::path plain = folder.path() / L"pläin \x4E2D.bin", packed = folder.path() / L"packed",
-                 back = folder.path() / L"back";
+TEST_F(CompressFile, ComesBackWhateverItsBytes) {
+  const ZoFileName plain = name(L"pläin \x4E2D.bin"), packed = name(L"packed"),
+                   back = name(L"back");
   for (std::size_t size :
        {std::size_t{0}, std::size_t{1}, std::size_t{100000}, std::size_t{700000}}) {
     ByteVector content = sampleContent(size, 40);
     if (size > 2) content[1] = 0;
-    writeFile(plain, content);
-    EXPECT_EQ(ZoCompress(ZoZip::fast)(plain.c_str(), packed.c_str()), 0);
-    EXPECT_TRUE(readFile(packed) == lzmaContainer(content, 0));
-    EXPECT_EQ(ZoExplode()(packed.c_str(), back.c_str()), 0);
-    EXPECT_TRUE(readFile(back) == content) << size;
-    EXPECT_EQ(filesIn(folder.path()), 3u);
+    writeFile(plain.fullName(), content);
+    EXPECT_EQ(ZoCompress(ZoZip::fast)(plain, packed), 0);
+    EXPECT_TRUE(readFile(packed.fullName()) == lzmaContainer(content, 0));
+    EXPECT_EQ(ZoExplode()(packed, back), 0);
+    EXPECT_TRUE(readFile(back.fullName()) == content) << size;
+    EXPECT_EQ(filesIn(folder_.path()), 3u);
   }
 }
 
-TEST(CompressFile, ExplodesLegacyContainersAndDeliversDespiteAWrongCheckValue) {
-  const TempFolder folder;
-  const fs::path packed = folder.path() / L"packed", back = folder.path() / L"back";
+TEST_F(CompressFile, ExplodesLegacyContainersAndDeliversDespiteAWrongCheckValue) {
   const ByteVector content = sourceFile("tests/data/implode/repeat518.orig");
   ByteVector container = sourceFile("tests/data/implode/repeat518.pk.bin1024.raw.legacy");
   for (int result : {0, 1000}) {
-    writeFile(packed, container);
-    EXPECT_EQ(ZoExplode()(packed.c_str(), back.c_str()), result);
-    EXPECT_TRUE(readFile(back) == content);
+    writeFile(path(L"packed"), container);
+    EXPECT_EQ(ZoExplode()(name(L"packed"), name(L"back")), result);
+    EXPECT_TRUE(readFile(path(L"back")) == content);
     container.back() ^= 1;
   }
 }
 
-TEST(CompressFile, OneNameForBothReplacesTheFile) {
-  const TempFolder folder;
-  const fs::path file = folder.path() / L"file";
+TEST_F(CompressFile, OneNameForBothReplacesTheFile) {
   const ByteVector content = sampleContent(5000, 41);
-  writeFile(file, content);
-  EXPECT_EQ(ZoCompress(ZoZip::best)(file.c_str(), file.c_str()), 0);
-  EXPECT_TRUE(readFile(file) == lzmaContainer(content, 9));
-  EXPECT_EQ(ZoExplode()(file.c_str(), file.c_str()), 0);
-  EXPECT_TRUE(readFile(file) == content);
-  EXPECT_EQ(filesIn(folder.path()), 1u);
+  writeFile(path(L"file"), content);
+  EXPECT_EQ(ZoCompress(ZoZip::best)(name(L"file"), name(L"file")), 0);
+  EXPECT_TRUE(readFile(path(L"file")) == lzmaContainer(content, 9));
+  EXPECT_EQ(ZoExplode()(name(L"file"), name(L"file")), 0);
+  EXPECT_TRUE(readFile(path(L"file")) == content);
+  EXPECT_EQ(filesIn(folder_.path()), 1u);
 }
 
-TEST(CompressFile, BadNamesAndBadContentLeaveTheTargetAsItWas) {
-  const TempFolder folder;
-  const fs::path in = folder.path() / L"in", target = folder.path() / L"target";
-  const ByteVector old = {'o', 'l', 'd'};
-  writeFile(target, old);
-  fs::create_directory(folder.path() / L"folder");
+TEST_F(CompressFile, OpenFilesAreReadWholeAndWrittenFromTheirPositionOn) {
+  const ByteVector content = sampleContent(90000, 43), packed = lzmaContainer(content, 0);
+  ByteVector expected(2 + packed.size(), 'x');
+  std::copy(packed.begin(), packed.end(), expected.begin() + 2);
+  ZoFile in, out, back;
+  open(in, L"in", content, 77);
+  open(out, L"out", ByteVector(300000, '-'), 0);
+  EXPECT_EQ(out.write("xx", 2), 2u);
+  EXPECT_EQ(ZoCompress(ZoZip::fast)(in, out), 0);
+  EXPECT_TRUE(readFile(path(L"out")) == expected) << "and nothing behind it";
+  EXPECT_EQ(out.currentPos(), static_cast<std::int64_t>(expected.size()));
+  open(in, L"in", packed, 0);
+  open(back, L"back", {}, 0);
+  EXPECT_EQ(ZoExplode()(in, back), 0);
+  EXPECT_TRUE(readFile(path(L"back")) == content);
+
+  // What cannot be read, or is no container, touches nothing.
+  open(back, L"back", old_, 1);
+  ZoFile none;
+  EXPECT_EQ(ZoCompress(ZoZip::fast)(none, back), 1);
+  EXPECT_EQ(ZoExplode()(in, none), 1);
+  open(in, L"in", {1, 2, 3}, 0);
+  EXPECT_EQ(ZoExplode()(in, back), 1);
+  EXPECT_TRUE(readFile(path(L"back")) == old_);
+}
+
+TEST_F(CompressFile, AShortWriteIsAFailureAndTakenBack) {
+  const ByteVector content = sampleContent(90000, 43), packed = lzmaContainer(content, 0);
+  for (const bool compresses : {true, false}) {
+    for (int nth = 1;; ++nth) {
+      ZoFile in;
+      auto* const shortening = new ShortFile(nth);
+      ZoFile out(shortening);
+      open(in, L"in", compresses ? content : packed, 0);
+      open(out, L"out", {'o', 'l', 'd', '-', '-'}, 3);
+      const int result = compresses ? ZoCompress(ZoZip::fast)(in, out) : ZoExplode()(in, out);
+      EXPECT_EQ(result, shortening->reached() ? 1 : 0) << nth;
+      if (!shortening->reached()) {
+        EXPECT_GT(nth, compresses ? 3 : 1);
+        break;
+      }
+      EXPECT_TRUE(readFile(path(L"out")) == old_) << nth;
+      EXPECT_EQ(out.currentPos(), 3) << nth;
+    }
+  }
+}
+
+TEST_F(CompressFile, BadNamesAndBadContentLeaveTheTargetAsItWas) {
+  const ZoFileName in = name(L"in"), target = name(L"target"), missing = name(L"missing\\file"),
+                   folder = name(L"folder"), none;
+  writeFile(path(L"target"), old_);
+  fs::create_directory(path(L"folder"));
   ByteVector damaged = lzmaContainer(sampleContent(300000, 42), 0);
   damaged[damaged.size() / 2] ^= 0x55;
   damaged.resize(damaged.size() / 4 * 3);
-  struct Case {
-    ByteVector content;
-    fs::path source, target;
-  };
-  const fs::path missing = folder.path() / L"missing" / L"file";
-  for (const Case& c :
-       {Case{damaged, in, target}, Case{{}, in, target}, Case{{1, 2, 3}, in, target},
-        Case{{}, missing, target}, Case{old, folder.path(), target}}) {
-    writeFile(in, c.content);
-    EXPECT_EQ(ZoExplode()(c.source.c_str(), c.target.c_str()), 1);
-    EXPECT_TRUE(readFile(target) == old);
+  for (const ByteVector& content : {damaged, ByteVector{}, ByteVector{1, 2, 3}}) {
+    writeFile(path(L"in"), content);
+    EXPECT_EQ(ZoExplode()(in, target), 1);
   }
-  EXPECT_EQ(ZoCompress(ZoZip::fast)(in.c_str(), missing.c_str()), 1);
-  EXPECT_EQ(ZoCompress(ZoZip::fast)(in.c_str(), (folder.path() / L"folder").c_str()), 1);
-  EXPECT_EQ(ZoCompress(ZoZip::fast)(missing.c_str(), target.c_str()), 1);
-  EXPECT_EQ(ZoCompress(ZoZip::fast)(nullptr, target.c_str()), 1);
-  EXPECT_EQ(ZoCompress(ZoZip::fast)(in.c_str(), nullptr), 1);
-  EXPECT_EQ(ZoExplode()(static_cast<const wchar_t*>(nullptr), target.c_str()), 1);
-  EXPECT_EQ(ZoExplode()(in.c_str(), nullptr), 1);
-  EXPECT_TRUE(readFile(target) == old);
-  EXPECT_EQ(filesIn(folder.path()), 3u) << "in, target, folder";
+  const std::pair<ZoFileName, ZoFileName> cases[] = {{in, missing},
+                                                     {in, folder},
+                                                     {folder, target},
+                                                     {missing, target},
+                                                     {none, target},
+                                                     {in, none},
+                                                     {in, ZoFileName(L"ftp://host/f")}};
+  for (const auto& [from, to] : cases) {
+    EXPECT_EQ(ZoCompress(ZoZip::fast)(from, to), 1);
+    EXPECT_EQ(ZoExplode()(from, to), 1);
+  }
+  EXPECT_TRUE(readFile(path(L"target")) == old_);
+  EXPECT_EQ(filesIn(folder_.path()), 3u) << "in, target, folder";
 }
 
-TEST(CompressFile, AnyCallOfThePlatformThatFailsOrComesShortLeavesTheTargetAsItWas) {
-  const TempFolder folder;
-  const fs::path plain = folder.path() / L"plain", packed = folder.path() / L"packed",
-                 legacy = folder.path() / L"legacy", target = folder.path() / L"target";
-  const ByteVector content = sampleContent(90000, 43), old = {'o', 'l', 'd'};
-  writeFile(plain, content);
-  writeFile(packed, lzmaContainer(content, 0));
-  writeFile(legacy, legacyContainer(imploded(content, Literals::text, 6), content));
-  const auto operations = {+[](const wchar_t* folderName, const wchar_t* to) {
-                             return ZoCompress(ZoZip::fast)(
-                                 (fs::path(folderName) / L"plain").c_str(), to);
-                           },
-                           +[](const wchar_t* folderName, const wchar_t* to) {
-                             return ZoExplode()((fs::path(folderName) / L"packed").c_str(), to);
-                           },
-                           +[](const wchar_t* folderName, const wchar_t* to) {
-                             return ZoExplode()((fs::path(folderName) / L"legacy").c_str(), to);
-                           }};
-  for (const auto operation : operations) {
+TEST_F(CompressFile, AnyCallOfThePlatformThatFailsOrComesShortLeavesTheTargetAsItWas) {
+  const ByteVector content = sampleContent(90000, 43);
+  writeFile(path(L"plain"), content);
+  writeFile(path(L"packed"), lzmaContainer(content, 0));
+  writeFile(path(L"legacy"), legacyContainer(imploded(content, Literals::text, 6), content));
+  for (const wchar_t* source : {L"plain", L"packed", L"legacy"}) {
     for (bool shorten : {false, true}) {
       for (int failAt = 1;; ++failAt) {
-        writeFile(target, old);
+        writeFile(path(L"target"), old_);
         bool reached = false;
         int result = 0;
         {
           const FailingApi api(failAt, shorten);
-          result = operation(folder.path().c_str(), target.c_str());
+          result = std::wstring_view(source) == L"plain"
+                       ? ZoCompress(ZoZip::fast)(name(source), name(L"target"))
+                       : ZoExplode()(name(source), name(L"target"));
           reached = api.reached();
         }
         EXPECT_EQ(result, reached ? 1 : 0) << failAt;
-        EXPECT_EQ(readFile(target) == old, reached) << failAt;
-        EXPECT_EQ(filesIn(folder.path()), 4u) << failAt;
+        EXPECT_EQ(readFile(path(L"target")) == old_, reached) << failAt;
+        EXPECT_EQ(filesIn(folder_.path()), 4u) << failAt;
         if (!reached || HasFailure()) break;
       }
     }

@@ -14,22 +14,26 @@ using zo::test::TempFolder;
 
 namespace {
 
-// A file whose n-th write, from 1, goes wrong: it takes `taken` bytes and reports `code`, or claims
-// success when that is 0.
-class FaultyFile : public zo::OutputFile {
+// The n-th write, from 1, goes wrong: it takes `taken` bytes and reports `code`, or claims success
+// when that is 0.
+class FaultyWrites : public zo::FileApi {
  public:
-  FaultyFile(const wchar_t* name, int faultyCall, DWORD taken, DWORD code)
-      : OutputFile(name), faultyCall_(faultyCall), taken_(taken), code_(code) {}
+  FaultyWrites(int faultyCall, DWORD taken, DWORD code)
+      : faultyCall_(faultyCall), taken_(taken), code_(code) {
+    zo::setFileApi(this);
+  }
+  ~FaultyWrites() override { zo::setFileApi(nullptr); }
+  FaultyWrites(const FaultyWrites&) = delete;
+  FaultyWrites& operator=(const FaultyWrites&) = delete;
 
-  int calls = 0;
-
- protected:
-  bool writeSome(const void* bytes, DWORD count, DWORD& written) noexcept override {
-    if (++calls != faultyCall_) return OutputFile::writeSome(bytes, count, written);
-    OutputFile::writeSome(bytes, std::min(count, taken_), written);
+  bool write(HANDLE file, const void* bytes, DWORD count, DWORD& written) override {
+    if (++calls != faultyCall_) return FileApi::write(file, bytes, count, written);
+    FileApi::write(file, bytes, std::min(count, taken_), written);
     SetLastError(code_);
     return code_ == 0;
   }
+
+  int calls = 0;
 
  private:
   int faultyCall_;
@@ -93,13 +97,14 @@ TEST(OutputFile, TheFirstFailureIsReportedAndEndsWriting) {
                {2, 0, ERROR_HANDLE_DISK_FULL},  // a short write that claims success
                {0, 0, ERROR_HANDLE_DISK_FULL}};
   for (const auto& [taken, code, reported] : cases) {
-    FaultyFile file(path.c_str(), 2, taken, code);
+    FaultyWrites writes(2, taken, code);
+    zo::OutputFile file(path.c_str());
     file.write("one,", 4);
     EXPECT_EQ(file.error(), 0);
     file.write("two,", 4);
     EXPECT_EQ(file.error(), reported);
     file.write("three", 5);
-    EXPECT_EQ(file.calls, 2);
+    EXPECT_EQ(writes.calls, 2);
     EXPECT_EQ(file.close(), reported);
     EXPECT_EQ(fileBytes(path), std::string("one,two,").substr(0, 4 + taken));
   }
