@@ -1,9 +1,8 @@
 #!/usr/bin/env python3
-"""library_peers.py DATA-FOLDER JSON [--make-only]: the data of the library benchmarks, and what other packers need for
-the same work.
+"""library_peers.py DATA-FOLDER [JSON]: the data of the library benchmarks, and what other packers need for the same work.
 
-Makes the data once, deterministically, in DATA-FOLDER. Then times the native packers on it and adds their runs to
-JSON, the output of library_bench. A packer's time is that of its process, less that of the same packer listing an
+Makes the data once, deterministically, in DATA-FOLDER. With JSON, the output of library_bench, times the native
+packers on the data and adds their runs to it. A packer's time is that of its process, less that of the same packer listing an
 archive of one small file: so without the start of a process. Nothing makes the packers flush what they write; the
 library does.
 """
@@ -128,12 +127,12 @@ def measure(data, work):
     return p.times, tree.stat().st_size
 
 
-def main(data, results, *options):
+def main(data, results=None):
     data = pathlib.Path(data).resolve()
     make_data(data)
-    if options:
+    if not results:
         return
-    work = data.parent / "library-work"
+    work = data.with_name("library-work")
     remove(work)
     work.mkdir(parents=True)
     times, packed = measure(data, work)
