@@ -155,6 +155,7 @@ int ZoFileNameImp::changeCase(Change change) {
         &state.extension, &state.macro, &state.volume, &state.macroValue}) {
     change(*text);
   }
+  if (state.macro.isEmpty()) state.expandedName = state.fullName;
   state_ = std::move(state);
   return ZoResult::ok;
 }

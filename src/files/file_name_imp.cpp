@@ -26,6 +26,7 @@ void ZoFileNameImp::unshareTexts() {
         &s.volume, &s.localAlias, &s.macroValue, &s.level}) {
     *text = text->copy();
   }
+  if (s.macro.isEmpty()) s.expandedName = s.fullName;
 }
 
 // ---- Parsing ----
@@ -37,16 +38,14 @@ ZoFileNameImp::State ZoFileNameImp::stateOf(const NameParts& name, const zo::Nam
   state.macro = ZoString(name.macro);
   if (!name.isSplit) return state;
 
-  if (name.macro.empty()) {
-    state.fullName = ZoString(name.path);
-  } else {
-    state.fullName = ZoString(std::wstring_view(zo::wholeText(name.macro, name.path)));
-    state.expandedName = state.fullName;
-    if (!macroValue.isEmpty()) {
-      state.macroValue = macroValue;
-      state.expandedName = ZoString(zo::withoutFinalDelimiters(macroValue.view()));
-      state.expandedName.append(name.path);
-    }
+  state.fullName = name.macro.empty()
+                       ? ZoString(name.path)
+                       : ZoString(std::wstring_view(zo::wholeText(name.macro, name.path)));
+  state.expandedName = state.fullName;
+  if (!name.macro.empty() && !macroValue.isEmpty()) {
+    state.macroValue = macroValue;
+    state.expandedName = ZoString(zo::withoutFinalDelimiters(macroValue.view()));
+    state.expandedName.append(name.path);
   }
   state.drive = ZoString(name.drive);
   state.directory = ZoString(name.directory);

@@ -58,9 +58,7 @@ class ZoFileNameImp {
   void unshareTexts();
 
   // ---- Asking ----
-  [[nodiscard]] const ZoString& fullName() const noexcept {
-    return state_.macro.isEmpty() ? state_.fullName : state_.expandedName;
-  }
+  [[nodiscard]] const ZoString& fullName() const noexcept { return state_.expandedName; }
   [[nodiscard]] const ZoString& drive() const noexcept { return state_.drive; }
   [[nodiscard]] const ZoString& directory() const noexcept { return state_.directory; }
   [[nodiscard]] const ZoString& fileName() const noexcept { return state_.fileName; }
@@ -92,7 +90,7 @@ class ZoFileNameImp {
  private:
   struct State {
     ZoString fullName;      // as set, composed from macro and parts
-    ZoString expandedName;  // with the macro's value in its place; empty without a macro
+    ZoString expandedName;  // the same with the macro's value in its place, where it is known
     ZoString drive;
     ZoString directory;
     ZoString fileName;

@@ -6,7 +6,10 @@
 
 namespace zo {
 
-[[nodiscard]] bool equalNames(std::wstring_view a, std::wstring_view b) noexcept;
+[[nodiscard]] bool equalOfSize(const wchar_t* a, const wchar_t* b, std::size_t size) noexcept;
+[[nodiscard]] inline bool equalNames(std::wstring_view a, std::wstring_view b) noexcept {
+  return a.size() == b.size() && equalOfSize(a.data(), b.data(), a.size());
+}
 // Negative, 0 or positive; 0 exactly when equalNames.
 [[nodiscard]] int orderNames(std::wstring_view a, std::wstring_view b) noexcept;
 // Equal names have equal hashes.
