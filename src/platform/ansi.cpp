@@ -46,12 +46,13 @@ std::wstring fromMultiByte(std::string_view bytes, unsigned int codePage) {
 bool fitsCodePage(std::wstring_view character, unsigned int codePage) noexcept {
   if (isLoneSurrogate(character)) return false;
   if (isUnicode(codePage)) return true;
+  // Neither flags nor the report of a replacement: some code pages refuse them (GB 18030, the
+  // stateful ones). What is replaced or fitted does not come back as it was.
   char bytes[16];
-  BOOL replaced = FALSE;
-  const int size = WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, character.data(),
-                                       static_cast<int>(character.size()), bytes, sizeof bytes,
-                                       nullptr, &replaced);
-  if (size <= 0 || replaced) return false;
+  const int size =
+      WideCharToMultiByte(codePage, 0, character.data(), static_cast<int>(character.size()), bytes,
+                          sizeof bytes, nullptr, nullptr);
+  if (size <= 0) return false;
   wchar_t back[16];
   const int count = MultiByteToWideChar(codePage, 0, bytes, size, back, 16);
   return std::wstring_view(back, static_cast<size_t>(count > 0 ? count : 0)) == character;

@@ -33,8 +33,9 @@ void ZoStdCad::poolRelease(const wchar_t* module) {
   zo::FirstFailure failure;
   for (const ZoString& name : names) {
     failure.run([&] {
-      ZoDwgGlobals** const globals = globals_.at(name);
-      if (globals && (*globals)->release(module) == 0) globals_.removeAt(name);
+      ZoDwgGlobals* const asked = dwgGlobals(name);
+      if (!asked || asked->release(module) != 0) return;
+      if (dwgGlobals(name) == asked) globals_.removeAt(name);  // they may have named a successor
     });
   }
   failure.rethrow();

@@ -181,11 +181,12 @@ int ZoStdSysInfo::fileVersion(const wchar_t* file, ZoString& version) {
 
 int ZoStdSysInfo::processors(unsigned int& count) {
   DWORD_PTR process = 0, system = 0;
-  if (!GetProcessAffinityMask(GetCurrentProcess(), &process, &system) || process == 0)
-    return ZoResult::refused;
-  unsigned int bits = 0;
-  for (; process != 0; process &= process - 1) ++bits;
-  count = bits;
+  if (!GetProcessAffinityMask(GetCurrentProcess(), &process, &system)) return ZoResult::refused;
+  // On machines of more than 64 processors a process that runs in several groups has no mask.
+  const auto found = process != 0 ? static_cast<unsigned int>(std::popcount(process))
+                                  : GetActiveProcessorCount(ALL_PROCESSOR_GROUPS);
+  if (found == 0) return ZoResult::refused;
+  count = found;
   return ZoResult::ok;
 }
 

@@ -5,27 +5,17 @@
 #include <zo/system/life_cycle.h>
 #include <zo/system/registry.h>
 
+#include "system/service_slots.h"
+
 namespace zo::test {
 
 class Attached {
  public:
   Attached() { EXPECT_EQ(zoComDllAttach(), 0); }
   ~Attached() {
-    ZoSystem::setCad(nullptr);
-    ZoSystem::setCfg(nullptr);
-    ZoSystem::setCodepage(nullptr);
-    ZoSystem::setError(nullptr);
-    ZoSystem::setExecute(nullptr);
-    ZoSystem::setFileSystem(nullptr);
-    ZoSystem::setFileSearch(nullptr);
-    ZoSystem::setFileOpen(nullptr);
-    ZoSystem::setLayer(nullptr);
-    ZoSystem::setMacroLib(nullptr);
-    ZoSystem::setMessage(nullptr);
-    ZoSystem::setUnits(nullptr);
-    ZoSystem::setStandardMgr(nullptr);
-    ZoSystem::setSysDisp(nullptr);
-    ZoSystem::setSysInfo(nullptr);
+#define SLOT(Name) ZoSystem::set##Name(nullptr);
+    ZO_SERVICE_SLOTS(SLOT)
+#undef SLOT
     EXPECT_EQ(zoComDllDetach(), 0);
   }
   Attached(const Attached&) = delete;

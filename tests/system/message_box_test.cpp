@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "support/message_box.h"
 #include "system/other_thread.h"
@@ -43,50 +44,47 @@ class MessageBoxes : public testing::Test {
   ZoStdError service_;
 };
 
-const std::vector<int> kAbortRetryIgnore{IDABORT, IDRETRY, IDIGNORE};
+// A kind of report, as it looks, and after Ignore.
+struct Kind {
+  std::function<int(ZoError&)> report;
+  std::wstring text;
+  const wchar_t *caption, *icon;
+  std::vector<int> buttons;
+};
 const std::wstring kLong(1000, L'x');
+const std::vector<int> kAbortRetryIgnore{IDABORT, IDRETRY, IDIGNORE};
 
-TEST_F(MessageBoxes, ErrorsOfferToIgnoreAllFurtherOnes) {
-  const auto report = [](ZoError& e) { return e.error(L"f.cpp", L"load", 12, L"100 %d %s"); };
-  const Box box = shown(IDRETRY, report);
-  EXPECT_EQ(box.text, L"\n*** Error: 100 %d %s\nf.cpp\nload\nposition: 12 \n");
-  EXPECT_NE(box.caption, L"");
-  EXPECT_EQ(box.buttons, kAbortRetryIgnore);
-  EXPECT_EQ(box.icon, LoadIconW(nullptr, IDI_HAND));
-  EXPECT_TRUE(box.ownWindowsLocked);
-
-  const Box bare =
-      shown(IDIGNORE, [](ZoError& e) { return e.error(nullptr, nullptr, -1, nullptr); });
-  EXPECT_EQ(bare.text, L"\n*** Error: \n\n\nposition: -1 \n");
-  EXPECT_TRUE(isSilent(report));
-  EXPECT_EQ(shown(IDABORT, [](ZoError& e) { return e.warning(L"f", 1, L"still"); }).text,
-            L"\n*** Warning: still\nf\nposition: 1 \n");
-}
-
-TEST_F(MessageBoxes, WarningsOfferToIgnoreAllFurtherOnes) {
-  const auto report = [](ZoError& e) { return e.warning(L"f.cpp", 12, L"%d%% of %s", 5, L"%s"); };
-  const Box box = shown(IDIGNORE, report);
-  EXPECT_EQ(box.text, L"\n*** Warning: 5% of %s\nf.cpp\nposition: 12 \n");
-  EXPECT_EQ(box.caption, L"Warning");
-  EXPECT_EQ(box.buttons, kAbortRetryIgnore);
-  EXPECT_EQ(box.icon, LoadIconW(nullptr, IDI_EXCLAMATION));
-  EXPECT_TRUE(box.ownWindowsLocked);
-  EXPECT_TRUE(isSilent(report));
-  EXPECT_EQ(shown(IDABORT, [](ZoError& e) { return e.error(L"f", L"g", 1, kLong.c_str()); }).text,
-            L"\n*** Error: " + kLong.substr(0, 256 - 12))
-      << "cut to 256 characters";
-}
-
-TEST_F(MessageBoxes, PromptsHaveOneButton) {
-  const Box box = shown(IDOK, [](ZoError& e) { return e.prompt(L"%s%s", L"%d", kLong.c_str()); });
-  EXPECT_EQ(box.text, L"%d" + kLong.substr(0, 254));
-  EXPECT_EQ(box.caption, L"Prompt");
-  EXPECT_EQ(box.buttons.size(), 1u);
-  EXPECT_EQ(box.icon, LoadIconW(nullptr, IDI_ASTERISK));
-  EXPECT_TRUE(box.ownWindowsLocked);
-}
-
-TEST_F(MessageBoxes, TracesAndTaskDialogsShowNothing) {
+TEST_F(MessageBoxes, LookLikeTheirKindAndAreShownUntilAllAreIgnored) {
+  const Kind error{[](ZoError& e) { return e.error(L"f.cpp", L"load", 12, L"100 %d %s"); },
+                   L"\n*** Error: 100 %d %s\nf.cpp\nload\nposition: 12 \n", nullptr, IDI_HAND,
+                   kAbortRetryIgnore};
+  const Kind warning{[](ZoError& e) { return e.warning(L"f.cpp", 12, L"%d%% of %s", 5, L"%s"); },
+                     L"\n*** Warning: 5% of %s\nf.cpp\nposition: 12 \n", L"Warning",
+                     IDI_EXCLAMATION, kAbortRetryIgnore};
+  const Kind bare{[](ZoError& e) { return e.error(nullptr, nullptr, -1, nullptr); },
+                  L"\n*** Error: \n\n\nposition: -1 \n", nullptr, IDI_HAND, kAbortRetryIgnore};
+  const Kind cut{[](ZoError& e) { return e.error(L"f", L"g", 1, kLong.c_str()); },
+                 L"\n*** Error: " + kLong.substr(0, 256 - 12), nullptr, IDI_HAND,
+                 kAbortRetryIgnore};
+  const Kind prompt{[](ZoError& e) { return e.prompt(L"%s%s", L"%d", kLong.c_str()); },
+                    L"%d" + kLong.substr(0, 254),
+                    L"Prompt",
+                    IDI_ASTERISK,
+                    {}};
+  const auto expectShown = [&](int button, const Kind& kind) {
+    const Box box = shown(button, kind.report);
+    EXPECT_EQ(box.text, kind.text);
+    EXPECT_TRUE(kind.caption ? box.caption == kind.caption : !box.caption.empty());
+    EXPECT_TRUE(kind.buttons.empty() ? box.buttons.size() == 1 : box.buttons == kind.buttons);
+    EXPECT_EQ(box.icon, LoadIconW(nullptr, kind.icon));
+    EXPECT_TRUE(box.ownWindowsLocked);
+  };
+  for (const Kind& kind : {bare, cut, warning}) expectShown(IDRETRY, kind);
+  expectShown(IDIGNORE, error);
+  EXPECT_TRUE(isSilent(error.report));
+  expectShown(IDIGNORE, warning);
+  EXPECT_TRUE(isSilent(warning.report));
+  expectShown(IDOK, prompt);
   EXPECT_TRUE(isSilent([](ZoError& e) { return e.trace(L"%s", L"text"); }));
   EXPECT_TRUE(isSilent([](ZoError& e) { return e.taskDialog(L"t", nullptr, nullptr, 0) - 2; }));
   EXPECT_EQ(service_.trace(nullptr), ZoResult::refused);
@@ -94,8 +92,7 @@ TEST_F(MessageBoxes, TracesAndTaskDialogsShowNothing) {
 }
 
 TEST_F(MessageBoxes, ReportsOfOtherThreadsAreDroppedWhileABoxIsUp) {
-  struct Service : zo::test::Impatient<ZoStdError> {
-  } service;
+  zo::test::Impatient<ZoStdError> service;
   BoxUser user([&](const Box&) {
     const std::function<int()> reports[] = {
         [&] { return service.error(L"f", L"g", 1, L"t"); },

@@ -9,9 +9,8 @@
 #include <zo/system/sys_str.h>
 
 #include <cstring>
-#include <functional>
 #include <sstream>
-#include <vector>
+#include <utility>
 
 #include "support/open_handles.h"
 #include "support/printers.h"
@@ -37,68 +36,50 @@ bool isFree(ZoSysObj& service) {
   });
 }
 
-TEST(SysObj, BaseAnswersAsOneThatBelongsToNobodyAndWaitsASecond) {
-  ZoSysObj object;
-  EXPECT_EQ(object.release(L"zo_com"), 1);
-  EXPECT_EQ(object.release(nullptr), 1);
-  EXPECT_EQ(object.timeOut(), 1000);
-}
-
-TEST(SysObj, OwnsThreeKernelObjects) {
+TEST(SysObj, OwnsThreeKernelObjectsWhoseWaitsAnswerObtainedTimeOutOrRefused) {
   const auto before = openHandles();
   {
     Service service;
     EXPECT_EQ(openHandles(), before + 3);
+    EXPECT_EQ(service.ZoSysObj::timeOut(), 1000);
+    EXPECT_EQ(service.release(nullptr), 1);
+    {
+      const HeldElsewhere held(service);
+      ASSERT_EQ(held.result(), 0);
+      EXPECT_EQ(service.waitToWrite(), ZoResult::timeOut);
+      EXPECT_EQ(service.waitToRead(), ZoResult::timeOut);
+    }
+    EXPECT_EQ(service.waitToRead(), ZoResult::ok);
+    EXPECT_EQ(service.waitToWrite(), ZoResult::timeOut);  // it waits for itself
+    service.doneReading();
+    inOtherThread([&] { return service.waitToWrite(); });  // ends holding it
+    EXPECT_EQ(service.waitToWrite(), ZoResult::ok);
+    service.doneWriting();
+    const auto kept = std::exchange(service.guard(), {});
+    EXPECT_EQ(service.waitToWrite(), ZoResult::refused);
+    EXPECT_EQ(service.waitToRead(), ZoResult::refused);
+    service.guard() = kept;
   }
   EXPECT_EQ(openHandles(), before);
-}
-
-TEST(SysObj, WaitsAnswerObtainedTimeOutOrRefused) {
-  Service service;
-  {
-    const HeldElsewhere held(service);
-    ASSERT_EQ(held.result(), 0);
-    EXPECT_EQ(service.waitToWrite(), ZoResult::timeOut);
-    EXPECT_EQ(service.waitToRead(), ZoResult::timeOut);
-  }
-  EXPECT_EQ(service.waitToRead(), ZoResult::ok);
-  EXPECT_EQ(service.waitToWrite(), ZoResult::timeOut);  // it waits for itself
-  service.doneReading();
-  inOtherThread([&] { return service.waitToWrite(); });  // ends holding it
-  EXPECT_EQ(service.waitToWrite(), ZoResult::ok);
-  service.doneWriting();
-
-  const auto kept = service.guard();
-  service.guard() = {};
-  EXPECT_EQ(service.waitToWrite(), ZoResult::refused);
-  EXPECT_EQ(service.waitToRead(), ZoResult::refused);
-  service.guard() = kept;
 }
 
 TEST(SysObj, ValuesPassThroughUnchangedAndTheGuardIsGivenBack) {
   Service service;
   const ZoString text(L"text");
-  const std::vector<std::function<void(bool)>> calls{
-      [&](bool w) { EXPECT_EQ(w ? service.doneWriting(-7) : service.doneReading(-7), -7); },
-      [&](bool w) { EXPECT_EQ(w ? service.doneWriting(~0u) : service.doneReading(~0u), ~0u); },
-      [&](bool w) { EXPECT_EQ(w ? service.doneWriting(0.5) : service.doneReading(0.5), 0.5); },
-      [&](bool w) { EXPECT_TRUE(w ? service.doneWriting(true) : service.doneReading(true)); },
-      [&](bool w) {
-        const wchar_t* const p = text.data() + 1;
-        EXPECT_EQ(w ? service.doneWriting(p) : service.doneReading(p), p);
-      },
-      [&](bool w) {
-        EXPECT_EQ(&(w ? service.doneWriting(text) : service.doneReading(text)), &text);
-      },
+  const auto expectBoth = [&](const auto& value) {
+    ASSERT_EQ(service.waitToWrite(), 0);
+    EXPECT_EQ(service.doneWriting(value), value);
+    EXPECT_TRUE(isFree(service));
+    ASSERT_EQ(service.waitToRead(), 0);
+    EXPECT_EQ(service.doneReading(value), value);
+    EXPECT_TRUE(isFree(service));
   };
-  for (const auto& call : calls) {
-    for (const bool writing : {true, false}) {
-      ASSERT_EQ(writing ? service.waitToWrite() : service.waitToRead(), 0);
-      ASSERT_FALSE(isFree(service));
-      call(writing);
-      EXPECT_TRUE(isFree(service));
-    }
-  }
+  expectBoth(-7);
+  expectBoth(~0u);
+  expectBoth(0.5);
+  expectBoth(true);
+  expectBoth(text.data() + 1);
+  expectBoth(text);
 }
 
 TEST(SysObj, ACopySharesTheGuardOfItsSource) {
@@ -126,27 +107,20 @@ TEST(SysStr, CopiesDeeplyAndKeepsNull) {
   EXPECT_STREQ(text, L"part");
 
   const ZoSysStr null;
-  EXPECT_EQ(static_cast<const wchar_t*>(null), nullptr);
-  EXPECT_EQ(static_cast<const wchar_t*>(ZoSysStr(nullptr)), nullptr);
   for (const ZoSysStr* from : {&text, &null}) {
     for (const wchar_t* before : {L"before", static_cast<const wchar_t*>(nullptr)}) {
       ZoSysStr to(before);
       to = *from;
+      to = *&to;
       EXPECT_STREQ(to, *from);
       EXPECT_TRUE(!*from || static_cast<const wchar_t*>(to) != *from);
-      EXPECT_STREQ(ZoSysStr(*from), *from);
+      EXPECT_STREQ(ZoSysStr(std::move(to)), *from);
     }
   }
-  ZoSysStr self(L"self");
-  self = *&self;
-  EXPECT_STREQ(self, L"self");
-  ZoSysStr moved(std::move(self));
-  EXPECT_STREQ(moved, L"self");
   EXPECT_STREQ(ZoSysStr(L""), L"");
-
   std::wostringstream out;
-  out << moved << null << L'|';
-  EXPECT_EQ(out.str(), L"self|");
+  out << text << null << L'|';
+  EXPECT_EQ(out.str(), L"part|");
 }
 
 // Modules that were built before call by position. The two entries of a destructor count as one.
