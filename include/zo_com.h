@@ -1,6 +1,7 @@
 // The whole public interface of zo_com.
 #pragma once
 
+#include <zo/archive.h>
 #include <zo/compress.h>
 #include <zo/config.h>
 #include <zo/containers.h>

@@ -24,6 +24,19 @@ int ZoCoSystem::set(const ZoPoint& origin, const ZoVector& x, const ZoVector& y)
   return ZoResult::ok;
 }
 
+ZoCoSystem ZoCoSystem::fromAxes(const ZoPoint& origin, const ZoVector& x,
+                                const ZoVector& y) noexcept {
+  constexpr double kRounding = 1e-14;
+  ZoCoSystem system(origin, x, y);
+  if (zo::magnitude(x.lengthSqrd() - 1.0) <= kRounding &&
+      zo::magnitude(y.lengthSqrd() - 1.0) <= kRounding &&
+      zo::magnitude(x.dotProduct(y)) <= kRounding) {
+    system.x_ = x;
+    system.y_ = y;
+  }
+  return system;
+}
+
 int ZoCoSystem::set(const ZoPoint& origin, const ZoVector& z) noexcept {
   // The number is the rule's own: exact in binary, and every program must use the same.
   constexpr double nearAxis = 1.0 / 64.0;

@@ -33,6 +33,11 @@ class ZoCoSystem {
     markUnless(set(origin, onX, onY));
   }
 
+  // The system with just these X and Y axes when they are perpendicular unit vectors but for
+  // rounding, as those of any system are; otherwise that of the first constructor.
+  [[nodiscard]] static ZO_COM_API ZoCoSystem fromAxes(const ZoPoint& origin, const ZoVector& x,
+                                                      const ZoVector& y) noexcept;
+
   // Return 0, or 3 when an axis is of zero length or not a number, or x and y are parallel.
   ZO_COM_API int set(const ZoPoint& origin, const ZoVector& x, const ZoVector& y) noexcept;
   ZO_COM_API int set(const ZoPoint& origin, const ZoVector& z) noexcept;

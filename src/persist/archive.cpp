@@ -1,0 +1,117 @@
+#include <zo/persist/archive.h>
+
+#include "persist/variant_layout.h"
+
+namespace zo {
+
+ReadState& readState() noexcept {
+  static thread_local ReadState state;
+  return state;
+}
+
+bool ArchiveAccess<ZoArchive>::enter(const ZoArchive&) {
+  ReadState& state = readState();
+  if (state.depth == ZoVariant::kMaxDepth) {
+    state.cameShort = true;
+    return false;
+  }
+  ++state.depth;
+  return true;
+}
+
+namespace {
+
+template <class Number>
+void readNumber(ZoArchive& archive, Number& value) {
+  ArchiveAccess<ZoArchive>::fill(archive, &value, sizeof value, nullptr);
+}
+
+}  // namespace
+}  // namespace zo
+
+void ZoArchive::cameShort() noexcept { zo::readState().cameShort = true; }
+
+void ZoArchive::flush() {}
+void ZoArchive::pushScope(const wchar_t*) {}
+void ZoArchive::popScope() {}
+bool ZoArchive::needToConvertToUnicode() const { return false; }
+bool ZoArchive::isdrftfilefiler() const { return false; }
+
+// ---- Reading ----
+
+void ZoArchive::read(_GUID& value) { zo::readNumber(*this, value); }
+void ZoArchive::read(ZoHnd& value) { zo::readHandle(*this, value); }
+void ZoArchive::read(ZoTol& value) { zo::readTol(*this, value); }
+void ZoArchive::read(ZoCoSystem& value) { zo::readCoSystem(*this, value); }
+void ZoArchive::read(ZoMatrix& value) { zo::readMatrix(*this, value); }
+void ZoArchive::read(ZoPlane& value) { zo::readPlane(*this, value); }
+void ZoArchive::read(ZoVector& value) { zo::readVector(*this, value); }
+void ZoArchive::read(ZoPoint& value) { zo::readPoint(*this, value); }
+void ZoArchive::read(ZoFileName& value) { zo::readFileName(*this, value); }
+void ZoArchive::read(ZoVariant& value) { zo::readVariant(*this, value, isdrftfilefiler()); }
+void ZoArchive::read(ZoString& value) { zo::readString(*this, value); }
+void ZoArchive::read(ZoColor& value) { read(value.value()); }
+void ZoArchive::read(wchar_t*& value) { zo::readNewText(*this, value); }
+void ZoArchive::read(double& value) { zo::readNumber(*this, value); }
+void ZoArchive::read(std::int64_t& value) { zo::readNumber(*this, value); }
+void ZoArchive::read(std::uint64_t& value) { zo::readNumber(*this, value); }
+void ZoArchive::read(unsigned int& value) { zo::readNumber(*this, value); }
+void ZoArchive::read(int& value) { zo::readNumber(*this, value); }
+void ZoArchive::read(unsigned short& value) { zo::readNumber(*this, value); }
+void ZoArchive::read(short& value) { zo::readNumber(*this, value); }
+void ZoArchive::read(unsigned char& value) { zo::readNumber(*this, value); }
+void ZoArchive::read(signed char& value) { zo::readNumber(*this, value); }
+void ZoArchive::read(bool& value) {
+  unsigned char byte = 0;
+  zo::readNumber(*this, byte);
+  value = byte != 0;
+}
+
+// ---- Writing ----
+
+void ZoArchive::write(const _GUID& value, const wchar_t* name) {
+  writeBin(&value, sizeof value, name);
+}
+void ZoArchive::write(const ZoHnd& value, const wchar_t*) { zo::writeHandle(*this, value); }
+void ZoArchive::write(const ZoTol& value, const wchar_t*) { zo::writeTol(*this, value); }
+void ZoArchive::write(const ZoCoSystem& value, const wchar_t*) { zo::writeCoSystem(*this, value); }
+void ZoArchive::write(const ZoMatrix& value, const wchar_t*) { zo::writeMatrix(*this, value); }
+void ZoArchive::write(const ZoPlane& value, const wchar_t* name) {
+  zo::writePlane(*this, value, name);
+}
+void ZoArchive::write(const ZoVector& value, const wchar_t* name) {
+  zo::writeVector(*this, value, name);
+}
+void ZoArchive::write(const ZoPoint& value, const wchar_t*) { zo::writePoint(*this, value); }
+void ZoArchive::write(const ZoFileName& value, const wchar_t*) { zo::writeFileName(*this, value); }
+void ZoArchive::write(const ZoVariant& value, const wchar_t*) {
+  zo::writeVariant(*this, value, isdrftfilefiler());
+}
+void ZoArchive::write(const ZoString& value, const wchar_t*) { zo::writeString(*this, value); }
+void ZoArchive::write(ZoColor& value, const wchar_t* name) { write(value.value(), name); }
+void ZoArchive::write(const wchar_t* text, const wchar_t*) { zo::writeText(*this, text); }
+void ZoArchive::write(double value, const wchar_t* name) { writeBin(&value, sizeof value, name); }
+void ZoArchive::write(std::int64_t value, const wchar_t* name) {
+  writeBin(&value, sizeof value, name);
+}
+void ZoArchive::write(std::uint64_t value, const wchar_t* name) {
+  writeBin(&value, sizeof value, name);
+}
+void ZoArchive::write(unsigned int value, const wchar_t* name) {
+  writeBin(&value, sizeof value, name);
+}
+void ZoArchive::write(int value, const wchar_t* name) { writeBin(&value, sizeof value, name); }
+void ZoArchive::write(unsigned short value, const wchar_t* name) {
+  writeBin(&value, sizeof value, name);
+}
+void ZoArchive::write(short value, const wchar_t* name) { writeBin(&value, sizeof value, name); }
+void ZoArchive::write(unsigned char value, const wchar_t* name) {
+  writeBin(&value, sizeof value, name);
+}
+void ZoArchive::write(signed char value, const wchar_t* name) {
+  writeBin(&value, sizeof value, name);
+}
+void ZoArchive::write(bool value, const wchar_t* name) {
+  const unsigned char byte = value ? 1 : 0;
+  writeBin(&byte, sizeof byte, name);
+}

@@ -1,0 +1,243 @@
+#include <zo/files/file_name.h>
+#include <zo/files/handle.h>
+#include <zo/persist/dump_archive.h>
+
+#include <charconv>
+#include <cstdarg>
+#include <cstdio>
+#include <span>
+
+#include "persist/variant_layout.h"
+
+namespace {
+
+// The text of one entry; what is more than fits is cut off.
+class Entry {
+ public:
+  Entry() = default;
+  // Begins with the label, or with that of the type where there is none.
+  Entry(const wchar_t* label, std::wstring_view type) {
+    *this << (label && *label ? std::wstring_view(label) : type) << L":";
+  }
+
+  Entry& operator<<(std::wstring_view text) {
+    used_ += text.copy(text_ + used_, kRoom - used_);
+    return *this;
+  }
+  // A text as "%s" prints it.
+  Entry& quoted(const wchar_t* text) {
+    return *this << L"\"" << (text ? std::wstring_view(text) : std::wstring_view()) << L"\"";
+  }
+  template <class Integer>
+    requires std::is_integral_v<Integer>
+  Entry& operator<<(Integer number) {
+    char digits[24];
+    return ascii(digits, std::to_chars(digits, std::end(digits), number).ptr);
+  }
+  // As "%g", with exponents of two digits.
+  Entry& operator<<(double number) {
+    char digits[32];
+    return ascii(
+        digits, std::to_chars(digits, std::end(digits), number, std::chars_format::general, 6).ptr);
+  }
+  // "(1, 2, 3)"
+  Entry& numbers(std::span<const double> numbers, std::wstring_view separator = L", ") {
+    *this << L"(";
+    for (const double& number : numbers)
+      *this << (&number == numbers.data() ? std::wstring_view() : separator) << number;
+    return *this << L")";
+  }
+
+  [[nodiscard]] std::wstring_view view() const noexcept { return {text_, used_}; }
+
+ private:
+  static constexpr std::size_t kRoom = 1023;
+
+  Entry& ascii(const char* first, const char* last) {
+    for (; first != last && used_ < kRoom; ++first) text_[used_++] = static_cast<wchar_t>(*first);
+    return *this;
+  }
+
+  wchar_t text_[kRoom];
+  std::size_t used_ = 0;
+};
+
+std::span<const double> xyz(const ZoPoint& point) { return {point.asDblArray(), 3}; }
+std::span<const double> xyz(const ZoVector& vector) { return {vector.asDblArray(), 3}; }
+
+}  // namespace
+
+ZoDumpArchive::~ZoDumpArchive() = default;
+
+bool ZoDumpArchive::isStoring() { return true; }
+
+void ZoDumpArchive::readBin(void*, unsigned int) { cameShort(); }
+
+// ---- The text ----
+
+void ZoDumpArchive::add(std::wstring_view entry) {
+  pending_ += L'\n';
+  pending_.append(std::size_t{3} * depth_, L' ');
+  pending_ += entry;
+}
+
+void ZoDumpArchive::printf(const wchar_t* format, ...) {
+  wchar_t text[1024];
+  std::va_list arguments;
+  va_start(arguments, format);
+  _vsnwprintf(text, std::size(text), format ? format : L"", arguments);
+  va_end(arguments);
+  text[std::size(text) - 1] = L'\0';  // the runtime leaves it out when it cuts
+  add(text);
+}
+
+void ZoDumpArchive::clear() {
+  text_ = ZoString();
+  pending_.clear();
+}
+
+const ZoString& ZoDumpArchive::dump() {
+  if (!pending_.empty()) {
+    text_ += std::wstring_view(pending_);
+    pending_.clear();
+  }
+  return text_;
+}
+
+void ZoDumpArchive::pushScope(const wchar_t* name) {
+  std::wstring_view rest(name ? name : L"");
+  Entry entry;
+  for (std::size_t at; (at = rest.find(L"%%")) != std::wstring_view::npos;) {
+    entry << rest.substr(0, at + 1);
+    rest.remove_prefix(at + 2);
+  }
+  entry << rest;
+  add(entry.view());
+  ++depth_;
+}
+
+void ZoDumpArchive::popScope() {
+  if (depth_ > 0) --depth_;
+}
+
+// ---- One entry for each value ----
+
+void ZoDumpArchive::writeBin(const void* data, unsigned int size, const wchar_t* name) {
+  Entry entry(name, L"Hex");
+  entry << L" ";
+  const auto* const bytes = static_cast<const unsigned char*>(data);
+  constexpr std::wstring_view kDigits = L"0123456789ABCDEF";
+  for (unsigned int i = 0; i < size && i < 512; ++i) {
+    entry << kDigits.substr(bytes[i] >> 4, 1) << kDigits.substr(bytes[i] & 0xF, 1);
+  }
+  add(entry.view());
+}
+
+void ZoDumpArchive::write(const _GUID& value, const wchar_t* name) {
+  wchar_t text[ZoGuidTextSize];
+  ZoGuid2String(value, text, false);
+  add((Entry(name, L"GUID") << L" {" << text << L"}").view());
+}
+
+void ZoDumpArchive::write(const ZoHnd& value, const wchar_t* name) {
+  Entry entry(name, L"Handle");
+  (entry << L" ").quoted(value.handle());
+  add((entry << L" " << static_cast<std::int32_t>(value.id())).view());
+}
+
+void ZoDumpArchive::write(const ZoTol& value, const wchar_t* name) {
+  add((Entry(name, L"Tolerance") << L" " << value.getPntTol() << L"(Pnt) " << value.getVecTol()
+                                 << L"(Vec)")
+          .view());
+}
+
+void ZoDumpArchive::write(const ZoCoSystem& value, const wchar_t* name) {
+  add(Entry(name, L"CoordSystem").view());
+  add((Entry() << L"   Origin").numbers(xyz(value.origin())).view());
+  add((Entry() << L"   X-Axis").numbers(xyz(value.xAxis())).view());
+  add((Entry() << L"   Y-Axis").numbers(xyz(value.yAxis())).view());
+}
+
+void ZoDumpArchive::write(const ZoMatrix& value, const wchar_t* name) {
+  add(Entry(name, L"Matrix").view());
+  const std::span<const double> numbers(value.asDblArray(), 16);
+  for (std::size_t row = 0; row < 4; ++row)
+    add((Entry() << L"   ").numbers(numbers.subspan(4 * row, 4), L" ").view());
+}
+
+void ZoDumpArchive::write(const ZoPlane& value, const wchar_t* name) {
+  Entry entry(name, L"Plane");
+  (entry << L" RefPnt").numbers(xyz(value.refPoint()));
+  add((entry << L" Normal").numbers(xyz(value.normal())).view());
+}
+
+void ZoDumpArchive::write(const ZoVector& value, const wchar_t* name) {
+  add((Entry(name, L"Vector") << L" ").numbers(xyz(value)).view());
+}
+
+void ZoDumpArchive::write(const ZoPoint& value, const wchar_t* name) {
+  add((Entry(name, L"Point") << L" ").numbers(xyz(value)).view());
+}
+
+void ZoDumpArchive::write(const ZoFileName& value, const wchar_t* name) {
+  add((Entry(name, L"FileName") << L" ").quoted(value.fullName()).view());
+}
+
+void ZoDumpArchive::write(const ZoVariant& value, const wchar_t* name) {
+  const bool container = value.isTypeOf(ZoVariant::kDict) || value.isTypeOf(ZoVariant::kSequence);
+  const bool scope = container && name && *name;
+  if (scope) pushScope(name);
+  zo::writeVariantValue<ZoArchive>(*this, value, name, false);
+  if (scope) popScope();
+}
+
+void ZoDumpArchive::write(const ZoString& value, const wchar_t* name) { write(value.data(), name); }
+
+void ZoDumpArchive::write(ZoColor& value, const wchar_t* name) {
+  unsigned char red = 0, green = 0, blue = 0;
+  value.getRgb(red, green, blue);
+  add((Entry(name, L"Color") << L" " << int{value.type()} << L" (" << int{red} << L" " << int{green}
+                             << L" " << int{blue} << L")")
+          .view());
+}
+
+void ZoDumpArchive::write(const wchar_t* text, const wchar_t* name) {
+  add((Entry(name, L"String") << L" ").quoted(text).view());
+}
+
+void ZoDumpArchive::write(double value, const wchar_t* name) {
+  add((Entry(name, L"Real") << L" " << value).view());
+}
+
+// These two have each other's names, on purpose.
+void ZoDumpArchive::write(std::int64_t value, const wchar_t* name) {
+  add((Entry(name, L"UInt64") << L" " << static_cast<std::uint32_t>(value)
+                              << L" (trimmed to 32 bit)")
+          .view());
+}
+void ZoDumpArchive::write(std::uint64_t value, const wchar_t* name) {
+  add((Entry(name, L"Int64") << L" " << static_cast<std::int32_t>(value) << L" (trimmed to 32 bit)")
+          .view());
+}
+
+void ZoDumpArchive::write(unsigned int value, const wchar_t* name) {
+  add((Entry(name, L"UInt32") << L" " << value).view());
+}
+void ZoDumpArchive::write(int value, const wchar_t* name) {
+  add((Entry(name, L"Int32") << L" " << value).view());
+}
+void ZoDumpArchive::write(unsigned short value, const wchar_t* name) {
+  add((Entry(name, L"UInt16") << L" " << int{value}).view());
+}
+void ZoDumpArchive::write(short value, const wchar_t* name) {
+  add((Entry(name, L"Int16") << L" " << int{value}).view());
+}
+void ZoDumpArchive::write(unsigned char value, const wchar_t* name) {
+  add((Entry(name, L"UInt8") << L" " << int{value}).view());
+}
+void ZoDumpArchive::write(signed char value, const wchar_t* name) {
+  add((Entry(name, L"Int8") << L" " << int{value}).view());
+}
+void ZoDumpArchive::write(bool value, const wchar_t* name) {
+  add((Entry(name, L"Bool") << L" " << (value ? L"true" : L"false")).view());
+}

@@ -1,0 +1,144 @@
+// Variants in archives: what archive_layout.h leaves to those who know ZoVariant.
+#pragma once
+
+#include <zo/variant/variant.h>
+
+#include <new>
+#include <utility>
+
+#include "persist/archive_access.h"
+
+namespace zo {
+
+static_assert(ZoVariant::kGuid == static_cast<unsigned int>(StoredKind::Guid));
+
+// ---- Writing ----
+
+template <class Archive, class Container, class WriteEntry>
+void writeContainer(Archive& archive, const Container& container, const wchar_t* scope,
+                    WriteEntry writeEntry) {
+  archive.pushScope(scope);
+  archive.write(container.entries(), L"Entries");
+  for (const auto& entry : container) writeEntry(entry);
+  archive.popScope();
+}
+
+// The value part alone; pointers in 4 bytes when `shortPointers`.
+template <class Archive>
+void writeVariantValue(Archive& archive, const ZoVariant& value, const wchar_t* name,
+                       bool shortPointers) {
+  switch (value.type()) {
+    case ZoVariant::kInt:
+      return archive.write(value.asInt(), name);
+    case ZoVariant::kBigInt:
+      return archive.write(value.asBigInt(), name);
+    case ZoVariant::kReal:
+      return archive.write(value.asReal(), name);
+    case ZoVariant::kString:
+      return archive.write(value.asString().data(), name);
+    case ZoVariant::kPointer: {
+      const auto word = reinterpret_cast<std::uintptr_t>(value.asPointer());
+      if (shortPointers) return archive.write(static_cast<unsigned int>(word), name);
+      return archive.write(static_cast<std::uint64_t>(word), name);
+    }
+    case ZoVariant::kPoint:
+      return archive.write(value.asPoint(), name);
+    case ZoVariant::kVector:
+      return archive.write(value.asVector(), name);
+    case ZoVariant::kGuid:
+      return archive.write(value.asGuid(), name);
+    case ZoVariant::kDict:
+      return writeContainer(archive, *value.asDict(), L"HashDictionary", [&](const auto& entry) {
+        archive.write(entry.key, L"Key");
+        archive.write(entry.value, L"");
+      });
+    case ZoVariant::kSequence:
+      return writeContainer(archive, *value.asSequence(), L"List",
+                            [&](const ZoVariant& element) { archive.write(element, L""); });
+    default:
+      return;
+  }
+}
+
+template <class Archive>
+void writeVariant(Archive& archive, const ZoVariant& value, bool shortPointers = false) {
+  archive.write(static_cast<unsigned int>(value.code()), L"");
+  archive.write(value.typeWord() & ~kReferenceBit, L"");
+  writeVariantValue(archive, value, L"", shortPointers);
+}
+
+// ---- Reading ----
+
+// The builder of readVariant.
+struct VariantBuilder {
+  static ZoTypeCode code(const VariantHead& head) { return static_cast<ZoTypeCode>(head.code); }
+  static unsigned int flags(const VariantHead& head) { return head.typeWord >> 6; }
+
+  template <class Payload>
+  static void make(ZoVariant& value, const VariantHead& head, const Payload& payload) {
+    if constexpr (std::is_unsigned_v<Payload>) {
+      value = ZoVariant(reinterpret_cast<void*>(static_cast<std::uintptr_t>(payload)), code(head),
+                        flags(head));
+    } else {
+      value = ZoVariant(payload, code(head), flags(head));
+    }
+  }
+  static void makeEmpty(ZoVariant& value, const VariantHead& head) {
+    const unsigned int kind = head.typeWord & kKindBits;
+    const bool known = kind == ZoVariant::kDict || kind == ZoVariant::kSequence;
+    value = ZoVariant(known ? static_cast<ZoVariant::Type>(kind) : ZoVariant::kEmpty, code(head),
+                      flags(head));
+  }
+  static void readText(ZoVariant& value, const VariantHead& head, ZoArchive& archive) {
+    wchar_t* text = nullptr;
+    archive.read(text);
+    const std::unique_ptr<wchar_t[]> owner(text);
+    value = ZoVariant(text, code(head), flags(head));
+  }
+  // The same without the text in between.
+  static void readText(ZoVariant& value, const VariantHead& head, ReadArchive& archive) {
+    unsigned int count = 0;
+    archive.read(count);
+    zo::readText(archive, count, [&](std::wstring_view text) {
+      value = ZoVariant(ZoString(text.substr(0, text.find(L'\0'))), code(head), flags(head));
+    });
+  }
+  template <class Archive>
+  static void readGuid(ZoVariant& value, const VariantHead& head, Archive& archive) {
+    _GUID guid{};
+    archive.read(guid);
+    value = ZoVariant(guid, code(head), flags(head));
+  }
+
+  template <class Archive>
+  static void readElement(ZoVariant& list, Archive& archive) {
+    ZoVariant element;
+    archive.read(element);
+    if (ArchiveAccess<Archive>::cameShort(archive)) return;
+    check(list.asSequence()->append(std::move(element)));
+  }
+  template <class Archive>
+  static void readEntry(ZoVariant& dict, Archive& archive) {
+    ZoString key;
+    ZoVariant value;
+    archive.read(key);
+    archive.read(value);
+    if (ArchiveAccess<Archive>::cameShort(archive)) return;
+    check(dict.asDict()->insertAt(std::move(key), std::move(value)));
+  }
+
+ private:
+  // A key that is there already refuses the second value.
+  static void check(int status) {
+    if (status == ZoResult::outOfMemory) throw std::bad_alloc();
+  }
+};
+
+template <class Archive>
+void readVariant(Archive& archive, ZoVariant& value, bool shortPointers = false) {
+  value.clear();
+  VariantBuilder builder;
+  readVariant(archive, builder, value, shortPointers);
+}
+
+}  // namespace zo
