@@ -108,9 +108,10 @@ int ZoFileImp::createTemp(ZoFileName& name, int access, ZoFile::CreationMode mod
     return report(L"createTemp");
   }
   if (const int code = close()) return code;
-  zo::FreshFile fresh = zo::createFresh(zo::temporaryStem(name), zo::temporaryEnding(name),
-                                        static_cast<DWORD>(access), static_cast<DWORD>(share),
-                                        flagsFor(access, flags));
+  const std::wstring stem = zo::temporaryStem(name);
+  if (stem.empty()) return report(L"createTemp");
+  zo::FreshFile fresh = zo::createFresh(stem, zo::temporaryEnding(name), static_cast<DWORD>(access),
+                                        static_cast<DWORD>(share), flagsFor(access, flags));
   if (!fresh.file) return report(L"createTemp");
   name = std::wstring_view(fresh.name);
   adopt(fresh.file.release(), name, access, share);

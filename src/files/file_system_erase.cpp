@@ -1,209 +1,222 @@
-// Erasing files, directories, trees and backups.
-#include "files/ftp.h"
-#include "files/std_file_system_imp.h"
-#include "platform/case_fold.h"
-#include "platform/open_file.h"
-#include "platform/system_path.h"
-
+// Erasing files, directories, trees and backups, here and on a server.
 #include <algorithm>
+#include <vector>
+
+#include "files/folder_search.h"
+#include "files/ftp.h"
+#include "files/name_parser.h"
+#include "files/std_file_system_imp.h"
+#include "files/wildcard.h"
+#include "platform/system_path.h"
 
 namespace {
 
-constexpr wchar_t kAnyName[] = L"*";
 constexpr wchar_t kBackupEnding[] = L".bak";
+constexpr wchar_t kAgent[] = L"ZoFindFile";
 
-bool isDelimiter(wchar_t c) { return c == L'\\' || c == L'/'; }
+// Where things are erased.
+class Place {
+ public:
+  // What failures are reported under.
+  struct Names {
+    const wchar_t *file, *folder, *walk;
+  };
 
-std::wstring inFolder(std::wstring folder, const wchar_t* name) {
-  if (!folder.empty() && !isDelimiter(folder.back())) folder += L'\\';
-  return folder += name;
-}
+  Place(const Names& operations, wchar_t separator) : names(operations), delimiter(separator) {}
+  Place(const Place&) = delete;
+  Place& operator=(const Place&) = delete;
+  virtual ~Place() = default;
 
-// Patterns also match the platform's short names ("BACKUP~1.BAK"), which are not meant.
-bool isBackup(std::wstring_view name) {
-  const std::wstring_view ending = kBackupEnding;
-  if (name.size() < ending.size()) return false;
-  return std::equal(ending.begin(), ending.end(), name.end() - 4,
-                    [](wchar_t a, wchar_t b) { return a == zo::lowerFold(b); });
-}
+  virtual bool removeFile(const std::wstring& path) = 0;
+  virtual bool removeFolder(const std::wstring& path) = 0;
+  virtual bool isFolder(const std::wstring& path) = 0;
+  // The folder has its final delimiter. What is found need not fit the pattern.
+  virtual zo::FolderSearch search(const std::wstring& folder, const std::wstring& pattern) = 0;
+
+  const Names names;
+  const wchar_t delimiter;
+};
+
+class Disk final : public Place {
+ public:
+  Disk() : Place({.file = L"erase File", .folder = L"erase Directory", .walk = L"erase"}, L'\\') {}
+  bool removeFile(const std::wstring& path) override {
+    return zo::fileApi().removeFile(zo::SystemPath(path.c_str()));
+  }
+  bool removeFolder(const std::wstring& path) override {
+    return zo::fileApi().removeFolder(zo::SystemPath(path.c_str()));
+  }
+  bool isFolder(const std::wstring& path) override {
+    const DWORD attributes = zo::fileApi().attributes(zo::SystemPath(path.c_str()));
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+  }
+  zo::FolderSearch search(const std::wstring& folder, const std::wstring& pattern) override {
+    return {folder, pattern};
+  }
+};
+
+class Server final : public Place {
+ public:
+  explicit Server(zo::FtpConnection& server)
+      : Place({.file = kAgent, .folder = kAgent, .walk = kAgent}, L'/'), server_(server) {}
+  bool removeFile(const std::wstring& path) override { return server_.removeFile(path); }
+  bool removeFolder(const std::wstring& path) override { return server_.removeFolder(path); }
+  bool isFolder(const std::wstring& path) override { return server_.isFolder(path); }
+  zo::FolderSearch search(const std::wstring& folder, const std::wstring&) override {
+    return {server_, folder};
+  }
+
+ private:
+  zo::FtpConnection& server_;
+};
+
+// Counts what is done, so that nothing, all and a part can be told apart.
+class Eraser {
+ public:
+  Eraser(Place& place, ZoFileSystem& service) : place_(place), service_(service) {}
+
+  int erase(const std::wstring& path, ZoFileSystem::EraseType type) {
+    switch (type) {
+      case ZoFileSystem::kFile:
+        removeFile(path);
+        break;
+      case ZoFileSystem::kDirectory:
+        removeFolder(path);
+        break;
+      case ZoFileSystem::kTree:
+        eraseTree(path);
+        break;
+      case ZoFileSystem::kBackups:
+        eraseBackups(path);
+        break;
+      default:
+        failed(place_.names.walk, ERROR_INVALID_PARAMETER);
+        break;
+    }
+    if (failed_ == 0) return ZoResult::ok;
+    return done_ == 0 ? ZoResult::refused : ZoResult::partial;
+  }
+
+ private:
+  void failed(const wchar_t* operation, DWORD error) {
+    ++failed_;
+    SetLastError(error);
+    service_.errorIO(operation);
+  }
+
+  void removeFile(const std::wstring& path) {
+    if (place_.removeFile(path)) {
+      ++done_;
+    } else {
+      failed(place_.names.file, GetLastError());
+    }
+  }
+
+  void removeFolder(const std::wstring& path) {
+    if (place_.removeFolder(path)) {
+      ++done_;
+    } else {
+      failed(place_.names.folder, GetLastError());
+    }
+  }
+
+  std::wstring withDelimiter(std::wstring folder) const {
+    if (!folder.empty() && !zo::isDelimiter(folder.back())) folder += place_.delimiter;
+    return folder;
+  }
+
+  // Passes each entry on, with its path.
+  template <class Visit>
+  void forEachIn(const std::wstring& folder, const std::wstring& pattern, Visit visit) {
+    const std::wstring base = withDelimiter(folder);
+    zo::FolderSearch search = place_.search(base, pattern);
+    WIN32_FIND_DATAW entry;
+    while (search.next(entry)) visit(entry, base + entry.cFileName);
+    if (search.error()) failed(place_.names.walk, search.error());
+  }
+
+  // Files as they are found, then the folders, those within others first. Links to folders are
+  // removed, and never followed.
+  void eraseTree(const std::wstring& root) {
+    std::vector<std::wstring> folders{root};
+    for (size_t i = 0; i < folders.size(); ++i) {
+      forEachIn(std::wstring(folders[i]), L"*", [&](const auto& entry, const std::wstring& path) {
+        constexpr DWORD kFolder = FILE_ATTRIBUTE_DIRECTORY, kLink = FILE_ATTRIBUTE_REPARSE_POINT;
+        if (!(entry.dwFileAttributes & kFolder)) {
+          removeFile(path);
+        } else if (entry.dwFileAttributes & kLink) {
+          removeFolder(path);
+        } else {
+          folders.push_back(path);
+        }
+      });
+    }
+    const bool allGone = failed_ == 0;
+    for (size_t i = folders.size(); i-- > 0;) {
+      if (place_.removeFolder(folders[i])) {
+        ++done_;
+      } else if (allGone) {
+        failed(place_.names.folder, GetLastError());
+      }  // else what is left in it has been reported with its own reason
+    }
+  }
+
+  // Of a folder or of a file. The search may have found more than was meant, such as a short name
+  // ("BACKUP~1.BAK") that fits.
+  void eraseBackups(const std::wstring& path) {
+    const bool isFolder = place_.isFolder(path);
+    ZoFileName backup(path.c_str());
+    backup.setExtension(kBackupEnding);
+    const std::wstring folder = isFolder ? path : std::wstring(zo::folderOf(backup));
+    const std::wstring pattern =
+        isFolder ? std::wstring(L"*") + kBackupEnding : std::wstring(backup.fileNameExt());
+    if (!isFolder && !folder.empty() && !place_.isFolder(folder)) return;
+    forEachIn(folder, pattern, [&](const auto& entry, const std::wstring& found) {
+      const bool isFile = !(entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY);
+      if (isFile && zo::fitsWildcard(entry.cFileName, pattern)) removeFile(found);
+    });
+  }
+
+  Place& place_;
+  ZoFileSystem& service_;
+  unsigned int done_ = 0, failed_ = 0;
+};
 
 // An empty name, or one that comes to the root of a volume.
 bool isRoot(const ZoFileName& name) {
-  const std::wstring full = zo::textOf([&](DWORD size, wchar_t* buffer) {
+  std::wstring full = zo::textOf([&](DWORD size, wchar_t* buffer) {
     return zo::fileApi().fullPath(name.fullName(), size, buffer);
   });
+  if (full.starts_with(LR"(\\?\UNC\)")) full.erase(2, 6);
   ZoFileName directory;
   directory.setFullName(full.c_str(), false, true);
   return full.empty() || !directory.nextDirPart(true);
 }
 
-bool isFolder(DWORD attributes) {
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+bool isLinkToFolder(const ZoFileName& name) {
+  constexpr DWORD kLinked = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+  const DWORD attributes = zo::fileApi().attributes(zo::SystemPath(name.fullName()));
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kLinked) == kLinked;
 }
 
 }  // namespace
-
-int ZoStdFileSystemImp::Erased::code() const {
-  if (failed == 0) return ZoResult::ok;
-  return done == 0 ? ZoResult::refused : ZoResult::partial;
-}
-
-void ZoStdFileSystemImp::eraseFile(const std::wstring& path, Erased& erased) {
-  const bool done = zo::fileApi().removeFile(zo::SystemPath(path.c_str()));
-  ++(done ? erased.done : erased.failed);
-  if (!done) report(L"erase File");
-}
-
-void ZoStdFileSystemImp::eraseFolder(const std::wstring& path, Erased& erased) {
-  const bool done = zo::fileApi().removeFolder(zo::SystemPath(path.c_str()));
-  ++(done ? erased.done : erased.failed);
-  if (!done) report(L"erase Directory");
-}
-
-// Passes each entry of a folder on, but "." and "..".
-template <class Entry>
-void ZoStdFileSystemImp::forEachIn(const std::wstring& folder, const wchar_t* pattern,
-                                   Erased& erased, Entry entry) {
-  zo::FileApi& api = zo::fileApi();
-  WIN32_FIND_DATAW found;
-  const std::wstring all = inFolder(folder, pattern);
-  HANDLE search = api.findFirst(zo::SystemPath(all.c_str()), found);
-  bool more = search != INVALID_HANDLE_VALUE;
-  while (more) {
-    const std::wstring_view name = found.cFileName;
-    if (name != L"." && name != L"..") entry(found);
-    more = api.findNext(search, found);
-  }
-  const DWORD error = GetLastError();
-  if (search != INVALID_HANDLE_VALUE) api.findClose(search);
-  if (error == ERROR_NO_MORE_FILES || error == ERROR_FILE_NOT_FOUND) return;
-  ++erased.failed;
-  report(L"erase", error);
-}
-
-void ZoStdFileSystemImp::eraseTree(const std::wstring& folder, Erased& erased) {
-  forEachIn(folder, kAnyName, erased, [&](const WIN32_FIND_DATAW& entry) {
-    const std::wstring path = inFolder(folder, entry.cFileName);
-    if (!isFolder(entry.dwFileAttributes)) {
-      eraseFile(path, erased);
-    } else if (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) {
-      eraseFolder(path, erased);
-    } else {
-      eraseTree(path, erased);
-    }
-  });
-  // What could not be erased keeps the folder, and has been reported with its own reason.
-  if (erased.failed == 0) eraseFolder(folder, erased);
-}
-
-void ZoStdFileSystemImp::eraseBackups(const ZoFileName& name, Erased& erased) {
-  if (!isFolder(zo::fileApi().attributes(zo::SystemPath(name.fullName())))) {
-    ZoFileName backup = name;
-    backup.setExtension(kBackupEnding);
-    const std::wstring path = backup.fullName();
-    const DWORD attributes = zo::fileApi().attributes(zo::SystemPath(path.c_str()));
-    if (attributes != INVALID_FILE_ATTRIBUTES) eraseFile(path, erased);
-    return;
-  }
-  const std::wstring folder = name.fullName();
-  const std::wstring pattern = std::wstring(kAnyName) + kBackupEnding;
-  forEachIn(folder, pattern.c_str(), erased, [&](const WIN32_FIND_DATAW& entry) {
-    if (!isFolder(entry.dwFileAttributes) && isBackup(entry.cFileName))
-      eraseFile(inFolder(folder, entry.cFileName), erased);
-  });
-}
 
 int ZoStdFileSystemImp::erase(const ZoFileName& name, ZoFileSystem::EraseType type) {
   if (name.isURL()) return eraseRemote(name, type);
-  Erased erased;
-  switch (type) {
-    case ZoFileSystem::kFile:
-      eraseFile(name.fullName(), erased);
-      break;
-    case ZoFileSystem::kDirectory:
-      eraseFolder(name.fullName(), erased);
-      break;
-    case ZoFileSystem::kTree: {
-      if (isRoot(name)) return report(L"erase", ERROR_ACCESS_DENIED);
-      const DWORD attributes = zo::fileApi().attributes(zo::SystemPath(name.fullName()));
-      if (isFolder(attributes) && (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
-        eraseFolder(name.fullName(), erased);
-      } else {
-        eraseTree(name.fullName(), erased);
-      }
-      break;
-    }
-    case ZoFileSystem::kBackups:
-      eraseBackups(name, erased);
-      break;
-    default:
-      return report(L"erase", ERROR_INVALID_PARAMETER);
+  if (type == ZoFileSystem::kTree) {
+    if (isRoot(name)) return report(L"erase", ERROR_ACCESS_DENIED);
+    if (isLinkToFolder(name)) type = ZoFileSystem::kDirectory;
   }
-  return erased.code();
+  Disk disk;
+  return Eraser(disk, service_).erase(name.fullName(), type);
 }
-
-namespace {
-
-// A tree on a server, as far as it can be erased; false when something is left.
-bool eraseServerTree(zo::FtpConnection& server, const std::wstring& folder, unsigned int& done) {
-  std::vector<zo::FtpConnection::Entry> entries;
-  if (!server.list(folder, entries)) return false;
-  bool all = true;
-  for (const auto& entry : entries) {
-    const std::wstring path = folder + L'/' + entry.name;
-    const bool erased =
-        entry.isFolder ? eraseServerTree(server, path, done) : server.removeFile(path);
-    if (erased) ++done;
-    all = all && erased;
-  }
-  if (!all || !server.removeFolder(folder)) return false;
-  ++done;
-  return true;
-}
-
-// The backups in a folder.
-bool eraseServerBackups(zo::FtpConnection& server, const std::wstring& folder, unsigned int& done) {
-  std::vector<zo::FtpConnection::Entry> entries;
-  if (!server.list(folder, entries)) return false;
-  bool all = true;
-  for (const auto& entry : entries) {
-    if (entry.isFolder || !isBackup(entry.name)) continue;
-    const bool erased = server.removeFile(folder + L'/' + entry.name);
-    if (erased) ++done;
-    all = all && erased;
-  }
-  return all;
-}
-
-}  // namespace
 
 int ZoStdFileSystemImp::eraseRemote(const ZoFileName& name, ZoFileSystem::EraseType type) {
-  constexpr wchar_t kAgent[] = L"ZoFindFile";
-  return zo::onServer(name, kAgent, service_, [&](zo::FtpConnection& server) {
+  return zo::onServer(name, kAgent, service_, [&](zo::FtpConnection& connection) {
     std::wstring path = zo::ftpPath(name);
-    const bool trailing = path.size() > 1 && path.back() == L'/';
-    if (trailing) path.pop_back();
-    unsigned int done = 0;
-    bool all = false;
-    switch (type) {
-      case ZoFileSystem::kFile:
-        all = server.removeFile(path);
-        break;
-      case ZoFileSystem::kDirectory:
-        all = server.removeFolder(path);
-        break;
-      case ZoFileSystem::kTree:
-        if (path.size() <= 1) return report(kAgent, ERROR_ACCESS_DENIED);
-        all = eraseServerTree(server, path, done);
-        break;
-      case ZoFileSystem::kBackups:
-        all = eraseServerBackups(server, path, done);
-        break;
-      default:
-        return report(kAgent, ERROR_INVALID_PARAMETER);
-    }
-    if (all) return ZoResult::ok;
-    report(kAgent);
-    return done == 0 ? ZoResult::refused : ZoResult::partial;
+    if (path.size() > 1 && path.back() == L'/') path.pop_back();
+    if (type == ZoFileSystem::kTree && path.size() <= 1) return report(kAgent, ERROR_ACCESS_DENIED);
+    Server server(connection);
+    return Eraser(server, service_).erase(path, type);
   });
 }

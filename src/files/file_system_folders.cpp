@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <vector>
 
+#include "files/folder_search.h"
 #include "files/ftp.h"
+#include "files/name_parser.h"
 #include "files/std_file_system_imp.h"
 #include "platform/collation.h"
 #include "platform/open_file.h"
@@ -12,12 +14,10 @@
 
 namespace {
 
-bool isDelimiter(wchar_t c) { return c == L'\\' || c == L'/'; }
-
 // The path without its last component; empty when there is none to take away.
 std::wstring parentOf(std::wstring path) {
-  while (!path.empty() && isDelimiter(path.back())) path.pop_back();
-  while (!path.empty() && !isDelimiter(path.back())) path.pop_back();
+  while (!path.empty() && zo::isDelimiter(path.back())) path.pop_back();
+  while (!path.empty() && !zo::isDelimiter(path.back())) path.pop_back();
   return path;
 }
 
@@ -130,7 +130,7 @@ int ZoStdFileSystemImp::searchPath(const ZoFileName& file, ZoFileName& found,
 
 int ZoStdFileSystemImp::getTempFileName(ZoFileName& name, const ZoFileName& pattern) {
   if (pattern.isURL()) return ZoResult::invalid;
-  std::wstring folder = std::wstring(pattern.drive()) + pattern.directory();
+  std::wstring folder(zo::folderOf(pattern));
   if (folder.empty()) {
     folder = zo::textOf(
         [](DWORD size, wchar_t* buffer) { return zo::fileApi().tempFolder(size, buffer); });

@@ -1,6 +1,7 @@
 // Files of a server.
 #include <algorithm>
 
+#include "files/folder_search.h"
 #include "files/fresh_file.h"
 #include "files/ftp.h"
 #include "files/replace_file.h"
@@ -37,8 +38,8 @@ std::wstring placeFor(const zo::FtpAddress& address, const std::wstring& tempFol
 // first; should the renaming fail even then, what was sent stays under its other name.
 bool putInPlace(zo::FtpConnection& server, const std::wstring& sent, const std::wstring& target) {
   if (server.rename(sent, target)) return true;
-  if (server.removeFile(target)) return server.rename(sent, target);
   const zo::KeptError kept;
+  if (server.removeFile(target)) return server.rename(sent, target);
   server.removeFile(sent);
   return false;
 }
@@ -52,6 +53,7 @@ int ZoStdFileSystemImp::isRemote(const ZoFileName& name, ZoFileName& local) {
   if (place.isEmpty()) {
     const std::wstring folder = zo::textOf(
         [](DWORD size, wchar_t* buffer) { return zo::fileApi().tempFolder(size, buffer); });
+    if (folder.empty()) return report(L"isRemote");
     place = std::wstring_view(placeFor(address, folder));
   }
   local = std::move(place);
@@ -60,11 +62,10 @@ int ZoStdFileSystemImp::isRemote(const ZoFileName& name, ZoFileName& local) {
 
 int ZoStdFileSystemImp::getRemote(const ZoFileName& remote, ZoFileName& local, bool failIfExists) {
   ZoFileName place = local;
-  if (place.isEmpty() && isRemote(remote, place) != ZoResult::ok) return ZoResult::invalid;
-  if (place.isURL()) return ZoResult::invalid;
+  if (place.isURL() || zo::ftpAddress(remote).host.empty()) return ZoResult::invalid;
+  if (place.isEmpty() && isRemote(remote, place)) return ZoResult::refused;
   return zo::onServer(remote, L"getRemote", service_, [&](zo::FtpConnection& server) {
-    ZoFileName folder = place;
-    folder.setFileNameExt(nullptr);
+    const ZoFileName folder(zo::folderOf(place));
     const bool missing =
         !folder.isEmpty() &&
         zo::fileApi().attributes(zo::SystemPath(folder.fullName())) == INVALID_FILE_ATTRIBUTES;

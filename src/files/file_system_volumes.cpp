@@ -12,8 +12,9 @@ namespace {
 std::wstring rootOf(const ZoFileName& name) {
   std::wstring text(name.view());
   if (!text.empty() && (text.back() == L'\\' || text.back() == L'/')) return text;
-  if (*name.drive()) return std::wstring(name.drive()) + L'\\';
-  if (name.isUNC()) return text.substr(0, name.volumePrefixLength()) + L'\\';
+  const ZoFileName whole(name.view());  // the parts of a name below a macro are not those of this
+  if (*whole.drive()) return std::wstring(whole.drive()) + L'\\';
+  if (whole.isUNC()) return text.substr(0, whole.volumePrefixLength()) + L'\\';
   return text;
 }
 

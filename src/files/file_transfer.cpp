@@ -6,11 +6,14 @@
 #include <zo/system/file_system.h>
 #include <zo/system/registry.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "files/folder_search.h"
+#include "files/name_parser.h"
 #include "platform/file_api.h"
 #include "platform/system_path.h"
 
@@ -20,6 +23,8 @@ constexpr unsigned int kPiece = 256 * 1024;
 
 struct Item {
   ZoFileName source, target;
+  std::int64_t size = 0;  // when the run began
+  bool done = false;
 };
 
 ZoFileSystem& fileSystem() { return ZoSystem::fileSystem(); }
@@ -38,12 +43,6 @@ std::int64_t sizeOf(const ZoFileName& name) {
   return static_cast<std::int64_t>((std::uint64_t{entry.nFileSizeHigh} << 32) | entry.nFileSizeLow);
 }
 
-ZoFileName folderOf(const ZoFileName& name) {
-  ZoFileName folder = name;
-  folder.setFileNameExt(nullptr);
-  return folder;
-}
-
 int report(DWORD error) {
   SetLastError(error);
   fileSystem().errorIO(L"transfer");
@@ -51,7 +50,7 @@ int report(DWORD error) {
 }
 
 int makeFolderOf(const ZoFileName& target) {
-  const ZoFileName folder = folderOf(target);
+  const ZoFileName folder(zo::folderOf(target));
   if (folder.isEmpty() || attributesOf(folder) != INVALID_FILE_ATTRIBUTES) return ZoResult::ok;
   return fileSystem().createDirectory(folder);
 }
@@ -77,7 +76,7 @@ struct ZoFileTransfer::Imp {
                             .target = item.target,
                             .filesDone = filesDone,
                             .files = files,
-                            .bytesDone = bytesDone + ofThis,
+                            .bytesDone = bytesDone + std::min(ofThis, item.size),
                             .bytes = bytes});
     }
     return !cancelled;
@@ -144,42 +143,41 @@ struct ZoFileTransfer::Imp {
     return ZoResult::ok;
   }
 
+  // What is done goes only when it is known to be: a watcher may throw.
+  void dropDone() {
+    std::erase_if(items, [](const Item& item) { return item.done; });
+  }
+
   void begin() {
+    dropDone();
     failures.removeAll();
     cancelled = false;
     filesDone = 0;
     files = static_cast<unsigned int>(items.size());
     bytesDone = bytes = 0;
-    for (const Item& item : items) bytes += sizeOf(item.source);
+    for (Item& item : items) bytes += item.size = sizeOf(item.source);
   }
 
   int run(Mode mode) {
     begin();
-    std::vector<Item> left;
-    bool anyDone = false;
     for (Item& item : items) {
-      const std::int64_t size = sizeOf(item.source);
-      if (!tell(item, 0)) {
-        left.push_back(std::move(item));
-        continue;
-      }
+      if (!tell(item, 0)) break;
       const int code = transfer(item, mode);
-      if (code == ZoResult::ok) {
-        anyDone = true;
-      } else if (!cancelled) {
+      item.done = code == ZoResult::ok;
+      if (!item.done && !cancelled) {
+        const bool hasReason = code != ZoResult::invalid;
         failures.append(Failure{.source = item.source,
                                 .target = item.target,
                                 .code = code,
-                                .reason = fileSystem().errorTxt()});
+                                .reason = hasReason ? fileSystem().errorTxt() : ZoString()});
       }
       ++filesDone;
-      bytesDone += size;
+      bytesDone += item.size;
       tell(item, 0);
-      if (code != ZoResult::ok) left.push_back(std::move(item));
     }
-    items = std::move(left);
+    dropDone();
     if (items.empty()) return ZoResult::ok;
-    return anyDone ? ZoResult::partial : ZoResult::refused;
+    return items.size() < files ? ZoResult::partial : ZoResult::refused;
   }
 };
 
@@ -187,25 +185,31 @@ ZoFileTransfer::ZoFileTransfer() : imp_(new Imp) {}
 ZoFileTransfer::~ZoFileTransfer() { delete imp_; }
 
 int ZoFileTransfer::add(const ZoFileName& source, const ZoFileName& target) {
-  imp_->items.push_back({source, target});
+  imp_->items.push_back({.source = source, .target = target});
   return ZoResult::ok;
 }
 
 int ZoFileTransfer::addTree(const ZoFileName& pattern, const ZoFileName& targetFolder) {
   std::wstring target(targetFolder.view());
   const wchar_t delimiter = targetFolder.delimiter();
-  if (!target.empty() && target.back() != L'\\' && target.back() != L'/') target += delimiter;
-  const size_t folder = pattern.view().size() - std::wstring_view(pattern.fileNameExt()).size();
+  if (!target.empty() && !zo::isDelimiter(target.back())) target += delimiter;
+  const size_t folder = zo::searchPlace(pattern).folder.size();
+  int code = ZoResult::ok;
   ZoFindFile find;
-  if (const int code = find.open(pattern, true)) return code;
+  if (find.open(pattern, true)) return find.result();
   while (find.next()) {
     std::wstring below(find.path().substr(folder));
+    // A server can call its files anything, even what would lead out of the target's folder.
+    if (pattern.isURL() && !ZoFileName(below.c_str()).isContained()) {
+      code = report(ERROR_INVALID_NAME);
+      continue;
+    }
     for (wchar_t& c : below) {
-      if (c == L'\\') c = delimiter;
+      if (zo::isDelimiter(c)) c = delimiter;
     }
     add(find.name(), ZoFileName(std::wstring_view(target + below)));
   }
-  return find.result();
+  return code ? code : find.result();
 }
 
 unsigned int ZoFileTransfer::entries() const noexcept {

@@ -4,51 +4,24 @@
 #include <zo/system/registry.h>
 #include <zo/text/containers/sequence.h>
 
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "files/folder_search.h"
+#include "files/ftp.h"
 #include "files/wildcard.h"
-#include "platform/file_api.h"
-#include "platform/system_path.h"
-
-namespace {
-
-// One open search of a folder.
-class Search {
- public:
-  // The first entry is in `entry` already when it is open.
-  Search(const std::wstring& pattern, std::size_t folder, WIN32_FIND_DATAW& entry)
-      : handle_(zo::fileApi().findFirst(zo::SystemPath(pattern.c_str()), entry)), folder_(folder) {}
-  Search(Search&& other) noexcept
-      : handle_(std::exchange(other.handle_, INVALID_HANDLE_VALUE)),
-        folder_(other.folder_),
-        first_(other.first_) {}
-  Search& operator=(Search&&) = delete;
-  ~Search() {
-    if (isOpen()) zo::fileApi().findClose(handle_);
-  }
-
-  [[nodiscard]] bool isOpen() const noexcept { return handle_ != INVALID_HANDLE_VALUE; }
-  bool next(WIN32_FIND_DATAW& entry) {
-    return std::exchange(first_, false) || zo::fileApi().findNext(handle_, entry);
-  }
-  // How much of the path is the folder.
-  [[nodiscard]] std::size_t folder() const noexcept { return folder_; }
-
- private:
-  HANDLE handle_;
-  std::size_t folder_;
-  bool first_ = true;
-};
-
-bool isDots(const wchar_t* name) noexcept {
-  return name[0] == L'.' && (!name[1] || (name[1] == L'.' && !name[2]));
-}
-
-}  // namespace
 
 struct ZoFindFile::Imp {
-  std::vector<Search> searches;  // a folder and those above it
+  // A folder that is being searched, and how much of the path it is.
+  struct Level {
+    zo::FolderSearch search;
+    std::size_t folder;
+  };
+
+  std::vector<Level> levels;                  // a folder and those above it
+  std::unique_ptr<zo::FtpConnection> server;  // none for the file system
   WIN32_FIND_DATAW entry{};
   std::wstring path;     // of the entry
   std::wstring pattern;  // for names
@@ -59,7 +32,8 @@ struct ZoFindFile::Imp {
   unsigned int required = 0, excluded = ZoFindFile::kDirectory, kinds = 0;
   int result = ZoResult::ok;
 
-  int report() {
+  int report(DWORD error) {
+    SetLastError(error);
     ZoSystem::fileSystem().errorIO(L"find");
     return result = ZoResult::refused;
   }
@@ -67,14 +41,12 @@ struct ZoFindFile::Imp {
   // Begins a search in the folder that path names, with its final delimiter. The platform may leave
   // out what does not fit the pattern only where no subfolders are to be found.
   int enter() {
-    const std::size_t folder = path.size();
-    Search search(path + (subfolders ? L"*" : pattern), folder, entry);
-    if (search.isOpen()) {
-      searches.push_back(std::move(search));
-      return ZoResult::ok;
-    }
-    const DWORD error = GetLastError();
-    return error == ERROR_FILE_NOT_FOUND || error == ERROR_NO_MORE_FILES ? ZoResult::ok : report();
+    zo::FolderSearch search = server
+                                  ? zo::FolderSearch(*server, zo::ftpPath(ZoFileName(path.c_str())))
+                                  : zo::FolderSearch(path, subfolders ? L"*" : pattern);
+    if (search.error()) return report(search.error());
+    levels.push_back({.search = std::move(search), .folder = path.size()});
+    return ZoResult::ok;
   }
 
   const ZoFileName& currentName() {
@@ -94,21 +66,20 @@ struct ZoFindFile::Imp {
     return false;
   }
 
-  // The next entry of all, but "." and "..".
+  // The next entry of all.
   bool step() {
     if (std::exchange(entersNext, false)) {
-      path += L'\\';
+      path += server ? L'/' : L'\\';
       enter();
     }
-    while (!searches.empty()) {
-      Search& search = searches.back();
-      if (!search.next(entry)) {
-        if (GetLastError() != ERROR_NO_MORE_FILES) report();
-        searches.pop_back();
+    while (!levels.empty()) {
+      Level& level = levels.back();
+      if (!level.search.next(entry)) {
+        if (level.search.error()) report(level.search.error());
+        levels.pop_back();
         continue;
       }
-      if (isDots(entry.cFileName)) continue;
-      path.resize(search.folder());
+      path.resize(level.folder);
       path += entry.cFileName;
       nameIsOld = true;
       constexpr DWORD kPlainFolder = FILE_ATTRIBUTE_DIRECTORY, kLink = FILE_ATTRIBUTE_REPARSE_POINT;
@@ -132,11 +103,16 @@ void ZoFindFile::setKinds(unsigned int kinds) noexcept { imp_->kinds = kinds; }
 int ZoFindFile::open(const ZoFileName& pattern, bool subfolders) {
   close();
   imp_->result = ZoResult::ok;
-  if (pattern.isURL()) return imp_->result = ZoResult::invalid;
+  if (pattern.isURL()) {
+    const zo::FtpAddress address = zo::ftpAddress(pattern);
+    if (address.host.empty()) return imp_->result = ZoResult::invalid;
+    imp_->server = std::make_unique<zo::FtpConnection>(address, L"ZoFindFile");
+    if (!imp_->server->isOpen()) return imp_->report(GetLastError());
+  }
   imp_->subfolders = subfolders;
-  imp_->pattern = *pattern.fileNameExt() ? pattern.fileNameExt() : L"*";
-  const std::wstring_view whole = pattern.view();
-  imp_->path = whole.substr(0, whole.size() - std::wstring_view(pattern.fileNameExt()).size());
+  zo::SearchPlace place = zo::searchPlace(pattern);
+  imp_->path = std::move(place.folder);
+  imp_->pattern = std::move(place.pattern);
   return imp_->enter();
 }
 
@@ -148,7 +124,8 @@ bool ZoFindFile::next() {
 }
 
 void ZoFindFile::close() noexcept {
-  imp_->searches.clear();
+  imp_->levels.clear();
+  imp_->server.reset();
   imp_->entersNext = false;
 }
 

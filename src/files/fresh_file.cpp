@@ -3,6 +3,7 @@
 #include <array>
 #include <atomic>
 
+#include "files/folder_search.h"
 #include "platform/file_api.h"
 #include "platform/system_path.h"
 
@@ -29,10 +30,6 @@ std::wstring hexadecimal(unsigned int number) {
   return text;
 }
 
-std::wstring folderOf(const ZoFileName& name) {
-  return std::wstring(name.drive()) + name.directory();
-}
-
 }  // namespace
 
 std::wstring freshName(std::wstring_view stem, std::wstring_view ending) {
@@ -55,9 +52,10 @@ FreshFile createFresh(std::wstring_view stem, std::wstring_view ending, DWORD ac
 }
 
 std::wstring temporaryStem(const ZoFileName& name) {
-  std::wstring folder = folderOf(name);
+  std::wstring folder(folderOf(name));
   if (folder.empty()) {
     folder = textOf([](DWORD size, wchar_t* buffer) { return fileApi().tempFolder(size, buffer); });
+    if (folder.empty()) return folder;
   }
   const std::wstring_view own = name.fileName();
   folder += own.empty() ? std::wstring_view(L"zo") : shortened(own);
@@ -70,7 +68,7 @@ std::wstring temporaryEnding(const ZoFileName& name) {
 }
 
 std::wstring stemBeside(const ZoFileName& target) {
-  return folderOf(target).append(shortened(target.fileNameExt())).append(1, L'~');
+  return std::wstring(folderOf(target)).append(shortened(target.fileNameExt())).append(1, L'~');
 }
 
 }  // namespace zo

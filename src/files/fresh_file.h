@@ -23,7 +23,8 @@ struct FreshFile {
                                     unsigned long access, unsigned long share, unsigned long flags);
 
 // Stem and ending for a temporary file that is to be called like `name`, in its folder; what it
-// does not have is taken from the platform's folder for temporary files, "zo" and ".tmp".
+// does not have is taken from the platform's folder for temporary files, "zo" and ".tmp". The stem
+// is empty when that folder cannot be had; GetLastError() then says why.
 [[nodiscard]] std::wstring temporaryStem(const ZoFileName& name);
 [[nodiscard]] std::wstring temporaryEnding(const ZoFileName& name);
 

@@ -94,7 +94,10 @@ bool sameServer(const ZoFileName& a, const ZoFileName& b) {
 
 FtpConnection::FtpConnection(const FtpAddress& address, const wchar_t* agent) {
   const Internet& net = internet();
-  if (!net.library) return;
+  if (!net.library) {
+    SetLastError(ERROR_MOD_NOT_FOUND);
+    return;
+  }
   session_ = net.InternetOpenW(agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0);
   if (!session_) return;
   server_ = net.InternetConnectW(session_, address.host.c_str(),
@@ -134,20 +137,20 @@ bool FtpConnection::put(const wchar_t* local, const std::wstring& path) {
   return internet().FtpPutFileW(server_, local, path.c_str(), FTP_TRANSFER_TYPE_BINARY, 0);
 }
 
-bool FtpConnection::list(const std::wstring& folder, std::vector<Entry>& entries) {
+bool FtpConnection::isFolder(const std::wstring& path) {
+  return internet().FtpSetCurrentDirectoryW(server_, path.c_str());
+}
+
+// What may stand in a path is not what may stand in a pattern: so the folder is entered first.
+bool FtpConnection::list(const std::wstring& folder, std::vector<WIN32_FIND_DATAW>& entries) {
   const Internet& net = internet();
   if (!net.FtpSetCurrentDirectoryW(server_, folder.c_str())) return false;
   WIN32_FIND_DATAW found;
   SetLastError(ERROR_SUCCESS);
   HINTERNET search = net.FtpFindFirstFileW(server_, nullptr, &found,
                                            INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE, 0);
-  bool more = search != nullptr;
-  while (more) {
-    const std::wstring_view name = found.cFileName;
-    const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    if (name != L"." && name != L"..") entries.push_back({std::wstring(name), isFolder});
-    more = net.InternetFindNextFileW(search, &found);
-  }
+  for (bool more = search != nullptr; more; more = net.InternetFindNextFileW(search, &found))
+    entries.push_back(found);
   const DWORD error = GetLastError();
   if (search) net.InternetCloseHandle(search);
   SetLastError(error);

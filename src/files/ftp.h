@@ -28,11 +28,6 @@ struct FtpAddress {
 
 class FtpConnection {
  public:
-  struct Entry {
-    std::wstring name;
-    bool isFolder;
-  };
-
   // Connects; the agent is how the connection calls itself.
   FtpConnection(const FtpAddress& address, const wchar_t* agent);
   FtpConnection(const FtpConnection&) = delete;
@@ -47,8 +42,9 @@ class FtpConnection {
   // The local file is made anew.
   bool get(const std::wstring& path, const wchar_t* local);
   bool put(const wchar_t* local, const std::wstring& path);
-  // Without "." and "..".
-  bool list(const std::wstring& folder, std::vector<Entry>& entries);
+  bool isFolder(const std::wstring& path);
+  // All that is in a folder, "." and ".." where the server tells them.
+  bool list(const std::wstring& folder, std::vector<WIN32_FIND_DATAW>& entries);
 
  private:
   void* session_ = nullptr;

@@ -8,6 +8,8 @@
 #include <string>
 #include <utility>
 
+#include "platform/file_api.h"
+#include "platform/system_path.h"
 #include "system/notice_data.h"
 #include "system/service_scope.h"
 
@@ -15,22 +17,20 @@ namespace {
 
 std::atomic<int> reactorsAlive = 0;
 
-bool isFile(const wchar_t* name) noexcept {
-  const DWORD attributes = GetFileAttributesW(name);
-  return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
+// 0 for what is not there.
+DWORD attributesOf(const ZoFileName& name) {
+  const DWORD attributes = zo::fileApi().attributes(zo::SystemPath(name.fullName()));
+  return attributes == INVALID_FILE_ATTRIBUTES ? 0 : attributes;
 }
 
-bool isFolder(const wchar_t* name) noexcept {
-  const DWORD attributes = GetFileAttributesW(name);
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
-}
+bool isFolder(const ZoFileName& name) { return attributesOf(name) & FILE_ATTRIBUTE_DIRECTORY; }
+bool isFile(const ZoFileName& name) { return attributesOf(name) != 0 && !isFolder(name); }
 
 // The name as seen from the current directory of its drive.
 ZoFileName absolute(const ZoFileName& name) {
-  std::wstring full(GetFullPathNameW(name.fullName(), 0, nullptr, nullptr), L'\0');
-  full.resize(
-      GetFullPathNameW(name.fullName(), static_cast<DWORD>(full.size()), full.data(), nullptr));
-  return ZoFileName(std::wstring_view(full));
+  return ZoFileName(std::wstring_view(zo::textOf([&](DWORD size, wchar_t* buffer) {
+    return zo::fileApi().fullPath(name.fullName(), size, buffer);
+  })));
 }
 
 }  // namespace
@@ -55,7 +55,7 @@ void ZoStdFileSearch::poolRelease(const wchar_t* module) {
 
 int ZoStdFileSearch::addPath(const ZoFileName& folder, const wchar_t* module) {
   const zo::Writing writing(*this);
-  if (!writing || !isFolder(folder.fullName())) return ZoResult::refused;
+  if (!writing || !isFolder(folder)) return ZoResult::refused;
   ZoFileName full;
   if (full.setFullName(absolute(folder).fullName(), false, true) != ZoResult::ok)
     return ZoResult::refused;
@@ -67,14 +67,14 @@ int ZoStdFileSearch::addPath(const ZoFileName& folder, const wchar_t* module) {
 int ZoStdFileSearch::find(const ZoFileName& name, ZoFileName& found) {
   const zo::Reading reading(*this);
   if (!reading || name.isEmpty()) return ZoResult::refused;
-  if (isFile(name.fullName())) {
+  if (isFile(name)) {
     found = absolute(name);
     return ZoResult::ok;
   }
   if (!name.isRelativ()) return ZoResult::refused;
   for (const Path& path : paths_) {
     ZoFileName candidate = name.resolvedAgainst(path.folder);
-    if (!isFile(candidate.fullName())) continue;
+    if (!isFile(candidate)) continue;
     found = std::move(candidate);
     return ZoResult::ok;
   }

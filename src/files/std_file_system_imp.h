@@ -46,17 +46,6 @@ class ZoStdFileSystemImp {
   // 0 or, after the call failed, 1.
   int result(bool done, const wchar_t* operation);
 
-  // Erasing, counted so that nothing, all and a part can be told apart.
-  struct Erased {
-    unsigned int done = 0, failed = 0;
-    [[nodiscard]] int code() const;
-  };
-  void eraseFile(const std::wstring& path, Erased& erased);
-  void eraseFolder(const std::wstring& path, Erased& erased);
-  void eraseTree(const std::wstring& folder, Erased& erased);
-  void eraseBackups(const ZoFileName& name, Erased& erased);
-  template <class Entry>
-  void forEachIn(const std::wstring& folder, const wchar_t* pattern, Erased& erased, Entry entry);
   int eraseRemote(const ZoFileName& name, ZoFileSystem::EraseType type);
 
   ZoFileSystem& service_;

@@ -97,7 +97,7 @@ TEST_F(FindFile, FindsByPatternKindAndAttributes) {
   ZoArray<ZoFileName> all;
   EXPECT_EQ(find.findAll(name(L"t\\*"), all, true), 0);
   EXPECT_EQ(all.entries(), 5u);
-  EXPECT_EQ(find.open(ZoFileName(L"ftp://h/*"), true), 3);
+  EXPECT_EQ(find.open(ZoFileName(L"http://h/*"), true), 3);
   EXPECT_EQ(find.open(name(L"missing\\*")), 1);
   EXPECT_EQ(find.result(), 1);
   EXPECT_FALSE(find.next());

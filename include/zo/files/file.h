@@ -70,7 +70,7 @@ class ZO_COM_API ZoFile {
   ~ZoFile();  // closes; a failure of that is lost: call close() where it matters
   ZoFile& operator=(const ZoFile& other);
   ZoFile& operator=(ZoFile&& other) noexcept {
-    swap(other);
+    ZoFile(std::move(other)).swap(*this);
     return *this;
   }
   void swap(ZoFile& other) noexcept { std::swap(imp_, other.imp_); }

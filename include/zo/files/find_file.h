@@ -13,12 +13,17 @@
 // them; every folder is entered right after its own turn, but for links to folders, which could
 // lead in circles. The order within a folder is the file system's.
 //
-// Errors:  open answers 0, 1 when the folder cannot be read, 3 for a URL. A folder below that
-//          cannot be read is left out, and result() is 1 in the end; the reason of the last one is
-//          to be had from the file-system service's errorTxt(). Nothing throws but std::bad_alloc.
+// An FTP name (zo/system/file_system.h) finds on its server, with what that tells of a file: names
+// and kinds of entries, and sizes and times as far as it does. A server can call its files
+// anything: ask isContained() of the part below the folder before it decides where to write.
+//
+// Errors:  open answers 0, 1 when the folder cannot be read or the server does not answer, 3 for
+//          any other URL. A folder below that cannot be read is left out, and result() is 1 in the
+//          end; the reason of the last one is to be had from the file-system service's errorTxt().
+//          Nothing throws but std::bad_alloc.
 // Threads: one per object, while the library is attached.
-// Cost:    one open search per level of folders, no list of names. name() is made when it is asked
-//          for.
+// Cost:    one open search per level of folders, no list of names; for a server one connection, and
+//          a list per level. name() is made when it is asked for.
 #pragma once
 
 #include <zo/files/file.h>
