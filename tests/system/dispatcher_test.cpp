@@ -79,27 +79,24 @@ struct SystemReactor : Reactor<ZoSystemReactor> {
   static int send(ZoSysDisp& disp) { return disp.sendNotice(static_cast<ZoSysNotice>(77), kData); }
 };
 
-struct NoticeReactor : Reactor<ZoCustomReactor> {
+// Of the custom reactors: told by notices, or by requests.
+template <bool requested>
+struct CustomReactor : Reactor<ZoCustomReactor> {
   using Reactor::Reactor;
   void onNotice(const wchar_t* name, const ZoVariant& data) override {
-    note(std::wstring_view(name) == L"event" && &data == &kData);
+    note(!requested && std::wstring_view(name) == L"event" && &data == &kData);
   }
-  void onRequest(const wchar_t*, ZoVariant&) override { note(false); }
-  static int send(ZoSysDisp& disp) { return disp.sendNotice(L"event", kData); }
-};
-
-struct RequestReactor : Reactor<ZoCustomReactor> {
-  using Reactor::Reactor;
-  void onNotice(const wchar_t*, const ZoVariant&) override { note(false); }
   void onRequest(const wchar_t* name, ZoVariant& data) override {
     data.set(data.asInt() + 1);
-    note(std::wstring_view(name) == L"question" && data.asInt() > 40);
+    note(requested && std::wstring_view(name) == L"event" && data.asInt() > 40);
   }
   static int send(ZoSysDisp& disp) {
     ZoVariant data(40);
-    return disp.sendRequest(L"question", data);
+    return requested ? disp.sendRequest(L"event", data) : disp.sendNotice(L"event", kData);
   }
 };
+using NoticeReactor = CustomReactor<false>;
+using RequestReactor = CustomReactor<true>;
 
 template <class R>
 class DispatcherTest : public testing::Test {

@@ -11,9 +11,8 @@ DWORD failingThread = 0;  // none
 int left = 0;             // allocations before the one that fails; below zero it has
 
 void* allocate(std::size_t size) {
-  if (failingThread && failingThread == GetCurrentThreadId() && left >= 0 && left-- == 0)
-    return nullptr;
-  return std::malloc(size ? size : 1);
+  const bool counts = failingThread == GetCurrentThreadId() && left >= 0;
+  return counts && left-- == 0 ? nullptr : std::malloc(size ? size : 1);
 }
 
 }  // namespace
@@ -26,13 +25,12 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return al
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
-namespace zo::test {
-
-FailingNew::FailingNew(int before) {
-  left = before;
+void zo::test::failAllocationAfter(int others) {
+  left = others;
   failingThread = GetCurrentThreadId();
 }
-FailingNew::~FailingNew() { failingThread = 0; }
-bool FailingNew::happened() const { return left < 0; }
 
-}  // namespace zo::test
+bool zo::test::allocationFailed() {
+  failingThread = 0;
+  return left < 0;
+}

@@ -3,16 +3,9 @@
 
 namespace zo::test {
 
-// While one lives, the allocation of this thread that comes after `before` others throws
-// std::bad_alloc.
-class FailingNew {
- public:
-  explicit FailingNew(int before);
-  ~FailingNew();
-  FailingNew(const FailingNew&) = delete;
-  FailingNew& operator=(const FailingNew&) = delete;
-  // Whether it came to that.
-  [[nodiscard]] bool happened() const;
-};
+// From now on, the allocation of this thread that comes after so many others throws std::bad_alloc.
+void failAllocationAfter(int others);
+// Whether it came to that. No other will fail.
+bool allocationFailed();
 
 }  // namespace zo::test

@@ -185,12 +185,9 @@ TEST(LifeCycle, InstalledServicesOutliveADetachAndStayInForce) {
 // Attaches, with an allocation failing, and detaches again. Gives the handles that were open
 // between; none when nothing failed.
 std::optional<unsigned long> handlesAfterFailure(int allocations) {
-  bool failed;
-  {
-    const zo::test::FailingNew failing(allocations);
-    EXPECT_EQ(zoComDllAttach(), 0);
-    failed = failing.happened();
-  }
+  zo::test::failAllocationAfter(allocations);
+  EXPECT_EQ(zoComDllAttach(), 0);
+  const bool failed = zo::test::allocationFailed();
   const auto handles = openHandles();
   // Notices pass over the empty slot; without a dispatcher there are none.
   EXPECT_EQ(ZoSystem::setTolerance(ZoTol()), 0);
