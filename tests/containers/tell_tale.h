@@ -26,9 +26,11 @@ inline void copying() {
   throw CopyFailed();
 }
 
+enum class Moves { kNot, kSafely, kAsACopy };
+
 // Counts itself, notices use before construction and after destruction, and fails to be copied on
-// demand. With kMoves it has a move that cannot throw, else only the copy.
-template <bool kMoves>
+// demand. A move cannot throw, or may as a copy may, or there is none.
+template <Moves kMoves>
 class Element {
  public:
   Element() : Element(0) {}
@@ -37,9 +39,10 @@ class Element {
     copying();
     ++live;
   }
-  Element(Element&& other) noexcept
-    requires kMoves
+  Element(Element&& other) noexcept(kMoves == Moves::kSafely)
+    requires(kMoves != Moves::kNot)
       : value(other.checked().value) {
+    if constexpr (kMoves == Moves::kAsACopy) copying();
     other.value = -1;
     ++live;
   }
@@ -49,10 +52,11 @@ class Element {
     value = other.checked().value;
     return *this;
   }
-  Element& operator=(Element&& other) noexcept
-    requires kMoves
+  Element& operator=(Element&& other) noexcept(kMoves == Moves::kSafely)
+    requires(kMoves != Moves::kNot)
   {
     checked();
+    if constexpr (kMoves == Moves::kAsACopy) copying();
     value = other.checked().value;
     if (this != &other) other.value = -1;
     return *this;
@@ -78,15 +82,16 @@ class Element {
   unsigned magic_ = kMagic;
 };
 
-using Mover = Element<true>;
-using Copier = Element<false>;
+using Mover = Element<Moves::kSafely>;
+using Copier = Element<Moves::kNot>;
+using Thrower = Element<Moves::kAsACopy>;
 
 // The n-th request of a container for memory fails, and those after it; 0 means none does.
 inline int requestsUntilFailure = 0;
 
 }  // namespace telltale
 
-template <bool kMoves>
+template <telltale::Moves kMoves>
 struct std::hash<telltale::Element<kMoves>> {
   std::size_t operator()(const telltale::Element<kMoves>& e) const {
     return static_cast<std::size_t>(e.value) * 7;

@@ -36,32 +36,6 @@ int checkedHeight(const ZoVTreeNode* node) {
 
 ZoVTreeMem::~ZoVTreeMem() = default;
 
-// Puts a node that was taken out back into the tree unless it is dismissed.
-class ZoVTree::PutBack final : public zo::TreeNodeMaker {
- public:
-  PutBack(ZoVTree& tree, ZoVTreeNode* node, const ZoVTreeCompare& compare)
-      : tree_(tree), node_(node), compare_(compare) {}
-  ~PutBack() {
-    bool taller = false;
-    if (node_) {
-      tree_.insertNode(tree_.root_, tree_.mem_->key(node_->element), *this, compare_, taller);
-    }
-  }
-  void dismiss() { node_ = nullptr; }
-
-  int make(ZoVTreeNode*& node) override {
-    node_->left = node_->right = nullptr;
-    node_->balance = 0;
-    node = node_;
-    return ZoResult::ok;
-  }
-
- private:
-  ZoVTree& tree_;
-  ZoVTreeNode* node_;
-  const ZoVTreeCompare& compare_;
-};
-
 ZoVTree::ZoVTree(ZoVTreeMem* mem, const ZoVTree& other, const ZoVTreeCompare* compare)
     : ZoVTree(mem) {
   if (!mem || !compare) return;
@@ -150,12 +124,7 @@ int ZoVTree::removeAt(const void* key, void* out, const ZoVTreeCompare* compare)
   if (!key || !compare) return ZoResult::refused;
   bool shorter = false;
   ZoVTreeNode* removed = nullptr;
-  if (const int status = removeNode(root_, key, *compare, shorter, removed)) return status;
-  if (out) {
-    PutBack putBack(*this, removed, *compare);
-    if (const int status = mem_->moveValue(out, mem_->value(removed->element))) return status;
-    putBack.dismiss();
-  }
+  if (const int status = removeNode(root_, key, out, *compare, shorter, removed)) return status;
   mem_->deleteNode(removed);
   --count_;
   ++changes_;
@@ -270,18 +239,21 @@ bool ZoVTree::leanRight(ZoVTreeNode*& node) noexcept {
   return true;
 }
 
-int ZoVTree::removeNode(ZoVTreeNode*& node, const void* key, const ZoVTreeCompare& compare,
-                        bool& shorter, ZoVTreeNode*& removed) {
+int ZoVTree::removeNode(ZoVTreeNode*& node, const void* key, void* out,
+                        const ZoVTreeCompare& compare, bool& shorter, ZoVTreeNode*& removed) {
   if (!node) return ZoResult::refused;
   const int order = compare.compare(key, mem_->key(node->element));
   if (order != 0) {
     const int status =
-        removeNode(order < 0 ? node->left : node->right, key, compare, shorter, removed);
+        removeNode(order < 0 ? node->left : node->right, key, out, compare, shorter, removed);
     if (shorter) {
       order < 0 ? leanRight(node) : leanLeft(node);
       shorter = node->balance == 0;
     }
     return status;
+  }
+  if (out) {  // while nothing has changed
+    if (const int status = mem_->moveValue(out, mem_->value(node->element))) return status;
   }
   removed = node;
   if (!node->left || !node->right) {

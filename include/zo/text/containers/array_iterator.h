@@ -21,11 +21,7 @@ class ArrayWalker : public Base {
   bool toFirst() final { return to(0); }
   [[nodiscard]] bool atFirst() const final { return position_ == 0 && isValid(); }
   [[nodiscard]] bool isValid() const final { return position_ < array_->entries(); }
-  bool next() final {
-    if (!isValid()) return false;
-    ++position_;
-    return isValid();
-  }
+  bool next() final { return to(isValid() ? position_ + 1 : npos); }
   bool toLast() final { return to(array_->entries() - 1); }
   [[nodiscard]] bool atLast() const final {
     return isValid() && position_ + 1 == array_->entries();

@@ -43,10 +43,14 @@ int assignElement(void* to, const void* from) {
   }
 }
 
-// Moves *from to *to; copies where the type cannot be moved.
+// Moves *from to *to; copies where the type cannot be moved, or where something may yet throw: then
+// *from must stay.
 template <class T>
 int moveElement(void* to, void* from) {
-  if constexpr (std::is_move_assignable_v<T>) {
+  if constexpr (std::is_copy_assignable_v<T> &&
+                !(movesSafely<T> && std::is_nothrow_move_assignable_v<T>)) {
+    return assignElement<T>(to, from);
+  } else if constexpr (std::is_move_assignable_v<T>) {
     return asStatus([&] { *static_cast<T*>(to) = std::move(*static_cast<T*>(from)); });
   } else {
     return ZoResult::refused;

@@ -141,9 +141,10 @@ class ZO_COM_API ZoVTree {
   // Both work on the subtree at `node`, which they change, and tell whether its height has changed.
   int insertNode(ZoVTreeNode*& node, const void* key, zo::TreeNodeMaker& maker,
                  const ZoVTreeCompare& compare, bool& taller);
-  // Takes the node of a key out of the tree.
-  int removeNode(ZoVTreeNode*& node, const void* key, const ZoVTreeCompare& compare, bool& shorter,
-                 ZoVTreeNode*& removed);
+  // Takes the node of a key out of the tree, and before that moves its value to *out unless that is
+  // null.
+  int removeNode(ZoVTreeNode*& node, const void* key, void* out, const ZoVTreeCompare& compare,
+                 bool& shorter, ZoVTreeNode*& removed);
 
   static void rotationToLeft(ZoVTreeNode*& node) noexcept;
   static void rotationToRight(ZoVTreeNode*& node) noexcept;
@@ -160,8 +161,6 @@ class ZO_COM_API ZoVTree {
   template <class T, class K, class C>
   friend class ZoTree;
   friend class ZoVTreeIterator;
-
-  class PutBack;
 
   int insertMade(const void* key, zo::TreeNodeMaker& maker, const ZoVTreeCompare* compare);
   static bool leanLeft(ZoVTreeNode*& node) noexcept;
