@@ -23,7 +23,7 @@ function(zo_test_program name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR}/src
                                              ${PROJECT_SOURCE_DIR}/include ${PROJECT_BINARY_DIR}/generated)
   target_compile_definitions(${name} PRIVATE ZO_COM_STATIC)
-  target_link_libraries(${name} PRIVATE zo_test_support zo_system)
+  target_link_libraries(${name} PRIVATE zo_test_support zo_system zo_host)
   zo_compile_options(${name})
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 TEST_PREFIX ${name}.
                        PROPERTIES TIMEOUT 300 ENVIRONMENT "${zo_test_environment}")

@@ -1,6 +1,10 @@
 #include <windows.h>
 #include <zo/host/registry.h>
 
+#include <utility>
+
+#include "platform/registry_path.h"
+
 namespace {
 
 // Documented are 255 characters for a key's name; one more has been seen.
@@ -26,15 +30,6 @@ bool enumerate(DWORD longest, ZoString& name, Ask ask) {
 
 }  // namespace
 
-std::wstring SECRegistry::withoutEmptyLevels(std::wstring_view path) {
-  std::wstring result;
-  result.reserve(path.size());
-  for (const wchar_t c : path)
-    if (c != L'\\' || (!result.empty() && result.back() != L'\\')) result += c;
-  if (!result.empty() && result.back() == L'\\') result.pop_back();
-  return result;
-}
-
 bool SECRegistry::Connect(HKEY root) noexcept {
   Close();
   root_ = root;
@@ -44,7 +39,7 @@ bool SECRegistry::Connect(HKEY root) noexcept {
 bool SECRegistry::Open(const wchar_t* path, CreatePermissions access) {
   Close();
   return succeeded(
-      RegOpenKeyExW(root_, withoutEmptyLevels(viewOf(path)).c_str(), 0, access, &m_hKey));
+      RegOpenKeyExW(root_, zo::withoutEmptyLevels(viewOf(path)).c_str(), 0, access, &m_hKey));
 }
 
 bool SECRegistry::Create(const wchar_t* path, const wchar_t* className, CreateOptions options,
@@ -52,7 +47,7 @@ bool SECRegistry::Create(const wchar_t* path, const wchar_t* className, CreateOp
   Close();
   // The platform takes a class name that it does not change through a pointer to variable text.
   std::wstring name(viewOf(className));
-  return succeeded(RegCreateKeyExW(root_, withoutEmptyLevels(viewOf(path)).c_str(), 0,
+  return succeeded(RegCreateKeyExW(root_, zo::withoutEmptyLevels(viewOf(path)).c_str(), 0,
                                    className ? name.data() : nullptr, options, access, nullptr,
                                    &m_hKey, nullptr));
 }
@@ -101,7 +96,7 @@ bool SECRegistry::EnumerateValues(unsigned long index, ZoString& name, KeyValueT
 }
 
 bool SECRegistry::DeleteKey(const wchar_t* path, bool recursive) {
-  const std::wstring key = withoutEmptyLevels(viewOf(path));
+  const std::wstring key = zo::withoutEmptyLevels(viewOf(path));
   if (key.empty()) return succeeded(ERROR_INVALID_PARAMETER);
   return succeeded(recursive ? RegDeleteTreeW(root_, key.c_str())
                              : RegDeleteKeyW(root_, key.c_str()));

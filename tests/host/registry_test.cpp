@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/registry_path.h"
 #include "support/printers.h"
 #include "support/registry_base.h"
 
@@ -90,7 +91,7 @@ TEST_F(Registry, EmptyLevelsCountForNothing) {
     const wchar_t *path, *same;
   } paths[] = {{L"", L""},     {L"\\", L""},   {L"\\\\\\", L""},   {L"a", L"a"},
                {L"\\a", L"a"}, {L"a\\", L"a"}, {L"a\\b", L"a\\b"}, {L"\\\\a\\\\\\b\\\\", L"a\\b"}};
-  for (const auto& [path, same] : paths) EXPECT_EQ(SECRegistry::withoutEmptyLevels(path), same);
+  for (const auto& [path, same] : paths) EXPECT_EQ(zo::withoutEmptyLevels(path), same);
   ASSERT_TRUE(registry_.Create((L"\\" + base_.path(L"\\a\\\\b\\")).c_str()));
   EXPECT_TRUE(registry_.Open(base_.path(L"a\\b").c_str(), kAll));
   EXPECT_TRUE(registry_.Open(base_.path(L"\\\\A\\B\\\\").c_str(), kAll));

@@ -25,7 +25,6 @@
 // Threads: one at a time per object.
 #pragma once
 
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -34,15 +33,12 @@
 
 namespace zo::test {
 
-struct ChildOptions {
-  std::map<std::wstring, std::wstring> environment;  // set or replaced for the child
-  bool captureErrors = false;  // keep standard error for errors() instead of passing it on
-};
-
 class ChildProcess {
  public:
+  enum Errors { kPassedOn, kHeard };  // what it writes to standard error: hear() gives that, too
+
   explicit ChildProcess(const std::wstring& name, const std::vector<std::wstring>& arguments = {},
-                        const ChildOptions& options = {});
+                        Errors errors = kPassedOn);
   ~ChildProcess();  // kills and waits
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
@@ -50,17 +46,10 @@ class ChildProcess {
   void say(std::string_view line);
   // The child's next line; nothing when it has ended or closed its output.
   std::optional<std::string> hear();
-  // The child hears no more.
-  void closeInput();
   // Closes its input, waits for the end, gives the exit code; again the same when asked again.
   int wait();
-  // Ends it at once, as a crash would: nothing is released. Its exit code is `code`. Returns when
-  // it is gone.
-  void kill(int code = 1);
-  bool running() const;
-  unsigned long id() const;
-  // What the child wrote to standard error so far, if captured.
-  std::string errors() const;
+  // Ends it at once, as a crash would: nothing is released. Returns when it is gone.
+  void kill();
 
  private:
   struct State;
@@ -70,20 +59,18 @@ class ChildProcess {
 // The other end: what a child sees of its parent.
 class Parent {
  public:
-  explicit Parent(std::vector<std::wstring> arguments);
-  ~Parent();
-  Parent(const Parent&) = delete;
-  Parent& operator=(const Parent&) = delete;
+  explicit Parent(std::vector<std::wstring> arguments) : arguments_(std::move(arguments)) {}
 
   // Empty when there are fewer.
-  std::wstring argument(std::size_t index) const;
+  std::wstring argument(std::size_t index) const {
+    return index < arguments_.size() ? arguments_[index] : std::wstring();
+  }
   void say(std::string_view line);
   std::optional<std::string> hear();
 
  private:
-  struct State;
   std::vector<std::wstring> arguments_;
-  std::unique_ptr<State> state_;
+  std::string pending_;
 };
 
 using ChildFunction = int (*)(Parent& parent);

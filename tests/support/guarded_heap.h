@@ -1,8 +1,8 @@
 // The guarded heap: a misplaced byte ends the program where it happens.
 //
 // With ZO_GUARDED_HEAP=guard in the environment, malloc and all that stands on it (operator new of
-// the program, of zo_com.dll and of the C++ runtime) is served from here, in every module that is
-// not the system's own, also in those loaded later:
+// the program and of the C++ runtime) is served from here, in every module that is loaded with the
+// program and not the system's own:
 // - each block ENDS at an inaccessible page, so that reading or writing one byte past it faults.
 //   Its alignment is that of a type of its size: the lowest set bit of the size, at most 16;
 // - a freed block stays inaccessible until some thousand others were freed after it;
@@ -11,9 +11,8 @@
 // - blocks to which nothing leads any more are leaks.
 //
 // An inaccessible page costs the system two mappings, of which a process has 65,530 under Linux.
-// Past ZO_GUARDED_LIMIT blocks (default 28,000), and for what is allocated before main, blocks are
-// fenced instead: known bytes around them and, for a while, in them after they are freed, checked
-// when they are freed, reused, and at the end.
+// Past ZO_GUARDED_LIMIT live blocks (default 28,000) the runtime serves the program again, and
+// leaks are not looked for any more.
 //
 // A fault of the compiler's runtime that shows here: when a thread other than the first ends, its
 // thread_local variables are freed before their destructors run. Code under test keeps thread_local
@@ -21,7 +20,7 @@
 //
 // Errors:  what is found ends the process with a code of exit_codes.h, after a report on stderr.
 // Threads: any.
-// Cost:    8 us to allocate and free a guarded block, 20 us above one page, 3 us for a fenced one.
+// Cost:    8 us to allocate and free a block, 20 us above one page.
 #pragma once
 
 #include <cstddef>
@@ -35,9 +34,6 @@ bool guardedHeapActive();
 // Blocks of the program that are live now; 0 when the heap is not active.
 std::size_t liveBlocks();
 
-// From here on blocks are guarded; main calls it after the test framework has set itself up.
-void startGuarding();
-
 // The number of the newest block: what comes later has a higher one.
 std::uint64_t allocationMark();
 
@@ -47,8 +43,5 @@ std::uint64_t allocationMark();
 // when nothing is in use. Function-local statics and caches filled on first use are therefore no
 // leaks.
 std::string leaksSince(std::uint64_t mark);
-
-// At the end of a program: looks at the fences of all live blocks and reports what the heap did.
-void checkHeapAtEnd();
 
 }  // namespace zo::test

@@ -16,10 +16,10 @@ void HeapEngine::reach(const void* from, std::size_t bytes) {
   for (const char* end = word + bytes; end - word >= 8; word += 8) {
     const void* pointer;
     std::memcpy(&pointer, word, sizeof pointer);
-    Block* block = guarded_.find(pointer);
-    if (!block) block = fenced_.find(pointer);
+    Block* block = slots_.find(pointer);
+    // One past the end counts as inside: iterators and empty blocks point there, to the
+    // inaccessible page of their own slot.
     if (!block || block->state != Block::kLive || block->lastReached == leakScan_) continue;
-    // One past the end counts as inside: iterators and empty blocks point there.
     if (pointer < block->start || pointer > block->start + block->size) continue;
     block->lastReached = leakScan_;
     block->nextToScan = scanQueue_;
@@ -49,18 +49,16 @@ void HeapEngine::scanRoots() {
 
 HeapEngine::LeakCount HeapEngine::findLeaks(std::uint64_t mark, Block* list, std::size_t capacity) {
   LeakCount leaks{};
-  AcquireSRWLockExclusive(&lock_);
-  if (live_.back() && live_.back()->serial > mark) {
-    ++leakScan_;
-    scanRoots();
-    for (const Block* b = live_.back(); b && b->serial > mark; b = b->previous) {
-      if (b->lastReached == leakScan_) continue;
-      ++leaks.blocks;
-      leaks.bytes += b->size;
-      if (leaks.listed < capacity) list[leaks.listed++] = *b;
-    }
+  const Locked locked(lock_);
+  if (full_ || !live_.back() || live_.back()->serial <= mark) return leaks;
+  ++leakScan_;
+  scanRoots();
+  for (const Block* b = live_.back(); b && b->serial > mark; b = b->previous) {
+    if (b->lastReached == leakScan_) continue;
+    ++leaks.blocks;
+    leaks.bytes += b->size;
+    if (leaks.listed < capacity) list[leaks.listed++] = *b;
   }
-  ReleaseSRWLockExclusive(&lock_);
   return leaks;
 }
 

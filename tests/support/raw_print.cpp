@@ -39,6 +39,12 @@ PlaceText::PlaceText(const void* address) {
   std::snprintf(text, sizeof text, "%.90s+0x%llx", slash ? slash + 1 : path, offset);
 }
 
+void printStack(void* const* frames, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    if (frames[i]) rawPrint("    %s\n", PlaceText(frames[i]).text);
+  }
+}
+
 void endProcess(int code) {
   TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));
   for (;;) Sleep(INFINITE);  // not reached

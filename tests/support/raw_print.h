@@ -15,6 +15,9 @@ struct PlaceText {
   char text[120];
 };
 
+// The places of a stack, one in each line; null ones are left out.
+void printStack(void* const* frames, std::size_t count);
+
 // Ends the process here and now with this exit code: no destructors, no DLL notifications.
 [[noreturn]] void endProcess(int code);
 

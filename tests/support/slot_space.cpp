@@ -6,18 +6,6 @@
 
 namespace zo::test {
 
-namespace {
-
-// Address space that rests in each size before it is used again: 4,096 of the smallest guarded
-// slots.
-constexpr std::size_t kRestingBytes = std::size_t{1} << 25;
-
-std::size_t leastResting(unsigned shift) {
-  return std::max<std::size_t>(kRestingBytes >> shift, 1);
-}
-
-}  // namespace
-
 void BlockList::append(Block* block) {
   block->previous = back_;
   block->next = nullptr;
@@ -32,21 +20,12 @@ void BlockList::remove(Block* block) {
   --count_;
 }
 
-bool SlotSpace::reserve(std::size_t bytes, unsigned leastShift, Records records) {
-  bytes = std::min(bytes, kMostChunks << kChunkShift);
-  base_ = static_cast<char*>(VirtualAlloc(nullptr, bytes, MEM_RESERVE, PAGE_NOACCESS));
-  if (!base_) return false;
-  bytes_ = bytes;
-  leastShift_ = leastShift;
-  if (records == Records::kInSlot) return true;
-  table_ = static_cast<Block*>(VirtualAlloc(nullptr, (bytes >> leastShift) * sizeof(Block),
+bool SlotSpace::reserve(std::size_t bytes) {
+  bytes_ = std::min(bytes, kMostChunks << kChunkShift);
+  base_ = static_cast<char*>(VirtualAlloc(nullptr, bytes_, MEM_RESERVE, PAGE_NOACCESS));
+  table_ = static_cast<Block*>(VirtualAlloc(nullptr, (bytes_ >> kLeastShift) * sizeof(Block),
                                             MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
-  return table_ != nullptr;
-}
-
-Block* SlotSpace::recordOf(char* slot) const {
-  return table_ ? table_ + (static_cast<std::size_t>(slot - base_) >> leastShift_)
-                : reinterpret_cast<Block*>(slot);
+  return base_ && table_;
 }
 
 bool SlotSpace::grow(unsigned shift) {
@@ -54,7 +33,6 @@ bool SlotSpace::grow(unsigned shift) {
   const std::size_t span = std::max(slot, std::size_t{1} << kChunkShift);
   const std::size_t at = (dealt_ + slot - 1) & ~(slot - 1);
   if (at > bytes_ || span > bytes_ - at) return false;
-  if (!table_ && !VirtualAlloc(base_ + at, span, MEM_COMMIT, PAGE_READWRITE)) return false;
   dealt_ = at + span;
   std::fill_n(chunkShifts_ + (at >> kChunkShift), span >> kChunkShift,
               static_cast<std::uint8_t>(shift));
@@ -72,12 +50,14 @@ Block* SlotSpace::takeRested(unsigned shift, std::size_t least) {
 }
 
 Block* SlotSpace::take(unsigned shift) {
+  // Address space that rests in each size before it is used again: 4,096 of the smallest slots.
+  constexpr std::size_t kRestingBytes = std::size_t{1} << 25;
   if (shift > kMostShift) return nullptr;
-  if (Block* rested = takeRested(shift, leastResting(shift))) return rested;
+  const std::size_t least = std::max<std::size_t>(kRestingBytes >> shift, 1);
+  if (Block* rested = takeRested(shift, least)) return rested;
   SlotClass& slots = classes_[shift];
   if (slots.fresh == slots.end && !grow(shift)) return takeRested(shift, 0);
-  Block* block = recordOf(slots.fresh);
-  *block = Block{};
+  Block* block = table_ + ((slots.fresh - base_) >> kLeastShift);
   block->slot = slots.fresh;
   block->shift = static_cast<std::uint8_t>(shift);
   slots.fresh += std::size_t{1} << shift;
@@ -85,14 +65,13 @@ Block* SlotSpace::take(unsigned shift) {
 }
 
 Block* SlotSpace::find(const void* address) const {
-  if (!contains(address)) return nullptr;
-  const auto offset = static_cast<std::size_t>(static_cast<const char*>(address) - base_);
+  const auto* at = static_cast<const char*>(address);
+  if (at < base_ || at >= base_ + bytes_) return nullptr;
+  const auto offset = static_cast<std::size_t>(at - base_);
   const unsigned shift = chunkShifts_[offset >> kChunkShift];
   if (!shift) return nullptr;
-  char* slot = base_ + (offset >> shift << shift);
-  const SlotClass& slots = classes_[shift];
-  if (slot >= slots.fresh && slot < slots.end) return nullptr;  // dealt out, not yet taken
-  return recordOf(slot);
+  Block* block = table_ + (offset >> shift << (shift - kLeastShift));
+  return block->slot ? block : nullptr;
 }
 
 }  // namespace zo::test

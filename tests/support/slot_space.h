@@ -27,9 +27,7 @@ struct Block {
   Block* nextToScan;
   std::uint8_t shift;  // the slot has 2^shift bytes
   State state;
-  bool
-      guarded;  // ends at an inaccessible page; otherwise fenced: it only has known bytes around it
-  bool committed;         // guarded slots that keep their page while they rest
+  bool committed;         // keeps its page while it rests
   void* frames[kFrames];  // who allocated it, innermost first; shorter stacks end with null
 };
 
@@ -50,35 +48,16 @@ class BlockList {
 
 class SlotSpace {
  public:
-  static constexpr unsigned kLeastShift = 8;
-  static constexpr unsigned kMostShift = 33;
+  static constexpr unsigned kLeastShift = 13;
 
-  // How the descriptions of slots are kept: in a table beside the range, for slots of at least
-  // 2^leastShift bytes that become accessible one by one; or at the head of each slot, in spans
-  // that are accessible as a whole.
-  enum class Records { kInTable, kInSlot };
-
-  bool reserve(std::size_t bytes, unsigned leastShift, Records records);
-
+  bool reserve(std::size_t bytes);
   // A slot of this size, new or rested (its state tells); null when the range is used up.
   Block* take(unsigned shift);
   // The slot that has rested longest if more than `least` rest; null otherwise.
   Block* takeRested(unsigned shift, std::size_t least);
   void rest(Block* block) { classes_[block->shift].resting.append(block); }
-
-  bool contains(const void* address) const {
-    const auto* at = static_cast<const char*>(address);
-    return at >= base_ && at < base_ + bytes_;
-  }
   // The slot around the address, null when none was ever taken there.
   Block* find(const void* address) const;
-
-  template <typename Visitor>
-  void forEachResting(Visitor visit) const {
-    for (const SlotClass& slots : classes_) {
-      for (const Block* b = slots.resting.front(); b; b = b->next) visit(b);
-    }
-  }
 
  private:
   struct SlotClass {
@@ -86,20 +65,18 @@ class SlotSpace {
     char* end;
     BlockList resting;
   };
+  static constexpr unsigned kMostShift = 33;
   static constexpr unsigned kChunkShift = 26;
   static constexpr std::size_t kMostChunks = 512;
 
   bool grow(unsigned shift);
-  Block* recordOf(char* slot) const;
 
   char* base_ = nullptr;
   std::size_t bytes_ = 0;
   std::size_t dealt_ = 0;
-  unsigned leastShift_ = 0;
-  Block* table_ = nullptr;
+  Block* table_ = nullptr;  // one for each slot of the least size
   SlotClass classes_[kMostShift + 1] = {};
-  std::uint8_t chunkShifts_[kMostChunks] =
-      {};  // slot size of each chunk, 0 while it is not dealt out
+  std::uint8_t chunkShifts_[kMostChunks] = {};  // 0 while a chunk is not dealt out
 };
 
 }  // namespace zo::test

@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <psapi.h>
-#include <winternl.h>
 
 #include <algorithm>
 #include <array>
@@ -14,29 +13,13 @@
 #include <string_view>
 
 #include "support/heap_hooks.h"
-#include "support/raw_print.h"
 
 namespace zo::test {
 
 namespace {
 
-// What the loader tells its listeners; the compiler's headers do not declare it.
-struct LoaderNotice {
-  ULONG flags;
-  const UNICODE_STRING* path;
-  const UNICODE_STRING* name;
-  void* base;
-  ULONG size;
-};
-using LoaderListener = void(CALLBACK*)(ULONG reason, const LoaderNotice* notice, void* context);
-using RegisterLoaderListener = NTSTATUS(NTAPI*)(ULONG flags, LoaderListener listener, void* context,
-                                                void** cookie);
-constexpr ULONG kLoaded = 1;
-constexpr ULONG kUnloaded = 2;
-
-// The system changes this list only under its loader lock.
 struct {
-  std::array<char*, 256> bases;
+  std::array<char*, 64> bases;
   std::size_t count;
 } watched;
 
@@ -59,8 +42,8 @@ const IMAGE_NT_HEADERS* headersOf(char* module) {
 }
 
 bool isSystemPath(std::wstring_view path) {
-  static wchar_t folder[MAX_PATH];
-  static const UINT length = GetWindowsDirectoryW(folder, MAX_PATH);
+  wchar_t folder[MAX_PATH];
+  const UINT length = GetWindowsDirectoryW(folder, MAX_PATH);
   return path.size() > length && path[length] == L'\\' && !_wcsnicmp(path.data(), folder, length);
 }
 
@@ -94,53 +77,25 @@ void redirectImports(char* module) {
   }
 }
 
-void watch(char* module, std::wstring_view path) {
-  if (isSystemPath(path)) return;
-  if (watched.count == watched.bases.size()) {
-    rawPrint("guarded heap: too many modules, %s is not watched\n", PlaceText(module).text);
-    return;
-  }
-  watched.bases[watched.count++] = module;
-  for (ModuleRange& range : threadRuntime) {
-    if (!isNamed(path, range.name)) continue;
-    range.base = module;
-    range.end = module + headersOf(module)->OptionalHeader.SizeOfImage;
-  }
-  redirectImports(module);
-}
-
-void unwatch(char* module) {
-  auto* end = watched.bases.data() + watched.count;
-  watched.count = static_cast<std::size_t>(std::remove(watched.bases.data(), end, module) -
-                                           watched.bases.data());
-}
-
-void CALLBACK onLoader(ULONG reason, const LoaderNotice* notice, void*) {
-  auto* module = static_cast<char*>(notice->base);
-  if (reason == kLoaded) {
-    watch(module, {notice->path->Buffer, notice->path->Length / sizeof(wchar_t)});
-  } else if (reason == kUnloaded) {
-    unwatch(module);
-  }
-}
-
 }  // namespace
 
 void watchModules() {
   HMODULE modules[256];
   DWORD bytes = 0;
   EnumProcessModules(GetCurrentProcess(), modules, sizeof modules, &bytes);
-  for (std::size_t i = 0; i < std::min<std::size_t>(bytes / sizeof(HMODULE), std::size(modules));
-       ++i) {
-    wchar_t path[MAX_PATH];
-    const DWORD length = GetModuleFileNameW(modules[i], path, MAX_PATH);
-    watch(reinterpret_cast<char*>(modules[i]), {path, length});
-  }
-  auto* listen = reinterpret_cast<RegisterLoaderListener>(reinterpret_cast<void*>(
-      GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "LdrRegisterDllNotification")));
-  void* cookie;
-  if (!listen || listen(0, onLoader, nullptr, &cookie) != 0) {
-    rawPrint("guarded heap: modules loaded later are not watched\n");
+  const std::size_t count = std::min<std::size_t>(bytes / sizeof(HMODULE), std::size(modules));
+  for (std::size_t i = 0; i < count && watched.count < watched.bases.size(); ++i) {
+    wchar_t text[MAX_PATH];
+    const std::wstring_view path(text, GetModuleFileNameW(modules[i], text, MAX_PATH));
+    if (isSystemPath(path)) continue;
+    char* const module = reinterpret_cast<char*>(modules[i]);
+    watched.bases[watched.count++] = module;
+    for (ModuleRange& range : threadRuntime) {
+      if (!isNamed(path, range.name)) continue;
+      range.base = module;
+      range.end = module + headersOf(module)->OptionalHeader.SizeOfImage;
+    }
+    redirectImports(module);
   }
 }
 

@@ -1,12 +1,12 @@
-// The modules whose memory calls go to the guarded heap: all but the system's own.
+// The modules whose memory calls go to the guarded heap: those that are loaded with the program,
+// but for the system's own.
 #pragma once
 
 #include <cstddef>
 
 namespace zo::test {
 
-// Redirects the memory calls of all modules that are loaded, and from now on of each that will be,
-// before its first code runs.
+// Redirects the memory calls of all modules that are loaded now.
 void watchModules();
 
 // The writable data of the watched modules, range by range.

@@ -1,4 +1,5 @@
-// Stand-in for the host toolkit's registry class, with just the calls that the library makes.
+// The host toolkit's registry class, or a stand-in for it with just the calls that the library
+// makes. A build with ZO_WITH_SEC_REGISTRY takes the toolkit's own; what follows is the stand-in.
 //
 // An object connects to a root key, has at most one key under it open, and works on that one. Paths
 // go from the root and part their levels by '\'; empty levels count for nothing, wherever they
@@ -18,8 +19,20 @@
 #include <zo/config.h>
 #include <zo/text/string.h>
 
-#include <string>
 #include <string_view>
+
+#if defined(ZO_WITH_SEC_REGISTRY)
+
+#include ZO_SEC_REGISTRY_HEADER
+
+namespace zo {
+using RegistryText = CString;
+inline std::wstring_view viewOf(const RegistryText& text) {
+  return {text.GetString(), static_cast<size_t>(text.GetLength())};
+}
+}  // namespace zo
+
+#else
 
 struct HKEY__;
 using HKEY = HKEY__*;
@@ -84,10 +97,15 @@ class ZO_COM_API SECRegistry {
 
   [[nodiscard]] HKEY key() const noexcept { return m_hKey; }
 
-  // The path without its empty levels: what the calls above go by.
-  [[nodiscard]] static std::wstring withoutEmptyLevels(std::wstring_view path);
-
  private:
   HKEY root_ = nullptr;
   HKEY m_hKey = nullptr;
 };
+
+namespace zo {
+// What the enumerations fill, and what it holds.
+using RegistryText = ZoString;
+inline std::wstring_view viewOf(const RegistryText& text) noexcept { return text.view(); }
+}  // namespace zo
+
+#endif

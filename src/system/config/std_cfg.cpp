@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/registry_path.h"
 #include "system/config/registry_value.h"
 #include "system/service_scope.h"
 
@@ -39,8 +40,8 @@ struct Split {
 bool namesKey(std::wstring_view key) noexcept { return key.ends_with(L'@'); }
 
 bool isSamePath(const ZoString& a, const ZoString& b) {
-  return _wcsicmp(SECRegistry::withoutEmptyLevels(a.view()).c_str(),
-                  SECRegistry::withoutEmptyLevels(b.view()).c_str()) == 0;
+  return _wcsicmp(zo::withoutEmptyLevels(a.view()).c_str(),
+                  zo::withoutEmptyLevels(b.view()).c_str()) == 0;
 }
 
 // The platform may make the levels before a bad one: so they are looked at first.
@@ -153,7 +154,7 @@ int ZoStdCfg::insert(const wchar_t* key, const ZoVariant& value) {
 int ZoStdCfg::remove(const wchar_t* key) {
   const ZoString text(key);
   const ZoString full = fullKey(text);
-  const auto removeValue = [&] {
+  const auto removeValue = [&]() -> bool {
     const Split value(full);
     if (!open(value.path)) return false;
     const AtEnd closing{[this] { close(); }};
@@ -214,15 +215,16 @@ bool ZoStdCfg::readKey(const ZoString& path, bool nested, unsigned int depth, Zo
   std::vector<ZoString> below;
   {
     const AtEnd closing{[this] { close(); }};
-    ZoString name;
+    zo::RegistryText text;
     SECRegistry::KeyValueTypes type{};
-    for (unsigned long i = 0; registry_->EnumerateValues(i, name, type); ++i) {
+    for (unsigned long i = 0; registry_->EnumerateValues(i, text, type); ++i) {
+      ZoString name(zo::viewOf(text));
       ZoVariant entry;
       if (zo::readValue(*registry_, name, entry))
-        entries.insertAt(ZoString(name), std::move(entry));
+        entries.insertAt(std::move(name), std::move(entry));
     }
-    for (unsigned long i = 0; nested && registry_->EnumerateKeys(i, name); ++i)
-      below.push_back(name);
+    for (unsigned long i = 0; nested && registry_->EnumerateKeys(i, text); ++i)
+      below.emplace_back(zo::viewOf(text));
   }
 
   for (const ZoString& key : below) {
