@@ -62,32 +62,37 @@ class ArrayAccess {
 
 // ---- Dates: 100 ns since 1601 on one side, days since 30 December 1899 on the other ----
 
-constexpr double kTicksPerDay = 864e9;
+constexpr std::int64_t kTicksPerDay = 864'000'000'000;
 constexpr std::int64_t kTicksOfDayZero = 94'353'120'000'000'000;  // 30 December 1899
+// A date is as fine as 40 us near the year 9999. Both ways round to a tenth of a millisecond, so
+// that what was one comes back exactly.
+constexpr std::int64_t kTicksPerStep = 1000;
 
 // Before day zero the fraction still counts forwards: -1.25 is 6 o'clock on 29 December 1899.
 double dateOfTicks(std::int64_t ticks) noexcept {
-  constexpr auto kTicks = static_cast<std::int64_t>(kTicksPerDay);
-  std::int64_t days = ticks / kTicks - kTicksOfDayZero / kTicks;
-  std::int64_t rest = ticks % kTicks;
+  std::int64_t days = ticks / kTicksPerDay - kTicksOfDayZero / kTicksPerDay;
+  std::int64_t rest = ticks % kTicksPerDay;
   if (rest < 0) {
-    rest += kTicks;
+    rest += kTicksPerDay;
     --days;
   }
-  const double fraction = static_cast<double>(rest) / kTicksPerDay;
+  // Here, and not in the sum: before day zero a fraction that becomes whole would lead a day back.
+  rest = (rest + kTicksPerStep / 2) / kTicksPerStep * kTicksPerStep;
+  if (rest == kTicksPerDay) {
+    rest = 0;
+    ++days;
+  }
+  const double fraction = static_cast<double>(rest) / static_cast<double>(kTicksPerDay);
   return static_cast<double>(days) + (days < 0 ? -fraction : fraction);
 }
 
-// A date is as fine as 40 us near the year 9999: rounded to a tenth of a millisecond, what was one
-// comes back exactly. False for what Automation does not take for a date (the years 100 to 9999).
+// False for what Automation does not take for a date (the years 100 to 9999).
 bool ticksOfDate(double date, std::int64_t& ticks) noexcept {
   if (!(date > -657435.0 && date < 2958466.0)) return false;
   const double days = std::trunc(date);
-  constexpr double kTicksPerStep = 1000;
-  const double rest = std::abs(date - days) * (kTicksPerDay / kTicksPerStep);
-  ticks = kTicksOfDayZero +
-          static_cast<std::int64_t>(days) * static_cast<std::int64_t>(kTicksPerDay) +
-          std::llround(rest) * static_cast<std::int64_t>(kTicksPerStep);
+  constexpr double kStepsPerDay = static_cast<double>(kTicksPerDay / kTicksPerStep);
+  const std::int64_t steps = std::llround(std::abs(date - days) * kStepsPerDay);
+  ticks = kTicksOfDayZero + static_cast<std::int64_t>(days) * kTicksPerDay + steps * kTicksPerStep;
   return true;
 }
 

@@ -1,6 +1,7 @@
 // ZoVariant: what it owns, how it is copied and how it is compared.
 #include <zo/variant/variant.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -281,8 +282,11 @@ bool operator==(const ZoVariant& a, const ZoVariant& b) noexcept {
 
 bool ZoVariant::isEqualTo(const ZoVariant& other, const ZoTol& tol) const noexcept {
   if (isNumber() && other.isNumber()) {
-    if (type() != kReal && other.type() != kReal && tol.getPntTol() < 1)
-      return asBigInt() == other.asBigInt();
+    if (type() != kReal && other.type() != kReal) {  // as reals, large ones would lose digits
+      const auto a = static_cast<std::uint64_t>(std::max(integer(), other.integer()));
+      const auto b = static_cast<std::uint64_t>(std::min(integer(), other.integer()));
+      return a == b || static_cast<double>(a - b) <= tol.getPntTol();
+    }
     const double a = asReal();
     const double b = other.asReal();
     return identical(a, b) || std::abs(a - b) <= tol.getPntTol();

@@ -138,7 +138,7 @@ class Comparison {
   class PathScope {
    public:
     PathScope(std::wstring& path, std::wstring_view step) : path_(path), length_(path.size()) {
-      if (length_ > 0) path_ += L'/';
+      path_ += L'/';
       path_ += step;
     }
     ~PathScope() { path_.resize(length_); }
@@ -167,7 +167,9 @@ class Comparison {
     }
   }
   void add(Change::Kind kind, const ZoVariant& before, const ZoVariant& after) {
-    changes_.push_back({kind, ZoString(std::wstring_view(path_)), before, after});
+    std::wstring_view path = path_;
+    if (!path.empty()) path.remove_prefix(1);
+    changes_.push_back({kind, ZoString(path), before, after});
   }
   static ZoVariant headOf(const ZoVariant& container) {
     ZoVariant head(container.type(), container.code(), container.flags());
@@ -176,7 +178,7 @@ class Comparison {
 
   const ZoVariantReportOptions& options_;
   std::vector<Change>& changes_;
-  std::wstring path_;
+  std::wstring path_;  // a '/' in front of every step
 };
 
 constexpr const wchar_t* kWords[] = {L"", L"Added", L"Removed", L"Changed"};
@@ -199,10 +201,13 @@ ZoVariant ZoVariantReport::asVariant() const {
   ZoArray<ZoVariant> list;
   for (const ZoVariantChange& change : changes_) {
     ZoHashDict<ZoVariant, ZoString> entry(8);
-    entry.insertAt(L"Change", ZoVariant(kWords[change.kind]));
-    entry.insertAt(L"Path", ZoVariant(change.path));
-    if (change.kind != ZoVariantChange::kAdded) entry.insertAt(L"Before", change.before);
-    if (change.kind != ZoVariantChange::kRemoved) entry.insertAt(L"After", change.after);
+    const auto put = [&](const wchar_t* key, ZoVariant value) {
+      if (entry.insertAt(key, std::move(value)) != ZoResult::ok) throw std::bad_alloc();
+    };
+    put(L"Change", kWords[change.kind]);
+    put(L"Path", change.path);
+    if (change.kind != ZoVariantChange::kAdded) put(L"Before", change.before);
+    if (change.kind != ZoVariantChange::kRemoved) put(L"After", change.after);
     if (list.append(ZoVariant(std::move(entry))) != ZoResult::ok) throw std::bad_alloc();
   }
   return ZoVariant(std::move(list));

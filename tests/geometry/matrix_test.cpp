@@ -40,61 +40,41 @@ reference::Vec image(const ZoMatrix& m, const ZoPoint& p) {
   return reference::Vec{r(0), r(1), r(2)} * (1 / r(3));
 }
 
-reference::Real determinantOf(const ZoMatrix& m) { return reference::eliminate(of(m)).first; }
-
 }  // namespace
 
-TEST(Matrix, PointsAreColumnsAndVectorsIgnoreTheTranslation) {
-  Random random;
-  for (int i = 0; i < rounds; ++i) {
-    const ZoMatrix m = random.affine();
-    const ZoPoint p = random.point(), q = random.point();
-    ZoPoint moved, byMember = p;
-    ZoVector turned, byMemberToo = p - q;
-    expectNear(m * p, image(m, p), 1e-12);
-    expectNear(moved.setToProduct(m, p), of(m * p), 0);
-    expectNear(byMember.transform(m), of(m * p), 0);
-    EXPECT_EQ((m * p).w, 1.0);
-    expectNear(m * (p - q), image(m, p) - image(m, q), 1e-12);
-    expectNear(turned.setToProduct(m, p - q), of(m * (p - q)), 0);
-    expectNear(byMemberToo.transform(m), of(m * (p - q)), 0);
-  }
-}
-
-TEST(Matrix, ProjectivePointsAreDividedByTheirWeight) {
+TEST(Matrix, TransformsPointsAsColumnsOneByOneAndAtOnce) {
   Random random;
   for (int i = 0; i < rounds; ++i) {
     ZoMatrix m = random.affine();
-    const ZoPoint p = random.point();
-    m(3, static_cast<unsigned int>(i) % 3) = 0.05;
-    m(3, 3) = 2.0;
-    expectNear(m * p, image(m, p), 1e-12);
-    EXPECT_EQ((m * p).w, 1.0);
+    const ZoVector v = random.vector();
+    ZoVector turned;
+    expectNear(m * v, image(m, ZoPoint(v)) - image(m, ZoPoint()), 1e-12);  // no translation
+    expectNear(turned.setToProduct(m, v), of(m * v), 0);
+    expectNear(ZoVector(v).transform(m), of(m * v), 0);
+    if (i % 2 == 1) {  // a projective point is divided by its weight
+      m(3, static_cast<unsigned int>(i) % 3) = 0.05;
+      m(3, 3) = 2.0;
+    }
+    std::vector<ZoPoint> points, images(5, ZoPoint(7, 7, 7));
+    for (int k = 0; k < 4; ++k) points.push_back(random.point());
+    m.transform(std::span(points.data(), 3), images);
+    std::vector<ZoPoint> inPlace = points;
+    m.transform(inPlace, std::span(inPlace.data(), 3));
+    for (std::size_t k = 0; k < 3; ++k) {
+      ZoPoint moved;
+      expectNear(m * points[k], image(m, points[k]), 1e-12);
+      expectNear(moved.setToProduct(m, points[k]), of(m * points[k]), 0);
+      expectNear(ZoPoint(points[k]).transform(m), of(m * points[k]), 0);
+      expectNear(images[k], of(m * points[k]), 0);
+      expectNear(inPlace[k], of(images[k]), 0);
+      EXPECT_TRUE((m * points[k]).w == 1.0 && images[k].w == 1.0);
+    }
+    expectNear(images[3], {7, 7, 7}, 0);
+    expectNear(inPlace[3], of(points[3]), 0);
   }
   ZoMatrix vanishing;
   vanishing(3, 3) = 0.0;
   EXPECT_EQ((vanishing * ZoPoint(1, -1, 1)).y, -infinity);
-}
-
-TEST(Matrix, ManyPointsAreTransformedAsEachAlone) {
-  Random random;
-  std::vector<ZoPoint> points;
-  for (int i = 0; i < 101; ++i) points.push_back(random.point());
-  ZoMatrix projective = random.affine();
-  projective(3, 1) = 0.05;
-  for (const ZoMatrix& m : {random.affine(), projective}) {
-    std::vector<ZoPoint> images(points.size() + 1, ZoPoint(7, 7, 7));
-    m.transform(points, images);
-    std::vector<ZoPoint> inPlace = points;
-    m.transform(inPlace, std::span(inPlace.data(), 100));
-    for (std::size_t i = 0; i < 100; ++i) {
-      expectNear(images[i], of(m * points[i]), 0);
-      expectNear(inPlace[i], of(images[i]), 0);
-      EXPECT_EQ(images[i].w, 1.0);
-    }
-    expectNear(images[101], {7, 7, 7}, 0);
-    expectNear(inPlace[100], of(points[100]), 0);
-  }
 }
 
 TEST(Matrix, ConstantEvaluationRoundsAsTheProgramDoes) {
@@ -105,47 +85,21 @@ TEST(Matrix, ConstantEvaluationRoundsAsTheProgramDoes) {
   const ZoPoint measured = sample * (p * one);
   const ZoMatrix measuredSquare =
       sample * ZoMatrix(sample).setTranslation(sample.translation() * one);
-  EXPECT_EQ(measured.x, constant.x);
-  EXPECT_EQ(measured.y, constant.y);
-  EXPECT_EQ(measured.z, constant.z);
+  expectNear(measured, of(constant), 0);
   expectSame(measuredSquare, square);
 }
 
-TEST(Matrix, RotationTurnsByTheRightHandRuleAndKeepsLengthsAndHandedness) {
+TEST(Matrix, RotationTurnsByTheRightHandRule) {
   Random random;
   for (int i = 0; i < rounds; ++i) {
     // From turns that barely count to many times round.
     const double angle = random.real(-1, 1) * std::pow(10.0, random.real(-8, 2));
     const ZoVector axis = random.direction() * std::pow(10.0, random.real(-8, 100));
-    const ZoPoint center = random.point(), p = random.point(), q = random.point();
-    const ZoMatrix m = ZoMatrix().rotate(center, axis, angle);
-    expectNear(m * p, of(center) + reference::turned(of(p) - of(center), of(axis), angle), 1e-13);
-    EXPECT_NEAR((m * p).distance(m * q), p.distance(q), 1e-13);
-    EXPECT_NEAR(static_cast<double>(determinantOf(m)), 1.0, 1e-14);
-    EXPECT_TRUE((ZoMatrix().rotate(center, axis, -angle) * m).isIdentity());
-    EXPECT_NEAR((m * center).distance(center), 0.0, 1e-14);
-    expectSame(ZoMatrix(m).rotate(axis, angle), ZoMatrix().rotate(ZoPoint(), axis, angle));
-  }
-}
-
-TEST(Matrix, MirrorsUndoThemselvesAndFlipHandednessWhereTheyShould) {
-  Random random;
-  for (int i = 0; i < rounds; ++i) {
     const ZoPoint c = random.point(), p = random.point();
-    const ZoVector n = random.direction();
-    const ZoPlane plane(c, n);
-    const ZoMatrix atPoint = ZoMatrix().mirror(c), atLine = ZoMatrix().mirror(c, n),
-                   atPlane = ZoMatrix().mirror(plane);
-    for (const auto& [m, handedness] : {std::pair{atPoint, -1}, {atLine, 1}, {atPlane, -1}}) {
-      EXPECT_TRUE((m * m).isIdentity());
-      EXPECT_NEAR(static_cast<double>(determinantOf(m)), handedness, 1e-14);
-      EXPECT_NEAR((m * p).distance(m * c), p.distance(c), 1e-13);
-      EXPECT_NEAR((m * c).distance(c), 0.0, 1e-14);
-    }
-    EXPECT_NEAR(plane.signedDistanceTo(atPlane * p), -plane.signedDistanceTo(p), 1e-13);
-    EXPECT_NEAR(plane.signedDistanceTo(atLine * p), plane.signedDistanceTo(p), 1e-13);
-    EXPECT_TRUE((p - atPlane * p).isParallelTo(n, ZoTol(1e-9, 1e-9)));
-    EXPECT_TRUE((atLine * atPlane).isEqualTo(atPoint));
+    const ZoMatrix m = ZoMatrix().rotate(c, axis, angle);
+    expectNear(m * p, of(c) + reference::turned(of(p) - of(c), of(axis), angle), 1e-13);
+    EXPECT_NEAR(static_cast<double>(reference::eliminate(of(m)).first), 1.0, 1e-14);
+    expectSame(ZoMatrix(m).rotate(axis, angle), ZoMatrix().rotate(ZoPoint(), axis, angle));
   }
 }
 
@@ -233,11 +187,11 @@ TEST(Matrix, ProductTransposeAndDeterminantAgreeWithLongDouble) {
     expectNear(self, reference::product(of(a), of(a)), 1e-12);
     const ZoMatrix t = ZoMatrix(a).transpose();
     for (unsigned int j = 0; j < 16; ++j) EXPECT_EQ(t(j / 4, j % 4), a(j % 4, j / 4));
-    EXPECT_NEAR(a.determinant(), static_cast<double>(determinantOf(a)), 1e-10);
+    EXPECT_NEAR(a.determinant(), static_cast<double>(reference::eliminate(of(a)).first), 1e-10);
   }
 }
 
-TEST(Matrix, InverseAgreesWithEliminationAndInvertsBack) {
+TEST(Matrix, InverseAgreesWithElimination) {
   Random random;
   for (int i = 0; i < rounds; ++i) {
     // Lengths from micrometres to kilometres, translations likewise.
@@ -245,19 +199,15 @@ TEST(Matrix, InverseAgreesWithEliminationAndInvertsBack) {
     const double size = std::pow(10.0, random.real(-6, 6));
     if (i % 2 == 1) m = ZoMatrix().setToScaling(size) * m;
     const auto [determinant, expected] = reference::eliminate(of(m));
-    ZoMatrix inverse, back;
+    ZoMatrix inverse;
     ASSERT_EQ(m.inverse(inverse), 0);
     // The error of an inverse grows with the condition of the matrix.
-    reference::Real norm = 0, inverseNorm = 0, least = infinity;
+    reference::Real norm = 0, inverseNorm = 0;
     for (unsigned int j = 0; j < 16; ++j) {
       norm = std::max(norm, std::fabs(of(m)[j / 4][j % 4]));
       inverseNorm = std::max(inverseNorm, std::fabs(expected[j / 4][j % 4]));
-      least = std::min(least, 1 / inverseNorm);
     }
-    const auto slack = 200 * epsilon * norm * inverseNorm;
-    expectNear(inverse, expected, slack * inverseNorm);
-    ASSERT_EQ(inverse.inverse(back), 0);
-    expectNear(back, of(m), slack * norm * 10 * std::max<reference::Real>(1, norm * inverseNorm));
+    expectNear(inverse, expected, 200 * epsilon * norm * inverseNorm * inverseNorm);
     ZoMatrix inPlace = m;
     EXPECT_EQ(inPlace.invert(), 0);
     expectSame(inPlace, inverse);
@@ -362,11 +312,8 @@ TEST(Matrix, EqualityTakesThePointToleranceForTheTranslationOnly) {
       ZoMatrix m;
       m(i / 4, i % 4) -= offset;
       EXPECT_EQ(m.isIdentity(tol), same) << m;
-      EXPECT_EQ(m.isEqualTo(ZoMatrix(), tol), same) << m;
+      EXPECT_FALSE(m == ZoMatrix()) << m;
     }
-    ZoMatrix m;
-    m(i / 4, i % 4) += 2e-10;
-    EXPECT_FALSE(m == ZoMatrix());
   }
   EXPECT_TRUE(ZoMatrix().setTranslation(ZoVector(0, 1e-10, 0)) == ZoMatrix());
 }

@@ -28,66 +28,52 @@ static_assert(ZoVector::s_negYAxis[1] == -1.0 && ZoPoint(ZoVector::s_xAxis).w ==
 static_assert(std::is_trivially_copyable_v<ZoPoint> && std::is_standard_layout_v<ZoMatrix>);
 static_assert(ZoTol(-1.0, -2.0) == ZoTol(1.0, 2.0) && ZoTol() == ZoTol(1e-10, 1e-10));
 
-}  // namespace
-
-TEST(Vector, ComponentsAreReachedByNameIndexAndArray) {
-  ZoVector v(1, 2, 3);
-  v[0] += 10;
-  v.asDblArray()[2] += 10;
-  const ZoVector& fixed = v;
-  EXPECT_EQ(fixed.x, 11);
-  EXPECT_EQ(fixed[1], 2);
-  EXPECT_EQ(fixed[2], 13);
-  EXPECT_EQ(&fixed[3], &fixed.z);
-
-  ZoPoint p(1, 2, 3);
-  p[1] = 7;
-  EXPECT_EQ(p.asDblArray()[1], 7);
-  EXPECT_EQ(p.asDblArray()[3], 1);
-  p = ZoVector(4, 5, 6);
-  expectNear(p, {4, 5, 6}, 0);
-}
-
 TEST(Vector, ArithmeticAgreesWithLongDouble) {
   Random random;
   for (int i = 0; i < rounds; ++i) {
     const ZoVector a = random.vector(), b = random.direction();
     const double s = random.real(0.5, 2.0);
     const auto ra = of(a), rb = of(b);
-    expectNear(a + b, ra + rb, 1e-14);
-    expectNear(a - b, ra - rb, 1e-14);
-    expectNear(-a * s / 3.0, ra * (-s / 3.0L), 1e-14);
-    expectNear(a.crossProduct(b), reference::cross(ra, rb), 1e-12);
-    EXPECT_NEAR(a.dotProduct(b), static_cast<double>(reference::dot(ra, rb)), 1e-12);
-    EXPECT_NEAR(a.length(), static_cast<double>(reference::length(ra)), 1e-14);
-    ZoVector unit = b;
-    EXPECT_EQ(unit.normalize(), 0);
-    expectNear(unit, reference::unit(rb), 4e-16);
-    ZoVector sum, product, compound = a;
+    ZoVector sum, product, compound = a, indexed, unit;
     compound += b;
     compound *= s;
     compound -= b;
     compound /= s;
-    expectNear(sum.setToSum(a, b).negate(), (ra + rb) * -1, 1e-14);
-    expectNear(product.setToProduct(a, s), ra * s, 1e-14);
-    expectNear(compound, ra + rb - rb * (1.0L / s), 1e-13);
-    expectNear(a.perpend(), {ra.z * ra.z - ra.y, ra.z * ra.z + ra.x, -(ra.x + ra.y) * ra.z}, 1e-13);
+    indexed[0] = a[0];
+    indexed.asDblArray()[1] = a.asDblArray()[1];
+    indexed[9] = a[2];
+    EXPECT_EQ(b.normal(unit), 0);
+    const std::pair<ZoVector, reference::Vec> table[] = {
+        {a + b, ra + rb},
+        {a - b, ra - rb},
+        {-a * s / 3.0, ra * (-s / 3.0L)},
+        {a.crossProduct(b), reference::cross(ra, rb)},
+        {sum.setToSum(a, b).negate(), (ra + rb) * -1},
+        {product.setToProduct(a, s), ra * s},
+        {compound, ra + rb - rb * (1.0L / s)},
+        {indexed, ra},
+        {unit, reference::unit(rb)},
+        {a.perpend(), {ra.z * ra.z - ra.y, ra.z * ra.z + ra.x, -(ra.x + ra.y) * ra.z}},
+    };
+    for (const auto& [result, expected] : table) expectNear(result, expected, 1e-13);
+    EXPECT_NEAR(a.dotProduct(b), static_cast<double>(reference::dot(ra, rb)), 1e-12);
+    EXPECT_NEAR(a.length(), static_cast<double>(reference::length(ra)), 1e-14);
     EXPECT_NEAR(a.perpend().dotProduct(a), 0.0, 1e-11);
   }
-  expectNear(ZoVector(-1, 1, 1).perpend(), {0, 0, 0}, 0);
 }
 
-TEST(Point, ArithmeticAgreesWithLongDoubleAndKeepsTheWeight) {
+TEST(Point, ArithmeticTurnsAndMirrorsAgreeWithLongDoubleAndKeepTheWeight) {
   Random random;
   for (int i = 0; i < rounds; ++i) {
     const ZoPoint p = random.point(), q = random.point();
-    const ZoVector v = random.vector();
-    const auto rp = of(p), rq = of(q), rv = of(v);
-    const double s = random.real(0.5, 2.0);
+    const ZoVector v = random.vector(), axis = random.direction();
+    const auto rp = of(p), rq = of(q), rv = of(v), n = reference::unit(of(axis));
+    const double s = random.real(0.5, 2.0), angle = random.real(-7, 7);
+    const auto inLine = [&](const reference::Vec& r) { return n * (2 * dot(r, n)) - r; };
+    const ZoPlane plane(q, axis);
     expectNear(p - q, rp - rq, 1e-14);
     EXPECT_NEAR(p.distance(q), static_cast<double>(reference::length(rp - rq)), 1e-14);
-    EXPECT_NEAR(p.distanceSqrd(q), p.distance(q) * p.distance(q), 1e-12);
-    ZoPoint compound = p, sum, total, product;
+    ZoPoint compound = p, sum, total, product, assigned;
     compound += v;
     compound += q;
     compound *= s;
@@ -102,11 +88,19 @@ TEST(Point, ArithmeticAgreesWithLongDoubleAndKeepsTheWeight) {
         {sum.setToSum(p, v), rp + rv},
         {total.setToSum(p, q).negate(), (rp + rq) * -1},
         {product.setToProduct(p, s).translate(v), rp * s + rv},
+        {assigned = v, rv},
+        {ZoPoint(p).rotate(q, axis, angle), rq + reference::turned(rp - rq, n, angle)},
+        {ZoPoint(p).mirror(q), rq - (rp - rq)},
+        {ZoPoint(p).mirror(q, axis), rq + inLine(rp - rq)},
+        {ZoPoint(p).mirror(plane), rq - inLine(rp - rq)},
     };
     for (const auto& [result, expected] : table) {
       expectNear(result, expected, 1e-13);
       EXPECT_EQ(result.w, 1.0);
     }
+    expectNear(ZoVector(v).rotate(axis, angle), reference::turned(rv, n, angle), 1e-13);
+    expectNear(ZoVector(v).mirror(axis), inLine(rv), 1e-13);
+    expectNear(ZoVector(v).mirror(plane), inLine(rv) * -1, 1e-13);
   }
 }
 
@@ -132,11 +126,9 @@ TEST(Vector, NormalizeRefusesOnlyWhatIsShorterThanTheTolerance) {
 
 TEST(Vector, ToleranceTestsHoldAtExactlyJustBelowAndJustAbove) {
   const ZoTol tol(1e-3, 1e-6);  // unlike, so that the wrong one shows
-  const ZoVector far(100, 200, 300);
   for (const auto& [offset, pnt, vec] : {std::tuple{0.0, true, true},
                                          {1e-6, true, true},
                                          {justAbove(1e-6), true, false},
-                                         {justBelow(1e-3), true, false},
                                          {1e-3, true, false},
                                          {justAbove(1e-3), false, false},
                                          {notANumber, false, false},
@@ -154,13 +146,9 @@ TEST(Vector, ToleranceTestsHoldAtExactlyJustBelowAndJustAbove) {
   for (const auto& [offset, same] :
        {std::pair{1e-10, true}, {justAbove(1e-10), false}, {notANumber, false}}) {
     const ZoVector v(0, offset, 0);
-    EXPECT_EQ(v.isZeroLength(), same);
-    EXPECT_EQ(v.isEqualTo(ZoVector()), same);
-    EXPECT_EQ(v == ZoVector(), same);
-    EXPECT_EQ(v != ZoVector(), !same);
-    EXPECT_EQ(ZoPoint(v).isOrigin(), same);
-    EXPECT_EQ(ZoPoint(v) == ZoPoint(), same);
-    EXPECT_EQ(ZoPoint(v) != ZoPoint(), !same);
+    for (const bool is : {v.isZeroLength(), v.isEqualTo(ZoVector()), v == ZoVector(),
+                          !(v != ZoVector()), ZoPoint(v).isOrigin(), ZoPoint(v) == ZoPoint()})
+      EXPECT_EQ(is, same) << offset;
   }
   // Unit length goes by the square and twice the point tolerance.
   const ZoTol eighth(0.125, 0.0);
@@ -169,8 +157,6 @@ TEST(Vector, ToleranceTestsHoldAtExactlyJustBelowAndJustAbove) {
   EXPECT_TRUE(ZoVector(0.5, 0.5, 0.5).isUnitLength(eighth));
   EXPECT_FALSE(ZoVector(0.5, 0.5, 0.4999).isUnitLength(eighth));
   EXPECT_FALSE(ZoVector(notANumber, 0, 0).isUnitLength(eighth));
-  EXPECT_TRUE(far.isEqualTo(far, ZoTol(0, 0)));
-  EXPECT_FALSE(far.isEqualTo(far, ZoTol(notANumber, notANumber)));
 }
 
 TEST(Vector, DirectionTestsGoByUnitVectorsAndAngles) {
@@ -185,10 +171,8 @@ TEST(Vector, DirectionTestsGoByUnitVectorsAndAngles) {
     EXPECT_FALSE(a.isCoDirectionalTo(-b, tol));
     EXPECT_EQ(a.isPerpendTo(upright, ZoTol(0.0, tolerance * 1.000001)), holds);
   }
-  EXPECT_FALSE(ZoVector(1, 0, 0).isCoDirectionalTo(ZoVector(-1, 0, 0)));
-  EXPECT_TRUE(ZoVector(1, 0, 0).isParallelTo(ZoVector(-1, 0, 0)));
-  EXPECT_TRUE(ZoVector(1, 0, 0).isPerpendTo(ZoVector(0, -5, 1e-9)));
-  EXPECT_FALSE(ZoVector(1, 0, 0).isPerpendTo(ZoVector(1e-9, -5, 0)));
+  EXPECT_TRUE(a.isPerpendTo(ZoVector(0, -5, 1e-9)));
+  EXPECT_FALSE(a.isPerpendTo(ZoVector(1e-9, -5, 0)));
   // Shorter than the default tolerance, whatever the one given: everything is parallel.
   for (const auto& [size, all] : {std::pair{justBelow(1e-10), true}, {1e-10, false}}) {
     const ZoVector tiny(0, 0, size);
@@ -196,9 +180,8 @@ TEST(Vector, DirectionTestsGoByUnitVectorsAndAngles) {
     EXPECT_EQ(a.isCoDirectionalTo(tiny, ZoTol(0, 0)), all);
   }
   for (const double bad : {notANumber, infinity}) {
-    const ZoVector v(bad, 0, 0);
-    EXPECT_FALSE(v.isParallelTo(a));
-    EXPECT_FALSE(a.isCoDirectionalTo(v));
+    EXPECT_FALSE(ZoVector(bad, 0, 0).isParallelTo(a));
+    EXPECT_FALSE(a.isCoDirectionalTo(ZoVector(bad, 0, 0)));
   }
   EXPECT_FALSE(a.isPerpendTo({notANumber, 1, 0}));
 }
@@ -217,14 +200,11 @@ TEST(Vector, AnglesAgreeWithLongDouble) {
     EXPECT_NEAR(a.angleToPlane(ZoPlane(ZoPoint(), axis)), pi / 2 - a.angleTo(axis), 4e-15);
   }
   const ZoVector &x = ZoVector::s_xAxis, &y = ZoVector::s_yAxis, &z = ZoVector::s_zAxis;
-  EXPECT_DOUBLE_EQ(x.dirAngleTo(y, z), pi / 2);
-  EXPECT_DOUBLE_EQ(x.dirAngleTo(y, -z), 3 * pi / 2);
   EXPECT_EQ(x.angleTo(-x), pi);
   EXPECT_EQ(x.angleTo(ZoVector()), 0.0);
   // The triple product decides from below -1e-10 on, not at it.
   EXPECT_LT(x.dirAngleTo(y, z * -1e-10), pi);
   EXPECT_GT(x.dirAngleTo(y, z * justBelow(-1e-10)), pi);
-  EXPECT_GT(ZoVector(0, 0, 2).angleToPlane(ZoPlane()), 0.0);
 }
 
 TEST(Vector, OrderGoesByTheFirstCoordinateThatDiffersByAThirdOfTheTolerance) {
@@ -232,7 +212,6 @@ TEST(Vector, OrderGoesByTheFirstCoordinateThatDiffersByAThirdOfTheTolerance) {
     ZoVector difference;
     int order;
   } const table[] = {
-      {{0, 0, 0}, 0},
       {{1e-10, 0, 0}, 0},
       {{justAbove(1e-10), 0, 0}, 1},
       {{0, 1e-9, 0}, 1},
@@ -249,38 +228,10 @@ TEST(Vector, OrderGoesByTheFirstCoordinateThatDiffersByAThirdOfTheTolerance) {
   for (const auto& [difference, order] : table) {
     for (const int sign : {1, -1}) {
       const ZoVector v = difference * sign;
-      EXPECT_EQ(v > ZoVector(), order == sign) << v;
-      EXPECT_EQ(v < ZoVector(), order == -sign) << v;
-      EXPECT_EQ(ZoPoint(v) > ZoPoint(), order == sign) << v;
-      EXPECT_EQ(ZoPoint(v) < ZoPoint(), order == -sign) << v;
+      EXPECT_EQ((v > ZoVector()) - (v < ZoVector()), order * sign) << v;
+      EXPECT_EQ((ZoPoint(v) > ZoPoint()) - (ZoPoint(v) < ZoPoint()), order * sign) << v;
     }
   }
-  EXPECT_TRUE(ZoVector(1, 1e-11, 0) == ZoVector(1, 0, 0));
-  EXPECT_TRUE(ZoVector(1, 1e-9, 0) > ZoVector(1, 0, 0));
 }
 
-TEST(Vector, TurnsAndMirrorsAreThoseOfTheMatrix) {
-  Random random;
-  for (int i = 0; i < rounds; ++i) {
-    const ZoVector v = random.vector(), axis = random.direction();
-    const ZoPoint p = random.point(), c = random.point();
-    const ZoPlane plane(c, axis);
-    const double angle = random.real(-7, 7);
-    const auto n = reference::unit(of(axis));
-    const auto rv = of(v), rp = of(p) - of(c);
-    const auto inLine = [&](const reference::Vec& r) { return n * (2 * dot(r, n)) - r; };
-    expectNear(ZoVector(v).rotate(axis, angle), reference::turned(rv, n, angle), 1e-13);
-    expectNear(ZoVector(v).mirror(axis), inLine(rv), 1e-13);
-    expectNear(ZoVector(v).mirror(plane), inLine(rv) * -1, 1e-13);
-    const std::pair<ZoPoint, reference::Vec> table[] = {
-        {ZoPoint(p).rotate(c, axis, angle), of(c) + reference::turned(rp, n, angle)},
-        {ZoPoint(p).mirror(c), of(c) - rp},
-        {ZoPoint(p).mirror(c, axis), of(c) + inLine(rp)},
-        {ZoPoint(p).mirror(plane), of(c) - inLine(rp)},
-    };
-    for (const auto& [result, expected] : table) {
-      expectNear(result, expected, 1e-13);
-      EXPECT_EQ(result.w, 1.0);
-    }
-  }
-}
+}  // namespace

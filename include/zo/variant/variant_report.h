@@ -30,7 +30,7 @@ struct ZoVariantChange {
 
   Kind kind = kChanged;
   // As ZoVariant::find takes it: in the new tree for what was added, else in the old one. Empty for
-  // the trees themselves.
+  // the trees themselves, and for an entry of theirs whose key is empty, to which no path leads.
   ZoString path;
   // Empty where there is none. Containers that differ only in code or flags stand here without
   // their elements.
