@@ -1,0 +1,57 @@
+// One change of a library's file: entries behind the last one, and records in the place of others,
+// which become visible in one step. What a killed process, a failure or a loss of power leaves is
+// the file before or after; docs/formats/library.md has the proof.
+//
+// Errors:  false or 1, and then destroying the change takes back what was written.
+// Threads: one, under the process-wide lock.
+#pragma once
+
+#include "files/library/library_core.h"
+
+namespace zo {
+
+class Change {
+ public:
+  explicit Change(LibraryCore& core) : core_(core) {}
+  Change(const Change&) = delete;
+  Change& operator=(const Change&) = delete;
+  ~Change();
+
+  // Settles the file and makes it ready for an entry at end().
+  [[nodiscard]] int begin();
+  [[nodiscard]] std::uint64_t end() const { return end_; }
+  [[nodiscard]] std::uint32_t nextNumber() { return ++counter_; }
+  // Adds an entry at end() whose data has been written.
+  [[nodiscard]] bool append(RawEntry entry, const ContentTrailer& trailer);
+  // Takes the place of the entry at that position, which may be one of the new ones.
+  void patch(RawEntry entry) { patches_.push_back(std::move(entry)); }
+  [[nodiscard]] int commit();
+
+ private:
+  struct Appended {
+    RawEntry entry;
+    ContentTrailer trailer;
+  };
+
+  [[nodiscard]] bool closeFirstGate(std::vector<unsigned char>& bytes);
+  [[nodiscard]] bool endInMark();
+  [[nodiscard]] bool appendRedo();
+  [[nodiscard]] bool writeHeader();
+  [[nodiscard]] bool openGate();
+  int patchInPlace();
+  void keepIndex();
+  void takeBack() noexcept;
+
+  LibraryCore& core_;
+  std::uint64_t begin_ = 0, end_ = 0;
+  std::uint64_t sizeBefore_ = 0;
+  std::uint32_t counter_ = 0;
+  std::uint64_t marked_ = 0;  // the entry whose mark is the gate; 0 for a gate in the first new one
+  std::vector<unsigned char> firstEntry_;  // as it is with its gate open
+  std::vector<Appended> appended_;
+  std::vector<RawEntry> patches_;
+  std::uint64_t redoPosition_ = 0;
+  bool isBegun_ = false, isHeaderWritten_ = false, isGateTouched_ = false, isCommitted_ = false;
+};
+
+}  // namespace zo

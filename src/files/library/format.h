@@ -1,0 +1,110 @@
+// The bytes of library files: header, entries, gates. No file, no platform.
+//
+// Format:  docs/formats/library.md. All constants are part of it: do not change.
+// Errors:  nothing fails: any bytes are some header and some record.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zo {
+
+inline constexpr std::size_t kHeaderSize = 32;
+inline constexpr std::size_t kRecordSize = 54;
+inline constexpr std::size_t kLargestName = 0xFFFF;
+inline constexpr std::size_t kSectorSize = 512;  // what a disk writes wholly or not at all
+
+inline constexpr std::uint16_t kEndsScan = 0x0080;
+inline constexpr std::uint16_t kIsCompressed = 0x0100;
+inline constexpr std::uint16_t kIsDeleted = 0x0200;
+inline constexpr std::uint16_t kIsRedo = 0x0400;
+
+// What stands at the begin of a library. It is kept as it was read, but for the counter and the
+// value; bytes that a short file does not have count as zero.
+class LibraryHeader {
+ public:
+  LibraryHeader() = default;  // zero bytes
+  [[nodiscard]] static LibraryHeader fresh();
+
+  [[nodiscard]] bool hasMagic() const;
+  [[nodiscard]] std::uint32_t counter() const;
+  void setCounter(std::uint32_t counter);
+  [[nodiscard]] std::uint64_t value() const;
+  void setValue(std::uint64_t value);
+
+  // For reading into.
+  [[nodiscard]] std::span<unsigned char, kHeaderSize> room() { return bytes_; }
+  // As they are written: the two bytes that mean nothing are zero.
+  [[nodiscard]] std::array<unsigned char, kHeaderSize> bytes() const;
+
+ private:
+  std::array<unsigned char, kHeaderSize> bytes_{};
+};
+
+// What precedes a member's name. Times are counts of 100 ns since 1601.
+struct EntryRecord {
+  std::uint32_t number = 0, crc = 0;
+  std::uint64_t storedSize = 0;
+  std::uint64_t size = 0;
+  std::uint64_t created = 0, accessed = 0, written = 0;
+  std::uint16_t mode = 0, flags = 0, nameLength = 0;
+
+  [[nodiscard]] bool has(std::uint16_t flag) const { return (flags & flag) != 0; }
+  [[nodiscard]] bool isLive() const { return !has(kIsDeleted); }
+  // Whether size and check value of a stored member are those that this library wrote.
+  [[nodiscard]] bool protectsStored(std::uint32_t counter) const;
+  bool operator==(const EntryRecord&) const = default;
+};
+
+[[nodiscard]] EntryRecord decodeRecord(std::span<const unsigned char, kRecordSize> bytes);
+void encodeRecord(const EntryRecord& record, std::span<unsigned char, kRecordSize> to);
+
+// An entry as it stands in the file, without its data.
+struct RawEntry {
+  std::uint64_t position = 0;
+  EntryRecord record;
+  std::string name;  // record.nameLength bytes of the ANSI code page
+
+  [[nodiscard]] std::uint64_t dataPosition() const { return position + kRecordSize + name.size(); }
+  [[nodiscard]] std::uint64_t end() const { return dataPosition() + record.storedSize; }
+  [[nodiscard]] std::vector<unsigned char> bytes() const;
+};
+
+// ---- Gates: what makes a new entry visible, by one write within one sector ----
+
+// Bytes that end a scan while they are closed; opening gives them the entry's own values.
+struct Gate {
+  std::size_t offset;  // in the record
+  std::size_t size;
+};
+// Flags and name length; or the stored size, where the end of a sector divides these.
+[[nodiscard]] Gate gateOf(std::uint64_t entryPosition);
+void closeGate(Gate gate, std::span<unsigned char> entry);
+// Whether a record at that position is one that waits for its gate.
+[[nodiscard]] bool isClosed(const EntryRecord& record);
+
+[[nodiscard]] inline bool inOneSector(std::uint64_t begin, std::uint64_t end) {
+  return begin < end && begin / kSectorSize == (end - 1) / kSectorSize;
+}
+
+// ---- The redo entry: changes that are committed and perhaps not yet made ----
+
+inline constexpr std::string_view kRedoName = "<zo:redo>";
+
+[[nodiscard]] bool isRedo(const EntryRecord& record, std::string_view name);
+// The data of a redo entry: new records and names in the place of old ones.
+[[nodiscard]] std::vector<unsigned char> encodeRedo(std::span<const RawEntry> patches);
+// Nothing when the bytes are no such data.
+[[nodiscard]] std::optional<std::vector<RawEntry>> decodeRedo(std::span<const unsigned char> data);
+
+// Whether a record may take the place of another by a redo: a scan goes the same way over both, and
+// over any mixture of them.
+[[nodiscard]] bool mayReplace(const EntryRecord& old, const EntryRecord& by);
+
+}  // namespace zo

@@ -1,0 +1,128 @@
+#include "files/library/index.h"
+
+#include <algorithm>
+
+#include "files/name_compare.h"
+#include "platform/ansi.h"
+
+namespace zo {
+
+void LibraryIndex::clear() {
+  entries_.clear();
+  names_.clear();
+  buckets_.clear();
+}
+
+// Every ANSI code page has the ASCII characters in their places.
+void LibraryIndex::keepName(IndexEntry& entry, std::string_view bytes) {
+  entry.nameBegin = names_.size();
+  const bool isAscii =
+      std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= 0 && c < 0x7F; });
+  if (isAscii) {
+    names_.append(bytes.begin(), bytes.end());
+  } else {
+    names_ += fromMultiByte(bytes);
+  }
+  entry.nameSize = names_.size() - entry.nameBegin;
+}
+
+std::wstring_view LibraryIndex::name(const IndexEntry& entry) const {
+  return std::wstring_view(names_).substr(entry.nameBegin, entry.nameSize);
+}
+
+std::size_t& LibraryIndex::bucket(std::wstring_view name) {
+  return buckets_[hashName(name) & (buckets_.size() - 1)];
+}
+
+void LibraryIndex::link(std::size_t number) {
+  IndexEntry& entry = entries_[number - 1];
+  // Newer entries come before older ones.
+  std::size_t* place = &bucket(name(entry));
+  while (*place > number) place = &entries_[*place - 1].before;
+  entry.before = *place;
+  *place = number;
+}
+
+void LibraryIndex::unlink(std::size_t number) {
+  std::size_t* place = &bucket(name(entries_[number - 1]));
+  while (*place != number) place = &entries_[*place - 1].before;
+  *place = entries_[number - 1].before;
+}
+
+void LibraryIndex::grow() {
+  buckets_.assign(std::max<std::size_t>(64, 2 * buckets_.size()), 0);
+  for (std::size_t number = 1; number <= entries_.size(); ++number) link(number);
+}
+
+void LibraryIndex::add(const RawEntry& raw, const ContentTrailer& trailer) {
+  IndexEntry entry{.position = raw.position, .record = raw.record, .trailer = trailer};
+  keepName(entry, raw.name);
+  entries_.push_back(entry);
+  if (entries_.size() > buckets_.size()) {
+    grow();
+  } else {
+    link(entries_.size());
+  }
+}
+
+void LibraryIndex::replace(const RawEntry& raw) {
+  const IndexEntry* const found = at(raw.position);
+  if (!found) return;
+  const auto number = static_cast<std::size_t>(found - entries_.data()) + 1;
+  unlink(number);
+  entries_[number - 1].record = raw.record;
+  keepName(entries_[number - 1], raw.name);
+  link(number);
+}
+
+void LibraryIndex::clearFlags(std::uint64_t position, std::uint16_t flags) {
+  if (const IndexEntry* const found = at(position)) {
+    EntryRecord& record = entries_[static_cast<std::size_t>(found - entries_.data())].record;
+    record.flags &= static_cast<std::uint16_t>(~flags);
+  }
+}
+
+void LibraryIndex::removeLast() {
+  unlink(entries_.size());
+  entries_.pop_back();
+}
+
+std::size_t LibraryIndex::newest(std::wstring_view name) const {
+  return buckets_.empty() ? 0 : buckets_[hashName(name) & (buckets_.size() - 1)];
+}
+
+std::vector<const IndexEntry*> LibraryIndex::allLive(std::wstring_view wanted) const {
+  std::vector<const IndexEntry*> found;
+  for (std::size_t number = newest(wanted); number; number = entries_[number - 1].before) {
+    const IndexEntry& entry = entries_[number - 1];
+    if (entry.record.isLive() && equalNames(name(entry), wanted)) found.push_back(&entry);
+  }
+  std::reverse(found.begin(), found.end());
+  return found;
+}
+
+const IndexEntry* LibraryIndex::findLive(std::wstring_view wanted) const {
+  const IndexEntry* first = nullptr;
+  for (std::size_t number = newest(wanted); number; number = entries_[number - 1].before) {
+    const IndexEntry& entry = entries_[number - 1];
+    if (entry.record.isLive() && equalNames(name(entry), wanted)) first = &entry;
+  }
+  return first;
+}
+
+const IndexEntry* LibraryIndex::findDeleted(std::wstring_view wanted) const {
+  for (std::size_t number = newest(wanted); number; number = entries_[number - 1].before) {
+    const IndexEntry& entry = entries_[number - 1];
+    if (!entry.record.isLive() && equalNames(name(entry), wanted)) return &entry;
+  }
+  return nullptr;
+}
+
+const IndexEntry* LibraryIndex::at(std::uint64_t position) const {
+  const auto found = std::lower_bound(
+      entries_.begin(), entries_.end(), position,
+      [](const IndexEntry& entry, std::uint64_t wanted) { return entry.position < wanted; });
+  return found != entries_.end() && found->position == position ? &*found : nullptr;
+}
+
+}  // namespace zo

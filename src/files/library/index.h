@@ -1,0 +1,56 @@
+// What a library holds, in memory: its entries in the order of the file, found by name.
+//
+// Threads: one at a time.
+// Cost:    finding a name is O(1) and the number of entries of that name; a place is found by
+//          bisection.
+#pragma once
+
+#include "files/library/scan.h"
+
+namespace zo {
+
+struct IndexEntry {
+  std::uint64_t position = 0;
+  EntryRecord record;
+  ContentTrailer trailer;
+  std::size_t nameBegin = 0, nameSize = 0;  // among the names
+  std::size_t before = 0;                   // the next older entry in its bucket, counted from 1
+
+  [[nodiscard]] std::uint64_t dataPosition() const {
+    return position + kRecordSize + record.nameLength;
+  }
+  [[nodiscard]] std::uint64_t end() const { return dataPosition() + record.storedSize; }
+};
+
+class LibraryIndex {
+ public:
+  void clear();
+  // Entries come in the order of the file.
+  void add(const RawEntry& entry, const ContentTrailer& trailer);
+  // A new record and name for the entry at that position.
+  void replace(const RawEntry& entry);
+  void clearFlags(std::uint64_t position, std::uint16_t flags);
+  void removeLast();
+
+  [[nodiscard]] const std::vector<IndexEntry>& entries() const { return entries_; }
+  [[nodiscard]] std::wstring_view name(const IndexEntry& entry) const;
+  // The first live entry, or the last deleted one; null for none.
+  [[nodiscard]] const IndexEntry* findLive(std::wstring_view name) const;
+  [[nodiscard]] const IndexEntry* findDeleted(std::wstring_view name) const;
+  [[nodiscard]] std::vector<const IndexEntry*> allLive(std::wstring_view name) const;
+  [[nodiscard]] const IndexEntry* at(std::uint64_t position) const;
+
+ private:
+  [[nodiscard]] std::size_t& bucket(std::wstring_view name);
+  [[nodiscard]] std::size_t newest(std::wstring_view name) const;
+  void keepName(IndexEntry& entry, std::string_view bytes);
+  void link(std::size_t number);
+  void unlink(std::size_t number);
+  void grow();
+
+  std::vector<IndexEntry> entries_;
+  std::wstring names_;
+  std::vector<std::size_t> buckets_;  // the newest entry of each, counted from 1
+};
+
+}  // namespace zo

@@ -1,0 +1,311 @@
+#include "files/library/library_core.h"
+
+#include <algorithm>
+
+#include "platform/ansi.h"
+#include "platform/case_fold.h"
+#include "platform/system_path.h"
+#include "system/process_locks.h"
+
+namespace zo {
+namespace {
+
+constexpr DWORD kReaderShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr DWORD kWriterShare = FILE_SHARE_READ | FILE_SHARE_DELETE;
+constexpr DWORD kPollInterval = 20;  // ms: there is no waiting for a file
+
+std::wstring fullPathOf(const ZoFileName& name) {
+  const ZoFileName alias = name.isURL() ? name.localAlias() : ZoFileName();
+  const SystemPath path(alias.isEmpty() ? name.fullName() : alias.fullName());
+  return textOf(
+      [&](DWORD size, wchar_t* buffer) { return fileApi().fullPath(path, size, buffer); });
+}
+
+bool isHeldByOthers(DWORD error) {
+  return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+}
+
+}  // namespace
+
+// ---- The process-wide lock ----
+
+FilesLock::FilesLock() noexcept : taken_(processLocks.attached) {
+  if (taken_) EnterCriticalSection(&processLocks.files);
+}
+
+FilesLock::~FilesLock() {
+  if (taken_) LeaveCriticalSection(&processLocks.files);
+}
+
+// ---- Progress ----
+
+Progress::Progress(const ZoLibrary::Watcher& watcher, bool& cancelled, std::uint64_t total)
+    : watcher_(watcher), cancelled_(cancelled), total_(total) {
+  cancelled_ = false;
+}
+
+bool Progress::add(std::uint64_t bytes) {
+  done_ = std::min(done_ + bytes, total_);
+  try {
+    if (!cancelled_ && watcher_ && !watcher_(done_, total_)) cancelled_ = true;
+  } catch (...) {  // it must not pass through the codecs
+    cancelled_ = true;
+  }
+  return !cancelled_;
+}
+
+bool Progress::finish() { return done_ == total_ ? !cancelled_ : add(total_ - done_); }
+
+// ---- Opening and closing ----
+
+int LibraryCore::open(const ZoFileName& library, int access, ZoFile::CreationMode mode,
+                      unsigned int timeOut) {
+  if (const int code = close()) return code;
+  path = fullPathOf(library);
+  if (path.empty()) {
+    reportFailure(L"open");
+    return ZoResult::refused;
+  }
+  if (const int code = openFile(access, mode, timeOut)) {
+    file.take(OpenFile());
+    lock_.release();
+    return code;
+  }
+  name = library.deepCopy();
+  ++opening;
+  writable = (access & ZoFile::kWrite) != 0;
+  // An open that worked has worked: what is wrong with the content, each call says for itself.
+  if (writable) static_cast<void>(settle(true));
+  return ZoResult::ok;
+}
+
+int LibraryCore::openFile(int access, ZoFile::CreationMode mode, unsigned int timeOut) {
+  if (!(access & ZoFile::kWrite)) {
+    const DWORD allowed = GENERIC_READ;
+    if (file.open(path, allowed, kReaderShare, mode)) return ZoResult::ok;
+    reportFailure(L"open");
+    return ZoResult::refused;
+  }
+  const ULONGLONG start = GetTickCount64();
+  if (const int code = lock_.take(path, timeOut)) return code;
+  // A file is emptied only when it is ours alone.
+  DWORD disposition = mode;
+  if (mode == ZoFile::kCreateAlways) disposition = OPEN_ALWAYS;
+  if (mode == ZoFile::kTruncateExisting) disposition = OPEN_EXISTING;
+  for (;;) {
+    if (file.open(path, GENERIC_READ | GENERIC_WRITE, kWriterShare, disposition)) {
+      if (file.lock()) return beginNew(mode);
+      if (disposition == CREATE_NEW) disposition = OPEN_EXISTING;  // it is there now
+    }
+    if (!isHeldByOthers(GetLastError())) {
+      reportFailure(L"open");
+      return ZoResult::refused;
+    }
+    file.take(OpenFile());
+    if (GetTickCount64() - start >= timeOut) return ZoResult::libraryWriteLocked;
+    Sleep(kPollInterval);
+  }
+}
+
+// The file as it was, after it had to be closed.
+bool LibraryCore::reopen() {
+  return file.open(path, GENERIC_READ | GENERIC_WRITE, kWriterShare, OPEN_EXISTING) && file.lock();
+}
+
+// A file that holds nothing, or no more than what a killed process wrote of a new library.
+int LibraryCore::beginNew(ZoFile::CreationMode mode) {
+  LibraryFile::Signature signature;
+  if (!file.look(signature)) return ZoResult::refused;
+  const bool empties = mode == ZoFile::kCreateAlways || mode == ZoFile::kTruncateExisting;
+  if (empties && signature.size != 0 && !file.cut(0)) return ZoResult::refused;
+  const auto fresh = LibraryHeader::fresh().bytes();
+  const std::size_t size = static_cast<std::size_t>(std::min<std::uint64_t>(file.size(), 33));
+  if (size > kHeaderSize) return ZoResult::ok;
+  std::array<unsigned char, kHeaderSize> bytes{};
+  if (!file.read(0, std::span(bytes).first(size))) return ZoResult::refused;
+  const bool isBegun =
+      size < kHeaderSize && std::equal(bytes.begin(), bytes.begin() + size, fresh.begin());
+  const bool isZero = std::all_of(bytes.begin(), bytes.end(), [](auto c) { return c == 0; });
+  if (!isBegun && !isZero) return ZoResult::ok;
+  return file.write(0, fresh) && file.flush() ? ZoResult::ok : ZoResult::refused;
+}
+
+int LibraryCore::close() {
+  if (!isOpen()) return ZoResult::ok;
+  const bool closed = file.close();
+  lock_.release();
+  writable = false;
+  isIndexed = false;
+  index.clear();
+  scan = {};
+  name = ZoFileName();
+  for (MemberPlace* const place : places) place->isGone = true;
+  places.clear();
+  return closed ? ZoResult::ok : ZoResult::refused;
+}
+
+int LibraryCore::mayRead(const ZoFileName* member) const {
+  if (!isOpen()) return ZoResult::refused;
+  return member && member->isURL() ? ZoResult::invalid : ZoResult::ok;
+}
+
+int LibraryCore::mayWrite(const ZoFileName* member) const {
+  if (const int code = mayRead(member)) return code;
+  return writable ? ZoResult::ok : ZoResult::libraryReadOnly;
+}
+
+// ---- The index ----
+
+int LibraryCore::refresh() {
+  // Another process may change the file while it is read: the index counts when it was built of a
+  // file that stayed the same. One that changes all the time is taken as it was seen.
+  constexpr int kAttempts = 8;
+  LibraryFile::Signature now;
+  if (!file.look(now)) return ZoResult::refused;
+  for (int attempt = 0; !(isIndexed && indexed == now) && attempt < kAttempts; ++attempt) {
+    isIndexed = false;
+    if (const int code = buildIndex()) return code;
+    indexed = now;
+    isIndexed = true;
+    if (writable) break;
+    if (!file.look(now)) return ZoResult::refused;
+  }
+  return ZoResult::ok;
+}
+
+int LibraryCore::buildIndex() {
+  const std::uint64_t size = file.size();
+  index.clear();
+  header = {};
+  const auto room =
+      header.room().first(static_cast<std::size_t>(std::min<std::uint64_t>(size, kHeaderSize)));
+  if (!file.read(0, room)) return ZoResult::refused;
+  scan = scanEntries(file, size, [this](const RawEntry& entry, const ContentTrailer& trailer) {
+    index.add(entry, trailer);
+  });
+  for (const RawEntry& entry : scan.redo) index.replace(entry);
+  return ZoResult::ok;
+}
+
+// ---- What a killed writer left ----
+
+int LibraryCore::settle(bool isOpening) {
+  if (const int code = refresh()) return code;
+  if (scan.redoPosition) {
+    if (const int code = finishRedo()) return code;
+  }
+  if (scan.end == ScanEnd::kMark) {
+    return header.hasMagic() || scan.position == file.size() ? ZoResult::ok : ZoResult::refused;
+  }
+  if (scan.position == file.size()) return ZoResult::ok;
+  if (!isHarmlessTail(isOpening)) return ZoResult::refused;
+  return cutTail();
+}
+
+int LibraryCore::finishRedo() {
+  for (const RawEntry& entry : scan.redo) {
+    if (!file.write(entry.position, entry.bytes())) return ZoResult::refused;
+  }
+  if (!file.flush()) return ZoResult::refused;
+  scan.position = scan.redoPosition;
+  scan.lastEntry = index.entries().empty() ? 0 : index.entries().back().position;
+  scan.end = ScanEnd::kFileEnd;
+  scan.redo.clear();
+  scan.redoPosition = 0;
+  return cutTail();
+}
+
+int LibraryCore::cutTail() {
+  isIndexed = false;
+  if (!file.cut(scan.position) || !file.flush()) return ZoResult::refused;
+  scan.end = ScanEnd::kFileEnd;
+  file.touch();
+  isIndexed = file.look(indexed);
+  return ZoResult::ok;
+}
+
+// Whether what follows the last entry was never a member. A file of another kind, and a damage
+// with entries behind it, are left alone.
+bool LibraryCore::isHarmlessTail(bool isOpening) {
+  if (!header.hasMagic() || scan.position > file.size()) return false;
+  switch (scan.end) {
+    case ScanEnd::kClosedGate:
+      return true;
+    case ScanEnd::kShort:
+      return !isOpening;
+    case ScanEnd::kZero:
+    case ScanEnd::kNoEntry: {
+      if (isOpening) return false;
+      ReadWindow window(file, file.size());
+      return findEntry(window, scan.position + 1, header.counter()) == file.size();
+    }
+    default:
+      return false;
+  }
+}
+
+// ---- Members by name ----
+
+int LibraryCore::notFound() const {
+  return scan.end == ScanEnd::kMark ? ZoResult::memberNotFound : ZoResult::refused;
+}
+
+bool LibraryCore::load(const IndexEntry& from, RawEntry& entry) {
+  std::vector<unsigned char> bytes(kRecordSize + from.record.nameLength);
+  if (!file.read(from.position, bytes)) return false;
+  entry.position = from.position;
+  entry.record = decodeRecord(std::span(bytes).first<kRecordSize>());
+  entry.name.assign(bytes.begin() + kRecordSize, bytes.end());
+  return true;
+}
+
+int LibraryCore::find(const ZoFileName& member, RawEntry& entry) {
+  for (bool isSecond = false;; isSecond = true) {
+    if (const int code = refresh()) return code;
+    const IndexEntry* const found = index.findLive(member.view());
+    if (!found) return notFound();
+    if (!load(*found, entry)) return ZoResult::refused;
+    const bool isSame = entry.record == found->record;
+    // A redo that is not finished has the last word.
+    if (scan.redoPosition) entry.record = found->record;
+    if (isSame || scan.redoPosition) return ZoResult::ok;
+    if (isSecond) return ZoResult::refused;
+    isIndexed = false;
+  }
+}
+
+bool LibraryCore::encodeName(const ZoFileName& name, std::string& bytes) {
+  const std::wstring_view text = name.view();
+  bytes = toMultiByte(text);
+  return !bytes.empty() && bytes.size() <= kLargestName && fromMultiByte(bytes) == text;
+}
+
+namespace {
+
+FILETIME fileTime(std::uint64_t time) {
+  return {.dwLowDateTime = static_cast<DWORD>(time),
+          .dwHighDateTime = static_cast<DWORD>(time >> 32)};
+}
+
+}  // namespace
+
+ZoLibEntry LibraryCore::publicEntry(const IndexEntry& entry) const {
+  const EntryRecord& record = entry.record;
+  const bool isCompressed = record.has(kIsCompressed);
+  ZoLibEntry result;
+  result.name = index.name(entry);
+  result.position = entry.position;
+  result.storedSize = record.storedSize;
+  result.isProtected = isCompressed || record.protectsStored(header.counter());
+  result.size = isCompressed ? entry.trailer.size : record.storedSize;
+  result.created = fileTime(record.created);
+  result.accessed = fileTime(record.accessed);
+  result.written = fileTime(record.written);
+  result.number = record.number;
+  result.crc = isCompressed ? entry.trailer.crc : (result.isProtected ? record.crc : 0);
+  result.mode = record.mode;
+  result.flags = record.flags;
+  return result;
+}
+
+}  // namespace zo

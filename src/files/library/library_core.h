@@ -1,0 +1,152 @@
+// What a ZoLibrary is: the open file, its index and its lock, shared with the members that are open
+// as files.
+//
+// Each operation is a member function in the file that its group names. They run under the
+// process-wide lock, which their callers hold (FilesLock).
+//
+// Errors:  the codes of zo/files/library.h.
+#pragma once
+
+#include <zo/files/library.h>
+#include <zo/files/library_results.h>
+
+#include <string>
+#include <vector>
+
+#include "files/library/index.h"
+#include "files/library/library_file.h"
+#include "files/library/write_lock.h"
+
+namespace zo {
+
+// One operation on libraries at a time in a process.
+class FilesLock {
+ public:
+  FilesLock() noexcept;
+  FilesLock(const FilesLock&) = delete;
+  FilesLock& operator=(const FilesLock&) = delete;
+  ~FilesLock();
+
+ private:
+  bool taken_;  // not before zoComDllAttach
+};
+
+struct MemberTimes {
+  FILETIME created{}, accessed{}, written{};
+};
+
+// Where the data of a member that is open as a file stands: kept right when the library's file is
+// rewritten.
+struct MemberPlace {
+  RawEntry entry;
+  bool isGone = false;
+};
+
+// Bytes of a new member, which can be asked for once more.
+class MemberSource : public ByteSource {
+ public:
+  [[nodiscard]] virtual std::uint64_t size() const = 0;
+  [[nodiscard]] virtual bool restart() = 0;
+};
+
+// How a call reports that it goes on, and learns that it shall not.
+class Progress {
+ public:
+  Progress(const ZoLibrary::Watcher& watcher, bool& cancelled, std::uint64_t total);
+  // False when the call is cancelled.
+  [[nodiscard]] bool add(std::uint64_t bytes);
+  [[nodiscard]] bool begin() { return add(0); }
+  // The rest at once, where the total was an estimate.
+  [[nodiscard]] bool finish();
+
+ private:
+  const ZoLibrary::Watcher& watcher_;
+  bool& cancelled_;
+  std::uint64_t done_ = 0, total_;
+};
+
+class LibraryCore {
+ public:
+  static constexpr std::size_t kPiece = 256 * 1024;
+
+  // ---- Opening, closing, what is there (library_core.cpp) ----
+  int open(const ZoFileName& name, int access, ZoFile::CreationMode mode, unsigned int timeOut);
+  int close();
+  [[nodiscard]] bool isOpen() const noexcept { return file.isOpen(); }
+  // 1, 3 for a URL, 1004.
+  [[nodiscard]] int mayRead(const ZoFileName* member = nullptr) const;
+  [[nodiscard]] int mayWrite(const ZoFileName* member = nullptr) const;
+  // Makes the index that of the file as it is.
+  int refresh();
+  // The same for a writer, who also finishes or undoes what a killed one began. Opening does so
+  // only where nothing can be lost by it.
+  int settle(bool isOpening = false);
+  // Finds a live member. The entry is as it stands in the file now.
+  int find(const ZoFileName& member, RawEntry& entry);
+  // An entry as it stands in the file.
+  [[nodiscard]] bool load(const IndexEntry& from, RawEntry& entry);
+  [[nodiscard]] int notFound() const;
+  [[nodiscard]] ZoLibEntry publicEntry(const IndexEntry& entry) const;
+  // The name's bytes; false for one that has none.
+  [[nodiscard]] static bool encodeName(const ZoFileName& name, std::string& bytes);
+
+  // ---- Adding (add.cpp) ----
+  int add(MemberSource& source, const ZoFileName& member, const MemberTimes& times, bool replace,
+          ZoLibrary::compMode mode, int level);
+
+  // ---- Changing entries (change_entry.cpp) ----
+  int rename(const ZoFileName& member, const ZoFileName& newName);
+  int remove(const ZoFileName& member, bool physically);
+  int recover(const ZoFileName& member);
+  int setTimes(std::uint64_t position, const MemberTimes& times);
+  int setValue(std::uint64_t value);
+
+  // ---- Reading members (extract.cpp) ----
+  // 0, 1000 when the check value does not hold, 1.
+  int readMember(const RawEntry& entry, ByteSink& out, Progress& progress);
+  int extract(const ZoFileName& member, const ZoFileName& target);
+  int verify(const ZoLibEntry& entry);
+  [[nodiscard]] std::uint64_t contentSize(const RawEntry& entry);
+
+  // ---- Rewriting the file (rewrite.cpp) ----
+  // Without the entries that `drops` names, in one step.
+  int rewrite(const std::function<bool(const IndexEntry&)>& drops);
+  int reorganize();
+
+  // ---- Copying what can be read (salvage.cpp) ----
+  int salvageInto(LibraryCore& target, const std::function<bool(const ZoLibEntry&, int)>& report);
+
+  [[nodiscard]] Progress progress(std::uint64_t total) {
+    return Progress(watcher, cancelled, total);
+  }
+
+  ZoFileName name;    // as it was opened
+  std::wstring path;  // in full
+  bool writable = false;
+  unsigned int opening = 0;  // which one it is, for members that outlive it
+  LibraryFile file;
+  LibraryHeader header;
+  LibraryIndex index;
+  ScanResult scan;
+  ZoLibrary::Watcher watcher;
+  bool cancelled = false;
+  std::vector<MemberPlace*> places;
+
+  // The index is that of this file; or of none.
+  bool isIndexed = false;
+  LibraryFile::Signature indexed;
+
+ private:
+  int openFile(int access, ZoFile::CreationMode mode, unsigned int timeOut);
+  int beginNew(ZoFile::CreationMode mode);
+  int buildIndex();
+  [[nodiscard]] bool reopen();
+  void movePlaces(const std::function<bool(const IndexEntry&)>& drops);
+  int finishRedo();
+  int cutTail();
+  [[nodiscard]] bool isHarmlessTail(bool isOpening);
+
+  WriteLock lock_;
+};
+
+}  // namespace zo

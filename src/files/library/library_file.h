@@ -1,0 +1,57 @@
+// The file that holds a library: bytes read and written at any place.
+//
+// Errors:  false; the platform's reason is reported to the file-system service at once. A read or
+//          write that comes short is a failure.
+// Threads: one at a time.
+// Cost:    nothing is buffered: a call is a call of the platform, with a seek where needed.
+#pragma once
+
+#include <string>
+
+#include "persist/container.h"
+#include "platform/open_file.h"
+
+namespace zo {
+
+// Tells the file-system service of the last error. Returns false.
+bool reportFailure(const wchar_t* operation) noexcept;
+
+class LibraryFile final : public ByteStore {
+ public:
+  // What tells whether another process has changed the file: every change of a library moves the
+  // time of the last write on, see touch().
+  struct Signature {
+    std::uint64_t size = 0, written = 0;
+    bool operator==(const Signature&) const = default;
+  };
+
+  // Does not report: an open may be tried again. Takes the name with the platform's prefix, if any.
+  [[nodiscard]] bool open(const std::wstring& path, DWORD access, DWORD share, DWORD disposition);
+  void take(OpenFile file) noexcept;
+  [[nodiscard]] bool isOpen() const noexcept { return static_cast<bool>(file_); }
+  [[nodiscard]] bool close();
+
+  // As the file is now.
+  [[nodiscard]] bool look(Signature& signature) noexcept;
+  // Moves the time of the last write on. Without it a change within the platform's grain of time,
+  // or one that the platform notes only when the file is closed, would not be seen.
+  void touch() noexcept;
+
+  // When it was looked at, and since then changed from here.
+  [[nodiscard]] std::uint64_t size() const noexcept override { return seen_.size; }
+  [[nodiscard]] bool read(std::uint64_t offset, std::span<unsigned char> to) noexcept override;
+  [[nodiscard]] bool write(std::uint64_t offset, Bytes bytes) noexcept;
+  [[nodiscard]] bool cut(std::uint64_t size) noexcept;
+  [[nodiscard]] bool flush() noexcept;
+  // The byte that a writer keeps locked.
+  [[nodiscard]] bool lock() noexcept;
+
+ private:
+  [[nodiscard]] bool seek(std::uint64_t offset) noexcept;
+
+  OpenFile file_;
+  Signature seen_;
+  std::uint64_t position_ = 0;  // of the platform's file; kUnknown after a failure
+};
+
+}  // namespace zo

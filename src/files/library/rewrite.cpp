@@ -1,0 +1,150 @@
+// Rewriting a library without some of its entries: into a file beside it, which takes its place in
+// one step.
+#include <algorithm>
+
+#include "files/fresh_file.h"
+#include "files/library/library_core.h"
+#include "files/replace_file.h"
+
+namespace zo {
+namespace {
+
+constexpr std::size_t kBuffer = 4 * 1024 * 1024;
+
+struct Range {
+  std::uint64_t begin, end;
+};
+
+// The file that is to become the library; removed unless it does.
+class Beside {
+ public:
+  explicit Beside(const std::wstring& path)
+      : fresh_(createFresh(stemBeside(ZoFileName(std::wstring_view(path))), kEndingBeside,
+                           GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                           FILE_ATTRIBUTE_NORMAL)),
+        wasMade_(static_cast<bool>(fresh_.file)) {}
+  Beside(const Beside&) = delete;
+  Beside& operator=(const Beside&) = delete;
+  ~Beside() {
+    file_.take(OpenFile());
+    if (wasMade_ && !isInPlace_) discard(fresh_.name);
+  }
+
+  [[nodiscard]] bool isOpen() const { return wasMade_; }
+  LibraryFile& file() {
+    if (fresh_.file) file_.take(std::move(fresh_.file));
+    return file_;
+  }
+  bool putInPlaceOf(const std::wstring& path) {
+    isInPlace_ = putInPlace(fresh_.name, ZoFileName(std::wstring_view(path)), false);
+    return isInPlace_;
+  }
+
+ private:
+  FreshFile fresh_;
+  LibraryFile file_;
+  bool wasMade_, isInPlace_ = false;
+};
+
+// What stays, as few long ranges.
+std::vector<Range> keptRanges(const LibraryIndex& index,
+                              const std::function<bool(const IndexEntry&)>& drops) {
+  std::vector<Range> ranges;
+  for (const IndexEntry& entry : index.entries()) {
+    if (drops(entry)) continue;
+    if (!ranges.empty() && ranges.back().end == entry.position) {
+      ranges.back().end = entry.end();
+    } else {
+      ranges.push_back({entry.position, entry.end()});
+    }
+  }
+  return ranges;
+}
+
+bool copyRanges(LibraryFile& from, const std::vector<Range>& ranges, LibraryFile& to,
+                Progress& progress) {
+  std::unique_ptr<unsigned char[]> buffer(new unsigned char[kBuffer]);
+  std::uint64_t at = kHeaderSize;
+  for (const Range& range : ranges) {
+    for (std::uint64_t next = range.begin; next < range.end;) {
+      const auto count =
+          static_cast<std::size_t>(std::min<std::uint64_t>(kBuffer, range.end - next));
+      const std::span<unsigned char> piece(buffer.get(), count);
+      if (!from.read(next, piece) || !to.write(at, piece)) return false;
+      next += count;
+      at += count;
+      if (!progress.add(count)) return false;
+    }
+  }
+  return progress.finish();
+}
+
+}  // namespace
+
+int LibraryCore::rewrite(const std::function<bool(const IndexEntry&)>& drops) {
+  const std::vector<Range> ranges = keptRanges(index, drops);
+  std::uint64_t total = 0;
+  for (const Range& range : ranges) total += range.end - range.begin;
+  // What goes at the end goes with one cut.
+  const std::uint64_t kept = kHeaderSize + total;
+  const bool isBegin = ranges.empty() || (ranges.size() == 1 && ranges[0].begin == kHeaderSize);
+  Progress watched = progress(isBegin ? 0 : total);
+  if (!watched.begin()) return ZoResult::refused;
+  if (isBegin) {
+    if (kept == file.size()) return ZoResult::ok;
+    scan.position = kept;
+    const int code = cutTail();
+    if (code == ZoResult::ok) movePlaces(drops);
+    isIndexed = false;
+    return code;
+  }
+
+  Beside beside(path);
+  if (!beside.isOpen()) {
+    reportFailure(L"reorganize");
+    return ZoResult::refused;
+  }
+  LibraryFile& copy = beside.file();
+  if (!copy.write(0, header.bytes()) || !copyRanges(file, ranges, copy, watched) || !copy.flush()) {
+    return ZoResult::refused;
+  }
+  if (!copy.lock()) {
+    reportFailure(L"lockRange");
+    return ZoResult::refused;
+  }
+  // The platform replaces no file that is open. The mutex keeps other writers out meanwhile, and
+  // the new file is locked already.
+  isIndexed = false;
+  static_cast<void>(file.close());
+  if (beside.putInPlaceOf(path)) {
+    file = std::move(copy);
+    movePlaces(drops);
+    return ZoResult::ok;
+  }
+  reportFailure(L"reorganize");
+  if (!reopen()) static_cast<void>(close());
+  return ZoResult::refused;
+}
+
+int LibraryCore::reorganize() {
+  if (const int code = mayWrite()) return code;
+  if (const int code = settle()) return code;
+  return rewrite([](const IndexEntry& entry) { return !entry.record.isLive(); });
+}
+
+void LibraryCore::movePlaces(const std::function<bool(const IndexEntry&)>& drops) {
+  for (MemberPlace* const place : places) {
+    std::uint64_t at = kHeaderSize;
+    for (const IndexEntry& entry : index.entries()) {
+      const bool isDropped = drops(entry);
+      if (entry.position == place->entry.position) {
+        place->isGone = isDropped;
+        place->entry.position = at;
+        break;
+      }
+      if (!isDropped) at += entry.end() - entry.position;
+    }
+  }
+}
+
+}  // namespace zo

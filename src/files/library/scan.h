@@ -1,0 +1,76 @@
+// Going over the entries of a library, from the first to where they end.
+//
+// Format:  docs/formats/library.md. Nothing that the file says is trusted: sizes are compared with
+//          the file's own, and no more memory is used than a window and the longest name.
+// Errors:  a read that fails ends the scan, as ScanEnd::kUnreadable.
+// Cost:    data that is large is skipped; what is small is read along, many entries at once.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "files/library/format.h"
+#include "persist/container.h"
+
+namespace zo {
+
+// Reads ahead as far as it pays.
+class ReadWindow {
+ public:
+  static constexpr std::size_t kSize = 256 * 1024;
+
+  // `size` bytes of the store at most.
+  ReadWindow(ByteStore& store, std::uint64_t size);
+
+  [[nodiscard]] std::uint64_t size() const { return size_; }
+  // The bytes there, valid until the next call; null when they cannot be read. At most kSize.
+  [[nodiscard]] const unsigned char* at(std::uint64_t offset, std::size_t count);
+
+ private:
+  ByteStore& store_;
+  std::uint64_t size_;
+  std::unique_ptr<unsigned char[]> buffer_;
+  std::uint64_t begin_ = 0;
+  std::size_t filled_ = 0;
+  std::size_t ahead_;
+};
+
+// What a compressed member's data says of its content.
+struct ContentTrailer {
+  std::uint32_t size = 0, crc = 0;
+};
+
+enum class ScanEnd {
+  kFileEnd,     // right behind an entry, or the header
+  kMark,        // an entry ended the scan
+  kShort,       // fewer bytes than a record
+  kClosedGate,  // an entry that was not committed
+  kZero,        // a record of zero bytes
+  kNoEntry,     // a record without a name, or whose data would pass the end of the file
+  kUnreadable,
+};
+
+struct ScanResult {
+  ScanEnd end = ScanEnd::kFileEnd;
+  std::uint64_t position = kHeaderSize;  // behind the last entry
+  std::uint64_t lastEntry = 0;           // its position; 0 for none
+  // Of the last entry, when that is a committed redo: what it changes, and its position.
+  std::vector<RawEntry> redo;
+  std::uint64_t redoPosition = 0;
+};
+
+// The entry at the position, if one stands there; what is there instead otherwise.
+[[nodiscard]] ScanEnd readEntry(ReadWindow& window, std::uint64_t position, RawEntry& entry);
+
+// Visits all entries but a committed redo at the end; patches are not yet applied. The trailer is
+// that of compressed members. False from the visitor ends it.
+using EntryVisitor = std::function<void(const RawEntry&, const ContentTrailer&)>;
+[[nodiscard]] ScanResult scanEntries(ByteStore& store, std::uint64_t size,
+                                     const EntryVisitor& visit);
+
+// The next place from `from` on where an entry seems to stand that this library may have written:
+// its fields agree with each other and it ends within the file. `size` when there is none.
+[[nodiscard]] std::uint64_t findEntry(ReadWindow& window, std::uint64_t from,
+                                      std::uint32_t counter);
+
+}  // namespace zo

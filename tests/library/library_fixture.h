@@ -1,0 +1,79 @@
+// What the tests of libraries share: a library in a folder of its own, members from memory, the
+// bytes of members, and library files built by hand, field by field.
+#pragma once
+
+#include <zo/files/library.h>
+#include <zo/text/containers/array.h>
+
+#include <cstring>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "file_io/file_fixture.h"
+
+namespace zo::test {
+
+// An entry as other programs might write it; see docs/formats/library.md.
+struct HandMade {
+  std::string name, data;
+  unsigned flags = 0;
+  unsigned number = 0, crc = 0, mode = 0;
+  std::uint64_t size = 0;
+  std::uint64_t storedSize = ~std::uint64_t{0};  // by default that of the data
+
+  [[nodiscard]] std::string bytes() const {
+    std::string out;
+    const auto put = [&out](std::uint64_t value, int count) {
+      for (int i = 0; i < count; ++i) out += static_cast<char>(value >> 8 * i);
+    };
+    put(number, 4), put(crc, 4);
+    put(storedSize == ~std::uint64_t{0} ? data.size() : storedSize, 8);
+    put(size, 8), put(1, 8), put(2, 8), put(3, 8);
+    put(mode, 2), put(flags, 2), put(name.size(), 2);
+    return out + name + data;
+  }
+};
+
+class LibraryTest : public FileTest {
+ protected:
+  static constexpr int kReadWrite = ZoFile::kReadWrite;
+
+  int openForWriting(ZoLibrary& library, unsigned int timeOut = 5000) const {
+    return library.open(path_, kReadWrite, ZoFile::kOpenAlways, timeOut);
+  }
+  int add(ZoLibrary& library, const std::wstring& member, const std::string& bytes,
+          bool replace = false, ZoLibrary::compMode mode = ZoLibrary::kStore,
+          int level = ZoLibrary::kNormal) const {
+    put(source_, bytes);
+    return library.addFile(source_, member.c_str(), replace, mode, level);
+  }
+  std::string content(ZoLibrary& library, const std::wstring& member) const {
+    const ZoFileName target = name(L"extracted");
+    const int code = library.extractFile(member.c_str(), target);
+    const std::string bytes = code ? "code " + std::to_string(code) : bytesOf(target);
+    DeleteFileW(target.fullName());
+    return bytes;
+  }
+  static std::vector<std::wstring> names(ZoLibrary& library, bool withDeleted = false) {
+    std::vector<std::wstring> all;
+    library.forEachEntry(
+        [&](const ZoLibEntry& entry) {
+          all.emplace_back((entry.isDeleted() ? L"-" : L"") + std::wstring(entry.name.view()));
+          return true;
+        },
+        withDeleted);
+    return all;
+  }
+  static std::string header(unsigned counter = 0) {
+    std::string bytes("ZORVEX LIBRARY\0\0\0\0\0\0", 20);
+    for (int i = 0; i < 4; ++i) bytes += static_cast<char>(counter >> 8 * i);
+    return bytes + std::string(8, '\0');
+  }
+
+  ZoFileName path_ = name(L"parts.lib");
+  ZoFileName source_ = name(L"source");
+};
+
+}  // namespace zo::test
