@@ -62,7 +62,7 @@ std::wstring memberName(std::wstring_view path) {
 }
 
 std::optional<std::string> refusalOf(std::wstring_view member) {
-  if (member.empty()) return "it has no name";
+  if (member.empty()) return "it has no name that a file can have";
   if (isSlash(member[0])) return "it is absolute";
   if (member.find(L':') != std::wstring_view::npos) {
     const bool drive = member.size() > 1 && member[1] == L':';

@@ -88,6 +88,10 @@ void Session::close() {
 std::vector<ZoLibEntry> Session::select(Which which) {
   std::vector<std::wstring> names;
   if (!library_.isOpen() || !namesOf(options_, names, report_)) return {};
+  return select(which, names);
+}
+
+std::vector<ZoLibEntry> Session::select(Which which, const std::vector<std::wstring>& names) {
   Selection selection(names, options_.include, options_.exclude);
   std::vector<ZoLibEntry> entries;
   forgetReason();
@@ -134,7 +138,7 @@ bool Session::reportTrailing(ExitCode code) {
 void Session::reportFailure(std::string_view what, int code, std::string_view advice) {
   if (library_.wasCancelled() || isCancelled()) return report_.cancelled();
   const std::string why = reason();
-  if (why.empty() && library_.trailingBytes()) {
+  if (why.empty() && options_.verb != "salvage" && library_.trailingBytes()) {
     report_.fail(kDamaged, std::string(what) + ": " + shown_ +
                                " is damaged; get its members with `zolib salvage`");
     return;

@@ -28,9 +28,10 @@ class Session {
   void close();
 
   // The entries that the options select, in the file's order: live ones, deleted ones, or both.
-  // Names that select nothing are reported when there is a verb that wants them found.
+  // Names that select nothing are reported.
   enum Which { kLive, kDeleted, kBoth };
   std::vector<ZoLibEntry> select(Which which);
+  std::vector<ZoLibEntry> select(Which which, const std::vector<std::wstring>& names);
   // Whether it is a second live member of a name, which only another maker leaves: never found.
   [[nodiscard]] static std::vector<bool> hidden(const std::vector<ZoLibEntry>& entries);
 
