@@ -268,6 +268,11 @@ def locked():
     writer.communicate(b"data")
     assert writer.returncode == 0 and members("a.lib") == ["small", "data"]
     run("delete", "a.lib", "small", "--lock-timeout", "0")
+    writer = start("add", "a.lib", "small", "-", "--name", "more", "-v", stdin=subprocess.PIPE, stderr=subprocess.PIPE)
+    assert writer.stderr.readline().strip() == b"added  small"
+    writer.send_signal(signal.SIGINT)  # it waits for data, or is about to
+    assert writer.wait() == 130
+    run("test", "a.lib", err="a.lib: 2 members ok\n")
 
 
 def cancelled():
