@@ -9,6 +9,7 @@
 #include <zo/files/find_file.h>
 #include <zo/files/forward_file_system.h>
 #include <zo/files/handle.h>
+#include <zo/files/lib_file.h>
 #include <zo/files/library.h>
 #include <zo/files/name_results.h>
 #include <zo/files/std_file_system.h>

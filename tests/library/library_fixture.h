@@ -17,7 +17,7 @@ namespace zo::test {
 
 // An entry as other programs might write it; see docs/formats/library.md.
 struct HandMade {
-  std::string name, data;
+  std::string name = {}, data = {};
   unsigned flags = 0;
   unsigned number = 0, crc = 0, mode = 0;
   std::uint64_t size = 0;

@@ -13,6 +13,23 @@ Bytes part(const std::vector<unsigned char>& bytes, std::size_t begin, std::size
 
 }  // namespace
 
+bool copyData(LibraryFile& file, const RawEntry& from, LibraryFile& target, std::uint64_t to,
+              Progress& progress) {
+  std::vector<unsigned char> buffer(static_cast<std::size_t>(
+      std::min<std::uint64_t>(from.record.storedSize, LibraryCore::kPiece)));
+  for (std::uint64_t done = 0; done < from.record.storedSize;) {
+    const auto count = static_cast<std::size_t>(
+        std::min<std::uint64_t>(buffer.size(), from.record.storedSize - done));
+    const std::span<unsigned char> piece(buffer.data(), count);
+    if (!file.read(from.dataPosition() + done, piece) || !target.write(to + done, piece)) {
+      return false;
+    }
+    done += count;
+    if (!progress.add(count)) return false;
+  }
+  return true;
+}
+
 int Change::begin() {
   if (const int code = core_.settle()) return code;
   begin_ = end_ = core_.scan.position;

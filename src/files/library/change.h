@@ -54,4 +54,8 @@ class Change {
   bool isBegun_ = false, isHeaderWritten_ = false, isGateTouched_ = false, isCommitted_ = false;
 };
 
+// Copies the data of an entry as it is stored.
+[[nodiscard]] bool copyData(LibraryFile& file, const RawEntry& from, LibraryFile& target,
+                            std::uint64_t to, Progress& progress);
+
 }  // namespace zo

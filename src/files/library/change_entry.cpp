@@ -1,6 +1,5 @@
 // Changes of what is there: names, marks of deletion, times, the library's value.
 #include <algorithm>
-#include <array>
 
 #include "files/library/change.h"
 
@@ -9,23 +8,6 @@ namespace {
 
 std::uint64_t number(FILETIME time) {
   return std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
-}
-
-// Copies the data of an entry behind the last one.
-bool copyData(LibraryFile& file, const RawEntry& from, std::uint64_t to, Progress& progress) {
-  std::vector<unsigned char> buffer(static_cast<std::size_t>(
-      std::min<std::uint64_t>(from.record.storedSize, LibraryCore::kPiece)));
-  for (std::uint64_t done = 0; done < from.record.storedSize;) {
-    const auto count = static_cast<std::size_t>(
-        std::min<std::uint64_t>(buffer.size(), from.record.storedSize - done));
-    const std::span<unsigned char> piece(buffer.data(), count);
-    if (!file.read(from.dataPosition() + done, piece) || !file.write(to + done, piece)) {
-      return false;
-    }
-    done += count;
-    if (!progress.add(count)) return false;
-  }
-  return progress.finish();
 }
 
 }  // namespace
@@ -63,7 +45,8 @@ int LibraryCore::rename(const ZoFileName& member, const ZoFileName& newName) {
   Progress watched = progress(old.record.storedSize);
   renamed.position = change.end();
   renamed.record.flags &= static_cast<std::uint16_t>(~kEndsScan);
-  if (!watched.begin() || !copyData(file, old, renamed.dataPosition(), watched)) {
+  if (!watched.begin() || !copyData(file, old, file, renamed.dataPosition(), watched) ||
+      !watched.finish()) {
     return ZoResult::refused;
   }
   RawEntry hidden = renamed;

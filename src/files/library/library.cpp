@@ -125,7 +125,7 @@ int ZoLibrary::forEachEntry(const std::function<bool(const ZoLibEntry&)>& visit,
   if (const int code = core_->refresh()) return code;
   for (const zo::IndexEntry& entry : core_->index.entries()) {
     if (!withDeleted && !entry.record.isLive()) continue;
-    if (!visit(core_->publicEntry(entry))) break;
+    if (!visit(core_->publicEntry(core_->index, entry))) break;
   }
   return ZoResult::ok;
 }
@@ -136,7 +136,7 @@ int ZoLibrary::getEntry(const ZoFileName& member, ZoLibEntry& entry) {
   if (const int code = core_->mayRead(&member)) return code;
   zo::RawEntry raw;
   if (const int code = core_->find(member, raw)) return code;
-  entry = core_->publicEntry(*core_->index.at(raw.position));
+  entry = core_->publicEntry(core_->index, *core_->index.at(raw.position));
   return ZoResult::ok;
 }
 

@@ -289,11 +289,11 @@ FILETIME fileTime(std::uint64_t time) {
 
 }  // namespace
 
-ZoLibEntry LibraryCore::publicEntry(const IndexEntry& entry) const {
+ZoLibEntry LibraryCore::publicEntry(const LibraryIndex& of, const IndexEntry& entry) const {
   const EntryRecord& record = entry.record;
   const bool isCompressed = record.has(kIsCompressed);
   ZoLibEntry result;
-  result.name = index.name(entry);
+  result.name = of.name(entry);
   result.position = entry.position;
   result.storedSize = record.storedSize;
   result.isProtected = isCompressed || record.protectsStored(header.counter());

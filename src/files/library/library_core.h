@@ -86,7 +86,7 @@ class LibraryCore {
   // An entry as it stands in the file.
   [[nodiscard]] bool load(const IndexEntry& from, RawEntry& entry);
   [[nodiscard]] int notFound() const;
-  [[nodiscard]] ZoLibEntry publicEntry(const IndexEntry& entry) const;
+  [[nodiscard]] ZoLibEntry publicEntry(const LibraryIndex& of, const IndexEntry& entry) const;
   // The name's bytes; false for one that has none.
   [[nodiscard]] static bool encodeName(const ZoFileName& name, std::string& bytes);
 

@@ -16,12 +16,6 @@ std::span<const unsigned char, kRecordSize> recordAt(const unsigned char* at) {
   return std::span<const unsigned char, kRecordSize>(at, kRecordSize);
 }
 
-ContentTrailer trailerOf(ReadWindow& window, const RawEntry& entry) {
-  if (!entry.record.has(kIsCompressed) || entry.record.storedSize < kTrailerSize) return {};
-  const unsigned char* const at = window.at(entry.end() - kTrailerSize, kTrailerSize);
-  return at ? ContentTrailer{.size = load32(at), .crc = load32(at + 4)} : ContentTrailer{};
-}
-
 std::optional<std::vector<RawEntry>> redoOf(ByteStore& store, ReadWindow& window,
                                             const RawEntry& entry) {
   if (!isRedo(entry.record, entry.name) || entry.record.storedSize > kLargestRedo) {
@@ -81,6 +75,12 @@ ScanEnd readEntry(ReadWindow& window, std::uint64_t position, RawEntry& entry) {
   if (!at) return ScanEnd::kUnreadable;
   entry.name.assign(at + kRecordSize, at + kRecordSize + nameLength);
   return ScanEnd::kFileEnd;
+}
+
+ContentTrailer trailerOf(ReadWindow& window, const RawEntry& entry) {
+  if (!entry.record.has(kIsCompressed) || entry.record.storedSize < kTrailerSize) return {};
+  const unsigned char* const at = window.at(entry.end() - kTrailerSize, kTrailerSize);
+  return at ? ContentTrailer{.size = load32(at), .crc = load32(at + 4)} : ContentTrailer{};
 }
 
 ScanResult scanEntries(ByteStore& store, std::uint64_t size, const EntryVisitor& visit) {

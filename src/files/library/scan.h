@@ -62,8 +62,10 @@ struct ScanResult {
 // The entry at the position, if one stands there; what is there instead otherwise.
 [[nodiscard]] ScanEnd readEntry(ReadWindow& window, std::uint64_t position, RawEntry& entry);
 
-// Visits all entries but a committed redo at the end; patches are not yet applied. The trailer is
-// that of compressed members. False from the visitor ends it.
+// Of an entry with compressed data; zeros for any other.
+[[nodiscard]] ContentTrailer trailerOf(ReadWindow& window, const RawEntry& entry);
+
+// Visits all entries but a committed redo at the end; patches are not yet applied.
 using EntryVisitor = std::function<void(const RawEntry&, const ContentTrailer&)>;
 [[nodiscard]] ScanResult scanEntries(ByteStore& store, std::uint64_t size,
                                      const EntryVisitor& visit);
