@@ -52,6 +52,8 @@ def section(path, targets):
     family = path.stem
     context, times = medians(path)
     lines = [f"## {family}", "", f"{context['date'][:10]}, {context['num_cpus']} CPUs", ""]
+    notes = json.loads(path.read_text()).get("notes", [])
+    lines += [*notes, ""] if notes else []
     lines += ["| work | ours | peer | | ratio | aim |", "|---|---:|---|---:|---:|---:|"]
     for name, (ours, _) in sorted(times.items()):
         if not name.endswith("/ours"):

@@ -1,0 +1,119 @@
+// The library tool beside 7z, zip and unzip, on the same data.
+//
+// Ours runs in this process, by the tool's own code from the command line on: the start of a
+// program under Wine would drown the rest. The peers are native programs, measured by
+// library_tool_peers.py in the same run of bench/run without what their own start takes. That
+// script also makes the data, in the folder that ZO_BENCH_DATA names.
+#include <benchmark/benchmark.h>
+#include <windows.h>
+#include <zo/files/library.h>
+#include <zo/system/life_cycle.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "../tools/zolib/arguments.h"
+#include "../tools/zolib/console.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The data, as the current folder; output goes nowhere.
+void begin() {
+  static const bool s_begun = [] {
+    const char* data = std::getenv("ZO_BENCH_DATA");
+    if (!data || zoComDllAttach() != 0) std::abort();
+    fs::current_path("Z:" + std::string(data));
+    const HANDLE nowhere =
+        CreateFileW(L"NUL", GENERIC_WRITE, FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    SetStdHandle(STD_OUTPUT_HANDLE, nowhere);
+    return true;
+  }();
+  benchmark::DoNotOptimize(s_begun);
+}
+
+void zolib(benchmark::State& state, std::vector<std::string> arguments) {
+  zolib::Console console;
+  if (zolib::runCommandLine(std::move(arguments), console) != zolib::kOk)
+    state.SkipWithError("zolib failed");
+}
+
+void addOne(benchmark::State& state, const char* library) {
+  begin();
+  for (auto _ : state) zolib(state, {"add", library, "100KB.bin", "--mode", "store", "-q"});
+}
+
+// Lets one iteration have its own target, which is removed outside the measured time.
+template <class Work>
+void withFreshTarget(benchmark::State& state, const char* target, const Work& work) {
+  begin();
+  for (auto _ : state) {
+    work();
+    state.PauseTiming();
+    fs::remove_all(target);
+    state.ResumeTiming();
+  }
+}
+
+void listAll(benchmark::State& state) {
+  begin();
+  const std::string library = std::to_string(state.range(0)) + ".lib";
+  for (auto _ : state) zolib(state, {"list", library});
+}
+
+void readOne(benchmark::State& state) {
+  begin();
+  for (auto _ : state) zolib(state, {"cat", "100000.lib", "folder50/wanted.txt"});
+}
+
+void packTree(benchmark::State& state) {
+  withFreshTarget(state, "packed.lib", [&] {
+    zolib(state, {"create", "packed.lib", "tree", "--mode", "best", "-q"});
+    fs::copy_file("packed.lib", "tree.lib", fs::copy_options::overwrite_existing);
+  });
+}
+
+void unpackTree(benchmark::State& state) {
+  withFreshTarget(state, "out", [&] { zolib(state, {"extract", "tree.lib", "-q", "-o", "out"}); });
+}
+
+void extractMany(benchmark::State& state) {
+  withFreshTarget(state, "out", [&] { zolib(state, {"extract", "10000.lib", "-q", "-o", "out"}); });
+}
+
+// A member goes each time, so that there is something to do; the file has 200 MB.
+void reorganize(benchmark::State& state) {
+  begin();
+  for (auto _ : state) {
+    state.PauseTiming();
+    zolib(state, {"add", "500.lib", "100KB.bin", "--mode", "store", "-q"});
+    zolib(state, {"delete", "500.lib", "100KB.bin", "-q"});
+    state.ResumeTiming();
+    zolib(state, {"reorganize", "500.lib", "-q"});
+  }
+}
+
+void copyFile(benchmark::State& state) {
+  begin();
+  for (auto _ : state) {
+    if (!CopyFileW(L"500.lib", L"copy.lib", FALSE)) state.SkipWithError("no copy");
+  }
+}
+
+BENCHMARK_CAPTURE(addOne, into_200MB, "500.lib")->Name("Add100KB/into_200MB/ours")->Iterations(5);
+BENCHMARK_CAPTURE(addOne, into_2MB, "500_small.lib")
+    ->Name("Add100KB/into_200MB/peer:into_2MB")
+    ->Iterations(5);
+BENCHMARK(listAll)->Name("List/10000/ours")->Arg(10000);
+BENCHMARK(listAll)->Name("List/100000/ours")->Arg(100000);
+BENCHMARK(readOne)->Name("ReadOne/of_100000/ours");
+BENCHMARK(packTree)->Name("PackTree3000/best/ours")->Iterations(1);
+BENCHMARK(unpackTree)->Name("UnpackTree3000/ours")->Iterations(1);
+BENCHMARK(extractMany)->Name("Extract10000/ours")->Iterations(1);
+BENCHMARK(reorganize)->Name("Reorganize200MB/ours")->Iterations(1);
+BENCHMARK(copyFile)->Name("Reorganize200MB/peer:file_copy")->Iterations(1);
+
+}  // namespace

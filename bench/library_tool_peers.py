@@ -1,0 +1,133 @@
+#!/usr/bin/env python3
+"""library_tool_peers.py prepare FOLDER [SHARE]: makes the data for library_tool_bench, and the peers' archives of it;
+with SHARE one in so many members only, for a look whether all still works.
+library_tool_peers.py measure FOLDER JSON: runs the peers natively and adds their times to the benchmark's results.
+
+A peer's time is the median of its runs, less that of a run that does nothing (its help): what remains is the work, as
+in the tool's own figures, which are taken within a running program. Everything runs on the CPU of bench/run.
+"""
+import json
+import os
+import pathlib
+import random
+import shutil
+import statistics
+import struct
+import subprocess
+import sys
+import time
+import zlib
+
+TIME = 133_000_000_000_000_000  # in 2022
+TREES = ["/usr/share/mingw-w64/include", "/usr/include"]
+RUNS = 7
+
+
+def library(path, members):
+    """A library of stored members, as docs/formats/library.md has it."""
+    with open(path, "wb") as out:
+        out.write(struct.pack("<16sHHIQ", b"ZORVEX LIBRARY", 0, 0, len(members), 0))
+        for number, (name, data) in enumerate(members, 1):
+            name = name.encode("cp1252")
+            out.write(struct.pack("<IIQQQQQHHH", number, zlib.crc32(data), len(data), len(data), TIME, TIME, TIME, 0, 0,
+                                  len(name)) + name + data)
+
+
+def quietly(*command):
+    subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
+
+
+def source_tree(count):
+    """3,000 source files of up to 64 KB from the packages that the build needs anyway."""
+    files = []
+    for tree in map(pathlib.Path, TREES):
+        files += [f for f in sorted(tree.rglob("*")) if f.is_file() and 0 < f.stat().st_size <= 65536]
+    for file in files[:count]:
+        target = pathlib.Path("tree") / file.relative_to("/usr")
+        target.parent.mkdir(parents=True, exist_ok=True)
+        shutil.copyfile(file, target)
+
+
+def unpack_members(folder, members):
+    for name, data in members:
+        path = pathlib.Path(folder, name)
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_bytes(data)
+
+
+def prepare(share="1"):
+    share = int(share)
+    rng = random.Random(1)
+    pathlib.Path("100KB.bin").write_bytes(rng.randbytes(100_000))
+    large = [(f"part{i}.bin", rng.randbytes(400_000)) for i in range(500 // share)]
+    library("500.lib", large)
+    library("500_small.lib", [(n, d[:4000]) for n, d in large])
+    unpack_members("500", large)
+    source_tree(3000 // share)
+    for count in (10_000, 100_000):
+        members = [(f"folder{i % 100}/part{i}.txt", b"part %d\n" % i * 60) for i in range(count // share - 1)]
+        members.insert(len(members) // 2, ("folder50/wanted.txt", b"wanted\n" * 80))
+        library(f"{count}.lib", members)
+        unpack_members(str(count), members)
+    for name in ("500", "10000", "100000"):
+        os.chdir(name)
+        quietly("zip", "-q", "-r", "-0", f"../{name}.zip", ".")
+        quietly("7zz", "a", "-mx0", f"../{name}.7z", ".")
+        os.chdir("..")
+        shutil.rmtree(name)
+
+
+def timed(command, before=lambda: None, runs=RUNS):
+    times = []
+    for _ in range(runs):
+        before()
+        start = time.perf_counter()
+        quietly(*command)
+        times.append(time.perf_counter() - start)
+    return times
+
+
+def measure(results):
+    results = pathlib.Path(results)
+    data = json.loads(results.read_text())
+    starts = {tool: statistics.median(timed(command, runs=21)) for tool, command in
+              {"7z": ["7zz", "--help"], "zip": ["zip", "-h"], "unzip": ["unzip", "-h"]}.items()}
+
+    def peer(work, tool, *command, before=lambda: None, runs=RUNS):
+        for seconds in timed(command, before, runs):
+            data["benchmarks"].append({"run_name": f"{work}/peer:{tool}", "run_type": "iteration", "time_unit": "s",
+                                       "real_time": max(seconds - starts[tool], 1e-6)})
+
+    def no_out():
+        shutil.rmtree("out", ignore_errors=True)
+
+    peer("Add100KB/into_200MB", "7z", "7zz", "a", "-mx0", "500.7z", "100KB.bin")
+    peer("Add100KB/into_200MB", "zip", "zip", "-q", "-0", "500.zip", "100KB.bin")
+    for count in (10_000, 100_000):
+        peer(f"List/{count}", "unzip", "unzip", "-l", f"{count}.zip")
+        peer(f"List/{count}", "7z", "7zz", "l", f"{count}.7z")
+    peer("ReadOne/of_100000", "unzip", "unzip", "-p", "100000.zip", "folder50/wanted.txt")
+    peer("PackTree3000/best", "7z", "7zz", "a", "-m0=lzma", "-mx9", "-mmt1", "-ms=off", "tree.7z", "tree",
+         before=lambda: pathlib.Path("tree.7z").unlink(missing_ok=True), runs=3)
+    peer("UnpackTree3000", "7z", "7zz", "x", "-mmt1", "-oout", "tree.7z", before=no_out)
+    peer("Extract10000", "unzip", "unzip", "-q", "-d", "out", "10000.zip", before=no_out)
+    no_out()
+    ours, theirs = os.path.getsize("tree.lib"), os.path.getsize("tree.7z")
+    data["notes"] = [
+        "Ours is the tool's code within a running program; peers are native programs, less the time of a run that only",
+        "shows their help (" + ", ".join(f"{tool} {1000 * s:.1f} ms" for tool, s in starts.items()) + ").",
+        f"Size of the packed tree: ours {ours}, 7z {theirs} bytes ({100 * ours / theirs - 100:+.2f} %).",
+        "The file that is added reaches the disk with ours, and need not with the peers.",
+    ]
+    results.write_text(json.dumps(data, indent=1))
+
+
+if __name__ == "__main__":
+    verb, folder, *rest = sys.argv[1:]
+    if verb == "measure":
+        rest = [os.path.abspath(r) for r in rest]
+    if verb == "prepare":
+        shutil.rmtree(folder, ignore_errors=True)
+        os.makedirs(folder)
+    os.chdir(folder)
+    {"prepare": prepare, "measure": measure}[verb](*rest)

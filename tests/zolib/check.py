@@ -1,0 +1,408 @@
+#!/usr/bin/env python3
+"""check.py ROOT ZOLIB CHECK: runs the tool as a user does, and looks at exit code, output, talk and files.
+
+Every check gets a folder of its own as current folder. Nothing sleeps: where two programs have to meet, one waits for
+what the other says.
+"""
+import base64
+import contextlib
+import json
+import os
+import pathlib
+import pty
+import re
+import shutil
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+
+ROOT, TOOL, CHECK = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
+COMMAND = [str(ROOT / "scripts/wine-run"), TOOL]
+os.environ["ZOLIB_ROOT"] = "Z:"
+
+
+def start(*args, **streams):
+    # A script in the background ignores SIGINT, and so would what it starts.
+    return subprocess.Popen(COMMAND + list(args), preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL),
+                            **streams)
+
+
+def run(*args, code=0, out=None, err=None, stdin=b""):
+    """Runs the tool; code, and patterns that output and talk must match as a whole, are compared. Gives the output."""
+    done = subprocess.run(COMMAND + list(args), input=stdin, capture_output=True)
+    said = f"{args}: {done.returncode}\n{done.stdout[-2000:]!r}\n{done.stderr.decode()[-2000:]}"
+    assert done.returncode == code, f"exit code {code} expected\n{said}"
+    for pattern, text in ((out, done.stdout), (err, done.stderr)):
+        assert pattern is None or re.fullmatch(pattern, text.decode().replace("\r\n", "\n"), re.S), \
+            f"{pattern!r} expected\n{said}"
+    return done.stdout
+
+
+def answer(*args, code=0, **more):
+    """The same with --json."""
+    value = json.loads(run(*args, "--json", code=code, **more))
+    assert value["zolib"] == 1 and value["exit"] == code and isinstance(value["messages"], list), value
+    return value
+
+
+def write(name, content=b"content\n"):
+    path = pathlib.Path(name)
+    path.parent.mkdir(parents=True, exist_ok=True)
+    path.write_bytes(content)
+    return path
+
+
+def files(folder="."):
+    return sorted(str(p.relative_to(folder)) for p in pathlib.Path(folder).rglob("*") if p.is_file())
+
+
+def members(library, *more):
+    return run("list", library, "--names", *more).decode().split("\n")[:-1]
+
+
+def tree():
+    """Some parts: texts that pack, bytes that do not, an empty file, levels, a blank and an umlaut."""
+    write("parts/bolts/m8.dwg", b"thread M8\n" * 500)
+    write("parts/bolts/steel/m10.dwg", os.urandom(3000))
+    write("parts/Größe 1.txt", "größer\n".encode() * 100)
+    write("parts/empty.txt", b"")
+    write("parts/old.bak")
+    return ["parts/empty.txt", "parts/Größe 1.txt", "parts/old.bak", "parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"]
+
+
+def foreign(path, entries, magic=b"ZORVEX LIBRARY"):
+    """A library of another maker: entries are (name, data, flags); the fields that are its maker's stay 0."""
+    time = 133_000_000_000_000_000
+    content = struct.pack("<16sHHIQ", magic, 0, 0, len(entries), 0)
+    for name, data, flags in entries:
+        name = name.encode("cp1252")
+        content += struct.pack("<QQQQQQHHH", 0, len(data), 0, time, time, time, 0, flags, len(name)) + name + data
+    return write(path, content)
+
+
+def work():
+    """A life of a library, with each verb and alias."""
+    names = tree()
+    run("create", "a.lib", "parts", err=r"a\.lib: 5 added; .* packed to .* \(\d+%\)\n", out="")
+    assert members("a.lib") == names, members("a.lib")
+    table = run("l", "a.lib").decode().splitlines()
+    assert table[0].split() == ["SIZE", "PACKED", "RATIO", "MODIFIED", "MODE", "STATE", "NAME"]
+    assert re.fullmatch(r" *5000 +\d+ +\d+%  \d{4}-\d\d-\d\d \d\d:\d\d  normal  ok +parts/bolts/m8\.dwg", table[4]), table
+    assert re.fullmatch(r" *3000 +3000 +100% .* store +ok +parts/bolts/steel/m10\.dwg", table[5]), table
+    run("t", "a.lib", err=r"a\.lib: 5 members ok\n")
+    os.utime("parts/bolts/m8.dwg", (1_000_000_000, 1_234_567_890))
+    run("a", "a.lib", "parts/bolts", "--mode", "store", err=r"a\.lib: 2 replaced; .*\n")
+    run("x", "a.lib", "-o", "out", "-v", err=r"(extracted  .*\n){5}a\.lib: 5 members extracted\n")
+    assert files("out/parts") == files("parts")
+    assert all(pathlib.Path("out", n).read_bytes() == pathlib.Path(n).read_bytes() for n in names)
+    assert os.stat("out/parts/bolts/m8.dwg").st_mtime == 1_234_567_890
+    write("parts/old.bak", b"newer\n")
+    run("u", "a.lib", "parts", err=r"a\.lib: 1 replaced, 4 kept; .*\n")
+    assert run("cat", "a.lib", "parts/old.bak", "parts/empty.txt") == b"newer\n"
+    run("d", "a.lib", "*.bak", "PARTS\\bolts\\steel", err=r"a\.lib: 2 members deleted\n")
+    assert len(members("a.lib")) == 3 and "deleted" in run("list", "a.lib", "--deleted").decode()
+    run("recover", "a.lib", "*.bak", err=r"a\.lib: 1 member recovered\n")
+    run("rn", "a.lib", "parts/old.bak", "parts/new.txt")
+    run("rename", "a.lib", "parts/bolts", "screws", err=r"a\.lib: 1 member renamed\n")
+    before = os.path.getsize("a.lib")
+    run("reorganize", "a.lib", err=r"a\.lib: \d+ deleted members? removed; .* before, .* now\n")
+    assert os.path.getsize("a.lib") < before
+    run("delete", "a.lib", "parts", "--physically", "-q", err="")
+    assert members("a.lib", "--deleted") == ["screws/m8.dwg"]
+    assert run("cat", "a.lib", "screws/m8.dwg") == b"thread M8\n" * 500
+    run("info", "a.lib", out=r".*members +1, 5000 bytes.*deleted +0.*")
+    assert files() == sorted(["a.lib"] + ["out/" + n for n in names] + names), files()  # nothing temporary stayed
+
+
+def exit_codes():
+    """Command line, exit code, and the one line that is said."""
+    write("no.lib", b"this is no library, but long enough to look like one\n" * 3)
+    write("a.txt")
+    run("create", "a.lib", "a.txt", "-q", err="")
+    for args, code, said in (
+        ([], 7, "say what to do"), (["frobnicate"], 7, ".*"), (["list"], 7, ".*LIBRARY.*"),
+        (["list", "a.lib", "--mode", "best"], 7, ".*"), (["add", "a.lib"], 7, "name what to add"),
+        (["add", "a.lib", "a.txt", "--mode", "harder"], 7, ".*"), (["rename", "a.lib", "a"], 7, ".*"),
+        (["add", "a.lib", "-"], 7, ".*--name.*"), (["add", "a.lib", "a.txt", "--lock-timeout", "-1"], 7, ".*"),
+        (["help", "frobnicate"], 7, ".*"),
+        (["list", "none.lib"], 10, r"cannot find the library none\.lib: .*; check its name"),
+        (["add", "b.lib", "none.txt"], 10, r"cannot find none\.txt: .*; check the name"),
+        (["extract", "a.lib", "none"], 10, "a.lib has no member none; .*"),
+        (["rename", "a.lib", "none", "some"], 10, ".*"), (["recover", "a.lib", "a.txt"], 10, ".*no deleted member.*"),
+        (["add", "a.lib", "--files-from", "none.txt"], 10, ".*"),
+        (["list", "no.lib"], 12, "no.lib is not a library: .*"), (["add", "no.lib", "a.txt"], 12, ".*"),
+        (["list", "."], 12, ".*folder.*"), (["salvage", "no.lib", "b.lib"], 12, ".*"),
+        (["create", "a.lib", "a.txt"], 2, "a.lib exists already; .*"), (["salvage", "a.lib", "no.lib"], 2, ".*exists.*"),
+        (["create", "none/b.lib", "a.txt"], 2, r"cannot open none/b\.lib: .*; .*"),
+    ):
+        # One line for the failure; what else is said is no failure's.
+        run(*args, code=code, out="", err=rf"zolib: {said}(; see `zolib help`)?\n([^z].*: .*\n)?")
+    assert files() == ["a.lib", "a.txt", "no.lib"], files()
+    for args in (["help"], ["--help"], ["help", "x"], ["extract", "--help"], ["version"], ["--version"]):
+        assert run(*args, err="").decode().startswith("zolib " if "ersion" in args[0] else ("Keeps", "Write")[
+            len(args) > 1]), args
+    run("add", "a.lib", "a.txt", "none.txt", code=10, err=r".*a\.lib: 1 replaced.*")
+
+
+def names():
+    """The shell's paths, as they are."""
+    (here := pathlib.Path("with blank/ä")).mkdir(parents=True)
+    tree()
+    run("create", os.path.abspath("with blank/ä/ö.lib"), os.path.abspath("parts"), "-q")
+    os.chdir(here)
+    assert members("ö.lib")[1] == "parts/Größe 1.txt"
+    run("add", "./ö.lib", "../../parts/Größe 1.txt", err=".*1 added.*")
+    run("add", "ö.lib", "../../parts", "--include", "*.dwg", "--exclude", "steel", err=".*: 1 replaced.*")
+    run("add", "ö.lib", ".", err=".*nothing to add\n")  # but itself there is nothing here
+    run("extract", "ö.lib", "größe 1.TXT", "--output", os.path.abspath("../o ut"))
+    assert files("../o ut") == ["Größe 1.txt"]
+    os.chdir("../..")
+    write("b/x.txt")
+    write("b/X.TXT", b"the other\n")
+    os.symlink(".", "b/loop")
+    run("create", "b.lib", "b", code=2, err=r"zolib: left out .*; add it by itself\nb\.lib: 1 added.*")
+    write("日本.txt")
+    run("add", "b.lib", "日本.txt", code=2, err="zolib: cannot add 日本.txt: .*; rename the file\n.*")
+
+
+def hostile():
+    """What would leave the folder is refused; the rest comes out."""
+    bad = ["../up.txt", "/abs.txt", "\\abs2.txt", "C:\\abs.txt", "Z:rel.txt", "a/../../up.txt", "con", "sub/nul.txt",
+           "file.txt:stream", "dot./x", "blank /x", "end.", "end ", "\\\\server\\share\\x", "sub/"]
+    good = ["one.txt", "sub/two.txt", "sub\\three.txt", "x/../four.txt"]
+    foreign("h.lib", [(n, b"content", 0) for n in [good[0], *bad, *good[1:]]])
+    os.mkdir("inner")
+    os.chdir("inner")
+    value = answer("extract", "../h.lib", "--output", "out", code=1)
+    assert value["extracted"] == 4 and value["refused"] == len(bad), value
+    assert files("..") == ["h.lib"] + ["inner/out/" + n for n in ("four.txt", "one.txt", "sub/three.txt", "sub/two.txt")]
+    write("in_the_way/one.txt/x")  # a folder where a file should be: a failure, and the rest goes on
+    run("extract", "../h.lib", "one.txt", "sub/two.txt", "-o", "in_the_way", code=2, err="zolib: .*one.txt.*1 member ex.*")
+    assert pathlib.Path("in_the_way/sub/two.txt").read_bytes() == b"content"
+
+
+def streams():
+    """Data in and out of pipes."""
+    data = os.urandom(300_000)
+    run("create", "a.lib", "-", "--name", "sub/data", stdin=data, out="")
+    assert run("cat", "a.lib", "sub/data", err="") == data
+    tree()
+    run("add", "a.lib", "--files-from", "-", stdin="\ufeffparts/Größe 1.txt\r\n\nparts/bolts\n".encode(), err=".*3 added.*")
+    listed = run("list", "a.lib", "--names")
+    write("names.txt", listed)
+    run("delete", "a.lib", "--files-from", "names.txt", err=r".*4 members deleted\n")
+    reader = start("list", "a.lib", "--deleted", stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+    reader.stdout.close()  # who reads has enough: no talk
+    assert reader.stderr.read() == b"" and reader.wait() in (0, 2)
+
+
+def json_forms():
+    """Every verb answers in one form."""
+    tree()
+    assert answer("create", "a.lib", "parts")["added"] == 5
+    assert answer("add", "a.lib", "parts/bolts")["members"][0]["action"] == "replaced"
+    assert answer("update", "a.lib", "parts")["kept"] == 5
+    entry = answer("list", "a.lib", "parts/bolts/m8.dwg")["members"][0]
+    assert entry["size"] == 5000 and entry["mode"] == "normal" and entry["state"] == "ok", entry
+    assert re.fullmatch(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{7}Z", entry["modified"]), entry
+    assert answer("info", "a.lib")["members"] == 5 and "digraph" in answer("info", "a.lib", "--dot", "-")["dot"]
+    read = answer("cat", "a.lib", "parts/Größe 1.txt")["members"][0]
+    assert base64.b64decode(read["base64"]) == "größer\n".encode() * 100
+    assert answer("extract", "a.lib", "-o", "out")["extracted"] == 5
+    assert answer("test", "a.lib")["ok"] == 5
+    assert answer("delete", "a.lib", "*.bak")["deleted"] == 1
+    assert answer("recover", "a.lib", "*.bak")["recovered"] == 1
+    assert answer("rename", "a.lib", "parts/old.bak", "ä")["members"][0]["to"] == "ä"
+    assert answer("reorganize", "a.lib")["sizeAfter"] == os.path.getsize("a.lib")
+    assert answer("salvage", "a.lib", "b.lib")["salvaged"] == 5
+    assert answer("help")["text"] and answer("version")["version"]
+    assert answer("list", "none.lib", code=10)["messages"][0]["level"] == "error"
+
+
+def overwrite():
+    write("a.txt", b"first")
+    os.utime("a.txt", (2_000_000_000, 2_000_000_000))
+    run("create", "a.lib", "a.txt")
+    write("a.txt", b"second")
+    for way, code, content in (((), 1, b"second"), (("--overwrite", "never"), 0, b"second"),
+                               (("--overwrite", "newer"), 0, b"first"), (("--overwrite", "newer"), 0, b"first"),
+                               (("--overwrite", "always"), 0, b"first")):
+        run("extract", "a.lib", *way, code=code)
+        assert pathlib.Path("a.txt").read_bytes() == content, way
+    write("a.txt", b"older")
+    os.utime("a.txt", (1_000_000_000, 1_000_000_000))
+    for way, content in ((("--overwrite", "never"), b"first"), (("--overwrite", "newer"), b"first"), ((), b"older")):
+        run("add", "a.lib", "a.txt", *way)
+        assert run("cat", "a.lib", "a.txt") == content, way
+
+
+def dry_run():
+    """Says what would be done, and does nothing."""
+    tree()
+    run("create", "a.lib", "parts", "--dry-run", out="(would be added  parts/.*\n){5}", err="")
+    assert not os.path.exists("a.lib")
+    run("create", "a.lib", "parts", "-q")
+    run("delete", "a.lib", "*.bak", "-q")
+    before = files(), pathlib.Path("a.lib").read_bytes()
+    for args, line in ((["add", "a.lib", "parts/old.bak"], "added  parts/old.bak"),
+                       (["add", "a.lib", "parts/empty.txt"], "replaced  parts/empty.txt"),
+                       (["extract", "a.lib", "parts/bolts/m8.dwg", "-o", "out"], "extracted  parts/bolts/m8.dwg"),
+                       (["delete", "a.lib", "parts/empty.txt"], "deleted  parts/empty.txt"),
+                       (["recover", "a.lib", "parts"], "recovered  parts/old.bak"),
+                       (["rename", "a.lib", "parts/empty.txt", "x"], "renamed  parts/empty.txt"),
+                       (["reorganize", "a.lib"], "removed  parts/old.bak")):
+        run(*args, "--dry-run", out=f"would be {line}\n", err="")
+    run("rename", "a.lib", "parts/empty.txt", "parts/bolts/m8.dwg", "--dry-run", code=2)
+    assert (files(), pathlib.Path("a.lib").read_bytes()) == before
+
+
+def locked():
+    """While one adds and waits for its data, another cannot write, but read."""
+    write("small")
+    writer = start("add", "a.lib", "small", "-", "--name", "data", "-v", stdin=subprocess.PIPE, stderr=subprocess.PIPE)
+    assert writer.stderr.readline().strip() == b"added  small"
+    run("delete", "a.lib", "small", "--lock-timeout", "0", code=11, err="zolib: a.lib is locked: .*; try again .*\n")
+    assert members("a.lib") == ["small"]
+    writer.communicate(b"data")
+    assert writer.returncode == 0 and members("a.lib") == ["small", "data"]
+    run("delete", "a.lib", "small", "--lock-timeout", "0")
+    writer = start("add", "a.lib", "small", "-", "--name", "more", "-v", stdin=subprocess.PIPE, stderr=subprocess.PIPE)
+    assert writer.stderr.readline().strip() == b"added  small"
+    writer.send_signal(signal.SIGINT)  # it waits for data, or is about to
+    assert writer.wait() == 130
+    run("test", "a.lib", err="a.lib: 2 members ok\n")
+
+
+def cancelled():
+    """SIGINT in the middle of a long call: what was complete stays, the library is whole."""
+    write("small")
+    write("large", os.urandom(48 << 20))
+    for args, first in ((["add", "a.lib", "small", "large", "--mode", "best", "-v"], b"added  small"),
+                        (["extract", "b.lib", "-o", "out", "-v"], b"extracted  small")):
+        if args[0] == "extract":
+            run("create", "b.lib", "small", "large", "--mode", "fast")
+        worker = start(*args, stderr=subprocess.PIPE)
+        assert worker.stderr.readline().strip() == first
+        worker.send_signal(signal.SIGINT)
+        said = worker.stderr.read().decode()
+        assert worker.wait() == 130 and "zolib: cancelled" in said, (worker.returncode, said)
+    run("test", "a.lib", err="a.lib: 1 member ok\n")
+    assert files() == ["a.lib", "b.lib", "large", "out/small", "small"], files()
+
+
+def damaged():
+    """A cut and a flipped bit are named; what is whole is rescued."""
+    tree()
+    run("create", "a.lib", "parts", "-q")
+    whole = pathlib.Path("a.lib").read_bytes()
+    entries = answer("list", "a.lib")["members"]
+    write("cut.lib", whole[:-100])
+    run("test", "cut.lib", code=13, err=".*cut.lib: .* behind its last member .*\ncut.lib: 4 members ok\n")
+    run("list", "cut.lib", code=1)
+    at = entries[3]["position"] + 54 + len("parts/bolts/m8.dwg") + entries[3]["packed"] // 2
+    write("bit.lib", whole[:at] + bytes([whole[at] ^ 4]) + whole[at + 1:])
+    run("test", "bit.lib", code=13, err="zolib: parts/bolts/m8.dwg is damaged: .*\nbit.lib: 4 members ok, 1 damaged\n")
+    run("extract", "bit.lib", "-o", "out", code=13, err="zolib: cannot extract parts/bolts/m8.dwg .*damaged.*4 members.*")
+    assert len(files("out")) == 4
+    run("cat", "bit.lib", "parts/bolts/m8.dwg", code=13, out="", err="zolib: .*\n")
+    # The header, and an entry in the middle: members behind it are found again.
+    at = entries[2]["position"]
+    write("gap.lib", bytes(32) + whole[32:at] + b"\xff" * 60 + whole[at + 60:])
+    run("list", "gap.lib", code=12)
+    for broken, good, code in (("cut.lib", 4, 0), ("bit.lib", 4, 13), ("gap.lib", 4, 0)):
+        found = json.loads(subprocess.run(COMMAND + ["salvage", broken, "new.lib", "--json"], capture_output=True).stdout)
+        assert found["salvaged"] == good and found["exit"] in (code, 13), found
+        run("test", "new.lib", err=f"new.lib: {good} members ok\n")
+        os.remove("new.lib")
+
+
+def foreign_members():
+    """Members of other makers have no check value, and may hide behind one another."""
+    foreign("f.lib", [("a.txt", b"one", 0), ("A.TXT", b"two", 0), ("gone", b"x", 0x200)])
+    run("test", "f.lib", err="a.txt is unprotected: .*\nA.TXT is unprotected: .*\nf.lib: 0 members ok, 2 unprotected\n")
+    states = {m["name"]: m["state"] for m in answer("list", "f.lib", "--deleted")["members"]}
+    assert states == {"a.txt": "unprotected", "A.TXT": "hidden", "gone": "deleted"}, states
+    assert run("cat", "f.lib", "a.txt") == b"one"
+
+
+def graph():
+    tree()
+    run("create", "a.lib", "parts", "-q")
+    run("delete", "a.lib", "*.bak", "-q")
+    run("info", "a.lib", "--dot", "a.dot", out="")
+    text = pathlib.Path("a.dot").read_text()
+    assert run("info", "a.lib", "--dot", "-").decode() == text
+    assert text.count("subgraph") == 3 and 'label="Größe 1.txt\\n900 B' in text and re.search("old.bak.*grey", text), text
+    if shutil.which("dot"):
+        subprocess.run(["dot", "-Tsvg", "-o", os.devnull], input=text.encode(), check=True)
+
+
+def terminal():
+    """On a terminal a long call shows how far it is; talk is not mixed with it."""
+    write("large", os.urandom(6 << 20))
+    parent, child = pty.openpty()
+    worker = start("create", "a.lib", "large", "--mode", "best", stdin=child, stdout=child, stderr=child)
+    os.close(child)
+    text = b""
+    with contextlib.suppress(OSError):  # the end of a terminal reads as an error
+        while piece := os.read(parent, 4096):
+            text += piece
+    assert worker.wait() == 0 and re.search(rb"\d %.*/s.*left.*large", text) and b"1 added" in text, text
+    run("create", "b.lib", "large", "--mode", "best", out="", err=r"b\.lib: 1 added; .*\n")
+
+
+def readme():
+    """README's session is what the demo prints; sizes and times may differ."""
+    printed = subprocess.run([ROOT / "scripts/demo"], capture_output=True, text=True, check=True).stdout
+    text = (ROOT / "README.md").read_text()
+    shown = re.search(r"(?m)^    \$ \./zolib create(?:.*\n(?=    ))*.*\n", text).group()
+
+    def plain(lines):
+        return [re.sub(r"[\d.,:%-]+( [KM]?B)?|\s+", " ", line).split() for line in lines.splitlines()]
+
+    assert plain(shown) == plain(printed), f"scripts/demo --readme renews it:\n{printed}"
+
+
+def verbs():
+    text = (ROOT / "tools/zolib/help.cpp").read_text()
+    found = re.findall(r'^    \{"(\w+)", "(\w*)"', text, re.M)
+    assert len(found) > 10
+    return found
+
+
+def completion():
+    """The shell completes verbs, options of a verb, and members."""
+    tree()
+    run("create", "a.lib", "parts", "-q")
+    script = f"""
+        source {ROOT}/tools/zolib/completion/zolib.bash
+        zolib() {{ {' '.join(COMMAND)} "$@"; }}
+        try() {{ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); COMPREPLY=(); _zolib; printf '%s\\n' "${{COMPREPLY[@]}}" -; }}
+        try zolib re; try zolib extract a.lib --o; try zolib cat a.lib parts/b; try zolib add a.lib --mode b"""
+    printed = subprocess.run(["bash", "-c", script], capture_output=True, text=True).stdout.split("-\n")
+    assert [sorted(p.split()) for p in printed[:-1]] == [
+        ["recover", "rename", "reorganize"], ["--output", "--overwrite"],
+        ["parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"], ["best"]], printed
+    words = subprocess.run(["bash", "-c", script.split("try zolib re")[0] + "try zolib ''"], capture_output=True, text=True)
+    assert {name for name, _ in verbs()} <= set(words.stdout.split()), words
+
+
+def manual():
+    """The manual has every verb, every option of the help, and every exit code."""
+    text = (ROOT / "docs/zolib.1").read_text().replace("\\-", "-")
+    for name, alias in verbs():
+        assert re.search(rf'^\.B zolib {name}\b', text, re.M), name
+        assert not alias or f"({alias})" in text, alias
+        for option in re.findall(r"--[a-z-]+", run("help", name).decode()):
+            assert option in text, f"{name} {option}"
+    codes = re.findall(r"= (\d+),", (ROOT / "tools/zolib/exit_code.h").read_text())
+    assert re.findall(r"^\.B (\d+)$", text, re.M) == codes
+
+
+CHECKS = {"json": json_forms, "foreign": foreign_members}
+with tempfile.TemporaryDirectory() as folder:
+    os.chdir(folder)
+    CHECKS.get(CHECK, globals().get(CHECK))()
+    os.chdir("/")

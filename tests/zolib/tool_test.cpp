@@ -1,0 +1,109 @@
+// The tool's decisions that need no library: patterns, names, exit codes, the progress line.
+// check.py runs the tool itself.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "../../tools/zolib/exit_code.h"
+#include "../../tools/zolib/glob.h"
+#include "../../tools/zolib/names.h"
+#include "../../tools/zolib/progress.h"
+#include "../../tools/zolib/text.h"
+
+namespace zolib {
+namespace {
+
+TEST(Tool, PatternsFitWhatTheySay) {
+  const struct {
+    const wchar_t *pattern, *name;
+    bool fits;
+  } kTable[] = {
+      {L"*.dwg", L"m8.dwg", true},
+      {L"*.dwg", L"bolts/steel/M8.DWG", true},
+      {L"*.dwg", L"m8.dwg.bak", false},
+      {L"bolts", L"bolts/steel/m8.dwg", true},
+      {L"steel", L"bolts/steel/m8.dwg", true},
+      {L"steel", L"bolts/steelwork", false},
+      {L"/steel", L"bolts/steel/m8.dwg", false},
+      {L"bolts/*.dwg", L"bolts\\m8.dwg", true},
+      {L"bolts/*.dwg", L"bolts/steel/m8.dwg", false},
+      {L"bolts/*.dwg", L"old/bolts/m8.dwg", false},
+      {L"bolts/**.dwg", L"bolts/steel/m8.dwg", true},
+      {L"bolts/**/m8.*", L"bolts/m8.dwg", true},
+      {L"bolts/**/m8.*", L"bolts/a/b/m8.dwg", true},
+      {L"bolts/**/m8.*", L"bolts/a/bm8.dwg", false},
+      {L".\\bolts\\", L"Bolts/x", true},
+      {L"m?.dwg", L"m8.dwg", true},
+      {L"m?.dwg", L"m10.dwg", false},
+      {L"m?x", L"m/x", false},
+      {L"\u00C4*", L"\u00E4rger.txt", true},
+      {L"**", L"a/b", true},
+      {L"a*a*a*a*a*a*a*a*a*b", L"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa", false},
+  };
+  for (const auto& row : kTable)
+    EXPECT_EQ(Glob(row.pattern).fits(folded(row.name)), row.fits)
+        << toUtf8(row.pattern) << " / " << toUtf8(row.name);
+
+  // Named members are whole names or folders; patterns among them fit at any depth.
+  Selection selection({L"docs", L"a.txt", L"*.dwg", L"none", L"no?"}, {}, {L"*.bak"});
+  const auto wants = [&](const wchar_t* name) { return selection.wants(name); };
+  EXPECT_TRUE(wants(L"docs/x/y") && wants(L"A.TXT") && wants(L"x/m8.dwg"));
+  EXPECT_FALSE(wants(L"x/a.txt") || wants(L"x/docs/y") || wants(L"docs/x.bak") || wants(L"docs2"));
+  EXPECT_EQ(selection.unmatched(), (std::vector<std::wstring>{L"no?", L"none"}));
+}
+
+TEST(Tool, PathsBecomeMembersThatStayRelative) {
+  const std::pair<const wchar_t*, const wchar_t*> kTable[] = {
+      {L"docs/a.md", L"docs/a.md"},
+      {L".\\docs\\\\a.md", L"docs/a.md"},
+      {L"docs/../x/a.md", L"x/a.md"},
+      {L"../docs", L"docs"},
+      {L"../x/docs", L"docs"},
+      {L"/home/u/docs", L"docs"},
+      {L"C:\\x\\docs\\", L"docs"},
+      {L"C:docs", L"docs"},
+      {L".", L""},
+      {L"..", L""},
+      {L"/", L""},
+      {L"a/..", L""},
+  };
+  for (const auto& [path, member] : kTable)
+    EXPECT_EQ(toUtf8(memberName(path)), toUtf8(member)) << toUtf8(path);
+}
+
+TEST(Tool, NothingIsWrittenOutsideTheFolderOrToADevice) {
+  for (const wchar_t* safe :
+       {L"a", L"a/b.txt", L"a/../b", L"./a", L"..a/b", L"console/x", L"\u00E4 b"})
+    EXPECT_FALSE(refusalOf(safe)) << toUtf8(safe);
+  for (const wchar_t* hostile : {L"",      L"/a",           L"\\a",       L"\\\\server\\share\\a",
+                                 L"C:a",   L"C:\\a",        L"a:stream",  L"a/b:c",
+                                 L"..",    L"../a",         L"a/../../b", L"a\\..\\..\\b",
+                                 L"con",   L"a/NUL.txt",    L"com1",      L"aux /x",
+                                 L"a./b",  L"a /b",         L"a ",        L"a.",
+                                 L"a/",    L"\\\\?\\C:\\a", L"a/...",     L"a/b*c",
+                                 L"a/b\nc"})
+    EXPECT_TRUE(refusalOf(hostile)) << toUtf8(hostile);
+}
+
+TEST(Tool, ProgressAndExitCodesSayTheWorst) {
+  EXPECT_EQ(progressLine(50 << 20, 100 << 20, 10, "bolts/m8.dwg"),
+            " 50 %     5.0 MB/s  0:10 left  bolts/m8.dwg");
+  EXPECT_EQ(progressLine(0, 0, 0, ""), "  0 %        0 B/s  0:00 left  ");
+  const std::string longName = "a/" + std::string(200, 'x') + "/\xC3\xA4.dwg";
+  const std::string line = progressLine(1, 2, 1, longName);
+  EXPECT_TRUE(line.size() <= 78 && line.ends_with("/\xC3\xA4.dwg")) << line;
+  EXPECT_EQ(readableSize(999), "999 B");
+  EXPECT_EQ(readableSize(1536), "1.5 KB");
+  EXPECT_EQ(readableSize(3ULL << 40), "3.0 TB");
+  EXPECT_EQ(ratioText(1, 3) + ratioText(1, 0), "33%-");
+
+  EXPECT_EQ(graver(kOk, kWarnings), kWarnings);
+  EXPECT_EQ(graver(kNotFound, kWarnings), kNotFound);
+  EXPECT_EQ(graver(kNotFound, kFailed), kFailed);
+  EXPECT_EQ(graver(kDamaged, kFailed), kDamaged);
+  EXPECT_EQ(graver(kDamaged, kCancelled), kCancelled);
+}
+
+}  // namespace
+}  // namespace zolib

@@ -1,0 +1,18 @@
+// The command line.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "exit_code.h"
+#include "options.h"
+#include "report.h"
+
+namespace zolib {
+
+// Runs what the arguments ask for. Help goes to standard output; a wrong command line costs one line
+// on standard error and gives kUsage.
+ExitCode runCommandLine(std::vector<std::string> utf8Arguments, Console& console);
+
+}  // namespace zolib

@@ -1,0 +1,103 @@
+// cat: members to standard output.
+#include <vector>
+
+#include "cancel.h"
+#include "session.h"
+#include "sources.h"
+#include "text.h"
+#include "verbs.h"
+
+namespace zolib {
+namespace {
+
+std::string base64(std::string_view bytes) {
+  static constexpr char kDigits[] =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string text;
+  for (std::size_t i = 0; i < bytes.size(); i += 3) {
+    const auto at = [&](std::size_t k) -> unsigned int {
+      return k < bytes.size() ? static_cast<unsigned char>(bytes[k]) : 0;
+    };
+    const unsigned int triple = at(i) << 16 | at(i + 1) << 8 | at(i + 2);
+    for (unsigned int k = 0; k < 4; ++k)
+      text += i + k > bytes.size() ? '=' : kDigits[triple >> (18 - 6 * k) & 63];
+  }
+  return text;
+}
+
+// Gives all bytes of a member, piece by piece, to `take`. Nothing of one that is damaged, which is
+// reported.
+template <class Take>
+bool readMember(Session& session, const ZoLibEntry& entry, Report& report, const Take& take) {
+  const std::string name = toUtf8(entry.name.view());
+  forgetReason();
+  // What is compressed is checked when it is opened.
+  int code = entry.isCompressed() ? 0 : session->verify(entry);
+  ZoFile file;
+  if (!code) code = session->getFile(file, entry.name);
+  if (code) {
+    if (isCancelled())
+      report.cancelled();
+    else
+      report.fail(kDamaged, "cannot read " + name + " in " + session.name() +
+                                because("it is damaged") + "; see `zolib test`");
+    return false;
+  }
+  std::vector<char> buffer(256 * 1024);
+  std::uint64_t left = entry.size;
+  while (const unsigned int got =
+             file.read(buffer.data(), static_cast<unsigned int>(buffer.size()))) {
+    if (isCancelled()) {
+      report.cancelled();
+      return false;
+    }
+    take(std::string_view(buffer.data(), got));
+    left -= got;
+    session.progress().at(entry.size - left, entry.size);
+    if (report.console().outputFailed()) return false;
+  }
+  if (left)
+    report.fail(kDamaged, "cannot read all of " + name + " in " + session.name() + because());
+  return !left;
+}
+
+// What is to be read, in the order in which it is named. A member that is named is found at once.
+std::vector<ZoLibEntry> inOrder(const Options& options, Session& session, Report& report) {
+  std::vector<std::wstring> names;
+  if (!namesOf(options, names, report)) return {};
+  std::vector<ZoLibEntry> entries;
+  const bool all = options.include.empty() && options.exclude.empty();
+  for (const std::wstring& name : names) {
+    ZoLibEntry entry;
+    if (all && session->getEntry(ZoFileName(name), entry) == 0) {
+      entries.push_back(entry);
+      continue;
+    }
+    const std::vector<ZoLibEntry> found = session.select(Session::kLive, {name});
+    const std::vector<bool> hidden = Session::hidden(found);
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      if (!hidden[i]) entries.push_back(found[i]);
+    }
+  }
+  return entries;
+}
+
+}  // namespace
+
+void cat(const Options& options, Report& report) {
+  Session session(options, report);
+  if (!session.openToRead()) return;
+  for (const ZoLibEntry& entry : inOrder(options, session, report)) {
+    if (report.code() == kCancelled) break;
+    std::string content;
+    const bool whole = readMember(session, entry, report, [&](std::string_view bytes) {
+      if (options.json)
+        content += bytes;
+      else
+        report.console().out(bytes);
+    });
+    if (options.json && whole) report.member(entry.name.view(), "read")["base64"] = base64(content);
+  }
+}
+
+}  // namespace zolib

@@ -1,0 +1,107 @@
+// delete, recover, rename: members that stay where they are.
+#include <windows.h>
+#include <zo/files/library_results.h>
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "cancel.h"
+#include "session.h"
+#include "text.h"
+#include "verbs.h"
+
+namespace zolib {
+namespace {
+
+bool goesOn(Report& report) {
+  if (isCancelled()) report.cancelled();
+  return report.code() != kCancelled;
+}
+
+void sumUp(const Options& options, Report& report, const Session& session,
+           const std::string& action) {
+  report.json()[action] = report.count(action);
+  if (!options.dryRun)
+    report.note(session.name() + ": " + counted(report.count(action), "member") + " " + action);
+}
+
+}  // namespace
+
+void remove(const Options& options, Report& report) {
+  Session session(options, report);
+  if (!session.openToWrite()) return;
+  std::vector<ZoLibEntry> entries = session.select(Session::kLive);
+  // From behind: the last member goes by a cut, without rewriting the file.
+  if (options.physically) std::reverse(entries.begin(), entries.end());
+  for (const ZoLibEntry& entry : entries) {
+    if (!goesOn(report)) break;
+    forgetReason();
+    // The call takes the first of a name and every further one with it.
+    if (!options.dryRun && !session->contains(entry.name)) continue;
+    const int code = options.dryRun ? 0 : session->deleteFile(entry.name, options.physically);
+    if (!code)
+      report.member(entry.name.view(), "deleted");
+    else
+      session.reportFailure("cannot delete " + toUtf8(entry.name.view()), code);
+  }
+  sumUp(options, report, session, "deleted");
+  session.close();
+}
+
+void recover(const Options& options, Report& report) {
+  Session session(options, report);
+  if (!session.openToWrite()) return;
+  std::unordered_set<std::wstring> names;  // of several deleted ones the latest comes back
+  for (const ZoLibEntry& entry : session.select(Session::kDeleted)) {
+    if (!goesOn(report)) break;
+    if (!names.insert(folded(entry.name.view())).second) continue;
+    forgetReason();
+    int code = options.dryRun ? 0 : session->recoverFile(entry.name);
+    if (options.dryRun && session->contains(entry.name)) code = ZoResult::memberExists;
+    if (!code)
+      report.member(entry.name.view(), "recovered");
+    else
+      session.reportFailure("cannot recover " + toUtf8(entry.name.view()), code);
+  }
+  sumUp(options, report, session, "recovered");
+  session.close();
+}
+
+// A member; or a folder, with all that is below it.
+void rename(const Options& options, Report& report) {
+  Session session(options, report);
+  if (!session.openToWrite()) return;
+  const std::wstring &from = options.names[0], &to = options.names[1];
+  std::vector<std::pair<ZoFileName, std::wstring>> renames;
+  if (session->contains(ZoFileName(from))) {
+    renames.emplace_back(ZoFileName(from), to);
+  } else {
+    const std::wstring folder = folded(from) + (folded(from).ends_with(L'/') ? L"" : L"/");
+    session->forEachEntry([&](const ZoLibEntry& entry) {
+      const std::wstring_view name = entry.name.view();
+      if (folded(name).starts_with(folder))
+        renames.emplace_back(entry.name, to + L"/" + std::wstring(name.substr(folder.size())));
+      return true;
+    });
+  }
+  if (renames.empty())
+    report.fail(kNotFound, session.name() + " has no member " + toUtf8(from) +
+                               "; `zolib list` shows what it has");
+  for (const auto& [name, newName] : renames) {
+    if (!goesOn(report)) break;
+    forgetReason();
+    const ZoFileName target(newName);
+    int code = options.dryRun ? 0 : session->renameFile(name, target);
+    if (options.dryRun && session->contains(target) && name != target)
+      code = ZoResult::memberExists;
+    if (!code)
+      report.member(name.view(), "renamed")["to"] = toUtf8(newName);
+    else
+      session.reportFailure("cannot rename " + toUtf8(name.view()) + " to " + toUtf8(newName), code,
+                            "is the new name one for a member?");
+  }
+  sumUp(options, report, session, "renamed");
+  session.close();
+}
+
+}  // namespace zolib

@@ -1,0 +1,81 @@
+#include "console.h"
+
+#include <algorithm>
+
+#include "text.h"
+
+namespace zolib {
+namespace {
+
+constexpr std::size_t kPiece = 64 * 1024;
+
+bool isTerminal(HANDLE stream) noexcept {
+  DWORD mode = 0;
+  return GetConsoleMode(stream, &mode) != FALSE;
+}
+
+}  // namespace
+
+Console::Console()
+    : out_(GetStdHandle(STD_OUTPUT_HANDLE)),
+      err_(GetStdHandle(STD_ERROR_HANDLE)),
+      outIsTerminal_(isTerminal(out_)),
+      errIsTerminal_(isTerminal(err_)) {}
+
+Console::~Console() {
+  flush();
+  status({});
+}
+
+bool Console::write(HANDLE stream, bool terminal, std::string_view utf8) {
+  const std::wstring wide = terminal ? toWide(utf8) : std::wstring();
+  const auto* next = terminal ? reinterpret_cast<const char*>(wide.data()) : utf8.data();
+  const std::size_t width = terminal ? sizeof(wchar_t) : 1;
+  std::size_t left = terminal ? wide.size() : utf8.size();
+  while (left > 0) {
+    DWORD done = 0;
+    const auto count = static_cast<DWORD>(std::min(left, kPiece));
+    const BOOL ok = terminal ? WriteConsoleW(stream, next, count, &done, nullptr)
+                             : WriteFile(stream, next, count, &done, nullptr);
+    if (!ok || !done) return false;
+    next += done * width;
+    left -= done;
+  }
+  return true;
+}
+
+void Console::out(std::string_view utf8) {
+  pending_ += utf8;
+  if (pending_.size() >= kPiece) flush();
+}
+
+bool Console::flush() {
+  if (pending_.empty()) return !failed_;
+  if (outIsTerminal_) status({});
+  failed_ = failed_ || !write(out_, outIsTerminal_, pending_);
+  pending_.clear();
+  return !failed_;
+}
+
+void Console::err(std::string_view utf8) {
+  flush();  // in the order in which it was said
+  status({});
+  write(err_, errIsTerminal_, std::string(utf8) + (errIsTerminal_ ? "\r\n" : "\n"));
+}
+
+void Console::status(std::string_view utf8) {
+  if (!errIsTerminal_ || (utf8.empty() && !statusLength_)) return;
+  std::string line = "\r" + std::string(utf8);
+  if (utf8.size() < statusLength_) line.append(statusLength_ - utf8.size(), ' ');
+  if (utf8.empty()) line += '\r';
+  statusLength_ = utf8.size();
+  write(err_, true, line);
+}
+
+bool readInput(void* buffer, DWORD size, DWORD& got) {
+  got = 0;
+  return ReadFile(GetStdHandle(STD_INPUT_HANDLE), buffer, size, &got, nullptr) ||
+         GetLastError() == ERROR_BROKEN_PIPE || GetLastError() == ERROR_HANDLE_EOF;
+}
+
+}  // namespace zolib

@@ -1,0 +1,46 @@
+// The three streams of the tool. Data goes to standard output, talk to standard error; a status
+// line stands on a terminal only, and goes before anything else is said there.
+//
+// A terminal is written to in UTF-16, anything else in UTF-8.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+
+namespace zolib {
+
+class Console {
+ public:
+  Console();
+  Console(const Console&) = delete;
+  Console& operator=(const Console&) = delete;
+  ~Console();  // flushes
+
+  // Text, or any bytes when standard output is no terminal. Collected, and written in large pieces.
+  void out(std::string_view utf8);
+  // Whether all of it could be written so far.
+  bool flush();
+  [[nodiscard]] bool outputFailed() const noexcept { return failed_; }
+
+  // A line to standard error.
+  void err(std::string_view utf8);
+  [[nodiscard]] bool errIsTerminal() const noexcept { return errIsTerminal_; }
+  // Replaces the status line, an empty text removes it. Nothing without a terminal.
+  void status(std::string_view utf8);
+
+ private:
+  static bool write(HANDLE stream, bool terminal, std::string_view utf8);
+
+  HANDLE out_, err_;
+  bool outIsTerminal_, errIsTerminal_;
+  bool failed_ = false;
+  std::size_t statusLength_ = 0;
+  std::string pending_;
+};
+
+// Reads up to `size` bytes from standard input; 0 at its end. False for a failure.
+bool readInput(void* buffer, DWORD size, DWORD& got);
+
+}  // namespace zolib

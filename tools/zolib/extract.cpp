@@ -1,0 +1,118 @@
+// extract: members to files below one folder, and never beside it.
+#include <windows.h>
+#include <zo/files/find_file.h>
+#include <zo/system/file_system.h>
+#include <zo/system/registry.h>
+
+#include <unordered_set>
+
+#include "cancel.h"
+#include "names.h"
+#include "session.h"
+#include "text.h"
+#include "verbs.h"
+
+namespace zolib {
+namespace {
+
+class Extractor {
+ public:
+  Extractor(const Options& options, Report& report, Session& session)
+      : options_(options), report_(report), session_(session), root_(shellPath(options.output)) {}
+
+  void extract(const ZoLibEntry& entry) {
+    const std::wstring_view member = entry.name.view();
+    session_.progress().begin(toUtf8(member), entry.size);
+    if (const auto why = refusalOf(member)) {
+      report_.member(member, "refused")["why"] = *why;
+      report_.warn("refused to extract " + toUtf8(member) + ": " + *why +
+                   "; `zolib rename` gives it another name, `zolib cat` its content");
+      return;
+    }
+    const std::wstring target = joined(root_, member);
+    if (keepsTarget(entry, target)) {
+      report_.member(member, "kept");
+      return;
+    }
+    if (!options_.dryRun && !(makeFolder(target) && write(entry, target))) return;
+    report_.member(member, "extracted")["size"] = entry.size;
+  }
+
+  void sumUp() {
+    Json& json = report_.json();
+    for (const char* action : {"extracted", "kept", "refused"})
+      json[action] = report_.count(action);
+    if (options_.dryRun) return;
+    std::string text =
+        session_.name() + ": " + counted(report_.count("extracted"), "member") + " extracted";
+    if (report_.count("kept")) text += ", " + std::to_string(report_.count("kept")) + " kept";
+    report_.note(text);
+  }
+
+ private:
+  bool keepsTarget(const ZoLibEntry& entry, const std::wstring& target) {
+    if (options_.overwrite == Overwrite::kAlways) return false;
+    ZoFindFile find;
+    if (find.open(ZoFileName(target)) || !find.next()) return false;
+    if (options_.overwrite == Overwrite::kNewer)
+      return ticks(entry.written) <= ticks(find.lastWriteTime());
+    if (options_.overwrite == Overwrite::kUnsaid)
+      report_.warn("kept " + toUtf8(target) + ": it exists; say --overwrite always or newer");
+    return true;
+  }
+
+  bool makeFolder(const std::wstring& target) {
+    const std::wstring folder(folderOf(target));
+    if (folder.empty() || !folders_.insert(folded(folder)).second) return true;
+    forgetReason();
+    const ZoFileName name(folder);
+    ZoFileSystem& files = ZoSystem::fileSystem();
+    if ((files.getAttributes(name) & FILE_ATTRIBUTE_DIRECTORY) || !files.createDirectory(name))
+      return true;
+    folders_.erase(folded(folder));
+    report_.fail(kFailed, "cannot make the folder " + toUtf8(folder) + because());
+    return false;
+  }
+
+  bool write(const ZoLibEntry& entry, const std::wstring& target) {
+    forgetReason();
+    const int code = session_->extractFile(entry.name, ZoFileName(target));
+    if (!code) return true;
+    const std::string what = "cannot extract " + toUtf8(entry.name.view());
+    if (reason().empty() && !session_->wasCancelled() && session_->verify(entry)) {
+      report_.fail(kDamaged,
+                   what + " from " + session_.name() + ": it is damaged; nothing was written");
+    } else {
+      session_.reportFailure(what + " to " + toUtf8(target), code);
+    }
+    return false;
+  }
+
+  const Options& options_;
+  Report& report_;
+  Session& session_;
+  std::wstring root_;
+  std::unordered_set<std::wstring> folders_;  // that are there
+};
+
+}  // namespace
+
+void extract(const Options& options, Report& report) {
+  Session session(options, report);
+  if (!session.openToRead()) return;
+  const std::vector<ZoLibEntry> entries = session.select(Session::kLive);
+  const std::vector<bool> hidden = Session::hidden(entries);
+  std::uint64_t total = 0;
+  for (const ZoLibEntry& entry : entries) total += entry.size;
+  session.progress().expect(total);
+  Extractor extractor(options, report, session);
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (isCancelled()) report.cancelled();
+    if (report.code() == kCancelled) break;
+    if (!hidden[i]) extractor.extract(entries[i]);
+  }
+  extractor.sumUp();
+  session.reportTrailing(kWarnings);
+}
+
+}  // namespace zolib

@@ -1,0 +1,14 @@
+// A library as a picture: its folders as clusters, its members with their sizes, deleted ones grey.
+#pragma once
+
+#include <zo/files/library_entry.h>
+#include <zo/graph.h>
+
+#include <string>
+#include <vector>
+
+namespace zolib {
+
+ZoDottyGraph graphOf(const std::string& library, const std::vector<ZoLibEntry>& entries);
+
+}  // namespace zolib

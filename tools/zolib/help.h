@@ -1,0 +1,39 @@
+// Verbs as the command line and the help have them.
+#pragma once
+
+#include <span>
+
+#include "options.h"
+#include "report.h"
+
+namespace zolib {
+
+// What a verb takes beside the options that all have. Sums of bits.
+enum Takes : unsigned int {
+  kNames = 0x1,        // any number of members, patterns or files behind the library
+  kFiles = 0x2,        // these are files, to be packed
+  kOneName = 0x4,      // exactly one
+  kTwoNames = 0x8,     // exactly two
+  kSelect = 0x10,      // --include, --exclude, --files-from
+  kWrites = 0x20,      // --dry-run
+  kLocks = 0x40,       // --lock-timeout
+  kDeletedToo = 0x80,  // --deleted
+  kNeedsName = 0x100,
+};
+
+struct Verb {
+  const char* name;
+  const char* alias;  // or empty
+  const char* summary;
+  const char* namesHelp;
+  unsigned int takes;
+  void (*run)(const Options&, Report&);
+  const char* examples;
+};
+
+[[nodiscard]] std::span<const Verb> verbs() noexcept;
+
+// Behind the list of verbs: names, exit codes, where to read on.
+extern const char* const kGeneralHelp;
+
+}  // namespace zolib

@@ -1,0 +1,100 @@
+#include "names.h"
+
+#include <windows.h>
+#include <zo/files/file_name.h>
+
+#include <vector>
+
+namespace zolib {
+namespace {
+
+constexpr std::wstring_view kSlashes = L"\\/";
+
+constexpr bool isSlash(wchar_t c) noexcept { return c == L'\\' || c == L'/'; }
+
+std::vector<std::wstring_view> levelsOf(std::wstring_view path) {
+  std::vector<std::wstring_view> levels;
+  while (!path.empty()) {
+    const std::size_t end = std::min(path.find_first_of(kSlashes), path.size());
+    if (end > 0) levels.push_back(path.substr(0, end));
+    path.remove_prefix(std::min(end + 1, path.size()));
+  }
+  return levels;
+}
+
+}  // namespace
+
+std::wstring shellPath(std::wstring_view path) {
+  std::wstring result(path);
+  wchar_t root[MAX_PATH];
+  if (path.starts_with(L'/') && !path.starts_with(L"//")) {
+    const DWORD length = GetEnvironmentVariableW(L"ZOLIB_ROOT", root, MAX_PATH);
+    if (length < MAX_PATH) result.insert(0, root, length);
+  }
+  return result;
+}
+
+std::wstring memberName(std::wstring_view path) {
+  bool lastOnly = false;
+  if (path.size() > 1 && path[1] == L':') {
+    path.remove_prefix(2);
+    lastOnly = true;
+  }
+  if (!path.empty() && isSlash(path[0])) lastOnly = true;
+  std::vector<std::wstring_view> kept;
+  for (const std::wstring_view level : levelsOf(path)) {
+    if (level == L".") continue;
+    if (level != L"..") {
+      kept.push_back(level);
+    } else if (kept.empty()) {
+      lastOnly = true;
+    } else {
+      kept.pop_back();
+    }
+  }
+  if (lastOnly && kept.size() > 1) kept.erase(kept.begin(), kept.end() - 1);
+  std::wstring name;
+  for (const std::wstring_view level : kept) {
+    if (!name.empty()) name += L'/';
+    name += level;
+  }
+  return name;
+}
+
+std::optional<std::string> refusalOf(std::wstring_view member) {
+  if (member.empty()) return "it has no name that a file can have";
+  if (isSlash(member[0])) return "it is absolute";
+  if (member.find(L':') != std::wstring_view::npos) {
+    const bool drive = member.size() > 1 && member[1] == L':';
+    return drive ? "it names a drive" : "it names a stream (a colon)";
+  }
+  if (isSlash(member.back())) return "it names a folder";
+  int depth = 0;
+  for (const std::wstring_view level : levelsOf(member)) {
+    if (level == L".") continue;
+    if (level == L"..") {
+      if (--depth < 0) return "it leads out of the target folder";
+      continue;
+    }
+    ++depth;
+    if (level.ends_with(L' ') || level.ends_with(L'.'))
+      return "a level of it ends in a blank or a dot";
+    if (ZoFileName(level).hasDeviceName()) return "it names a device";
+  }
+  // What the file names themselves know beyond that; the library decides.
+  if (!ZoFileName(member).isContained()) return "the platform cannot keep it as it is";
+  return std::nullopt;
+}
+
+std::wstring joined(std::wstring_view folder, std::wstring_view name) {
+  std::wstring result(folder);
+  if (!result.empty() && !isSlash(result.back())) result += L'/';
+  return result += name;
+}
+
+std::wstring_view folderOf(std::wstring_view name) noexcept {
+  const std::size_t end = name.find_last_of(kSlashes);
+  return end == std::wstring_view::npos ? std::wstring_view() : name.substr(0, end);
+}
+
+}  // namespace zolib

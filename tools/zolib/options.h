@@ -1,0 +1,36 @@
+// What a command line asks for.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zolib {
+
+enum class Overwrite {
+  kUnsaid,  // add: always; update: newer; extract: never, with a warning
+  kNever,
+  kAlways,
+  kNewer,
+};
+
+enum class Mode { kNormal, kFast, kBest, kStore, kAuto };
+
+struct Options {
+  std::string verb;  // its full name
+  std::wstring library;
+  std::vector<std::wstring> names;  // what follows the library
+  std::vector<std::wstring> include, exclude;
+  std::optional<std::wstring> filesFrom;  // "-" is standard input
+  std::wstring memberName;                // for data from standard input
+  std::wstring output;
+  std::optional<std::wstring> dot;  // "-" is standard output
+  Mode mode = Mode::kAuto;
+  Overwrite overwrite = Overwrite::kUnsaid;
+  double lockSeconds = 5;
+  bool dryRun = false, quiet = false, verbose = false, json = false;
+  bool deleted = false, physically = false, namesOnly = false;
+  std::string helpText;  // of the verb help
+};
+
+}  // namespace zolib

@@ -1,0 +1,113 @@
+#include "report.h"
+
+#include <windows.h>
+#include <zo/system/file_system.h>
+#include <zo/system/registry.h>
+
+#include "text.h"
+
+namespace zolib {
+namespace {
+
+constexpr int kJsonVersion = 1;
+
+}  // namespace
+
+Report::Report(const Options& options, Console& console)
+    : options_(options), console_(console), members_(Json::array()) {
+  json_["zolib"] = kJsonVersion;
+  json_["verb"] = options.verb;
+  if (!options.library.empty()) json_["library"] = toUtf8(options.library);
+  json_["exit"] = 0;
+  if (options.dryRun) json_["dryRun"] = true;
+  json_["messages"] = Json::array();
+}
+
+void Report::message(std::string_view level, std::string_view text) {
+  if (options_.json) json_["messages"].push_back({{"level", level}, {"text", text}});
+  if (level != "note" || !options_.quiet)
+    console_.err((level == "note" ? "" : "zolib: ") + std::string(text));
+}
+
+void Report::note(std::string_view text) { message("note", text); }
+
+void Report::warn(std::string_view text) {
+  code_ = graver(code_, kWarnings);
+  message("warning", text);
+}
+
+void Report::fail(ExitCode code, std::string_view text) {
+  code_ = graver(code_, code);
+  message("error", text);
+}
+
+void Report::cancelled() {
+  if (!cancelSaid_) fail(kCancelled, "cancelled; what was complete before is intact");
+  cancelSaid_ = true;
+}
+
+Json& Report::member(std::wstring_view name, std::string_view action) {
+  ++counts_[std::string(action)];
+  const std::string text = toUtf8(name);
+  if (options_.json) return members_.emplace_back(Json{{"name", text}, {"action", action}});
+  if (options_.dryRun) {
+    const bool stays = action == "kept" || action == "refused";
+    console_.out((stays ? "" : "would be ") + std::string(action) + "  " + text + "\n");
+  } else if (options_.verbose) {
+    console_.err(std::string(action) + "  " + text);
+  }
+  return unused_ = Json::object();
+}
+
+std::size_t Report::count(std::string_view action) const {
+  const auto found = counts_.find(action);
+  return found == counts_.end() ? 0 : found->second;
+}
+
+ExitCode Report::finish() {
+  if (options_.json) {
+    if (!members_.empty() && !json_.contains("members")) json_["members"] = std::move(members_);
+    json_["exit"] = static_cast<int>(code_);
+    console_.out(json_.dump(1, ' ', false, Json::error_handler_t::replace) + "\n");
+  }
+  if (!console_.flush()) {
+    code_ = graver(code_, kFailed);
+    // Whoever read it has enough: that needs no message.
+    if (GetLastError() != ERROR_NO_DATA && GetLastError() != ERROR_BROKEN_PIPE)
+      console_.err("zolib: cannot write the output: is the disk full?");
+  }
+  return code_;
+}
+
+std::string counted(std::size_t count, std::string_view noun) {
+  return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
+}
+
+void forgetReason() {
+  SetLastError(ERROR_SUCCESS);
+  ZoSystem::fileSystem().errorIO(L"zolib");
+}
+
+std::string reason() {
+  static const std::string kSuccess = [] {
+    wchar_t text[256];
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                                        nullptr, ERROR_SUCCESS, 0, text, 256, nullptr);
+    return toUtf8({text, length});
+  }();
+  std::string text = toUtf8(ZoSystem::fileSystem().errorTxt().view());
+  if (text == kSuccess) return {};
+  for (char& c : text) {
+    if (c == '\r' || c == '\n') c = ' ';
+  }
+  while (text.ends_with(' ') || text.ends_with('.')) text.pop_back();
+  return text;
+}
+
+std::string because(std::string_view otherwise) {
+  const std::string why = reason();
+  if (!why.empty()) return ": " + why;
+  return otherwise.empty() ? std::string() : ": " + std::string(otherwise);
+}
+
+}  // namespace zolib

@@ -1,0 +1,65 @@
+// What a run has to tell: messages, what became of each member, the exit code. As lines, or with
+// --json as one object on standard output, whose "zolib" is the version of its form:
+//
+//   { "zolib": 1, "verb": "test", "library": "parts.lib", "exit": 13,
+//     "messages": [ { "level": "error", "text": "..." } ], "members": [ ... ], ... }
+#pragma once
+
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+
+#include "console.h"
+#include "exit_code.h"
+#include "options.h"
+
+namespace zolib {
+
+using Json = nlohmann::ordered_json;
+
+class Report {
+ public:
+  Report(const Options& options, Console& console);
+
+  // Talk, which --quiet leaves out.
+  void note(std::string_view text);
+  // Something was left out by a rule; ends with kWarnings at least.
+  void warn(std::string_view text);
+  void fail(ExitCode code, std::string_view text);
+  // What became of a member: "added", "extracted". A line with --verbose, and with --dry-run, where
+  // it reads "would be added". Gives its JSON object to add to.
+  Json& member(std::wstring_view name, std::string_view action);
+  // How many members that was said of.
+  [[nodiscard]] std::size_t count(std::string_view action) const;
+  // The run was cancelled; said once.
+  void cancelled();
+
+  [[nodiscard]] Json& json() noexcept { return json_; }
+  [[nodiscard]] Console& console() noexcept { return console_; }
+  [[nodiscard]] ExitCode code() const noexcept { return code_; }
+  // Writes what is left to write.
+  ExitCode finish();
+
+ private:
+  void message(std::string_view level, std::string_view text);
+
+  const Options& options_;
+  Console& console_;
+  Json json_, members_, unused_;
+  std::map<std::string, std::size_t, std::less<>> counts_;
+  ExitCode code_ = kOk;
+  bool cancelSaid_ = false;
+};
+
+// "3 members", "1 member".
+std::string counted(std::size_t count, std::string_view noun);
+
+// The platform's reason for the last failure, as a part of a line; empty when it gave none since
+// forgetReason().
+void forgetReason();
+std::string reason();
+// ": " and the reason, or else the text; nothing when that is empty, too.
+std::string because(std::string_view otherwise = {});
+
+}  // namespace zolib

@@ -1,0 +1,165 @@
+#include "session.h"
+
+#include <windows.h>
+#include <zo/files/library_results.h>
+#include <zo/system/file_system.h>
+#include <zo/system/registry.h>
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "cancel.h"
+#include "glob.h"
+#include "names.h"
+#include "sources.h"
+#include "text.h"
+
+namespace zolib {
+
+Session::Session(const Options& options, Report& report)
+    : options_(options),
+      report_(report),
+      path_(shellPath(options.library)),
+      shown_(toUtf8(options.library)),
+      progress_(report.console(), !options.quiet) {
+  library_.onProgress([this](std::uint64_t done, std::uint64_t total) {
+    progress_.at(done, total);
+    return !isCancelled();
+  });
+}
+
+bool Session::openToRead() { return open(ZoFile::kRead, ZoFile::kOpenExisting) && checkMark(); }
+
+bool Session::openDamaged() { return open(ZoFile::kRead, ZoFile::kOpenExisting); }
+
+bool Session::openToWrite(ZoFile::CreationMode mode) {
+  const bool exists = ZoSystem::fileSystem().getAttributes(ZoFileName(path_)) != 0;
+  if (mode == ZoFile::kCreateNew && exists) {
+    report_.fail(kFailed, shown_ + " exists already; add to it with `zolib add`");
+    return false;
+  }
+  if (!options_.dryRun) return open(ZoFile::kReadWrite, mode) && checkMark();
+  return (!exists && mode != ZoFile::kOpenExisting) || openToRead();
+}
+
+bool Session::open(int access, ZoFile::CreationMode mode) {
+  forgetReason();
+  const ZoFileName name(path_);
+  const unsigned int attributes = ZoSystem::fileSystem().getAttributes(name);
+  if (attributes & FILE_ATTRIBUTE_DIRECTORY) {
+    report_.fail(kNotALibrary, shown_ + " is a folder; name a library file");
+    return false;
+  }
+  if (!attributes && mode == ZoFile::kOpenExisting) {
+    report_.fail(kNotFound, "cannot find the library " + shown_ + because() + "; check its name");
+    return false;
+  }
+  forgetReason();
+  const double wait = std::clamp(options_.lockSeconds, 0.0, 4e6) * 1000;
+  switch (library_.open(name, access, mode, static_cast<unsigned int>(wait))) {
+    case ZoResult::ok:
+      return true;
+    case ZoResult::libraryWriteLocked:
+      report_.fail(kLocked, shown_ +
+                                " is locked: another program is writing to it; try again "
+                                "later, or wait longer with --lock-timeout");
+      return false;
+    default:
+      report_.fail(kFailed, "cannot open " + shown_ + because("it cannot be read or written") +
+                                "; check its name and your rights");
+      return false;
+  }
+}
+
+bool Session::checkMark() {
+  if (library_.isLibrary()) return true;
+  library_.close();
+  report_.fail(kNotALibrary, shown_ +
+                                 " is not a library: it does not begin with a library's mark; "
+                                 "if it was one, `zolib salvage` looks for its members");
+  return false;
+}
+
+void Session::close() {
+  forgetReason();
+  if (library_.close()) report_.fail(kFailed, "cannot close " + shown_ + because());
+}
+
+std::vector<ZoLibEntry> Session::select(Which which) {
+  std::vector<std::wstring> names;
+  if (!library_.isOpen() || !namesOf(options_, names, report_)) return {};
+  return select(which, names);
+}
+
+std::vector<ZoLibEntry> Session::select(Which which, const std::vector<std::wstring>& names) {
+  Selection selection(names, options_.include, options_.exclude);
+  std::vector<ZoLibEntry> entries;
+  forgetReason();
+  const int code = library_.forEachEntry(
+      [&](const ZoLibEntry& entry) {
+        if (which == kDeleted && !entry.isDeleted()) return true;
+        if (selection.wants(entry.name.view())) entries.push_back(entry);
+        return !isCancelled();
+      },
+      which != kLive);
+  if (isCancelled()) {
+    report_.cancelled();
+    return {};
+  }
+  if (code) report_.fail(kFailed, "cannot read " + shown_ + because());
+  for (const std::wstring& name : selection.unmatched()) {
+    report_.fail(kNotFound, shown_ + " has no " + (which == kDeleted ? "deleted " : "") +
+                                "member " + toUtf8(name) + "; `zolib list` shows what it has");
+  }
+  return entries;
+}
+
+std::vector<bool> Session::hidden(const std::vector<ZoLibEntry>& entries) {
+  std::vector<bool> result(entries.size());
+  std::unordered_set<std::wstring> names;
+  for (std::size_t i = 0; i < entries.size(); ++i)
+    result[i] = !entries[i].isDeleted() && !names.insert(folded(entries[i].name.view())).second;
+  return result;
+}
+
+bool Session::reportTrailing(ExitCode code) {
+  const std::uint64_t bytes = library_.isOpen() ? library_.trailingBytes() : 0;
+  if (!bytes) return false;
+  const std::string text = shown_ + ": " + counted(bytes, "byte") +
+                           " behind its last member are no member: left by a writer that was "
+                           "ended, or damage; `zolib salvage` finds members behind a damage";
+  if (code == kWarnings)
+    report_.warn(text);
+  else
+    report_.fail(code, text);
+  return true;
+}
+
+void Session::reportFailure(std::string_view what, int code, std::string_view advice) {
+  if (library_.wasCancelled() || isCancelled()) return report_.cancelled();
+  const std::string why = reason();
+  if (why.empty() && options_.verb != "salvage" && library_.trailingBytes()) {
+    report_.fail(kDamaged, std::string(what) + ": " + shown_ +
+                               " is damaged; get its members with `zolib salvage`");
+    return;
+  }
+  switch (code) {
+    case ZoResult::invalid:
+      return report_.fail(kFailed, std::string(what) + ": a URL cannot be a member's name");
+    case ZoResult::memberExists:
+      return report_.fail(
+          kFailed, std::string(what) + ": a member has that name; rename or delete it first");
+    default:
+      return report_.fail(kFailed, std::string(what) + because("it was refused") +
+                                       (advice.empty() ? "" : "; ") + std::string(advice));
+  }
+}
+
+std::uint64_t Session::fileSize() const {
+  ZoFile file;
+  const int share = ZoFile::kShareRead | ZoFile::kShareWrite | ZoFile::kShareDelete;
+  if (file.open(ZoFileName(path_), ZoFile::kRead, ZoFile::kOpenExisting, share)) return 0;
+  return static_cast<std::uint64_t>(std::max<std::int64_t>(file.size(), 0));
+}
+
+}  // namespace zolib

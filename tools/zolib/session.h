@@ -1,0 +1,62 @@
+// A library that a verb works on: opened with the messages and exit codes that all verbs share.
+#pragma once
+
+#include <zo/files/library.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "options.h"
+#include "progress.h"
+#include "report.h"
+
+namespace zolib {
+
+class Session {
+ public:
+  Session(const Options& options, Report& report);
+
+  // False when it is not there, cannot be opened, is locked, or is no library; reported.
+  bool openToRead();
+  // With a creation mode of kOpenExisting, kOpenAlways or kCreateNew. With --dry-run it is opened to
+  // read, and one that is missing counts as open if it were to be made.
+  bool openToWrite(ZoFile::CreationMode mode = ZoFile::kOpenExisting);
+  // Whatever it holds: for what damage left.
+  bool openDamaged();
+  // Closes it and reports a failure of that.
+  void close();
+
+  // The entries that the options select, in the file's order: live ones, deleted ones, or both.
+  // Names that select nothing are reported.
+  enum Which { kLive, kDeleted, kBoth };
+  std::vector<ZoLibEntry> select(Which which);
+  std::vector<ZoLibEntry> select(Which which, const std::vector<std::wstring>& names);
+  // Whether it is a second live member of a name, which only another maker leaves: never found.
+  [[nodiscard]] static std::vector<bool> hidden(const std::vector<ZoLibEntry>& entries);
+
+  // Says what lies behind the last member, if anything does; with which weight is the verb's.
+  bool reportTrailing(ExitCode code);
+  // Says how a call on one member ended that did not end well: "cannot add", its name, why.
+  void reportFailure(std::string_view what, int code, std::string_view advice = {});
+
+  [[nodiscard]] bool isOpen() const noexcept { return library_.isOpen(); }
+  [[nodiscard]] std::uint64_t fileSize() const;
+  [[nodiscard]] const std::string& name() const noexcept { return shown_; }
+  [[nodiscard]] Progress& progress() noexcept { return progress_; }
+  ZoLibrary* operator->() noexcept { return &library_; }
+  ZoLibrary& operator*() noexcept { return library_; }
+
+ private:
+  bool open(int access, ZoFile::CreationMode mode);
+  bool checkMark();
+
+  const Options& options_;
+  Report& report_;
+  std::wstring path_;
+  std::string shown_;  // as the user wrote it
+  Progress progress_;
+  ZoLibrary library_;
+};
+
+}  // namespace zolib

@@ -1,0 +1,214 @@
+#include "sources.h"
+
+#include <zo/files/find_file.h>
+#include <zo/system/file_system.h>
+#include <zo/system/registry.h>
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "cancel.h"
+#include "glob.h"
+#include "names.h"
+#include "text.h"
+
+namespace zolib {
+namespace {
+
+constexpr unsigned int kLinkAttribute = FILE_ATTRIBUTE_REPARSE_POINT;
+
+std::wstring fullPath(const std::wstring& path) {
+  ZoFileName full;
+  ZoSystem::fileSystem().getFullPathName(ZoFileName(path), full);
+  return folded(full.view());
+}
+
+// One walk over all that the options name.
+class Walk {
+ public:
+  Walk(const Options& options, Report& report)
+      : report_(report),
+        selection_({}, options.include, options.exclude),
+        library_(fullPath(shellPath(options.library))) {}
+
+  // A name as the user gave it.
+  void addNamed(const std::wstring& name) {
+    forgetReason();
+    const std::wstring path = shellPath(name);
+    const unsigned int attributes = ZoSystem::fileSystem().getAttributes(ZoFileName(path));
+    if (attributes & ZoFindFile::kDirectory) {
+      addFolder(path, memberName(name));
+    } else if (attributes || Glob::isGlob(name)) {
+      const std::size_t before = found_.size();
+      addMatching(path, std::wstring(folderOf(name)));
+      if (found_.size() == before && !attributes) notFound(name);
+    } else {
+      notFound(name);
+    }
+  }
+
+  std::vector<Source> found() && { return std::move(found_); }
+
+ private:
+  void notFound(const std::wstring& name) {
+    report_.fail(kNotFound, "cannot find " + toUtf8(name) + because() + "; check the name");
+  }
+
+  // What fits a path, whose last level may have wildcards.
+  void addMatching(const std::wstring& path, const std::wstring& givenFolder) {
+    ZoFindFile find;
+    find.setAttributes(0);
+    ZoFileName pattern;
+    pattern.setFullName(path.c_str(), false, false, true);
+    if (find.open(pattern)) return;
+    while (find.next()) {
+      const std::wstring given = joined(givenFolder, find.fileNameExt());
+      if (!find.isDirectory())
+        addFile(find, memberName(given));
+      else if (!(find.attributes() & kLinkAttribute))
+        addFolder(std::wstring(find.path()), memberName(given));
+    }
+  }
+
+  void addFolder(const std::wstring& path, const std::wstring& member) {
+    if (!member.empty() && selection_.excludes(folded(member))) return;
+    struct Folder {
+      std::wstring path, member;
+    };
+    std::vector<Folder> folders;
+    const std::size_t first = found_.size();
+    ZoFindFile find;
+    find.setAttributes(0);
+    forgetReason();
+    if (find.open(ZoFileName(joined(path, L"*")))) {
+      report_.fail(kFailed, "cannot read the folder " + toUtf8(path) + because());
+      return;
+    }
+    while (!isCancelled() && find.next()) {
+      const std::wstring name = joined(member, find.fileNameExt());
+      if (!find.isDirectory())
+        addFile(find, name);
+      else if (!(find.attributes() & kLinkAttribute))
+        folders.push_back({std::wstring(find.path()), name});
+    }
+    const auto byMember = [](const auto& a, const auto& b) {
+      return folded(a.member) < folded(b.member);
+    };
+    std::sort(found_.begin() + static_cast<std::ptrdiff_t>(first), found_.end(), byMember);
+    std::sort(folders.begin(), folders.end(), byMember);
+    for (const Folder& folder : folders) addFolder(folder.path, folder.member);
+  }
+
+  void addFile(ZoFindFile& find, const std::wstring& member) {
+    const std::wstring key = folded(member);
+    if (!selection_.includes(key) || selection_.excludes(key)) return;
+    const std::wstring path(find.path());
+    if (fullPath(path) == library_) return;  // not into itself
+    if (!members_.insert(key).second) {
+      report_.fail(kFailed, "left out " + toUtf8(path) + ": another file is " + toUtf8(member) +
+                                " already (case does not count); add it by itself");
+      return;
+    }
+    found_.push_back({path, member, static_cast<std::uint64_t>(find.size()), find.lastWriteTime()});
+  }
+
+  Report& report_;
+  Selection selection_;
+  std::wstring library_;
+  std::vector<Source> found_;
+  std::unordered_set<std::wstring> members_;
+};
+
+bool readAllInput(std::string& text) {
+  const Interruptible waiting;
+  char buffer[16 * 1024];
+  for (DWORD got = 0; readInput(buffer, sizeof buffer, got);) {
+    if (!got) return true;
+    text.append(buffer, got);
+  }
+  return false;
+}
+
+bool readWhole(const std::wstring& path, std::string& text) {
+  ZoFile file;
+  if (file.open(ZoFileName(path))) return false;
+  char buffer[16 * 1024];
+  while (const unsigned int got = file.read(buffer, sizeof buffer)) text.append(buffer, got);
+  return true;
+}
+
+}  // namespace
+
+bool readLines(const std::wstring& path, std::vector<std::wstring>& lines, Report& report) {
+  forgetReason();
+  std::string text;
+  if (!(path == L"-" ? readAllInput(text) : readWhole(shellPath(path), text))) {
+    const bool missing = GetLastError() == ERROR_FILE_NOT_FOUND;
+    report.fail(missing ? kNotFound : kFailed,
+                "cannot read the names in " + toUtf8(path) + because());
+    return false;
+  }
+  std::string_view left = text;
+  if (left.starts_with("\xEF\xBB\xBF")) left.remove_prefix(3);
+  while (!left.empty()) {
+    const std::size_t end = std::min(left.find('\n'), left.size());
+    std::string_view line = left.substr(0, end);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    if (!line.empty()) lines.push_back(toWide(line));
+    left.remove_prefix(std::min(end + 1, left.size()));
+  }
+  return true;
+}
+
+bool namesOf(const Options& options, std::vector<std::wstring>& names, Report& report) {
+  names = options.names;
+  return !options.filesFrom || readLines(*options.filesFrom, names, report);
+}
+
+std::vector<Source> findSources(const Options& options, Report& report) {
+  std::vector<std::wstring> names;
+  if (!namesOf(options, names, report)) return {};
+  Walk walk(options, report);
+  bool fromInput = false;
+  for (const std::wstring& name : names) {
+    if (isCancelled()) break;
+    if (name == L"-") {
+      fromInput = true;
+    } else {
+      walk.addNamed(name);
+    }
+  }
+  std::vector<Source> found = std::move(walk).found();
+  if (fromInput) found.push_back({L"-", options.memberName});
+  return found;
+}
+
+bool readInputInto(ZoFile& file, Report& report) {
+  forgetReason();
+  ZoFileName name(L"zolib.tmp");
+  if (file.createTemp(name, ZoFile::kReadWrite, ZoFile::kCreateNew, ZoFile::kShareNone,
+                      ZoFile::kTemporary | ZoFile::kDeleteOnClose)) {
+    report.fail(kFailed, "cannot make a temporary file" + because());
+    return false;
+  }
+  char buffer[64 * 1024];
+  for (DWORD got = 0;;) {
+    bool read = false;
+    {
+      const Interruptible waiting;
+      read = readInput(buffer, sizeof buffer, got);
+    }
+    if (!read) {
+      report.fail(kFailed, "cannot read standard input");
+      return false;
+    }
+    if (!got) break;
+    if (file.write(buffer, got) != got) {
+      report.fail(kFailed, "cannot keep standard input in a temporary file" + because());
+      return false;
+    }
+  }
+  return file.seekToBegin() == 0;
+}
+
+}  // namespace zolib

@@ -1,0 +1,103 @@
+// reorganize, salvage: a library written anew.
+#include <zo/system/file_system.h>
+#include <zo/system/registry.h>
+
+#include "cancel.h"
+#include "names.h"
+#include "session.h"
+#include "text.h"
+#include "verbs.h"
+
+namespace zolib {
+
+void reorganize(const Options& options, Report& report) {
+  Session session(options, report);
+  if (!session.openToWrite()) return;
+  const std::uint64_t before = session.fileSize();
+  std::uint64_t deleted = 0;
+  for (const ZoLibEntry& entry : session.select(Session::kDeleted)) {
+    ++deleted;
+    if (options.dryRun) report.member(entry.name.view(), "removed");
+  }
+  session.progress().expect(before);
+  session.progress().begin(session.name(), before);
+  forgetReason();
+  const int code = options.dryRun || report.code() ? 0 : session->reorganize();
+  if (code) session.reportFailure("cannot reorganize " + session.name(), code);
+  session.close();
+  const std::uint64_t after = session.fileSize();
+  Json& json = report.json();
+  json["removed"] = code ? 0 : deleted;
+  json["sizeBefore"] = before;
+  json["sizeAfter"] = after;
+  if (!code && !report.code() && !options.dryRun)
+    report.note(session.name() + ": " + counted(deleted, "deleted member") + " removed; " +
+                readableSize(before) + " before, " + readableSize(after) + " now");
+}
+
+namespace {
+
+// The new library, which goes again unless it is kept.
+class Salvaged {
+ public:
+  Salvaged(const std::wstring& path, Report& report) : path_(shellPath(path)) {
+    if (ZoSystem::fileSystem().getAttributes(ZoFileName(path_))) {
+      report.fail(kFailed, toUtf8(path) + " exists already; give the name of a new library");
+      return;
+    }
+    forgetReason();
+    if (library_.open(ZoFileName(path_), ZoFile::kReadWrite, ZoFile::kCreateNew))
+      report.fail(kFailed, "cannot make " + toUtf8(path) + because());
+  }
+  Salvaged(const Salvaged&) = delete;
+  Salvaged& operator=(const Salvaged&) = delete;
+  ~Salvaged() {
+    if (!library_.isOpen()) return;
+    library_.close();
+    if (!kept_) ZoSystem::fileSystem().erase(ZoFileName(path_), ZoFileSystem::kFile);
+  }
+  void keep() noexcept { kept_ = true; }
+  [[nodiscard]] bool isOpen() const noexcept { return library_.isOpen(); }
+  ZoLibrary& library() noexcept { return library_; }
+
+ private:
+  std::wstring path_;
+  ZoLibrary library_;
+  bool kept_ = false;
+};
+
+}  // namespace
+
+void salvage(const Options& options, Report& report) {
+  Session session(options, report);
+  if (!session.openDamaged()) return;
+  const std::wstring& name = options.names[0];
+  Salvaged target(name, report);
+  if (!target.isOpen()) return;
+  session.progress().expect(session.fileSize());
+  session.progress().begin(session.name(), session.fileSize());
+  forgetReason();
+  const int code = session->salvageInto(target.library(), [&](const ZoLibEntry& entry, int found) {
+    if (!found) {
+      report.member(entry.name.view(), "salvaged")["size"] = entry.size;
+      return !isCancelled();
+    }
+    report.member(entry.name.view(), "lost")["size"] = entry.size;
+    report.fail(kDamaged, "lost " + toUtf8(entry.name.view()) + ": it is damaged");
+    return true;
+  });
+  const std::size_t salvaged = report.count("salvaged"), lost = report.count("lost");
+  report.json()["target"] = toUtf8(name);
+  report.json()["salvaged"] = salvaged;
+  report.json()["lost"] = lost;
+  if (code) return session.reportFailure("cannot salvage " + session.name(), code);
+  if (!salvaged && !lost && !session->isLibrary()) {
+    report.fail(kNotALibrary, session.name() + " is not a library, and holds no members");
+    return;
+  }
+  if (!options.dryRun) target.keep();
+  report.note(session.name() + ": " + counted(salvaged, "member") + " salvaged into " +
+              toUtf8(name) + (lost ? ", " + std::to_string(lost) + " lost" : ""));
+}
+
+}  // namespace zolib
