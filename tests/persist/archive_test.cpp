@@ -6,10 +6,13 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <random>
 
 #include "file_io/faulty_files.h"
 #include "file_io/file_fixture.h"
 #include "persist/archive_support.h"
+#include "persist/memory_watch.h"
+#include "persist/persist_support.h"
 #include "support/file_bytes.h"
 #include "support/printers.h"
 #include "support/temp_folder.h"
@@ -142,7 +145,7 @@ TEST(Archive, VirtualFunctionsHaveTheirSlots) {
 #endif
 
 TEST(Archive, EveryValueHasItsBytesAndComesBack) {
-  const Files files;
+  PlainArchive whole;
   for (const ArchivedValue& value : archivedValues()) {
     SCOPED_TRACE(value.name);
     PlainArchive plain;
@@ -150,7 +153,6 @@ TEST(Archive, EveryValueHasItsBytesAndComesBack) {
     EXPECT_EQ(plain.bytes, value.bytes);
     EXPECT_EQ(passed(value, plain), value.bytes);
     EXPECT_EQ(plain.at, plain.bytes.size());
-
     ZoMemoryWriteArchive memory;
     value.write(memory);
     EXPECT_EQ(toBytes(memory.bytes()), value.bytes);
@@ -158,13 +160,20 @@ TEST(Archive, EveryValueHasItsBytesAndComesBack) {
     ZoMemoryReadArchive back(memory.bytes());
     EXPECT_EQ(passed(value, back), value.bytes);
     EXPECT_EQ(back.rest(), 0U);
-
-    EXPECT_EQ(files.stored(value.write), value.bytes);
-    EXPECT_EQ(files.mfcStored(value.write), value.bytes);
-    const Use expectSame = [&](ZoArchive& from) { EXPECT_EQ(passed(value, from), value.bytes); };
-    files.load(value.bytes, expectSame);
-    files.mfcLoad(value.bytes, expectSame);
+    value.write(whole);
   }
+  const Use writeAll = [](ZoArchive& to) {
+    for (const ArchivedValue& value : archivedValues()) value.write(to);
+  };
+  const Use expectAll = [](ZoArchive& from) {
+    for (const ArchivedValue& value : archivedValues())
+      EXPECT_EQ(passed(value, from), value.bytes) << value.name;
+  };
+  const Files files;
+  EXPECT_EQ(files.stored(writeAll), whole.bytes);
+  EXPECT_EQ(files.mfcStored(writeAll), whole.bytes);
+  files.load(whole.bytes, expectAll);
+  files.mfcLoad(whole.bytes, expectAll);
 }
 
 // Wherever the data ends: nothing of what the value held before is left, and nothing hangs.
@@ -193,6 +202,36 @@ TEST(Archive, DataThatEndsEarlyGivesZerosOrThrows) {
   ZoMemoryReadArchive memory(claims.data(), claims.size());
   EXPECT_EQ(thrown([&] { memory.read(value); }), L"25 The archive ends within a text");
   EXPECT_EQ(thrown([&] { memory.readBin(&value, 1); }), L"25 The archive ends within bytes");
+}
+
+// The promise of buffered_archive.h.
+TEST(Archive, MutationsGiveAnErrorOrValuesInBoundedMemory) {
+  PlainArchive whole;
+  for (const ArchivedValue& value : archivedValues()) value.write(whole);
+  std::mt19937 random(7);
+  std::size_t errors = 0;
+  const int count = mutationCount(2000);
+  for (int i = 0; i < count && !HasFailure(); ++i) {
+    const ByteVector bytes = mutated(whole.bytes, random);
+    PlainArchive plain(bytes);
+    ZoMemoryReadArchive memory(bytes.data(), bytes.size());
+    PlainArchive to;
+    MemoryWatch watch;
+    for (const ArchivedValue& value : archivedValues()) value.pass(plain, true, to);
+    to = PlainArchive();
+    errors += !thrown([&] {
+                 for (const ArchivedValue& value : archivedValues()) value.pass(memory, true, to);
+               }).empty();
+    EXPECT_LE(watch.peak(), (64U << 10) + 160 * bytes.size());
+  }
+  EXPECT_GT(errors, 0U);
+  ByteVector dicts = bytesOf("00270000 09000000 E8030000");  // a thousand empty ones
+  const ByteVector dict = bytesOf("00280000 08000000 00000000");
+  for (int i = 0; i < 1000; ++i) dicts.insert(dicts.end(), dict.begin(), dict.end());
+  MemoryWatch watch;
+  ZoVariant value;
+  ZoMemoryReadArchive(dicts.data(), dicts.size()).read(value);
+  EXPECT_LE(watch.peak(), (64U << 10) + 160 * dicts.size());
 }
 
 TEST(Archive, ContainersLieAtMostSoDeep) {
