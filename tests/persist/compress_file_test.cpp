@@ -5,10 +5,11 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 
+#include "file_io/faulty_files.h"
 #include "persist/persist_support.h"
-#include "platform/file_api.h"
 #include "support/temp_folder.h"
 
 using namespace zo;
@@ -33,44 +34,14 @@ std::size_t filesIn(const fs::path& folder) {
       std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
-// Fails at the n-th call of all, or of a read or write takes half of the bytes only.
-class FailingApi final : public FileApi {
+// Ends every file at the n-th read.
+class EarlyEnd final : public FaultyFiles {
  public:
-  FailingApi(int failAt, bool shorten) : failAt_(failAt), shorten_(shorten) { setFileApi(this); }
-  ~FailingApi() override { setFileApi(nullptr); }
-  bool reached() const { return calls_ >= failAt_; }
-
-  HANDLE create(const wchar_t* name, DWORD access, DWORD share, DWORD how, DWORD flags) override {
-    return fails() ? INVALID_HANDLE_VALUE : FileApi::create(name, access, share, how, flags);
-  }
-  bool size(HANDLE file, std::int64_t& bytes) override {
-    return !fails() && FileApi::size(file, bytes);
-  }
-  bool seek(HANDLE file, std::int64_t offset, DWORD method, std::int64_t& position) override {
-    return !fails() && FileApi::seek(file, offset, method, position);
-  }
   bool read(HANDLE file, void* to, DWORD size, DWORD& done) override {
-    if (!fails()) return FileApi::read(file, to, size, done);
     done = 0;
-    return shorten_;  // the end of the file, where there should be none
+    return --left == 0 || FaultyFiles::read(file, to, size, done);
   }
-  bool write(HANDLE file, const void* data, DWORD size, DWORD& done) override {
-    if (!fails()) return FileApi::write(file, data, size, done);
-    return shorten_ && FileApi::write(file, data, size / 2, done);
-  }
-  bool flush(HANDLE file) override { return !fails() && FileApi::flush(file); }
-  bool move(const wchar_t* from, const wchar_t* to, DWORD flags) override {
-    return !fails() && FileApi::move(from, to, flags);
-  }
-
- private:
-  bool fails() noexcept {
-    SetLastError(ERROR_GEN_FAILURE);
-    return ++calls_ == failAt_;
-  }
-  int calls_ = 0;
-  int failAt_;
-  bool shorten_;
+  int left = 0;
 };
 
 }  // namespace
@@ -157,30 +128,29 @@ TEST(CompressFile, AnyCallOfThePlatformThatFailsOrComesShortLeavesTheTargetAsItW
   writeFile(plain, content);
   writeFile(packed, lzmaContainer(content, 0));
   writeFile(legacy, legacyContainer(imploded(content, Literals::text, 6), content));
-  const auto operations = {+[](const wchar_t* folderName, const wchar_t* to) {
-                             return ZoCompress(ZoZip::fast)(
-                                 (fs::path(folderName) / L"plain").c_str(), to);
-                           },
-                           +[](const wchar_t* folderName, const wchar_t* to) {
-                             return ZoExplode()((fs::path(folderName) / L"packed").c_str(), to);
-                           },
-                           +[](const wchar_t* folderName, const wchar_t* to) {
-                             return ZoExplode()((fs::path(folderName) / L"legacy").c_str(), to);
-                           }};
-  for (const auto operation : operations) {
-    for (bool shorten : {false, true}) {
-      for (int failAt = 1;; ++failAt) {
+  const std::function<int()> operations[] = {
+      [&] { return ZoCompress(ZoZip::fast)(plain.c_str(), target.c_str()); },
+      [&] { return ZoExplode()(packed.c_str(), target.c_str()); },
+      [&] { return ZoExplode()(legacy.c_str(), target.c_str()); }};
+  enum Kind { failure, shortWrite, earlyEnd };
+  for (const auto& operation : operations) {
+    for (const Kind kind : {failure, shortWrite, earlyEnd}) {
+      for (int nth = 1;; ++nth) {
         writeFile(target, old);
-        bool reached = false;
-        int result = 0;
-        {
-          const FailingApi api(failAt, shorten);
-          result = operation(folder.path().c_str(), target.c_str());
-          reached = api.reached();
+        EarlyEnd files;
+        if (kind == earlyEnd) {
+          files.left = nth;
+        } else {
+          files.arm({.fault = kind == failure ? Fault::fail : Fault::shorten,
+                     .call = kind == failure ? "" : "write",
+                     .nth = nth});
         }
-        EXPECT_EQ(result, reached ? 1 : 0) << failAt;
-        EXPECT_EQ(readFile(target) == old, reached) << failAt;
-        EXPECT_EQ(filesIn(folder.path()), 4u) << failAt;
+        const int result = operation();
+        const bool reached = files.met() || (kind == earlyEnd && files.left <= 0);
+        files.arm({});
+        EXPECT_EQ(result, reached ? 1 : 0) << nth;
+        EXPECT_EQ(readFile(target) == old, reached) << nth;
+        EXPECT_EQ(filesIn(folder.path()), 4u) << nth;
         if (!reached || HasFailure()) break;
       }
     }
