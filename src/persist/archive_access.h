@@ -37,6 +37,7 @@ struct ArchiveAccess<ZoArchive> {
   static bool cameShort(const ZoArchive&) { return readState().cameShort; }
   static bool enter(const ZoArchive& archive);
   static void leave(const ZoArchive&) { --readState().depth; }
+  static void readKey(ZoArchive& archive, ZoString& key) { archive.read(key); }
 };
 
 template <>
@@ -47,7 +48,8 @@ struct ArchiveAccess<ReadArchive> {
   }
   static bool cameShort(const ReadArchive&) { return false; }
   static bool enter(ReadArchive& archive);
-  static void leave(ReadArchive& archive) { --archive.depth_; }
+  static void leave(ReadArchive& archive);
+  static void readKey(ReadArchive& archive, ZoString& key);
 };
 
 template <>
@@ -84,12 +86,14 @@ void readText(Archive& archive, std::uint32_t count, Take take) {
 
 template <class Archive>
 void readString(Archive& archive, ZoString& value) {
-  value = ZoString();
   unsigned int count = 0;
   archive.read(count);
-  if (count > 0) {
-    readText(archive, count, [&](std::wstring_view text) { value = ZoString(text); });
+  if (count == 0) {
+    value = ZoString();
+    return;
   }
+  // Within the string's own memory, where it fits.
+  readText(archive, count, [&](std::wstring_view text) { value.replace(0, ZoString::npos, text); });
 }
 
 template <class Archive>

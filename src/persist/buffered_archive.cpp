@@ -3,6 +3,7 @@
 
 #include <limits>
 
+#include "persist/shared_keys.h"
 #include "persist/variant_layout.h"
 
 namespace zo {
@@ -35,6 +36,18 @@ bool ArchiveAccess<ReadArchive>::enter(ReadArchive& archive) {
   return true;
 }
 
+void ArchiveAccess<ReadArchive>::leave(ReadArchive& archive) {
+  if (--archive.depth_ == 0) archive.keys_.reset();
+}
+
+void ArchiveAccess<ReadArchive>::readKey(ReadArchive& archive, ZoString& key) {
+  if (!archive.keys_) archive.keys_ = std::make_unique<SharedKeys>();
+  unsigned int count = 0;
+  archive.read(count);
+  readText(archive, count, [&](std::wstring_view text) { key = archive.keys_->get(text); });
+}
+
+ReadArchive::ReadArchive() = default;
 ReadArchive::~ReadArchive() = default;
 
 void ReadArchive::fail(const wchar_t* message) const { failAt(offset(), L"read", message); }

@@ -1,23 +1,19 @@
 #include <zo/persist/memory_archive.h>
 
-#include <algorithm>
+#include "platform/growing_memory.h"
 
 ZoMemoryReadArchive::~ZoMemoryReadArchive() = default;
 
 bool ZoMemoryReadArchive::refill() { return false; }
 
+ZoMemoryWriteArchive::ZoMemoryWriteArchive() : memory_(std::make_unique<zo::GrowingMemory>()) {}
 ZoMemoryWriteArchive::~ZoMemoryWriteArchive() = default;
 
 void ZoMemoryWriteArchive::overflow(const void* data, std::size_t size) {
-  constexpr std::size_t kFirstCapacity = 4096;
   const auto used = static_cast<std::size_t>(next_ - begin_);
-  const auto capacity = static_cast<std::size_t>(end_ - begin_);
-  const std::size_t wanted = std::max({used + size, 2 * capacity, kFirstCapacity});
-  std::unique_ptr<std::byte[]> larger(new std::byte[wanted]);
-  if (used > 0) std::memcpy(larger.get(), begin_, used);
-  std::memcpy(larger.get() + used, data, size);
-  memory_ = std::move(larger);
-  begin_ = memory_.get();
+  memory_->grow(used, used + size);
+  begin_ = memory_->data();
+  end_ = begin_ + memory_->capacity();
+  std::memcpy(begin_ + used, data, size);
   next_ = begin_ + used + size;
-  end_ = begin_ + wanted;
 }

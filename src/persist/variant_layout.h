@@ -14,12 +14,34 @@ static_assert(ZoVariant::kGuid == static_cast<unsigned int>(StoredKind::Guid));
 
 // ---- Writing ----
 
-template <class Archive, class Container, class WriteEntry>
-void writeContainer(Archive& archive, const Container& container, const wchar_t* scope,
-                    WriteEntry writeEntry) {
-  archive.pushScope(scope);
-  archive.write(container.entries(), L"Entries");
-  for (const auto& entry : container) writeEntry(entry);
+template <class Archive>
+void writeSequence(Archive& archive, const ZoVariant::Sequence& sequence) {
+  archive.pushScope(L"List");
+  archive.write(sequence.entries(), L"Entries");
+  for (const ZoVariant& element : sequence) archive.write(element, L"");
+  archive.popScope();
+}
+
+// Entries lie all over memory: some are fetched together, so that the waits for them overlap.
+template <class Archive>
+void writeDict(Archive& archive, const ZoVariant::Dict& dict) {
+  constexpr unsigned int kTogether = 16;
+  archive.pushScope(L"HashDictionary");
+  archive.write(dict.entries(), L"Entries");
+  DictCursor cursors[kTogether];
+  unsigned int count = kTogether;
+  for (DictCursor at; count == kTogether;) {
+    for (count = 0; count < kTogether; ++count) {
+      dict.walk(at);
+      if (!at.node) break;
+      cursors[count] = at;
+      prefetch(static_cast<const ZoString*>(at.key)->data());
+    }
+    for (unsigned int i = 0; i < count; ++i) {
+      archive.write(*static_cast<const ZoString*>(cursors[i].key), L"Key");
+      archive.write(*static_cast<const ZoVariant*>(cursors[i].value), L"");
+    }
+  }
   archive.popScope();
 }
 
@@ -48,13 +70,9 @@ void writeVariantValue(Archive& archive, const ZoVariant& value, const wchar_t* 
     case ZoVariant::kGuid:
       return archive.write(value.asGuid(), name);
     case ZoVariant::kDict:
-      return writeContainer(archive, *value.asDict(), L"HashDictionary", [&](const auto& entry) {
-        archive.write(entry.key, L"Key");
-        archive.write(entry.value, L"");
-      });
+      return writeDict(archive, *value.asDict());
     case ZoVariant::kSequence:
-      return writeContainer(archive, *value.asSequence(), L"List",
-                            [&](const ZoVariant& element) { archive.write(element, L""); });
+      return writeSequence(archive, *value.asSequence());
     default:
       return;
   }
@@ -121,7 +139,7 @@ struct VariantBuilder {
   static void readEntry(ZoVariant& dict, Archive& archive) {
     ZoString key;
     ZoVariant value;
-    archive.read(key);
+    ArchiveAccess<Archive>::readKey(archive, key);
     archive.read(value);
     if (ArchiveAccess<Archive>::cameShort(archive)) return;
     check(dict.asDict()->insertAt(std::move(key), std::move(value)));

@@ -2,7 +2,6 @@
 // each time, and memory in proportion to the data.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <random>
 
 #include "persist/crc32.h"
@@ -17,15 +16,6 @@ namespace {
 
 constexpr int kKinds = 10;
 constexpr int kLzmaKinds = 4;
-
-// Half a million in all; decoding LZMA takes longer.
-int mutationsOf(int kind) {
-#ifdef ZO_GUARDED
-  return kind < kLzmaKinds ? 500 : 1000;
-#else
-  return kind < kLzmaKinds ? 26000 : 66000;
-#endif
-}
 
 ByteVector specimen(int kind) {
   const ByteVector content = sampleContent(300 + 40 * static_cast<std::size_t>(kind), 20 + kind);
@@ -44,38 +34,6 @@ ByteVector specimen(int kind) {
                              n < 3 ? Check::raw : Check::standard);
     }
   }
-}
-
-ByteVector mutated(const ByteVector& original, std::mt19937& random) {
-  ByteVector bytes = original;
-  for (unsigned int changes = 1 + random() % 4; changes > 0 && !bytes.empty(); --changes) {
-    const std::size_t at = random() % bytes.size();
-    const auto place = bytes.begin() + static_cast<std::ptrdiff_t>(at);
-    switch (random() % 8) {
-      case 0:
-        bytes.resize(at);
-        break;
-      case 1:
-        bytes.insert(place, static_cast<unsigned char>(random()));
-        break;
-      case 2:
-        bytes.erase(place);
-        break;
-      case 3:
-        bytes[at] = std::array<unsigned char, 4>{0, 0xFF, 0x7F, 0x5D}[random() % 4];
-        break;
-      case 4:  // header and trailer
-        if (bytes.size() >= 13) {
-          const std::array<std::uint32_t, 5> values = {0, 1, 0xFFFFFFFF, 0x80000000, 4096};
-          const std::array<std::size_t, 3> places = {1, bytes.size() - 8, bytes.size() - 4};
-          store32(&bytes[places[random() % 3]], values[random() % 5]);
-        }
-        break;
-      default:
-        bytes[at] = static_cast<unsigned char>(bytes[at] ^ 1u << random() % 8);
-    }
-  }
-  return bytes;
 }
 
 // The promise of ZoExplode's header.
@@ -112,7 +70,8 @@ class Mutations : public testing::TestWithParam<int> {};
 TEST_P(Mutations, GiveAnErrorOrADefinedResult) {
   const ByteVector original = specimen(GetParam());
   std::mt19937 random(static_cast<unsigned int>(GetParam()) + 1000);
-  for (int i = 0; i < mutationsOf(GetParam()) && !HasFailure(); ++i) {
+  const int count = mutationCount(GetParam() < kLzmaKinds ? 500 : 1000);
+  for (int i = 0; i < count && !HasFailure(); ++i) {
     const ByteVector container = mutated(original, random);
     expectDefined(container);
     if (i % 8 == 0) expectDefinedStreamedAndBounded(container);

@@ -1,4 +1,4 @@
-// The hexdumps of docs/formats/compressed-container.md are what the code writes and reads.
+// The examples of docs/formats are what the code writes and reads.
 #include <gtest/gtest.h>
 #include <zo/compress.h>
 
@@ -6,6 +6,7 @@
 #include <sstream>
 #include <string>
 
+#include "persist/archive_support.h"
 #include "persist/implode_tables.h"
 #include "persist/persist_support.h"
 
@@ -14,23 +15,29 @@ using namespace zo::test;
 
 namespace {
 
-std::string document() {
-  const ByteVector bytes = sourceFile("docs/formats/compressed-container.md");
+std::string document(const char* name) {
+  const ByteVector bytes = sourceFile(std::string("docs/formats/") + name);
   std::string text(bytes.begin(), bytes.end());
   std::erase(text, '\r');
   return text;
 }
 
-// The bytes of the hexdump of this name: an offset of eight digits, two spaces, bytes with single
-// spaces, two spaces, a remark.
-ByteVector hexdump(const std::string& name) {
-  const std::string text = document(), opening = "```hexdump " + name + "\n";
+// What stands between a line "```TITLE" and "```".
+std::string block(const char* name, const std::string& title) {
+  const std::string text = document(name), opening = "```" + title + "\n";
   const std::size_t begin = text.find(opening);
-  EXPECT_NE(begin, std::string::npos) << name;
+  EXPECT_NE(begin, std::string::npos) << title;
   if (begin == std::string::npos) return {};
-  std::istringstream lines(text.substr(begin + opening.size()));
+  const std::size_t first = begin + opening.size();
+  return text.substr(first, text.find("```", first) - first);
+}
+
+// The bytes of a hexdump: an offset of eight digits, two spaces, bytes with single spaces, two
+// spaces, a remark.
+ByteVector hexdump(const std::string& text) {
+  std::istringstream lines(text);
   ByteVector bytes;
-  for (std::string line; std::getline(lines, line) && line != "```";) {
+  for (std::string line; std::getline(lines, line);) {
     EXPECT_EQ(std::stoul(line.substr(0, 8), nullptr, 16), bytes.size()) << line;
     for (std::size_t at = 10; at < line.size() && line[at] != ' '; at += 3) {
       bytes.push_back(static_cast<unsigned char>(std::stoul(line.substr(at, 2), nullptr, 16)));
@@ -39,10 +46,37 @@ ByteVector hexdump(const std::string& name) {
   return bytes;
 }
 
+constexpr const char* kContainers = "compressed-container.md";
+
 }  // namespace
 
+TEST(FormatDocument, ArchiveIsWhatIsWrittenReadAndDumped) {
+  const auto write = [](ZoArchive& to) {
+    ZoHashDict<ZoVariant, ZoString> part;
+    part.insertAt(L"length", ZoVariant(ZoArray<ZoVariant>{ZoVariant(40.0, ZoTypeCode::Length), 7},
+                                       ZoTypeCode::Array));
+    to.write(L"M20", nullptr);
+    to.write(ZoVector::s_negZAxis, nullptr);
+    to.write(ZoVariant(std::move(part), ZoTypeCode::Part, ZoFlagConstant), L"Part");
+  };
+  ZoMemoryWriteArchive archive;
+  write(archive);
+  EXPECT_EQ(toBytes(archive.bytes()), hexdump(block("archive.md", "hexdump archive")));
+  ZoMemoryReadArchive back(archive.bytes());
+  ZoString text;
+  ZoVector vector;
+  ZoVariant part;
+  back >> text >> vector >> part;
+  EXPECT_EQ(part.find(L"length/1")->asInt(), 7);
+  ZoDumpArchive dump;
+  write(dump);
+  const std::string expected = block("archive.md", "dump");
+  EXPECT_EQ(dump.dump().view().substr(1),
+            ZoString().setFromMB(expected.c_str()).strip(ZoString::trailing, L"\n").view());
+}
+
 TEST(FormatDocument, LzmaContainerIsWhatIsWrittenAndRead) {
-  const ByteVector bytes = hexdump("lzma");
+  const ByteVector bytes = hexdump(block(kContainers, "hexdump lzma"));
   char* out = nullptr;
   unsigned int size = 0;
   ASSERT_EQ(ZoCompress(ZoZip::normal)("M8x20 M8x40 M8x60", out, size), 0);
@@ -54,7 +88,7 @@ TEST(FormatDocument, LzmaContainerIsWhatIsWrittenAndRead) {
 }
 
 TEST(FormatDocument, LegacyContainerIsWhatIsRead) {
-  const ByteVector bytes = hexdump("legacy");
+  const ByteVector bytes = hexdump(block(kContainers, "hexdump legacy"));
   EXPECT_EQ(bytes, sourceFile("tests/data/implode/aiaia.std.legacy"));
   const Exploded exploded = explode(bytes);
   EXPECT_EQ(exploded.result, 0);
@@ -62,7 +96,7 @@ TEST(FormatDocument, LegacyContainerIsWhatIsRead) {
 }
 
 TEST(FormatDocument, LengthsOfTheLiteralCodesAreThoseOfTheDecoder) {
-  const std::string text = document();
+  const std::string text = document(kContainers);
   std::istringstream numbers(text.substr(text.find("```\n11 12 12") + 4));
   for (std::size_t symbol = 0; symbol < 256; ++symbol) {
     int bits = 0;

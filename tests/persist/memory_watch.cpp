@@ -14,7 +14,7 @@ struct Watched {
   std::size_t requests = 0;
   std::size_t live = 0;
   std::size_t peak = 0;
-  std::unordered_map<void*, std::size_t> sizes;  // its own memory comes from the runtime's DLL
+  std::unordered_map<void*, std::size_t> sizes;
 };
 Watched g_watch;
 
@@ -24,9 +24,11 @@ bool refuses() {
   return true;
 }
 
-[[maybe_unused]] void add(void* block, std::size_t size) {
+void add(void* block, std::size_t size) {
   if (!g_watch.active || !block) return;
+  g_watch.active = false;  // for the table's own memory
   g_watch.sizes[block] = size;
+  g_watch.active = true;
   g_watch.live += size;
   g_watch.peak = std::max(g_watch.peak, g_watch.live);
 }
@@ -36,7 +38,9 @@ bool refuses() {
   const auto found = g_watch.sizes.find(block);
   if (found == g_watch.sizes.end()) return;
   g_watch.live -= found->second;
+  g_watch.active = false;
   g_watch.sizes.erase(found);
+  g_watch.active = true;
 }
 
 }  // namespace
@@ -69,7 +73,23 @@ void __wrap_free(void* block) {
   __real_free(block);
 }
 }
+#else
+#define __real_malloc std::malloc
+#define __wrap_free std::free
 #endif
+
+// What throws is counted and never refused.
+void* operator new(std::size_t size) {
+  void* const block = __real_malloc(size > 0 ? size : 1);
+  if (!block) throw std::bad_alloc();
+  add(block, size);
+  return block;
+}
+void* operator new[](std::size_t size) { return ::operator new(size); }
+void operator delete(void* block) noexcept { __wrap_free(block); }
+void operator delete[](void* block) noexcept { __wrap_free(block); }
+void operator delete(void* block, std::size_t) noexcept { __wrap_free(block); }
+void operator delete[](void* block, std::size_t) noexcept { __wrap_free(block); }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   if (refuses()) return nullptr;

@@ -1,8 +1,8 @@
 // Watches the memory that the code under test takes from the C heap, and lets it run out.
 //
 // It sees malloc and realloc as this program's own objects call them (the linker leads them here),
-// and the operator new that gives null. With a linker that cannot do this it sees only the latter
-// and counts nothing. One watch at a time, on one thread.
+// and operator new, of which only that which gives null can run out. With a linker that cannot do
+// this it sees operator new alone. One watch at a time, on one thread.
 #pragma once
 
 #include <cstddef>

@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 #include <zo/persist/explode.h>
 
+#include <array>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <random>
+
+#include "persist/little_endian.h"
 
 namespace zo::test {
 
@@ -69,6 +71,43 @@ ByteVector lzmaContainer(Bytes content, int level) {
   ByteVector container;
   EXPECT_EQ(LzmaUtils::LzmaCompressData(container, content.data(), content.size(), level, 0), 0);
   return container;
+}
+
+ByteVector mutated(const ByteVector& original, std::mt19937& random) {
+  ByteVector bytes = original;
+  for (unsigned int changes = 1 + random() % 4; changes > 0 && !bytes.empty(); --changes) {
+    const std::size_t at = random() % bytes.size();
+    const auto place = bytes.begin() + static_cast<std::ptrdiff_t>(at);
+    switch (random() % 8) {
+      case 0:
+        bytes.resize(at);
+        break;
+      case 1:
+        bytes.insert(place, static_cast<unsigned char>(random()));
+        break;
+      case 2:
+        bytes.erase(place);
+        break;
+      case 3:
+        bytes[at] = std::array<unsigned char, 6>{0, 1, 8, 0xFF, 0x7F, 0x5D}[random() % 6];
+        break;
+      case 4:  // header and trailer
+        if (bytes.size() >= 13) {
+          const std::array<std::uint32_t, 5> values = {0, 1, 0xFFFFFFFF, 0x80000000, 4096};
+          const std::array<std::size_t, 3> places = {1, bytes.size() - 8, bytes.size() - 4};
+          store32(&bytes[places[random() % 3]], values[random() % 5]);
+        }
+        break;
+      default:
+        bytes[at] = static_cast<unsigned char>(bytes[at] ^ 1u << random() % 8);
+    }
+  }
+  return bytes;
+}
+
+int mutationCount(int ordinary) {
+  const char* const wanted = std::getenv("ZO_MUTATIONS");
+  return wanted ? std::atoi(wanted) : ordinary;
 }
 
 }  // namespace zo::test

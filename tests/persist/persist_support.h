@@ -1,6 +1,7 @@
 // What the compression suites share: data files and the operations under test as plain functions.
 #pragma once
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -28,5 +29,11 @@ Exploded explodeStreamed(Bytes container);
 // Content that is worth compressing: words, runs, and noise.
 ByteVector sampleContent(std::size_t size, unsigned int seed);
 ByteVector lzmaContainer(Bytes content, int level);
+
+// The bytes with a few changes: cut, longer, shorter, flipped bits, telling values.
+ByteVector mutated(const ByteVector& original, std::mt19937& random);
+// How many mutations a test tries; the environment's ZO_MUTATIONS takes the place of the ordinary
+// number. The last long run was one of 500000.
+int mutationCount(int ordinary);
 
 }  // namespace zo::test

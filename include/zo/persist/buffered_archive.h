@@ -6,7 +6,8 @@
 //          a file that cannot be read or written. position() is then the offset, counted from where
 //          the archive began (2^31 - 1 where it is more); message() says what was being read. An
 //          archive that has thrown goes on from where it stands.
-// Threads: one thread at a time per archive.
+// Threads: one thread at a time per archive. Equal keys in the dictionaries of one variant share
+//          their text when they come from these archives.
 // Memory:  reading n bytes takes at most 64 KiB + 160 n, of which empty dictionaries are the worst;
 //          texts and lists take a few times their bytes.
 #pragma once
@@ -16,8 +17,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 
 namespace zo {
+
+class SharedKeys;
 
 class ZO_COM_API ReadArchive : public ZoArchive {
  public:
@@ -59,7 +63,7 @@ class ZO_COM_API ReadArchive : public ZoArchive {
   void read(bool& value) final;
 
  protected:
-  ReadArchive() = default;
+  ReadArchive();
   // What is read next; the bytes must stay until the next call of refill.
   void setWindow(const std::byte* bytes, std::size_t size) noexcept {
     next_ = bytes;
@@ -90,6 +94,7 @@ class ZO_COM_API ReadArchive : public ZoArchive {
   const std::byte* end_ = nullptr;
   std::uint64_t windowEnd_ = 0;
   unsigned int depth_ = 0;
+  std::unique_ptr<SharedKeys> keys_;  // of the variant that is being read
 };
 
 class ZO_COM_API WriteArchive : public ZoArchive {

@@ -13,6 +13,10 @@
 #include <memory>
 #include <span>
 
+namespace zo {
+class GrowingMemory;
+}
+
 // Reads bytes that the caller keeps; behind the last one it throws.
 class ZO_COM_API ZoMemoryReadArchive final : public zo::ReadArchive {
  public:
@@ -30,10 +34,10 @@ class ZO_COM_API ZoMemoryReadArchive final : public zo::ReadArchive {
   bool refill() override;
 };
 
-// Collects what is written; its memory doubles as it fills.
+// Collects what is written, in one block that grows as it fills.
 class ZO_COM_API ZoMemoryWriteArchive final : public zo::WriteArchive {
  public:
-  ZoMemoryWriteArchive() = default;
+  ZoMemoryWriteArchive();
   ~ZoMemoryWriteArchive() override;
 
   // Valid until the next write.
@@ -44,5 +48,5 @@ class ZO_COM_API ZoMemoryWriteArchive final : public zo::WriteArchive {
  private:
   void overflow(const void* data, std::size_t size) override;
 
-  std::unique_ptr<std::byte[]> memory_;
+  std::unique_ptr<zo::GrowingMemory> memory_;
 };

@@ -173,7 +173,11 @@ class ZoHashDict : public ZoDict<T, K> {
     auto* node = static_cast<ZoVHashNode*>(cursor.node);
     unsigned bucket = node ? table->bucketOf(node->hash) + 1 : 0;
     node = node ? node->next : nullptr;
-    for (; !node && bucket < buckets(); ++bucket) node = *table->chain(bucket);
+    for (; !node && bucket < buckets(); ++bucket) {
+      // Nodes lie anywhere: ask in time for those that come soon.
+      if (bucket + kAhead < buckets()) zo::prefetch(*table->chain(bucket + kAhead));
+      node = *table->chain(bucket);
+    }
     cursor.node = node;
     if (node) {
       cursor.key = &static_cast<zo::HashNode<T, K>*>(node)->key;
@@ -197,6 +201,7 @@ class ZoHashDict : public ZoDict<T, K> {
   friend class ZoHashDictCIterator;
 
   using Node = zo::HashNode<T, K>;
+  static constexpr unsigned kAhead = 12;  // buckets
 
   static void check(int status) {
     if (status == ZoResult::outOfMemory) throw std::bad_alloc();

@@ -19,6 +19,13 @@ namespace zo {
 [[nodiscard]] ZO_COM_API void* allocateBlock(std::size_t bytes, std::size_t alignment) noexcept;
 ZO_COM_API void freeBlock(void* block, std::size_t alignment) noexcept;  // null is allowed
 
+// Starts to fetch what lies there, while other work goes on. Any address will do.
+inline void prefetch([[maybe_unused]] const void* address) noexcept {
+#if defined(__GNUC__)
+  __builtin_prefetch(address);
+#endif
+}
+
 class ZO_COM_API NodePool {
  public:
   NodePool(std::size_t nodeSize, std::size_t alignment) noexcept;
