@@ -1,4 +1,5 @@
 // Copying, appending and moving whole files.
+#include "files/fresh_file.h"
 #include "files/ftp.h"
 #include "files/replace_file.h"
 #include "files/std_file_system_imp.h"
@@ -29,29 +30,30 @@ bool pour(HANDLE from, HANDLE to) {
   }
 }
 
-// Opens the target of append; `made` says whether it was not there.
-zo::OpenFile openForAppending(const wchar_t* name, bool mustExist, bool& made) {
-  const zo::SystemPath path(name);
-  constexpr DWORD kShare = FILE_SHARE_READ;
-  zo::OpenFile file(
-      zo::fileApi().create(path, GENERIC_WRITE, kShare, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL));
-  made = !file && !mustExist && GetLastError() == ERROR_FILE_NOT_FOUND;
-  if (made) {
-    file = zo::OpenFile(
-        zo::fileApi().create(path, GENERIC_WRITE, kShare, CREATE_NEW, FILE_ATTRIBUTE_NORMAL));
+// Makes a target of append that was not there, as a whole or not at all.
+bool pourIntoNew(HANDLE from, const ZoFileName& target) {
+  zo::FreshFile fresh = zo::createFresh(zo::stemBeside(target), zo::kEndingBeside, GENERIC_WRITE, 0,
+                                        FILE_ATTRIBUTE_NORMAL);
+  if (!fresh.file) return false;
+  if (pour(from, fresh.file.get()) && fresh.file.close() &&
+      zo::putInPlace(fresh.name, target, true)) {
+    return true;
   }
-  return file;
+  const zo::KeptError kept;
+  fresh.file.close();
+  zo::discard(fresh.name);
+  return false;
 }
 
-// Brings the target of append back to what it was.
-void takeBack(zo::OpenFile& file, const wchar_t* name, bool made, std::int64_t size) {
+// Adds to the end, or brings the file back to what it was.
+bool pourBehind(HANDLE from, zo::OpenFile& target) {
+  zo::FileApi& api = zo::fileApi();
+  std::int64_t size = -1;
+  if (!api.seek(target.get(), 0, FILE_END, size)) return false;
+  if (pour(from, target.get())) return target.close();
   const zo::KeptError kept;
-  if (made) {
-    file.close();
-    zo::fileApi().removeFile(zo::SystemPath(name));
-  } else if (size >= 0 && zo::fileApi().seek(file.get(), size, FILE_BEGIN, size)) {
-    zo::fileApi().setEnd(file.get());
-  }
+  if (api.seek(target.get(), size, FILE_BEGIN, size)) api.setEnd(target.get());
+  return false;
 }
 
 }  // namespace
@@ -67,15 +69,11 @@ int ZoStdFileSystemImp::append(const ZoFileName& from, const ZoFileName& to, boo
   const zo::OpenFile source(api.create(zo::SystemPath(from.fullName()), GENERIC_READ,
                                        FILE_SHARE_READ, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN));
   if (!source) return report(L"append");
-  bool made = false;
-  zo::OpenFile target = openForAppending(to.fullName(), mustExist, made);
-  if (!target) return report(L"append");
-  std::int64_t size = -1;
-  if (!api.seek(target.get(), 0, FILE_END, size) || !pour(source.get(), target.get())) {
-    takeBack(target, to.fullName(), made, size);
-    return report(L"append");
-  }
-  return result(target.close(), L"append");
+  zo::OpenFile target(api.create(zo::SystemPath(to.fullName()), GENERIC_WRITE, FILE_SHARE_READ,
+                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL));
+  if (target) return result(pourBehind(source.get(), target), L"append");
+  const bool makesIt = !mustExist && GetLastError() == ERROR_FILE_NOT_FOUND;
+  return result(makesIt && pourIntoNew(source.get(), to), L"append");
 }
 
 int ZoStdFileSystemImp::move(const ZoFileName& from, const ZoFileName& to) {

@@ -51,13 +51,13 @@ class FileTest : public ::testing::Test {
   }
   // "(none)" for a file that is not there.
   static std::string bytesOf(const ZoFileName& name) {
-    std::ifstream in(std::filesystem::path(name.fullName()), std::ios::binary | std::ios::ate);
+    std::ifstream in(std::filesystem::path(name.fullName()), std::ios::binary);
     if (!in) return "(none)";
-    std::string bytes(static_cast<size_t>(in.tellg()), '\0');
-    in.seekg(0);
-    in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    return bytes;
+    return {std::istreambuf_iterator<char>(in), {}};
   }
+  static ZoFileSystem& fs() { return ZoSystem::fileSystem(); }
+  // Whether the service keeps this error.
+  static void expectError(DWORD error) { EXPECT_EQ(fs().errorTxt().view(), messageOf(error)); }
   static bool exists(const ZoFileName& name) {
     return GetFileAttributesW(name.fullName()) != INVALID_FILE_ATTRIBUTES;
   }

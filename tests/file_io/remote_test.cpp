@@ -1,8 +1,11 @@
 // Files of a server, on a real one.
-#include "file_io/faulty_files.h"
+#include <zo/files/file_transfer.h>
+#include <zo/files/find_file.h>
+
 #include "file_io/file_fixture.h"
 #include "file_io/ftp_server.h"
 #include "files/ftp.h"
+#include "support/faulty_files.h"
 
 namespace zo::test {
 namespace {
@@ -14,13 +17,11 @@ TEST(FtpNames, AreTakenApartWithTheirPort) {
   } const cases[] = {
       {L"ftp://h/x/y", L"h", L"", L"", L"/x/y", 0},
       {L"FTP://h", L"h", L"", L"", L"/", 0},
-      {L"ftp://h:2121/x", L"h", L"", L"", L"/x", 2121},
       {L"ftp://u@h/x", L"h", L"u", L"", L"/x", 0},
       {L"ftp://u:p@h:21/x", L"h", L"u", L"p", L"/x", 21},
       {L"ftp://u:p@q@h/x@y:z", L"h", L"u", L"p@q", L"/x@y:z", 0},
       {L"ftp://h:99999/x", L"h", L"", L"", L"/x", 0},
       {L"ftps://h/x", L"", L"", L"", L"", 0},  // not what is spoken here
-      {L"http://h/x", L"", L"", L"", L"", 0},
       {L"C:\\ftp", L"", L"", L"", L"", 0},
   };
   for (const Case& c : cases) {
@@ -39,9 +40,8 @@ TEST(FtpNames, AreTakenApartWithTheirPort) {
 using RemoteNames = FileTest;
 
 TEST_F(RemoteNames, HaveALocalPlaceThatNeverLeadsElsewhere) {
-  ZoFileSystem& fs = ZoSystem::fileSystem();
-  ZoFileName temp, local(L"unchanged");
-  ASSERT_EQ(fs.getTempPath(temp), 0);
+  ZoFileName temp, local;
+  ASSERT_EQ(fs().getTempPath(temp), 0);
   const std::wstring base = std::wstring(temp.view()) + L"zo_remote\\";
   const std::pair<const wchar_t*, const wchar_t*> cases[] = {
       {L"ftp://u:p@host/dir/f.dwg", L"host\\dir\\f.dwg"},
@@ -53,19 +53,19 @@ TEST_F(RemoteNames, HaveALocalPlaceThatNeverLeadsElsewhere) {
       {L"ftp://../f. ", L"_.._\\_f. _"},
   };
   for (const auto& [remote, place] : cases) {
-    EXPECT_EQ(fs.isRemote(ZoFileName(remote), local), 0);
+    EXPECT_EQ(fs().isRemote(ZoFileName(remote), local), 0);
     EXPECT_EQ(std::wstring(local.view()), base + place);
   }
   ZoFileName aliased(L"ftp://host/f");
   aliased.setLocalAlias(name(L"alias"));
-  EXPECT_EQ(fs.isRemote(aliased, local), 0);
+  EXPECT_EQ(fs().isRemote(aliased, local), 0);
   EXPECT_EQ(local, name(L"alias"));
-  for (const wchar_t* other : {L"C:\\f", L"http://host/f", L"", L"f"}) {
+  for (const wchar_t* other : {L"C:\\f", L"http://host/f", L""}) {
     local = L"unchanged";
-    EXPECT_EQ(fs.isRemote(ZoFileName(other), local), 1);
+    EXPECT_EQ(fs().isRemote(ZoFileName(other), local), 1);
+    EXPECT_EQ(fs().getRemote(ZoFileName(other), local), 3);
+    EXPECT_EQ(fs().putRemote(name(L"f"), ZoFileName(other)), 3);
     EXPECT_EQ(local, L"unchanged");
-    EXPECT_EQ(fs.getRemote(ZoFileName(other), local), 3);
-    EXPECT_EQ(fs.putRemote(name(L"f"), ZoFileName(other)), 3);
   }
 }
 
@@ -74,11 +74,15 @@ class Remote : public FileTest {
   void SetUp() override {
     ASSERT_TRUE(server_.isRunning()) << "there is no FTP server here (python3-pyftpdlib)";
   }
-  ZoFileSystem& fs() { return ZoSystem::fileSystem(); }
-  ZoFileName remote(const std::wstring& path) { return ZoFileName(server_.url(path).c_str()); }
+  ZoFileName remote(const std::wstring& path, const wchar_t* login = L"u:p@") {
+    return ZoFileName(server_.url(path, login).c_str());
+  }
   // On the server's disk.
   ZoFileName stored(const std::wstring& relative) {
     return ZoFileName((server_.folder() / relative).wstring().c_str());
+  }
+  auto entriesStored() {
+    return std::distance(std::filesystem::directory_iterator(server_.folder()), {});
   }
   FtpServer server_;
 };
@@ -86,84 +90,107 @@ class Remote : public FileTest {
 TEST_F(Remote, FilesGoToTheServerAndBack) {
   std::string content(300'000, '\0');
   for (size_t i = 0; i < content.size(); ++i) content[i] = static_cast<char>(i * 7);
-  put(name(L"f"), content);
-  EXPECT_EQ(fs().putRemote(name(L"f"), remote(L"/part.dwg")), 0);
-  EXPECT_TRUE(bytesOf(stored(L"part.dwg")) == content);
-  put(name(L"f"), "shorter");
-  EXPECT_EQ(fs().putRemote(name(L"f"), remote(L"/part.dwg")), 0) << "replaces";
-  EXPECT_EQ(bytesOf(stored(L"part.dwg")), "shorter");
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(server_.folder()), {}), 1);
-
+  for (const std::string& now : {content, std::string("shorter")}) {
+    put(name(L"f"), now);
+    EXPECT_EQ(fs().putRemote(name(L"f"), remote(L"/part.dwg")), 0);
+    EXPECT_TRUE(bytesOf(stored(L"part.dwg")) == now);
+  }
+  EXPECT_EQ(entriesStored(), 1);
   ZoFileName local = name(L"new folder\\below\\back");
   EXPECT_EQ(fs().getRemote(remote(L"/part.dwg"), local), 0);
-  EXPECT_EQ(bytesOf(local), "shorter");
-  put(stored(L"part.dwg"), "changed");
+  put(stored(L"part.dwg"), content);
   EXPECT_EQ(fs().getRemote(remote(L"/part.dwg"), local, true), 1);
-  EXPECT_EQ(fs().errorTxt().view(), messageOf(ERROR_FILE_EXISTS));
+  expectError(ERROR_FILE_EXISTS);
   EXPECT_EQ(bytesOf(local), "shorter");
   EXPECT_EQ(fs().getRemote(remote(L"/part.dwg"), local), 0);
-  EXPECT_EQ(bytesOf(local), "changed");
+  EXPECT_TRUE(bytesOf(local) == content);
   EXPECT_EQ(listing(),
             (Names{L"f", L"new folder\\", L"new folder\\below\\", L"new folder\\below\\back"}));
   // Without a name of its own the copy gets its place, and anonymous users may read.
   ZoFileName place, expected;
-  const ZoFileName anonymous(server_.url(L"/part.dwg", L"").c_str());
-  EXPECT_EQ(fs().getRemote(anonymous, place), 0);
-  EXPECT_EQ(fs().isRemote(anonymous, expected), 0);
+  EXPECT_EQ(fs().getRemote(remote(L"/part.dwg", L""), place), 0);
+  EXPECT_EQ(fs().isRemote(remote(L"/part.dwg", L""), expected), 0);
   EXPECT_EQ(place, expected);
-  EXPECT_EQ(bytesOf(place), "changed");
-  ZoFileName host = place;
-  host.setFileNameExt(nullptr);
-  EXPECT_EQ(fs().erase(host, ZoFileSystem::kTree), 0);
+  EXPECT_TRUE(bytesOf(place) == content);
+  place.setFileNameExt(nullptr);
+  EXPECT_EQ(fs().erase(place, ZoFileSystem::kTree), 0);
 }
 
 TEST_F(Remote, FailuresLeaveBothSidesAsTheyWere) {
   put(stored(L"f"), "server's");
+  put(stored(L"broken"), std::string(2'000'000, 'b'));
   put(name(L"local"), "ours");
   ZoFileName local = name(L"local");
   EXPECT_EQ(fs().getRemote(remote(L"/missing"), local), 1);
-  EXPECT_EQ(fs().getRemote(ZoFileName(server_.url(L"/f", L"u:wrong@").c_str()), local), 1);
+  EXPECT_EQ(fs().getRemote(remote(L"/f", L"u:wrong@"), local), 1);
+  EXPECT_EQ(fs().getRemote(remote(L"/broken"), local), 1) << "the server broke off";
   EXPECT_EQ(fs().putRemote(name(L"missing"), remote(L"/f")), 1);
-  EXPECT_EQ(fs().putRemote(name(L"local"), ZoFileName(server_.url(L"/f", L"").c_str())), 1)
-      << "anonymous users may not write";
-  EXPECT_EQ(fs().putRemote(name(L"local"), remote(L"/missing/f")), 1);
+  EXPECT_EQ(fs().putRemote(local, remote(L"/f", L"")), 1) << "anonymous users may not write";
+  EXPECT_EQ(fs().putRemote(local, remote(L"/missing/f")), 1);
   // The disk is full when the fetched file is to take its place.
   FaultyFiles files;
   files.arm({.fault = Fault::fail, .call = "move"});
   EXPECT_EQ(fs().getRemote(remote(L"/f"), local), 1);
-  EXPECT_EQ(fs().errorTxt().view(), messageOf(ERROR_DISK_FULL));
-  EXPECT_EQ(bytesOf(name(L"local")), "ours");
-  EXPECT_EQ(bytesOf(stored(L"f")), "server's");
+  expectError(ERROR_DISK_FULL);
+  EXPECT_EQ(bytesOf(name(L"local")) + bytesOf(stored(L"f")), "oursserver's");
   EXPECT_EQ(listing(), Names{L"local"});
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(server_.folder()), {}), 1);
-  put(stored(L"broken"), std::string(2'000'000, 'b'));
-  EXPECT_EQ(fs().getRemote(remote(L"/broken"), local), 1) << "the server broke off";
-  EXPECT_EQ(bytesOf(name(L"local")), "ours");
-  EXPECT_EQ(listing(), Names{L"local"});
+  EXPECT_EQ(entriesStored(), 2);
 }
 
 TEST_F(Remote, DirectoriesAreMadeRenamedAndErased) {
   EXPECT_EQ(fs().createDirectory(remote(L"/a")), 0);
   EXPECT_EQ(fs().createDirectory(remote(L"/a")), 1);
   EXPECT_EQ(fs().createDirectory(remote(L"/a/b")), 0);
-  put(stored(L"a\\b\\f"), "x");
-  put(stored(L"a\\one.bak"), "x");
-  put(stored(L"a\\two.dwg"), "x");
+  for (const wchar_t* file : {L"a\\b\\f", L"a\\1.bak", L"a\\2.BAK", L"a\\2.dwg"})
+    put(stored(file), "x");
   EXPECT_EQ(fs().move(remote(L"/a/b/f"), remote(L"/a/g")), 0);
   EXPECT_EQ(fs().move(remote(L"/a/missing"), remote(L"/a/h")), 1);
   EXPECT_EQ(bytesOf(stored(L"a\\g")), "x");
+  EXPECT_EQ(fs().erase(remote(L"/a/1.dwg"), ZoFileSystem::kBackups), 0) << "beside a file";
+  EXPECT_FALSE(exists(stored(L"a\\1.bak")));
+  EXPECT_TRUE(exists(stored(L"a\\2.BAK")));
   EXPECT_EQ(fs().erase(remote(L"/a/"), ZoFileSystem::kBackups), 0);
-  EXPECT_FALSE(exists(stored(L"a\\one.bak")));
-  EXPECT_TRUE(exists(stored(L"a\\two.dwg")));
+  EXPECT_FALSE(exists(stored(L"a\\2.BAK")));
+  EXPECT_TRUE(exists(stored(L"a\\2.dwg")));
   EXPECT_EQ(fs().erase(remote(L"/a/g"), ZoFileSystem::kFile), 0);
   EXPECT_EQ(fs().erase(remote(L"/a/g"), ZoFileSystem::kFile), 1);
   EXPECT_EQ(fs().erase(remote(L"/a"), ZoFileSystem::kDirectory), 1) << "not empty";
-  EXPECT_EQ(fs().erase(remote(L"/a/b"), ZoFileSystem::kDirectory), 0);
-  EXPECT_EQ(fs().createDirectory(remote(L"/a/deep")), 0);
-  put(stored(L"a\\deep\\f"), "x");
   EXPECT_EQ(fs().erase(remote(L"/"), ZoFileSystem::kTree), 1) << "never the root";
   EXPECT_EQ(fs().erase(remote(L"/a"), ZoFileSystem::kTree), 0);
-  EXPECT_TRUE(std::filesystem::is_empty(server_.folder()));
+  EXPECT_EQ(entriesStored(), 0);
+}
+
+TEST_F(Remote, FilesAreFoundAndTransferredByPattern) {
+  std::filesystem::create_directories(server_.folder() / L"p" / L"sub");
+  for (const wchar_t* file : {L"p\\1.dwg", L"p\\2.txt", L"p\\sub\\3.DWG"}) put(stored(file), "123");
+  ZoFindFile find;
+  Names found;
+  ASSERT_EQ(find.open(remote(L"/p/*.dwg"), true), 0);
+  while (find.next()) {
+    EXPECT_EQ(find.size(), 3);
+    found.emplace_back(find.path().substr(remote(L"/p/").fullNameSize()));
+  }
+  EXPECT_EQ(find.result(), 0);
+  std::sort(found.begin(), found.end());
+  EXPECT_EQ(found, (Names{L"1.dwg", L"sub/3.DWG"}));
+  find.setAttributes(ZoFindFile::kDirectory);
+  ASSERT_EQ(find.open(remote(L"")), 0) << "the host alone";
+  ASSERT_TRUE(find.next());
+  EXPECT_EQ(find.name(), remote(L"/p"));
+  EXPECT_EQ(find.open(remote(L"/missing/*")), 1);
+  EXPECT_EQ(find.open(remote(L"/p/*", L"u:wrong@")), 1);
+
+  // A server may have what would lead out of the folder here.
+  put(name(L"bad"), "bad");
+  EXPECT_EQ(fs().putRemote(name(L"bad"), remote(L"/p/..\\..\\bad.dwg")), 0);
+  EXPECT_EQ(fs().erase(name(L"bad"), ZoFileSystem::kFile), 0);
+  ZoFileTransfer transfer;
+  EXPECT_EQ(transfer.addTree(remote(L"/p/*.dwg"), name(L"t")), 1);
+  expectError(ERROR_INVALID_NAME);
+  EXPECT_EQ(transfer.entries(), 2u);
+  EXPECT_EQ(transfer.run(ZoFileTransfer::kMove), 0);
+  EXPECT_EQ(listing(), (Names{L"t\\", L"t\\1.dwg", L"t\\sub\\", L"t\\sub\\3.DWG"}));
+  EXPECT_FALSE(exists(stored(L"p\\1.dwg")));
 }
 
 }  // namespace

@@ -19,17 +19,15 @@ using names::modelParse;
 using names::set;
 using names::shown;
 
-using TextEdit = int (ZoFileName::*)(const wchar_t*);
-
-struct EditCase {
+struct Edit {
   const wchar_t *before, *text;
   int result;
   const wchar_t* after;
 };
 
 // After an edit the parts are those of the whole name.
-void expectEdits(TextEdit edit, const std::vector<EditCase>& cases) {
-  for (const EditCase& c : cases) {
+void expectEdits(int (ZoFileName::*edit)(const wchar_t*), std::initializer_list<Edit> cases) {
+  for (const Edit& c : cases) {
     SCOPED_TRACE(shown(c.before) + " + " + (c.text ? shown(c.text) : "null"));
     ZoFileName name(c.before);
     EXPECT_EQ((name.*edit)(c.text), c.result);
@@ -39,77 +37,40 @@ void expectEdits(TextEdit edit, const std::vector<EditCase>& cases) {
 
 // ---- Parts ----
 
-TEST(FileNameEdit, ADriveTakesThePlaceOfDriveOrVolume) {
-  expectEdits(&ZoFileName::setDrive, {
-                                         {L"C:\\a\\b.c", L"D", 0, L"D:\\a\\b.c"},
-                                         {L"C:\\a\\b.c", L"D:", 0, L"D:\\a\\b.c"},
-                                         {L"C:\\a\\b.c", L"", 0, L"\\a\\b.c"},
-                                         {L"C:b", nullptr, 0, L"b"},
-                                         {L"a\\b", L"c", 0, L"c:a\\b"},
-                                         {L"", L"c", 0, L"c:"},
-                                         {L"\\\\s\\t\\a\\b.c", L"D", 0, L"D:\\a\\b.c"},
-                                         {L"\\\\s\\t", L"D", 0, L"D:\\"},
-                                         {L"http://h/a/b.c", L"D", 0, L"D:/a/b.c"},
-                                         {L"cd://l/a", L"", 0, L"cd://l/a"},
-                                         {L"C:\\a", L"1", 7, L"C:\\a"},
-                                         {L"C:\\a", L"D:\\", 7, L"C:\\a"},
-                                         {L"C:\\a", L"::", 7, L"C:\\a"},
-                                         {L"$M'\\a", L"D", 7, L"$M'\\a"},
-                                     });
-}
-
-TEST(FileNameEdit, ADirectoryGetsItsFinalDelimiter) {
-  expectEdits(&ZoFileName::setDirectory, {
-                                             {L"C:\\a\\b.c", L"\\x\\y", 0, L"C:\\x\\y\\b.c"},
-                                             {L"C:\\a\\b.c", L"x/", 0, L"C:x/b.c"},
-                                             {L"C:\\a\\b.c", L"", 0, L"C:b.c"},
-                                             {L"b.c", L"x", 0, L"x\\b.c"},
-                                             {L"a\\b", nullptr, 0, L"b"},
-                                             {L"http://h/a/b", L"http://g/x", 0, L"http://g/x/b"},
-                                             {L"b", L"\\\\s\\t", 0, L"\\\\s\\t\\b"},
-                                             {L"$M'\\a\\b", L"x", 0, L"$M'\\x\\b"},
-                                             {L"a\\b", L"x*", 7, L"x*\\b"},
-                                             {L"a\\b", L"x|", 7, L"a\\b"},
-                                             {L"a\\b", L"xy:", 7, L"a\\b"},
-                                             {L"a\\b", L"$x", 1, L"a\\b"},
-                                         });
-}
-
-TEST(FileNameEdit, FileNameAndExtensionAreReplacedAndSplitAnew) {
-  expectEdits(&ZoFileName::setFileName, {
-                                            {L"C:\\a\\b.c", L"x", 0, L"C:\\a\\x.c"},
-                                            {L"C:\\a\\b.c", L"x.y", 0, L"C:\\a\\x.y.c"},
-                                            {L"", L"a.b", 0, L"a.b"},
-                                            {L"b.c", nullptr, 0, L".c"},
-                                            {L"C:\\a\\", L"x", 0, L"C:\\a\\x"},
-                                            {L"\\\\s\\t", L"x", 0, L"\\\\s\\t\\x"},
-                                            {L"http://h.com", L"x:y", 0, L"http://h.com/x:y"},
-                                            {L"b", L"x ", 8, L"x "},
-                                            {L"b", L"x:y", 7, L"b"},
-                                            {L"b", L"x\\y", 7, L"b"},
-                                            {L"b", L"x/y", 7, L"b"},
-                                            {L"b", L"x*", 7, L"b"},
-                                            {L"b", L"\"x\"", 7, L"b"},
-                                            {L"b.c", L"$x", 1, L"b.c"},
-                                        });
-  expectEdits(&ZoFileName::setExtension, {
-                                             {L"C:\\a\\b.c", L".x", 0, L"C:\\a\\b.x"},
-                                             {L"C:\\a\\b.c", L"x", 0, L"C:\\a\\b.x"},
-                                             {L"C:\\a\\b", L"x.y", 0, L"C:\\a\\b.x.y"},
-                                             {L"b.c", L"", 0, L"b"},
-                                             {L"http://h/b.c", L":x", 7, L"http://h/b.c"},
-                                             {L"b.c", L"x/y", 7, L"b.c"},
-                                             {L"b.c", L".", 9, L"b."},
-                                         });
-  expectEdits(&ZoFileName::setFileNameExt, {
-                                               {L"C:\\a\\b.c", L"x.y", 0, L"C:\\a\\x.y"},
-                                               {L"C:\\a\\b.c", L"x", 0, L"C:\\a\\x"},
-                                               {L"C:\\a\\b.c", L"", 0, L"C:\\a\\"},
-                                               {L"http://h/b", L"x:1.y", 0, L"http://h/x:1.y"},
-                                               {L"http://h/b", L"x.y:1", 7, L"http://h/b"},
-                                               {L"b.c", L"x\\y", 7, L"b.c"},
-                                               {L"b.c", L"x.y.", 9, L"x.y."},
-                                           });
+TEST(FileNameEdit, APartIsReplacedAndTheWholeSplitAnew) {
+  expectEdits(&ZoFileName::setDrive,
+              {Edit{L"C:\\a\\b.c", L"D", 0, L"D:\\a\\b.c"}, Edit{L"C:\\a", L"D:", 0, L"D:\\a"},
+               Edit{L"C:b", nullptr, 0, L"b"}, Edit{L"", L"c", 0, L"c:"},
+               Edit{L"\\\\s\\t\\a\\b.c", L"D", 0, L"D:\\a\\b.c"},
+               Edit{L"\\\\s\\t", L"D", 0, L"D:\\"}, Edit{L"http://h/a/b.c", L"D", 0, L"D:/a/b.c"},
+               Edit{L"cd://l/a", L"", 0, L"cd://l/a"}, Edit{L"C:\\a", L"1", 7, L"C:\\a"},
+               Edit{L"C:\\a", L"D:\\", 7, L"C:\\a"}, Edit{L"$M'\\a", L"D", 7, L"$M'\\a"}});
+  expectEdits(&ZoFileName::setDirectory,
+              {Edit{L"C:\\a\\b.c", L"x/", 0, L"C:x/b.c"}, Edit{L"b.c", L"x", 0, L"x\\b.c"},
+               Edit{L"a\\b", nullptr, 0, L"b"}, Edit{L"b", L"\\\\s\\t", 0, L"\\\\s\\t\\b"},
+               Edit{L"http://h/a/b", L"http://g/x", 0, L"http://g/x/b"},
+               Edit{L"$M'\\a\\b", L"x", 0, L"$M'\\x\\b"}, Edit{L"a\\b", L"x*", 7, L"x*\\b"},
+               Edit{L"a\\b", L"x|", 7, L"a\\b"}, Edit{L"a\\b", L"$x", 1, L"a\\b"}});
+  expectEdits(
+      &ZoFileName::setFileName,
+      {Edit{L"C:\\a\\b.c", L"x.y", 0, L"C:\\a\\x.y.c"}, Edit{L"", L"a.b", 0, L"a.b"},
+       Edit{L"b.c", nullptr, 0, L".c"}, Edit{L"\\\\s\\t", L"x", 0, L"\\\\s\\t\\x"},
+       Edit{L"http://h.com", L"x:y", 0, L"http://h.com/x:y"}, Edit{L"b", L"x ", 8, L"x "},
+       Edit{L"b", L"x:y", 7, L"b"}, Edit{L"b", L"x\\y", 7, L"b"}, Edit{L"b", L"x*", 7, L"b"},
+       Edit{L"b", L"\"x\"", 7, L"b"}, Edit{L"b.c", L"$x", 1, L"b.c"}});
+  expectEdits(&ZoFileName::setExtension,
+              {Edit{L"C:\\a\\b.c", L".x", 0, L"C:\\a\\b.x"}, Edit{L"b", L"x.y", 0, L"b.x.y"},
+               Edit{L"b.c", L"", 0, L"b"}, Edit{L"http://h/b.c", L":x", 7, L"http://h/b.c"},
+               Edit{L"b.c", L"x/y", 7, L"b.c"}, Edit{L"b.c", L".", 9, L"b."}});
+  expectEdits(&ZoFileName::setFileNameExt,
+              {Edit{L"C:\\a\\b.c", L"x", 0, L"C:\\a\\x"}, Edit{L"C:\\a\\b.c", L"", 0, L"C:\\a\\"},
+               Edit{L"http://h/b", L"x:1.y", 0, L"http://h/x:1.y"},
+               Edit{L"http://h/b", L"x.y:1", 7, L"http://h/b"}, Edit{L"b.c", L"x\\y", 7, L"b.c"}});
+  expectEdits(&ZoFileName::appendDirectory,
+              {Edit{L"C:\\a\\b.c", L"x", 0, L"C:\\a\\x\\b.c"}, Edit{L"b.c", L"\\x/", 0, L"x\\b.c"},
+               Edit{L"C:b", L"x\\y", 0, L"C:x\\y\\b"}, Edit{L"http://h", L"x", 0, L"http://h/x/"},
+               Edit{L"\\\\s\\t", L"x", 0, L"\\\\s\\t\\x\\"}, Edit{L"a\\b", nullptr, 1, L"a\\b"},
+               Edit{L"a\\b", L"//", 1, L"a\\b"}, Edit{L"a\\b", L"x|", 7, L"a\\b"}});
   ZoFileName self(L"C:\\a\\b.c");
   EXPECT_EQ(self.setFileName(self.extension() + 1), 0) << "a text of the name itself";
   EXPECT_EQ(self.setFullName(self.fullName() + 2), 0);
@@ -123,12 +84,10 @@ TEST(FileNameEdit, MakePathTakesAllFourParts) {
     const wchar_t* whole;
   };
   for (const Case& c :
-       {Case{L"C", L"\\a", L"b", L"c", 0, L"C:\\a\\b.c"},
-        Case{L"C:", L"\\a\\", L"b.x", L".c", 0, L"C:\\a\\b.x.c"},
+       {Case{L"C", L"\\a", L"b.x", L"c", 0, L"C:\\a\\b.x.c"},
         Case{nullptr, nullptr, nullptr, nullptr, 0, L""},
         Case{L"", L"a", nullptr, L"c", 0, L"a\\.c"},
         Case{nullptr, L"http://h/x", L"b:1", L"c", 0, L"http://h/x/b:1.c"},
-        Case{nullptr, L"\\\\s\\t", L"b", L"", 0, L"\\\\s\\t\\b"},
         Case{L"C", L"http://h/x", L"b", L"c", 7, L"C:http://h/x/b.c"},
         Case{L"1", L"a", L"b", L"c", 7, L"old"}, Case{L"C", L"<", L"b", L"c", 7, L"old"},
         Case{L"C", L"a", L"b:", L"c", 7, L"old"}, Case{L"C", L"a", L"b", L":", 7, L"old"}}) {
@@ -139,44 +98,21 @@ TEST(FileNameEdit, MakePathTakesAllFourParts) {
   }
 }
 
-TEST(FileNameEdit, DirectoryLevelsAreAddedRemovedAndWalked) {
-  expectEdits(&ZoFileName::appendDirectory, {
-                                                {L"C:\\a\\b.c", L"x", 0, L"C:\\a\\x\\b.c"},
-                                                {L"b.c", L"\\x/", 0, L"x\\b.c"},
-                                                {L"C:b", L"x\\y", 0, L"C:x\\y\\b"},
-                                                {L"", L"x", 0, L"x\\"},
-                                                {L"http://h/a", L"x", 0, L"http://h/x/a"},
-                                                {L"http://h.com", L"x", 0, L"http://h.com/x/"},
-                                                {L"\\\\s\\t", L"x", 0, L"\\\\s\\t\\x\\"},
-                                                {L"cd://l", L"x", 0, L"cd://l/x/"},
-                                                {L"a\\b", L"", 1, L"a\\b"},
-                                                {L"a\\b", nullptr, 1, L"a\\b"},
-                                                {L"a\\b", L"//", 1, L"a\\b"},
-                                                {L"a\\b", L"x|", 7, L"a\\b"},
-                                            });
+TEST(FileNameEdit, DirectoryLevelsAreWalkedAndRemoved) {
   struct Case {
     const wchar_t* text;
     std::vector<std::wstring> levels;
     const wchar_t* shortened;  // null when there is nothing to remove
   };
-  for (const Case& c : std::vector<Case>{
-           {L"C:\\a\\b\\f.x", {L"a", L"b"}, L"C:\\a\\f.x"},
-           {L"C:a\\f", {L"a"}, L"C:f"},
-           {L"\\a\\", {L"a"}, L"\\"},
-           {L"a\\\\..//b/f", {L"a", L"..", L"b"}, L"a\\\\..//f"},
-           {L"a\\\\f", {L"a"}, L"f"},
-           {L"\\\\s\\t\\a\\f", {L"a"}, L"\\\\s\\t\\f"},
-           {L"http://h/a.b/c/f", {L"a.b", L"c"}, L"http://h/a.b/f"},
-           {L"cd://l/a/f", {L"a"}, L"cd://l/f"},
-           {L"$M'\\a\\f", {L"a"}, L"$M'\\f"},
-           {L"C:\\f", {}, nullptr},
-           {L"\\\\s\\t", {}, nullptr},
-           {L"http://h", {}, nullptr},
-           {L"cd://l//", {}, nullptr},
-           {L"mailto:a/b/c", {}, nullptr},
-           {L"f", {}, nullptr},
-           {L"", {}, nullptr},
-       }) {
+  for (const Case& c :
+       {Case{L"C:\\a\\b\\f.x", {L"a", L"b"}, L"C:\\a\\f.x"}, Case{L"C:a\\f", {L"a"}, L"C:f"},
+        Case{L"a\\\\..//b/f", {L"a", L"..", L"b"}, L"a\\\\..//f"}, Case{L"\\a\\", {L"a"}, L"\\"},
+        Case{L"\\\\s\\t\\a\\f", {L"a"}, L"\\\\s\\t\\f"}, Case{L"cd://l/a/f", {L"a"}, L"cd://l/f"},
+        Case{L"http://h/a.b/c/f", {L"a.b", L"c"}, L"http://h/a.b/f"},
+        Case{L"$M'\\a\\f", {L"a"}, L"$M'\\f"}, Case{L"C:\\f", {}, nullptr},
+        Case{L"\\\\s\\t", {}, nullptr}, Case{L"http://h", {}, nullptr},
+        Case{L"cd://l//", {}, nullptr}, Case{L"mailto:a/b/c", {}, nullptr},
+        Case{L"", {}, nullptr}}) {
     SCOPED_TRACE(shown(c.text));
     ZoFileName name(c.text);
     ZoArray<ZoString> levels = {L"old"};
@@ -184,9 +120,8 @@ TEST(FileNameEdit, DirectoryLevelsAreAddedRemovedAndWalked) {
     EXPECT_TRUE(std::equal(levels.begin(), levels.end(), c.levels.begin(), c.levels.end()));
     for (const bool restart : {false, true}) {
       std::vector<std::wstring> walked;
-      for (const wchar_t* level = name.nextDirPart(restart); level; level = name.nextDirPart()) {
+      for (const wchar_t* level = name.nextDirPart(restart); level; level = name.nextDirPart())
         walked.push_back(level);
-      }
       EXPECT_EQ(walked, c.levels);
       EXPECT_EQ(name.nextDirPart(), nullptr) << "stays at the end";
     }
@@ -200,40 +135,31 @@ TEST(FileNameEdit, DirectoryLevelsAreAddedRemovedAndWalked) {
   EXPECT_STREQ(name.nextDirPart(), L"b") << "copies walk on their own";
   name.setFileName(L"g");
   EXPECT_STREQ(name.nextDirPart(), L"a") << "a change starts again";
+  ZoArray<ZoString> full(1);
+  full.setGrowSize(0);
+  EXPECT_EQ(name.getDirParts(full), 1);
 }
 
-TEST(FileNameEdit, AFullSequenceStopsGetDirParts) {
-  ZoArray<ZoString> levels(1);
-  levels.setGrowSize(0);
-  EXPECT_EQ(ZoFileName(L"a\\b\\f").getDirParts(levels), 1);
-  EXPECT_EQ(levels.entries(), 1u);
-}
-
-TEST(FileNameEdit, TheDelimiterOfAPlainNameIsForLaterLevels) {
+TEST(FileNameEdit, DelimiterCaseAndEmptying) {
   ZoFileName name(L"a\\f");
   EXPECT_EQ(name.setDelimiter(L'/'), 0);
-  EXPECT_STREQ(name.fullName(), L"a\\f");
+  EXPECT_STREQ(name.fullName(), L"a\\f") << "for levels to come";
   name.appendDirectory(L"b");
   name.setFileName(L"g");
   name.appendDirectory(L"c");
   EXPECT_STREQ(name.fullName(), L"a\\b/c/g");
-  EXPECT_EQ(name.delimiter(), L'/');
-  EXPECT_EQ(name.sysDelimiter(), L'\\');
-  name.setFullName(L"a");
+  name.setFullName(L"$Lib'\\Dir\\File.Ext");
   EXPECT_EQ(name.delimiter(), L'\\') << "a new name has its own";
-}
-
-TEST(FileNameEdit, CaseAndEmptying) {
-  ZoFileName name(L"$Lib'\\Dir\\File.Ext");
   name.setMacro(L"Lib", L"C:\\Root");
   EXPECT_EQ(name.toUpper(), 0);
   EXPECT_STREQ(name.fullName(), L"C:\\ROOT\\DIR\\FILE.EXT");
   EXPECT_STREQ(name.macro(), L"LIB");
-  EXPECT_STREQ(name.directory(), L"\\DIR\\");
   EXPECT_EQ(name.toLower(), 0);
   EXPECT_STREQ(name.fileNameExt(), L"file.ext");
   name.resetMacro(L"");
   expectParts(name, modelParse(L"\\dir\\file.ext"));
+  EXPECT_EQ(name.toUpper(), 0);
+  expectParts(name, modelParse(L"\\DIR\\FILE.EXT"));
   EXPECT_EQ(name.empty(), 0);
   expectParts(name, {});
 }
@@ -246,27 +172,21 @@ TEST(FileNameMacro, TheValueStandsInThePlaceOfTheMacro) {
     int result;
     const wchar_t *whole, *path, *reset;
   };
-  for (const Case& c : {
-           Case{L"a\\f.x", L"LIB", L"C:\\r", 0, L"C:\\r\\a\\f.x", L"\\a\\", L"C:\\r\\a\\f.x"},
-           Case{L"\\a\\f.x", L"LIB", L"C:\\r\\", 0, L"C:\\r\\a\\f.x", L"\\a\\", L"C:\\r\\a\\f.x"},
-           Case{L"c:/R/a/f", L"LIB", L"C:\\r", 0, L"C:\\r/a/f", L"/a/", L"C:\\r/a/f"},
-           Case{L"C:\\r", L"LIB", L"C:\\r", 0, L"C:\\r\\", L"\\", L"C:\\r\\"},
-           Case{L"http://h/x/y", L"WEB", L"http://h", 0, L"http://h/x/y", L"/x/", L"http://h/x/y"},
-           Case{L"$OLD'\\a\\f", L"LIB", L"C:\\r", 0, L"C:\\r\\a\\f", L"\\a\\", L"C:\\r\\a\\f"},
-           Case{L"a\\f", L"LIB", nullptr, 0, L"$LIB'\\a\\f", L"\\a\\", L"\\a\\f"},
-           Case{L"a\\f", L"LIB", L"", 0, L"$LIB'\\a\\f", L"\\a\\", L"\\a\\f"},
-           Case{L"a\\f", L"LIB", L"\\", 0, L"\\a\\f", L"\\a\\", L"\\a\\f"},
-           Case{L"C:\\root\\f", L"LIB", L"C:\\r", 1, L"C:\\root\\f", nullptr, nullptr},
-           Case{L"D:\\f", L"LIB", nullptr, 1, L"D:\\f", nullptr, nullptr},
-           Case{L"f", L"", L"C:\\r", 1, L"f", nullptr, nullptr},
-           Case{L"f", nullptr, L"C:\\r", 1, L"f", nullptr, nullptr},
-           Case{L"f", L"a'b", L"C:\\r", 7, L"f", nullptr, nullptr},
-       }) {
+  for (const Case& c :
+       {Case{L"\\a\\f.x", L"LIB", L"C:\\r\\", 0, L"C:\\r\\a\\f.x", L"\\a\\", L"C:\\r\\a\\f.x"},
+        Case{L"c:/R/a/f", L"LIB", L"C:\\r", 0, L"C:\\r/a/f", L"/a/", L"C:\\r/a/f"},
+        Case{L"C:\\r", L"LIB", L"C:\\r", 0, L"C:\\r\\", L"\\", L"C:\\r\\"},
+        Case{L"http://h/x/y", L"WEB", L"http://h", 0, L"http://h/x/y", L"/x/", L"http://h/x/y"},
+        Case{L"$OLD'\\a\\f", L"LIB", L"C:\\r", 0, L"C:\\r\\a\\f", L"\\a\\", L"C:\\r\\a\\f"},
+        Case{L"a\\f", L"LIB", nullptr, 0, L"$LIB'\\a\\f", L"\\a\\", L"\\a\\f"},
+        Case{L"a\\f", L"LIB", L"\\", 0, L"\\a\\f", L"\\a\\", L"\\a\\f"},
+        Case{L"C:\\root\\f", L"LIB", L"C:\\r", 1, L"C:\\root\\f", nullptr, nullptr},
+        Case{L"f", L"", L"C:\\r", 1, L"f", nullptr, nullptr},
+        Case{L"f", L"a'b", L"C:\\r", 7, L"f", nullptr, nullptr}}) {
     SCOPED_TRACE(shown(c.before));
     ZoFileName name(c.before);
     EXPECT_EQ(name.setMacro(c.macro, c.value), c.result);
-    EXPECT_STREQ(name.fullName(), c.whole);
-    EXPECT_EQ(name.fullNameSize(), std::wcslen(c.whole));
+    EXPECT_EQ(std::wstring(name.view()), c.whole);
     EXPECT_EQ(name.hasMacro(), c.path != nullptr);
     if (!c.path) continue;
     EXPECT_STREQ(name.macro(), c.macro);
@@ -306,46 +226,43 @@ TEST(FileNameAlias, GoesWithTheNameItWasSetFor) {
   ZoFileName copy(name);
   ASSERT_EQ(copy.getLocalAlias(alias), 0);
   const std::unique_ptr<ZoFileName> owned(alias);
-  EXPECT_STREQ(owned->drive(), L"C:");
-  EXPECT_EQ(copy.localAlias(), L"C:\\cache\\f");
+  EXPECT_EQ(*owned, L"C:\\cache\\f");
   copy.toUpper();
   copy.setDelimiter(L'\\');
   EXPECT_EQ(copy.localAlias(), L"C:\\cache\\f");
   copy.setFileName(L"g");
   EXPECT_TRUE(copy.localAlias().isEmpty());
-  EXPECT_FALSE(name.localAlias().isEmpty());
-  EXPECT_EQ(name.setLocalAlias(ZoFileName()), 0);
-  EXPECT_EQ(name.getLocalAlias(alias), 1);
   name.setLocalAlias(name);
   EXPECT_EQ(name.localAlias(), name);
+  EXPECT_EQ(name.setLocalAlias(ZoFileName()), 0);
+  EXPECT_EQ(name.getLocalAlias(alias), 1);
 }
 
 // ---- Sharing ----
 
 TEST(FileNameSharing, AChangeThroughAnyDoorLeavesTheCopyAlone) {
   using Change = void (*)(ZoFileName&);
-  const Change changes[] = {
-      [](ZoFileName& n) { n.setFullName(L"x"); },
-      [](ZoFileName& n) { n = L"x"; },
-      [](ZoFileName& n) { n = ZoString(L"x"); },
-      [](ZoFileName& n) { n = ZoFileName(L"x"); },
-      [](ZoFileName& n) { n.empty(); },
-      [](ZoFileName& n) { n.toLower(); },
-      [](ZoFileName& n) { n.toUpper(); },
-      [](ZoFileName& n) { n.setDrive(L"D"); },
-      [](ZoFileName& n) { n.setDirectory(L"x"); },
-      [](ZoFileName& n) { n.setFileName(L"x"); },
-      [](ZoFileName& n) { n.setExtension(L"x"); },
-      [](ZoFileName& n) { n.setFileNameExt(L"x"); },
-      [](ZoFileName& n) { n.makePath(L"", L"", L"x", L""); },
-      [](ZoFileName& n) { n.appendDirectory(L"x"); },
-      [](ZoFileName& n) { n.removeLastDir(); },
-      [](ZoFileName& n) { n.setDelimiter(L'/'); },
-      [](ZoFileName& n) { n.setMacro(L"x", L"C:\\Dir"); },
-      [](ZoFileName& n) { n.setLocalAlias(ZoFileName(L"x")); },
-      [](ZoFileName& n) { EXPECT_STREQ(n.nextDirPart(), L"Dir"); },
-      [](ZoFileName& n) { ZoFileName(std::move(n)); },
-  };
+  using N = ZoFileName&;
+  const Change changes[] = {[](N n) { n.setFullName(L"x"); },
+                            [](N n) { n = L"x"; },
+                            [](N n) { n = ZoString(L"x"); },
+                            [](N n) { n = ZoFileName(L"x"); },
+                            [](N n) { n.empty(); },
+                            [](N n) { n.toLower(); },
+                            [](N n) { n.toUpper(); },
+                            [](N n) { n.setDrive(L"D"); },
+                            [](N n) { n.setDirectory(L"x"); },
+                            [](N n) { n.setFileName(L"x"); },
+                            [](N n) { n.setExtension(L"x"); },
+                            [](N n) { n.setFileNameExt(L"x"); },
+                            [](N n) { n.makePath(L"", L"", L"x", L""); },
+                            [](N n) { n.appendDirectory(L"x"); },
+                            [](N n) { n.removeLastDir(); },
+                            [](N n) { n.setDelimiter(L'/'); },
+                            [](N n) { n.setMacro(L"x", L"C:\\Dir"); },
+                            [](N n) { n.setLocalAlias(ZoFileName(L"x")); },
+                            [](N n) { EXPECT_STREQ(n.nextDirPart(), L"Dir"); },
+                            [](N n) { ZoFileName(std::move(n)); }};
   const std::wstring text = L"C:\\Dir\\Sub\\File.Ext";
   for (const Change change : changes) {
     ZoFileName original(text.c_str());
@@ -355,8 +272,6 @@ TEST(FileNameSharing, AChangeThroughAnyDoorLeavesTheCopyAlone) {
     expectParts(original, modelParse(text));
     EXPECT_TRUE(original.localAlias().isEmpty());
     EXPECT_STREQ(original.nextDirPart(), L"Dir");
-    copy = original;
-    expectParts(copy, modelParse(text));
   }
   const ZoFileName original(text.c_str());
   const ZoFileName deep = original.deepCopy();
@@ -369,15 +284,12 @@ TEST(FileNameSharing, MovedFromNamesAreEmptyAndUsable) {
   ZoFileName from(L"C:\\a");
   const wchar_t* const text = from.fullName();
   ZoFileName to(std::move(from));
-  EXPECT_EQ(to.fullName(), text);
-  expectParts(from, {});
   ZoFileName second(std::move(from));
   expectParts(from, {});
   EXPECT_EQ(from.setFullName(L"b"), 0);
   EXPECT_STREQ(from.fullName(), L"b");
   expectParts(second, {});
   second = std::move(to);
-  EXPECT_EQ(second.fullName(), text);
   ZoFileName& self = second;
   second = std::move(self);
   second = self;
@@ -393,63 +305,38 @@ TEST(FileNameSharing, MovedFromNamesAreEmptyAndUsable) {
 TEST(FileNameQuestion, DevicesPlacesOutsideAndImpossibleNamesAreRecognised) {
   const std::wstring long255(255, L'n');
   struct Case {
-    std::wstring text;
     bool device, contained, possible;
+    std::vector<std::wstring> texts;
   };
   const Case cases[] = {
-      {L"a\\b.c", false, true, true},
-      {L"a\\..\\b", false, true, true},
-      {L".\\a", false, true, true},
-      {L"a\\b\\", false, true, true},
-      {L"..", false, false, true},
-      {L"a\\..\\..\\b", false, false, true},
-      {L"..\\a\\b", false, false, true},
-      {L"\\a", false, false, true},
-      {L"C:\\a", false, false, true},
-      {L"C:a", false, false, true},
-      {L"\\\\s\\t\\a", false, false, true},
-      {L"http://h/con./ ", false, false, true},
-      {L"cd://l/a", false, false, true},
-      {L"mailto:a", false, false, false},
-      {L"", false, false, false},
-      {L"$M'a", false, false, true},
-      {L"a*", false, false, false},
-      {L"a:b", false, false, true},
-      {L"ab\\c:d", false, false, false},
-      {L"a\\b ", false, false, false},
-      {L"a.\\b", false, false, false},
-      {L".. \\b", false, false, false},
-      {L"a\\...\\b", false, false, false},
-      {L"\\\\", false, false, false},
-      {long255 + L"\\a", false, true, true},
-      {long255 + L"n\\a", false, false, false},
-      {std::wstring(254, L'n') + L"\\" + long255, false, true, true},
-      {L"con", true, false, false},
-      {L"CON.txt", true, false, false},
-      {L"a\\nul\\b", true, false, false},
-      {L"C:\\Prn", true, false, false},
-      {L"aux .a.b", true, false, false},
-      {L"com1", true, false, false},
-      {L"lpt9.x", true, false, false},
-      {L"com\xB9", true, false, false},
-      {L"lpt\xB3", true, false, false},
-      {L"conin$", true, false, false},
-      {L"CONOUT$", true, false, false},
-      {L"clock$", true, false, false},
-      {L"com0", false, true, true},
-      {L"com10", false, true, true},
-      {L"console", false, true, true},
-      {L"xcon", false, true, true},
-      {L"a.con", false, true, true},
-      {L" con", false, true, true},
-      {L"\\\\con\\nul\\a", false, false, true},
-  };
+      {false,
+       true,
+       true,
+       {L"a\\b.c", L"a\\..\\b", L".\\a", L"a\\b\\", L"com0", L"com10", L"console", L"xcon",
+        L"a.con", L" con", long255 + L"\\a", std::wstring(254, L'n') + L"\\" + long255}},
+      {false,
+       false,
+       true,
+       {L"..", L"a\\..\\..\\b", L"..\\a\\b", L"\\a", L"C:\\a", L"C:a", L"a:b", L"\\\\s\\t\\a",
+        L"http://h/con./ ", L"cd://l/a", L"$M'a", L"\\\\con\\nul\\a"}},
+      {false,
+       false,
+       false,
+       {L"mailto:a", L"", L"a*", L"ab\\c:d", L"a\\b ", L"a.\\b", L".. \\b", L"a\\...\\b", L"\\\\",
+        long255 + L"n\\a"}},
+      {true,
+       false,
+       false,
+       {L"con", L"CON.txt", L"a\\nul\\b", L"C:\\Prn", L"aux .a.b", L"com1", L"lpt9.x", L"com\xB9",
+        L"lpt\xB3", L"conin$", L"CONOUT$", L"clock$"}}};
   for (const Case& c : cases) {
-    SCOPED_TRACE(shown(c.text));
-    const ZoFileName name(c.text.c_str());
-    EXPECT_EQ(name.hasDeviceName(), c.device);
-    EXPECT_EQ(name.isContained(), c.contained);
-    EXPECT_EQ(name.possibleOnVolume(), c.possible);
+    for (const std::wstring& text : c.texts) {
+      SCOPED_TRACE(shown(text));
+      const ZoFileName name(text.c_str());
+      EXPECT_EQ(name.hasDeviceName(), c.device);
+      EXPECT_EQ(name.isContained(), c.contained);
+      EXPECT_EQ(name.possibleOnVolume(), c.possible);
+    }
   }
 }
 
@@ -475,7 +362,6 @@ TEST(FileNameComputed, NormalizedNamesHaveNoSuperfluousLevels) {
                         Case{L"C:\\..\\..\\a", L"C:\\a"},
                         Case{L"C:..\\a", L"C:..\\a"},
                         Case{L"C:a\\..", L"C:"},
-                        Case{L"C:", L"C:"},
                         Case{L"a//b\\\\c/", L"a\\b\\c\\"},
                         Case{L"a\\..\\..\\b", L"..\\b"},
                         Case{L"..\\..\\a", L"..\\..\\a"},
@@ -483,13 +369,9 @@ TEST(FileNameComputed, NormalizedNamesHaveNoSuperfluousLevels) {
                         Case{L"a\\b\\..", L"a\\"},
                         Case{L"a\\b\\.", L"a\\b\\"},
                         Case{L".", L".\\"},
-                        Case{L"..", L"..\\"},
                         Case{L"", L""},
-                        Case{L"\\", L"\\"},
                         Case{L"/..", L"\\"},
-                        Case{L"\\.\\\\a", L"\\a"},
                         Case{L"//s\\t//a/../../b", L"\\\\s\\t\\b"},
-                        Case{L"\\\\s\\t", L"\\\\s\\t"},
                         Case{L"http:\\\\h/a/../b\\c", L"http://h/b/c"},
                         Case{L"http://..", L"http://.."},
                         Case{L"CD:\\\\l\\a\\..\\..\\b", L"CD://l/b"},
@@ -506,11 +388,8 @@ TEST(FileNameComputed, RelativeNamesLeadFromTheBaseToTheName) {
     const wchar_t *text, *base, *relative;
   };
   for (const Case& c :
-       {Case{L"C:\\a\\b\\f.x", L"C:\\a\\", L"b\\f.x"},
-        Case{L"C:\\a\\b\\f.x", L"C:\\a\\g.y", L"b\\f.x"},
-        Case{L"C:\\A\\f", L"c:\\a\\b\\c\\", L"..\\..\\f"},
-        Case{L"C:\\a\\f", L"C:\\b\\", L"..\\a\\f"}, Case{L"C:\\a\\", L"C:\\a\\", L".\\"},
-        Case{L"a\\f", L"b\\", L"..\\a\\f"}, Case{L"..\\f", L"b\\", L"..\\..\\f"},
+       {Case{L"C:\\a\\b\\f.x", L"C:\\a\\g.y", L"b\\f.x"}, Case{L"C:\\a\\", L"C:\\a\\", L".\\"},
+        Case{L"C:\\A\\f", L"c:\\a\\b\\c\\", L"..\\..\\f"}, Case{L"..\\f", L"b\\", L"..\\..\\f"},
         Case{L"\\\\s\\t\\a", L"\\\\S\\T\\b\\", L"..\\a"},
         Case{L"http://h/a/b", L"http://h/c/", L"../a/b"},
         Case{L"$M'\\a\\f", L"$m'\\b\\", L"..\\a\\f"}, Case{L"C:\\a\\$f", L"C:\\a\\", L".\\$f"},
@@ -556,56 +435,50 @@ TEST(FileNameComputed, ResolvedNamesStartAtTheBase) {
 // ---- Comparing and converting ----
 
 TEST(FileNameCompare, WholeNamesCompareIgnoringCaseAndHashAlike) {
-  // Ascending, equal ones side by side. Lower case decides: _ precedes a.
-  const std::vector<std::vector<std::wstring>> groups = {
-      {L"", L""},
-      {L"A", L"a"},
-      {L"a-long-name-over-eight\\B", L"A-Long-Name-Over-Eight\\b"},
-      {L"a_b"},
-      {L"ab", L"AB", L"aB"},
-      {L"abcdefgh", L"ABCDEFGH"},
-      {L"abcdefgh\\"},
-      {L"abcdefgh_abcdefgh\xC4\x416", L"ABCDEFGH_ABCDEFGH\xE4\x436"},
-      {L"abcdefgh_abcdefgh\xE4\x437"},
-      {L"b\\a", L"B\\A"},
-      {L"b\\\xDF"},
-      {L"b\\\x3A9", L"b\\\x3C9"},
-      {L"b\\\xD83D\xDE00"},
+  const std::wstring x62(62, L'x');
+  struct Ranked {
+    int rank;
+    std::wstring text;
   };
-  for (size_t i = 0; i < groups.size(); ++i) {
-    for (size_t j = 0; j < groups.size(); ++j) {
-      for (const std::wstring& left : groups[i]) {
-        for (const std::wstring& right : groups[j]) {
-          SCOPED_TRACE(shown(left) + " " + shown(right));
-          const ZoFileName a(left.c_str());
-          const ZoFileName b(right.c_str());
-          EXPECT_EQ(a == b, i == j);
-          EXPECT_EQ(a != b, i != j);
-          EXPECT_EQ(a < b, i < j);
-          EXPECT_EQ(a > b, i > j);
-          EXPECT_EQ(a <= b, i <= j);
-          EXPECT_EQ(a >= b, i >= j);
-          EXPECT_EQ(a.isEqual(b), i == j);
-          EXPECT_EQ(a.isEqual(b, true), left == right);
-          EXPECT_EQ(a == right.c_str(), i == j);
-          EXPECT_EQ(a == ZoString(right.c_str()), i == j);
-          EXPECT_EQ(a == std::wstring_view(right), i == j);
-          EXPECT_EQ(std::hash<ZoFileName>()(a) == std::hash<ZoFileName>()(b), i == j);
-        }
-      }
+  // Lower case decides: _ precedes a. The long ones are around the length compared in one go.
+  const Ranked names[] = {{0, L""},
+                          {1, L"A"},
+                          {1, L"a"},
+                          {2, L"a_b"},
+                          {3, L"ab"},
+                          {3, L"aB"},
+                          {4, L"abcdefgh"},
+                          {4, L"ABCDEFGH"},
+                          {5, L"abcdefgh\\"},
+                          {6, L"abcdefgh_abcdefgh\xC4\x416"},
+                          {6, L"ABCDEFGH_ABCDEFGH\xE4\x436"},
+                          {7, L"abcdefgh_abcdefgh\xE4\x437"},
+                          {8, L"b\\\xDF"},
+                          {9, L"b\\\x3A9"},
+                          {9, L"b\\\x3C9"},
+                          {10, L"b\\\xD83D\xDE00"},
+                          {11, L"c" + x62 + L"x"},
+                          {11, L"C" + x62 + L"X"},
+                          {12, L"c" + x62 + L"xy"},
+                          {12, L"c" + x62 + L"xY"},
+                          {13, L"c" + x62 + L"xz"},
+                          {14, L"c" + x62 + L"z"}};
+  for (const Ranked& left : names) {
+    for (const Ranked& right : names) {
+      SCOPED_TRACE(shown(left.text) + " " + shown(right.text));
+      const ZoFileName a(left.text.c_str()), b(right.text.c_str());
+      const bool equal = left.rank == right.rank, less = left.rank < right.rank;
+      EXPECT_TRUE((a == b) == equal && (a != b) != equal && a.isEqual(b) == equal);
+      EXPECT_TRUE((a < b) == less && (a >= b) != less && (b > a) == less && (b <= a) != less);
+      EXPECT_EQ(a.isEqual(b, true), left.text == right.text);
+      EXPECT_TRUE((a == right.text.c_str()) == equal && (a == ZoString(b)) == equal &&
+                  (a == std::wstring_view(right.text)) == equal);
+      EXPECT_EQ(std::hash<ZoFileName>()(a) == std::hash<ZoFileName>()(b), equal);
     }
   }
   ZoFileName below(L"x");
   below.setMacro(L"M", L"C:\\R");
   EXPECT_EQ(below, ZoFileName(L"c:\\r\\X")) << "the whole name is the expanded one";
-}
-
-TEST(FileNameCompare, ContainersFindNamesInAnyCase) {
-  ZoArray<ZoFileName> list = {ZoFileName(L"b"), ZoFileName(L"C:\\a"), ZoFileName(L"A")};
-  EXPECT_EQ(list.index(ZoFileName(L"c:\\A")), 1u);
-  list.sort();
-  EXPECT_EQ(list[0], L"a");
-  EXPECT_EQ(list[2], L"c:\\a");
   ZoHashDict<int, ZoFileName> sizes;
   EXPECT_EQ(sizes.insertAt(ZoFileName(L"C:\\x.dwg"), 5), 0);
   EXPECT_TRUE(sizes.contains(ZoFileName(L"c:\\X.DWG")));

@@ -9,7 +9,7 @@
 #include <iterator>
 
 #include "persist/persist_support.h"
-#include "platform/file_api.h"
+#include "support/faulty_files.h"
 #include "support/temp_folder.h"
 #include "system/attached.h"
 
@@ -34,46 +34,6 @@ std::size_t filesIn(const fs::path& folder) {
   return static_cast<std::size_t>(
       std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
-
-// Fails at the n-th call of all, or of a read or write takes half of the bytes only.
-class FailingApi final : public FileApi {
- public:
-  FailingApi(int failAt, bool shorten) : failAt_(failAt), shorten_(shorten) { setFileApi(this); }
-  ~FailingApi() override { setFileApi(nullptr); }
-  bool reached() const { return calls_ >= failAt_; }
-
-  HANDLE create(const wchar_t* name, DWORD access, DWORD share, DWORD how, DWORD flags) override {
-    return fails() ? INVALID_HANDLE_VALUE : FileApi::create(name, access, share, how, flags);
-  }
-  bool size(HANDLE file, std::int64_t& bytes) override {
-    return !fails() && FileApi::size(file, bytes);
-  }
-  bool seek(HANDLE file, std::int64_t offset, DWORD method, std::int64_t& position) override {
-    return !fails() && FileApi::seek(file, offset, method, position);
-  }
-  bool read(HANDLE file, void* to, DWORD size, DWORD& done) override {
-    if (!fails()) return FileApi::read(file, to, size, done);
-    done = 0;
-    return shorten_;  // the end of the file, where there should be none
-  }
-  bool write(HANDLE file, const void* data, DWORD size, DWORD& done) override {
-    if (!fails()) return FileApi::write(file, data, size, done);
-    return shorten_ && FileApi::write(file, data, size / 2, done);
-  }
-  bool flush(HANDLE file) override { return !fails() && FileApi::flush(file); }
-  bool move(const wchar_t* from, const wchar_t* to, DWORD flags) override {
-    return !fails() && FileApi::move(from, to, flags);
-  }
-
- private:
-  bool fails() noexcept {
-    SetLastError(ERROR_GEN_FAILURE);
-    return ++calls_ == failAt_;
-  }
-  int calls_ = 0;
-  int failAt_;
-  bool shorten_;
-};
 
 class CompressFile : public ::testing::Test {
  protected:
@@ -224,22 +184,23 @@ TEST_F(CompressFile, AnyCallOfThePlatformThatFailsOrComesShortLeavesTheTargetAsI
   writeFile(path(L"packed"), lzmaContainer(content, 0));
   writeFile(path(L"legacy"), legacyContainer(imploded(content, Literals::text, 6), content));
   for (const wchar_t* source : {L"plain", L"packed", L"legacy"}) {
-    for (bool shorten : {false, true}) {
-      for (int failAt = 1;; ++failAt) {
+    for (const FaultPlan& plan :
+         {FaultPlan{.fault = Fault::fail, .call = "create size seek read write flush close move"},
+          FaultPlan{.fault = Fault::shorten, .call = "write"}}) {
+      FaultyFiles files;
+      bool met = true;
+      for (FaultPlan now = plan; met; ++now.nth) {
         writeFile(path(L"target"), old_);
-        bool reached = false;
-        int result = 0;
-        {
-          const FailingApi api(failAt, shorten);
-          result = std::wstring_view(source) == L"plain"
-                       ? ZoCompress(ZoZip::fast)(name(source), name(L"target"))
-                       : ZoExplode()(name(source), name(L"target"));
-          reached = api.reached();
-        }
-        EXPECT_EQ(result, reached ? 1 : 0) << failAt;
-        EXPECT_EQ(readFile(path(L"target")) == old_, reached) << failAt;
-        EXPECT_EQ(filesIn(folder_.path()), 4u) << failAt;
-        if (!reached || HasFailure()) break;
+        files.arm(now);
+        const int result = std::wstring_view(source) == L"plain"
+                               ? ZoCompress(ZoZip::fast)(name(source), name(L"target"))
+                               : ZoExplode()(name(source), name(L"target"));
+        met = files.met();
+        files.arm({});
+        EXPECT_EQ(result, met ? 1 : 0) << now.nth;
+        EXPECT_EQ(readFile(path(L"target")) == old_, result != 0) << now.nth;
+        EXPECT_EQ(filesIn(folder_.path()), 4u) << now.nth;
+        if (HasFailure()) return;
       }
     }
   }

@@ -2,44 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 
 #include "platform/utf8_writer.h"
+#include "support/faulty_files.h"
 #include "support/file_bytes.h"
 #include "support/temp_folder.h"
 
+using zo::test::Fault;
 using zo::test::fileBytes;
 using zo::test::TempFolder;
 
 namespace {
-
-// The n-th write, from 1, goes wrong: it takes `taken` bytes and reports `code`, or claims success
-// when that is 0.
-class FaultyWrites : public zo::FileApi {
- public:
-  FaultyWrites(int faultyCall, DWORD taken, DWORD code)
-      : faultyCall_(faultyCall), taken_(taken), code_(code) {
-    zo::setFileApi(this);
-  }
-  ~FaultyWrites() override { zo::setFileApi(nullptr); }
-  FaultyWrites(const FaultyWrites&) = delete;
-  FaultyWrites& operator=(const FaultyWrites&) = delete;
-
-  bool write(HANDLE file, const void* bytes, DWORD count, DWORD& written) override {
-    if (++calls != faultyCall_) return FileApi::write(file, bytes, count, written);
-    FileApi::write(file, bytes, std::min(count, taken_), written);
-    SetLastError(code_);
-    return code_ == 0;
-  }
-
-  int calls = 0;
-
- private:
-  int faultyCall_;
-  DWORD taken_;
-  DWORD code_;
-};
 
 std::string utf8(const TempFolder& folder, const std::vector<std::wstring>& pieces) {
   const std::filesystem::path path = folder.path() / L"text";
@@ -89,24 +63,19 @@ TEST(OutputFile, TellsWhyItCannotBeOpenedAndThenTakesNothing) {
 TEST(OutputFile, TheFirstFailureIsReportedAndEndsWriting) {
   const TempFolder folder;
   const std::filesystem::path path = folder.path() / L"file";
-  const struct {
-    DWORD taken, code;
-    int reported;
-  } cases[] = {{0, ERROR_DISK_FULL, ERROR_DISK_FULL},
-               {2, ERROR_NETNAME_DELETED, ERROR_NETNAME_DELETED},
-               {2, 0, ERROR_HANDLE_DISK_FULL},  // a short write that claims success
-               {0, 0, ERROR_HANDLE_DISK_FULL}};
-  for (const auto& [taken, code, reported] : cases) {
-    FaultyWrites writes(2, taken, code);
+  zo::test::FaultyFiles files;
+  for (const Fault fault : {Fault::fail, Fault::shorten}) {
+    files.arm({.fault = fault, .call = "write", .nth = 2, .error = ERROR_NETNAME_DELETED});
+    // A short write claims success.
+    const int reported = fault == Fault::fail ? ERROR_NETNAME_DELETED : ERROR_HANDLE_DISK_FULL;
     zo::OutputFile file(path.c_str());
     file.write("one,", 4);
     EXPECT_EQ(file.error(), 0);
     file.write("two,", 4);
     EXPECT_EQ(file.error(), reported);
     file.write("three", 5);
-    EXPECT_EQ(writes.calls, 2);
     EXPECT_EQ(file.close(), reported);
-    EXPECT_EQ(fileBytes(path), std::string("one,two,").substr(0, 4 + taken));
+    EXPECT_EQ(fileBytes(path), fault == Fault::fail ? "one," : "one,tw");
   }
 }
 

@@ -82,7 +82,8 @@ class ZO_COM_API ZoFileSystem : public ZoSysObj {
   // with `failIfExists` refused; one that is read-only is refused always.
   virtual int copy(const ZoFileName& from, const ZoFileName& to, bool failIfExists = false) = 0;
   // Adds a file's content to the end of another, which is made unless it `mustExist`. A failure
-  // leaves the target as it was; a process that is killed can leave a part behind its old end.
+  // leaves the target as it was. A process that is killed leaves a new target absent or complete;
+  // behind the old content of any other it can leave a part of what was to come.
   virtual int append(const ZoFileName& from, const ZoFileName& to, bool mustExist = false) = 0;
   // Renames a file or directory, or moves a file to another volume; a target that exists is
   // refused. 4: the target is complete, and the source could not be erased. Two URLs on one server
