@@ -17,6 +17,7 @@
 #include <zo/system/units.h>
 #include <zo/variant/variant.h>
 
+#include <new>
 #include <typeinfo>
 #include <utility>
 
@@ -36,8 +37,8 @@ namespace {
 
 void sendChanged(ZoSysDisp& dispatcher, const wchar_t* type, const ZoString& className) {
   ZoHashDict<ZoVariant, ZoString> data(ZoVHash::kDefaultBuckets, 0.7);
-  data.insertAt(L"Type", ZoVariant(type));
-  data.insertAt(L"Class", ZoVariant(className));
+  if (data.insertAt(L"Type", ZoVariant(type)) || data.insertAt(L"Class", ZoVariant(className)))
+    throw std::bad_alloc();
   dispatcher.sendNotice(ZoSysNotice::serviceChanged, ZoVariant(data));
 }
 

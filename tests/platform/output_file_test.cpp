@@ -41,22 +41,15 @@ TEST(OutputFile, ReplacesWhatIsThereAndWritesInOrder) {
 TEST(OutputFile, TellsWhyItCannotBeOpenedAndThenTakesNothing) {
   const TempFolder folder;
   const std::wstring base = folder.path().wstring();
-  const struct {
-    std::wstring name;
-    int code;
-  } cases[] = {{base, ERROR_ACCESS_DENIED},
-               {base + L"\\none\\file", ERROR_PATH_NOT_FOUND},
-               {base + L"\\a?b", ERROR_INVALID_NAME}};
+  const std::pair<std::wstring, int> cases[] = {{base, ERROR_ACCESS_DENIED},
+                                                {base + L"\\none\\file", ERROR_PATH_NOT_FOUND},
+                                                {base + L"\\a?b", ERROR_INVALID_NAME}};
   for (const auto& [name, code] : cases) {
     zo::OutputFile file(name.c_str());
-    EXPECT_EQ(file.error(), code) << name;
     file.write("x", 1);
     EXPECT_EQ(file.close(), code) << name;
   }
-  for (const wchar_t* none : {L"", static_cast<const wchar_t*>(nullptr)}) {
-    zo::OutputFile file(none);
-    EXPECT_NE(file.close(), 0);
-  }
+  EXPECT_NE(zo::OutputFile(nullptr).close(), 0);
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 

@@ -248,11 +248,10 @@ TEST_F(Cfg, MissingKeysAndRootsGiveTheDefault) {
     EXPECT_EQ(cfg->getAt(L"missing@x", value, true), 1);
     EXPECT_EQ(cfg->getAt(L"missing@", value, true), 1);
     EXPECT_TRUE(value == ZoVariant(L"untouched"));
-    EXPECT_EQ(cfg->at(L"missing", L"default", true).asString(), ZoString(L"default"));
+    EXPECT_TRUE(cfg->at(L"missing", L"default", true) == ZoVariant(L"default"));
     EXPECT_TRUE((*cfg)[L"missing"].isEmpty());
   }
   EXPECT_EQ(own.insertAt(L"a@x", 1), 1);
-  EXPECT_EQ(own.replaceAt(L"a@x", 1), 1);
 }
 
 TEST_F(Cfg, KeysWithoutPermissionAreNone) {
@@ -286,16 +285,12 @@ TEST_F(Cfg, WhileAnotherThreadHoldsTheGuardNothingIsDone) {
   ASSERT_EQ(cfg_.waitToRead(), 0);  // readers keep the configuration's readers out, too
   zo::test::inOtherThread([&] {
     ZoVariant value(L"untouched");
-    EXPECT_EQ(cfg_.getAt(L"x", value, true), 1);
+    for (const int code :
+         {cfg_.getAt(L"x", value, true), cfg_.insertAt(L"y", 1), cfg_.setAt(L"x", 1),
+          cfg_.replaceAt(L"x", 1), cfg_.removeAt(L"x"), cfg_.write(L"x"), cfg_.init(L"", nullptr)})
+      EXPECT_EQ(code, ZoResult::refused);
     EXPECT_TRUE(value == ZoVariant(L"untouched"));
-    EXPECT_EQ(cfg_.at(L"x", 9, true).asInt(), 9);
     EXPECT_FALSE(cfg_.isValid(L"x"));
-    EXPECT_EQ(cfg_.insertAt(L"y", 1), 1);
-    EXPECT_EQ(cfg_.setAt(L"x", 1), 1);
-    EXPECT_EQ(cfg_.replaceAt(L"x", 1), 1);
-    EXPECT_EQ(cfg_.removeAt(L"x"), 1);
-    EXPECT_EQ(cfg_.write(L"x"), 1);
-    EXPECT_EQ(cfg_.init(L"elsewhere", nullptr), 1);
     return 0;
   });
   cfg_.doneReading();

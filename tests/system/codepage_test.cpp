@@ -178,11 +178,11 @@ TEST(Codepage, WhileAnotherThreadHoldsTheGuardOnlyTheDefaultIsOutOfReach) {
   Page::Certainty certainty = Page::kMarked;
   ZoString text(L"untouched");
   std::string bytes = "untouched";
-  EXPECT_EQ(service.getDefault(codepage), ZoResult::timeOut);
-  EXPECT_EQ(service.setDefault(1252), ZoResult::timeOut);
-  EXPECT_EQ(service.toText("a", 0, Page::kReplace, text), ZoResult::timeOut);
-  EXPECT_EQ(service.toBytes(L"a", 0, Page::kReplace, bytes), ZoResult::timeOut);
-  EXPECT_EQ(service.detect("a", codepage, mark, certainty), ZoResult::timeOut);
+  for (const int code : {service.getDefault(codepage), service.setDefault(1252),
+                         service.toText("a", 0, Page::kReplace, text),
+                         service.toBytes(L"a", 0, Page::kReplace, bytes),
+                         service.detect("a", codepage, mark, certainty)})
+    EXPECT_EQ(code, ZoResult::timeOut);
   EXPECT_TRUE(codepage == 7 && mark == 7 && certainty == Page::kMarked && bytes == "untouched");
   EXPECT_EQ(text, ZoString(L"untouched"));
   EXPECT_EQ(service.toText("a", 1252, Page::kReplace, text), 0);

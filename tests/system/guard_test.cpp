@@ -198,22 +198,21 @@ TEST(Guard, ARefusedNameLeavesNothingOpenAndSetsWhatCouldBeMade) {
       zo::Handle(CreateMutexW(nullptr, FALSE, (L"SWMRGSemNumReaders" + taken[2]).c_str()))};
   const struct {
     std::wstring name;
-    bool mutex, event, semaphore;  // which fields are set afterwards
-  } cases[] = {{newName(81), true, false, true},      {newName(82), false, false, false},
-               {newName(70000), false, false, false}, {L"Local\\" + newName(), false, false, false},
-               {taken[0], false, true, true},         {taken[1], true, false, true},
-               {taken[2], true, true, false}};
+    std::vector<bool> made;  // mutex, event, semaphore
+  } cases[] = {
+      {newName(81), {true, false, true}},      {newName(82), {false, false, false}},
+      {newName(70000), {false, false, false}}, {L"Local\\" + newName(), {false, false, false}},
+      {taken[0], {false, true, true}},         {taken[1], {true, false, true}},
+      {taken[2], {true, true, false}}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name.size());
     ZoSingleWriterMultiReaderGuard guard{&guard, &guard, &guard};
     const auto before = openHandles();
     EXPECT_EQ(zoSWMRGInitialize(&guard, c.name.c_str()), 0);
     EXPECT_EQ(openHandles(), before);
-    EXPECT_EQ(guard.mutexNoWriter != nullptr, c.mutex);
-    EXPECT_EQ(guard.eventNoReaders != nullptr, c.event);
-    EXPECT_EQ(guard.semNumReaders != nullptr, c.semaphore);
-    for (void* handle : {guard.mutexNoWriter, guard.eventNoReaders, guard.semNumReaders})
-      EXPECT_NE(handle, &guard) << "left over from before";
+    void* const fields[] = {guard.mutexNoWriter, guard.eventNoReaders, guard.semNumReaders};
+    for (size_t i = 0; i < 3; ++i)
+      EXPECT_TRUE((fields[i] != nullptr) == c.made[i] && fields[i] != &guard) << i;
   }
 }
 

@@ -381,12 +381,11 @@ TEST(UnitsService, WhileAnotherThreadHoldsTheGuardNothingIsDone) {
   Format format = inUnit(L"untouched");
   {
     const zo::test::HeldElsewhere held(units);
-    EXPECT_EQ(units.print(1, Code::Length, text), ZoResult::timeOut);
-    EXPECT_EQ(units.parse(L"1", Code::Length, value), ZoResult::timeOut);
-    EXPECT_EQ(units.getFormat(Code::Length, format), ZoResult::timeOut);
-    EXPECT_EQ(units.getSeparators(decimal, grouping), ZoResult::timeOut);
-    EXPECT_EQ(units.setSeparators(L',', 0), ZoResult::timeOut);
-    EXPECT_EQ(units.setFormat(Code::Length, inUnit(L"m")), ZoResult::timeOut);
+    for (const int code :
+         {units.print(1, Code::Length, text), units.parse(L"1", Code::Length, value),
+          units.getFormat(Code::Length, format), units.getSeparators(decimal, grouping),
+          units.setFormat(Code::Length, inUnit(L"m")), units.setSeparators(L',', 0)})
+      EXPECT_EQ(code, ZoResult::timeOut);
     EXPECT_TRUE(text == ZoString(L"untouched") && value == kUntouched && decimal == L'x');
     EXPECT_EQ(std::wstring(format.unit), L"untouched");
   }

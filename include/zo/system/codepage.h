@@ -58,7 +58,8 @@ class ZO_COM_API ZoCodepage : public ZoSysObj {
                       std::string& bytes) = 0;
 
   // A name as the Internet registers it ("windows-1252", "utf-8", "ibm850"), or "cp" and the
-  // number; and what the platform calls it in the user's language.
+  // number; and what the platform calls it in the user's language, refused where it has no name for
+  // it (UTF-16).
   virtual int nameOf(unsigned int codepage, ZoString& name) = 0;
   virtual int describe(unsigned int codepage, ZoString& description) = 0;
   // The code page of a name: those of nameOf and their usual aliases, those that drawings are

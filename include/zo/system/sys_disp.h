@@ -9,8 +9,10 @@
 //   throws    the others are told all the same; then the sender gets the first exception, and the
 //             dispatcher is as usable as before. A release() that throws counts as an answer to
 //             stay;
-//   the end   a dispatcher that is destroyed on the way (by its own release, say) tells no further
-//             reactor; a system notice still reaches the services.
+//   the end   a dispatcher that is destroyed on the way (by its own release, or replaced by a
+//             reactor) tells no further reactor; a system notice still reaches the services. Its
+//             end destroys the very reactor that is being told or asked to go, too: that one must
+//             not touch itself any more, nor destroy itself again.
 //
 // Errors:  0 success; 1 the guard was not obtained within timeOut(), or no such reactor; 2 out of
 //          memory; 3 a null reactor. Nothing has changed then. Only what reactors and services
