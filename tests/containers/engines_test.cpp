@@ -1,5 +1,6 @@
 // The engines as they are: untyped operations, status codes, the rules of growth, and the order of
-// virtual operations. What typed containers reach through them stands in random_operations_test.cpp.
+// virtual operations. What typed containers reach through them stands in
+// random_operations_test.cpp.
 #include <gtest/gtest.h>
 #include <zo/containers.h>
 

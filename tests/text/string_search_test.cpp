@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <bit>
 #include <clocale>
+#include <cstring>
 #include <random>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "support/printers.h"
@@ -24,17 +24,14 @@ std::wstring randomText(std::mt19937& random, const std::wstring& alphabet, size
   return text;
 }
 
-bool standsAt(const std::wstring& text, const std::wstring& pattern, size_t at, bool fold) {
-  return std::equal(
-      pattern.begin(), pattern.end(), text.begin() + static_cast<ptrdiff_t>(at),
-      [=](wchar_t a, wchar_t b) { return fold ? std::towlower(a) == std::towlower(b) : a == b; });
-}
-
 std::vector<unsigned int> positions(const std::wstring& text, const std::wstring& pattern,
                                     unsigned int start, bool fold) {
   std::vector<unsigned int> found;
   for (size_t at = start; at + pattern.size() <= text.size(); ++at) {
-    if (standsAt(text, pattern, at, fold)) found.push_back(static_cast<unsigned int>(at));
+    const bool stands = std::equal(
+        pattern.begin(), pattern.end(), text.begin() + static_cast<ptrdiff_t>(at),
+        [=](wchar_t a, wchar_t b) { return fold ? std::towlower(a) == std::towlower(b) : a == b; });
+    if (stands) found.push_back(static_cast<unsigned int>(at));
   }
   return found;
 }
@@ -78,21 +75,18 @@ TEST(StringSearch, WhatIsNotAsciiFoldsAsTheRuntimesLocaleSays) {
 }
 
 TEST(StringSearch, StartsPastTheEndAndEmptyPatternsNeverWrap) {
-  const ZoString three(L"abc");
   const ZoString seven(L"abcdefg");
-  EXPECT_EQ(three.index(L"", 5), ZoString::npos);
-  EXPECT_EQ(seven.index(L"", 5), 5u);
   EXPECT_EQ(seven.index(L"", 7), 7u);
   EXPECT_EQ(seven.indexBack(L"", 2), 7u);
   EXPECT_EQ(seven.index(nullptr, 2), 2u);
   for (const unsigned int start : {8u, 0x7FFFFFFFu, 0xFFFFFFFEu, ZoString::npos}) {
+    EXPECT_EQ(seven.index(L"", start), ZoString::npos);
     EXPECT_EQ(seven.index(L"g", start), ZoString::npos);
     EXPECT_EQ(seven.indexBack(L"g", start), ZoString::npos);
     EXPECT_EQ(seven.splitNext(L"g", start), ZoString::npos);
   }
   EXPECT_EQ(seven.index(L"xxxx", 0xFFFFFFFF, 3, ZoString::exact), ZoString::npos);
-  EXPECT_EQ(ZoString().index(L"a"), ZoString::npos);
-  EXPECT_TRUE(ZoString().contains(L""));
+  EXPECT_TRUE(ZoString().contains(L"") && !ZoString().contains(L"a"));
 }
 
 TEST(StringSearch, CharactersAndSetsAreFoundWhereverTheyStand) {
@@ -117,26 +111,23 @@ TEST(StringSearch, CharactersAndSetsAreFoundWhereverTheyStand) {
 }
 
 TEST(StringCompare, PointerFormAndOperatorsOrderByCodeUnitTheStringFormByBytes) {
-  const ZoString ff(L"\u00FF");
-  EXPECT_EQ(ff.compareTo(L"\u0100"), -1);
-  EXPECT_GT(ff.compareTo(ZoString(L"\u0100")), 0);
-  EXPECT_LT(ff, ZoString(L"\u0100"));
-  EXPECT_EQ(ZoString(L"ab").compareTo(L"abc"), -1);
   EXPECT_EQ(ZoString(L"ab").compareTo(ZoString(L"abc")), -1);
   EXPECT_EQ(ZoString(L"abc").compareTo(nullptr), 1);
   std::mt19937 random(9);
   for (int round = 0; round < 5000; ++round) {
     const std::wstring a = randomText(random, L"aAb\u00FF\u0100\u8001", 5);
     const std::wstring b = randomText(random, L"aAb\u00FF\u0100\u8001", 5);
-    const ZoString ours(a.c_str());
+    const ZoString ours(a.c_str()), other(b.c_str());
     const int order = (a > b) - (a < b);
+    const size_t bytes = std::min(a.size(), b.size()) * sizeof(wchar_t);
+    const int byteOrder = std::memcmp(a.data(), b.data(), bytes);
     EXPECT_EQ(ours.compareTo(b.c_str()), order);
-    EXPECT_EQ(ours <=> ZoString(b.c_str()), order <=> 0);
+    EXPECT_EQ(ours.compareTo(other) <=> 0, (byteOrder ? byteOrder : order) <=> 0);
+    EXPECT_EQ(ours <=> other, order <=> 0);
     EXPECT_EQ(ours <=> b.c_str(), order <=> 0);
-    EXPECT_EQ(ours == ZoString(b.c_str()), a == b);
-    EXPECT_EQ(ours == b.c_str(), a == b);
+    EXPECT_TRUE((ours == other) == (a == b) && (ours == b.c_str()) == (a == b));
     EXPECT_EQ(ours(0, 3) == b.c_str(), a.substr(0, 3) == b);
-    EXPECT_EQ(std::hash<ZoString>()(ours) == std::hash<ZoString>()(ZoString(b.c_str())), a == b);
+    EXPECT_EQ(std::hash<ZoString>()(ours) == std::hash<ZoString>()(other), a == b);
   }
 }
 
@@ -152,13 +143,8 @@ TEST(StringCompare, IgnoringCaseIsThePlatformsAnswer) {
        {L"aAbB", L"aA-_ '19zZ", L"aA\u00E4\u00C4sS\u00DF\u00AD", L"\u0430\u0410"}) {
     for (int round = 0; round < 4000; ++round) {
       const std::wstring a = randomText(random, alphabet, round % 2 ? 3 : 20);
-      std::wstring b = randomText(random, alphabet, 3);
-      if (round % 4 == 0) {
-        b = a;
-        for (wchar_t& c : b) {
-          if (random() % 2 == 0) c = static_cast<wchar_t>(std::towupper(c));
-        }
-      }
+      std::wstring b = round % 4 == 0 ? a : randomText(random, alphabet, 3);
+      for (wchar_t& c : b) c = random() % 2 == 0 ? static_cast<wchar_t>(std::towupper(c)) : c;
       const ZoString ours(a.c_str());
       const int order = platform(a, b);
       ASSERT_EQ(ours.compareTo(b.c_str(), ZoString::ignoreCase), order);
@@ -169,10 +155,9 @@ TEST(StringCompare, IgnoringCaseIsThePlatformsAnswer) {
   }
   EXPECT_GT(equal, 2000) << "the pairs must try both answers";
   for (wchar_t a = 0x20; a < 0x7F; ++a) {
-    for (wchar_t b = 0x20; b < 0x7F; ++b) {
+    for (wchar_t b = 0x20; b < 0x7F; ++b)
       ASSERT_EQ(zo::equalIgnoreCase({&a, 1}, {&b, 1}), platform({a}, {b}) == 0)
           << int{a} << " " << int{b};
-    }
   }
   const auto odd = static_cast<ZoString::caseCompare>(2);
   EXPECT_EQ(ZoString(L"A").compareTo(L"a", odd), 0) << "any value but exact";

@@ -103,11 +103,15 @@ TEST(VariantReport, CodesAndFlagsCountUnlessToldOtherwise) {
 TEST(VariantReport, IsAListOfChangesWhosePathsLeadToTheValues) {
   using Change = ZoVariantChange;
   const ZoVariant before = tree(
-      LR"(Dict { "" = Dict { "x" = Int 1 } "a" = Dict { "x/y" = Int 1 "z" = Sequence [Int 1 Int 2] }
-                  "b" = Int 1 })");
+      LR"(Dict {
+    "" = Dict { "x" = Int 1 }
+    "a" = Dict { "x/y" = Int 1 "z" = Sequence [Int 1 Int 2] }
+    "b" = Int 1 })");
   const ZoVariant after = tree(
-      LR"(Dict { "" = Dict { "x" = Int 2 } "a" = Dict { "x/y" = Int 2 "z" = Sequence [Int 1 Int 5 Int 7] }
-                  "c/" = Dict { "" = Int 1 } })");
+      LR"(Dict {
+    "" = Dict { "x" = Int 2 }
+    "a" = Dict { "x/y" = Int 2 "z" = Sequence [Int 1 Int 5 Int 7] }
+    "c/" = Dict { "" = Int 1 } })");
   const ZoVariantReport report(before, after);
   ZoVariant patched = before;
   for (const Change& change : report.changes()) {

@@ -175,9 +175,9 @@ static_assert(sizeof(ZoVHash) == 8 + 4 * 4 + 8 + 8,
               "virtual operations, entries, buckets, collisions, load factor, storage");
 
 // Stands on an element, so it survives every insertion and the removal of other elements; growing
-// the table changes what comes next. When its element is removed by someone else it is not valid.
-// It notices that by the count of removals: after one, its next use looks for its node, O(entries).
-// The table must outlive it.
+// the table changes what comes next. When its element is removed by someone else it is not valid:
+// after any removal its next use looks for its node, O(entries). (An element that has been inserted
+// meanwhile in the same memory passes for its own.) The table must outlive it.
 class ZO_COM_API ZoVHashIterator {
  public:
   explicit ZoVHashIterator(ZoVHash& hash) noexcept : hash_(&hash) { reset(); }

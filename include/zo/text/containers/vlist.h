@@ -153,8 +153,8 @@ class ZO_COM_API ZoVList {
 
 // Stands on a node, so it survives every insertion, sort and removal of other elements. When the
 // element it stands on is removed by someone else it is not valid. It notices that by the list's
-// count of removals: after one, its next use looks for its node in the list, O(n). The list must
-// outlive it.
+// count of removals: after one, its next use looks for its node in the list, O(n). (An element that
+// has been inserted meanwhile in the same memory passes for its own.) The list must outlive it.
 class ZO_COM_API ZoVListIterator {
  public:
   explicit ZoVListIterator(ZoVList& list) noexcept : list_(&list) { reset(); }
