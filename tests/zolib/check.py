@@ -140,9 +140,9 @@ def exit_codes():
         # One line for the failure; what else is said is no failure's.
         run(*args, code=code, out="", err=rf"zolib: {said}(; see `zolib help`)?\n([^z].*: .*\n)?")
     assert files() == ["a.lib", "a.txt", "no.lib"], files()
-    for args in (["help"], ["--help"], ["help", "x"], ["extract", "--help"], ["version"], ["--version"]):
-        assert run(*args, err="").decode().startswith("zolib " if "ersion" in args[0] else ("Keeps", "Write")[
-            len(args) > 1]), args
+    for args, begin in ((["help"], "Keeps"), (["--help"], "Keeps"), (["help", "x"], "Write"), (["x", "--help"], "Write"),
+                        (["version"], "zolib 0"), (["--version"], "zolib 0")):
+        assert run(*args, err="").decode().startswith(begin), args
     run("add", "a.lib", "a.txt", "none.txt", code=10, err=r".*a\.lib: 1 replaced.*")
 
 
@@ -195,7 +195,8 @@ def streams():
     run("delete", "a.lib", "--files-from", "names.txt", err=r".*4 members deleted\n")
     reader = start("list", "a.lib", "--deleted", stdout=subprocess.PIPE, stderr=subprocess.PIPE)
     reader.stdout.close()  # who reads has enough: no talk
-    assert reader.stderr.read() == b"" and reader.wait() in (0, 2)
+    ended = reader.stderr.read(), reader.wait()
+    assert ended in ((b"", 0), (b"", 2)), ended
 
 
 def json_forms():

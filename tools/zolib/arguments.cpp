@@ -38,45 +38,53 @@ void addPackOptions(CLI::App& app, Options& options, Raw& raw) {
   app.add_option("--mode", options.mode,
                  "fast, normal, best, store, or auto: normal, but stored where that is no smaller "
                  "(default)")
-      ->transform(CLI::CheckedTransformer(kModes).description(""));
-  app.add_option("--name", raw.name, "The member that data from standard input becomes");
+      ->transform(CLI::CheckedTransformer(kModes).description(""))
+      ->type_name("MODE");
+  app.add_option("--name", raw.name, "The member that data from standard input becomes")
+      ->type_name("NAME");
 }
 
 void addOverwrite(CLI::App& app, Options& options) {
   static const std::map<std::string, Overwrite> kWays{
       {"never", Overwrite::kNever}, {"always", Overwrite::kAlways}, {"newer", Overwrite::kNewer}};
   app.add_option("--overwrite", options.overwrite, "What exists already: never, always, or newer")
-      ->transform(CLI::CheckedTransformer(kWays).description(""));
+      ->transform(CLI::CheckedTransformer(kWays).description(""))
+      ->type_name("WAY");
 }
 
 void addVerb(CLI::App& app, const Verb& verb, Options& options, Raw& raw) {
   CLI::App& sub = *app.add_subcommand(verb.name, verb.summary);
   if (*verb.alias) sub.alias(verb.alias);
   sub.footer(std::string("Examples:\n") + verb.examples);
-  sub.add_option("LIBRARY", raw.library, "The library")->required();
+  sub.add_option("LIBRARY", raw.library, "The library")->required()->type_name("");
   const unsigned int takes = verb.takes;
   if (takes & (kOneName | kTwoNames)) {
     sub.add_option("NAME", raw.names, verb.namesHelp)
         ->required()
-        ->expected(takes & kOneName ? 1 : 2);
+        ->expected(takes & kOneName ? 1 : 2)
+        ->type_name("");
   } else if (takes & kNames) {
-    sub.add_option("NAME", raw.names, verb.namesHelp);
+    sub.add_option("NAME", raw.names, verb.namesHelp)->type_name("");
   }
   if (takes & kSelect) {
     sub.add_option("--include", raw.include, "Only what this pattern fits; may be repeated")
-        ->expected(1);
+        ->expected(1)
+        ->type_name("PATTERN");
     sub.add_option("--exclude", raw.exclude, "Not what this pattern fits; may be repeated")
-        ->expected(1);
+        ->expected(1)
+        ->type_name("PATTERN");
     sub.add_option("--files-from", raw.filesFrom,
-                   "More names, one per line of this file; - is standard input");
+                   "More names, one per line of this file; - is standard input")
+        ->type_name("FILE");
   }
   if (takes & kFiles) addPackOptions(sub, options, raw);
   if ((takes & kFiles) || verb.name == std::string_view("extract")) addOverwrite(sub, options);
   if (verb.name == std::string_view("extract"))
-    sub.add_option("-o,--output", raw.output, "The folder to extract to");
+    sub.add_option("-o,--output", raw.output, "The folder to extract to")->type_name("FOLDER");
   if (verb.name == std::string_view("info"))
     sub.add_option("--dot", raw.dot,
-                   "Write a graph for Graphviz to this file; - is standard output");
+                   "Write a graph for Graphviz to this file; - is standard output")
+        ->type_name("FILE");
   if (verb.name == std::string_view("list"))
     sub.add_flag("--names", options.namesOnly, "Only the names, one per line");
   if (verb.name == std::string_view("delete"))
@@ -86,7 +94,8 @@ void addVerb(CLI::App& app, const Verb& verb, Options& options, Raw& raw) {
   if (takes & kLocks)
     sub.add_option("--lock-timeout", options.lockSeconds,
                    "Seconds to wait while another program writes (default 5)")
-        ->check(CLI::NonNegativeNumber.description(""));
+        ->check(CLI::NonNegativeNumber.description(""))
+        ->type_name("SECONDS");
   addCommonOptions(sub, options);
 }
 
@@ -118,6 +127,11 @@ void take(Options& options, const Raw& raw, const CLI::App& sub) {
   if (given("--dot")) options.dot = toWide(raw.dot);
 }
 
+std::string helpOf(const CLI::App& app) {
+  const std::string name = app.get_parent() ? "zolib " + app.get_name() : app.get_name();
+  return app.get_formatter()->make_help(&app, name, CLI::AppFormatMode::Normal);
+}
+
 ExitCode wrongUsage(Console& console, const std::string& text) {
   console.err("zolib: " + text + "; see `zolib help`");
   return kUsage;
@@ -145,7 +159,7 @@ ExitCode runCommandLine(std::vector<std::string> arguments, Console& console) {
   app.set_version_flag("--version", version);
   for (const Verb& verb : verbs()) addVerb(app, verb, options, raw);
   CLI::App& help = *app.add_subcommand("help", "Show this, or the options of a verb");
-  help.add_option("VERB", raw.topic, "The verb");
+  help.add_option("VERB", raw.topic, "The verb")->type_name("");
   addCommonOptions(help, options);
   CLI::App& about = *app.add_subcommand("version", "Show the version");
   addCommonOptions(about, options);
@@ -158,7 +172,7 @@ ExitCode runCommandLine(std::vector<std::string> arguments, Console& console) {
     return kOk;
   } catch (const CLI::CallForHelp&) {
     const std::vector<CLI::App*> chosen = app.get_subcommands();
-    console.out(chosen.empty() ? app.help() : chosen[0]->help());
+    console.out(helpOf(chosen.empty() ? app : *chosen[0]));
     return kOk;
   } catch (const CLI::ParseError& error) {
     return wrongUsage(console, error.what());
@@ -173,7 +187,8 @@ ExitCode runCommandLine(std::vector<std::string> arguments, Console& console) {
     if (!raw.topic.empty() && topics.empty())
       return wrongUsage(console, "there is no verb " + raw.topic);
     const CLI::App* topic = raw.topic.empty() ? &app : topics[0];
-    return show(options, console, "text", topic->help(), topic->help());
+    const std::string text = helpOf(*topic);
+    return show(options, console, "text", text, text);
   }
   take(options, raw, *chosen[0]);
   for (const Verb& verb : verbs()) {

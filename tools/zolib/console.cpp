@@ -50,11 +50,19 @@ void Console::out(std::string_view utf8) {
 }
 
 bool Console::flush() {
-  if (pending_.empty()) return !failed_;
+  if (pending_.empty()) return !outputFailed();
   if (outIsTerminal_) status({});
-  failed_ = failed_ || !write(out_, outIsTerminal_, pending_);
+  if (!outputFailed() && !write(out_, outIsTerminal_, pending_)) {
+    const DWORD error = GetLastError();
+    error_ = error ? error : ERROR_WRITE_FAULT;
+  }
   pending_.clear();
-  return !failed_;
+  return !outputFailed();
+}
+
+bool Console::readerLeft() const noexcept {
+  return error_ == ERROR_NO_DATA || error_ == ERROR_BROKEN_PIPE ||
+         error_ == ERROR_PIPE_NOT_CONNECTED;
 }
 
 void Console::err(std::string_view utf8) {

@@ -22,7 +22,10 @@ class Console {
   void out(std::string_view utf8);
   // Whether all of it could be written so far.
   bool flush();
-  [[nodiscard]] bool outputFailed() const noexcept { return failed_; }
+  [[nodiscard]] bool outputFailed() const noexcept { return error_ != ERROR_SUCCESS; }
+  [[nodiscard]] DWORD outputError() const noexcept { return error_; }
+  // Whether that was because nobody reads it any more, as behind "| head".
+  [[nodiscard]] bool readerLeft() const noexcept;
 
   // A line to standard error.
   void err(std::string_view utf8);
@@ -35,7 +38,7 @@ class Console {
 
   HANDLE out_, err_;
   bool outIsTerminal_, errIsTerminal_;
-  bool failed_ = false;
+  DWORD error_ = ERROR_SUCCESS;  // of the first write that failed
   std::size_t statusLength_ = 0;
   std::string pending_;
 };

@@ -72,9 +72,9 @@ ExitCode Report::finish() {
   }
   if (!console_.flush()) {
     code_ = graver(code_, kFailed);
-    // Whoever read it has enough: that needs no message.
-    if (GetLastError() != ERROR_NO_DATA && GetLastError() != ERROR_BROKEN_PIPE)
-      console_.err("zolib: cannot write the output: is the disk full?");
+    if (!console_.readerLeft())
+      console_.err("zolib: cannot write the output (error " +
+                   std::to_string(console_.outputError()) + "); is the disk full?");
   }
   return code_;
 }

@@ -20,7 +20,9 @@ class Change {
   // Settles the file and makes it ready for an entry at end().
   [[nodiscard]] int begin();
   [[nodiscard]] std::uint64_t end() const { return end_; }
-  [[nodiscard]] std::uint32_t nextNumber() { return ++counter_; }
+  // The number of a new member, and that it was added.
+  [[nodiscard]] std::uint32_t nextNumber() const { return counter_ + 1; }
+  void countMember() { ++counter_; }
   // Adds an entry at end() whose data has been written.
   [[nodiscard]] bool append(RawEntry entry, const ContentTrailer& trailer);
   // Takes the place of the entry at that position, which may be one of the new ones.

@@ -82,6 +82,7 @@ class Salvage {
       isStopped_ = true;
       return ZoResult::refused;
     }
+    change_.countMember();
     copied_.add(copy, trailer);
     return ZoResult::ok;
   }
