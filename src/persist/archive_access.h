@@ -37,7 +37,6 @@ struct ArchiveAccess<ZoArchive> {
   static bool cameShort(const ZoArchive&) { return readState().cameShort; }
   static bool enter(const ZoArchive& archive);
   static void leave(const ZoArchive&) { --readState().depth; }
-  static void readKey(ZoArchive& archive, ZoString& key) { archive.read(key); }
 };
 
 template <>
@@ -49,7 +48,8 @@ struct ArchiveAccess<ReadArchive> {
   static bool cameShort(const ReadArchive&) { return false; }
   static bool enter(ReadArchive& archive);
   static void leave(ReadArchive& archive);
-  static void readKey(ReadArchive& archive, ZoString& key);
+  // Within a container, shared with an equal text that was read before.
+  static ZoString sharedText(ReadArchive& archive, std::wstring_view text);
 };
 
 template <>

@@ -3,7 +3,7 @@
 
 #include <limits>
 
-#include "persist/shared_keys.h"
+#include "persist/shared_texts.h"
 #include "persist/variant_layout.h"
 
 namespace zo {
@@ -37,14 +37,13 @@ bool ArchiveAccess<ReadArchive>::enter(ReadArchive& archive) {
 }
 
 void ArchiveAccess<ReadArchive>::leave(ReadArchive& archive) {
-  if (--archive.depth_ == 0) archive.keys_.reset();
+  if (--archive.depth_ == 0) archive.texts_.reset();
 }
 
-void ArchiveAccess<ReadArchive>::readKey(ReadArchive& archive, ZoString& key) {
-  if (!archive.keys_) archive.keys_ = std::make_unique<SharedKeys>();
-  unsigned int count = 0;
-  archive.read(count);
-  readText(archive, count, [&](std::wstring_view text) { key = archive.keys_->get(text); });
+ZoString ArchiveAccess<ReadArchive>::sharedText(ReadArchive& archive, std::wstring_view text) {
+  if (archive.depth_ == 0) return ZoString(text);
+  if (!archive.texts_) archive.texts_ = std::make_unique<SharedTexts>();
+  return archive.texts_->get(text);
 }
 
 ReadArchive::ReadArchive() = default;

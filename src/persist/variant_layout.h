@@ -4,6 +4,7 @@
 #include <zo/variant/variant.h>
 
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include "persist/archive_access.h"
@@ -118,7 +119,9 @@ struct VariantBuilder {
     unsigned int count = 0;
     archive.read(count);
     zo::readText(archive, count, [&](std::wstring_view text) {
-      value = ZoVariant(ZoString(text.substr(0, text.find(L'\0'))), code(head), flags(head));
+      text = text.substr(0, text.find(L'\0'));
+      value =
+          ZoVariant(ArchiveAccess<ReadArchive>::sharedText(archive, text), code(head), flags(head));
     });
   }
   template <class Archive>
@@ -126,6 +129,15 @@ struct VariantBuilder {
     _GUID guid{};
     archive.read(guid);
     value = ZoVariant(guid, code(head), flags(head));
+  }
+
+  static void readKey(ZoArchive& archive, ZoString& key) { archive.read(key); }
+  static void readKey(ReadArchive& archive, ZoString& key) {
+    unsigned int count = 0;
+    archive.read(count);
+    zo::readText(archive, count, [&](std::wstring_view text) {
+      key = ArchiveAccess<ReadArchive>::sharedText(archive, text);
+    });
   }
 
   template <class Archive>
@@ -139,7 +151,7 @@ struct VariantBuilder {
   static void readEntry(ZoVariant& dict, Archive& archive) {
     ZoString key;
     ZoVariant value;
-    ArchiveAccess<Archive>::readKey(archive, key);
+    readKey(archive, key);
     archive.read(value);
     if (ArchiveAccess<Archive>::cameShort(archive)) return;
     check(dict.asDict()->insertAt(std::move(key), std::move(value)));

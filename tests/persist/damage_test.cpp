@@ -43,15 +43,12 @@ std::size_t promised(std::size_t input, std::size_t decoded) {
 
 void expectDefined(const ByteVector& container) {
   const Exploded exploded = explode(container);
-  if (!exploded.delivered) return;
-  const std::uint32_t check = load32(&container[container.size() - 4]);
-  const std::uint32_t crc = crc32(exploded.bytes);
-  const bool holds = crc == check || (container[0] != 0x5D && ~crc == check);
-  EXPECT_EQ(exploded.result, holds ? 0 : 1000);
-}
-
-void expectDefinedStreamedAndBounded(const ByteVector& container) {
-  const Exploded exploded = explode(container);
+  if (exploded.delivered) {
+    const std::uint32_t check = load32(&container[container.size() - 4]);
+    const std::uint32_t crc = crc32(exploded.bytes);
+    const bool holds = crc == check || (container[0] != 0x5D && ~crc == check);
+    EXPECT_EQ(exploded.result, holds ? 0 : 1000);
+  }
   MemoryStore store(container);
   VectorSink sink;
   EXPECT_EQ(explodeStream(store, sink), exploded.result);
@@ -72,9 +69,7 @@ TEST_P(Mutations, GiveAnErrorOrADefinedResult) {
   std::mt19937 random(static_cast<unsigned int>(GetParam()) + 1000);
   const int count = mutationCount(GetParam() < kLzmaKinds ? 500 : 1000);
   for (int i = 0; i < count && !HasFailure(); ++i) {
-    const ByteVector container = mutated(original, random);
-    expectDefined(container);
-    if (i % 8 == 0) expectDefinedStreamedAndBounded(container);
+    expectDefined(mutated(original, random));
   }
 }
 
@@ -86,7 +81,6 @@ TEST(Damage, CutAtEveryLength) {
     for (std::size_t size = 0; size < whole.size(); ++size) {
       const ByteVector cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
       expectDefined(cut);
-      expectDefinedStreamedAndBounded(cut);
       EXPECT_NE(explode(cut).result, 0) << "kind " << kind << ", size " << size;
     }
   }

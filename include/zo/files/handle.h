@@ -6,6 +6,7 @@
 //          out-parameter as it was. Nothing throws but std::bad_alloc where a text is copied in.
 // Threads: one thread at a time per object (the text shares its storage like every ZoString).
 // Cost:    copying is O(1).
+// Stored:  docs/formats/archive.md.
 #pragma once
 
 #include <zo/config.h>

@@ -1,5 +1,6 @@
-// The keys that were read last. The dictionaries of one tree mostly have the same few keys: equal
-// ones share their text, which saves a block each.
+// The short texts that were read last. The dictionaries of one tree mostly have the same few keys,
+// and often the same names and norms under them: equal ones share their text, which saves a block
+// each.
 #pragma once
 
 #include <zo/text/string.h>
@@ -11,10 +12,11 @@
 
 namespace zo {
 
-class SharedKeys {
+class SharedTexts {
  public:
   // A string of this text.
-  const ZoString& get(std::wstring_view text) {
+  ZoString get(std::wstring_view text) {
+    if (text.size() > kLongest) return ZoString(text);
     ZoString& kept = kept_[slotOf(text)];
     if (kept.view() != text) kept = ZoString(text);
     return kept;
@@ -22,6 +24,7 @@ class SharedKeys {
 
  private:
   static constexpr std::size_t kSlots = 512;
+  static constexpr std::size_t kLongest = 64;
 
   static std::size_t slotOf(std::wstring_view text) noexcept {
     constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
