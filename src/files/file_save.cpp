@@ -14,26 +14,31 @@ class ZoFileSave::Imp : public ZoFileImp {
  public:
   unsigned int write(const void* data, unsigned int count) override {
     const unsigned int done = ZoFileImp::write(data, count);
-    failed_ = failed_ || (done == 0 && count > 0);
+    if (done == 0 && count > 0) keep();
     return done;
   }
   std::int64_t seek(std::int64_t offset, ZoFile::MoveMethod method) override {
     const std::int64_t position = ZoFileImp::seek(offset, method);
-    failed_ = failed_ || (position < 0 && isOpen());
+    if (position < 0 && isOpen()) keep();
     return position;
   }
   int setEndOfFile() override { return kept(ZoFileImp::setEndOfFile()); }
   int flush() override { return kept(ZoFileImp::flush()); }
   int close() override { return kept(ZoFileImp::close()); }
-  [[nodiscard]] bool failed() const { return failed_; }
+  // The platform's error of what failed first; 0 when nothing did.
+  [[nodiscard]] DWORD failure() const { return failure_; }
 
  private:
+  void keep() {
+    const DWORD error = GetLastError();
+    if (failure_ == ERROR_SUCCESS) failure_ = error ? error : ERROR_WRITE_FAULT;
+  }
   int kept(int code) {
-    failed_ = failed_ || code != ZoResult::ok;
+    if (code != ZoResult::ok) keep();
     return code;
   }
 
-  bool failed_ = false;
+  DWORD failure_ = ERROR_SUCCESS;
 };
 
 ZoFileSave::ZoFileSave() = default;
@@ -61,8 +66,9 @@ int ZoFileSave::open(const ZoFileName& target) {
 }
 
 int ZoFileSave::commit(bool toDisk) {
-  if (beside_.isEmpty() || file_.getImpObj() != imp_ || imp_->failed()) {
-    SetLastError(beside_.isEmpty() ? ERROR_INVALID_HANDLE : ERROR_WRITE_FAULT);
+  const bool isOurs = !beside_.isEmpty() && file_.getImpObj() == imp_;
+  if (const DWORD failure = isOurs ? imp_->failure() : ERROR_INVALID_HANDLE) {
+    SetLastError(failure);
     return fail();
   }
   // A stream may have closed it.

@@ -49,10 +49,12 @@ int report(DWORD error) {
   return ZoResult::refused;
 }
 
+// Somebody else may make it at the same time.
 int makeFolderOf(const ZoFileName& target) {
   const ZoFileName folder(zo::folderOf(target));
   if (folder.isEmpty() || attributesOf(folder) != INVALID_FILE_ATTRIBUTES) return ZoResult::ok;
-  return fileSystem().createDirectory(folder);
+  const int code = fileSystem().createDirectory(folder);
+  return code && attributesOf(folder) != INVALID_FILE_ATTRIBUTES ? ZoResult::ok : code;
 }
 
 }  // namespace

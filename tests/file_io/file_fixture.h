@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "support/faulty_files.h"
 #include "support/printers.h"
 #include "support/temp_folder.h"
 #include "system/attached.h"
@@ -43,6 +44,8 @@ inline std::wstring messageOf(DWORD error) {
 
 class FileTest : public ::testing::Test {
  protected:
+  using Names = std::vector<std::wstring>;
+
   ZoFileName name(const std::wstring& relative) const {
     return ZoFileName((folder_.path() / relative).wstring().c_str());
   }
@@ -58,12 +61,28 @@ class FileTest : public ::testing::Test {
   static ZoFileSystem& fs() { return ZoSystem::fileSystem(); }
   // Whether the service keeps this error.
   static void expectError(DWORD error) { EXPECT_EQ(fs().errorTxt().view(), messageOf(error)); }
+  // Lets the call that each case names fail with an error of its own: the case's result, a report
+  // under the right name, and the error for errorTxt, with nothing in between.
+  template <class Cases, class Run>
+  static void expectReported(RecordingFileSystem& service, const Cases& cases, Run run) {
+    FaultyFiles files;
+    DWORD error = 1000;
+    for (const auto& c : cases) {
+      SCOPED_TRACE(c.call);
+      service.operations.clear();
+      files.arm({.fault = Fault::fail, .call = c.call, .error = ++error});
+      EXPECT_EQ(run(c), c.result);
+      EXPECT_EQ(service.operations, Names{c.reported});
+      EXPECT_EQ(service.lastError, error);
+      EXPECT_EQ(service.errorTxt().view(), messageOf(error));
+    }
+  }
   static bool exists(const ZoFileName& name) {
     return GetFileAttributesW(name.fullName()) != INVALID_FILE_ATTRIBUTES;
   }
   // All that is in the test's folder, sorted, folders with a final backslash.
-  std::vector<std::wstring> listing() const {
-    std::vector<std::wstring> names;
+  Names listing() const {
+    Names names;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_.path())) {
       names.push_back(std::filesystem::relative(entry.path(), folder_.path()).wstring() +
                       (entry.is_directory() ? L"\\" : L""));
@@ -71,8 +90,6 @@ class FileTest : public ::testing::Test {
     std::sort(names.begin(), names.end());
     return names;
   }
-  using Names = std::vector<std::wstring>;
-
   Attached attached_;
   TempFolder folder_;
 };

@@ -1,22 +1,17 @@
-// Saving in one step. (kill_test.cpp has the killed processes.)
+// Saving in one step. (interrupted_test.cpp has failures within.)
 #include <zo/files/file_save.h>
 
 #include "file_io/file_fixture.h"
-#include "files/buffered_file.h"
-#include "support/faulty_files.h"
 
 namespace zo::test {
 namespace {
 
 using FileSave = FileTest;
 
-// Saves as a client would, looking only at the end.
 int saveTo(const ZoFileName& target, const std::string& content) {
   ZoFileSave save;
   if (const int code = save.open(target)) return code;
-  FileWriter writer(save.file(), 1000);
-  writer.write(content.data(), content.size());
-  writer.flush();
+  save.file().write(content.data(), static_cast<unsigned int>(content.size()));
   return save.commit();
 }
 
@@ -45,26 +40,9 @@ TEST_F(FileSave, TheTargetIsReplacedOnlyByACommit) {
   EXPECT_EQ(listing(), (Names{L"f", L"\x44F.dwg"}));
 }
 
-TEST_F(FileSave, WhateverFailsTheOldFileStays) {
-  const std::string old = "old", fresh(5000, 'n');
+TEST_F(FileSave, WhatHappensToTheTargetMeanwhileIsMet) {
   const ZoFileName target = name(L"f");
-  for (const Fault fault : {Fault::fail, Fault::shorten}) {
-    int nth = 1;
-    for (bool met = true; met; ++nth) {
-      put(target, old);
-      FaultyFiles files;
-      files.arm({.fault = fault, .nth = nth});
-      const int code = saveTo(target, fresh);
-      met = files.met();
-      files.arm({});
-      // A short write is completed by the writer; some calls are not needed for success.
-      EXPECT_TRUE(bytesOf(target) == (code ? old : fresh)) << nth;
-      EXPECT_EQ(listing(), (Names{L"f"})) << nth;
-      EXPECT_TRUE(met || code == 0);
-    }
-    EXPECT_GT(nth, 6);
-  }
-  // A target that is made read-only, is in use, or is erased in between.
+  const std::string old = "old";
   put(target, old);
   ZoFileSave save;
   ASSERT_EQ(save.open(target), 0);

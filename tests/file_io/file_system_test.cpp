@@ -1,4 +1,4 @@
-// The file-system service on real files and folders. (kill_test.cpp has the killed processes.)
+// The file-system service on real files and folders. (interrupted_test.cpp has failures within.)
 #include <zo/files/file.h>
 #include <zo/files/forward_file_system.h>
 #include <zo/text/containers/array.h>
@@ -150,47 +150,6 @@ TEST_F(FileSystem, MovesRenameAndNeverReplace) {
   EXPECT_EQ(bytesOf(name(L"to")) + bytesOf(name(L"copy")), "contentcontent");
 }
 
-// Whatever call fails: an error, the target as before, the source intact, nothing beside them.
-TEST_F(FileSystem, AFailureLeavesTargetAndSource) {
-  using Run = std::function<int(const ZoFileName&, const ZoFileName&)>;
-  const Run copy = [&](auto& from, auto& to) { return fs().copy(from, to); };
-  const Run append = [&](auto& from, auto& to) { return fs().append(from, to); };
-  const Run move = [&](auto& from, auto& to) { return fs().move(from, to); };
-  const std::string large(150'000, 'n'), none = "(none)", old = "old";
-  struct Case {
-    const Run& run;
-    std::string before, after;
-  } const cases[] = {{copy, none, large},
-                     {copy, old, large},
-                     {append, none, large},
-                     {append, old, old + large},
-                     {move, none, large}};
-  const ZoFileName from = name(L"from"), to = name(L"to");
-  FaultyFiles files;
-  for (const Case& c : cases) {
-    bool met = true;
-    for (int nth = 1; met; ++nth) {
-      ASSERT_LT(nth, 100);
-      put(from, large);
-      DeleteFileW(to.fullName());
-      if (c.before == old) put(to, old);
-      files.arm({.fault = Fault::fail, .nth = nth});
-      const int code = c.run(from, to);
-      met = files.met();
-      const std::string shown = std::to_string(&c - cases) + ' ' + std::to_string(nth) + " of " +
-                                std::to_string(files.calls().size());
-      files.arm({});
-      // A target that could not be closed in the end is complete. Not every call is one that must
-      // work: what was asked first may be left unanswered.
-      const std::string now = bytesOf(to);
-      EXPECT_TRUE(now == c.after || (code != 0 && now == c.before)) << shown;
-      EXPECT_TRUE(code == 0 || (code == 1 && bytesOf(from) == large)) << shown;
-      if (code != 0) expectError(ERROR_DISK_FULL);
-      EXPECT_LE(listing().size(), 2u) << shown;
-    }
-  }
-}
-
 TEST_F(FileSystem, ErasesWhatTheTypeSays) {
   folder(L"t\\a\\b");
   for (const wchar_t* file :
@@ -337,20 +296,10 @@ TEST_F(FileSystem, EveryFailureIsReportedUnderItsName) {
        0},
       {"setLabel", L"setVolumeLabel", [&](X x) { return service.setVolumeLabel(L"x", x); }},
   };
-  FaultyFiles files;
-  DWORD error = 1000;
-  for (const Case& c : cases) {
-    files.arm({.fault = Fault::fail, .call = c.call, .error = ++error});
-    service.operations.clear();
-    EXPECT_EQ(c.run(f), c.result) << c.reported;
-    EXPECT_EQ(service.operations, Names{c.reported}) << c.call;
-    EXPECT_EQ(service.lastError, error) << c.call;
-    EXPECT_EQ(service.errorTxt().view(), messageOf(error));
-    files.arm({});
-    service.operations.clear();
-    EXPECT_EQ(c.run(url), c.withUrl) << c.call << " with a URL";
-    EXPECT_EQ(service.operations, Names{}) << c.call;
-  }
+  expectReported(service, cases, [&](const Case& c) { return c.run(f); });
+  service.operations.clear();
+  for (const Case& c : cases) EXPECT_EQ(c.run(url), c.withUrl) << c.call << " with a URL";
+  EXPECT_EQ(service.operations, Names{});
   EXPECT_EQ(bytesOf(f), "abc");
 }
 

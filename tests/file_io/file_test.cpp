@@ -397,16 +397,7 @@ TEST_F(FileObject, EveryFailureIsReportedUnderItsName) {
       {"create", L"open", [&] { return file.open(name(L"f")); }, 1},
       {"create", L"createTemp", [&] { return file.createTemp(temp); }, 1},
   };
-  FaultyFiles files;
-  DWORD error = 1000;
-  for (const Case& c : cases) {
-    files.arm({.fault = Fault::fail, .call = c.call, .error = ++error});
-    service.operations.clear();
-    EXPECT_EQ(c.run(), c.result) << c.call;
-    EXPECT_EQ(service.operations, Names{c.reported}) << c.call;
-    EXPECT_EQ(service.lastError, error) << c.call << ": nothing may come between";
-    EXPECT_EQ(service.errorTxt().view(), messageOf(error));
-  }
+  expectReported(service, cases, [](const Case& c) { return c.run(); });
 }
 
 // A file in memory, as an archive's member may be one.

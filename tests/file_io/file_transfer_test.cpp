@@ -1,4 +1,5 @@
-// Copying and moving many files. (kill_test.cpp has the killed processes, remote_test.cpp servers.)
+// Copying and moving many files. (interrupted_test.cpp has failures within, remote_test.cpp
+// servers.)
 #include <zo/files/file.h>
 #include <zo/files/file_transfer.h>
 
@@ -117,32 +118,6 @@ TEST_F(FileTransfer, WhatFailsIsReportedAndTheRestIsDone) {
   EXPECT_EQ(transfer.run(ZoFileTransfer::kMove), 0) << "the rest";
   EXPECT_EQ(bytesOf(name(L"t\\missing")) + bytesOf(name(L"there")), "foundc");
   EXPECT_EQ(transfer.failures().entries(), 0u);
-}
-
-TEST_F(FileTransfer, WhicheverCallFailsNoFileIsLost) {
-  FaultyFiles files;
-  for (const auto mode : {ZoFileTransfer::kCopy, ZoFileTransfer::kMove}) {
-    for (const std::string old : {"(none)", "old"}) {
-      bool met = true;
-      for (int nth = 1; met; ++nth) {
-        ASSERT_LT(nth, 100);
-        put(name(L"s\\a.dwg"), large);
-        DeleteFileW(name(L"t").fullName());
-        if (old == "old") put(name(L"t"), old);
-        ZoFileTransfer transfer;
-        transfer.add(name(L"s\\a.dwg"), name(L"t"));
-        files.arm({.fault = Fault::fail, .nth = nth});
-        const int code = transfer.run(mode);
-        met = files.met();
-        files.arm({});
-        const std::string source = bytesOf(name(L"s\\a.dwg")), target = bytesOf(name(L"t"));
-        EXPECT_TRUE(target == large || (code != 0 && target == old)) << nth;
-        EXPECT_TRUE(source == large || (target == large && mode == ZoFileTransfer::kMove)) << nth;
-        EXPECT_EQ(code == 0, transfer.failures().entries() == 0) << nth;
-        EXPECT_EQ(temporaries(), 0) << nth;
-      }
-    }
-  }
 }
 
 }  // namespace
