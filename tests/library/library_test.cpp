@@ -85,7 +85,7 @@ TEST_F(LibraryTest, HoldsWhatAModelHoldsThroughAnyOperations) {
     ZoLibrary library;
     ASSERT_EQ(openForWriting(library), 0);
     std::uint32_t added = 0;
-    for (int step = 0; step < 120; ++step) {
+    for (int step = 0; step < 100; ++step) {
       const std::wstring name = anyName(), other = anyName();
       int expected = 0, code = 0;
       switch (below(8)) {
@@ -127,6 +127,7 @@ TEST_F(LibraryTest, HoldsWhatAModelHoldsThroughAnyOperations) {
           }
       }
       ASSERT_EQ(code, expected) << "seed " << seed << ", step " << step;
+      if (step % 4 && code == 0) continue;
       // A reader beside the writer sees the same.
       ZoLibrary reader;
       ASSERT_EQ(reader.open(path_), 0);
@@ -269,6 +270,7 @@ TEST_F(LibraryTest, KeepsTimesSizesAndModes) {
     ASSERT_EQ(out.open(target), 0);
     const FILETIME accessed = out.lastAccessTime(), written = out.lastWriteTime();
     EXPECT_EQ(CompareFileTime(&accessed, &times[1]), 0);
+    EXPECT_EQ(bytesOf(target), text);
     EXPECT_EQ(CompareFileTime(&written, &times[2]), 0);
   }
   ASSERT_EQ(library.getEntry(L"noise", entry), 0);
