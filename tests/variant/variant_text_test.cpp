@@ -284,9 +284,12 @@ TEST(VariantText, DamagedTextsAreRefusedOrReadAsWhatTheyNowSay) {
   EXPECT_GT(accepted, 0);
 }
 
-TEST(VariantText, SmallDictionariesTakeNoLargeTables) {
-  const ZoVariant value = parsed(L"Dict{}");
-  const auto* const dict = dynamic_cast<const Dict*>(value.asDict());
+TEST(VariantText, ManySmallDictionariesAreNotDeepAndTakeNoLargeTables) {
+  std::wstring text = L"Sequence [";
+  for (unsigned int i = 0; i < 2 * ZoVariant::kMaxDepth; ++i) text += L"Dict{}";
+  const ZoVariant value = parsed(text + L"]");
+  EXPECT_EQ(value.entries(), 2 * ZoVariant::kMaxDepth);
+  const auto* const dict = dynamic_cast<const Dict*>(value.at(0u)->asDict());
   ASSERT_NE(dict, nullptr);
   EXPECT_LE(dict->buckets(), 8u);
 }
