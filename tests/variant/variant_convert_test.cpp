@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <zo/variant/variant.h>
 
-#include <clocale>
 #include <limits>
 #include <vector>
 
@@ -106,17 +105,6 @@ TEST(VariantConvert, TextsMustBeTheValueAsAWhole) {
         L"(1, 2, 3) x", L"(1 2 3)", L"1, 2, 3", L"(1, 2, 3", L"(,,)", L"(1, x, 3)",
         L"{ABCDEF01-ABCD-efab-A1B2-C3D4E5F60718", L"Dict {}", L"Sequence []"})
     expectConversions(none, {none});
-}
-
-TEST(VariantConvert, NoLocaleHasASay) {
-  for (const char* locale : {"German", "French_France.1252", ""}) {
-    std::setlocale(LC_ALL, locale);
-    EXPECT_EQ(ZoVariant(1234.5).asString(), L"1234.5");
-    EXPECT_EQ(ZoVariant(L"1234.5").asReal(), 1234.5);
-    EXPECT_EQ(ZoVariant(L"1,5").asReal(-1), -1);
-    EXPECT_EQ(ZoVariant(ZoPoint(0.5, 0, 0)).asString(), L"(0.5, 0, 0)");
-  }
-  std::setlocale(LC_ALL, "C");
 }
 
 TEST(VariantConvert, AnEmptyVariantTakesKindAndCodeOfWhatItIsSetTo) {
