@@ -76,9 +76,7 @@ void ZoArchive::write(const ZoHnd& value, const wchar_t*) { zo::writeHandle(*thi
 void ZoArchive::write(const ZoTol& value, const wchar_t*) { zo::writeTol(*this, value); }
 void ZoArchive::write(const ZoCoSystem& value, const wchar_t*) { zo::writeCoSystem(*this, value); }
 void ZoArchive::write(const ZoMatrix& value, const wchar_t*) { zo::writeMatrix(*this, value); }
-void ZoArchive::write(const ZoPlane& value, const wchar_t* name) {
-  zo::writePlane(*this, value, name);
-}
+void ZoArchive::write(const ZoPlane& value, const wchar_t*) { zo::writePlane(*this, value); }
 void ZoArchive::write(const ZoVector& value, const wchar_t* name) {
   zo::writeVector(*this, value, name);
 }
@@ -88,7 +86,7 @@ void ZoArchive::write(const ZoVariant& value, const wchar_t*) {
   zo::writeVariant(*this, value, isdrftfilefiler());
 }
 void ZoArchive::write(const ZoString& value, const wchar_t*) { zo::writeString(*this, value); }
-void ZoArchive::write(ZoColor& value, const wchar_t* name) { write(value.value(), name); }
+void ZoArchive::write(ZoColor& value, const wchar_t*) { write(value.value(), L""); }
 void ZoArchive::write(const wchar_t* text, const wchar_t*) { zo::writeText(*this, text); }
 void ZoArchive::write(double value, const wchar_t* name) { writeBin(&value, sizeof value, name); }
 void ZoArchive::write(std::int64_t value, const wchar_t* name) {

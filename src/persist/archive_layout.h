@@ -90,7 +90,7 @@ void writeVector(Archive& archive, const ZoVector& value, const wchar_t* name) {
   for (const AxisCode& axis : kVectorCodes) {
     if (value.isEqualTo(axis.vector)) return archive.write(axis.code, name);
   }
-  archive.write(static_cast<signed char>(0), name);
+  archive.write(static_cast<signed char>(0), L"");
   archive.write(value.x, L"");
   archive.write(value.y, L"");
   archive.write(value.z, L"");
@@ -113,15 +113,15 @@ void readVector(Archive& archive, ZoVector& value) {
 }
 
 template <class Archive>
-void writePlane(Archive& archive, const ZoPlane& value, const wchar_t* name) {
+void writePlane(Archive& archive, const ZoPlane& value) {
   for (const PlaneCode& plane : kPlaneCodes) {
-    if (value.isEqualTo(plane.plane)) return archive.write(plane.code, name);
+    if (value.isEqualTo(plane.plane)) return archive.write(plane.code, L"");
   }
   archive.write(static_cast<signed char>(0), L"");
   ZoVector unit;
   if (value.normal().normal(unit) != 0) unit = ZoVector();
   const double numbers[] = {unit.x, unit.y, unit.z, value.signedDistanceTo(ZoPoint())};
-  archive.writeBin(numbers, sizeof numbers, name);
+  archive.writeBin(numbers, sizeof numbers, L"");
 }
 template <class Archive>
 void readPlane(Archive& archive, ZoPlane& value) {

@@ -147,9 +147,7 @@ void WriteArchive::write(const ZoPoint& value, const wchar_t*) { writePoint(*thi
 void WriteArchive::write(const ZoVector& value, const wchar_t* name) {
   writeVector(*this, value, name);
 }
-void WriteArchive::write(const ZoPlane& value, const wchar_t* name) {
-  writePlane(*this, value, name);
-}
+void WriteArchive::write(const ZoPlane& value, const wchar_t*) { writePlane(*this, value); }
 void WriteArchive::write(const ZoMatrix& value, const wchar_t*) { writeMatrix(*this, value); }
 void WriteArchive::write(const ZoCoSystem& value, const wchar_t*) { writeCoSystem(*this, value); }
 void WriteArchive::write(const ZoTol& value, const wchar_t*) { writeTol(*this, value); }

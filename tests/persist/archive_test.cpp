@@ -279,13 +279,15 @@ TEST(Archive, OdditiesOfTheFormatAreKept) {
   EXPECT_TRUE(truth);
 
   PlainArchive labels;
-  labels.write(ZoVector(2, 0, 0), L"v");
-  labels.write(ZoPlane(ZoPoint(0, 0, 1), ZoVector::s_zAxis), L"p");
-  labels.write(static_cast<const wchar_t*>(nullptr), L"t");
-  labels.write(ZoString(), L"s");
+  labels.write(ZoVector(2, 0, 0), L"no");
+  labels.write(ZoVector(1, 0, 0), L"v");
+  labels.write(ZoPlane(ZoPoint(0, 0, 1), ZoVector::s_zAxis), L"no");
+  labels.write(static_cast<const wchar_t*>(nullptr), L"no");
+  labels.write(ZoString(), L"no");
+  labels.write(1, L"i");
   labels.write(_GUID(), L"g");
-  labels.write(ZoVariant(1), L"n");
-  EXPECT_EQ(labels.calls, L"v/1 /8 /8 /8 /1 p/32 /4 /0 /4 g/16 /4 /4 /4 ");
+  labels.write(ZoVariant(1), L"no");
+  EXPECT_EQ(labels.calls, L"/1 /8 /8 /8 v/1 /1 /32 /4 /0 /4 i/4 g/16 /4 /4 /4 ");
   ZoMemoryWriteArchive streamed;
   streamed << L"a" << ZoColor(ZoColor::kRed) << 1.0;
   static_assert(!Archivable<void*>);

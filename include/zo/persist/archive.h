@@ -9,7 +9,7 @@
 // (dump_archive.h). An archive either stores or loads, for its whole life.
 //
 // The `name` of a write is a label: binary archives ignore it, the dump prints it. Composite values
-// give their components the label "".
+// give their components the label "", but for the code of a vector along an axis.
 //
 // Reading trusts nothing: memory grows only as data arrives, and containers lie at most
 // ZoVariant::kMaxDepth deep in one another. What happens when the data ends is the archive's

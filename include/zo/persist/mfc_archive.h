@@ -30,7 +30,7 @@ class ZO_COM_API ZoMfcArchive : public ZoArchive {
   using ZoArchive::write;
   void readBin(void* buffer, unsigned int size) override;
   void writeBin(const void* data, unsigned int size, const wchar_t* name) override;
-  // Whether the CArchive's file is a ZoStdioFile that is marked to hold 8-bit text.
+  // Whether the CArchive's file is a ZoStdioFile (zo/host/mfc.h) that is marked to hold 8-bit text.
   [[nodiscard]] bool needToConvertToUnicode() const override;
 
  private:
