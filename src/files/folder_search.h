@@ -23,8 +23,8 @@ class FtpConnection;
   return whole.substr(0, whole.size() - std::wstring_view(name.fileNameExt()).size());
 }
 
-// Where to look for what: a bare volume ("ftp://host", "\\server\share") stands for all in its root,
-// and a name without a file name for all in its folder.
+// Where to look for what: a bare volume ("ftp://host", "\\server\share") stands for all in its
+// root, and a name without a file name for all in its folder.
 struct SearchPlace {
   std::wstring folder;   // with its final delimiter; empty for the current one
   std::wstring pattern;  // for names

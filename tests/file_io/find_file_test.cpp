@@ -15,24 +15,19 @@ namespace {
 TEST(Wildcard, FitsAsThePlatformHasIt) {
   struct Case {
     const wchar_t *pattern, *fits, *doesNot;  // separated by blanks
-  } const cases[] = {
-      {L"*", L"a a.b .b", L""},
-      {L"*.*", L"a a.b .b", L""},
-      {L"*.dwg", L"a.dwg a.DWG a.b.dwg .dwg", L"a.dwgx a a.dw dwg"},
-      {L"a?c", L"abc AXC", L"ac abbc"},
-      {L"*a*b*", L"ab xaxbx aab", L"ba a b"},
-      {L"a.*", L"a a.b a.b.c", L"ab.c b"},
-      {L"a*.", L"a ab", L"a.b b a."},
-      {L"", L"", L"a"},
-      {L"\x416*", L"\x436z", L"z"},  // case of all letters
-      {L"*aaab", L"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaab", L"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa"},
   };
-  for (const Case& c : cases) {
+  for (const Case& c :
+       {Case{L"*", L"a a.b .b", L""}, Case{L"*.*", L"a a.b .b", L""}, Case{L"", L"", L"a"},
+        Case{L"*.dwg", L"a.dwg a.DWG a.b.dwg .dwg", L"a.dwgx a a.dw dwg"},
+        Case{L"a?c", L"abc AXC", L"ac abbc"}, Case{L"*a*b*", L"ab xaxbx aab", L"ba a b"},
+        Case{L"a.*", L"a a.b a.b.c", L"ab.c b"}, Case{L"a*.", L"a ab", L"a.b b a."},
+        Case{L"\x416*", L"\x436z", L"z"},  // case of all letters
+        Case{L"*aaab", L"aaaaaaaaaaaaaaaab", L"aaaaaaaaaaaaaaaaa"}}) {
     for (const bool expected : {true, false}) {
       std::wistringstream names(expected ? c.fits : c.doesNot);
       for (std::wstring one; names >> one;)
         EXPECT_EQ(fitsWildcard(one, c.pattern), expected)
-            << ::testing::PrintToString(one) << &c - cases;
+            << ::testing::PrintToString(one) << ::testing::PrintToString(std::wstring(c.pattern));
     }
   }
 }
@@ -70,31 +65,27 @@ TEST_F(FindFile, FindsByPatternKindAndAttributes) {
     bool subfolders;
     Names found;
     unsigned int required = 0, excluded = kFolder, kinds = 0;
-  } const cases[] = {
-      {L"t\\*.dwg", false, {L"t\\1.dwg"}},
-      {L"t\\*.dwg", true, {L"t\\1.dwg", L"t\\a\\3.DWG", L"t\\a\\b\\\x44F.dwg"}},
-      {L"t\\", false, {L"t\\1.dwg", L"t\\2.txt"}},
-      {L"t\\2.txt", false, {L"t\\2.txt"}},
-      {L"t\\missing", true, {}},
-      {L"t\\missing", false, {}},  // none is no failure
-      {L"t\\empty\\*", true, {}},
-      {L"t\\*", true, {L"t\\a", L"t\\a\\b", L"t\\empty"}, kFolder, 0},
-      {L"t\\a", false, {L"t\\a"}, kFolder, 0},
-      {L"t\\*", false, {L"t\\1.dwg", L"t\\2.txt", L"t\\a", L"t\\empty"}, 0, 0},
-      {L"t\\*", false, {L"t\\2.txt"}, 0, kReadOnly | kFolder},
-      {L"t\\*", false, {L"t\\1.dwg"}, kReadOnly, 0},
-      {L"t\\*",
-       true,
-       {L"t\\a\\b\\4.gpl"},
-       0,
-       kFolder,
-       ZoFindFile::kind(ZoFileName::kGpl) | ZoFindFile::kind(ZoFileName::kXls)},
   };
+  const unsigned int gplOrXls =
+      ZoFindFile::kind(ZoFileName::kGpl) | ZoFindFile::kind(ZoFileName::kXls);
+  const std::vector<Case> cases = {
+      Case{L"t\\*.dwg", false, {L"t\\1.dwg"}},
+      Case{L"t\\", false, {L"t\\1.dwg", L"t\\2.txt"}},
+      Case{L"t\\*.dwg", true, {L"t\\1.dwg", L"t\\a\\3.DWG", L"t\\a\\b\\\x44F.dwg"}},
+      Case{L"t\\2.txt", false, {L"t\\2.txt"}},
+      Case{L"t\\missing", true, {}},
+      Case{L"t\\missing", false, {}},  // none is no failure
+      Case{L"t\\*", true, {L"t\\a", L"t\\a\\b", L"t\\empty"}, kFolder, 0},
+      Case{L"t\\a", false, {L"t\\a"}, kFolder, 0},
+      Case{L"t\\*", false, {L"t\\1.dwg", L"t\\2.txt", L"t\\a", L"t\\empty"}, 0, 0},
+      Case{L"t\\*", false, {L"t\\2.txt"}, 0, kReadOnly | kFolder},
+      Case{L"t\\*", false, {L"t\\1.dwg"}, kReadOnly, 0},
+      Case{L"t\\*", true, {L"t\\a\\b\\4.gpl"}, 0, kFolder, gplOrXls}};
   ZoFindFile find;
   for (const Case& c : cases) {
     find.setAttributes(c.required, c.excluded);
     find.setKinds(c.kinds);
-    EXPECT_EQ(found(find, c.pattern, c.subfolders), c.found) << &c - cases;
+    EXPECT_EQ(found(find, c.pattern, c.subfolders), c.found) << &c - cases.data();
     EXPECT_EQ(find.result(), 0);
   }
   ZoArray<ZoFileName> all;

@@ -13,18 +13,14 @@ namespace {
 TEST(FtpNames, AreTakenApartWithTheirPort) {
   struct Case {
     const wchar_t *name, *host, *user, *password, *path;
-    unsigned short port;
-  } const cases[] = {
-      {L"ftp://h/x/y", L"h", L"", L"", L"/x/y", 0},
-      {L"FTP://h", L"h", L"", L"", L"/", 0},
-      {L"ftp://u@h/x", L"h", L"u", L"", L"/x", 0},
-      {L"ftp://u:p@h:21/x", L"h", L"u", L"p", L"/x", 21},
-      {L"ftp://u:p@q@h/x@y:z", L"h", L"u", L"p@q", L"/x@y:z", 0},
-      {L"ftp://h:99999/x", L"h", L"", L"", L"/x", 0},
-      {L"ftps://h/x", L"", L"", L"", L"", 0},  // not what is spoken here
-      {L"C:\\ftp", L"", L"", L"", L"", 0},
+    unsigned short port = 0;
   };
-  for (const Case& c : cases) {
+  for (const Case& c :
+       {Case{L"FTP://h", L"h", L"", L"", L"/"}, Case{L"ftp://u@h/x/y", L"h", L"u", L"", L"/x/y"},
+        Case{L"ftp://u:p@h:21/x", L"h", L"u", L"p", L"/x", 21},
+        Case{L"ftp://u:p@q@h/x@y:z", L"h", L"u", L"p@q", L"/x@y:z"},
+        Case{L"ftp://h:99999/x", L"h", L"", L"", L"/x"},
+        Case{L"ftps://h/x", L"", L"", L"", L""}}) {  // not what is spoken here
     const FtpAddress address = ftpAddress(ZoFileName(c.name));
     EXPECT_EQ(address.host, c.host);
     EXPECT_EQ(address.user, c.user);

@@ -50,6 +50,15 @@ class FaultyFiles : public FileApi {
   // The names of the calls since the last arm, in order.
   [[nodiscard]] const std::vector<std::string>& calls() const { return calls_; }
 
+  // Those of the last call of create.
+  [[nodiscard]] DWORD flagsOfCreate() const { return flagsOfCreate_; }
+
+  HANDLE create(const wchar_t* name, DWORD access, DWORD share, DWORD disposition,
+                DWORD flags) override {
+    flagsOfCreate_ = flags;
+    if (!passes("create")) return INVALID_HANDLE_VALUE;
+    return FileApi::create(name, access, share, disposition, flags);
+  }
   bool read(HANDLE file, void* buffer, DWORD count, DWORD& done) override {
     const Fault fault = next("read");
     if (fault == Fault::fail) return false;
@@ -89,8 +98,6 @@ class FaultyFiles : public FileApi {
 
 #define ZO_PASS(Type, failed, name, parameters, arguments) \
   Type name parameters override { return passes(#name) ? FileApi::name arguments : failed; }
-  ZO_PASS(HANDLE, INVALID_HANDLE_VALUE, create,
-          (const wchar_t* n, DWORD a, DWORD s, DWORD d, DWORD f), (n, a, s, d, f))
   ZO_PASS(HANDLE, INVALID_HANDLE_VALUE, reopen, (HANDLE h, DWORD a, DWORD s, DWORD f), (h, a, s, f))
   ZO_PASS(HANDLE, nullptr, duplicate, (HANDLE h), (h))
   ZO_PASS(bool, false, seek, (HANDLE h, std::int64_t o, DWORD m, std::int64_t& p), (h, o, m, p))
@@ -152,6 +159,7 @@ class FaultyFiles : public FileApi {
   FaultPlan plan_;
   int seen_ = 0;
   bool met_ = false;
+  DWORD flagsOfCreate_ = 0;
   std::vector<std::string> calls_;
 };
 
