@@ -18,6 +18,17 @@ const ZoFileName& noName() {
   return name;
 }
 
+// False when they could not be read; a time of zero alone may be one.
+bool timesOf(ZoFile& file, zo::MemberTimes& times) {
+  SetLastError(ERROR_SUCCESS);
+  times = {.created = file.creationTime(),
+           .accessed = file.lastAccessTime(),
+           .written = file.lastWriteTime()};
+  const auto isZero = [](FILETIME time) { return !time.dwLowDateTime && !time.dwHighDateTime; };
+  return GetLastError() == ERROR_SUCCESS ||
+         !(isZero(times.created) || isZero(times.accessed) || isZero(times.written));
+}
+
 }  // namespace
 
 ZoLibrary::ZoLibrary() : core_(std::make_shared<LibraryCore>()) {}
@@ -68,10 +79,8 @@ int ZoLibrary::addFile(ZoFile& source, const ZoFileName& member, bool replace, c
   const FilesLock lock;
   if (const int code = core_->mayWrite(&member)) return code;
   zo::FileSource bytes(source);
-  if (!bytes.isReadable()) return ZoResult::refused;
-  const zo::MemberTimes times{.created = source.creationTime(),
-                              .accessed = source.lastAccessTime(),
-                              .written = source.lastWriteTime()};
+  zo::MemberTimes times;
+  if (!bytes.isReadable() || !timesOf(source, times)) return ZoResult::refused;
   return core_->add(bytes, member, times, replace, mode, level);
 }
 

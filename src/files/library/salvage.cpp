@@ -77,7 +77,8 @@ class Salvage {
     copy.position = change_.end();
     copy.record.number = change_.nextNumber();
     copy.record.flags &= kIsCompressed | kIsDeleted;
-    if (!copyData(from_.file, entry, to_.file, copy.dataPosition(), progress_) ||
+    if (!change_.reserve(copy) ||
+        !copyData(from_.file, entry, to_.file, copy.dataPosition(), progress_) ||
         !change_.append(copy, trailer)) {
       isStopped_ = true;
       return ZoResult::refused;
