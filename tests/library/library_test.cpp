@@ -447,7 +447,7 @@ TEST_F(LibraryTest, CancelsAtAnyStepAndIsThenAsItWas) {
       EXPECT_EQ(bytesOf(target), "target");
       EXPECT_EQ(listing(), (Names{L"parts.lib", L"source", L"target"}));
     }
-    EXPECT_GT(steps, 4);
+    EXPECT_GE(steps, 4);
     library.onProgress(nullptr);
     ASSERT_EQ(library.close(), 0);
     put(path_, before);

@@ -57,7 +57,7 @@ class ZO_COM_API ZoLibrary {
 
   // Called before a long call begins, within it at intervals of at most some hundred KiB, and at
   // its end; bytes of the members (reorganize: of the file). False cancels the call, which then
-  // answers 1 and leaves everything as it was.
+  // answers 1 and leaves everything as it was; so does an exception.
   using Watcher = std::function<bool(std::uint64_t done, std::uint64_t total)>;
 
   ZoLibrary();
@@ -88,6 +88,13 @@ class ZO_COM_API ZoLibrary {
   // The same from a file object, from its position to its end.
   int addFile(ZoFile& source, const ZoFileName& member, bool replace = false,
               compMode mode = kCompress, int level = kNormal);
+  // Between these two addFile does not wait for the disk, and all that it adds becomes visible in
+  // one step at the end, here too: adding thousands of members so takes a part of the time. Any
+  // other change and close() end a batch; a second member of a name ends it and begins another. A
+  // killed process leaves nothing of it.
+  int beginBatch();
+  int endBatch();
+  int cancelBatch();  // none of it is added
   // Writes a member out with its three times, in one step: a target that exists is replaced when
   // the member was read as a whole and its check value holds, and is as it was otherwise.
   int extractFile(const ZoFileName& member, const ZoFileName& target);
@@ -122,8 +129,9 @@ class ZO_COM_API ZoLibrary {
   [[nodiscard]] bool contains(const ZoFileName& member);
 
   // ---- The file as a whole ----
-  // Rewrites the file without deleted members, beside itself, and replaces it in one step.
-  // Processes that have it open for reading keep the old one until they open it again.
+  // Rewrites the file without deleted members, beside itself, and replaces it in one step. Where
+  // the platform replaces no file that another process has open, it answers 1 and leaves all as it
+  // was; elsewhere such a process keeps the old file until it opens the library again.
   int reorganize();
   // The 64-bit value that a library keeps for its users. checkSum answers 0 when it is not open.
   [[nodiscard]] std::uint64_t checkSum();
@@ -136,7 +144,7 @@ class ZO_COM_API ZoLibrary {
   // that follow the last member and are none: left by a killed writer, or damage.
   [[nodiscard]] std::uint64_t trailingBytes();
   // Reads a member as a whole: 0 when it is as it was added, 1000 when its check value is not that
-  // of its bytes, 1 when it cannot be read. A member without protection gives 0 when it can be read.
+  // of its bytes, 1 when it cannot be read. One without protection gives 0 when it can be read.
   int verify(const ZoLibEntry& entry);
   // Copies every member that can be read from a damaged library into another one, also such behind
   // a damage. The report names what was found, as it was read, and its code as by verify; members

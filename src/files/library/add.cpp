@@ -115,10 +115,24 @@ int LibraryCore::add(MemberSource& source, const ZoFileName& member, const Membe
   if (const int code = mayWrite(&member)) return code;
   RawEntry entry;
   if (!encodeName(member, entry.name)) return ZoResult::refused;
-  Change change(*this);
-  if (const int code = change.begin()) return code;
+  const bool isBatch = batch != nullptr;
+  if (isBatch && batched.findLive(member.view())) {
+    if (!replace) return ZoResult::memberExists;
+    if (const int code = endBatch()) return code;
+    if (const int code = beginBatch()) return code;
+  }
+  Change single(*this);
+  Change& change = isBatch ? *batch : single;
+  if (!isBatch) {
+    if (const int code = change.begin()) return code;
+  }
   const std::vector<const IndexEntry*> replaced = index.allLive(member.view());
   if (!replaced.empty() && !replace) return ZoResult::memberExists;
+  std::vector<RawEntry> gone(replaced.size());
+  for (std::size_t i = 0; i < gone.size(); ++i) {
+    if (!load(*replaced[i], gone[i])) return ZoResult::refused;
+    gone[i].record.flags |= kIsDeleted;
+  }
 
   Progress watched = progress(source.size());
   entry.position = change.end();
@@ -127,27 +141,47 @@ int LibraryCore::add(MemberSource& source, const ZoFileName& member, const Membe
   entry.record.accessed = number(times.accessed);
   entry.record.written = number(times.written);
   entry.record.nameLength = static_cast<std::uint16_t>(entry.name.size());
-  if (!watched.begin() || !change.reserve(entry, mode != ZoLibrary::kCompress) ||
+  const bool isOnlyCompressed = !isBatch && gone.empty() && mode == ZoLibrary::kCompress;
+  if (!watched.begin() || !change.reserve(entry, !isOnlyCompressed) ||
       !writeData(file, entry, source, watched, mode, level) || !watched.finish()) {
     return ZoResult::refused;
   }
   const ContentTrailer trailer{.size = static_cast<std::uint32_t>(entry.record.size),
                                .crc = entry.record.crc};
-  if (replaced.empty()) {
-    if (!change.append(std::move(entry), trailer)) return ZoResult::refused;
-    return change.commit();
-  }
-  for (const IndexEntry* const old : replaced) {
-    RawEntry gone;
-    if (!load(*old, gone)) return ZoResult::refused;
-    gone.record.flags |= kIsDeleted;
-    change.patch(std::move(gone));
-  }
-  RawEntry hidden = entry;
-  hidden.record.flags |= kIsDeleted;
-  change.patch(std::move(entry));
-  if (!change.append(std::move(hidden), trailer)) return ZoResult::refused;
-  return change.commit();
+  // What takes another one's place is hidden until both change in one step.
+  RawEntry first = entry;
+  if (!gone.empty()) first.record.flags |= kIsDeleted;
+  if (!change.append(std::move(first), trailer)) return ZoResult::refused;
+  change.countMember();
+  for (RawEntry& old : gone) change.patch(std::move(old));
+  if (!gone.empty()) change.patch(entry);
+  if (!isBatch) return change.commit();
+  batched.add(entry, trailer);
+  return ZoResult::ok;
+}
+
+// ---- Many members in one step ----
+
+int LibraryCore::beginBatch() {
+  if (const int code = mayWrite()) return code;
+  auto change = std::make_unique<Change>(*this);
+  if (const int code = change->begin()) return code;
+  batch = std::move(change);
+  return ZoResult::ok;
+}
+
+int LibraryCore::endBatch() {
+  const std::unique_ptr<Change> change = std::move(batch);
+  const bool isEmpty = batched.entries().empty();
+  batched.clear();
+  return change && !isEmpty ? change->commit() : ZoResult::ok;
+}
+
+int LibraryCore::cancelBatch() {
+  if (const int code = mayWrite()) return code;
+  batched.clear();
+  batch.reset();
+  return ZoResult::ok;
 }
 
 }  // namespace zo

@@ -136,6 +136,8 @@ int Change::commit() {
     }
   }
   LibraryFile& file = core_.file;
+  // What a member left behind that was begun and not added.
+  if (!marked_ && file.size() > end_ && !file.cut(end_)) return ZoResult::refused;
   if (!appendRedo() || !endInMark() || !writeHeader() || !file.flush()) return ZoResult::refused;
   if (!openGate() || !file.flush()) return ZoResult::refused;
   isCommitted_ = true;

@@ -20,7 +20,9 @@ class Change {
   // Settles the file and makes it ready for an entry at end().
   [[nodiscard]] int begin();
   [[nodiscard]] std::uint64_t end() const { return end_; }
-  [[nodiscard]] std::uint32_t nextNumber() { return ++counter_; }
+  // The number of a new member, and that it was added.
+  [[nodiscard]] std::uint32_t nextNumber() const { return counter_ + 1; }
+  void countMember() { ++counter_; }
   // To be called before the data of an entry at end() is written: with its gate closed it says that
   // nothing follows, however much the data look like entries. What cannot need not be flushed.
   [[nodiscard]] bool reserve(const RawEntry& entry, bool mayLookLikeEntries = true);

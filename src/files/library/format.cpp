@@ -1,6 +1,8 @@
 #include "files/library/format.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 
 #include "persist/crc32.h"
 
@@ -13,18 +15,18 @@ constexpr std::size_t kCounterAt = 20, kValueAt = 24;
 constexpr std::size_t kStoredSizeAt = 8, kFlagsAt = 50;
 constexpr std::size_t kPatchHead = 8 + 4;  // position, length
 
+static_assert(std::endian::native == std::endian::little);
+
 template <class T>
 T load(const unsigned char* from) {
-  std::uint64_t value = 0;
-  for (std::size_t i = sizeof(T); i-- > 0;) value = value << 8 | from[i];
-  return static_cast<T>(value);
+  T value;
+  std::memcpy(&value, from, sizeof value);
+  return value;
 }
 
 template <class T>
 void store(unsigned char* to, T value) {
-  for (std::size_t i = 0; i < sizeof(T); ++i) {
-    to[i] = static_cast<unsigned char>(std::uint64_t{value} >> 8 * i);
-  }
+  std::memcpy(to, &value, sizeof value);
 }
 
 template <class T>
@@ -94,9 +96,9 @@ void encodeRecord(const EntryRecord& record, std::span<unsigned char, kRecordSiz
 }
 
 std::vector<unsigned char> RawEntry::bytes() const {
-  std::vector<unsigned char> all(kRecordSize);
+  std::vector<unsigned char> all(kRecordSize + name.size());
   encodeRecord(record, std::span(all).first<kRecordSize>());
-  all.insert(all.end(), name.begin(), name.end());
+  std::copy(name.begin(), name.end(), all.begin() + kRecordSize);
   return all;
 }
 

@@ -1,6 +1,7 @@
 #include "files/library/index.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "files/name_compare.h"
 #include "platform/ansi.h"
@@ -24,34 +25,42 @@ void LibraryIndex::keepName(IndexEntry& entry, std::string_view bytes) {
     names_ += fromMultiByte(bytes);
   }
   entry.nameSize = names_.size() - entry.nameBegin;
+  entry.hash = hashName(name(entry));
 }
 
 std::wstring_view LibraryIndex::name(const IndexEntry& entry) const {
   return std::wstring_view(names_).substr(entry.nameBegin, entry.nameSize);
 }
 
-std::size_t& LibraryIndex::bucket(std::wstring_view name) {
-  return buckets_[hashName(name) & (buckets_.size() - 1)];
+std::size_t& LibraryIndex::bucket(std::size_t hash) {
+  return buckets_[hash & (buckets_.size() - 1)];
 }
 
 void LibraryIndex::link(std::size_t number) {
   IndexEntry& entry = entries_[number - 1];
   // Newer entries come before older ones.
-  std::size_t* place = &bucket(name(entry));
+  std::size_t* place = &bucket(entry.hash);
   while (*place > number) place = &entries_[*place - 1].before;
   entry.before = *place;
   *place = number;
 }
 
 void LibraryIndex::unlink(std::size_t number) {
-  std::size_t* place = &bucket(name(entries_[number - 1]));
+  std::size_t* place = &bucket(entries_[number - 1].hash);
   while (*place != number) place = &entries_[*place - 1].before;
   *place = entries_[number - 1].before;
 }
 
-void LibraryIndex::grow() {
-  buckets_.assign(std::max<std::size_t>(64, 2 * buckets_.size()), 0);
+void LibraryIndex::makeBuckets(std::size_t count) {
+  buckets_.assign(std::bit_ceil(std::max<std::size_t>(count, 64)), 0);
   for (std::size_t number = 1; number <= entries_.size(); ++number) link(number);
+}
+
+void LibraryIndex::reserve(std::size_t count) {
+  constexpr std::size_t kTypicalName = 24;
+  entries_.reserve(count);
+  names_.reserve(count * kTypicalName);
+  makeBuckets(count);
 }
 
 void LibraryIndex::add(const RawEntry& raw, const ContentTrailer& trailer) {
@@ -59,7 +68,7 @@ void LibraryIndex::add(const RawEntry& raw, const ContentTrailer& trailer) {
   keepName(entry, raw.name);
   entries_.push_back(entry);
   if (entries_.size() > buckets_.size()) {
-    grow();
+    makeBuckets(2 * entries_.size());
   } else {
     link(entries_.size());
   }
@@ -87,15 +96,21 @@ void LibraryIndex::removeLast() {
   entries_.pop_back();
 }
 
-std::size_t LibraryIndex::newest(std::wstring_view name) const {
-  return buckets_.empty() ? 0 : buckets_[hashName(name) & (buckets_.size() - 1)];
+std::size_t LibraryIndex::newest(std::size_t hash) const {
+  return buckets_.empty() ? 0 : buckets_[hash & (buckets_.size() - 1)];
+}
+
+bool LibraryIndex::isNamed(const IndexEntry& entry, std::wstring_view wanted,
+                           std::size_t hash) const {
+  return entry.hash == hash && equalNames(name(entry), wanted);
 }
 
 std::vector<const IndexEntry*> LibraryIndex::allLive(std::wstring_view wanted) const {
   std::vector<const IndexEntry*> found;
-  for (std::size_t number = newest(wanted); number; number = entries_[number - 1].before) {
+  const std::size_t hash = hashName(wanted);
+  for (std::size_t number = newest(hash); number; number = entries_[number - 1].before) {
     const IndexEntry& entry = entries_[number - 1];
-    if (entry.record.isLive() && equalNames(name(entry), wanted)) found.push_back(&entry);
+    if (entry.record.isLive() && isNamed(entry, wanted, hash)) found.push_back(&entry);
   }
   std::reverse(found.begin(), found.end());
   return found;
@@ -103,17 +118,19 @@ std::vector<const IndexEntry*> LibraryIndex::allLive(std::wstring_view wanted) c
 
 const IndexEntry* LibraryIndex::findLive(std::wstring_view wanted) const {
   const IndexEntry* first = nullptr;
-  for (std::size_t number = newest(wanted); number; number = entries_[number - 1].before) {
+  const std::size_t hash = hashName(wanted);
+  for (std::size_t number = newest(hash); number; number = entries_[number - 1].before) {
     const IndexEntry& entry = entries_[number - 1];
-    if (entry.record.isLive() && equalNames(name(entry), wanted)) first = &entry;
+    if (entry.record.isLive() && isNamed(entry, wanted, hash)) first = &entry;
   }
   return first;
 }
 
 const IndexEntry* LibraryIndex::findDeleted(std::wstring_view wanted) const {
-  for (std::size_t number = newest(wanted); number; number = entries_[number - 1].before) {
+  const std::size_t hash = hashName(wanted);
+  for (std::size_t number = newest(hash); number; number = entries_[number - 1].before) {
     const IndexEntry& entry = entries_[number - 1];
-    if (!entry.record.isLive() && equalNames(name(entry), wanted)) return &entry;
+    if (!entry.record.isLive() && isNamed(entry, wanted, hash)) return &entry;
   }
   return nullptr;
 }

@@ -14,6 +14,7 @@ struct IndexEntry {
   EntryRecord record;
   ContentTrailer trailer;
   std::size_t nameBegin = 0, nameSize = 0;  // among the names
+  std::size_t hash = 0;                     // of the name
   std::size_t before = 0;                   // the next older entry in its bucket, counted from 1
 
   [[nodiscard]] std::uint64_t dataPosition() const {
@@ -25,6 +26,8 @@ struct IndexEntry {
 class LibraryIndex {
  public:
   void clear();
+  // Makes room for so many.
+  void reserve(std::size_t count);
   // Entries come in the order of the file.
   void add(const RawEntry& entry, const ContentTrailer& trailer);
   // A new record and name for the entry at that position.
@@ -41,12 +44,14 @@ class LibraryIndex {
   [[nodiscard]] const IndexEntry* at(std::uint64_t position) const;
 
  private:
-  [[nodiscard]] std::size_t& bucket(std::wstring_view name);
-  [[nodiscard]] std::size_t newest(std::wstring_view name) const;
+  [[nodiscard]] std::size_t& bucket(std::size_t hash);
+  [[nodiscard]] std::size_t newest(std::size_t hash) const;
+  [[nodiscard]] bool isNamed(const IndexEntry& entry, std::wstring_view name,
+                             std::size_t hash) const;
   void keepName(IndexEntry& entry, std::string_view bytes);
   void link(std::size_t number);
   void unlink(std::size_t number);
-  void grow();
+  void makeBuckets(std::size_t count);
 
   std::vector<IndexEntry> entries_;
   std::wstring names_;

@@ -84,6 +84,25 @@ int ZoLibrary::addFile(ZoFile& source, const ZoFileName& member, bool replace, c
   return core_->add(bytes, member, times, replace, mode, level);
 }
 
+int ZoLibrary::beginBatch() {
+  if (!core_) return ZoResult::refused;
+  const FilesLock lock;
+  return core_->beginBatch();
+}
+
+int ZoLibrary::endBatch() {
+  if (!core_) return ZoResult::refused;
+  const FilesLock lock;
+  if (const int code = core_->mayWrite()) return code;
+  return core_->endBatch();
+}
+
+int ZoLibrary::cancelBatch() {
+  if (!core_) return ZoResult::refused;
+  const FilesLock lock;
+  return core_->cancelBatch();
+}
+
 int ZoLibrary::extractFile(const ZoFileName& member, const ZoFileName& target) {
   if (!core_) return ZoResult::refused;
   const FilesLock lock;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "files/library/change.h"
 #include "platform/ansi.h"
 #include "platform/case_fold.h"
 #include "platform/system_path.h"
@@ -26,6 +27,9 @@ bool isHeldByOthers(DWORD error) {
 }
 
 }  // namespace
+
+LibraryCore::LibraryCore() = default;
+LibraryCore::~LibraryCore() = default;
 
 // ---- The process-wide lock ----
 
@@ -132,6 +136,7 @@ int LibraryCore::beginNew(ZoFile::CreationMode mode) {
 
 int LibraryCore::close() {
   if (!isOpen()) return ZoResult::ok;
+  const int code = endBatch();
   const bool closed = file.close();
   lock_.release();
   writable = false;
@@ -141,7 +146,7 @@ int LibraryCore::close() {
   name = ZoFileName();
   for (MemberPlace* const place : places) place->isGone = true;
   places.clear();
-  return closed ? ZoResult::ok : ZoResult::refused;
+  return closed ? code : ZoResult::refused;
 }
 
 int LibraryCore::mayRead(const ZoFileName* member) const {
@@ -161,6 +166,7 @@ int LibraryCore::refresh() {
   // file that stayed the same. One that changes all the time is taken as it was seen.
   constexpr int kAttempts = 8;
   LibraryFile::Signature now;
+  if (batch && isIndexed) return ZoResult::ok;  // what changes the file is not yet visible
   if (!file.look(now)) return ZoResult::refused;
   for (int attempt = 0; !(isIndexed && indexed == now) && attempt < kAttempts; ++attempt) {
     isIndexed = false;
@@ -180,6 +186,9 @@ int LibraryCore::buildIndex() {
   const auto room =
       header.room().first(static_cast<std::size_t>(std::min<std::uint64_t>(size, kHeaderSize)));
   if (!file.read(0, room)) return ZoResult::refused;
+  // No more than the file can hold, whatever it says.
+  index.reserve(static_cast<std::size_t>(
+      std::min<std::uint64_t>(header.counter(), size / (kRecordSize + 1))));
   scan = scanEntries(file, size, [this](const RawEntry& entry, const ContentTrailer& trailer) {
     index.add(entry, trailer);
   });
@@ -190,6 +199,7 @@ int LibraryCore::buildIndex() {
 // ---- What a killed writer left ----
 
 int LibraryCore::settle(bool isOpening) {
+  if (const int code = endBatch()) return code;
   if (const int code = refresh()) return code;
   if (scan.redoPosition) {
     if (const int code = finishRedo()) return code;

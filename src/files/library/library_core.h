@@ -65,8 +65,13 @@ class Progress {
   std::uint64_t done_ = 0, total_;
 };
 
+class Change;
+
 class LibraryCore {
  public:
+  LibraryCore();
+  ~LibraryCore();
+
   static constexpr std::size_t kPiece = 256 * 1024;
 
   // ---- Opening, closing, what is there (library_core.cpp) ----
@@ -93,6 +98,11 @@ class LibraryCore {
   // ---- Adding (add.cpp) ----
   int add(MemberSource& source, const ZoFileName& member, const MemberTimes& times, bool replace,
           ZoLibrary::compMode mode, int level);
+
+  int beginBatch();
+  // Commits what was added since. 0 also without a batch.
+  int endBatch();
+  int cancelBatch();
 
   // ---- Changing entries (change_entry.cpp) ----
   int rename(const ZoFileName& member, const ZoFileName& newName);
@@ -131,6 +141,10 @@ class LibraryCore {
   ZoLibrary::Watcher watcher;
   bool cancelled = false;
   std::vector<MemberPlace*> places;
+
+  // Members that were added and not yet committed, and their names.
+  std::unique_ptr<Change> batch;
+  LibraryIndex batched;
 
   // The index is that of this file; or of none.
   bool isIndexed = false;

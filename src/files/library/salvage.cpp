@@ -83,6 +83,7 @@ class Salvage {
       isStopped_ = true;
       return ZoResult::refused;
     }
+    change_.countMember();
     copied_.add(copy, trailer);
     return ZoResult::ok;
   }
