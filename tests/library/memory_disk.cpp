@@ -99,7 +99,7 @@ bool MemoryDisk::close(HANDLE handle) {
   const bool passed = passes();
   File& file = *found->second.file;
   if (found->second.locks) file.isLocked = false;
-  if (--file.handles == 0 && file.isDoomed && passed) files_.erase(nameOf(file));
+  if (--file.handles == 0 && file.isDoomed && trouble_ != Trouble::stop) files_.erase(nameOf(file));
   open_.erase(found);
   return passed;
 }
@@ -214,7 +214,7 @@ DWORD MemoryDisk::attributes(const wchar_t* name) {
 }
 
 DWORD MemoryDisk::tempFolder(DWORD, wchar_t* buffer) {
-  return passes() ? static_cast<DWORD>(std::wstring(L"M:\\").copy(buffer, 4)) : 0;
+  return static_cast<DWORD>(std::wstring(L"M:\\").copy(buffer, 4));
 }
 
 int forEachRemainder(const MemoryDisk::File& file, std::size_t sector, int most,

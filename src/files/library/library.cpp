@@ -18,17 +18,6 @@ const ZoFileName& noName() {
   return name;
 }
 
-// False when they could not be read; a time of zero alone may be one.
-bool timesOf(ZoFile& file, zo::MemberTimes& times) {
-  SetLastError(ERROR_SUCCESS);
-  times = {.created = file.creationTime(),
-           .accessed = file.lastAccessTime(),
-           .written = file.lastWriteTime()};
-  const auto isZero = [](FILETIME time) { return !time.dwLowDateTime && !time.dwHighDateTime; };
-  return GetLastError() == ERROR_SUCCESS ||
-         !(isZero(times.created) || isZero(times.accessed) || isZero(times.written));
-}
-
 }  // namespace
 
 ZoLibrary::ZoLibrary() : core_(std::make_shared<LibraryCore>()) {}
@@ -80,7 +69,7 @@ int ZoLibrary::addFile(ZoFile& source, const ZoFileName& member, bool replace, c
   if (const int code = core_->mayWrite(&member)) return code;
   zo::FileSource bytes(source);
   zo::MemberTimes times;
-  if (!bytes.isReadable() || !timesOf(source, times)) return ZoResult::refused;
+  if (!bytes.isReadable() || !zo::timesOf(source, times)) return ZoResult::refused;
   return core_->add(bytes, member, times, replace, mode, level);
 }
 

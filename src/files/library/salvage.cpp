@@ -31,8 +31,9 @@ class Salvage {
       RawEntry entry;
       const bool isEntry = readEntry(window_, at, entry) == ScanEnd::kFileEnd;
       const std::uint64_t next = isEntry ? take(entry) : at + 1;
-      if (isStopped_) return ZoResult::refused;
       at = isEntry && next == entry.end() ? next : findEntry(window_, next, from_.header.counter());
+      if (window_.takeFailure()) tell(RawEntry{.position = next, .record = {}, .name = {}}, {}, 1);
+      if (isStopped_) return ZoResult::refused;
     }
     if (!progress_.finish()) return ZoResult::refused;
     return copied_.entries().empty() ? ZoResult::ok : change_.commit();
