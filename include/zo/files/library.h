@@ -148,7 +148,8 @@ class ZO_COM_API ZoLibrary {
   int verify(const ZoLibEntry& entry);
   // Copies every member that can be read from a damaged library into another one, also such behind
   // a damage. The report names what was found, as it was read, and its code as by verify; members
-  // are copied when that is 0. Needs no scan that holds; answers 0 when the source could be read.
+  // are copied when that is 0. A place where the source cannot be read is reported with 1 and no
+  // name. Needs no scan that holds; answers 0 when it was not stopped by the report or a failure.
   int salvageInto(ZoLibrary& target,
                   const std::function<bool(const ZoLibEntry&, int code)>& report = {});
 

@@ -141,8 +141,9 @@ int LibraryCore::add(MemberSource& source, const ZoFileName& member, const Membe
   entry.record.accessed = number(times.accessed);
   entry.record.written = number(times.written);
   entry.record.nameLength = static_cast<std::uint16_t>(entry.name.size());
-  if (!watched.begin() || !writeData(file, entry, source, watched, mode, level) ||
-      !watched.finish()) {
+  const bool isOnlyCompressed = !isBatch && gone.empty() && mode == ZoLibrary::kCompress;
+  if (!watched.begin() || !change.reserve(entry, !isOnlyCompressed) ||
+      !writeData(file, entry, source, watched, mode, level) || !watched.finish()) {
     return ZoResult::refused;
   }
   const ContentTrailer trailer{.size = static_cast<std::uint32_t>(entry.record.size),

@@ -40,20 +40,24 @@ int Change::begin() {
   return ZoResult::ok;
 }
 
-// A gate that is the stored size is closed before anything else of the entry is written: the rest
-// of its fields lie in the next sector, which might be all that reaches the disk.
-bool Change::closeFirstGate(std::vector<unsigned char>& bytes) {
+// A gate that is the stored size is always flushed: the rest of the fields lie in the next sector,
+// which might be all that reaches the disk.
+bool Change::reserve(const RawEntry& entry, bool mayLookLikeEntries) {
+  if (entry.position != begin_ || marked_) return true;
   const Gate gate = gateOf(begin_);
+  std::vector<unsigned char> bytes = entry.bytes();
+  bytes.resize(kRecordSize);
   closeGate(gate, bytes);
-  if (gate.offset == kFlagsAt) return true;
-  return core_.file.write(begin_, part(bytes, 0, gate.offset + gate.size)) && core_.file.flush();
+  if (!core_.file.write(begin_, bytes)) return false;
+  const bool mustFlush = mayLookLikeEntries || gate.offset != kFlagsAt;
+  return !mustFlush || core_.file.flush();
 }
 
 bool Change::append(RawEntry entry, const ContentTrailer& trailer) {
   std::vector<unsigned char> bytes = entry.bytes();
   if (entry.position == begin_) {
     firstEntry_ = bytes;
-    if (!marked_ && !closeFirstGate(bytes)) return false;
+    if (!marked_) closeGate(gateOf(begin_), bytes);
   }
   if (!core_.file.write(entry.position, bytes)) return false;
   end_ = entry.end();
@@ -80,7 +84,8 @@ bool Change::appendRedo() {
   redo.record.flags = kIsDeleted | kIsRedo;
   redo.record.nameLength = static_cast<std::uint16_t>(redo.name.size());
   redoPosition_ = redo.position;
-  return core_.file.write(redo.dataPosition(), data) && append(std::move(redo), {});
+  return reserve(redo) && core_.file.write(redo.dataPosition(), data) &&
+         append(std::move(redo), {});
 }
 
 bool Change::writeHeader() {

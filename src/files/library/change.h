@@ -23,6 +23,9 @@ class Change {
   // The number of a new member, and that it was added.
   [[nodiscard]] std::uint32_t nextNumber() const { return counter_ + 1; }
   void countMember() { ++counter_; }
+  // To be called before the data of an entry at end() is written: with its gate closed it says that
+  // nothing follows, however much the data look like entries. What cannot need not be flushed.
+  [[nodiscard]] bool reserve(const RawEntry& entry, bool mayLookLikeEntries = true);
   // Adds an entry at end() whose data has been written.
   [[nodiscard]] bool append(RawEntry entry, const ContentTrailer& trailer);
   // Takes the place of the entry at that position, which may be one of the new ones.
@@ -35,7 +38,6 @@ class Change {
     ContentTrailer trailer;
   };
 
-  [[nodiscard]] bool closeFirstGate(std::vector<unsigned char>& bytes);
   [[nodiscard]] bool endInMark();
   [[nodiscard]] bool appendRedo();
   [[nodiscard]] bool writeHeader();

@@ -45,8 +45,8 @@ int LibraryCore::rename(const ZoFileName& member, const ZoFileName& newName) {
   Progress watched = progress(old.record.storedSize);
   renamed.position = change.end();
   renamed.record.flags &= static_cast<std::uint16_t>(~kEndsScan);
-  if (!watched.begin() || !copyData(file, old, file, renamed.dataPosition(), watched) ||
-      !watched.finish()) {
+  if (!watched.begin() || !change.reserve(renamed) ||
+      !copyData(file, old, file, renamed.dataPosition(), watched) || !watched.finish()) {
     return ZoResult::refused;
   }
   RawEntry hidden = renamed;

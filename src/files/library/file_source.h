@@ -10,6 +10,17 @@
 
 namespace zo {
 
+// False when they could not be read; a time of zero alone may be one.
+[[nodiscard]] inline bool timesOf(ZoFile& file, MemberTimes& times) {
+  SetLastError(ERROR_SUCCESS);
+  times = {.created = file.creationTime(),
+           .accessed = file.lastAccessTime(),
+           .written = file.lastWriteTime()};
+  const auto isZero = [](FILETIME time) { return !time.dwLowDateTime && !time.dwHighDateTime; };
+  return GetLastError() == ERROR_SUCCESS ||
+         !(isZero(times.created) || isZero(times.accessed) || isZero(times.written));
+}
+
 class FileSource final : public MemberSource {
  public:
   explicit FileSource(ZoFile& file) : file_(file), begin_(file.currentPos()) {

@@ -68,10 +68,8 @@ int ZoLibrary::addFile(ZoFile& source, const ZoFileName& member, bool replace, c
   const FilesLock lock;
   if (const int code = core_->mayWrite(&member)) return code;
   zo::FileSource bytes(source);
-  if (!bytes.isReadable()) return ZoResult::refused;
-  const zo::MemberTimes times{.created = source.creationTime(),
-                              .accessed = source.lastAccessTime(),
-                              .written = source.lastWriteTime()};
+  zo::MemberTimes times;
+  if (!bytes.isReadable() || !zo::timesOf(source, times)) return ZoResult::refused;
   return core_->add(bytes, member, times, replace, mode, level);
 }
 

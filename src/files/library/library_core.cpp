@@ -247,7 +247,8 @@ bool LibraryCore::isHarmlessTail(bool isOpening) {
     case ScanEnd::kNoEntry: {
       if (isOpening) return false;
       ReadWindow window(file, file.size());
-      return findEntry(window, scan.position + 1, header.counter()) == file.size();
+      return findEntry(window, scan.position + 1, header.counter()) == file.size() &&
+             !window.takeFailure();
     }
     default:
       return false;

@@ -117,9 +117,11 @@ std::shared_ptr<LibraryMember> LibraryMember::again() const {
 int LibraryMember::finish() {
   if (!isWriting()) return ZoResult::ok;
   kind_ = Kind::kStored;
-  if (!isUsable() || file_.seekToBegin() != 0) return ZoResult::refused;
+  if (!isUsable() || isIncomplete_ || file_.seekToBegin() != 0) return ZoResult::refused;
   FileSource source(file_);
-  const MemberTimes all = times();
+  MemberTimes all;
+  if (!timesOf(file_, all)) return ZoResult::refused;
+  all = withThoseSet(all);
   const auto mode = level_ == 0 ? ZoLibrary::kStore : ZoLibrary::kCompress;
   const int code = core_->add(source, name_, all, true, mode, level_);
   file_.close();
@@ -155,7 +157,10 @@ unsigned int LibraryMember::read(void* buffer, unsigned int count) {
 }
 
 unsigned int LibraryMember::write(const void* data, unsigned int count) {
-  return isWriting() ? file_.write(data, count) : 0;
+  if (!isWriting()) return 0;
+  const unsigned int done = file_.write(data, count);
+  if (done != count) isIncomplete_ = true;
+  return done;
 }
 
 std::int64_t LibraryMember::seek(std::int64_t offset, ZoFile::MoveMethod method) {
@@ -169,7 +174,12 @@ std::int64_t LibraryMember::seek(std::int64_t offset, ZoFile::MoveMethod method)
   return position_;
 }
 
-int LibraryMember::setEndOfFile() { return isWriting() ? file_.setEndOfFile() : ZoResult::refused; }
+int LibraryMember::setEndOfFile() {
+  if (!isWriting()) return ZoResult::refused;
+  const int code = file_.setEndOfFile();
+  if (code) isIncomplete_ = true;
+  return code;
+}
 
 // ---- Times ----
 
@@ -180,9 +190,16 @@ MemberTimes LibraryMember::times() {
             .accessed = fileTime(record.accessed),
             .written = fileTime(record.written)};
   }
-  return {.created = isSet(times_.created) ? times_.created : file_.creationTime(),
-          .accessed = isSet(times_.accessed) ? times_.accessed : file_.lastAccessTime(),
-          .written = isSet(times_.written) ? times_.written : file_.lastWriteTime()};
+  return withThoseSet({.created = file_.creationTime(),
+                       .accessed = file_.lastAccessTime(),
+                       .written = file_.lastWriteTime()});
+}
+
+MemberTimes LibraryMember::withThoseSet(MemberTimes times) const {
+  if (isSet(times_.created)) times.created = times_.created;
+  if (isSet(times_.accessed)) times.accessed = times_.accessed;
+  if (isSet(times_.written)) times.written = times_.written;
+  return times;
 }
 
 int LibraryMember::setTimes(const MemberTimes& times) {

@@ -23,7 +23,7 @@ class LibraryMember {
   [[nodiscard]] bool isUsable() const noexcept;
   [[nodiscard]] bool isWriting() const noexcept { return kind_ == Kind::kWritten; }
   [[nodiscard]] const ZoFileName& name() const noexcept { return name_; }
-  // Adds what was written.
+  // Adds what was written, unless a write failed.
   int finish();
   // The same member from its begin, on its own.
   [[nodiscard]] std::shared_ptr<LibraryMember> again() const;
@@ -43,6 +43,7 @@ class LibraryMember {
 
   LibraryMember(std::shared_ptr<LibraryCore> core, const ZoFileName& name);
   bool load();
+  [[nodiscard]] MemberTimes withThoseSet(MemberTimes times) const;
 
   std::shared_ptr<LibraryCore> core_;
   unsigned int opening_;
@@ -53,6 +54,7 @@ class LibraryMember {
   std::vector<unsigned char> memory_;
   ZoFile file_;  // the content, or what is written
   int level_ = 0;
+  bool isIncomplete_ = false;  // a write failed
   MemberTimes times_;  // what was set while writing
 };
 

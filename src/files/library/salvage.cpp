@@ -31,8 +31,9 @@ class Salvage {
       RawEntry entry;
       const bool isEntry = readEntry(window_, at, entry) == ScanEnd::kFileEnd;
       const std::uint64_t next = isEntry ? take(entry) : at + 1;
-      if (isStopped_) return ZoResult::refused;
       at = isEntry && next == entry.end() ? next : findEntry(window_, next, from_.header.counter());
+      if (window_.takeFailure()) tell(RawEntry{.position = next, .record = {}, .name = {}}, {}, 1);
+      if (isStopped_) return ZoResult::refused;
     }
     if (!progress_.finish()) return ZoResult::refused;
     return copied_.entries().empty() ? ZoResult::ok : change_.commit();
@@ -77,7 +78,8 @@ class Salvage {
     copy.position = change_.end();
     copy.record.number = change_.nextNumber();
     copy.record.flags &= kIsCompressed | kIsDeleted;
-    if (!copyData(from_.file, entry, to_.file, copy.dataPosition(), progress_) ||
+    if (!change_.reserve(copy) ||
+        !copyData(from_.file, entry, to_.file, copy.dataPosition(), progress_) ||
         !change_.append(copy, trailer)) {
       isStopped_ = true;
       return ZoResult::refused;

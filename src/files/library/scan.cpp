@@ -8,6 +8,7 @@ namespace zo {
 namespace {
 
 constexpr std::size_t kFirstRead = 4096;
+constexpr int kMostFailures = 1000;  // in a row: then the device is gone
 constexpr std::uint64_t kNear = 64 * 1024;
 // A redo holds some records; more than this, and it is none.
 constexpr std::uint64_t kLargestRedo = 1 << 24;
@@ -51,7 +52,10 @@ const unsigned char* ReadWindow::at(std::uint64_t offset, std::size_t count) {
   const auto wanted =
       static_cast<std::size_t>(std::min<std::uint64_t>(std::max(ahead_, count), size_ - offset));
   filled_ = 0;
-  if (!store_.read(offset, {buffer_.get(), wanted})) return nullptr;
+  if (!store_.read(offset, {buffer_.get(), wanted})) {
+    hasFailed_ = true;
+    return nullptr;
+  }
   begin_ = offset;
   filled_ = wanted;
   return buffer_.get();
@@ -143,11 +147,19 @@ std::uint64_t findEntry(ReadWindow& window, std::uint64_t from, std::uint32_t co
   // A library whose counter was lost with its header: any number will do.
   if (counter == 0) counter = 0xFFFFFFFF;
   const std::uint64_t size = window.size();
+  std::size_t most = ReadWindow::kSize;
+  int failures = 0;
   while (from < size && size - from >= kRecordSize) {
-    const auto count =
-        static_cast<std::size_t>(std::min<std::uint64_t>(size - from, ReadWindow::kSize));
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(size - from, most));
     const unsigned char* const bytes = window.at(from, count);
-    if (!bytes) return size;
+    if (!bytes) {
+      if (++failures == kMostFailures) return size;
+      if (most == kFirstRead) from += kSectorSize;
+      most = kFirstRead;
+      continue;
+    }
+    failures = 0;
+    most = std::min(2 * most, ReadWindow::kSize);
     std::size_t i = 0;
     for (; count - i >= kRecordSize; ++i) {
       // Flags and mode decide most of it: see isPlausible.

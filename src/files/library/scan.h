@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "files/library/format.h"
 #include "persist/container.h"
@@ -25,6 +26,8 @@ class ReadWindow {
   [[nodiscard]] std::uint64_t size() const { return size_; }
   // The bytes there, valid until the next call; null when they cannot be read. At most kSize.
   [[nodiscard]] const unsigned char* at(std::uint64_t offset, std::size_t count);
+  // Whether a reading failed since this was asked last.
+  [[nodiscard]] bool takeFailure() { return std::exchange(hasFailed_, false); }
 
  private:
   ByteStore& store_;
@@ -32,6 +35,7 @@ class ReadWindow {
   std::unique_ptr<unsigned char[]> buffer_;
   std::uint64_t begin_ = 0;
   std::size_t filled_ = 0;
+  bool hasFailed_ = false;
   std::size_t ahead_;
 };
 
@@ -71,7 +75,8 @@ using EntryVisitor = std::function<void(const RawEntry&, const ContentTrailer&)>
                                      const EntryVisitor& visit);
 
 // The next place from `from` on where an entry seems to stand that this library may have written:
-// its fields agree with each other and it ends within the file. `size` when there is none.
+// its fields agree with each other and it ends within the file. `size` when there is none. What
+// cannot be read is passed over.
 [[nodiscard]] std::uint64_t findEntry(ReadWindow& window, std::uint64_t from,
                                       std::uint32_t counter);
 
