@@ -64,11 +64,13 @@ class LibraryTest : public FileTest {
     put(source_, bytes);
     return library.addFile(source_, member.c_str(), replace, mode, level);
   }
-  std::string content(ZoLibrary& library, const std::wstring& member) const {
-    const ZoFileName target = name(L"extracted");
-    const int code = library.extractFile(member.c_str(), target);
-    const std::string bytes = code ? "code " + std::to_string(code) : bytesOf(target);
-    DeleteFileW(target.fullName());
+  static std::string content(ZoLibrary& library, const std::wstring& member) {
+    ZoFile file;
+    if (const int code = library.getFile(file, member.c_str())) {
+      return "code " + std::to_string(code);
+    }
+    std::string bytes(static_cast<std::size_t>(file.size()) + 1, '\0');
+    bytes.resize(file.read(bytes.data(), static_cast<unsigned int>(bytes.size())));
     return bytes;
   }
   static std::vector<std::wstring> names(ZoLibrary& library, bool withDeleted = false) {

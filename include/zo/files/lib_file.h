@@ -5,9 +5,9 @@
 //   file.read(buffer, sizeof buffer);
 //
 // Reading  a stored member happens in place: nothing is read before it is asked for, and no check
-//          value is looked at. A compressed one is decompressed when it is opened, up to 64 MiB into
-//          memory and else into a temporary file, and then reads and seeks alike. Nothing can be
-//          read past the member's end.
+//          value is looked at. A compressed one is decompressed when it is opened, up to 64 MiB
+//          into memory and else into a temporary file, and then reads and seeks alike. Nothing can
+//          be read past the member's end.
 // Times    are the member's. Setting one writes its entry anew, in a library that is open for
 //          writing (1004 otherwise).
 // Writing  goes into a temporary file, which close() adds to the library in the place of what has

@@ -14,7 +14,7 @@ struct ZoLibEntry {
   // Bits of flags. They are part of the format: never renumber.
   enum Flag : unsigned short { kScanEnds = 0x0080, kCompressed = 0x0100, kDeleted = 0x0200 };
 
-  ZoFileName name;
+  ZoFileName name;               // empty when the file holds one that no file name can be
   std::uint64_t position = 0;    // of the entry in the library file; the name and the data follow
   std::uint64_t storedSize = 0;  // bytes of data as they lie in the library
   // Bytes of the member itself. Taken from the data for a compressed member; from the entry, or

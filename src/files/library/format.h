@@ -95,7 +95,7 @@ void closeGate(Gate gate, std::span<unsigned char> entry);
 
 // ---- The redo entry: changes that are committed and perhaps not yet made ----
 
-inline constexpr std::string_view kRedoName = "<zo:redo>";
+inline constexpr std::string_view kRedoName = "<zo-redo>";
 
 [[nodiscard]] bool isRedo(const EntryRecord& record, std::string_view name);
 // The data of a redo entry: new records and names in the place of old ones.

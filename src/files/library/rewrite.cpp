@@ -92,11 +92,13 @@ int LibraryCore::rewrite(const std::function<bool(const IndexEntry&)>& drops) {
   if (!watched.begin()) return ZoResult::refused;
   if (isBegin) {
     if (kept == file.size()) return ZoResult::ok;
-    scan.position = kept;
-    const int code = cutTail();
-    if (code == ZoResult::ok) movePlaces(drops);
     isIndexed = false;
-    return code;
+    if (!file.cut(kept)) return ZoResult::refused;
+    // It is done and cannot be taken back: a flush that fails leaves it to the platform when.
+    static_cast<void>(file.flush());
+    file.touch();
+    movePlaces(drops);
+    return ZoResult::ok;
   }
 
   Beside beside(path);

@@ -1,8 +1,8 @@
 // Copying what can be read from a damaged library into another one.
 //
 // The entries are followed from one to the next as in any scan. An entry is taken when its check
-// value proves it, or when what follows it is an entry again or the end of the file. Behind anything
-// else the next place is searched where an entry may stand.
+// value proves it, or when what follows it is an entry again or the end of the file. Behind
+// anything else the next place is searched where an entry may stand.
 #include "files/library/change.h"
 
 namespace zo {
