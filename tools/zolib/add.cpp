@@ -1,4 +1,5 @@
 // create, add, update: packing.
+#include <windows.h>
 #include <zo/files/library.h>
 #include <zo/files/library_results.h>
 
@@ -33,7 +34,8 @@ Packing packingOf(Mode mode) noexcept {
   return {ZoLibrary::kAutomatic, ZoLibrary::kNormal};
 }
 
-// Adds one file after the other, and sums up.
+// Adds one file after the other, and sums up. Small ones go in batches, each of which is in the
+// library as a whole or not at all; a killed program costs the last second's.
 class Adder {
  public:
   Adder(const Options& options, Report& report, Session& session)
@@ -63,17 +65,35 @@ class Adder {
       return;
     }
     session_.progress().begin(toUtf8(source.member), source.size);
-    if (const int code = store(source, member)) {
-      if (code > 0) session_.reportFailure("cannot add " + toUtf8(source.path), code);
-      return;
+    const bool alone = source.path == L"-" || source.size >= kAlone;
+    if (alone || GetTickCount64() >= batchBegun_ + kBatchTime) endBatch();
+    const int code = store(source, member, alone);
+    if (!code)
+      batch_.push_back({member, action});
+    else if (code > 0)
+      session_.reportFailure("cannot add " + toUtf8(source.path), code);
+    if (alone) endBatch();
+  }
+
+  // Makes what was added so far a part of the library.
+  void endBatch() {
+    forgetReason();
+    const int code = inBatch_ ? session_->endBatch() : ZoResult::ok;
+    inBatch_ = false;
+    if (code) {
+      session_.reportFailure("cannot add the last " + counted(batch_.size(), "file"), code);
+      batch_.clear();
     }
-    ZoLibEntry entry;
-    session_->getEntry(member, entry);
-    size_ += entry.size;
-    packed_ += entry.storedSize;
-    Json& json = report_.member(source.member, action);
-    json["size"] = entry.size;
-    json["packed"] = entry.storedSize;
+    for (const Added& added : batch_) {
+      ZoLibEntry entry;
+      session_->getEntry(added.member, entry);
+      size_ += entry.size;
+      packed_ += entry.storedSize;
+      Json& json = report_.member(added.member.view(), added.action);
+      json["size"] = entry.size;
+      json["packed"] = entry.storedSize;
+    }
+    batch_.clear();
   }
 
   void sumUp() {
@@ -94,15 +114,27 @@ class Adder {
   }
 
  private:
+  struct Added {
+    ZoFileName member;
+    const char* action;
+  };
+  static constexpr std::uint64_t kAlone = 16 << 20;  // bytes
+  static constexpr std::uint64_t kBatchTime = 1000;  // ms
+
   // A code, or -1 for what was reported already.
-  int store(const Source& source, const ZoFileName& member) {
-    forgetReason();
-    if (source.path != L"-")
-      return session_->addFile(ZoFileName(source.path), member, true, packing_.mode,
-                               packing_.level);
+  int store(const Source& source, const ZoFileName& member, bool alone) {
     ZoFile data;
-    if (!readInputInto(data, report_)) return -1;
-    return session_->addFile(data, member, true, packing_.mode, packing_.level);
+    if (source.path == L"-" && !readInputInto(data, report_)) return -1;
+    forgetReason();
+    if (!alone && !inBatch_) {
+      if (const int code = session_->beginBatch()) return code;
+      inBatch_ = true;
+      batchBegun_ = GetTickCount64();
+    }
+    return source.path == L"-"
+               ? session_->addFile(data, member, true, packing_.mode, packing_.level)
+               : session_->addFile(ZoFileName(source.path), member, true, packing_.mode,
+                                   packing_.level);
   }
 
   static bool isNewer(const Source& source, const ZoLibEntry& old) noexcept {
@@ -114,6 +146,9 @@ class Adder {
   Session& session_;
   Packing packing_;
   Overwrite overwrite_ = options_.overwrite;
+  std::vector<Added> batch_;  // stored, and not yet said
+  bool inBatch_ = false;
+  std::uint64_t batchBegun_ = 0;
   std::uint64_t size_ = 0, packed_ = 0;
 };
 
@@ -135,6 +170,7 @@ void add(const Options& options, Report& report) {
     if (report.code() == kCancelled) break;
     adder.add(source);
   }
+  if (session.isOpen()) adder.endBatch();
   adder.sumUp();
   if (session.isOpen()) session.close();
 }

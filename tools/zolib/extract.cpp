@@ -4,7 +4,7 @@
 #include <zo/system/file_system.h>
 #include <zo/system/registry.h>
 
-#include <unordered_set>
+#include <unordered_map>
 
 #include "cancel.h"
 #include "names.h"
@@ -30,11 +30,12 @@ class Extractor {
       return;
     }
     const std::wstring target = joined(root_, member);
+    if (!options_.dryRun && !makeFolder(target)) return;
     if (keepsTarget(entry, target)) {
       report_.member(member, "kept");
       return;
     }
-    if (!options_.dryRun && !(makeFolder(target) && write(entry, target))) return;
+    if (!options_.dryRun && !write(entry, target)) return;
     report_.member(member, "extracted")["size"] = entry.size;
   }
 
@@ -51,7 +52,9 @@ class Extractor {
 
  private:
   bool keepsTarget(const ZoLibEntry& entry, const std::wstring& target) {
-    if (options_.overwrite == Overwrite::kAlways) return false;
+    // In a folder that was made just now nothing is to be kept.
+    if (options_.overwrite == Overwrite::kAlways || isFresh_) return false;
+    if (!ZoSystem::fileSystem().getAttributes(ZoFileName(target))) return false;
     ZoFindFile find;
     if (find.open(ZoFileName(target)) || !find.next()) return false;
     if (options_.overwrite == Overwrite::kNewer)
@@ -63,15 +66,22 @@ class Extractor {
 
   bool makeFolder(const std::wstring& target) {
     const std::wstring folder(folderOf(target));
-    if (folder.empty() || !folders_.insert(folded(folder)).second) return true;
-    forgetReason();
-    const ZoFileName name(folder);
-    ZoFileSystem& files = ZoSystem::fileSystem();
-    if ((files.getAttributes(name) & FILE_ATTRIBUTE_DIRECTORY) || !files.createDirectory(name))
-      return true;
-    folders_.erase(folded(folder));
-    report_.fail(kFailed, "cannot make the folder " + toUtf8(folder) + because());
-    return false;
+    const auto [known, isNew] = folders_.try_emplace(folded(folder), false);
+    if (isNew && !folder.empty()) {
+      forgetReason();
+      const ZoFileName name(folder);
+      ZoFileSystem& files = ZoSystem::fileSystem();
+      if (!(files.getAttributes(name) & FILE_ATTRIBUTE_DIRECTORY)) {
+        if (files.createDirectory(name)) {
+          folders_.erase(known);
+          report_.fail(kFailed, "cannot make the folder " + toUtf8(folder) + because());
+          return false;
+        }
+        known->second = true;
+      }
+    }
+    isFresh_ = known->second;
+    return true;
   }
 
   bool write(const ZoLibEntry& entry, const std::wstring& target) {
@@ -92,7 +102,10 @@ class Extractor {
   Report& report_;
   Session& session_;
   std::wstring root_;
-  std::unordered_set<std::wstring> folders_;  // that are there
+  // That are there; and whether they were made in this run. Members of one name come out once, so
+  // that nothing in these is there twice.
+  std::unordered_map<std::wstring, bool> folders_;
+  bool isFresh_ = false;  // the folder of the member in hand
 };
 
 }  // namespace

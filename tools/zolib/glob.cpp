@@ -80,6 +80,7 @@ Selection::Selection(const std::vector<std::wstring>& names,
 }
 
 bool Selection::wants(std::wstring_view name) {
+  if (patterns_.empty() && plain_.empty() && include_.empty() && exclude_.empty()) return true;
   const std::wstring text = folded(name);
   bool wanted = patterns_.empty() && plain_.empty();
   for (Pattern& pattern : patterns_) {

@@ -1,6 +1,7 @@
 #include "text.h"
 
 #include <cstdio>
+#include <unordered_map>
 
 namespace zolib {
 namespace {
@@ -33,15 +34,18 @@ std::wstring toWide(std::string_view utf8) {
 
 std::wstring folded(std::wstring_view name) {
   std::wstring text(name);
-  if (!text.empty()) {
-    // Lower case never changes the length here: no linguistic casing is asked for.
-    const int length = static_cast<int>(text.size());
-    LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, name.data(), length, text.data(), length,
-                  nullptr, nullptr, 0);
-  }
+  bool isAscii = true;
   for (wchar_t& c : text) {
+    isAscii = isAscii && c < 0x80;
+    if (c >= L'A' && c <= L'Z') c = static_cast<wchar_t>(c + (L'a' - L'A'));
     if (c == L'\\') c = L'/';
   }
+  if (isAscii) return text;
+  // Lower case never changes the length here: no linguistic casing is asked for.
+  const std::wstring from = text;
+  const int length = static_cast<int>(text.size());
+  LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, from.data(), length, text.data(), length,
+                nullptr, nullptr, 0);
   return text;
 }
 
@@ -62,11 +66,34 @@ std::string ratioText(std::uint64_t packed, std::uint64_t size) {
   return formatted("%.0f%%", 100.0 * static_cast<double>(packed) / static_cast<double>(size));
 }
 
+namespace {
+
+// What local time is ahead of UTC at that time, in ticks. Asking is slow; a quarter of an hour has
+// one answer.
+std::int64_t localOffset(std::uint64_t utc) {
+  static std::unordered_map<std::uint64_t, std::int64_t> s_offsets;
+  constexpr std::uint64_t kQuarter = 15ULL * 60 * 10'000'000;
+  const auto [known, isNew] = s_offsets.try_emplace(utc / kQuarter, 0);
+  const FILETIME time = fileTime(utc);
+  SYSTEMTIME parts{}, local{};
+  FILETIME there{};
+  if (isNew && FileTimeToSystemTime(&time, &parts) &&
+      SystemTimeToTzSpecificLocalTime(nullptr, &parts, &local) &&
+      SystemTimeToFileTime(&local, &there)) {
+    const std::uint64_t kept = utc / 10'000 * 10'000;  // the parts end with milliseconds
+    known->second = static_cast<std::int64_t>(ticks(there) - kept);
+  }
+  return known->second;
+}
+
+}  // namespace
+
 std::string localTime(const FILETIME& time) {
-  SYSTEMTIME utc{}, local{};
-  if (!ticks(time) || !FileTimeToSystemTime(&time, &utc) ||
-      !SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local))
-    return "-";
+  if (!ticks(time)) return "-";
+  const FILETIME shifted =
+      fileTime(ticks(time) + static_cast<std::uint64_t>(localOffset(ticks(time))));
+  SYSTEMTIME local{};
+  if (!FileTimeToSystemTime(&shifted, &local)) return "-";
   return formatted("%04u-%02u-%02u %02u:%02u", local.wYear, local.wMonth, local.wDay, local.wHour,
                    local.wMinute);
 }

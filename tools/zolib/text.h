@@ -29,4 +29,8 @@ constexpr std::uint64_t ticks(const FILETIME& time) noexcept {
   return std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
 }
 
+constexpr FILETIME fileTime(std::uint64_t value) noexcept {
+  return {static_cast<DWORD>(value), static_cast<DWORD>(value >> 32)};
+}
+
 }  // namespace zolib
