@@ -23,7 +23,7 @@
 
 namespace zo {
 
-inline constexpr std::size_t kFileBuffer = 64 * 1024;
+inline constexpr std::size_t kFileBuffer = std::size_t{64} << 10;
 // What is asked of a file at once: the platform counts in 32 bits.
 [[nodiscard]] inline unsigned int pieceOf(std::size_t count) noexcept {
   return static_cast<unsigned int>(std::min(count, std::size_t{1} << 30));
@@ -39,7 +39,7 @@ class FileReader {
         failed_(bufferStart_ < 0) {}
 
   std::size_t read(void* out, std::size_t count) {
-    if (count <= static_cast<std::size_t>(end_ - next_)) {
+    if (count <= end_ - next_) {
       std::memcpy(out, buffer_.get() + next_, count);
       next_ += count;
       return count;

@@ -6,6 +6,15 @@
 
 CArchiveException::~CArchiveException() = default;
 
+namespace {
+
+[[noreturn]] void refuse(CArchiveException::Cause cause) {
+  // NOLINTNEXTLINE(misc-throw-by-value-catch-by-reference): the framework throws pointers
+  throw new CArchiveException(cause);
+}
+
+}  // namespace
+
 CArchive::CArchive(CFile* file, unsigned int mode, int bufferSize)
     : file_(file),
       mode_(mode),
@@ -16,13 +25,14 @@ CArchive::~CArchive() {
   if (!file_ || (mode_ & bNoFlushOnDelete)) return;
   try {
     Close();
+    // NOLINTNEXTLINE(misc-throw-by-value-catch-by-reference): the framework throws pointers
   } catch (CException* e) {
     e->Delete();
   }
 }
 
 unsigned int CArchive::Read(void* buffer, unsigned int count) {
-  if (IsStoring()) throw new CArchiveException(CArchiveException::writeOnly);
+  if (IsStoring()) refuse(CArchiveException::writeOnly);
   auto* to = static_cast<std::byte*>(buffer);
   unsigned int got = 0;
   while (got < count) {
@@ -40,7 +50,7 @@ unsigned int CArchive::Read(void* buffer, unsigned int count) {
 }
 
 void CArchive::Write(const void* data, unsigned int count) {
-  if (IsLoading()) throw new CArchiveException(CArchiveException::readOnly);
+  if (IsLoading()) refuse(CArchiveException::readOnly);
   if (count == 0) return;
   if (count > capacity_ - end_) Flush();
   if (count > capacity_) return file_->Write(data, count);

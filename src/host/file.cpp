@@ -8,9 +8,9 @@ CFileException::~CFileException() = default;
 
 namespace {
 
-[[noreturn]] void throwFileError() {
-  const DWORD error = GetLastError();
+[[noreturn]] void throwFileError(DWORD error = GetLastError()) {
   const bool full = error == ERROR_DISK_FULL || error == ERROR_HANDLE_DISK_FULL;
+  // NOLINTNEXTLINE(misc-throw-by-value-catch-by-reference): the framework throws pointers
   throw new CFileException(full ? CFileException::diskFull : CFileException::genericException,
                            static_cast<long>(error));
 }
@@ -71,7 +71,7 @@ void CFile::Write(const void* data, unsigned int count) {
   DWORD done = 0;
   if (count == 0) return;
   if (!zo::fileApi().write(m_hFile, data, count, done)) throwFileError();
-  if (done != count) throw new CFileException(CFileException::diskFull, ERROR_DISK_FULL);
+  if (done != count) throwFileError(ERROR_DISK_FULL);
 }
 
 unsigned long long CFile::Seek(long long offset, unsigned int from) {

@@ -9,6 +9,7 @@
 namespace {
 
 [[noreturn]] void throwStreamError(int cause) {
+  // NOLINTNEXTLINE(misc-throw-by-value-catch-by-reference): the framework throws pointers
   throw new CFileException(cause, static_cast<long>(GetLastError()));
 }
 

@@ -156,7 +156,7 @@ void writeFileName(Archive& archive, const ZoFileName& value) {
 }
 template <class Archive>
 void readFileName(Archive& archive, ZoFileName& value) {
-  value.empty();
+  value = ZoFileName();
   unsigned char delimiter = 0;
   unsigned short size = 0;
   archive.read(delimiter);

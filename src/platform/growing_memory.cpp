@@ -10,8 +10,8 @@ namespace zo {
 namespace {
 
 constexpr std::size_t kFirstCapacity = 4096;
-constexpr std::size_t kLargestOnHeap = 256 * 1024;
-constexpr std::size_t kFirstReservation = 64 << 20;
+constexpr std::size_t kLargestOnHeap = 256U << 10;
+constexpr std::size_t kFirstReservation = 64U << 20;
 
 }  // namespace
 
