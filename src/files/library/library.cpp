@@ -18,6 +18,19 @@ const ZoFileName& noName() {
   return name;
 }
 
+// With one question where the file is one of the platform.
+zo::MemberTimes timesOf(ZoFile& file) {
+  BY_HANDLE_FILE_INFORMATION all;
+  if (file.handle() != INVALID_HANDLE_VALUE && zo::fileApi().information(file.handle(), all)) {
+    return {.created = all.ftCreationTime,
+            .accessed = all.ftLastAccessTime,
+            .written = all.ftLastWriteTime};
+  }
+  return {.created = file.creationTime(),
+          .accessed = file.lastAccessTime(),
+          .written = file.lastWriteTime()};
+}
+
 }  // namespace
 
 ZoLibrary::ZoLibrary() : core_(std::make_shared<LibraryCore>()) {}
@@ -69,10 +82,7 @@ int ZoLibrary::addFile(ZoFile& source, const ZoFileName& member, bool replace, c
   if (const int code = core_->mayWrite(&member)) return code;
   zo::FileSource bytes(source);
   if (!bytes.isReadable()) return ZoResult::refused;
-  const zo::MemberTimes times{.created = source.creationTime(),
-                              .accessed = source.lastAccessTime(),
-                              .written = source.lastWriteTime()};
-  return core_->add(bytes, member, times, replace, mode, level);
+  return core_->add(bytes, member, timesOf(source), replace, mode, level);
 }
 
 int ZoLibrary::beginBatch() {
