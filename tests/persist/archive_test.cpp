@@ -8,7 +8,7 @@
 #include <limits>
 #include <random>
 
-#include "file_io/faulty_files.h"
+#include "support/faulty_files.h"
 #include "file_io/file_fixture.h"
 #include "persist/archive_support.h"
 #include "persist/memory_watch.h"

@@ -10,8 +10,16 @@
 
 namespace zo {
 
-// False when they could not be read; a time of zero alone may be one.
+// With one question where the file is one of the platform. False when they could not be read; a time
+// of zero alone may be one.
 [[nodiscard]] inline bool timesOf(ZoFile& file, MemberTimes& times) {
+  BY_HANDLE_FILE_INFORMATION all;
+  if (file.handle() != INVALID_HANDLE_VALUE && fileApi().information(file.handle(), all)) {
+    times = {.created = all.ftCreationTime,
+             .accessed = all.ftLastAccessTime,
+             .written = all.ftLastWriteTime};
+    return true;
+  }
   SetLastError(ERROR_SUCCESS);
   times = {.created = file.creationTime(),
            .accessed = file.lastAccessTime(),
