@@ -11,8 +11,8 @@
 
 namespace zolib {
 
-// Runs what the arguments ask for. Help goes to standard output; a wrong command line costs one line
-// on standard error and gives kUsage.
+// Runs what the arguments ask for. Help goes to standard output; a wrong command line costs one
+// line on standard error and gives kUsage.
 ExitCode runCommandLine(std::vector<std::string> utf8Arguments, Console& console);
 
 }  // namespace zolib

@@ -17,8 +17,8 @@ std::wstring shellPath(std::wstring_view path);
 // Empty for the current folder itself, those above it, and roots.
 std::wstring memberName(std::wstring_view path);
 
-// Why a member is not written to a file of its name: it would lead out of the folder for which it is
-// meant, or the platform would take the name for something else. Nothing when it is safe.
+// Why a member is not written to a file of its name: it would lead out of the folder for which it
+// is meant, or the platform would take the name for something else. Nothing when it is safe.
 std::optional<std::string> refusalOf(std::wstring_view member);
 
 // The two with a slash between, where the folder needs one.

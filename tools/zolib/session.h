@@ -19,8 +19,8 @@ class Session {
 
   // False when it is not there, cannot be opened, is locked, or is no library; reported.
   bool openToRead();
-  // With a creation mode of kOpenExisting, kOpenAlways or kCreateNew. With --dry-run it is opened to
-  // read, and one that is missing counts as open if it were to be made.
+  // With a creation mode of kOpenExisting, kOpenAlways or kCreateNew. With --dry-run it is opened
+  // to read, and one that is missing counts as open if it were to be made.
   bool openToWrite(ZoFile::CreationMode mode = ZoFile::kOpenExisting);
   // Whatever it holds: for what damage left.
   bool openDamaged();
