@@ -50,6 +50,10 @@ class MemoryDisk final : public FileApi {
   void put(const Image& image);
   void arm(Trouble trouble, int nth) { trouble_ = trouble, nth_ = nth, calls_ = 0; }
   [[nodiscard]] int calls() const { return calls_; }
+  // Whether a call went wrong that was the only one.
+  [[nodiscard]] bool isOver() const {
+    return (trouble_ == Trouble::fail || trouble_ == Trouble::shorten) && calls_ >= nth_;
+  }
   // Called before the pending changes of a file come to the disk by a flush, and before a name is
   // changed.
   std::function<void(const std::wstring& name)> beforeDurable;
