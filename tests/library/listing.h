@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "persist/crc32.h"
@@ -62,6 +63,14 @@ inline std::string seenIn(ZoLibrary& library) {
       text += static_cast<char>(c);
     }
     text += line;
+  }
+  return text;
+}
+
+// Without what stands from one word to the next, in each line.
+inline std::string without(std::string text, std::string_view begin, std::string_view end) {
+  for (std::size_t at = 0; (at = text.find(begin, at)) != std::string::npos;) {
+    text.erase(at, text.find(end, at) - at);
   }
   return text;
 }

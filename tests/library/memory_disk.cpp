@@ -177,6 +177,11 @@ bool MemoryDisk::information(HANDLE handle, BY_HANDLE_FILE_INFORMATION& informat
   return true;
 }
 
+bool MemoryDisk::lastWrite(HANDLE handle, FILETIME& time) {
+  time = at(handle).file->written;
+  return passes();
+}
+
 bool MemoryDisk::setTimes(HANDLE handle, const FILETIME* created, const FILETIME* accessed,
                           const FILETIME* written) {
   if (!passes()) return false;

@@ -50,6 +50,10 @@ class MemoryDisk final : public FileApi {
   void put(const Image& image);
   void arm(Trouble trouble, int nth) { trouble_ = trouble, nth_ = nth, calls_ = 0; }
   [[nodiscard]] int calls() const { return calls_; }
+  // Whether a call went wrong that was the only one.
+  [[nodiscard]] bool isOver() const {
+    return (trouble_ == Trouble::fail || trouble_ == Trouble::shorten) && calls_ >= nth_;
+  }
   // Called before the pending changes of a file come to the disk by a flush, and before a name is
   // changed.
   std::function<void(const std::wstring& name)> beforeDurable;
@@ -70,6 +74,7 @@ class MemoryDisk final : public FileApi {
   bool flush(HANDLE file) override;
   bool size(HANDLE file, std::int64_t& bytes) override;
   bool information(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) override;
+  bool lastWrite(HANDLE file, FILETIME& time) override;
   bool setTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
                 const FILETIME* written) override;
   bool removeFile(const wchar_t* name) override;

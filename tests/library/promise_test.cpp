@@ -4,6 +4,7 @@
 #include "library/library_fixture.h"
 #include "library/listing.h"
 #include "library/memory_disk.h"
+#include "support/child_process.h"
 
 using namespace zo::test;
 
@@ -80,7 +81,7 @@ const std::vector<Operation>& operations() {
       {"rename to another length",
        [](ZoLibrary& library) { return library.renameFile(L"nested", L"nested.lib"); }},
       {"delete", [](ZoLibrary& library) { return library.deleteFile(L"member"); }},
-      {"recover", [](ZoLibrary& library) { return library.recoverFile(L"gone"); }},
+      {"recover", [](ZoLibrary& library) { return library.recoverFile(L"G\x00D6NE"); }},
       {"delete physically", [](ZoLibrary& library) { return library.deleteFile(L"member", true); }},
       {"delete the last", [](ZoLibrary& library) { return library.deleteFile(L"last", true); }},
       {"reorganize", [](ZoLibrary& library) { return library.reorganize(); }},
@@ -130,7 +131,7 @@ class LibraryPromise : public LibraryTest {
     bytes += HandMade{.name = "member", .data = data, .number = 2, .crc = crcOf(data), .size = 100}
                  .bytes();
     bytes += HandMade{.name = "nested", .data = sources_[L"M:\\nested"], .number = 3}.bytes();
-    bytes += HandMade{.name = "gone", .data = "gone", .flags = 0x200, .number = 4}.bytes();
+    bytes += HandMade{.name = "g\xF6ne", .data = "gone", .flags = 0x200, .number = 4}.bytes();
     pad((end + 512 - 62) % 512);
     bytes += HandMade{.name = "last", .data = "last", .flags = isMarked ? 0x80U : 0U, .number = 5}
                  .bytes();
@@ -151,8 +152,18 @@ class LibraryPromise : public LibraryTest {
 
   int perform(const Operation& operation) {
     ZoLibrary library;
-    const int code = library.open(kPath, kReadWrite, ZoFile::kOpenAlways);
-    return code ? code : operation.run(library);
+    if (const int code = library.open(kPath, kReadWrite, ZoFile::kOpenAlways)) return code;
+    const int code = operation.run(library);
+    // When a call failed and the next ones do not: what the object itself says then.
+    if (disk_.isOver() && library.isOpen()) {
+      const std::string found = seenIn(library);
+      EXPECT_TRUE(found == after_ || (code != 0 && isBefore(found))) << found;
+    }
+    return code;
+  }
+
+  [[nodiscard]] bool isBefore(const std::string& found) const {
+    return found == before_ || (before_ == kNoFile && found.find(" number=") == std::string::npos);
   }
 
   // The disk holds the library before or after, and it can be used. `code` is the result of the
@@ -160,9 +171,7 @@ class LibraryPromise : public LibraryTest {
   void check(int code) {
     const std::string found = seenAt(kPath);
     const std::string target = disk_.image()[kTarget];
-    const bool isBefore =
-        found == before_ || (before_ == kNoFile && found.find(" number=") == std::string::npos);
-    EXPECT_TRUE(found == after_ || (code != 0 && isBefore))
+    EXPECT_TRUE(found == after_ || (code != 0 && isBefore(found)))
         << found << "before: " << before_ << "after: " << after_;
     EXPECT_TRUE(target == afterImage_[kTarget] || (code != 0 && target == base_[kTarget]));
     ZoLibrary library;
@@ -178,9 +187,11 @@ class LibraryPromise : public LibraryTest {
   }
 
   // The calls of the operation go wrong, one after the other.
-  void failEachCall(const Operation& operation) {
+  void failEachCall(const Operation& operation,
+                    const std::vector<Trouble>& troubles = {Trouble::fail, Trouble::shorten,
+                                                            Trouble::full, Trouble::stop}) {
     ASSERT_NO_FATAL_FAILURE(expectFrom(operation));
-    for (const Trouble trouble : {Trouble::fail, Trouble::shorten, Trouble::full, Trouble::stop}) {
+    for (const Trouble trouble : troubles) {
       for (int nth = 1;; ++nth) {
         SCOPED_TRACE(testing::Message() << static_cast<int>(trouble) << ", call " << nth);
         disk_.put(base_);
@@ -191,6 +202,7 @@ class LibraryPromise : public LibraryTest {
         const auto image = disk_.image();
         EXPECT_TRUE(trouble == Trouble::stop || image.size() <= afterImage_.size());
         disk_.put(image);
+        if (onImage_) onImage_(image);
         check(code);
         if (HasFailure()) return;
         if (calls < nth) break;
@@ -228,6 +240,7 @@ class LibraryPromise : public LibraryTest {
   MemoryDisk disk_;
   MemoryDisk::Image sources_, base_, afterImage_;
   std::string before_, after_;
+  std::function<void(const MemoryDisk::Image&)> onImage_;  // that a fault left
 };
 
 TEST_F(LibraryPromise, AnyCallOfThePlatformMayFail) {
@@ -266,3 +279,32 @@ TEST_F(LibraryPromise, AnyUnflushedWriteMayBeLostOrTorn) {
   cases += loseThePower(operations().front(), 512, 64);
   EXPECT_GT(cases, 3000);
 }
+
+// Libraries as they are after each operation and where a process ended in it, for other readers.
+class LibrarySamples : public LibraryPromise {
+ public:
+  int write(const std::wstring& folder) {
+    std::map<std::string, std::string> samples;
+    const auto keep = [&](const MemoryDisk::Image& image) {
+      const auto found = image.find(kPath);
+      if (found != image.end()) samples[found->second] = seenAt(kPath);
+    };
+    onImage_ = keep;
+    for (const Operation& operation : operations()) {
+      makeBase(460, 459, operation.name == "extract");
+      failEachCall(operation, {Trouble::stop});
+    }
+    int number = 0;
+    for (const auto& [bytes, seen] : samples) {
+      const std::wstring path = folder + L"/" + std::to_wstring(++number);
+      put((path + L".lib").c_str(), bytes);
+      put((path + L".txt").c_str(), seen);
+    }
+    return HasFailure() ? 1 : 0;
+  }
+
+ private:
+  void TestBody() override {}
+};
+
+ZO_TEST_CHILD(writeLibraries) { return LibrarySamples().write(parent.argument(0)); }

@@ -193,7 +193,8 @@ int LibraryCore::buildIndex() {
     index.add(entry, trailer);
   });
   for (const RawEntry& entry : scan.redo) index.replace(entry);
-  return ZoResult::ok;
+  // What could be read is kept for salvage only: to anyone else the rest would be missing.
+  return scan.end == ScanEnd::kUnreadable ? ZoResult::refused : ZoResult::ok;
 }
 
 // ---- What a killed writer left ----

@@ -113,7 +113,7 @@ int LibraryCore::salvageInto(LibraryCore& target,
   if (const int code = mayRead()) return code;
   if (const int code = target.mayWrite()) return code;
   if (&target == this) return ZoResult::refused;
-  if (const int code = refresh()) return code;
+  static_cast<void>(refresh());
   Progress watched = progress(file.size());
   if (!watched.begin()) return ZoResult::refused;
   return Salvage(*this, target, watched, report).run();

@@ -1,0 +1,76 @@
+// Any bytes as a library: the scan keeps within the file, entries follow one another, what it reads
+// is written back the same, a redo leads it nowhere else, and the search behind a damage ends.
+#include "files/library/scan.h"
+#include "fuzz.h"
+
+using namespace zo;
+using namespace zo::test;
+
+namespace {
+
+// The entries, and where they end.
+std::vector<RawEntry> entriesOf(const ByteVector& bytes, ScanResult& result) {
+  std::vector<RawEntry> entries;
+  MemoryStore store(bytes);
+  result = scanEntries(store, bytes.size(), [&](const RawEntry& entry, const ContentTrailer&) {
+    entries.push_back(entry);
+  });
+  return entries;
+}
+
+void checkEntries(const ByteVector& bytes, const std::vector<RawEntry>& entries,
+                  const ScanResult& result) {
+  std::uint64_t at = kHeaderSize;
+  for (const RawEntry& entry : entries) {
+    ZO_FUZZ_CHECK(entry.position == at && entry.end() <= bytes.size());
+    const auto written = entry.bytes();
+    ZO_FUZZ_CHECK(std::equal(written.begin(), written.end(),
+                             bytes.begin() + static_cast<std::ptrdiff_t>(at)));
+    ZO_FUZZ_CHECK(!isClosed(entry.record));
+    at = entry.end();
+  }
+  ZO_FUZZ_CHECK(result.redoPosition ? result.redoPosition == at : result.position == at);
+}
+
+// Written to their places the patches change no way, and the redo is still what it was.
+void checkRedo(ByteVector bytes, const std::vector<RawEntry>& entries, const ScanResult& result) {
+  if (!result.redoPosition) return;
+  const auto again = decodeRedo(encodeRedo(result.redo));
+  ZO_FUZZ_CHECK(again && again->size() == result.redo.size());
+  for (const RawEntry& patch : result.redo) {
+    const auto written = patch.bytes();
+    std::copy(written.begin(), written.end(),
+              bytes.begin() + static_cast<std::ptrdiff_t>(patch.position));
+    ScanResult after;
+    const auto patched = entriesOf(bytes, after);
+    ZO_FUZZ_CHECK(patched.size() == entries.size() && after.redoPosition == result.redoPosition);
+  }
+}
+
+// Each place that it gives is an entry, and each is later than the one before.
+void checkSearch(const ByteVector& bytes) {
+  MemoryStore store(bytes);
+  ReadWindow window(store, bytes.size());
+  std::uint64_t at = 0;
+  for (int found = 0; found < 1000; ++found) {
+    const std::uint64_t next = findEntry(window, at, 5);
+    ZO_FUZZ_CHECK(next >= at && next <= bytes.size());
+    if (next == bytes.size()) return;
+    RawEntry entry;
+    ZO_FUZZ_CHECK(readEntry(window, next, entry) == ScanEnd::kFileEnd);
+    ZO_FUZZ_CHECK(entry.end() <= bytes.size() && entry.record.number - 1 < 5);
+    at = next + 1;
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+  const ByteVector bytes = fuzzInput(data, size);
+  ScanResult result;
+  const auto entries = entriesOf(bytes, result);
+  checkEntries(bytes, entries, result);
+  checkRedo(bytes, entries, result);
+  checkSearch(bytes);
+  return 0;
+}
