@@ -149,6 +149,10 @@ int ChildProcess::wait() {
   return static_cast<int>(code);
 }
 
+bool ChildProcess::running() const {
+  return WaitForSingleObject(state_->process.get(), 0) == WAIT_TIMEOUT;
+}
+
 void ChildProcess::kill() {
   TerminateProcess(state_->process.get(), 1);
   WaitForSingleObject(state_->process.get(), INFINITE);

@@ -48,6 +48,7 @@ class ChildProcess {
   std::optional<std::string> hear();
   // Closes its input, waits for the end, gives the exit code; again the same when asked again.
   int wait();
+  [[nodiscard]] bool running() const;
   // Ends it at once, as a crash would: nothing is released. Returns when it is gone.
   void kill();
 
