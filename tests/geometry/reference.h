@@ -10,7 +10,6 @@
 #include <cmath>
 #include <limits>
 #include <random>
-#include <utility>
 
 namespace reference {
 
@@ -61,37 +60,19 @@ inline Matrix product(const Matrix& a, const Matrix& b) {
   return r;
 }
 
-// Gauss-Jordan elimination with pivoting: the determinant, and the inverse of a regular matrix.
-inline std::pair<Real, Matrix> eliminate(Matrix a) {
-  Matrix r{};
-  for (unsigned int i = 0; i < 4; ++i) r[i][i] = 1;
-  Real determinant = 1;
-  for (unsigned int i = 0; i < 4; ++i) {
-    unsigned int pivot = i;
-    for (unsigned int j = i + 1; j < 4; ++j) {
-      if (std::fabs(a[j][i]) > std::fabs(a[pivot][i])) pivot = j;
+// By the sum over all permutations.
+inline Real determinant(const Matrix& a) {
+  std::array<unsigned int, 4> p = {0, 1, 2, 3};
+  Real sum = 0;
+  do {
+    Real term = 1;
+    for (unsigned int i = 0; i < 4; ++i) {
+      term *= a[i][p[i]];
+      for (unsigned int j = 0; j < i; ++j) term *= p[j] > p[i] ? -1 : 1;
     }
-    if (pivot != i) {
-      std::swap(a[i], a[pivot]);
-      std::swap(r[i], r[pivot]);
-      determinant = -determinant;
-    }
-    const Real p = a[i][i];
-    determinant *= p;
-    for (unsigned int k = 0; k < 4; ++k) {
-      a[i][k] /= p;
-      r[i][k] /= p;
-    }
-    for (unsigned int j = 0; j < 4; ++j) {
-      if (j == i) continue;
-      const Real f = a[j][i];
-      for (unsigned int k = 0; k < 4; ++k) {
-        a[j][k] -= f * a[i][k];
-        r[j][k] -= f * r[i][k];
-      }
-    }
-  }
-  return {determinant, r};
+    sum += term;
+  } while (std::next_permutation(p.begin(), p.end()));
+  return sum;
 }
 
 template <typename Value>

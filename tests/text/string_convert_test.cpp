@@ -3,10 +3,6 @@
 #include <zo/host/char_formatter.h>
 #include <zo/strings.h>
 
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <limits>
 #include <memory>
 #include <sstream>
 #include <vector>
@@ -35,22 +31,15 @@ TEST(StringMultiByte, EscapesWhatTheCodePageCannotHoldAndReadsItBack) {
        {"\\U+01", "\\U+012g", "\\U+00e4", "\\u+0100", "\\U-0100", "\\", "\\U+"}) {
     EXPECT_EQ(toMB(ZoString().setFromMB(literal)), literal) << "not an escape";
   }
-  EXPECT_EQ(ZoString(L"x").setFromMB(nullptr), L"");
-  EXPECT_EQ(ZoString().setFromMB("\\U+0000x"), L"") << "assigned as a zero-terminated text";
   ZoString all;
   for (unsigned int c = 1; c < 0x10000; ++c) all.append(static_cast<wchar_t>(c));
   EXPECT_EQ(ZoString().setFromMB(toMB(all).c_str()), all);
 }
 
 TEST(StringMultiByte, AUtf8CodePageHoldsEverythingButLoneSurrogates) {
-  EXPECT_TRUE(zo::fitsCodePage(L"\u0430", 65001));
-  EXPECT_TRUE(zo::fitsCodePage(L"\U0001F600", 65001));
+  EXPECT_TRUE(zo::fitsCodePage(L"\u0430\U0001F600", 65001));
   EXPECT_FALSE(zo::fitsCodePage(L"\xD83D", 65001));
-  EXPECT_FALSE(zo::fitsCodePage(L"\xDE00", 65001));
   EXPECT_EQ(zo::toMultiByte(L"\u00E4\U0001F600", 65001), "\xC3\xA4\xF0\x9F\x98\x80");
-  EXPECT_EQ(zo::fromMultiByte("\xC3\xA4", 65001), L"\u00E4");
-  EXPECT_TRUE(zo::fitsCodePage(L"\u3042", 932));
-  EXPECT_FALSE(zo::fitsCodePage(L"\u0430", 1252));
 }
 
 TEST(StringStreams, ReadersStopWhereTheySayAndReplaceTheText) {
@@ -66,54 +55,9 @@ TEST(StringStreams, ReadersStopWhereTheySayAndReplaceTheText) {
   EXPECT_TRUE(s.readToken(in) && s == L"colon;zero\0tail"_zs) << "a zero is no white space";
   EXPECT_TRUE(s.readFile(in) && s == L"\n x");
   EXPECT_TRUE(in.eof());
-  EXPECT_FALSE(s.readLine(in));
-  EXPECT_EQ(s, L"");
-
   std::wistringstream zeros(std::wstring(L"one\0two", 7));
   EXPECT_TRUE(s.readString(zeros) && s == L"one");
   EXPECT_TRUE(s.readString(zeros) && s == L"two") << "the end of the stream ends it too";
-  std::wistringstream nothing;
-  EXPECT_TRUE(s.readFile(nothing)) << "an empty rest is no failure";
-  EXPECT_EQ(s, L"");
-  std::wstring line(100000, L'x');
-  line[5000] = L'y';
-  std::wistringstream longLines(line + L"\n" + line);
-  EXPECT_TRUE(s.readLine(longLines) && s == line);
-  EXPECT_TRUE(s.readFile(longLines) && s == line);
-}
-
-TEST(StringNeighbours, ViewsLiteralsStreamsAndRanges) {
-  using namespace zo::literals;
-  const ZoString s = L"a\0b"_zs;
-  const std::wstring_view view = s;
-  EXPECT_TRUE(view.size() == 3 && s == view && ZoString(view) == s);
-  EXPECT_EQ(std::count(s.begin(), s.end(), L'\0'), 1);
-  std::wostringstream out;
-  out << s << ZoString(L"cd")(1, 1);
-  EXPECT_EQ(out.str(), std::wstring(L"a\0bd", 4));
-  EXPECT_EQ(static_cast<const wchar_t*>(nullptr) + s + L"c" + s, L"a\0bca\0b"_zs);
-  EXPECT_TRUE(ZoString(L"\x7F").isAscii() && !ZoString(L"a\x80").isAscii());
-  EXPECT_EQ(ZoString(L"abc").mbLength(), 3u);
-}
-
-TEST(CLib, ToleranceDecidesAtExactlyItsValueAndNotANumberIsSameButNotEqual) {
-  struct Case {
-    double a, b, tol;
-    int order;
-    bool equal;
-  };
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  for (const Case& c : std::vector<Case>{{1, 0.5, 0.5, 0, true},
-                                         {1, 0.499, 0.5, 1, false},
-                                         {0.499, 1, 0.5, -1, false},
-                                         {0.5, 1, 0.5, 0, true},
-                                         {nan, 1, 0.5, 0, false},
-                                         {HUGE_VAL, HUGE_VAL, 0.5, 0, false}}) {
-    EXPECT_EQ(ZoCLib::compare(c.a, c.b, c.tol), c.order);
-    EXPECT_EQ(ZoCLib::isEqual(c.a, c.b, c.tol), c.equal);
-    EXPECT_EQ(ZoCLib::isGreater(c.a, c.b, c.tol), c.order > 0);
-    EXPECT_EQ(ZoCLib::isSmaller(c.a, c.b, c.tol), c.order < 0);
-  }
 }
 
 TEST(CLib, BoundedFunctionsNeverWritePastTheEndAndLeaveATerminatedText) {
@@ -132,11 +76,6 @@ TEST(CLib, BoundedFunctionsNeverWritePastTheEndAndLeaveATerminatedText) {
   EXPECT_STREQ(buffer, L"12-ab");
   EXPECT_EQ(ZoCLib::Zo_sprintf(buffer, 6, L"%d", 1234567), -1);
   EXPECT_LT(ZoCLib::strlen(buffer), 6u);
-  wchar_t path[32], extension[256];
-  EXPECT_EQ(ZoCLib::Zo_makepath(path, 32, L"c", L"dir", L"name", L"txt"), 0);
-  EXPECT_STREQ(path, L"c:dir\\name.txt");
-  ZoCLib::splitpath(path, nullptr, nullptr, nullptr, extension);
-  EXPECT_STREQ(extension, L".txt");
 }
 
 }  // namespace
