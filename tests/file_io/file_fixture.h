@@ -4,10 +4,8 @@
 
 #include <gtest/gtest.h>
 #include <windows.h>
-
-#include <winioctl.h>
 #include <zo/files/file_name.h>
-#include <zo/files/std_file_system.h>
+#include <zo/system/file_system.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -21,19 +19,6 @@
 #include "system/attached.h"
 
 namespace zo::test {
-
-// The standard service; keeps what errorIO was told.
-class RecordingFileSystem : public ZoStdFileSystem {
- public:
-  int errorIO(const wchar_t* operation) override {
-    lastError = GetLastError();
-    operations.emplace_back(operation);
-    SetLastError(lastError);
-    return ZoStdFileSystem::errorIO(operation);
-  }
-  std::vector<std::wstring> operations;
-  DWORD lastError = 0;
-};
 
 // The system's message for an error, as errorTxt() is to give it.
 inline std::wstring messageOf(DWORD error) {
@@ -61,25 +46,6 @@ class FileTest : public ::testing::Test {
   static ZoFileSystem& fs() { return ZoSystem::fileSystem(); }
   // Whether the service keeps this error.
   static void expectError(DWORD error) { EXPECT_EQ(fs().errorTxt().view(), messageOf(error)); }
-  // Lets the call that each case names fail with an error of its own: the case's result, a report
-  // under the right name, and the error for errorTxt, with nothing in between.
-  template <class Cases, class Run>
-  static void expectReported(RecordingFileSystem& service, const Cases& cases, Run run) {
-    FaultyFiles files;
-    DWORD error = 1000;
-    for (const auto& c : cases) {
-      SCOPED_TRACE(c.call);
-      service.operations.clear();
-      files.arm({.fault = Fault::fail, .call = c.call, .error = ++error});
-      EXPECT_EQ(run(c), c.result);
-      EXPECT_EQ(service.operations, Names{c.reported});
-      EXPECT_EQ(service.lastError, error);
-      EXPECT_EQ(service.errorTxt().view(), messageOf(error));
-    }
-  }
-  static bool exists(const ZoFileName& name) {
-    return GetFileAttributesW(name.fullName()) != INVALID_FILE_ATTRIBUTES;
-  }
   // All that is in the test's folder, sorted, folders with a final backslash.
   Names listing() const {
     Names names;

@@ -8,18 +8,10 @@ namespace {
 
 using FileSave = FileTest;
 
-int saveTo(const ZoFileName& target, const std::string& content) {
-  ZoFileSave save;
-  if (const int code = save.open(target)) return code;
-  save.file().write(content.data(), static_cast<unsigned int>(content.size()));
-  return save.commit();
-}
-
 TEST_F(FileSave, TheTargetIsReplacedOnlyByACommit) {
   const ZoFileName target = name(L"\x44F.dwg");
-  EXPECT_EQ(saveTo(target, "first"), 0);
+  put(target, "first");
   ZoFileSave save;
-  EXPECT_EQ(save.commit(), 1) << "nothing is open";
   ASSERT_EQ(save.open(name(L"other")), 0);
   ASSERT_EQ(save.open(target), 0) << "cancels the other";
   std::FILE* const stream = save.file().getCFileHandle(false, true);
@@ -27,23 +19,15 @@ TEST_F(FileSave, TheTargetIsReplacedOnlyByACommit) {
   std::fputs("by a stream", stream);
   std::fclose(stream);
   EXPECT_EQ(bytesOf(target), "first");
-  EXPECT_EQ(listing().size(), 2u) << "the temporary file is beside it";
   EXPECT_EQ(save.commit(), 0);
   EXPECT_EQ(bytesOf(target), "by a stream");
   EXPECT_EQ(save.commit(), 1) << "done with it";
-  EXPECT_EQ(save.open(ZoFileName(L"ftp://host/f")), 3);
-  EXPECT_EQ(save.open(name(L"missing\\f")), 1);
-  ZoFileName below(L"f");
-  below.setMacro(L"LIB", name(L"").fullName());
-  EXPECT_EQ(saveTo(below, "below a macro"), 0);
-  EXPECT_EQ(bytesOf(name(L"f")), "below a macro");
-  EXPECT_EQ(listing(), (Names{L"f", L"\x44F.dwg"}));
+  EXPECT_EQ(listing(), (Names{L"\x44F.dwg"}));
 }
 
 TEST_F(FileSave, WhatHappensToTheTargetMeanwhileIsMet) {
   const ZoFileName target = name(L"f");
-  const std::string old = "old";
-  put(target, old);
+  put(target, "old");
   ZoFileSave save;
   ASSERT_EQ(save.open(target), 0);
   SetFileAttributesW(target.fullName(), FILE_ATTRIBUTE_READONLY);
@@ -53,8 +37,8 @@ TEST_F(FileSave, WhatHappensToTheTargetMeanwhileIsMet) {
   ASSERT_EQ(save.open(target), 0);
   ZoFile user;
   ASSERT_EQ(user.open(target), 0);
-  EXPECT_EQ(save.commit(), 1);
-  EXPECT_EQ(bytesOf(target), old);
+  EXPECT_EQ(save.commit(), 1) << "in use";
+  EXPECT_EQ(bytesOf(target), "old");
   EXPECT_EQ(user.close(), 0);
   ASSERT_EQ(save.open(target), 0);
   ASSERT_TRUE(DeleteFileW(target.fullName()));

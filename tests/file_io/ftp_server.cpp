@@ -27,12 +27,6 @@ void startScript(unsigned int port) {
   if (process.hThread) CloseHandle(process.hThread);
 }
 
-std::string readLine(SOCKET socket) {
-  std::string line;
-  for (char c; recv(socket, &c, 1, 0) == 1 && c != '\n';) line += c;
-  return line;
-}
-
 }  // namespace
 
 FtpServer::FtpServer() {
@@ -49,20 +43,17 @@ FtpServer::FtpServer() {
   startScript(ntohs(address.sin_port));
   control_ = accept(listener, nullptr, nullptr);
   closesocket(listener);
-  const std::string line = readLine(control_);
-  if (line == "none") return;
+  std::string line;
+  for (char c; recv(control_, &c, 1, 0) == 1 && c != '\n';) line += c;
+  if (line.empty()) throw std::runtime_error("no FTP server here (python3-pyftpdlib)");
   const size_t blank = line.find(' ');
-  port_ = static_cast<unsigned int>(std::stoul(line));
+  host_ = L"127.0.0.1:" + std::to_wstring(std::stoul(line));
   folder_ = (underWine() ? "Z:" : "") + line.substr(blank + 1);
 }
 
 FtpServer::~FtpServer() {
   closesocket(control_);
   WSACleanup();
-}
-
-std::wstring FtpServer::url(const std::wstring& path, const wchar_t* login) const {
-  return std::wstring(L"ftp://") + login + L"127.0.0.1:" + std::to_wstring(port_) + path;
 }
 
 }  // namespace zo::test

@@ -1,5 +1,5 @@
 // A real FTP server for a test, on a free port of the loopback; it ends with its object, or with
-// the process. User "u", password "p".
+// the process. User "u", password "p". Throws std::runtime_error where there is none.
 #pragma once
 
 #include <filesystem>
@@ -14,16 +14,13 @@ class FtpServer {
   FtpServer(const FtpServer&) = delete;
   FtpServer& operator=(const FtpServer&) = delete;
 
-  // Whether there is one: not where the server's package is not installed.
-  [[nodiscard]] bool isRunning() const { return port_ != 0; }
-  // The URL of a path on it.
-  [[nodiscard]] std::wstring url(const std::wstring& path, const wchar_t* login = L"u:p@") const;
-  // Where the server's files are.
+  // Where the server's files are, and what leads there: "127.0.0.1:PORT".
   [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
+  [[nodiscard]] const std::wstring& host() const { return host_; }
 
  private:
   unsigned long long control_;
-  unsigned int port_ = 0;
+  std::wstring host_;
   std::filesystem::path folder_;
 };
 

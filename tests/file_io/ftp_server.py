@@ -1,6 +1,6 @@
 """ftp_server.py PORT: an FTP server for one test, on a free port of the loopback, over a fresh folder.
 
-It connects to PORT of the loopback first, says there "PORT FOLDER" in one line ("none" when it cannot serve), and
+It connects to PORT of the loopback first, says there "PORT FOLDER" in one line (nothing when it cannot serve), and
 ends when that connection does. The user is "u" with the password "p"; anonymous users may only read. A file whose
 name begins with "broken" ends in the middle when it is fetched.
 """
@@ -18,7 +18,6 @@ def main():
         from pyftpdlib.authorizers import DummyAuthorizer
         from pyftpdlib.servers import FTPServer
     except ImportError:
-        control.sendall(b"none\n")
         return
 
     class Producer(handlers.FileProducer):
