@@ -127,7 +127,12 @@ TEST_F(LibraryDamage, AllThatStandsBeforeACutIsThere) {
 
 TEST_F(LibraryDamage, AFlippedBitHarmsNoOtherMember) {
   // What nothing protects: names, times, numbers, and the bit of deletion.
-  for (std::size_t bit = 0; bit < 8 * whole_.size() && !HasFailure(); ++bit) {
+#ifdef ZO_GUARDED
+  constexpr std::size_t kStep = 13;
+#else
+  constexpr std::size_t kStep = 1;
+#endif
+  for (std::size_t bit = 0; bit < 8 * whole_.size() && !HasFailure(); bit += kStep) {
     SCOPED_TRACE(testing::Message() << "byte " << bit / 8 << ", bit " << bit % 8);
     const std::size_t at = bit / 8;
     std::string bytes = whole_;
