@@ -91,13 +91,13 @@ std::wstring libraryOf(const std::wstring& name, unsigned count, std::size_t siz
     return text;
   };
   const std::string data = noise(size, 1);
-  const std::string check = number(CrcCalc(data.data(), data.size()), 4);
+  const std::string crc = number(CrcCalc(data.data(), data.size()), 4);
   out << std::string("ZORVEX LIBRARY\0\0\0\0\0\0", 20) << number(count, 4) << number(0, 8);
   for (unsigned i = 1; i <= count; ++i) {
     const std::string member =
         "folder" + std::to_string(i % 100) + "/part" + std::to_string(i) + ".dwg";
     const unsigned flags = deletedEvery && i % deletedEvery == 0 ? 0x200 : 0;
-    out << number(i, 4) << check << number(size, 8) << number(size, 8);
+    out << number(i, 4) << crc << number(size, 8) << number(size, 8);
     for (int time = 0; time < 3; ++time) out << number(0x01DC000000000000 + i, 8);
     out << number(0, 2) << number(flags, 2) << number(member.size(), 2) << member << data;
   }

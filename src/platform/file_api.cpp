@@ -76,6 +76,10 @@ bool FileApi::information(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) 
   return GetFileInformationByHandle(file, &information);
 }
 
+bool FileApi::lastWrite(HANDLE file, FILETIME& time) {
+  return GetFileTime(file, nullptr, nullptr, &time);
+}
+
 bool FileApi::setTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
                        const FILETIME* written) {
   return SetFileTime(file, created, accessed, written);

@@ -35,6 +35,8 @@ class FileApi {
   virtual bool flush(HANDLE file);
   virtual bool size(HANDLE file, std::int64_t& bytes);
   virtual bool information(HANDLE file, BY_HANDLE_FILE_INFORMATION& information);
+  // Without what information asks of the volume, which can take far longer.
+  virtual bool lastWrite(HANDLE file, FILETIME& time);
   virtual bool setTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
                         const FILETIME* written);
 

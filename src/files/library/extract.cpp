@@ -13,19 +13,27 @@
 namespace zo {
 namespace {
 
-// A member's data as a store of its own.
+// A member's data as a store of its own. What is small is read at once.
 class MemberData final : public ByteStore {
  public:
   MemberData(LibraryFile& file, const RawEntry& entry)
-      : file_(file), begin_(entry.dataPosition()), size_(entry.record.storedSize) {}
+      : file_(file), begin_(entry.dataPosition()), size_(entry.record.storedSize) {
+    if (size_ > LibraryCore::kPiece) return;
+    small_.resize(static_cast<std::size_t>(size_));
+    if (!file_.read(begin_, small_)) small_.clear();
+  }
   [[nodiscard]] std::uint64_t size() const noexcept override { return size_; }
   [[nodiscard]] bool read(std::uint64_t offset, std::span<unsigned char> to) noexcept override {
-    return offset <= size_ && to.size() <= size_ - offset && file_.read(begin_ + offset, to);
+    if (offset > size_ || to.size() > size_ - offset) return false;
+    if (small_.empty()) return file_.read(begin_ + offset, to);
+    std::copy_n(small_.begin() + static_cast<std::ptrdiff_t>(offset), to.size(), to.begin());
+    return true;
   }
 
  private:
   LibraryFile& file_;
   std::uint64_t begin_, size_;
+  std::vector<unsigned char> small_;
 };
 
 class WatchedSink final : public ByteSink {
@@ -98,13 +106,13 @@ class Target final : public ByteSink {
 };
 
 int copyStored(LibraryFile& file, const RawEntry& entry, ByteSink& out, std::uint32_t& crc) {
-  const MemberData data(file, entry);
+  const std::uint64_t size = entry.record.storedSize;
   std::vector<unsigned char> buffer(
-      static_cast<std::size_t>(std::min<std::uint64_t>(data.size(), LibraryCore::kPiece)));
+      static_cast<std::size_t>(std::min<std::uint64_t>(size, LibraryCore::kPiece)));
   std::uint32_t running = kCrcStart;
-  for (std::uint64_t done = 0; done < data.size(); done += buffer.size()) {
-    if (data.size() - done < buffer.size()) {
-      buffer.resize(static_cast<std::size_t>(data.size() - done));
+  for (std::uint64_t done = 0; done < size; done += buffer.size()) {
+    if (size - done < buffer.size()) {
+      buffer.resize(static_cast<std::size_t>(size - done));
     }
     if (!file.read(entry.dataPosition() + done, buffer)) return ZoResult::refused;
     running = crc32Update(running, buffer);

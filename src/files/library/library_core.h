@@ -72,7 +72,7 @@ class LibraryCore {
   LibraryCore();
   ~LibraryCore();
 
-  static constexpr std::size_t kPiece = 256 * 1024;
+  static constexpr std::size_t kPiece = 64 * 1024;  // larger ones leave the cache
 
   // ---- Opening, closing, what is there (library_core.cpp) ----
   int open(const ZoFileName& name, int access, ZoFile::CreationMode mode, unsigned int timeOut);

@@ -41,11 +41,13 @@ void LibraryFile::take(OpenFile file) noexcept {
 bool LibraryFile::close() { return file_.close() || reportFailure(L"close"); }
 
 bool LibraryFile::look(Signature& signature) noexcept {
-  BY_HANDLE_FILE_INFORMATION information;
-  if (!fileApi().information(file_.get(), information)) return reportFailure(L"size");
-  seen_ = {.size = joined(information.nFileSizeHigh, information.nFileSizeLow),
-           .written = joined(information.ftLastWriteTime.dwHighDateTime,
-                             information.ftLastWriteTime.dwLowDateTime)};
+  std::int64_t size = 0;
+  FILETIME written;
+  if (!fileApi().size(file_.get(), size) || !fileApi().lastWrite(file_.get(), written)) {
+    return reportFailure(L"size");
+  }
+  seen_ = {.size = static_cast<std::uint64_t>(size),
+           .written = joined(written.dwHighDateTime, written.dwLowDateTime)};
   signature = seen_;
   return true;
 }

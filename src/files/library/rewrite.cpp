@@ -9,7 +9,7 @@
 namespace zo {
 namespace {
 
-constexpr std::size_t kBuffer = 512 * 1024;
+constexpr std::size_t kBuffer = LibraryCore::kPiece;
 
 struct Range {
   std::uint64_t begin, end;
