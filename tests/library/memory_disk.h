@@ -1,5 +1,5 @@
-// A disk M: in memory under the library, as a layer of zo::FileApi: its calls can go wrong, and what
-// a loss of power leaves of them can be tried. Names on other drives pass on to the platform.
+// A disk M: in memory under the library, as a layer of zo::FileApi: its calls can go wrong, and
+// what a loss of power leaves of them can be tried. Names on other drives pass on to the platform.
 //
 // A file counts as on the disk up to its last flush; of what followed, any part may be lost. Names
 // are on the disk at once, and a file takes another's name with whatever it has on the disk then.

@@ -10,23 +10,20 @@
 
 namespace zo {
 
-// With one question where the file is one of the platform. False when they could not be read; a time
-// of zero alone may be one.
+// With one question where the file is one of the platform; false when that is not answered.
 [[nodiscard]] inline bool timesOf(ZoFile& file, MemberTimes& times) {
-  BY_HANDLE_FILE_INFORMATION all;
-  if (file.handle() != INVALID_HANDLE_VALUE && fileApi().information(file.handle(), all)) {
+  if (file.handle() != INVALID_HANDLE_VALUE) {
+    BY_HANDLE_FILE_INFORMATION all;
+    if (!fileApi().information(file.handle(), all)) return reportFailure(L"size");
     times = {.created = all.ftCreationTime,
              .accessed = all.ftLastAccessTime,
              .written = all.ftLastWriteTime};
     return true;
   }
-  SetLastError(ERROR_SUCCESS);
   times = {.created = file.creationTime(),
            .accessed = file.lastAccessTime(),
            .written = file.lastWriteTime()};
-  const auto isZero = [](FILETIME time) { return !time.dwLowDateTime && !time.dwHighDateTime; };
-  return GetLastError() == ERROR_SUCCESS ||
-         !(isZero(times.created) || isZero(times.accessed) || isZero(times.written));
+  return true;
 }
 
 class FileSource final : public MemberSource {

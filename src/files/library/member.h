@@ -55,7 +55,7 @@ class LibraryMember {
   ZoFile file_;  // the content, or what is written
   int level_ = 0;
   bool isIncomplete_ = false;  // a write failed
-  MemberTimes times_;  // what was set while writing
+  MemberTimes times_;          // what was set while writing
 };
 
 }  // namespace zo

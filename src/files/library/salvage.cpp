@@ -55,11 +55,12 @@ class Salvage {
     const bool isProven =
         code == ZoResult::ok &&
         (entry.record.has(kIsCompressed) || entry.record.protectsStored(from_.header.counter()));
-    const bool endIsSound = isProven || isEnd(entry.end());
-    if (code == ZoResult::ok && !endIsSound) code = ZoResult::refused;
+    // No data prove nothing of the name's length.
+    const bool endIsSound = (isProven && entry.record.storedSize != 0) || isEnd(entry.end());
+    if (code == ZoResult::ok && !isProven && !endIsSound) code = ZoResult::refused;
     if (code == ZoResult::ok) code = copy(entry, trailer);
     tell(entry, trailer, code);
-    return endIsSound ? entry.end() : entry.dataPosition();
+    return endIsSound ? entry.end() : entry.position + 1;
   }
 
   bool isEnd(std::uint64_t at) {
@@ -110,10 +111,11 @@ class Salvage {
 
 int LibraryCore::salvageInto(LibraryCore& target,
                              const std::function<bool(const ZoLibEntry&, int)>& report) {
-  if (const int code = mayRead()) return code;
-  if (const int code = target.mayWrite()) return code;
+  if (const int refused = mayRead()) return refused;
+  if (const int refused = target.mayWrite()) return refused;
   if (&target == this) return ZoResult::refused;
-  static_cast<void>(refresh());
+  const int code = refresh();
+  if (code && scan.end != ScanEnd::kUnreadable) return code;
   Progress watched = progress(file.size());
   if (!watched.begin()) return ZoResult::refused;
   return Salvage(*this, target, watched, report).run();
