@@ -34,7 +34,7 @@ std::uint64_t allocationMark();
 // Tells on stderr of the blocks allocated after the mark that are live and leaked; gives their
 // number. A block is leaked when no chain of pointers leads to it from the writable data of a
 // module or from a block of the thread runtime (thread_local variables). The stacks do not count,
-// so ask when nothing is in use. Function-local statics and caches filled on first use are no leaks.
+// so ask when nothing is in use. Function-local statics and filled caches are no leaks.
 std::size_t reportLeaks(std::uint64_t mark);
 
 }  // namespace zo::test
