@@ -139,8 +139,8 @@ ZO_TEST_CHILD(clean) {
 // More live blocks than the heap guards, and many more freed ones, from several threads.
 ZO_TEST_CHILD(long_run) {
   const auto work = [] {
-    std::vector<std::string> live(20'000);
-    for (std::size_t i = 0; i < 60'000; ++i) {
+    std::vector<std::string> live(15'000);
+    for (std::size_t i = 0; i < 30'000; ++i) {
       std::string& text = live[i * 7 % live.size()];
       if (text != std::string(text.size(), 'x')) std::abort();
       text = std::string(16 + i % 300, 'x');

@@ -4,7 +4,7 @@
 
 #include <shellapi.h>
 
-#include <mutex>
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -18,7 +18,7 @@ namespace zo::test {
 
 namespace {
 
-constexpr std::wstring_view kChildArgument = L"--zo-child=";
+const std::wstring kChildArgument = L"--zo-child=";
 
 const ChildEntry* firstEntry = nullptr;  // grows while static objects are constructed
 
@@ -29,8 +29,7 @@ void require(bool done, const char* what) {
 }
 
 void writeLine(HANDLE to, std::string_view line) {
-  std::string text(line);
-  text += '\n';
+  const std::string text = std::string(line) + '\n';
   DWORD written;
   require(WriteFile(to, text.data(), static_cast<DWORD>(text.size()), &written, nullptr),
           "the other side does not listen");
@@ -41,10 +40,8 @@ std::optional<std::string> readLine(HANDLE from, std::string& pending) {
   while ((end = pending.find('\n')) == std::string::npos) {
     char buffer[4096];
     DWORD got = 0;
-    if (!ReadFile(from, buffer, sizeof buffer, &got, nullptr) || !got) {
-      if (pending.empty()) return std::nullopt;
-      return std::exchange(pending, {});
-    }
+    if (!ReadFile(from, buffer, sizeof buffer, &got, nullptr) || !got)
+      return pending.empty() ? std::nullopt : std::optional(std::exchange(pending, {}));
     pending.append(buffer, got);
   }
   std::string line = pending.substr(0, end);
@@ -53,24 +50,10 @@ std::optional<std::string> readLine(HANDLE from, std::string& pending) {
   return line;
 }
 
-// Quotes so that CommandLineToArgvW gives the argument back: backslashes count double before a
-// quote.
-void appendArgument(std::wstring& line, std::wstring_view argument) {
-  line += L" \"";
-  std::size_t backslashes = 0;
-  for (const wchar_t c : argument) {
-    if (c == L'"') line.append(backslashes + 1, L'\\');
-    backslashes = c == L'\\' ? backslashes + 1 : 0;
-    line += c;
-  }
-  line.append(backslashes, L'\\');
-  line += L'"';
-}
-
-std::wstring programPath() {
-  std::wstring path(32768, L'\0');
-  path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-  return path;
+// Backslashes count double before a quote.
+void appendArgument(std::wstring& line, const std::wstring& argument) {
+  const std::size_t behind = argument.size() - 1 - argument.find_last_not_of(L'\\');
+  line += L" \"" + argument + std::wstring(behind, L'\\') + L"\"";
 }
 
 // A group that dies with its last handle, thus with this process at the latest.
@@ -103,14 +86,11 @@ struct ChildProcess::State {
 ChildProcess::ChildProcess(const std::wstring& name, const std::vector<std::wstring>& arguments,
                            Errors errors)
     : state_(std::make_unique<State>()) {
-  std::wstring commandLine = L"\"" + programPath() + L"\"";
-  appendArgument(commandLine, std::wstring(kChildArgument) + name);
+  std::wstring commandLine = L"\"" + std::wstring(_wpgmptr) + L"\"";
+  appendArgument(commandLine, kChildArgument + name);
   for (const std::wstring& argument : arguments) appendArgument(commandLine, argument);
   state_->group = makeDyingGroup();
 
-  // What is inheritable, any other child that is started meanwhile would inherit too.
-  static std::mutex starting;
-  const std::scoped_lock lock(starting);
   Handle childInput, childOutput;
   makePipe(childInput, state_->input, childInput);
   makePipe(state_->output, childOutput, childOutput);
@@ -121,15 +101,12 @@ ChildProcess::ChildProcess(const std::wstring& name, const std::vector<std::wstr
   startup.hStdOutput = childOutput.get();
   startup.hStdError = errors == kHeard ? childOutput.get() : GetStdHandle(STD_ERROR_HANDLE);
   PROCESS_INFORMATION started{};
-  require(CreateProcessW(programPath().c_str(), commandLine.data(), nullptr, nullptr, TRUE,
-                         CREATE_SUSPENDED, nullptr, nullptr, &startup, &started),
+  require(CreateProcessW(_wpgmptr, commandLine.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED,
+                         nullptr, nullptr, &startup, &started),
           "cannot start");
   state_->process.reset(started.hProcess);
   const Handle thread(started.hThread);
-  if (!AssignProcessToJobObject(state_->group.get(), started.hProcess)) {
-    kill();
-    require(false, "cannot join the job");
-  }
+  require(AssignProcessToJobObject(state_->group.get(), started.hProcess), "cannot join the job");
   ResumeThread(thread.get());
 }
 
@@ -172,12 +149,11 @@ ChildEntry::ChildEntry(const wchar_t* entryName, ChildFunction entryFunction)
 std::optional<int> runAsChild() {
   int count = 0;
   wchar_t** words = CommandLineToArgvW(GetCommandLineW(), &count);
-  std::vector<std::wstring> arguments(words, words + count);
+  const std::wstring first = count > 1 ? words[1] : L"";
+  Parent parent({words + std::min(count, 2), words + count});
   LocalFree(words);
-  if (arguments.size() < 2 || !arguments[1].starts_with(kChildArgument)) return std::nullopt;
-  const std::wstring name = arguments[1].substr(kChildArgument.size());
-  arguments.erase(arguments.begin(), arguments.begin() + 2);
-  Parent parent(std::move(arguments));
+  if (!first.starts_with(kChildArgument)) return std::nullopt;
+  const std::wstring name = first.substr(kChildArgument.size());
   for (const ChildEntry* entry = firstEntry; entry; entry = entry->next) {
     if (entry->name != name) continue;
     const auto mark = allocationMark();

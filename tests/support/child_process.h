@@ -12,14 +12,11 @@
 //   ...
 //   ChildProcess child(L"holder", {L"name"});
 //   ASSERT_EQ(child.hear(), "holding");
-//   ...
 //   EXPECT_EQ(child.wait(), 0);
 //
 // A child has its own crash report, watchdog, guarded heap and leak check (exit_codes.h). It never
-// outlives its ChildProcess, nor a parent that was killed.
-//
-// Lines are UTF-8 without the line end. Do not print to stdout in a child: that is the pipe;
-// standard error is free.
+// outlives its ChildProcess, nor a parent that was killed. Its stdout is the pipe; standard error
+// is free. Lines are UTF-8 without the line end; arguments hold no quotes.
 //
 // Errors:  what cannot be started or written throws std::runtime_error.
 // Threads: one at a time per object.
@@ -75,9 +72,6 @@ class Parent {
 };
 
 using ChildFunction = int (*)(Parent& parent);
-
-// The result of the child that the command line names; nothing when it names none. For main.
-std::optional<int> runAsChild();
 
 struct ChildEntry {
   ChildEntry(const wchar_t* entryName, ChildFunction entryFunction);

@@ -1,38 +1,17 @@
-#include "support/crash_report.h"
-
 #include <windows.h>
 
 #include <csignal>
 #include <cstdlib>
-#include <cwchar>
 #include <exception>
 
 #include "support/exit_codes.h"
 #include "support/guarded_heap_engine.h"
 #include "support/raw_print.h"
+#include "support/test_main.h"
 
 namespace zo::test {
 
 namespace {
-
-int exitCodeOf(DWORD exception) {
-  switch (exception) {
-    case EXCEPTION_ACCESS_VIOLATION:
-    case EXCEPTION_IN_PAGE_ERROR:
-      return kExitAccess;
-    case EXCEPTION_ILLEGAL_INSTRUCTION:
-      return kExitTrap;
-    default:
-      return kExitException;
-  }
-}
-
-void printAccess(const EXCEPTION_RECORD& record) {
-  const auto kind = record.ExceptionInformation[0];
-  const auto* address = reinterpret_cast<const void*>(record.ExceptionInformation[1]);
-  rawPrint("  %s %p\n", kind == 0 ? "reading" : kind == 1 ? "writing" : "executing", address);
-  printBlockAround(address);
-}
 
 LONG WINAPI onException(EXCEPTION_POINTERS* pointers) {
   const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
@@ -42,23 +21,27 @@ LONG WINAPI onException(EXCEPTION_POINTERS* pointers) {
 
   rawPrint("crash: exception %08lx in thread %lu at %s\n", record.ExceptionCode,
            GetCurrentThreadId(), PlaceText(record.ExceptionAddress).text);
-  const int code = exitCodeOf(record.ExceptionCode);
-  if (code == kExitAccess && record.NumberParameters >= 2) printAccess(record);
-  if (code == kExitTrap) rawPrint("  undefined behaviour, if this is a guarded build\n");
-  endProcess(code);
+  if (record.ExceptionCode == EXCEPTION_ILLEGAL_INSTRUCTION) {
+    rawPrint("  undefined behaviour, if this is a guarded build\n");
+    endProcess(kExitTrap);
+  }
+  if (record.ExceptionCode != EXCEPTION_ACCESS_VIOLATION) endProcess(kExitException);
+  const auto kind = record.ExceptionInformation[0];
+  const auto* address = reinterpret_cast<const void*>(record.ExceptionInformation[1]);
+  rawPrint("  %s %p\n", kind == 0 ? "reading" : kind == 1 ? "writing" : "executing", address);
+  printBlockAround(address);
+  endProcess(kExitAccess);
 }
 
 [[noreturn]] void onTerminate() {
-  if (const std::exception_ptr exception = std::current_exception()) {
-    try {
+  try {
+    if (const std::exception_ptr exception = std::current_exception())
       std::rethrow_exception(exception);
-    } catch (const std::exception& e) {
-      rawPrint("crash: std::terminate with an exception: %s\n", e.what());
-    } catch (...) {
-      rawPrint("crash: std::terminate with an exception that is no std::exception\n");
-    }
-  } else {
     rawPrint("crash: std::terminate\n");
+  } catch (const std::exception& e) {
+    rawPrint("crash: std::terminate with an exception: %s\n", e.what());
+  } catch (...) {
+    rawPrint("crash: std::terminate with an exception that is no std::exception\n");
   }
   endProcess(kExitTerminate);
 }
@@ -68,19 +51,16 @@ void onAbort(int) {
   endProcess(kExitTerminate);
 }
 
-struct {
-  HANDLE mainThread;
-  DWORD patience;
-} watched;
+constexpr DWORD kPatience = 240'000;
 
-DWORD WINAPI watch(void*) {
-  if (WaitForSingleObject(watched.mainThread, watched.patience) == WAIT_OBJECT_0) {
+DWORD WINAPI watch(void* mainThread) {
+  if (WaitForSingleObject(mainThread, kPatience) == WAIT_OBJECT_0) {
     // An ordinary end stops this thread first. Under Wine a stack overflow can kill a thread
     // without any exception.
     rawPrint("crash: the main thread is gone, probably by a stack overflow\n");
     endProcess(kExitException);
   }
-  rawPrint("watchdog: the program still runs after %lu ms\n", watched.patience);
+  rawPrint("watchdog: the program still runs after %lu ms\n", kPatience);
   endProcess(kExitHung);
 }
 
@@ -97,21 +77,12 @@ void installCrashReports() {
 }
 
 void startWatchdog() {
-  constexpr unsigned long kPatience = 240000;
-  wchar_t text[32];
-  const DWORD length = GetEnvironmentVariableW(L"ZO_TEST_TIMEOUT_MS", text, 32);
-  watched.patience = length && length < 32 ? std::wcstoul(text, nullptr, 10) : kPatience;
-  if (!watched.patience) watched.patience = INFINITE;
-  HANDLE self = GetCurrentProcess();
-  if (!DuplicateHandle(self, GetCurrentThread(), self, &watched.mainThread, SYNCHRONIZE, FALSE,
-                       0)) {
-    return;
-  }
+  const HANDLE self = GetCurrentProcess();
+  HANDLE mainThread = nullptr;
+  DuplicateHandle(self, GetCurrentThread(), self, &mainThread, SYNCHRONIZE, FALSE, 0);
   // A bare thread: the runtime's threads would allocate.
-  if (HANDLE thread = CreateThread(nullptr, 65536, watch, nullptr,
-                                   STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr)) {
-    CloseHandle(thread);
-  }
+  CloseHandle(
+      CreateThread(nullptr, 65536, watch, mainThread, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr));
 }
 
 }  // namespace zo::test

@@ -45,13 +45,9 @@ class FaultyFiles : public FileApi {
     met_ = false;
     calls_.clear();
   }
-  // Whether the plan met its call.
-  [[nodiscard]] bool met() const { return met_; }
-  // The names of the calls since the last arm, in order.
-  [[nodiscard]] const std::vector<std::string>& calls() const { return calls_; }
-
-  // Those of the last call of create.
-  [[nodiscard]] DWORD flagsOfCreate() const { return flagsOfCreate_; }
+  bool met() const { return met_; }                                 // whether the plan met its call
+  const std::vector<std::string>& calls() const { return calls_; }  // since the last arm, in order
+  DWORD flagsOfCreate() const { return flagsOfCreate_; }            // of its last call
 
   HANDLE create(const wchar_t* name, DWORD access, DWORD share, DWORD disposition,
                 DWORD flags) override {
@@ -61,8 +57,8 @@ class FaultyFiles : public FileApi {
   }
   bool read(HANDLE file, void* buffer, DWORD count, DWORD& done) override {
     const Fault fault = next("read");
-    if (fault == Fault::fail) return false;
-    return FileApi::read(file, buffer, fault == Fault::shorten ? count / 2 : count, done);
+    return fault != Fault::fail &&
+           FileApi::read(file, buffer, fault == Fault::shorten ? count / 2 : count, done);
   }
   bool write(HANDLE file, const void* data, DWORD count, DWORD& done) override {
     const Fault fault = next("write", true);
@@ -73,7 +69,7 @@ class FaultyFiles : public FileApi {
   }
   bool copy(const wchar_t* from, const wchar_t* to, bool failIfExists) override {
     const Fault fault = next("copy", true);
-    if (fault != Fault::none && fault != Fault::stop) return false;
+    if (fault == Fault::fail || fault == Fault::shorten) return false;
     const bool result = FileApi::copy(from, to, failIfExists);
     if (fault == Fault::none) return result;
     const HANDLE half = FileApi::create(to, GENERIC_WRITE, 0, OPEN_EXISTING, 0);
@@ -83,17 +79,14 @@ class FaultyFiles : public FileApi {
     FileApi::setEnd(half);
     stop();
   }
-  // The platform's close gives the handle back even when it reports a failure.
+  // The platform gives the handle back even when it reports a failure.
   bool close(HANDLE file) override {
-    const bool passed = passes("close");
-    const DWORD error = GetLastError();
     const bool closed = FileApi::close(file);
-    if (!passed) SetLastError(error);
-    return passed && closed;
+    return passes("close") && closed;
   }
   bool findClose(HANDLE search) override {
-    const bool passed = passes("findClose");
-    return FileApi::findClose(search) && passed;
+    const bool closed = FileApi::findClose(search);
+    return passes("findClose") && closed;
   }
 
 #define ZO_PASS(Type, failed, name, parameters, arguments) \
@@ -143,16 +136,14 @@ class FaultyFiles : public FileApi {
   Fault next(std::string_view call, bool stopsItself = false) {
     calls_.emplace_back(call);
     if (plan_.fault == Fault::none) return Fault::none;
-    if (!plan_.call.empty() && !isPlanned(call)) return Fault::none;
+    const std::string planned = ' ' + std::string(plan_.call) + ' ';
+    if (!plan_.call.empty() && planned.find(' ' + calls_.back() + ' ') == std::string::npos)
+      return Fault::none;
     if (++seen_ < plan_.nth || (seen_ > plan_.nth && !plan_.forEver)) return Fault::none;
     met_ = true;
     if (plan_.fault == Fault::stop && !stopsItself) stop();
     SetLastError(plan_.error);
     return plan_.fault;
-  }
-  bool isPlanned(std::string_view call) const {
-    return (' ' + std::string(plan_.call) + ' ').find(' ' + std::string(call) + ' ') !=
-           std::string::npos;
   }
   bool passes(std::string_view call) { return next(call) == Fault::none; }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <mutex>
 
 #include "support/exit_codes.h"
 #include "support/guarded_heap_engine.h"
@@ -19,6 +20,7 @@ constexpr std::size_t kAddressSpace = std::size_t{1} << 34;
 constexpr std::size_t kLargest = kAddressSpace / 4;
 constexpr unsigned kSmall = SlotSpace::kLeastShift;  // one page and the inaccessible one behind it
 constexpr std::size_t kFillLimit = 65536;            // contents are filled up to here
+constexpr std::size_t kMostOpen = 28000;             // the system has two mappings for each
 constexpr std::size_t kLeastRest = 256;  // small slots that rest even when mappings are short
 constexpr char kFenceByte = static_cast<char>(0xFB);
 constexpr char kNewByte = static_cast<char>(0xCD);
@@ -27,8 +29,7 @@ constexpr std::size_t roundUp(std::size_t n, std::size_t power) {
   return (n + power - 1) & ~(power - 1);
 }
 
-// What a type of this size can ask for at most; so the block leaves no gap before the page behind
-// it.
+// What a type of this size can ask for at most: so no gap is left before the page behind the block.
 constexpr std::size_t naturalAlignment(std::size_t size) {
   return size == 0 ? 16 : std::min<std::size_t>(size & (~size + 1), 16);
 }
@@ -45,23 +46,6 @@ struct Pages {
   std::size_t bytes;
   char* from;
 };
-
-// Where in or beside its block the address lies, and who allocated it.
-void printPlace(const Block& block, const void* address) {
-  const auto offset = static_cast<long long>(static_cast<const char*>(address) - block.start);
-  const auto size = static_cast<long long>(block.size);
-  if (offset < 0) {
-    rawPrint("  %lld bytes before", -offset);
-  } else if (offset < size) {
-    rawPrint("  at byte %lld of", offset);
-  } else {
-    rawPrint("  %lld bytes past the end of", offset - size);
-  }
-  rawPrint(" the %s block of %lld bytes (number %llu), allocated at\n",
-           block.state == Block::kLive ? "live" : "freed", size,
-           static_cast<unsigned long long>(block.serial));
-  printStack(block.frames, Block::kFrames);
-}
 
 [[noreturn]] void heapDamage(const char* what, const void* address) {
   rawPrint("guarded heap: %s at %p\n", what, address);
@@ -80,14 +64,10 @@ void requireFence(const char* from, const char* to, const char* what) {
 
 }  // namespace
 
-bool HeapEngine::start(std::size_t limit) {
-  limit_ = limit;
-  active_ = slots_.reserve(kAddressSpace);
-  return active_;
-}
+bool HeapEngine::start() { return slots_.reserve(kAddressSpace); }
 
 Block* HeapEngine::takeSlot(unsigned shift) {
-  if (openSlots_ < limit_) return slots_.take(shift);
+  if (openSlots_ < kMostOpen) return slots_.take(shift);
   return shift == kSmall ? slots_.takeRested(shift, kLeastRest) : nullptr;
 }
 
@@ -95,12 +75,12 @@ Block* HeapEngine::takeSlot(unsigned shift) {
 // anew.
 bool HeapEngine::open(Block* block) {
   const Pages pages(*block);
-  if (block->committed) {
+  if (block->isCommitted) {
     DWORD before;
     return VirtualProtect(pages.from, pages.bytes, PAGE_READWRITE, &before);
   }
   if (!VirtualAlloc(pages.from, pages.bytes, MEM_COMMIT, PAGE_READWRITE)) return false;
-  block->committed = block->shift == kSmall;
+  block->isCommitted = block->shift == kSmall;
   ++openSlots_;
   return true;
 }
@@ -108,7 +88,7 @@ bool HeapEngine::open(Block* block) {
 void HeapEngine::close(Block* block) {
   const Pages pages(*block);
   DWORD before;
-  if (block->committed) {
+  if (block->isCommitted) {
     if (VirtualProtect(pages.from, pages.bytes, PAGE_NOACCESS, &before)) return;
   } else if (VirtualFree(pages.from, pages.bytes, MEM_DECOMMIT)) {
     --openSlots_;
@@ -120,7 +100,7 @@ void HeapEngine::close(Block* block) {
 void* HeapEngine::allocate(std::size_t size, std::size_t alignment,
                            void* const (&frames)[Block::kFrames]) {
   if (size > kLargest || alignment > kPage) return nullptr;
-  const Locked locked(lock_);
+  const std::scoped_lock locked(lock_);
   const std::size_t bytes = roundUp(size, std::max(alignment, naturalAlignment(size)));
   Block* block = takeSlot(static_cast<unsigned>(std::bit_width(pagesFor(bytes) + kPage - 1)));
   if (block) {
@@ -137,7 +117,7 @@ void* HeapEngine::allocate(std::size_t size, std::size_t alignment,
   std::memset(block->start + size, kFenceByte, bytes - size);
   block->serial = ++serial_;
   block->lastReached = 0;
-  block->state = Block::kLive;
+  block->isLive = true;
   std::memcpy(block->frames, frames, sizeof block->frames);
   live_.append(block);
   return block->start;
@@ -147,34 +127,42 @@ Block* HeapEngine::requireLive(void* start) {
   Block* block = slots_.find(start);
   if (!block) return nullptr;
   if (block->start != start) heapDamage("free inside or beside a block", start);
-  if (block->state != Block::kLive) heapDamage("double free", start);
+  if (!block->isLive) heapDamage("double free", start);
   return block;
 }
 
 bool HeapEngine::release(void* start) {
-  const Locked locked(lock_);
+  const std::scoped_lock locked(lock_);
   Block* block = requireLive(start);
   if (!block) return false;
   requireFence(Pages(*block).from, block->start, "bytes before a block were written");
   requireFence(block->start + block->size, endOf(*block), "bytes behind a block were written");
   live_.remove(block);
-  block->state = Block::kFreed;
+  block->isLive = false;
   close(block);
   slots_.rest(block);
   return true;
 }
 
 const Block* HeapEngine::liveBlock(void* start) {
-  const Locked locked(lock_);
+  const std::scoped_lock locked(lock_);
   return requireLive(start);
 }
 
 void printBlockAround(const void* address) {
-  if (const Block* block = heapEngine.slotAround(address)) printPlace(*block, address);
+  const Block* const block = heapEngine.slotAround(address);
+  if (!block) return;
+  const long long offset = static_cast<const char*>(address) - block->start;
+  const auto size = static_cast<long long>(block->size);
+  if (offset < 0) rawPrint("  %lld bytes before", -offset);
+  if (offset >= 0 && offset < size) rawPrint("  at byte %lld of", offset);
+  if (offset >= size) rawPrint("  %lld bytes past the end of", offset - size);
+  rawPrint(" the %s block of %lld bytes (number %llu), allocated at\n",
+           block->isLive ? "live" : "freed", size, static_cast<unsigned long long>(block->serial));
+  printStack(block->frames, Block::kFrames);
 }
 
-bool guardedHeapActive() { return heapEngine.active(); }
-std::size_t liveBlocks() { return heapEngine.liveCount(); }
 std::uint64_t allocationMark() { return heapEngine.newestSerial(); }
+std::size_t reportLeaks(std::uint64_t mark) { return heapEngine.reportLeaks(mark); }
 
 }  // namespace zo::test

@@ -11,8 +11,8 @@
 // - blocks to which nothing leads any more are leaks.
 //
 // An inaccessible page costs the system two mappings, of which a process has 65,530 under Linux.
-// Past ZO_GUARDED_LIMIT live blocks (default 28,000) the runtime serves the program again, and
-// leaks are not looked for any more.
+// Past 28,000 live blocks the runtime serves the program again, and leaks are not looked for any
+// more.
 //
 // A fault of the compiler's runtime that shows here: when a thread other than the first ends, its
 // thread_local variables are freed before their destructors run. Code under test keeps thread_local
@@ -25,23 +25,16 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 
 namespace zo::test {
-
-bool guardedHeapActive();
-
-// Blocks of the program that are live now; 0 when the heap is not active.
-std::size_t liveBlocks();
 
 // The number of the newest block: what comes later has a higher one.
 std::uint64_t allocationMark();
 
-// Describes the blocks allocated after the mark that are live and leaked; empty when there are
-// none. A block is leaked when no chain of pointers leads to it from the writable data of a module
-// or from a block of the thread runtime (thread_local variables). The stacks do not count, so ask
-// when nothing is in use. Function-local statics and caches filled on first use are therefore no
-// leaks.
-std::string leaksSince(std::uint64_t mark);
+// Tells on stderr of the blocks allocated after the mark that are live and leaked; gives their
+// number. A block is leaked when no chain of pointers leads to it from the writable data of a
+// module or from a block of the thread runtime (thread_local variables). The stacks do not count,
+// so ask when nothing is in use. Function-local statics and filled caches are no leaks.
+std::size_t reportLeaks(std::uint64_t mark);
 
 }  // namespace zo::test

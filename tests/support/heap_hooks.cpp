@@ -1,20 +1,24 @@
-#include "support/heap_hooks.h"
-
+// Puts the guarded heap in place of the C runtime's memory functions in the modules of the program.
 #include <windows.h>
+
+#include <psapi.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
+#include <iterator>
 
 #include "support/guarded_heap_engine.h"
 #include "support/raw_print.h"
-#include "support/watched_modules.h"
 
 namespace zo::test {
 
 namespace {
+
+constexpr char kRuntime[] = "msvcrt.dll";
 
 // The runtime's own functions, for blocks that it allocates itself, and past the heap's limit.
 struct {
@@ -81,22 +85,93 @@ void __cdecl hookAlignedFree(void* block) {
 template <typename Function>
 void load(Function& function, const char* name) {
   function = reinterpret_cast<Function>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA(kHookedRuntime), name)));
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA(kRuntime), name)));
+}
+
+// The modules that are loaded with the program, but for the system's own. Kept, because asking the
+// loader from inside the heap could lock for ever.
+struct Module {
+  char* base;
+  bool isThreadRuntime;
+} modules[64];
+std::size_t moduleCount = 0;
+
+template <typename T>
+T* at(char* module, std::size_t offset) {
+  return reinterpret_cast<T*>(module + offset);
+}
+
+const IMAGE_NT_HEADERS* headersOf(char* module) {
+  return at<IMAGE_NT_HEADERS>(module,
+                              static_cast<std::size_t>(at<IMAGE_DOS_HEADER>(module, 0)->e_lfanew));
+}
+
+void redirect(IMAGE_THUNK_DATA* slot, const char* name) {
+  static const struct {
+    const char* name;
+    void* function;
+  } hooks[] = {
+      {"malloc", reinterpret_cast<void*>(hookMalloc)},
+      {"calloc", reinterpret_cast<void*>(hookCalloc)},
+      {"realloc", reinterpret_cast<void*>(hookRealloc)},
+      {"free", reinterpret_cast<void*>(hookFree)},
+      {"_msize", reinterpret_cast<void*>(hookSize)},
+      {"_aligned_malloc", reinterpret_cast<void*>(hookAlignedMalloc)},
+      {"_aligned_free", reinterpret_cast<void*>(hookAlignedFree)},
+  };
+  for (const auto& hook : hooks) {
+    DWORD before;
+    if (std::strcmp(hook.name, name)) continue;
+    if (!VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &before)) continue;
+    slot->u1.Function = reinterpret_cast<std::uintptr_t>(hook.function);
+    VirtualProtect(slot, sizeof *slot, before, &before);
+  }
+}
+
+void redirectImports(char* module) {
+  const auto& directory =
+      headersOf(module)->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+  if (!directory.VirtualAddress) return;
+  for (auto* import = at<IMAGE_IMPORT_DESCRIPTOR>(module, directory.VirtualAddress); import->Name;
+       ++import) {
+    if (_stricmp(at<char>(module, import->Name), kRuntime)) continue;
+    auto* name = at<IMAGE_THUNK_DATA>(module, import->OriginalFirstThunk);
+    auto* slot = at<IMAGE_THUNK_DATA>(module, import->FirstThunk);
+    for (; name->u1.AddressOfData; ++name, ++slot) {
+      if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
+      redirect(slot, at<IMAGE_IMPORT_BY_NAME>(module, name->u1.AddressOfData)->Name);
+    }
+  }
+}
+
+void watchModules() {
+  HMODULE loaded[256];
+  DWORD bytes = 0;
+  EnumProcessModules(GetCurrentProcess(), loaded, sizeof loaded, &bytes);
+  wchar_t system[MAX_PATH], path[MAX_PATH];
+  const UINT length = GetWindowsDirectoryW(system, MAX_PATH);
+  const std::size_t count = std::min<std::size_t>(bytes / sizeof(HMODULE), std::size(loaded));
+  for (std::size_t i = 0; i < count && moduleCount < std::size(modules); ++i) {
+    GetModuleFileNameW(loaded[i], path, MAX_PATH);
+    if (!_wcsnicmp(path, system, length)) continue;
+    const wchar_t* const name = std::wcsrchr(path, L'\\') + 1;
+    char* const base = reinterpret_cast<char*>(loaded[i]);
+    modules[moduleCount++] = {
+        base, !_wcsicmp(name, L"libwinpthread-1.dll") || !_wcsicmp(name, L"libgcc_s_seh-1.dll")};
+    redirectImports(base);
+  }
 }
 
 void startHeap() {
   wchar_t text[32] = L"";
   GetEnvironmentVariableW(L"ZO_GUARDED_HEAP", text, 32);
   if (std::wcscmp(text, L"guard")) return;
-  std::size_t limit = 28000;
-  if (GetEnvironmentVariableW(L"ZO_GUARDED_LIMIT", text, 32))
-    limit = std::wcstoul(text, nullptr, 10);
   load(runtime.malloc, "malloc");
   load(runtime.free, "free");
   load(runtime.size, "_msize");
   load(runtime.alignedMalloc, "_aligned_malloc");
   load(runtime.alignedFree, "_aligned_free");
-  if (!heapEngine.start(limit)) {
+  if (!heapEngine.start()) {
     rawPrint("guarded heap: no address space\n");
     std::abort();
   }
@@ -111,23 +186,24 @@ struct Starter {
 
 }  // namespace
 
-void* heapHookFor(const char* name) {
-  static const struct {
-    const char* name;
-    void* function;
-  } hooks[] = {
-      {"malloc", reinterpret_cast<void*>(hookMalloc)},
-      {"calloc", reinterpret_cast<void*>(hookCalloc)},
-      {"realloc", reinterpret_cast<void*>(hookRealloc)},
-      {"free", reinterpret_cast<void*>(hookFree)},
-      {"_msize", reinterpret_cast<void*>(hookSize)},
-      {"_aligned_malloc", reinterpret_cast<void*>(hookAlignedMalloc)},
-      {"_aligned_free", reinterpret_cast<void*>(hookAlignedFree)},
-  };
-  for (const auto& hook : hooks) {
-    if (!std::strcmp(hook.name, name)) return hook.function;
+void visitModuleData(void (*visit)(const void* from, std::size_t bytes)) {
+  for (std::size_t i = 0; i < moduleCount; ++i) {
+    char* const base = modules[i].base;
+    const IMAGE_NT_HEADERS* headers = headersOf(base);
+    const IMAGE_SECTION_HEADER* section = IMAGE_FIRST_SECTION(headers);
+    for (unsigned k = 0; k < headers->FileHeader.NumberOfSections; ++k, ++section) {
+      if (section->Characteristics & IMAGE_SCN_MEM_WRITE)
+        visit(base + section->VirtualAddress, section->Misc.VirtualSize);
+    }
   }
-  return nullptr;
+}
+
+bool isThreadRuntime(const void* address) {
+  const auto* code = static_cast<const char*>(address);
+  return std::any_of(modules, modules + moduleCount, [code](const Module& m) {
+    return m.isThreadRuntime && code >= m.base &&
+           code < m.base + headersOf(m.base)->OptionalHeader.SizeOfImage;
+  });
 }
 
 }  // namespace zo::test

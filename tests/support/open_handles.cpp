@@ -13,17 +13,14 @@ namespace zo::test {
 
 namespace {
 
-// One handle of the system. (GetProcessHandleCount does not count everywhere.)
-struct SystemHandle {
-  USHORT process, trace;
-  UCHAR type, attributes;
-  USHORT handle;
-  void* object;
-  ULONG access;
-};
+// The handles of the system. (GetProcessHandleCount does not count everywhere.)
 struct SystemHandles {
   ULONG count;
-  SystemHandle handles[1];
+  struct {
+    USHORT process, others[3];
+    void* object;
+    ULONG access;
+  } handles[1];
 };
 
 constexpr auto kSystemHandleInformation = static_cast<SYSTEM_INFORMATION_CLASS>(16);
@@ -44,7 +41,7 @@ unsigned long openHandles() {
   const auto process = static_cast<USHORT>(GetCurrentProcessId());
   return static_cast<unsigned long>(
       std::count_if(all.handles, all.handles + all.count,
-                    [&](const SystemHandle& handle) { return handle.process == process; }));
+                    [&](const auto& handle) { return handle.process == process; }));
 }
 
 }  // namespace zo::test

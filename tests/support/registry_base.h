@@ -2,14 +2,24 @@
 // in it at the end. No other run and no other test has it.
 #pragma once
 
+#include <gtest/gtest.h>
+#include <windows.h>
+
 #include <string>
 
 namespace zo::test {
 
 class RegistryBase {
  public:
-  RegistryBase();
-  ~RegistryBase();
+  RegistryBase() {
+    static int count = 0;
+    path_ = L"Software\\zo-test-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+            std::to_wstring(GetTickCount64()) + L"-" + std::to_wstring(++count);
+    HKEY key = nullptr;
+    EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, path_.c_str(), &key), ERROR_SUCCESS);
+    RegCloseKey(key);
+  }
+  ~RegistryBase() { EXPECT_EQ(RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str()), ERROR_SUCCESS); }
   RegistryBase(const RegistryBase&) = delete;
   RegistryBase& operator=(const RegistryBase&) = delete;
 

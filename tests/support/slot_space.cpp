@@ -21,28 +21,18 @@ void BlockList::remove(Block* block) {
 }
 
 bool SlotSpace::reserve(std::size_t bytes) {
-  bytes_ = std::min(bytes, kMostChunks << kChunkShift);
-  base_ = static_cast<char*>(VirtualAlloc(nullptr, bytes_, MEM_RESERVE, PAGE_NOACCESS));
-  table_ = static_cast<Block*>(VirtualAlloc(nullptr, (bytes_ >> kLeastShift) * sizeof(Block),
-                                            MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
-  return base_ && table_;
-}
-
-bool SlotSpace::grow(unsigned shift) {
-  const std::size_t slot = std::size_t{1} << shift;
-  const std::size_t span = std::max(slot, std::size_t{1} << kChunkShift);
-  const std::size_t at = (dealt_ + slot - 1) & ~(slot - 1);
-  if (at > bytes_ || span > bytes_ - at) return false;
-  dealt_ = at + span;
-  std::fill_n(chunkShifts_ + (at >> kChunkShift), span >> kChunkShift,
-              static_cast<std::uint8_t>(shift));
-  classes_[shift].fresh = base_ + at;
-  classes_[shift].end = base_ + at + span;
-  return true;
+  constexpr DWORD kZeroed = MEM_RESERVE | MEM_COMMIT;
+  units_ = bytes >> kLeastShift;
+  base_ = static_cast<char*>(VirtualAlloc(nullptr, bytes, MEM_RESERVE, PAGE_NOACCESS));
+  blocks_ =
+      static_cast<Block*>(VirtualAlloc(nullptr, units_ * sizeof(Block), kZeroed, PAGE_READWRITE));
+  firstUnits_ = static_cast<std::uint32_t*>(
+      VirtualAlloc(nullptr, units_ * sizeof(std::uint32_t), kZeroed, PAGE_READWRITE));
+  return base_ && blocks_ && firstUnits_;
 }
 
 Block* SlotSpace::takeRested(unsigned shift, std::size_t least) {
-  BlockList& resting = classes_[shift].resting;
+  BlockList& resting = resting_[shift];
   if (resting.count() <= least) return nullptr;
   Block* block = resting.front();
   resting.remove(block);
@@ -55,23 +45,21 @@ Block* SlotSpace::take(unsigned shift) {
   if (shift > kMostShift) return nullptr;
   const std::size_t least = std::max<std::size_t>(kRestingBytes >> shift, 1);
   if (Block* rested = takeRested(shift, least)) return rested;
-  SlotClass& slots = classes_[shift];
-  if (slots.fresh == slots.end && !grow(shift)) return takeRested(shift, 0);
-  Block* block = table_ + ((slots.fresh - base_) >> kLeastShift);
-  block->slot = slots.fresh;
+  const std::size_t units = std::size_t{1} << (shift - kLeastShift);
+  if (units > units_ - dealt_) return takeRested(shift, 0);
+  Block* block = blocks_ + dealt_;
+  block->slot = base_ + (dealt_ << kLeastShift);
   block->shift = static_cast<std::uint8_t>(shift);
-  slots.fresh += std::size_t{1} << shift;
+  std::fill_n(firstUnits_ + dealt_, units, static_cast<std::uint32_t>(dealt_));
+  dealt_ += units;
   return block;
 }
 
 Block* SlotSpace::find(const void* address) const {
-  const auto* at = static_cast<const char*>(address);
-  if (at < base_ || at >= base_ + bytes_) return nullptr;
-  const auto offset = static_cast<std::size_t>(at - base_);
-  const unsigned shift = chunkShifts_[offset >> kChunkShift];
-  if (!shift) return nullptr;
-  Block* block = table_ + (offset >> shift << (shift - kLeastShift));
-  return block->slot ? block : nullptr;
+  const std::size_t unit =
+      (reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(base_)) >>
+      kLeastShift;
+  return unit < dealt_ ? blocks_ + firstUnits_[unit] : nullptr;
 }
 
 }  // namespace zo::test

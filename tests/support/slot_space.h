@@ -1,8 +1,8 @@
 // The address space behind the guarded heap: a reserved range cut into slots of 2^shift bytes.
 //
-// The range is dealt out in spans of at least 64 MiB, each for one slot size and aligned to it, so
-// that the slot around any address is found by a table look-up and a mask. A slot given back rests
-// at the end of its size's queue and is taken again only when enough others rest behind it.
+// Each unit of the least size knows the first one of its slot, so that the slot around any address
+// is found by a table look-up. A slot given back rests at the end of its size's queue and is taken
+// again only when enough others rest behind it.
 //
 // Threads: none of its own; the heap's lock covers it.
 #pragma once
@@ -15,7 +15,6 @@ namespace zo::test {
 // What the heap knows of one slot and the block in it.
 struct Block {
   static constexpr unsigned kFrames = 6;
-  enum State : std::uint8_t { kNew, kLive, kFreed };
 
   char* slot;
   char* start;  // what the program got
@@ -26,8 +25,8 @@ struct Block {
   Block* next;
   Block* nextToScan;
   std::uint8_t shift;  // the slot has 2^shift bytes
-  State state;
-  bool committed;         // keeps its page while it rests
+  bool isLive;
+  bool isCommitted;       // keeps its page while it rests
   void* frames[kFrames];  // who allocated it, innermost first; shorter stacks end with null
 };
 
@@ -51,32 +50,22 @@ class SlotSpace {
   static constexpr unsigned kLeastShift = 13;
 
   bool reserve(std::size_t bytes);
-  // A slot of this size, new or rested (its state tells); null when the range is used up.
+  // A slot of this size, new or rested; null when the range is used up.
   Block* take(unsigned shift);
   // The slot that has rested longest if more than `least` rest; null otherwise.
   Block* takeRested(unsigned shift, std::size_t least);
-  void rest(Block* block) { classes_[block->shift].resting.append(block); }
+  void rest(Block* block) { resting_[block->shift].append(block); }
   // The slot around the address, null when none was ever taken there.
   Block* find(const void* address) const;
 
  private:
-  struct SlotClass {
-    char* fresh;
-    char* end;
-    BlockList resting;
-  };
   static constexpr unsigned kMostShift = 33;
-  static constexpr unsigned kChunkShift = 26;
-  static constexpr std::size_t kMostChunks = 512;
-
-  bool grow(unsigned shift);
 
   char* base_ = nullptr;
-  std::size_t bytes_ = 0;
-  std::size_t dealt_ = 0;
-  Block* table_ = nullptr;  // one for each slot of the least size
-  SlotClass classes_[kMostShift + 1] = {};
-  std::uint8_t chunkShifts_[kMostChunks] = {};  // 0 while a chunk is not dealt out
+  std::size_t units_ = 0, dealt_ = 0;
+  Block* blocks_ = nullptr;  // by the first unit
+  std::uint32_t* firstUnits_ = nullptr;
+  BlockList resting_[kMostShift + 1];
 };
 
 }  // namespace zo::test

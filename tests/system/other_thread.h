@@ -1,6 +1,7 @@
 // Work in a second thread, for what guards promise.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <zo/system/sys_obj.h>
 
 #include <future>
@@ -23,7 +24,7 @@ class HeldElsewhere {
           letGo_.get_future().wait();
           service.doneWriting();
         }) {
-    result_ = held_.get_future().get();
+    EXPECT_EQ(held_.get_future().get(), 0);
   }
   ~HeldElsewhere() {
     letGo_.set_value();
@@ -31,13 +32,10 @@ class HeldElsewhere {
   }
   HeldElsewhere(const HeldElsewhere&) = delete;
   HeldElsewhere& operator=(const HeldElsewhere&) = delete;
-  // What its wait answered: 0.
-  [[nodiscard]] int result() const { return result_; }
 
  private:
   std::promise<int> held_;
   std::promise<void> letGo_;
-  int result_ = -1;
   std::thread thread_;  // last: it uses the others
 };
 
