@@ -33,7 +33,7 @@ ByteVector lzmaContainer(Bytes content, int level);
 // The bytes with a few changes: cut, longer, shorter, flipped bits, telling values.
 ByteVector mutated(const ByteVector& original, std::mt19937& random);
 // How many mutations a test tries; the environment's ZO_MUTATIONS takes the place of the ordinary
-// number. The last long run was one of 500000.
+// number: 500000 takes the archives about a minute.
 int mutationCount(int ordinary);
 
 }  // namespace zo::test
