@@ -1,6 +1,6 @@
 #include "persist/implode_encoder.h"
 
-#include <algorithm>
+#include <unordered_map>
 
 #include "persist/crc32.h"
 #include "persist/implode_tables.h"
@@ -59,69 +59,28 @@ ByteVector ImplodeWriter::end() {
   return cut();
 }
 
-namespace {
-
-// Finds the last places at which three bytes stood.
-class Matcher {
- public:
-  Matcher(Bytes content, unsigned int distanceBits)
-      : content_(content),
-        reach_(64u << distanceBits),
-        last_(1u << 15, -1),
-        before_(content.size(), -1) {}
-
-  void enter(std::size_t at) {
-    if (at + 3 > content_.size()) return;
-    int& last = last_[slot(at)];
-    before_[at] = last;
-    last = static_cast<int>(at);
-  }
-
-  // The longest match before `at`; a length of 0 for none.
-  std::pair<unsigned int, unsigned int> find(std::size_t at) const {
-    unsigned int best = 0, distance = 0;
-    if (at + 3 > content_.size()) return {0, 0};
-    const std::size_t most = std::min<std::size_t>(kMaxLength, content_.size() - at);
-    int tries = 32;
-    for (int from = last_[slot(at)]; from >= 0 && tries-- > 0;
-         from = before_[static_cast<std::size_t>(from)]) {
-      const std::size_t back = at - static_cast<std::size_t>(from);
-      if (back > reach_) break;
-      unsigned int length = 0;
-      while (length < most && content_[at + length] == content_[at + length - back]) ++length;
-      if (length > best) {
-        best = length;
-        distance = static_cast<unsigned int>(back);
-      }
-    }
-    return {best < 3 ? 0 : best, distance};
-  }
-
- private:
-  std::size_t slot(std::size_t at) const {
-    return (content_[at] * 0x9E5u ^ content_[at + 1] * 0x1F35u ^ content_[at + 2] * 0x71u) & 0x7FFF;
-  }
-
-  Bytes content_;
-  std::size_t reach_;
-  std::vector<int> last_;
-  std::vector<int> before_;
-};
-
-}  // namespace
-
 ByteVector imploded(Bytes content, Literals literals, unsigned int distanceBits) {
   ImplodeWriter writer(literals, distanceBits);
-  Matcher matcher(content, distanceBits);
-  for (std::size_t at = 0; at < content.size();) {
-    const auto [length, distance] = matcher.find(at);
-    const std::size_t next = at + std::max(length, 1u);
-    if (length > 0) {
-      writer.copy(length, distance);
-    } else {
-      writer.literal(content[at]);
+  const auto three = [&](std::size_t at) {
+    return content[at] | content[at + 1] << 8 | content[at + 2] << 16;
+  };
+  std::unordered_map<int, std::size_t> last;  // where these three bytes stood last
+  for (std::size_t at = 0, next = 0; at < content.size(); ++at) {
+    const auto found = at + 3 <= content.size() ? last.find(three(at)) : last.end();
+    if (at == next) {
+      const std::size_t distance = found != last.end() ? at - found->second : 0;
+      unsigned int length = 1;
+      if (distance > 0 && distance <= 64u << distanceBits) {
+        while (length < kMaxLength && at + length < content.size() &&
+               content[at + length] == content[at + length - distance])
+          ++length;
+        writer.copy(length, static_cast<unsigned int>(distance));
+      } else {
+        writer.literal(content[at]);
+      }
+      next = at + length;
     }
-    while (at < next) matcher.enter(at++);
+    if (at + 3 <= content.size()) last[three(at)] = at;
   }
   return writer.end();
 }

@@ -1,9 +1,10 @@
 #include "persist/memory_watch.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <new>
-#include <unordered_map>
 
 namespace {
 
@@ -12,9 +13,8 @@ struct Watched {
   bool failed = false;
   std::size_t failAt = 0;
   std::size_t requests = 0;
-  std::size_t live = 0;
-  std::size_t peak = 0;
-  std::unordered_map<void*, std::size_t> sizes;
+  std::ptrdiff_t live = 0;
+  std::ptrdiff_t peak = 0;
 };
 Watched g_watch;
 
@@ -24,23 +24,15 @@ bool refuses() {
   return true;
 }
 
-void add(void* block, std::size_t size) {
-  if (!g_watch.active || !block) return;
-  g_watch.active = false;  // for the table's own memory
-  g_watch.sizes[block] = size;
-  g_watch.active = true;
-  g_watch.live += size;
-  g_watch.peak = std::max(g_watch.peak, g_watch.live);
+// Of a block that counts.
+std::ptrdiff_t sizeOf(void* block) {
+  return g_watch.active && block ? static_cast<std::ptrdiff_t>(_msize(block)) : 0;
 }
 
-[[maybe_unused]] void remove(void* block) {
-  if (!g_watch.active) return;
-  const auto found = g_watch.sizes.find(block);
-  if (found == g_watch.sizes.end()) return;
-  g_watch.live -= found->second;
-  g_watch.active = false;
-  g_watch.sizes.erase(found);
-  g_watch.active = true;
+void* added(void* block) {
+  g_watch.live += sizeOf(block);
+  g_watch.peak = std::max(g_watch.peak, g_watch.live);
+  return block;
 }
 
 }  // namespace
@@ -51,25 +43,20 @@ void* __real_malloc(std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
 void __real_free(void* block);
 
-void* __wrap_malloc(std::size_t size) {
-  if (refuses()) return nullptr;
-  void* const block = __real_malloc(size);
-  add(block, size);
-  return block;
-}
+void* __wrap_malloc(std::size_t size) { return refuses() ? nullptr : added(__real_malloc(size)); }
 
 void* __wrap_realloc(void* block, std::size_t size) {
   if (refuses()) return nullptr;
+  const std::ptrdiff_t before = sizeOf(block);
   void* const moved = __real_realloc(block, size);
-  if (!moved) return nullptr;
-  if (moved == block) remove(block);
-  add(moved, size);
-  if (moved != block) remove(block);
+  if (moved == block) g_watch.live -= before;
+  added(moved);
+  if (moved && moved != block) g_watch.live -= before;
   return moved;
 }
 
 void __wrap_free(void* block) {
-  remove(block);
+  g_watch.live -= sizeOf(block);
   __real_free(block);
 }
 }
@@ -78,18 +65,14 @@ void __wrap_free(void* block) {
 #define __wrap_free std::free
 #endif
 
-// What throws is counted and never refused.
+// What throws is counted and never refused. The forms for arrays lead here.
 void* operator new(std::size_t size) {
   void* const block = __real_malloc(size > 0 ? size : 1);
   if (!block) throw std::bad_alloc();
-  add(block, size);
-  return block;
+  return added(block);
 }
-void* operator new[](std::size_t size) { return ::operator new(size); }
 void operator delete(void* block) noexcept { __wrap_free(block); }
-void operator delete[](void* block) noexcept { __wrap_free(block); }
 void operator delete(void* block, std::size_t) noexcept { __wrap_free(block); }
-void operator delete[](void* block, std::size_t) noexcept { __wrap_free(block); }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   if (refuses()) return nullptr;
@@ -100,10 +83,6 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   }
 }
 
-void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
-  return ::operator new(size, tag);
-}
-
 namespace zo::test {
 
 MemoryWatch::MemoryWatch(std::size_t failAt) {
@@ -112,12 +91,9 @@ MemoryWatch::MemoryWatch(std::size_t failAt) {
   g_watch.active = true;
 }
 
-MemoryWatch::~MemoryWatch() {
-  g_watch.active = false;
-  g_watch.sizes = {};
-}
+MemoryWatch::~MemoryWatch() { g_watch.active = false; }
 
-std::size_t MemoryWatch::peak() const { return g_watch.peak; }
+std::size_t MemoryWatch::peak() const { return static_cast<std::size_t>(g_watch.peak); }
 bool MemoryWatch::failed() const { return g_watch.failed; }
 
 }  // namespace zo::test

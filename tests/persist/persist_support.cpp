@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <zo/persist/explode.h>
 
-#include <array>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 
@@ -50,18 +50,12 @@ ByteVector sampleContent(std::size_t size, unsigned int seed) {
   std::mt19937 random(seed);
   ByteVector content;
   while (content.size() < size) {
-    switch (random() % 16) {
-      case 0:
-        content.insert(content.end(), random() % 600, static_cast<unsigned char>(random()));
-        break;
-      case 1:
-        for (unsigned int n = random() % 40; n > 0; --n)
-          content.push_back(static_cast<unsigned char>(random()));
-        break;
-      default:
-        for (const char* c = kWords[random() % std::size(kWords)]; *c; ++c)
-          content.push_back(static_cast<unsigned char>(*c));
-    }
+    const auto noise = static_cast<unsigned char>(random());
+    const unsigned int kind = random() % 16;
+    if (kind == 0) content.insert(content.end(), random() % 600, noise);
+    if (kind == 1) content.push_back(noise);
+    const char* const word = kWords[random() % std::size(kWords)];
+    content.insert(content.end(), word, word + std::strlen(word));
   }
   content.resize(size);
   return content;
@@ -74,10 +68,12 @@ ByteVector lzmaContainer(Bytes content, int level) {
 }
 
 ByteVector mutated(const ByteVector& original, std::mt19937& random) {
+  static constexpr std::uint32_t kTelling[] = {0, 1, 8, 0x5D, 0x7F, 4096, 0x80000000, 0xFFFFFFFF};
   ByteVector bytes = original;
-  for (unsigned int changes = 1 + random() % 4; changes > 0 && !bytes.empty(); --changes) {
+  for (unsigned int changes = 1 + random() % 4; changes > 0 && bytes.size() >= 13; --changes) {
     const std::size_t at = random() % bytes.size();
     const auto place = bytes.begin() + static_cast<std::ptrdiff_t>(at);
+    const std::uint32_t telling = kTelling[random() % std::size(kTelling)];
     switch (random() % 8) {
       case 0:
         bytes.resize(at);
@@ -89,17 +85,13 @@ ByteVector mutated(const ByteVector& original, std::mt19937& random) {
         bytes.erase(place);
         break;
       case 3:
-        bytes[at] = std::array<unsigned char, 6>{0, 1, 8, 0xFF, 0x7F, 0x5D}[random() % 6];
+        *place = static_cast<unsigned char>(telling);
         break;
       case 4:  // header and trailer
-        if (bytes.size() >= 13) {
-          const std::array<std::uint32_t, 5> values = {0, 1, 0xFFFFFFFF, 0x80000000, 4096};
-          const std::array<std::size_t, 3> places = {1, bytes.size() - 8, bytes.size() - 4};
-          store32(&bytes[places[random() % 3]], values[random() % 5]);
-        }
+        store32(&bytes[at % 3 ? bytes.size() - at % 3 * 4 : 1], telling);
         break;
       default:
-        bytes[at] = static_cast<unsigned char>(bytes[at] ^ 1u << random() % 8);
+        *place ^= static_cast<unsigned char>(1u << random() % 8);
     }
   }
   return bytes;
