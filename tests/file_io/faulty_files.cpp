@@ -101,6 +101,7 @@ ZO_PASS(bool, unlock, (HANDLE f, std::uint64_t s, std::uint64_t l), (f, s, l))
 ZO_PASS(bool, flush, (HANDLE f), (f))
 ZO_PASS(bool, size, (HANDLE f, std::int64_t& b), (f, b))
 ZO_PASS(bool, information, (HANDLE f, BY_HANDLE_FILE_INFORMATION& i), (f, i))
+ZO_PASS(bool, lastWrite, (HANDLE f, FILETIME& t), (f, t))
 ZO_PASS(bool, setTimes, (HANDLE f, const FILETIME* c, const FILETIME* a, const FILETIME* w),
         (f, c, a, w))
 ZO_PASS(bool, createFolder, (const wchar_t* n), (n))

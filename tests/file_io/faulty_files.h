@@ -59,6 +59,7 @@ class FaultyFiles : public FileApi {
   bool flush(HANDLE file) override;
   bool size(HANDLE file, std::int64_t& bytes) override;
   bool information(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) override;
+  bool lastWrite(HANDLE file, FILETIME& time) override;
   bool setTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
                 const FILETIME* written) override;
   bool createFolder(const wchar_t* name) override;

@@ -177,6 +177,11 @@ bool MemoryDisk::information(HANDLE handle, BY_HANDLE_FILE_INFORMATION& informat
   return true;
 }
 
+bool MemoryDisk::lastWrite(HANDLE file, FILETIME& time) {
+  time = at(file).file->written;
+  return passes();
+}
+
 bool MemoryDisk::setTimes(HANDLE handle, const FILETIME* created, const FILETIME* accessed,
                           const FILETIME* written) {
   if (!passes()) return false;

@@ -74,6 +74,7 @@ class MemoryDisk final : public FileApi {
   bool flush(HANDLE file) override;
   bool size(HANDLE file, std::int64_t& bytes) override;
   bool information(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) override;
+  bool lastWrite(HANDLE file, FILETIME& time) override;
   bool setTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
                 const FILETIME* written) override;
   bool removeFile(const wchar_t* name) override;
