@@ -199,7 +199,7 @@ TEST_F(LibraryTest, AnswersWithTheCodesOfItsTable) {
       {"reorganize", [&] { return library.reorganize(); }, 1, 1004, 0},
       {"set the value", [&] { return library.setCheckSum(7); }, 1, 1004, 0},
   };
-  const auto check = [&](int Row::*expected) {
+  const auto check = [&](int Row::* expected) {
     for (const Row& row : rows) EXPECT_EQ(row.call(), row.*expected) << row.what;
   };
   check(&Row::closed);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
+
+#include <sddl.h>
 #include <zo/results.h>
 #include <zo/system/cfg.h>
 
@@ -189,6 +191,32 @@ TEST_F(Cfg, ARootOfTheCallersIsNeverRemoved) {
   RegCloseKey(root);
   EXPECT_EQ(own.insertAt(L"a@x", 1), 1);
   EXPECT_EQ(cfg_.at(L"a@", true).entries(), 1u);
+}
+
+TEST_F(Cfg, KeysWithoutPermissionAreNone) {
+  ASSERT_EQ(cfg_.insert(L"k@closed@x", 1), 0);
+  ASSERT_EQ(cfg_.insert(L"k@open@x", 2), 0);
+  HKEY key = nullptr;
+  ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, base_.path(L"k\\closed").c_str(), 0,
+                          READ_CONTROL | WRITE_DAC, &key),
+            ERROR_SUCCESS);
+  const auto protect = [&](const wchar_t* list) {
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(list, SDDL_REVISION_1,
+                                                                     &descriptor, nullptr));
+    EXPECT_EQ(RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, descriptor), ERROR_SUCCESS);
+    LocalFree(descriptor);
+  };
+  protect(L"D:(D;;KA;;;WD)");
+  EXPECT_FALSE(cfg_.isValid(L"k@closed@x"));
+  EXPECT_EQ(cfg_.replaceAt(L"k@closed@x", 3), 1);
+  EXPECT_EQ(cfg_.insertAt(L"k@closed@y", 3), 1);
+  EXPECT_EQ(cfg_.removeAt(L"k@closed@x"), 1);
+  EXPECT_EQ(cfg_.at(L"k@", true).entries(), 1u);
+  EXPECT_EQ(cfg_.at(L"k@", true).find(L"open/x")->asInt(), 2);
+  protect(L"D:(A;;KA;;;WD)");
+  RegCloseKey(key);
+  EXPECT_EQ(cfg_.at(L"k@closed@x", true).asInt(), 1);
 }
 
 }  // namespace

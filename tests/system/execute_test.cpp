@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <windows.h>
 #include <zo/files/file_name.h>
 #include <zo/results.h>
 #include <zo/system/execute.h>
@@ -6,10 +7,55 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <string>
 
+#include "platform/handle.h"
+#include "support/child_process.h"
 #include "support/temp_folder.h"
 
 namespace {
+
+// What the started program tells over the pipe that its command line names: its show command, and
+// its further arguments, one in each line.
+ZO_TEST_CHILD(startedByShell) {
+  STARTUPINFOW startup{};
+  GetStartupInfoW(&startup);
+  std::wstring told =
+      startup.dwFlags & STARTF_USESHOWWINDOW ? std::to_wstring(startup.wShowWindow) : L"none";
+  for (std::size_t i = 1; !parent.argument(i).empty(); ++i) told += L'\n' + parent.argument(i);
+  std::ofstream(std::filesystem::path(parent.argument(0)), std::ios::binary)
+      .write(reinterpret_cast<const char*>(told.data()),
+             static_cast<std::streamsize>(told.size() * sizeof(wchar_t)));
+  return 0;
+}
+
+std::wstring thisProgram() {
+  wchar_t path[MAX_PATH];
+  return {path, GetModuleFileNameW(nullptr, path, MAX_PATH)};
+}
+
+TEST(Execute, TheShellStartsAProgramWithItsArguments) {
+  ZoStdExecute service;
+  const ZoFileName program(thisProgram());
+  const std::wstring pipeName = L"\\\\.\\pipe\\zo-" + std::to_wstring(GetCurrentProcessId());
+  const std::wstring arguments =
+      L"--zo-child=startedByShell " + pipeName + L" \"two words\" \u03C0";
+  // Nothing is started hidden.
+  for (const auto& [show, seen] : {std::pair(0, L"1"), {SW_SHOWMINNOACTIVE, L"7"}}) {
+    const zo::Handle pipe(CreateNamedPipeW(pipeName.c_str(), PIPE_ACCESS_INBOUND, PIPE_WAIT, 1, 0,
+                                           65536, 0, nullptr));
+    ASSERT_EQ(show ? service.shell(program, arguments.c_str(), show)
+                   : service.automatic(program, arguments.c_str(), show, false),
+              0);
+    ConnectNamedPipe(pipe.get(), nullptr);
+    std::wstring told;
+    wchar_t buffer[512];
+    DWORD got = 0;
+    while (ReadFile(pipe.get(), buffer, sizeof buffer, &got, nullptr) && got > 0)
+      told.append(buffer, got / sizeof(wchar_t));
+    EXPECT_EQ(told, seen + std::wstring(L"\ntwo words\n\u03C0"));
+  }
+}
 
 TEST(Execute, TellsWhyNothingWasStarted) {
   const zo::test::TempFolder folder;
