@@ -22,8 +22,6 @@ using telltale::Copier;
 using telltale::Mover;
 using Random = std::mt19937;
 
-unsigned upTo(Random& random, std::size_t n) { return static_cast<unsigned>(random() % (n + 1)); }
-
 template <class Container>
 bool isSound(const Container& c) {
   if constexpr (requires { c.engine().validate(); }) {
@@ -38,22 +36,9 @@ bool isSound(const Container& c) {
   }
 }
 
-// An array's iterator keeps its position, all others keep their element.
-template <class Element>
-ZoArrayIterator<Element> iteratorOf(ZoArray<Element>& array) {
-  return ZoArrayIterator<Element>(array);
-}
-template <class Element>
-ZoListIterator<Element> iteratorOf(ZoList<Element>& list) {
-  return ZoListIterator<Element>(list);
-}
-template <class Container>
-constexpr bool kByPosition = false;
-template <class Element>
-constexpr bool kByPosition<ZoArray<Element>> = true;
-
-// A sequence and the std::vector that it must agree with.
-template <class Sequence>
+// A sequence and the std::vector that it must agree with. An array's iterator keeps its position,
+// that of a list its element.
+template <class Sequence, class Iterator>
 class SequenceModel {
  public:
   using Element = typename Sequence::value_type;
@@ -61,7 +46,7 @@ class SequenceModel {
   void step(Random& random) {
     const int value = static_cast<int>(random() % 50);
     const unsigned n = static_cast<unsigned>(model_.size());
-    const unsigned i = upTo(random, n + 1);  // now and then past the end
+    const unsigned i = random() % (n + 2);  // now and then past the end
     const bool inside = i < n;
     const bool either = random() % 2 == 0;
     switch (random() % 12) {
@@ -89,7 +74,7 @@ class SequenceModel {
         if (inside) model_[i] = value;
         break;
       case 5: {
-        const unsigned count = upTo(random, 3);
+        const unsigned count = random() % 4;
         EXPECT_EQ(ours_.fillAt(i, count, value), i <= n ? 0 : 1);
         if (i > n) break;
         model_.resize(std::max<std::size_t>(n, i + count));
@@ -108,11 +93,7 @@ class SequenceModel {
       case 7:
         moveIterator(random, value, i);
         break;
-      case 8:
-        EXPECT_EQ(ours_.reverse(), 0);
-        std::reverse(model_.begin(), model_.end());
-        break;
-      case 9: {
+      case 8: {
         const auto byTens = zo::compareBy<Element>(
             [](const Element& a, const Element& b) { return a.value / 10 - b.value / 10; });
         EXPECT_EQ(ours_.sort(byTens, either), 0);
@@ -120,12 +101,12 @@ class SequenceModel {
                          [&](int a, int b) { return either ? a / 10 < b / 10 : a / 10 > b / 10; });
         break;
       }
-      case 10:
+      case 9:
         if (n > 20) break;
         EXPECT_EQ(ours_.append(ours_), 0);
         for (unsigned k = 0; k < n; ++k) model_.push_back(int{model_[k]});
         break;
-      case 11:
+      case 10:
         if (n == 0) break;
         EXPECT_EQ(ours_.insertAt(n / 2, *ours_.at(i % n)), 0);  // one of its own elements
         model_.insert(at(n / 2), int{model_[i % n]});
@@ -151,20 +132,16 @@ class SequenceModel {
     ASSERT_EQ(telltale::live, static_cast<int>(model_.size()));
     std::size_t i = 0;
     for (const Element& element : ours_) ASSERT_EQ(element.value, model_[i++]);
-    const ZoSequence<Element>& any = ours_;
-    i = 0;
-    for (const Element& element : any) ASSERT_EQ(element.value, model_[i++]);
     element_ = ours_.at(standsAt());  // once gone, another may come to lie there
     ASSERT_EQ(it_.current(), element_);
-    ASSERT_EQ(it_.atFirst(), standsAt() == 0 && it_.isValid());
-    ASSERT_EQ(it_.atLast(), it_.isValid() && standsAt() + 1 == model_.size());
   }
 
  private:
   auto at(unsigned i) { return model_.begin() + i; }
 
   unsigned standsAt() const {
-    if constexpr (kByPosition<Sequence>) return position_ < model_.size() ? position_ : zo::npos;
+    if constexpr (std::is_same_v<Iterator, ZoArrayIterator<Element>>)
+      return position_ < model_.size() ? position_ : zo::npos;
     unsigned i = 0;
     for (const Element& element : ours_) {
       if (&element == element_) return i;
@@ -208,7 +185,7 @@ class SequenceModel {
 
   Sequence ours_;
   std::vector<int> model_;
-  decltype(iteratorOf(std::declval<Sequence&>())) it_ = iteratorOf(ours_);
+  Iterator it_{ours_};
   unsigned position_ = 0;
   const Element* element_ = nullptr;
 };
@@ -270,16 +247,8 @@ class DictModel {
     ASSERT_TRUE(isSound(ours_));
     ASSERT_EQ(ours_.entries(), model_.size());
     ASSERT_EQ(telltale::live, static_cast<int>(2 * model_.size()));
-    const auto expectAll = [&](const auto& dict) {
-      std::size_t n = 0;
-      for (const auto [key, value] : dict) {
-        ASSERT_EQ(model_.at(key.value), value.value);
-        ++n;
-      }
-      ASSERT_EQ(n, model_.size());
-    };
-    expectAll(ours_);
-    expectAll(static_cast<const ZoDict<Mover, Mover>&>(ours_));
+    for (const auto [key, value] : static_cast<const ZoDict<Mover, Mover>&>(ours_))
+      ASSERT_EQ(model_.at(key.value), value.value);
     if constexpr (kIterates) {
       if (std::ranges::count(inOrder(), element_) == 0) element_ = nullptr;
       ASSERT_EQ(it_.current(), element_);
@@ -328,9 +297,10 @@ class DictModel {
 template <class Model>
 class RandomOperations : public testing::Test {};
 
-using Models = testing::Types<SequenceModel<ZoArray<Mover>>, SequenceModel<ZoArray<Copier>>,
-                              SequenceModel<ZoList<Mover>>, DictModel<ZoHashDict<Mover, Mover>>,
-                              DictModel<ZoTree<Mover, Mover>>>;
+using Models = testing::Types<SequenceModel<ZoArray<Mover>, ZoArrayIterator<Mover>>,
+                              SequenceModel<ZoArray<Copier>, ZoArrayIterator<Copier>>,
+                              SequenceModel<ZoList<Mover>, ZoListIterator<Mover>>,
+                              DictModel<ZoHashDict<Mover, Mover>>, DictModel<ZoTree<Mover, Mover>>>;
 TYPED_TEST_SUITE(RandomOperations, Models);
 
 TYPED_TEST(RandomOperations, AgreeWithTheStandardContainer) {
