@@ -141,7 +141,7 @@ TEST(Archive, DataThatEndsEarlyGivesZerosOrThrows) {
 TEST(Archive, MutationsGiveAnErrorOrValuesInBoundedMemory) {
   PlainArchive whole;
   writeAll(whole);
-  const int count = mutationCount(guardedHeapActive() ? 150 : 5000);
+  const int count = mutationCount(allocationMark() != 0 ? 150 : 5000);
   std::mt19937 random(7);
   std::size_t errors = 0;
   ZoMemoryWriteArchive to;
