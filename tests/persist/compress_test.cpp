@@ -133,7 +133,7 @@ TEST(Explode, WhatSizeCheckValueAndEndCodeDecide) {
   const ByteVector content = sampleContent(2000, 9);
   const ByteVector lzma = lzmaContainer(content, 5);
   const ByteVector legacy = legacyContainer(imploded(content, Literals::text, 6), content);
-  ImplodeWriter writer(Literals::binary, 4);
+  ImplodeWriter writer(Literals::binary, 5);  // reaches 2048 bytes back
   for (unsigned char byte : content) writer.literal(byte);
   const ByteVector endless = legacyContainer(writer.cut(), content, Check::standard);
   writer.copy(5, 2001);
