@@ -5,7 +5,6 @@
 #include <psapi.h>
 
 #include <cstdlib>
-#include <set>
 
 #include "library/library_fixture.h"
 #include "library/listing.h"
@@ -34,26 +33,23 @@ class LibraryDamage : public LibraryTest {
   };
 
   LibraryDamage() {
+    using enum ZoLibrary::compMode;
+    const std::string packed(90, 'p');
+    disk_.put({{L"M:\\some", "some bytes"}, {L"M:\\packed", packed}, {L"M:\\empty", ""}});
     ZoLibrary library;
     EXPECT_EQ(library.open(kPath, kReadWrite, ZoFile::kOpenAlways), 0);
-    const auto make = [&](const wchar_t* member, const std::string& content,
-                          ZoLibrary::compMode mode) {
-      disk_.put({{kPath, disk_.image()[kPath]}, {L"M:\\source", content}});
-      EXPECT_EQ(library.open(kPath, kReadWrite), 0);
-      EXPECT_EQ(library.addFile(L"M:\\source", member, false, mode, ZoLibrary::kFast), 0);
-      EXPECT_EQ(library.close(), 0);
-      ZoLibrary reader;
+    const auto make = [&](const wchar_t* source, const wchar_t* member, ZoLibrary::compMode mode) {
       ZoLibEntry entry;
-      EXPECT_EQ(reader.open(kPath), 0);
-      EXPECT_EQ(reader.getEntry(member, entry), 0);
-      members_.push_back(
-          {member, content, static_cast<std::size_t>(entry.position), disk_.image()[kPath].size()});
+      EXPECT_EQ(library.addFile(source, member, false, mode, ZoLibrary::kFast), 0);
+      EXPECT_EQ(library.getEntry(member, entry), 0);
+      members_.push_back({member, disk_.image()[source], static_cast<std::size_t>(entry.position),
+                          disk_.image()[kPath].size()});
     };
+    make(L"M:\\some", L"stored", kStore);
+    make(L"M:\\packed", L"packed", kCompress);
+    make(L"M:\\empty", L"empty", kStore);
+    make(L"M:\\some", L"dir/last", kStore);
     EXPECT_EQ(library.close(), 0);
-    make(L"stored", "some bytes", ZoLibrary::kStore);
-    make(L"packed", std::string(90, 'p'), ZoLibrary::kCompress);
-    make(L"empty", "", ZoLibrary::kStore);
-    make(L"dir/last", "the last bytes", ZoLibrary::kStore);
     whole_ = disk_.image()[kPath];
   }
 
@@ -70,15 +66,10 @@ class LibraryDamage : public LibraryTest {
     EXPECT_EQ(library.salvageInto(rescued,
                                   [&](const ZoLibEntry& entry, int code) {
                                     isNamed_ |= code != 0 || !entry.isProtected;
+                                    if (code == 0) contents[std::wstring(entry.name.view())];
                                     return true;
                                   }),
               0);
-    rescued.forEachEntry(
-        [&](const ZoLibEntry& entry) {
-          contents[std::wstring(entry.name.view())];
-          return true;
-        },
-        true);
     for (auto& [name, content] : contents) content = contentOf(rescued, name.c_str());
     EXPECT_EQ(rescued.close(), 0);
     EXPECT_EQ(library.close(), 0);
@@ -140,12 +131,24 @@ TEST_F(LibraryDamage, AFlippedBitHarmsNoOtherMember) {
     expectWhole(bytes, at, at + 1);
     for (const Member& member : members_) {
       const std::size_t data = member.begin + 54 + member.name.size();
-      const std::size_t offset = at - member.begin;
-      const bool isSize = offset >= 8 && offset < 16;
-      const bool isData = at >= data && at < member.end;
-      EXPECT_TRUE(isNamed_ || !(isData || isSize));
+      const bool isStoredSize = at >= member.begin + 8 && at < member.begin + 16;
+      EXPECT_TRUE(isNamed_ || !(isStoredSize || (at >= data && at < member.end)));
     }
   }
+}
+
+TEST_F(LibraryDamage, ADamagedMemberIsNotExtracted) {
+  std::string bytes = whole_;
+  bytes.back() = static_cast<char>(bytes.back() ^ 1);
+  const MemoryDisk::Image image = {{kPath, bytes}, {L"M:\\target", "before"}};
+  disk_.put(image);
+  ZoLibrary library;
+  ZoLibEntry entry;
+  ASSERT_EQ(library.open(kPath), 0);
+  ASSERT_EQ(library.getEntry(L"dir/last", entry), 0);
+  EXPECT_EQ(library.verify(entry), 1000);
+  EXPECT_EQ(library.extractFile(L"dir/last", L"M:\\target"), 1);
+  EXPECT_EQ(disk_.image(), image);
 }
 
 TEST_F(LibraryDamage, MutationsNeitherCrashNorTakeMemory) {
@@ -171,15 +174,12 @@ TEST_F(LibraryDamage, MutationsNeitherCrashNorTakeMemory) {
           bytes.insert(at, bytes.substr(other, random() % 100));
           break;
         case 2:
-          bytes.erase(at, 1 + random() % 20);
-          if (bytes.empty()) bytes = whole_;
+          bytes.erase(at + 1, 1 + random() % 20);
           break;
         case 3: {  // a field of a record
           const Member& member = members_[random() % members_.size()];
           const std::size_t field = member.begin + random() % 54;
-          for (std::size_t i = field; i < std::min(field + 4, bytes.size()); ++i) {
-            bytes[i] = static_cast<char>(random() % 3 ? 0xFF : 0);
-          }
+          bytes.replace(std::min(field, bytes.size()), 4, 4, random() % 3 ? '\xFF' : '\0');
           break;
         }
         default:

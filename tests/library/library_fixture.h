@@ -3,9 +3,8 @@
 #pragma once
 
 #include <zo/files/library.h>
-#include <zo/text/containers/array.h>
 
-#include <cstring>
+#include <functional>
 #include <map>
 #include <random>
 #include <string>
@@ -64,15 +63,6 @@ class LibraryTest : public FileTest {
     put(source_, bytes);
     return library.addFile(source_, member.c_str(), replace, mode, level);
   }
-  static std::string content(ZoLibrary& library, const std::wstring& member) {
-    ZoFile file;
-    if (const int code = library.getFile(file, member.c_str())) {
-      return "code " + std::to_string(code);
-    }
-    std::string bytes(static_cast<std::size_t>(file.size()) + 1, '\0');
-    bytes.resize(file.read(bytes.data(), static_cast<unsigned int>(bytes.size())));
-    return bytes;
-  }
   static std::vector<std::wstring> names(ZoLibrary& library, bool withDeleted = false) {
     std::vector<std::wstring> all;
     library.forEachEntry(
@@ -83,11 +73,7 @@ class LibraryTest : public FileTest {
         withDeleted);
     return all;
   }
-  static std::string header(unsigned counter = 0) {
-    std::string bytes("ZORVEX LIBRARY\0\0\0\0\0\0", 20);
-    for (int i = 0; i < 4; ++i) bytes += static_cast<char>(counter >> 8 * i);
-    return bytes + std::string(8, '\0');
-  }
+  static std::string header() { return "ZORVEX LIBRARY" + std::string(18, '\0'); }
 
   UnflushedFiles unflushed_;
   ZoFileName path_ = name(L"parts.lib");

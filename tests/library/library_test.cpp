@@ -1,5 +1,6 @@
 // What libraries promise: every operation against a model, result codes, names, foreign files.
 #include "library/library_fixture.h"
+#include "library/listing.h"
 
 using namespace zo::test;
 
@@ -14,21 +15,14 @@ struct Model {
   };
   std::vector<Member> members;
 
-  Member* live(const std::wstring& name) {
-    for (Member& member : members) {
-      if (!member.isDeleted && _wcsicmp(member.name.c_str(), name.c_str()) == 0) return &member;
-    }
-    return nullptr;
+  Member* find(const std::wstring& name, bool isDeleted = false) {
+    const auto found = std::find_if(members.rbegin(), members.rend(), [&](const Member& member) {
+      return member.isDeleted == isDeleted && _wcsicmp(member.name.c_str(), name.c_str()) == 0;
+    });
+    return found == members.rend() ? nullptr : &*found;
   }
-  Member* lastDeleted(const std::wstring& name) {
-    for (auto at = members.rbegin(); at != members.rend(); ++at) {
-      if (at->isDeleted && _wcsicmp(at->name.c_str(), name.c_str()) == 0) return &*at;
-    }
-    return nullptr;
-  }
-
   int add(const std::wstring& name, const std::string& bytes, bool replace) {
-    if (Member* const old = live(name)) {
+    if (Member* const old = find(name)) {
       if (!replace) return 1001;
       old->isDeleted = true;
     }
@@ -36,36 +30,38 @@ struct Model {
     return 0;
   }
   int rename(const std::wstring& from, const std::wstring& to) {
-    Member* const member = live(from);
+    Member* const member = find(from);
     if (!member) return 1;
-    if (live(to) && live(to) != member) return 1001;
+    if (find(to) && find(to) != member) return 1001;
     if (from.size() == to.size()) {
       member->name = to;
-    } else {
-      const std::string bytes = member->bytes;
-      member->isDeleted = true;
-      members.push_back({to, bytes});
+      return 0;
     }
-    return 0;
+    member->isDeleted = true;
+    return add(to, std::string(member->bytes), false);
   }
   int remove(const std::wstring& name, bool physically) {
-    Member* const member = live(name);
+    Member* const member = find(name);
     if (!member) return 1;
-    if (physically) {
-      members.erase(members.begin() + (member - members.data()));
-    } else {
-      member->isDeleted = true;
-    }
+    member->isDeleted = true;
+    if (physically) members.erase(members.begin() + (member - members.data()));
     return 0;
   }
   int recover(const std::wstring& name) {
-    if (live(name)) return 1001;
-    Member* const member = lastDeleted(name);
+    if (find(name)) return 1001;
+    Member* const member = find(name, true);
     if (member) member->isDeleted = false;
     return member ? 0 : 1;
   }
   void reorganize() {
     std::erase_if(members, [](const Member& member) { return member.isDeleted; });
+  }
+  [[nodiscard]] std::vector<std::wstring> names() const {
+    std::vector<std::wstring> all;
+    for (const Member& member : members) {
+      all.push_back((member.isDeleted ? L"-" : L"") + member.name);
+    }
+    return all;
   }
 };
 
@@ -88,71 +84,53 @@ TEST_F(LibraryTest, HoldsWhatAModelHoldsThroughAnyOperations) {
     for (int step = 0; step < 40; ++step) {
       const std::wstring name = anyName(), other = anyName();
       int expected = 0, code = 0;
-      switch (below(8)) {
+      const bool replace = below(2) == 0, physically = below(3) == 0;
+      std::string bytes(below(3) ? below(700) : below(70000), static_cast<char>(random()));
+      for (std::size_t i = 0; i < bytes.size(); i += 1 + below(40)) bytes[i] = static_cast<char>(i);
+      switch (below(9)) {
         case 0:
         case 1:
-        case 2: {
-          std::string bytes(below(3) ? below(700) : below(70000), static_cast<char>(random()));
-          for (std::size_t i = 0; i < bytes.size(); i += 1 + below(40))
-            bytes[i] = static_cast<char>(i);
-          const bool replace = below(2) == 0;
+        case 2:
           expected = model.add(name, bytes, replace);
           code = add(library, name, bytes, replace, static_cast<ZoLibrary::compMode>(below(3)),
                      1024 << below(3));
           added += code == 0;
           break;
-        }
         case 3:
           expected = model.rename(name, other);
           code = library.renameFile(name.c_str(), other.c_str());
           break;
         case 4:
-        case 5: {
-          const bool physically = below(3) == 0;
+        case 5:
           expected = model.remove(name, physically);
           code = library.deleteFile(name.c_str(), physically);
           break;
-        }
         case 6:
           expected = model.recover(name);
           code = library.recoverFile(name.c_str());
           break;
+        case 7:
+          model.reorganize();
+          code = library.reorganize();
+          break;
         default:
-          if (below(3) == 0) {
-            model.reorganize();
-            code = library.reorganize();
-          } else {
-            ASSERT_EQ(library.close(), 0);
-            code = openForWriting(library);
-          }
+          ASSERT_EQ(library.close(), 0);
+          code = openForWriting(library);
       }
       ASSERT_EQ(code, expected) << "seed " << seed << ", step " << step;
       if (step % 4 && code == 0) continue;
       // A reader beside the writer sees the same.
+      SCOPED_TRACE(testing::Message() << "seed " << seed << ", step " << step);
       ZoLibrary reader;
       ASSERT_EQ(reader.open(path_), 0);
       for (ZoLibrary* const seen : {&library, &reader}) {
-        std::vector<std::wstring> expectedNames;
-        for (const Model::Member& member : model.members) {
-          expectedNames.push_back((member.isDeleted ? L"-" : L"") + member.name);
-        }
-        ASSERT_EQ(names(*seen, true), expectedNames) << "seed " << seed << ", step " << step;
+        ASSERT_EQ(names(*seen, true), model.names());
         EXPECT_EQ(seen->counter(), added);
         EXPECT_EQ(seen->trailingBytes(), 0u);
       }
-      if (const Model::Member* const member = model.live(name)) {
-        ASSERT_EQ(content(reader, name), member->bytes) << "seed " << seed << ", step " << step;
-      }
-    }
-    library.forEachEntry(
-        [&](const ZoLibEntry& entry) {
-          EXPECT_TRUE(entry.isProtected);
-          return true;
-        },
-        true);
-    for (const Model::Member& member : model.members) {
-      if (!member.isDeleted) {
-        EXPECT_EQ(content(library, member.name), member.bytes);
+      for (const Model::Member& member : model.members) {
+        if (member.isDeleted) continue;
+        ASSERT_EQ(contentOf(reader, member.name.c_str()), member.bytes);
       }
     }
   }
@@ -160,9 +138,8 @@ TEST_F(LibraryTest, HoldsWhatAModelHoldsThroughAnyOperations) {
 
 TEST_F(LibraryTest, AnswersWithTheCodesOfItsTable) {
   ZoLibrary library;
-  const ZoFileName url(L"http://host/a"), none(L"none"), a(L"a"), b(L"b"), target = name(L"out");
+  const ZoFileName url(L"http://host/a"), none(L"none"), a(L"a"), target = name(L"out");
   ZoFile file;
-  std::FILE* stream = nullptr;
   struct Row {
     const char* what;
     std::function<int()> call;
@@ -171,7 +148,6 @@ TEST_F(LibraryTest, AnswersWithTheCodesOfItsTable) {
   put(source_, "new");
   const std::vector<Row> rows = {
       {"add", [&] { return library.addFile(source_, L"new"); }, 1, 1004, 0},
-      {"add again", [&] { return library.addFile(source_, L"A"); }, 1, 1004, 1001},
       {"add a URL", [&] { return library.addFile(source_, url); }, 1, 3, 3},
       {"add what is not there", [&] { return library.addFile(none, L"n"); }, 1, 1004, 1},
       {"add without a name", [&] { return library.addFile(source_, L""); }, 1, 1004, 1},
@@ -179,23 +155,15 @@ TEST_F(LibraryTest, AnswersWithTheCodesOfItsTable) {
        1},
       {"add a name with best fit", [&] { return library.addFile(source_, L"\x0100"); }, 1, 1004, 1},
       {"extract", [&] { return library.extractFile(a, target); }, 1, 0, 0},
-      {"extract nothing", [&] { return library.extractFile(none, target); }, 1, 1, 1},
       {"extract a URL", [&] { return library.extractFile(url, target); }, 1, 3, 3},
       {"extract to a URL", [&] { return library.extractFile(a, url); }, 1, 3, 3},
-      {"rename", [&] { return library.renameFile(a, b); }, 1, 1004, 1001},
-      {"rename nothing", [&] { return library.renameFile(none, L"n"); }, 1, 1004, 1},
       {"rename to a URL", [&] { return library.renameFile(a, url); }, 1, 1004, 3},
       {"delete nothing", [&] { return library.deleteFile(none); }, 1, 1004, 1},
       {"delete a URL", [&] { return library.deleteFile(url, true); }, 1, 3, 3},
       {"recover", [&] { return library.recoverFile(L"gone"); }, 1, 1004, 0},
-      {"recover a live name", [&] { return library.recoverFile(b); }, 1, 1004, 1001},
-      {"recover nothing", [&] { return library.recoverFile(none); }, 1, 1004, 1},
       {"get", [&] { return library.getFile(file, a); }, 1, 0, 0},
-      {"get nothing", [&] { return library.getFile(file, none); }, 1, 1, 1},
       {"get for writing", [&] { return library.getFile(file, L"w", ZoFile::kWrite); }, 1, 1004, 0},
       {"get a URL", [&] { return library.getFile(file, url); }, 1, 3, 3},
-      {"get a stream to write", [&] { return library.getCFile(&stream, a, ZoFile::kWrite); }, 1, 1,
-       1},
       {"reorganize", [&] { return library.reorganize(); }, 1, 1004, 0},
       {"set the value", [&] { return library.setCheckSum(7); }, 1, 1004, 0},
   };
@@ -203,85 +171,66 @@ TEST_F(LibraryTest, AnswersWithTheCodesOfItsTable) {
     for (const Row& row : rows) EXPECT_EQ(row.call(), row.*expected) << row.what;
   };
   check(&Row::closed);
-  EXPECT_FALSE(library.contains(a));
-  EXPECT_EQ(library.checkSum(), 0u);
   EXPECT_EQ(library.open(path_), 1);  // not there
 
   ASSERT_EQ(openForWriting(library), 0);
-  for (const wchar_t* const member : {L"a", L"b", L"gone"}) ASSERT_EQ(add(library, member, "x"), 0);
+  for (const wchar_t* const member : {L"a", L"gone"}) ASSERT_EQ(add(library, member, "x"), 0);
   ASSERT_EQ(library.deleteFile(L"gone"), 0);
   put(source_, "new");
   check(&Row::writable);
   EXPECT_EQ(file.close(), 0);
-  EXPECT_EQ(names(library), (Names{L"a", L"b", L"gone", L"new", L"w"}));
+  EXPECT_EQ(names(library), (Names{L"a", L"gone", L"new", L"w"}));
   // The longest name, and one byte more.
   const std::wstring longest(65535, L'n');
   EXPECT_EQ(library.addFile(source_, ZoFileName(longest)), 0);
   EXPECT_EQ(library.addFile(source_, ZoFileName(longest + L"n")), 1);
-  EXPECT_EQ(content(library, longest), "new");
-  ASSERT_EQ(library.deleteFile(L"gone"), 0);
+  EXPECT_EQ(contentOf(library, ZoFileName(longest)), "new");
   EXPECT_EQ(library.close(), 0);
 
   ASSERT_EQ(library.open(path_), 0);
   check(&Row::readOnly);
   EXPECT_EQ(library.checkSum(), 7u);
-  EXPECT_TRUE(library.contains(L"W"));
-  EXPECT_FALSE(library.contains(L"gone"));
-  EXPECT_TRUE(library.isLibrary());
 }
 
 TEST_F(LibraryTest, KeepsTimesSizesAndModes) {
-  const FILETIME times[] = {{1, 0x01D00000}, {2, 0x01D10000}, {3, 0x01D20000}};
-  ZoLibrary library;
-  ASSERT_EQ(openForWriting(library), 0);
-  const std::string text(5000, 't');
+  const FILETIME accessed{2, 0x01D10000}, written{3, 0x01D20000};
+  const std::string text(5000, 't'), noise = "\1\2\3\4\5\6";
   struct Row {
-    const wchar_t* name;
+    const char* what;
+    const std::string& content;
     ZoLibrary::compMode mode;
     int level;
     unsigned kept, flags;
   };
-  const Row rows[] = {{L"stored", ZoLibrary::kStore, ZoLibrary::kBest, 0, 0},
-                      {L"fast", ZoLibrary::kCompress, 1024, 1024, 0x100},
-                      {L"normal", ZoLibrary::kCompress, 77, 2048, 0x100},
-                      {L"best", ZoLibrary::kAutomatic, 4096, 4096, 0x100}};
+  const Row rows[] = {{"stored", text, ZoLibrary::kStore, ZoLibrary::kBest, 0, 0},
+                      {"any other level", text, ZoLibrary::kCompress, 77, 2048, 0x100},
+                      {"shrinks", text, ZoLibrary::kAutomatic, 4096, 4096, 0x100},
+                      {"does not shrink", noise, ZoLibrary::kAutomatic, 4096, 0, 0}};
+  ZoLibrary library;
+  ASSERT_EQ(openForWriting(library), 0);
+  const ZoFileName target = name(L"target");
   for (const Row& row : rows) {
-    put(source_, text);
-    ZoFile source;
+    SCOPED_TRACE(row.what);
+    put(source_, row.content);
+    ZoFile source, extracted;
     ASSERT_EQ(source.open(source_, ZoFile::kReadWrite), 0);
-    source.setLastAccessTime(times[1]);
-    source.setLastWriteTime(times[2]);
-    ASSERT_EQ(library.addFile(source, row.name, false, row.mode, row.level), 0);
-  }
-  ASSERT_EQ(add(library, L"noise", "\1\2\3\4\5\6", false, ZoLibrary::kAutomatic), 0);
-  ZoLibEntry entry;
-  for (const Row& row : rows) {
-    ASSERT_EQ(library.getEntry(row.name, entry), 0);
-    EXPECT_EQ(entry.mode, row.kept) << row.name;
+    source.setLastAccessTime(accessed);
+    source.setLastWriteTime(written);
+    ASSERT_EQ(library.addFile(source, L"member", true, row.mode, row.level), 0);
+    ZoLibEntry entry;
+    ASSERT_EQ(library.getEntry(L"member", entry), 0);
+    EXPECT_EQ(entry.mode, row.kept);
     EXPECT_EQ(entry.flags, row.flags);
-    EXPECT_EQ(entry.size, text.size());
-    EXPECT_EQ(entry.storedSize < 100, row.flags != 0);
-    EXPECT_EQ(CompareFileTime(&entry.written, &times[2]), 0);
-    EXPECT_EQ(library.verify(entry), 0);
-    const ZoFileName target = name(L"target");
-    ASSERT_EQ(library.extractFile(row.name, target), 0);
-    ZoFile out;
-    ASSERT_EQ(out.open(target), 0);
-    const FILETIME accessed = out.lastAccessTime(), written = out.lastWriteTime();
-    EXPECT_EQ(CompareFileTime(&accessed, &times[1]), 0);
-    EXPECT_EQ(bytesOf(target), text);
-    EXPECT_EQ(CompareFileTime(&written, &times[2]), 0);
+    EXPECT_EQ(entry.size, row.content.size());
+    EXPECT_EQ(entry.storedSize < entry.size, row.flags != 0);
+    EXPECT_TRUE(entry.isProtected);
+    ASSERT_EQ(library.extractFile(L"member", target), 0);
+    ASSERT_EQ(extracted.open(target), 0);
+    const FILETIME times[] = {extracted.lastAccessTime(), extracted.lastWriteTime()};
+    EXPECT_EQ(CompareFileTime(&times[0], &accessed), 0);
+    EXPECT_EQ(CompareFileTime(&times[1], &written), 0);
+    EXPECT_EQ(bytesOf(target), row.content);
   }
-  ASSERT_EQ(library.getEntry(L"noise", entry), 0);
-  EXPECT_EQ(entry.storedSize, 6u);
-  EXPECT_EQ(entry.mode, 0u);
-  ZoArray<ZoFileName> all;
-  ZoArray<FILETIME> written;
-  ZoArray<unsigned int> sizes;
-  ASSERT_EQ(library.getFileNames(all, false, &written, &sizes), 0);
-  EXPECT_EQ(all.entries(), 5u);
-  EXPECT_EQ(sizes[4], 6u);
-  EXPECT_EQ(CompareFileTime(&written[0], &times[2]), 0);
 }
 
 // Files that other programs made, and what becomes of them when they are written to.
@@ -300,22 +249,13 @@ TEST_F(LibraryTest, ReadsWhateverAFileHolds) {
   };
   const Row rows[] = {
       {"empty", "", {}, false, 0, 1, 0},
-      {"short", "ZORVEX", {}, false, 0, 1, 0},
       {"a text", "Dear Sir", {}, false, 0, 1, 1},
       {"a longer text", std::string(500, 't'), {}, false, 468, 1, 1},
       {"no magic", foreign + a, {L"a"}, false, 0, 1, 0},
       {"no magic, more behind", foreign + a + "x", {L"a"}, false, 1, 1, 1},
       {"duplicates", header() + a + a2, {L"a", L"A"}, true, 0, 1, 0},
       {"a mark", header() + a + last + a2, {L"a", L"last"}, true, 0, 1002, 0},
-      {"a torn entry", header() + a + a2.substr(0, 57), {L"a"}, true, 57, 1, 0},
       {"zeros", header() + a + std::string(99, '\0'), {L"a"}, true, 99, 1, 0},
-      {"a huge size",
-       header() + a + HandMade{.name = "h", .storedSize = 1ULL << 62}.bytes(),
-       {L"a"},
-       true,
-       55,
-       1,
-       0},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
@@ -326,10 +266,8 @@ TEST_F(LibraryTest, ReadsWhateverAFileHolds) {
     EXPECT_EQ(library.isLibrary(), row.isLibrary);
     EXPECT_EQ(library.trailingBytes(), row.trailing);
     EXPECT_EQ(library.extractFile(L"missing", name(L"x")), row.missing);
-    if (!row.names.empty()) {
-      EXPECT_EQ(content(library, L"a"), "first");
-      ZoLibEntry entry;
-      ASSERT_EQ(library.getEntry(L"a", entry), 0);
+    ZoLibEntry entry;
+    if (library.getEntry(L"a", entry) == 0) {
       EXPECT_FALSE(entry.isProtected);
       EXPECT_EQ(library.verify(entry), 0);
     }
@@ -339,121 +277,14 @@ TEST_F(LibraryTest, ReadsWhateverAFileHolds) {
     if (row.adding == 0) expected.push_back(L"added");
     EXPECT_EQ(names(library), expected);
     ASSERT_EQ(library.close(), 0);
-    if (row.adding) {
-      EXPECT_EQ(bytesOf(path_), row.bytes);
-    } else {
-      ASSERT_EQ(openForWriting(library), 0);
-      EXPECT_EQ(names(library), expected);
-      EXPECT_EQ(content(library, L"added"), "new");
-      if (row.names.empty()) continue;
-      // All of a name go, or the second would come to light.
-      EXPECT_EQ(library.renameFile(L"a", L"longer"), 0);
-      EXPECT_FALSE(library.contains(L"a"));
-      EXPECT_EQ(content(library, L"longer"), "first");
-    }
-  }
-}
-
-TEST_F(LibraryTest, NamesADamageAndMakesItNoWorse) {
-  ZoLibrary library;
-  ASSERT_EQ(openForWriting(library), 0);
-  const std::string text(3000, 'x');
-  for (const wchar_t* const member : {L"one", L"two", L"three", L"four"}) {
-    const auto mode = member[0] == L't' ? ZoLibrary::kCompress : ZoLibrary::kStore;
-    ASSERT_EQ(add(library, member, text + static_cast<char>(member[0]), false, mode), 0);
-  }
-  ZoLibEntry two, four;
-  ASSERT_EQ(library.getEntry(L"two", two), 0);
-  ASSERT_EQ(library.getEntry(L"four", four), 0);
-  ASSERT_EQ(library.close(), 0);
-  const std::string whole = bytesOf(path_);
-
-  // The data of a stored and of a compressed member.
-  std::string damaged = whole;
-  damaged[static_cast<std::size_t>(four.position) + 60] ^= 1;
-  damaged[static_cast<std::size_t>(two.position) + 57 + 20] ^= 1;
-  put(path_, damaged);
-  ASSERT_EQ(library.open(path_), 0);
-  EXPECT_EQ(library.verify(four), 1000);
-  EXPECT_NE(library.verify(two), 0);
-  put(name(L"extracted"), "before");
-  EXPECT_EQ(library.extractFile(L"four", name(L"extracted")), 1);
-  EXPECT_EQ(bytesOf(name(L"extracted")), "before");
-  EXPECT_EQ(listing(), (Names{L"extracted", L"parts.lib", L"source"}));
-
-  // A stored size that hides all that follows: nothing writes, the rest is saved.
-  damaged = whole;
-  damaged[static_cast<std::size_t>(two.position) + 14] = 1;
-  put(path_, damaged);
-  ASSERT_EQ(openForWriting(library), 0);
-  EXPECT_EQ(names(library), (Names{L"one"}));
-  EXPECT_EQ(add(library, L"five", "5"), 1);
-  EXPECT_EQ(library.reorganize(), 1);
-  ZoLibrary rescued;
-  ASSERT_EQ(rescued.open(name(L"rescued.lib"), kReadWrite, ZoFile::kCreateAlways), 0);
-  std::map<std::wstring, int> codes;
-  EXPECT_EQ(library.salvageInto(rescued,
-                                [&](const ZoLibEntry& entry, int code) {
-                                  codes[std::wstring(entry.name.view())] = code;
-                                  return true;
-                                }),
-            0);
-  EXPECT_EQ(codes, (std::map<std::wstring, int>{{L"one", 0}, {L"three", 0}, {L"four", 0}}));
-  EXPECT_EQ(names(rescued), (Names{L"one", L"three", L"four"}));
-  EXPECT_EQ(content(rescued, L"three"), text + "t");
-  EXPECT_EQ(bytesOf(path_), damaged);
-}
-
-TEST_F(LibraryTest, CancelsAtAnyStepAndIsThenAsItWas) {
-  ZoLibrary library;
-  ASSERT_EQ(openForWriting(library), 0);
-  const std::string large(400'000, 'l');
-  ASSERT_EQ(add(library, L"old", "old"), 0);
-  ASSERT_EQ(add(library, L"large", large), 0);
-  ASSERT_EQ(library.deleteFile(L"old"), 0);
-  put(source_, large);
-  const std::string before = bytesOf(path_);
-  const ZoFileName target = name(L"target");
-  put(target, "target");
-  const std::vector<std::pair<const char*, std::function<int()>>> calls = {
-      {"add", [&] { return library.addFile(source_, L"new", false, ZoLibrary::kStore); }},
-      {"compress",
-       [&] { return library.addFile(source_, L"new", false, ZoLibrary::kCompress, 1024); }},
-      {"replace",
-       [&] { return library.addFile(source_, L"large", true, ZoLibrary::kAutomatic, 1024); }},
-      {"rename", [&] { return library.renameFile(L"large", L"longer"); }},
-      {"extract", [&] { return library.extractFile(L"large", target); }},
-      {"reorganize", [&] { return library.reorganize(); }},
-  };
-  for (const auto& [what, call] : calls) {
-    SCOPED_TRACE(what);
-    int steps = 0;
-    for (int at = 1, code = 1; code != 0 && at < 100; ++at) {
-      std::uint64_t last = 0, total = 0;
-      steps = 0;
-      library.onProgress([&](std::uint64_t done, std::uint64_t all) {
-        EXPECT_LE(last, done);
-        last = done, total = all;
-        return ++steps != at;
-      });
-      code = call();
-      EXPECT_EQ(library.wasCancelled(), code != 0);
-      if (code == 0) {
-        EXPECT_EQ(last, total);
-        EXPECT_GE(total, large.size());
-        break;
-      }
-      ASSERT_EQ(bytesOf(path_), before) << at;
-      EXPECT_EQ(names(library, true), (Names{L"-old", L"large"}));
-      EXPECT_EQ(bytesOf(target), "target");
-      EXPECT_EQ(listing(), (Names{L"parts.lib", L"source", L"target"}));
-    }
-    EXPECT_GE(steps, 4);
-    library.onProgress(nullptr);
-    ASSERT_EQ(library.close(), 0);
-    put(path_, before);
-    put(target, "target");
+    EXPECT_EQ(bytesOf(path_) == row.bytes, row.adding != 0);
+    if (row.adding || row.names.empty()) continue;
+    // All of a name go, or the second would come to light.
     ASSERT_EQ(openForWriting(library), 0);
+    EXPECT_EQ(library.renameFile(L"a", L"longer"), 0);
+    EXPECT_FALSE(library.contains(L"a"));
+    EXPECT_EQ(contentOf(library, L"longer"), "first");
+    EXPECT_EQ(contentOf(library, L"added"), "new");
   }
 }
 
@@ -462,43 +293,26 @@ TEST_F(LibraryTest, AddsABatchInOneStep) {
   ASSERT_EQ(openForWriting(library), 0);
   ASSERT_EQ(add(library, L"old", "old"), 0);
   ASSERT_EQ(reader.open(path_), 0);
-  const std::string before = bytesOf(path_);
-  const auto fill = [&] {
-    ASSERT_EQ(library.beginBatch(), 0);
-    EXPECT_EQ(add(library, L"one", "1"), 0);
-    EXPECT_EQ(add(library, L"ONE", "2"), 1001);
-    EXPECT_EQ(add(library, L"old", "2"), 1001);
-    EXPECT_EQ(add(library, L"old", "new", true), 0);
-    library.onProgress([](std::uint64_t done, std::uint64_t) { return done == 0; });
-    EXPECT_EQ(add(library, L"cancelled", std::string(5000, 'c')), 1);
-    library.onProgress(nullptr);
-    EXPECT_EQ(add(library, L"two", "2", false, ZoLibrary::kCompress), 0);
-    EXPECT_EQ(names(library, true), (Names{L"old"}));
-    EXPECT_EQ(names(reader, true), (Names{L"old"}));
-    EXPECT_EQ(content(library, L"old"), "old");
-  };
-  fill();
-  EXPECT_EQ(library.cancelBatch(), 0);
-  EXPECT_EQ(bytesOf(path_), before);
-  EXPECT_EQ(names(library, true), (Names{L"old"}));
-  fill();
-  EXPECT_EQ(library.endBatch(), 0);
-  const Names expected{L"-old", L"one", L"old", L"two"};
+  ASSERT_EQ(library.beginBatch(), 0);
+  EXPECT_EQ(add(library, L"one", "1"), 0);
+  EXPECT_EQ(add(library, L"ONE", "2"), 1001);
+  EXPECT_EQ(add(library, L"old", "new", true), 0);
   for (ZoLibrary* const seen : {&library, &reader}) {
-    EXPECT_EQ(names(*seen, true), expected);
-    EXPECT_EQ(content(*seen, L"old"), "new");
-    EXPECT_EQ(content(*seen, L"two"), "2");
-    EXPECT_EQ(seen->counter(), 4u);
+    EXPECT_EQ(names(*seen, true), (Names{L"old"}));
+    EXPECT_EQ(contentOf(*seen, L"old"), "old");
   }
+  EXPECT_EQ(library.endBatch(), 0);
+  EXPECT_EQ(names(reader, true), (Names{L"-old", L"one", L"old"}));
+  EXPECT_EQ(contentOf(reader, L"old"), "new");
   // A second member of a name, another change, and closing end a batch.
   ASSERT_EQ(library.beginBatch(), 0);
   EXPECT_EQ(add(library, L"x", "1"), 0);
   EXPECT_EQ(add(library, L"X", "2", true), 0);
-  EXPECT_EQ(names(library), (Names{L"one", L"old", L"two", L"x"}));
+  EXPECT_EQ(names(reader), (Names{L"one", L"old", L"x"}));
   EXPECT_EQ(library.deleteFile(L"one"), 0);
-  EXPECT_EQ(names(library), (Names{L"old", L"two", L"X"}));
+  EXPECT_EQ(names(reader), (Names{L"old", L"X"}));
   ASSERT_EQ(library.beginBatch(), 0);
   EXPECT_EQ(add(library, L"y", "y"), 0);
   EXPECT_EQ(library.close(), 0);
-  EXPECT_TRUE(reader.contains(L"y"));
+  EXPECT_EQ(names(reader), (Names{L"old", L"X", L"y"}));
 }

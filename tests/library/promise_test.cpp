@@ -127,9 +127,9 @@ class LibraryPromise : public LibraryTest {
   // another. `isMarked` ends it by a mark, with other bytes behind.
   void makeBase(std::size_t member, std::size_t end, bool isMarked) {
     disk_.put(sources_);
-    std::string bytes = header(20);
+    std::string bytes = header();
+    bytes[20] = 20;  // the counter
     const auto pad = [&](std::size_t place) {
-      const HandMade empty{.name = "pad", .number = 1};
       const std::size_t size = (place + 2 * 512 - (bytes.size() + 57) % 512) % 512;
       bytes += HandMade{.name = "pad", .data = noise(size), .flags = 0x200, .number = 1}.bytes();
     };
@@ -160,6 +160,8 @@ class LibraryPromise : public LibraryTest {
   int perform(const Operation& operation) {
     ZoLibrary library;
     if (const int code = library.open(kPath, kReadWrite, ZoFile::kOpenAlways)) return code;
+    library.onProgress(
+        [&, steps = 0](std::uint64_t, std::uint64_t) mutable { return ++steps != cancelledStep_; });
     const int code = operation.run(library);
     // When a call failed and the next ones do not: what the object itself says then.
     if (disk_.isOver() && library.isOpen()) {
@@ -247,6 +249,7 @@ class LibraryPromise : public LibraryTest {
   MemoryDisk disk_;
   MemoryDisk::Image sources_, base_, afterImage_;
   std::string before_, after_;
+  int cancelledStep_ = 0;
   std::function<void(const MemoryDisk::Image&)> onImage_;  // that a fault left
 };
 
@@ -262,6 +265,23 @@ TEST_F(LibraryPromise, AnyCallOfThePlatformMayFail) {
   disk_.put(sources_);
   SCOPED_TRACE("a new library");
   failEachCall(operations().front());
+}
+
+TEST_F(LibraryPromise, WhatIsCancelledChangesNothing) {
+  for (const Operation& operation : operations()) {
+    makeBase(470, 300, false);
+    ASSERT_NO_FATAL_FAILURE(expectFrom(operation));
+    for (int code = 1; code != 0 && !HasFailure();) {
+      ++cancelledStep_;
+      SCOPED_TRACE(std::string(operation.name) + ", step " + std::to_string(cancelledStep_));
+      disk_.put(base_);
+      code = perform(operation);
+      EXPECT_TRUE(code == 0 || disk_.image() == base_);
+      check(code);
+    }
+    EXPECT_TRUE(operation.name != kMuch || cancelledStep_ > 3);
+    cancelledStep_ = 0;
+  }
 }
 
 TEST_F(LibraryPromise, AnyUnflushedWriteMayBeLostOrTorn) {
