@@ -34,27 +34,61 @@ std::wstring thisProgram() {
   return {path, GetModuleFileNameW(nullptr, path, MAX_PATH)};
 }
 
-TEST(Execute, TheShellStartsAProgramWithItsArguments) {
-  ZoStdExecute service;
-  const ZoFileName program(thisProgram());
-  const std::wstring pipeName = L"\\\\.\\pipe\\zo-" + std::to_wstring(GetCurrentProcessId());
-  const std::wstring arguments =
-      L"--zo-child=startedByShell " + pipeName + L" \"two words\" \u03C0";
-  // Nothing is started hidden.
-  for (const auto& [show, seen] : {std::pair(0, L"1"), {SW_SHOWMINNOACTIVE, L"7"}}) {
-    const zo::Handle pipe(CreateNamedPipeW(pipeName.c_str(), PIPE_ACCESS_INBOUND, PIPE_WAIT, 1, 0,
-                                           65536, 0, nullptr));
-    ASSERT_EQ(show ? service.shell(program, arguments.c_str(), show)
-                   : service.automatic(program, arguments.c_str(), show, false),
-              0);
-    ConnectNamedPipe(pipe.get(), nullptr);
+// The other end of the pipe.
+class Listener {
+ public:
+  // Waits until the program has come, told and ended.
+  std::wstring hear() {
+    ConnectNamedPipe(pipe_.get(), nullptr);
     std::wstring told;
     wchar_t buffer[512];
     DWORD got = 0;
-    while (ReadFile(pipe.get(), buffer, sizeof buffer, &got, nullptr) && got > 0)
+    while (ReadFile(pipe_.get(), buffer, sizeof buffer, &got, nullptr) && got > 0)
       told.append(buffer, got / sizeof(wchar_t));
-    EXPECT_EQ(told, seen + std::wstring(L"\ntwo words\n\u03C0"));
+    return told;
   }
+  [[nodiscard]] std::wstring arguments() const { return L"--zo-child=startedByShell " + name_; }
+
+ private:
+  std::wstring name_ = L"\\\\.\\pipe\\zo-" + std::to_wstring(GetCurrentProcessId());
+  zo::Handle pipe_{
+      CreateNamedPipeW(name_.c_str(), PIPE_ACCESS_INBOUND, PIPE_WAIT, 1, 0, 65536, 0, nullptr)};
+};
+
+TEST(Execute, TheShellStartsAProgramWithItsArguments) {
+  ZoStdExecute service;
+  const ZoFileName program(thisProgram());
+  // Nothing is started hidden.
+  for (const auto& [show, seen] : {std::pair(0, L"1"), {SW_SHOWMINNOACTIVE, L"7"}}) {
+    Listener listener;
+    const std::wstring arguments = listener.arguments() + L" \"two words\" \u03C0";
+    ASSERT_EQ(show ? service.shell(program, arguments.c_str(), show)
+                   : service.automatic(program, arguments.c_str(), show, false),
+              0);
+    EXPECT_EQ(listener.hear(), seen + std::wstring(L"\ntwo words\n\u03C0"));
+  }
+}
+
+// Registered for the whole machine: some shells look nowhere else.
+TEST(Execute, TheShellOpensADocumentWithItsProgram) {
+  const std::wstring kind = L"ZoTest" + std::to_wstring(GetCurrentProcessId());
+  const std::wstring classes = L"Software\\Classes\\", extension = L"." + kind;
+  const auto set = [&](const std::wstring& key, const std::wstring& value) {
+    ASSERT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, (classes + key).c_str(), nullptr, REG_SZ,
+                              value.c_str(), static_cast<DWORD>(2 * value.size() + 2)),
+              ERROR_SUCCESS);
+  };
+  Listener listener;
+  set(extension, kind);
+  set(kind + L"\\shell\\open\\command",
+      L"\"" + thisProgram() + L"\" " + listener.arguments() + L" \"%1\"");
+  const zo::test::TempFolder folder;
+  const std::filesystem::path document = folder.path() / (L"bolt \u03C0 100%" + extension);
+  std::ofstream(document) << "text";
+  EXPECT_EQ(ZoStdExecute().shell(ZoFileName(document), nullptr, SW_SHOWNORMAL), 0);
+  EXPECT_EQ(listener.hear(), L"1\n" + document.wstring());
+  for (const std::wstring& key : {extension, kind})
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, (classes + key).c_str());
 }
 
 TEST(Execute, TellsWhyNothingWasStarted) {
