@@ -30,7 +30,7 @@ TEST_F(LibraryTest, MembersReadAndSeekAsFiles) {
     char some[700];
     std::mt19937 random(1);
     for (int round = 0; round < 50; ++round) {
-      const unsigned at = random() % 11'000, count = random() % sizeof some;
+      const unsigned at = random() % 11'000, count = random() % unsigned{sizeof some};
       ASSERT_EQ(file.seek(at), at);
       const std::string expected = at < bytes.size() ? bytes.substr(at, count) : std::string();
       ASSERT_EQ(std::string(some, file.read(some, count)), expected);
