@@ -8,6 +8,7 @@ that is aimed at.
 import collections
 import json
 import pathlib
+import re
 import statistics
 import sys
 
@@ -25,7 +26,9 @@ def medians(path):
     data = json.loads(path.read_text())
     for run in data["benchmarks"]:
         if run.get("run_type") == "iteration" and not run.get("error_occurred"):
-            name = run["run_name"].replace("/real_time", "").replace("/manual_time", "")
+            # Without what the framework adds to a name: how it was run, and an argument behind who was measured.
+            name = re.sub(r"/(real_time|manual_time|(iterations|repeats):\d+)", "", run["run_name"])
+            name = re.sub(r"(/ours|/peer:[^/]+)/\d+$", r"\1", name)
             times[name].append(run["real_time"] * units[run["time_unit"]])
     return data["context"], {
         name: (statistics.median(t), 100 * (max(t) - min(t)) / statistics.median(t)) for name, t in times.items()
