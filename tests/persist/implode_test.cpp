@@ -58,6 +58,16 @@ class Model {
 
 }  // namespace
 
+TEST(Implode, DecodesTheBodiesOfOtherEncoders) {
+  for (const std::string name :
+       {"aiaia", "repeat518.node.asc2048", "repeat518.pk.bin1024", "zeros4096.pk.asc1024"}) {
+    const std::string folder = "tests/data/implode/";
+    const Decoded expected{State::complete,
+                           sourceFile(folder + name.substr(0, name.find('.')) + ".orig")};
+    EXPECT_TRUE(decode(sourceFile(folder + name + ".imp")) == expected) << name;
+  }
+}
+
 TEST(Implode, DecodesEveryCodeAndRandomTokensAcrossManyRuns) {
   std::mt19937 random(11);
   const auto below = [&](std::size_t end) { return static_cast<unsigned int>(random() % end); };
