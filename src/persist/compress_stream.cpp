@@ -8,6 +8,7 @@
 #include "persist/crc32.h"
 #include "persist/little_endian.h"
 #include "persist/lzma_encoder.h"
+#include "persist/sdk_memory.h"
 
 namespace zo {
 
@@ -57,9 +58,10 @@ int levelOf(unsigned int mode) noexcept {
   }
 }
 
-int compressStream(ByteSource& in, std::uint64_t size, int level, ByteSink& out) {
+int compressStream(ByteSource& in, std::uint64_t size, int level, ByteSink& out,
+                   ReusedMemory* memory) {
   if (size > kMaxContent) return LzmaUtils::badParameter;
-  LzmaEncoder encoder;
+  LzmaEncoder encoder(memory ? memory->functions() : &kSdkMemory);
   int status = encoder.begin(level, 0, size);
   if (status) return status;
   std::array<unsigned char, kLzmaHeaderSize> header;

@@ -17,6 +17,8 @@
 
 namespace zo {
 
+class ReusedMemory;
+
 // Part of the format: do not change.
 inline constexpr std::size_t kLzmaHeaderSize = 5;  // properties byte, dictionary size
 inline constexpr std::size_t kTrailerSize = 8;     // uncompressed size, check value
@@ -47,8 +49,9 @@ class ByteStore {
 };
 
 // Compresses `size` bytes of `in`; a source that gives more, or fewer, is refused. Returns a
-// status.
-[[nodiscard]] int compressStream(ByteSource& in, std::uint64_t size, int level, ByteSink& out);
+// status. Who compresses many gives the memory that is used for all of them.
+[[nodiscard]] int compressStream(ByteSource& in, std::uint64_t size, int level, ByteSink& out,
+                                 ReusedMemory* memory = nullptr);
 
 // Decompresses a container of either kind. After a 1, `out` may have received some bytes.
 [[nodiscard]] int explodeStream(ByteStore& in, ByteSink& out);

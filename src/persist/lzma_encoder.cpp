@@ -2,16 +2,14 @@
 
 #include <zo/persist/lzma_utils.h>
 
-#include "persist/sdk_memory.h"
-
 namespace zo {
 
 LzmaEncoder::~LzmaEncoder() {
-  if (encoder_) LzmaEnc_Destroy(encoder_, &kSdkMemory, &kSdkMemory);
+  if (encoder_) LzmaEnc_Destroy(encoder_, memory_, memory_);
 }
 
 int LzmaEncoder::begin(int level, std::uint32_t dictSize, std::uint64_t contentSize) noexcept {
-  encoder_ = LzmaEnc_Create(&kSdkMemory);
+  encoder_ = LzmaEnc_Create(memory_);
   if (!encoder_) return LzmaUtils::outOfMemory;
   CLzmaEncProps properties;
   LzmaEncProps_Init(&properties);
@@ -30,11 +28,11 @@ int LzmaEncoder::writeHeader(std::span<unsigned char> header) noexcept {
 
 int LzmaEncoder::encode(Bytes content, unsigned char* out, std::size_t& outSize) noexcept {
   return LzmaEnc_MemEncode(encoder_, out, &outSize, content.data(), content.size(), 0, nullptr,
-                           &kSdkMemory, &kSdkMemory);
+                           memory_, memory_);
 }
 
 int LzmaEncoder::encode(ISeqInStream& in, ISeqOutStream& out) noexcept {
-  return LzmaEnc_Encode(encoder_, &out, &in, nullptr, &kSdkMemory, &kSdkMemory);
+  return LzmaEnc_Encode(encoder_, &out, &in, nullptr, memory_, memory_);
 }
 
 }  // namespace zo

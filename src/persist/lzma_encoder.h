@@ -22,12 +22,14 @@ class LzmaEncoder {
   [[nodiscard]] int encode(Bytes content, unsigned char* out, std::size_t& outSize) noexcept;
   [[nodiscard]] int encode(ISeqInStream& in, ISeqOutStream& out) noexcept;
 
-  LzmaEncoder() = default;
+  // Takes its memory there; that must outlive it.
+  explicit LzmaEncoder(ISzAllocPtr memory) : memory_(memory) {}
   ~LzmaEncoder();
   LzmaEncoder(const LzmaEncoder&) = delete;
   LzmaEncoder& operator=(const LzmaEncoder&) = delete;
 
  private:
+  ISzAllocPtr memory_;
   CLzmaEncHandle encoder_ = nullptr;
 };
 

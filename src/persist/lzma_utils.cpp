@@ -6,6 +6,7 @@
 #include "persist/crc32.h"
 #include "persist/little_endian.h"
 #include "persist/lzma_encoder.h"
+#include "persist/sdk_memory.h"
 
 namespace {
 
@@ -14,7 +15,7 @@ using zo::Bytes;
 int compress(std::vector<unsigned char>& out, Bytes content, int level, unsigned int dictSize) {
   // Room for data that does not compress.
   out.resize(zo::kLzmaHeaderSize + content.size() + content.size() / 3 + 128);
-  zo::LzmaEncoder encoder;
+  zo::LzmaEncoder encoder(&zo::kSdkMemory);
   int status = encoder.begin(level, dictSize, content.size());
   if (status) return status;
   status = encoder.writeHeader({out.data(), zo::kLzmaHeaderSize});

@@ -1,6 +1,9 @@
 #include "platform/file_api.h"
 
 #include <atomic>
+#include <cstring>
+#include <cwchar>
+#include <vector>
 
 namespace zo {
 namespace {
@@ -83,6 +86,15 @@ bool FileApi::lastWrite(HANDLE file, FILETIME& time) {
 bool FileApi::setTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
                        const FILETIME* written) {
   return SetFileTime(file, created, accessed, written);
+}
+
+bool FileApi::rename(HANDLE file, const wchar_t* to) {
+  const std::size_t bytes = std::wcslen(to) * sizeof(wchar_t);
+  const std::size_t size = sizeof(FILE_RENAME_INFO) + bytes;  // with room for the zero
+  std::vector<FILE_RENAME_INFO> room(size / sizeof(FILE_RENAME_INFO) + 1);
+  room.front().FileNameLength = static_cast<DWORD>(bytes);
+  std::memcpy(room.front().FileName, to, bytes);
+  return SetFileInformationByHandle(file, FileRenameInfo, room.data(), static_cast<DWORD>(size));
 }
 
 bool FileApi::createFolder(const wchar_t* name) { return CreateDirectoryW(name, nullptr); }

@@ -39,6 +39,8 @@ class FileApi {
   virtual bool lastWrite(HANDLE file, FILETIME& time);
   virtual bool setTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
                         const FILETIME* written);
+  // Under another name of the same volume, where nothing may be. Of a handle with DELETE.
+  virtual bool rename(HANDLE file, const wchar_t* to);
 
   // ---- Whole files and folders ----
   virtual bool createFolder(const wchar_t* name);

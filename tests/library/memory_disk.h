@@ -206,11 +206,14 @@ class MemoryDisk final : public FileApi {
     const bool mayReplace = !old || ((flags & MOVEFILE_REPLACE_EXISTING) && old->handles == 0);
     SetLastError(found == files_.end() ? ERROR_FILE_NOT_FOUND : ERROR_ACCESS_DENIED);
     if (found == files_.end() || !mayReplace) return false;
-    if (beforeDurable) beforeDurable(to);
-    const std::shared_ptr<File> moved = found->second;
-    files_.erase(found);
-    files_[to] = moved;
-    if (beforeDurable) beforeDurable(to);
+    rename(found, to);
+    return true;
+  }
+  bool rename(HANDLE file, const wchar_t* to) override {
+    if (!passes(ERROR_ACCESS_DENIED)) return false;
+    SetLastError(ERROR_ALREADY_EXISTS);
+    if (find(to)) return false;
+    rename(files_.find(nameOf(*at(file).file)), to);
     return true;
   }
   DWORD attributes(const wchar_t* name) override {
@@ -230,6 +233,13 @@ class MemoryDisk final : public FileApi {
   static constexpr std::size_t kSector = 512;
   static constexpr FILETIME kNow{.dwLowDateTime = 1000, .dwHighDateTime = 0x01D70000};
 
+  void rename(std::map<std::wstring, std::shared_ptr<File>>::iterator from, const wchar_t* to) {
+    if (beforeDurable) beforeDurable(to);
+    const std::shared_ptr<File> moved = from->second;
+    files_.erase(from);
+    files_[to] = moved;
+    if (beforeDurable) beforeDurable(to);
+  }
   static bool isHere(const std::wstring& name) { return name.starts_with(L"M:\\"); }
   [[nodiscard]] bool passes(DWORD error = ERROR_DISK_FULL) {
     ++calls_;

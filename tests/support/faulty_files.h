@@ -103,6 +103,7 @@ class FaultyFiles : public FileApi {
   ZO_PASS(bool, false, lastWrite, (HANDLE h, FILETIME& t), (h, t))
   ZO_PASS(bool, false, setTimes,
           (HANDLE h, const FILETIME* c, const FILETIME* a, const FILETIME* w), (h, c, a, w))
+  ZO_PASS(bool, false, rename, (HANDLE h, const wchar_t* t), (h, t))
   ZO_PASS(bool, false, createFolder, (const wchar_t* n), (n))
   ZO_PASS(bool, false, removeFolder, (const wchar_t* n), (n))
   ZO_PASS(bool, false, removeFile, (const wchar_t* n), (n))

@@ -52,13 +52,14 @@ class LibrarySink final : public ByteSink {
 // Writes the data of an entry and fills in what follows from it.
 class DataWriter {
  public:
-  DataWriter(LibraryFile& file, MemberSource& source, Progress& progress)
-      : file_(file), source_(source), progress_(progress) {}
+  DataWriter(LibraryFile& file, MemberSource& source, Progress& progress, ReusedMemory& memory)
+      : file_(file), source_(source), progress_(progress), memory_(memory) {}
 
   bool compress(RawEntry& entry, int level) {
     WatchedSource source(source_, progress_);
     LibrarySink sink(file_, entry.dataPosition());
-    if (compressStream(source, source_.size(), levelOf(static_cast<unsigned>(level)), sink)) {
+    if (compressStream(source, source_.size(), levelOf(static_cast<unsigned>(level)), sink,
+                       &memory_)) {
       return false;
     }
     // Any other level is written as what it counts as.
@@ -92,11 +93,12 @@ class DataWriter {
   LibraryFile& file_;
   MemberSource& source_;
   Progress& progress_;
+  ReusedMemory& memory_;
 };
 
 bool writeData(LibraryFile& file, RawEntry& entry, MemberSource& source, Progress& progress,
-               ZoLibrary::compMode mode, int level) {
-  DataWriter writer(file, source, progress);
+               ReusedMemory& memory, ZoLibrary::compMode mode, int level) {
+  DataWriter writer(file, source, progress, memory);
   // A container has no room for more.
   const bool mayCompress = mode != ZoLibrary::kStore && source.size() <= kMaxContent;
   if (!mayCompress) return writer.store(entry);
@@ -143,7 +145,8 @@ int LibraryCore::add(MemberSource& source, const ZoFileName& member, const Membe
   entry.record.nameLength = static_cast<std::uint16_t>(entry.name.size());
   const bool isOnlyCompressed = !isBatch && gone.empty() && mode == ZoLibrary::kCompress;
   if (!watched.begin() || !change.reserve(entry, !isOnlyCompressed) ||
-      !writeData(file, entry, source, watched, mode, level) || !watched.finish()) {
+      !writeData(file, entry, source, watched, change.codecMemory(), mode, level) ||
+      !watched.finish()) {
     return ZoResult::refused;
   }
   const ContentTrailer trailer{.size = static_cast<std::uint32_t>(entry.record.size),

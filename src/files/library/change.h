@@ -7,6 +7,7 @@
 #pragma once
 
 #include "files/library/library_core.h"
+#include "persist/sdk_memory.h"
 
 namespace zo {
 
@@ -31,6 +32,8 @@ class Change {
   // Takes the place of the entry at that position, which may be one of the new ones.
   void patch(RawEntry entry) { patches_.push_back(std::move(entry)); }
   [[nodiscard]] int commit();
+  // For the members' encoders, one after the other.
+  [[nodiscard]] ReusedMemory& codecMemory() { return codecMemory_; }
 
  private:
   struct Appended {
@@ -55,6 +58,7 @@ class Change {
   std::vector<Appended> appended_;
   std::vector<RawEntry> patches_;
   std::uint64_t redoPosition_ = 0;
+  ReusedMemory codecMemory_;
   bool isBegun_ = false, isHeaderWritten_ = false, isGateTouched_ = false, isCommitted_ = false;
 };
 

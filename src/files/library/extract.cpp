@@ -58,7 +58,7 @@ class Target final : public ByteSink {
  public:
   explicit Target(const ZoFileName& name)
       : name_(name),
-        fresh_(createFresh(stemBeside(name), kEndingBeside, GENERIC_READ | GENERIC_WRITE,
+        fresh_(createFresh(stemBeside(name), kEndingBeside, GENERIC_READ | GENERIC_WRITE | DELETE,
                            FILE_SHARE_READ, FILE_ATTRIBUTE_NORMAL)) {}
   ~Target() override {
     if (fresh_.name.empty()) return;
@@ -81,15 +81,22 @@ class Target final : public ByteSink {
   }
   // Brings it to its name. What it replaces is replaced by bytes that are on the disk.
   bool commit(const EntryRecord& record) {
-    const bool replaces =
-        fileApi().attributes(SystemPath(name_.fullName())) != INVALID_FILE_ATTRIBUTES;
-    if (replaces && !fileApi().flush(fresh_.file.get())) return false;
     const FILETIME created = time(record.created), accessed = time(record.accessed),
                    written = time(record.written);
     if (!fileApi().setTimes(fresh_.file.get(), &created, &accessed, &written)) return false;
+    const SystemPath target(name_.fullName());
+    if (fileApi().rename(fresh_.file.get(), target)) {
+      fresh_.name = target;
+      isClosed_ = true;
+      if (!fresh_.file.close()) return false;
+      fresh_.name.clear();
+      return true;
+    }
+    // Something has the name, or the file system cannot do that.
+    const bool replaces = fileApi().attributes(target) != INVALID_FILE_ATTRIBUTES;
+    if (replaces && !fileApi().flush(fresh_.file.get())) return false;
     isClosed_ = true;
-    if (!fresh_.file.close()) return false;
-    if (!putInPlace(fresh_.name, name_, false)) return false;
+    if (!fresh_.file.close() || !putInPlace(fresh_.name, name_, false)) return false;
     fresh_.name.clear();
     return true;
   }
