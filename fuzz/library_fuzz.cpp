@@ -12,9 +12,11 @@ namespace {
 std::vector<RawEntry> entriesOf(const ByteVector& bytes, ScanResult& result) {
   std::vector<RawEntry> entries;
   MemoryStore store(bytes);
-  result = scanEntries(store, bytes.size(), [&](const RawEntry& entry, const ContentTrailer&) {
+  result = scanEntries(store, bytes.size(), [&](const RawEntry& entry) {
     entries.push_back(entry);
+    return true;
   });
+  ZO_FUZZ_CHECK(!result.redoPosition || mayEndInRedo(store, bytes.size()));
   return entries;
 }
 

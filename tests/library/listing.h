@@ -2,7 +2,9 @@
 // read_library.py prints the same.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <zo/files/library.h>
+#include <zo/text/containers/array.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -76,8 +78,20 @@ inline std::string without(std::string text, std::string_view begin, std::string
 }
 
 inline std::string seenAt(const ZoFileName& path) {
-  ZoLibrary library;
-  return library.open(path) ? kNoFile : seenIn(library);
+  ZoLibrary library, other;
+  if (library.open(path) || other.open(path)) return kNoFile;
+  const std::string text = seenIn(library);
+  // Who asks for one member before all else is told the same: of one, another one each time.
+  static unsigned s_turn = 0;
+  ZoArray<ZoFileName> names;
+  if (library.getFileNames(names, true) || names.isEmpty()) return text;
+  const ZoFileName& name = names[s_turn++ % names.entries()];
+  ZoLibEntry first, again;
+  EXPECT_EQ(other.getEntry(name, first), library.getEntry(name, again));
+  EXPECT_EQ(first.position, again.position);
+  EXPECT_EQ(first.size, again.size);
+  EXPECT_EQ(contentOf(other, name), contentOf(library, name));
+  return text;
 }
 
 }  // namespace zo::test

@@ -48,18 +48,20 @@ def scan(file):
 
 def patches(file, entries):
     """Of the last entry, if that is a committed redo: what takes the place of what; else None."""
-    if not entries or entries[-1].name != REDO_NAME or entries[-1].flags & ~MARK != DELETED | REDO:
+    if not entries or entries[-1].name != REDO_NAME or entries[-1].flags != DELETED | REDO:
+        return None
+    if entries[-1].end != len(file):
         return None
     data, found, at = entries[-1].data(file), {}, 0
-    if len(data) < 4 or zlib.crc32(data[:-4]) != int.from_bytes(data[-4:], "little"):
+    if not 8 <= len(data) <= 1 << 24 or struct.unpack("<II", data[-8:]) != (len(data) - 8, zlib.crc32(data[:-8])):
         return None
     olds = {entry.position: entry for entry in entries[:-1]}
-    while at < len(data) - 4:
-        if len(data) - 4 - at < 12 + RECORD.size:
+    while at < len(data) - 8:
+        if len(data) - 8 - at < 12 + RECORD.size:
             return None
         position, length = struct.unpack_from("<QI", data, at)
         new, old = Entry(data, at + 12), olds.get(position)
-        if old is None or length != RECORD.size + new.name_length or at + 12 + length > len(data) - 4:
+        if old is None or length != RECORD.size + new.name_length or at + 12 + length > len(data) - 8:
             return None
         if (old.stored, old.name_length, old.flags & MARK) != (new.stored, new.name_length, new.flags & MARK):
             return None

@@ -118,8 +118,9 @@ int LibraryCore::add(MemberSource& source, const ZoFileName& member, const Membe
   RawEntry entry;
   if (!encodeName(member, entry.name)) return ZoResult::refused;
   const bool isBatch = batch != nullptr;
-  if (isBatch && batched.findLive(member.view())) {
-    if (!replace) return ZoResult::memberExists;
+  const bool isAgain = isBatch && batched.findLive(member.view());
+  if (isAgain && !replace) return ZoResult::memberExists;
+  if (isAgain || (isBatch && batch->isFull())) {
     if (const int code = endBatch()) return code;
     if (const int code = beginBatch()) return code;
   }
@@ -149,17 +150,19 @@ int LibraryCore::add(MemberSource& source, const ZoFileName& member, const Membe
       !watched.finish()) {
     return ZoResult::refused;
   }
-  const ContentTrailer trailer{.size = static_cast<std::uint32_t>(entry.record.size),
-                               .crc = entry.record.crc};
+  if (entry.record.has(kIsCompressed)) {
+    entry.trailer = {.size = static_cast<std::uint32_t>(entry.record.size),
+                     .crc = entry.record.crc};
+  }
   // What takes another one's place is hidden until both change in one step.
   RawEntry first = entry;
   if (!gone.empty()) first.record.flags |= kIsDeleted;
-  if (!change.append(std::move(first), trailer)) return ZoResult::refused;
+  if (!change.append(std::move(first))) return ZoResult::refused;
   change.countMember();
   for (RawEntry& old : gone) change.patch(std::move(old));
   if (!gone.empty()) change.patch(entry);
   if (!isBatch) return change.commit();
-  batched.add(entry, trailer);
+  batched.add(entry);
   return ZoResult::ok;
 }
 

@@ -53,7 +53,7 @@ bool Change::reserve(const RawEntry& entry, bool mayLookLikeEntries) {
   return !mustFlush || core_.file.flush();
 }
 
-bool Change::append(RawEntry entry, const ContentTrailer& trailer) {
+bool Change::append(RawEntry entry) {
   std::vector<unsigned char> bytes = entry.bytes();
   if (entry.position == begin_) {
     firstEntry_ = bytes;
@@ -61,14 +61,19 @@ bool Change::append(RawEntry entry, const ContentTrailer& trailer) {
   }
   if (!core_.file.write(entry.position, bytes)) return false;
   end_ = entry.end();
-  appended_.push_back({std::move(entry), trailer});
+  appended_.push_back(std::move(entry));
   return true;
+}
+
+void Change::patch(RawEntry entry) {
+  patchBytes_ += kPatchHead + kRecordSize + entry.name.size();
+  patches_.push_back(std::move(entry));
 }
 
 // What lies behind a mark stays unreachable.
 bool Change::endInMark() {
   if (!marked_ || end_ >= core_.file.size()) return true;
-  RawEntry& last = appended_.back().entry;
+  RawEntry& last = appended_.back();
   last.record.flags |= kEndsScan;
   return core_.file.write(last.position, last.bytes());
 }
@@ -78,14 +83,17 @@ bool Change::appendRedo() {
   for (RawEntry& entry : patches_) {
     if (entry.position == marked_) entry.record.flags &= static_cast<std::uint16_t>(~kEndsScan);
   }
+  if (patchBytes_ > kLargestRedo - kRedoTail) {
+    SetLastError(ERROR_NOT_SUPPORTED);
+    return reportFailure(L"write");
+  }
   const std::vector<unsigned char> data = encodeRedo(patches_);
   RawEntry redo{.position = end_, .record = {}, .name = std::string(kRedoName)};
   redo.record.storedSize = redo.record.size = data.size();
   redo.record.flags = kIsDeleted | kIsRedo;
   redo.record.nameLength = static_cast<std::uint16_t>(redo.name.size());
   redoPosition_ = redo.position;
-  return reserve(redo) && core_.file.write(redo.dataPosition(), data) &&
-         append(std::move(redo), {});
+  return reserve(redo) && core_.file.write(redo.dataPosition(), data) && append(std::move(redo));
 }
 
 bool Change::writeHeader() {
@@ -136,8 +144,9 @@ int Change::commit() {
     }
   }
   LibraryFile& file = core_.file;
-  // What a member left behind that was begun and not added.
-  if (!marked_ && file.size() > end_ && !file.cut(end_)) return ZoResult::refused;
+  // What a member left behind that was begun and not added; and a redo ends the file.
+  const bool keepsTail = marked_ && patches_.empty();
+  if (!keepsTail && file.size() > end_ && !file.cut(end_)) return ZoResult::refused;
   if (!appendRedo() || !endInMark() || !writeHeader() || !file.flush()) return ZoResult::refused;
   if (!openGate() || !file.flush()) return ZoResult::refused;
   isCommitted_ = true;
@@ -153,13 +162,13 @@ void Change::keepIndex() {
   if (marked_ && !appended_.empty()) {
     core_.index.clearFlags(marked_, kEndsScan);
   }
-  for (const Appended& one : appended_) {
-    if (one.entry.position != redoPosition_) core_.index.add(one.entry, one.trailer);
+  for (const RawEntry& entry : appended_) {
+    if (entry.position != redoPosition_) core_.index.add(entry);
   }
   for (const RawEntry& entry : patches_) core_.index.replace(entry);
   ScanResult& scan = core_.scan;
   if (!appended_.empty()) {
-    const RawEntry& last = appended_.back().entry;
+    const RawEntry& last = appended_.back();
     scan.end = last.record.has(kEndsScan) ? ScanEnd::kMark : ScanEnd::kFileEnd;
     scan.position = end_;
     scan.lastEntry = last.position;

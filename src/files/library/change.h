@@ -28,19 +28,16 @@ class Change {
   // nothing follows, however much the data look like entries. What cannot need not be flushed.
   [[nodiscard]] bool reserve(const RawEntry& entry, bool mayLookLikeEntries = true);
   // Adds an entry at end() whose data has been written.
-  [[nodiscard]] bool append(RawEntry entry, const ContentTrailer& trailer);
+  [[nodiscard]] bool append(RawEntry entry);
   // Takes the place of the entry at that position, which may be one of the new ones.
-  void patch(RawEntry entry) { patches_.push_back(std::move(entry)); }
+  void patch(RawEntry entry);
+  // Whether it is time to commit: a redo has a largest size.
+  [[nodiscard]] bool isFull() const { return patchBytes_ > kLargestRedo / 2; }
   [[nodiscard]] int commit();
   // For the members' encoders, one after the other.
   [[nodiscard]] ReusedMemory& codecMemory() { return codecMemory_; }
 
  private:
-  struct Appended {
-    RawEntry entry;
-    ContentTrailer trailer;
-  };
-
   [[nodiscard]] bool endInMark();
   [[nodiscard]] bool appendRedo();
   [[nodiscard]] bool writeHeader();
@@ -55,8 +52,9 @@ class Change {
   std::uint32_t counter_ = 0;
   std::uint64_t marked_ = 0;  // the entry whose mark is the gate; 0 for a gate in the first new one
   std::vector<unsigned char> firstEntry_;  // as it is with its gate open
-  std::vector<Appended> appended_;
+  std::vector<RawEntry> appended_;
   std::vector<RawEntry> patches_;
+  std::size_t patchBytes_ = 0;
   std::uint64_t redoPosition_ = 0;
   ReusedMemory codecMemory_;
   bool isBegun_ = false, isHeaderWritten_ = false, isGateTouched_ = false, isCommitted_ = false;

@@ -27,6 +27,7 @@ int LibraryCore::rename(const ZoFileName& member, const ZoFileName& newName) {
   RawEntry old;
   if (!load(*found.front(), old)) return ZoResult::refused;
   renamed.record = old.record;
+  renamed.trailer = old.trailer;
   renamed.record.nameLength = static_cast<std::uint16_t>(renamed.name.size());
   // Further members of the name would come to light.
   for (std::size_t i = 1; i < found.size(); ++i) {
@@ -41,7 +42,6 @@ int LibraryCore::rename(const ZoFileName& member, const ZoFileName& newName) {
     return change.commit();
   }
   // A name of another length has no room where the old one stands.
-  const ContentTrailer trailer = found.front()->trailer;
   Progress watched = progress(old.record.storedSize);
   renamed.position = change.end();
   renamed.record.flags &= static_cast<std::uint16_t>(~kEndsScan);
@@ -54,7 +54,7 @@ int LibraryCore::rename(const ZoFileName& member, const ZoFileName& newName) {
   old.record.flags |= kIsDeleted;
   change.patch(std::move(old));
   change.patch(std::move(renamed));
-  if (!change.append(std::move(hidden), trailer)) return ZoResult::refused;
+  if (!change.append(std::move(hidden))) return ZoResult::refused;
   return change.commit();
 }
 

@@ -131,11 +131,6 @@ int copyStored(LibraryFile& file, const RawEntry& entry, ByteSink& out, std::uin
 
 }  // namespace
 
-std::uint64_t LibraryCore::contentSize(const RawEntry& entry) {
-  const IndexEntry* const found = index.at(entry.position);
-  return found && entry.record.has(kIsCompressed) ? found->trailer.size : entry.record.storedSize;
-}
-
 int LibraryCore::readMember(const RawEntry& entry, ByteSink& out, Progress& watched) {
   WatchedSink sink(out, watched);
   if (!watched.begin()) return ZoResult::refused;
@@ -160,7 +155,7 @@ int LibraryCore::extract(const ZoFileName& member, const ZoFileName& target) {
   if (target.isURL()) return ZoResult::invalid;
   RawEntry entry;
   if (const int code = find(member, entry)) return code;
-  Progress watched = progress(contentSize(entry));
+  Progress watched = progress(entry.contentSize());
   Target out(target);
   if (!out.isOpen()) {
     reportFailure(L"open");
@@ -174,12 +169,10 @@ int LibraryCore::extract(const ZoFileName& member, const ZoFileName& target) {
 
 int LibraryCore::verify(const ZoLibEntry& entry) {
   if (const int code = mayRead()) return code;
-  if (const int code = refresh()) return code;
-  const IndexEntry* const found = index.at(entry.position);
   RawEntry raw;
-  if (!found || !load(*found, raw)) return ZoResult::refused;
+  if (const int code = findAt(entry.position, raw)) return code;
   NoSink sink;
-  Progress watched = progress(contentSize(raw));
+  Progress watched = progress(raw.contentSize());
   return readMember(raw, sink, watched);
 }
 

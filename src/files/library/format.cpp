@@ -13,7 +13,6 @@ constexpr std::array<unsigned char, 16> kMagic = {'Z', 'O', 'R', 'V', 'E', 'X', 
                                                   'I', 'B', 'R', 'A', 'R', 'Y', 0,   0};
 constexpr std::size_t kCounterAt = 20, kValueAt = 24;
 constexpr std::size_t kStoredSizeAt = 8, kFlagsAt = 50;
-constexpr std::size_t kPatchHead = 8 + 4;  // position, length
 
 static_assert(std::endian::native == std::endian::little);
 
@@ -123,7 +122,7 @@ bool isClosed(const EntryRecord& record) {
 // ---- The redo entry ----
 
 bool isRedo(const EntryRecord& record, std::string_view name) {
-  return (record.flags & ~kEndsScan) == (kIsDeleted | kIsRedo) && name == kRedoName;
+  return record.flags == (kIsDeleted | kIsRedo) && name == kRedoName;
 }
 
 std::vector<unsigned char> encodeRedo(std::span<const RawEntry> patches) {
@@ -134,15 +133,18 @@ std::vector<unsigned char> encodeRedo(std::span<const RawEntry> patches) {
     append(data, static_cast<std::uint32_t>(bytes.size()));
     data.insert(data.end(), bytes.begin(), bytes.end());
   }
-  append(data, crc32(data));
+  const std::uint32_t check = crc32(data);
+  append(data, static_cast<std::uint32_t>(data.size()));
+  append(data, check);
   return data;
 }
 
 std::optional<std::vector<RawEntry>> decodeRedo(std::span<const unsigned char> data) {
-  if (data.size() < 4) return std::nullopt;
-  const std::uint32_t check = load<std::uint32_t>(data.data() + data.size() - 4);
-  data = data.first(data.size() - 4);
-  if (crc32(data) != check) return std::nullopt;
+  if (data.size() < kRedoTail || data.size() > kLargestRedo) return std::nullopt;
+  const auto tail = data.last<kRedoTail>();
+  data = data.first(data.size() - kRedoTail);
+  if (load<std::uint32_t>(tail.data()) != data.size()) return std::nullopt;
+  if (load<std::uint32_t>(tail.data() + 4) != crc32(data)) return std::nullopt;
   std::vector<RawEntry> patches;
   while (!data.empty()) {
     if (data.size() < kPatchHead + kRecordSize) return std::nullopt;

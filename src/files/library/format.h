@@ -65,14 +65,23 @@ struct EntryRecord {
 [[nodiscard]] EntryRecord decodeRecord(std::span<const unsigned char, kRecordSize> bytes);
 void encodeRecord(const EntryRecord& record, std::span<unsigned char, kRecordSize> to);
 
+// What a compressed member's data says of its content.
+struct ContentTrailer {
+  std::uint32_t size = 0, crc = 0;
+};
+
 // An entry as it stands in the file, without its data.
 struct RawEntry {
   std::uint64_t position = 0;
-  EntryRecord record;
-  std::string name;  // record.nameLength bytes of the ANSI code page
+  EntryRecord record = {};
+  std::string name = {};        // record.nameLength bytes of the ANSI code page
+  ContentTrailer trailer = {};  // zeros for data that is not compressed
 
   [[nodiscard]] std::uint64_t dataPosition() const { return position + kRecordSize + name.size(); }
   [[nodiscard]] std::uint64_t end() const { return dataPosition() + record.storedSize; }
+  [[nodiscard]] std::uint64_t contentSize() const {
+    return record.has(kIsCompressed) ? trailer.size : record.storedSize;
+  }
   [[nodiscard]] std::vector<unsigned char> bytes() const;
 };
 
@@ -96,6 +105,9 @@ void closeGate(Gate gate, std::span<unsigned char> entry);
 // ---- The redo entry: changes that are committed and perhaps not yet made ----
 
 inline constexpr std::string_view kRedoName = "<zo-redo>";
+inline constexpr std::size_t kPatchHead = 12;         // before a patch: position, length
+inline constexpr std::size_t kRedoTail = 8;           // behind the patches: their size, their check
+inline constexpr std::size_t kLargestRedo = 1 << 24;  // of its data
 
 [[nodiscard]] bool isRedo(const EntryRecord& record, std::string_view name);
 // The data of a redo entry: new records and names in the place of old ones.

@@ -63,8 +63,8 @@ void LibraryIndex::reserve(std::size_t count) {
   makeBuckets(count);
 }
 
-void LibraryIndex::add(const RawEntry& raw, const ContentTrailer& trailer) {
-  IndexEntry entry{.position = raw.position, .record = raw.record, .trailer = trailer};
+void LibraryIndex::add(const RawEntry& raw) {
+  IndexEntry entry{.position = raw.position, .record = raw.record, .trailer = raw.trailer};
   keepName(entry, raw.name);
   entries_.push_back(entry);
   if (entries_.size() > buckets_.size()) {

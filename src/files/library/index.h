@@ -29,7 +29,7 @@ class LibraryIndex {
   // Makes room for so many.
   void reserve(std::size_t count);
   // Entries come in the order of the file.
-  void add(const RawEntry& entry, const ContentTrailer& trailer);
+  void add(const RawEntry& entry);
   // A new record and name for the entry at that position.
   void replace(const RawEntry& entry);
   void clearFlags(std::uint64_t position, std::uint16_t flags);

@@ -142,7 +142,7 @@ int ZoLibrary::forEachEntry(const std::function<bool(const ZoLibEntry&)>& visit,
   if (const int code = core_->refresh()) return code;
   for (const zo::IndexEntry& entry : core_->index.entries()) {
     if (!withDeleted && !entry.record.isLive()) continue;
-    if (!visit(core_->publicEntry(core_->index, entry))) break;
+    if (!visit(core_->publicEntry(entry))) break;
   }
   return ZoResult::ok;
 }
@@ -153,7 +153,7 @@ int ZoLibrary::getEntry(const ZoFileName& member, ZoLibEntry& entry) {
   if (const int code = core_->mayRead(&member)) return code;
   zo::RawEntry raw;
   if (const int code = core_->find(member, raw)) return code;
-  entry = core_->publicEntry(core_->index, *core_->index.at(raw.position));
+  entry = core_->publicEntry(raw);
   return ZoResult::ok;
 }
 
@@ -175,7 +175,7 @@ int ZoLibrary::reorganize() {
 std::uint64_t ZoLibrary::checkSum() {
   if (!core_) return 0;
   const FilesLock lock;
-  return core_->isOpen() && !core_->refresh() ? core_->header.value() : 0;
+  return core_->isOpen() && !core_->refreshHeader() ? core_->header.value() : 0;
 }
 
 int ZoLibrary::setCheckSum(std::uint64_t value) {
@@ -187,13 +187,13 @@ int ZoLibrary::setCheckSum(std::uint64_t value) {
 bool ZoLibrary::isLibrary() {
   if (!core_) return false;
   const FilesLock lock;
-  return core_->isOpen() && !core_->refresh() && core_->header.hasMagic();
+  return core_->isOpen() && !core_->refreshHeader() && core_->header.hasMagic();
 }
 
 std::uint32_t ZoLibrary::counter() {
   if (!core_) return 0;
   const FilesLock lock;
-  return core_->isOpen() && !core_->refresh() ? core_->header.counter() : 0;
+  return core_->isOpen() && !core_->refreshHeader() ? core_->header.counter() : 0;
 }
 
 std::uint64_t ZoLibrary::trailingBytes() {

@@ -141,6 +141,7 @@ int LibraryCore::close() {
   lock_.release();
   writable = false;
   isIndexed = false;
+  firstFind_.reset();
   index.clear();
   scan = {};
   name = ZoFileName();
@@ -179,18 +180,30 @@ int LibraryCore::refresh() {
   return ZoResult::ok;
 }
 
+int LibraryCore::readHeader() {
+  isIndexed = false;
+  header = {};
+  const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(file.size(), kHeaderSize));
+  return file.read(0, header.room().first(size)) ? ZoResult::ok : ZoResult::refused;
+}
+
+int LibraryCore::refreshHeader() {
+  LibraryFile::Signature now;
+  if (batch && isIndexed) return ZoResult::ok;
+  if (!file.look(now)) return ZoResult::refused;
+  return isIndexed && indexed == now ? ZoResult::ok : readHeader();
+}
+
 int LibraryCore::buildIndex() {
   const std::uint64_t size = file.size();
   index.clear();
-  header = {};
-  const auto room =
-      header.room().first(static_cast<std::size_t>(std::min<std::uint64_t>(size, kHeaderSize)));
-  if (!file.read(0, room)) return ZoResult::refused;
+  if (const int code = readHeader()) return code;
   // No more than the file can hold, whatever it says.
   index.reserve(static_cast<std::size_t>(
       std::min<std::uint64_t>(header.counter(), size / (kRecordSize + 1))));
-  scan = scanEntries(file, size, [this](const RawEntry& entry, const ContentTrailer& trailer) {
-    index.add(entry, trailer);
+  scan = scanEntries(file, size, [this](const RawEntry& entry) {
+    index.add(entry);
+    return true;
   });
   for (const RawEntry& entry : scan.redo) index.replace(entry);
   // What could be read is kept for salvage only: to anyone else the rest would be missing.
@@ -254,70 +267,6 @@ bool LibraryCore::isHarmlessTail(bool isOpening) {
     default:
       return false;
   }
-}
-
-// ---- Members by name ----
-
-int LibraryCore::notFound() const {
-  return scan.end == ScanEnd::kMark ? ZoResult::memberNotFound : ZoResult::refused;
-}
-
-bool LibraryCore::load(const IndexEntry& from, RawEntry& entry) {
-  std::vector<unsigned char> bytes(kRecordSize + from.record.nameLength);
-  if (!file.read(from.position, bytes)) return false;
-  entry.position = from.position;
-  entry.record = decodeRecord(std::span(bytes).first<kRecordSize>());
-  entry.name.assign(bytes.begin() + kRecordSize, bytes.end());
-  return true;
-}
-
-int LibraryCore::find(const ZoFileName& member, RawEntry& entry) {
-  for (bool isSecond = false;; isSecond = true) {
-    if (const int code = refresh()) return code;
-    const IndexEntry* const found = index.findLive(member.view());
-    if (!found) return notFound();
-    if (!load(*found, entry)) return ZoResult::refused;
-    const bool isSame = entry.record == found->record;
-    // A redo that is not finished has the last word.
-    if (scan.redoPosition) entry.record = found->record;
-    if (isSame || scan.redoPosition) return ZoResult::ok;
-    if (isSecond) return ZoResult::refused;
-    isIndexed = false;
-  }
-}
-
-bool LibraryCore::encodeName(const ZoFileName& name, std::string& bytes) {
-  const std::wstring_view text = name.view();
-  bytes = toMultiByte(text);
-  return !bytes.empty() && bytes.size() <= kLargestName && fromMultiByte(bytes) == text;
-}
-
-namespace {
-
-FILETIME fileTime(std::uint64_t time) {
-  return {.dwLowDateTime = static_cast<DWORD>(time),
-          .dwHighDateTime = static_cast<DWORD>(time >> 32)};
-}
-
-}  // namespace
-
-ZoLibEntry LibraryCore::publicEntry(const LibraryIndex& of, const IndexEntry& entry) const {
-  const EntryRecord& record = entry.record;
-  const bool isCompressed = record.has(kIsCompressed);
-  ZoLibEntry result;
-  result.name = of.name(entry);
-  result.position = entry.position;
-  result.storedSize = record.storedSize;
-  result.isProtected = isCompressed || record.protectsStored(header.counter());
-  result.size = isCompressed ? entry.trailer.size : record.storedSize;
-  result.created = fileTime(record.created);
-  result.accessed = fileTime(record.accessed);
-  result.written = fileTime(record.written);
-  result.number = record.number;
-  result.crc = isCompressed ? entry.trailer.crc : (result.isProtected ? record.crc : 0);
-  result.mode = record.mode;
-  result.flags = record.flags;
-  return result;
 }
 
 }  // namespace zo

@@ -10,6 +10,7 @@
 #include <zo/files/library.h>
 #include <zo/files/library_results.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -86,12 +87,19 @@ class LibraryCore {
   // The same for a writer, who also finishes or undoes what a killed one began. Opening does so
   // only where nothing can be lost by it.
   int settle(bool isOpening = false);
+  // Makes the header that of the file as it is.
+  int refreshHeader();
+
+  // ---- Members by name (find.cpp) ----
   // Finds a live member. The entry is as it stands in the file now.
   int find(const ZoFileName& member, RawEntry& entry);
+  // The entry at a position.
+  int findAt(std::uint64_t position, RawEntry& entry);
   // An entry as it stands in the file.
   [[nodiscard]] bool load(const IndexEntry& from, RawEntry& entry);
-  [[nodiscard]] int notFound() const;
-  [[nodiscard]] ZoLibEntry publicEntry(const LibraryIndex& of, const IndexEntry& entry) const;
+  [[nodiscard]] int notFound() const { return notFound(scan.end); }
+  [[nodiscard]] ZoLibEntry publicEntry(const IndexEntry& entry) const;
+  [[nodiscard]] ZoLibEntry publicEntry(const RawEntry& entry) const;
   // The name's bytes; false for one that has none.
   [[nodiscard]] static bool encodeName(const ZoFileName& name, std::string& bytes);
 
@@ -116,7 +124,6 @@ class LibraryCore {
   int readMember(const RawEntry& entry, ByteSink& out, Progress& progress);
   int extract(const ZoFileName& member, const ZoFileName& target);
   int verify(const ZoLibEntry& entry);
-  [[nodiscard]] std::uint64_t contentSize(const RawEntry& entry);
 
   // ---- Rewriting the file (rewrite.cpp) ----
   // Without the entries that `drops` names, in one step.
@@ -151,9 +158,20 @@ class LibraryCore {
   LibraryFile::Signature indexed;
 
  private:
+  // The member that was looked for first since the file changed, and what came of it.
+  struct FirstFind {
+    std::wstring name;
+    LibraryFile::Signature signature;
+    int code = 0;
+    RawEntry entry = {};
+  };
+
   int openFile(int access, ZoFile::CreationMode mode, unsigned int timeOut);
   int beginNew(ZoFile::CreationMode mode);
+  int readHeader();
   int buildIndex();
+  [[nodiscard]] static int notFound(ScanEnd end);
+  [[nodiscard]] const FirstFind* findFirst(const ZoFileName& member);
   [[nodiscard]] bool reopen();
   void movePlaces(const std::function<bool(const IndexEntry&)>& drops);
   int finishRedo();
@@ -161,6 +179,7 @@ class LibraryCore {
   [[nodiscard]] bool isHarmlessTail(bool isOpening);
 
   WriteLock lock_;
+  std::optional<FirstFind> firstFind_;
 };
 
 }  // namespace zo

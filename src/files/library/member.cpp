@@ -101,7 +101,7 @@ bool LibraryMember::load() {
   core_->places.push_back(&place_);
   if (!place_.entry.record.has(kIsCompressed)) return true;
   ContentSink sink(memory_, file_);
-  Progress watched = core_->progress(core_->contentSize(place_.entry));
+  Progress watched = core_->progress(place_.entry.contentSize());
   if (core_->readMember(place_.entry, sink, watched)) return false;
   kind_ = file_.isOpen() ? Kind::kInFile : Kind::kInMemory;
   return true;

@@ -32,7 +32,7 @@ class Salvage {
       const bool isEntry = readEntry(window_, at, entry) == ScanEnd::kFileEnd;
       const std::uint64_t next = isEntry ? take(entry) : at + 1;
       at = isEntry && next == entry.end() ? next : findEntry(window_, next, from_.header.counter());
-      if (window_.takeFailure()) tell(RawEntry{.position = next, .record = {}, .name = {}}, {}, 1);
+      if (window_.takeFailure()) tell(RawEntry{.position = next}, 1);
       if (isStopped_) return ZoResult::refused;
     }
     if (!progress_.finish()) return ZoResult::refused;
@@ -46,7 +46,7 @@ class Salvage {
     for (const RawEntry& patch : from_.scan.redo) {
       if (patch.position == entry.position) entry = patch;
     }
-    const ContentTrailer trailer = trailerOf(window_, entry);
+    entry.trailer = trailerOf(window_, entry);
     bool ignored = false;
     const ZoLibrary::Watcher none;
     Progress unwatched(none, ignored, 0);
@@ -58,8 +58,8 @@ class Salvage {
     // No data prove nothing of the name's length.
     const bool endIsSound = (isProven && entry.record.storedSize != 0) || isEnd(entry.end());
     if (code == ZoResult::ok && !isProven && !endIsSound) code = ZoResult::refused;
-    if (code == ZoResult::ok) code = copy(entry, trailer);
-    tell(entry, trailer, code);
+    if (code == ZoResult::ok) code = copy(entry);
+    tell(entry, code);
     return endIsSound ? entry.end() : entry.position + 1;
   }
 
@@ -68,9 +68,9 @@ class Salvage {
     return at == window_.size() || readEntry(window_, at, next) == ScanEnd::kFileEnd;
   }
 
-  int copy(const RawEntry& entry, const ContentTrailer& trailer) {
+  int copy(const RawEntry& entry) {
     RawEntry copy = entry;
-    copied_.add(entry, trailer);
+    copied_.add(entry);
     const std::wstring name(copied_.name(copied_.entries().back()));
     copied_.removeLast();
     if (entry.record.isLive() && (to_.index.findLive(name) || copied_.findLive(name))) {
@@ -81,20 +81,17 @@ class Salvage {
     copy.record.flags &= kIsCompressed | kIsDeleted;
     if (!change_.reserve(copy) ||
         !copyData(from_.file, entry, to_.file, copy.dataPosition(), progress_) ||
-        !change_.append(copy, trailer)) {
+        !change_.append(copy)) {
       isStopped_ = true;
       return ZoResult::refused;
     }
     change_.countMember();
-    copied_.add(copy, trailer);
+    copied_.add(copy);
     return ZoResult::ok;
   }
 
-  void tell(const RawEntry& entry, const ContentTrailer& trailer, int code) {
-    if (!report_) return;
-    LibraryIndex one;
-    one.add(entry, trailer);
-    if (!report_(from_.publicEntry(one, one.entries().front()), code)) isStopped_ = true;
+  void tell(const RawEntry& entry, int code) {
+    if (report_ && !report_(from_.publicEntry(entry), code)) isStopped_ = true;
   }
 
   LibraryCore& from_;

@@ -1,6 +1,7 @@
 #include "files/library/scan.h"
 
 #include <algorithm>
+#include <array>
 
 #include "persist/little_endian.h"
 
@@ -10,8 +11,6 @@ namespace {
 constexpr std::size_t kFirstRead = 4096;
 constexpr int kMostFailures = 1000;  // in a row: then the device is gone
 constexpr std::uint64_t kNear = 64 * 1024;
-// A redo holds some records; more than this, and it is none.
-constexpr std::uint64_t kLargestRedo = 1 << 24;
 
 std::span<const unsigned char, kRecordSize> recordAt(const unsigned char* at) {
   return std::span<const unsigned char, kRecordSize>(at, kRecordSize);
@@ -97,23 +96,34 @@ ScanResult scanEntries(ByteStore& store, std::uint64_t size, const EntryVisitor&
     const bool isMarked = entry.record.has(kEndsScan);
     result.lastEntry = entry.position;
     result.position = entry.end();
-    if (result.position == size || isMarked || isRedo(entry.record, entry.name)) {
-      // A redo counts when it is the last entry: there, or before what was never committed.
-      RawEntry next;
-      const bool isLast = isMarked || result.position == size ||
-                          readEntry(window, result.position, next) != ScanEnd::kFileEnd;
-      if (auto patches = isLast ? redoOf(store, window, entry) : std::nullopt) {
+    if (result.position == size) {
+      if (auto patches = redoOf(store, window, entry)) {
         result.redo = std::move(*patches);
         result.redoPosition = entry.position;
+        return result;
       }
     }
-    if (!result.redoPosition) visit(entry, trailerOf(window, entry));
-    if (isMarked) {
-      result.end = ScanEnd::kMark;
-      return result;
-    }
+    entry.trailer = trailerOf(window, entry);
+    if (!visit(entry)) result.end = ScanEnd::kStopped;
+    if (isMarked && result.end == ScanEnd::kFileEnd) result.end = ScanEnd::kMark;
+    if (result.end != ScanEnd::kFileEnd) return result;
   }
   return result;
+}
+
+bool mayEndInRedo(ByteStore& store, std::uint64_t size) {
+  constexpr std::size_t kFixed = kRecordSize + kRedoName.size() + kRedoTail;
+  std::array<unsigned char, kFixed> bytes;
+  if (size < kHeaderSize + kFixed) return false;
+  const std::span<unsigned char> tail = std::span(bytes).first(kRedoTail);
+  if (!store.read(size - kRedoTail, tail)) return true;
+  const std::uint64_t patches = load32(tail.data());
+  if (patches > size - kHeaderSize - kFixed) return false;
+  if (!store.read(size - kFixed - patches, bytes)) return true;
+  const EntryRecord record = decodeRecord(recordAt(bytes.data()));
+  const auto name = std::string_view(reinterpret_cast<const char*>(bytes.data()), kFixed)
+                        .substr(kRecordSize, kRedoName.size());
+  return isRedo(record, name) && record.storedSize == patches + kRedoTail;
 }
 
 // ---- Entries behind a damage ----

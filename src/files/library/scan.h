@@ -39,11 +39,6 @@ class ReadWindow {
   std::size_t ahead_;
 };
 
-// What a compressed member's data says of its content.
-struct ContentTrailer {
-  std::uint32_t size = 0, crc = 0;
-};
-
 enum class ScanEnd {
   kFileEnd,     // right behind an entry, or the header
   kMark,        // an entry ended the scan
@@ -52,6 +47,7 @@ enum class ScanEnd {
   kZero,        // a record of zero bytes
   kNoEntry,     // a record without a name, or whose data would pass the end of the file
   kUnreadable,
+  kStopped,  // the visitor had enough
 };
 
 struct ScanResult {
@@ -69,10 +65,14 @@ struct ScanResult {
 // Of an entry with compressed data; zeros for any other.
 [[nodiscard]] ContentTrailer trailerOf(ReadWindow& window, const RawEntry& entry);
 
-// Visits all entries but a committed redo at the end; patches are not yet applied.
-using EntryVisitor = std::function<void(const RawEntry&, const ContentTrailer&)>;
+// Visits all entries but a committed redo at the end, until the visitor returns false; patches are
+// not yet applied.
+using EntryVisitor = std::function<bool(const RawEntry&)>;
 [[nodiscard]] ScanResult scanEntries(ByteStore& store, std::uint64_t size,
                                      const EntryVisitor& visit);
+
+// Whether the file may end in a redo, told by its end alone. Only a scan can tell whether it does.
+[[nodiscard]] bool mayEndInRedo(ByteStore& store, std::uint64_t size);
 
 // The next place from `from` on where an entry seems to stand that this library may have written:
 // its fields agree with each other and it ends within the file. `size` when there is none. What
