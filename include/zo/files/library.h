@@ -23,8 +23,9 @@
 // Threads: any, also on one object: one call runs at a time in a process. The thread that opened a
 //          library for writing closes it (the platform ties the lock to it). Other processes read
 //          while one writes.
-// Cost:    finding a member is O(1) after a scan at the first search; a scan is repeated when
-//          another process has changed the file. Adding does not depend on what is there.
+// Cost:    the first search goes over the file up to the member; the second makes an index of all,
+//          with which finding is O(1). Both begin anew when another process has changed the file.
+//          Adding does not depend on what is there.
 // Stored:  docs/formats/library.md.
 #pragma once
 
