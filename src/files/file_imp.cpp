@@ -203,20 +203,13 @@ unsigned int ZoFileImp::attributes() {
 }
 
 FILETIME ZoFileImp::time(unsigned int which, const wchar_t* operation) {
-  BY_HANDLE_FILE_INFORMATION information;
-  if (handle_ == INVALID_HANDLE_VALUE) return {};
-  if (!zo::fileApi().information(handle_, information)) {
-    report(operation);
-    return {};
-  }
-  switch (which) {
-    case kCreated:
-      return information.ftCreationTime;
-    case kAccessed:
-      return information.ftLastAccessTime;
-    default:
-      return information.ftLastWriteTime;
-  }
+  FILETIME time{};
+  if (handle_ == INVALID_HANDLE_VALUE) return time;
+  const auto onlyFor = [&](unsigned int one) { return which == one ? &time : nullptr; };
+  if (zo::fileApi().times(handle_, onlyFor(kCreated), onlyFor(kAccessed), onlyFor(kWritten)))
+    return time;
+  report(operation);
+  return {};
 }
 
 int ZoFileImp::setTime(FILETIME time, unsigned int which, const wchar_t* operation) {

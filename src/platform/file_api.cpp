@@ -79,8 +79,8 @@ bool FileApi::information(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) 
   return GetFileInformationByHandle(file, &information);
 }
 
-bool FileApi::lastWrite(HANDLE file, FILETIME& time) {
-  return GetFileTime(file, nullptr, nullptr, &time);
+bool FileApi::times(HANDLE file, FILETIME* created, FILETIME* accessed, FILETIME* written) {
+  return GetFileTime(file, created, accessed, written);
 }
 
 bool FileApi::setTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,

@@ -36,7 +36,7 @@ class FileApi {
   virtual bool size(HANDLE file, std::int64_t& bytes);
   virtual bool information(HANDLE file, BY_HANDLE_FILE_INFORMATION& information);
   // Without what information asks of the volume, which can take far longer.
-  virtual bool lastWrite(HANDLE file, FILETIME& time);
+  virtual bool times(HANDLE file, FILETIME* created, FILETIME* accessed, FILETIME* written);
   virtual bool setTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
                         const FILETIME* written);
   // Under another name of the same volume, where nothing may be. Of a handle with DELETE.

@@ -171,18 +171,11 @@ class MemoryDisk final : public FileApi {
     bytes = static_cast<std::int64_t>(at(file).file->bytes.size());
     return passes();
   }
-  bool information(HANDLE handle, BY_HANDLE_FILE_INFORMATION& information) override {
-    if (!passes()) return false;
+  bool times(HANDLE handle, FILETIME* created, FILETIME* accessed, FILETIME* written) override {
     const File& file = *at(handle).file;
-    information = {};
-    information.ftCreationTime = file.created;
-    information.ftLastAccessTime = file.accessed;
-    information.ftLastWriteTime = file.written;
-    information.nFileSizeLow = static_cast<DWORD>(file.bytes.size());
-    return true;
-  }
-  bool lastWrite(HANDLE handle, FILETIME& time) override {
-    time = at(handle).file->written;
+    if (created) *created = file.created;
+    if (accessed) *accessed = file.accessed;
+    if (written) *written = file.written;
     return passes();
   }
   bool setTimes(HANDLE handle, const FILETIME* created, const FILETIME* accessed,

@@ -100,7 +100,7 @@ class FaultyFiles : public FileApi {
   ZO_PASS(bool, false, flush, (HANDLE h), (h))
   ZO_PASS(bool, false, size, (HANDLE h, std::int64_t& b), (h, b))
   ZO_PASS(bool, false, information, (HANDLE h, BY_HANDLE_FILE_INFORMATION& i), (h, i))
-  ZO_PASS(bool, false, lastWrite, (HANDLE h, FILETIME& t), (h, t))
+  ZO_PASS(bool, false, times, (HANDLE h, FILETIME* c, FILETIME* a, FILETIME* w), (h, c, a, w))
   ZO_PASS(bool, false, setTimes,
           (HANDLE h, const FILETIME* c, const FILETIME* a, const FILETIME* w), (h, c, a, w))
   ZO_PASS(bool, false, rename, (HANDLE h, const wchar_t* t), (h, t))

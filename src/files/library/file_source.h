@@ -13,12 +13,8 @@ namespace zo {
 // With one question where the file is one of the platform; false when that is not answered.
 [[nodiscard]] inline bool timesOf(ZoFile& file, MemberTimes& times) {
   if (file.handle() != INVALID_HANDLE_VALUE) {
-    BY_HANDLE_FILE_INFORMATION all;
-    if (!fileApi().information(file.handle(), all)) return reportFailure(L"size");
-    times = {.created = all.ftCreationTime,
-             .accessed = all.ftLastAccessTime,
-             .written = all.ftLastWriteTime};
-    return true;
+    return fileApi().times(file.handle(), &times.created, &times.accessed, &times.written) ||
+           reportFailure(L"times");
   }
   times = {.created = file.creationTime(),
            .accessed = file.lastAccessTime(),

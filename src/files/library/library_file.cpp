@@ -43,7 +43,8 @@ bool LibraryFile::close() { return file_.close() || reportFailure(L"close"); }
 bool LibraryFile::look(Signature& signature) noexcept {
   std::int64_t size = 0;
   FILETIME written;
-  if (!fileApi().size(file_.get(), size) || !fileApi().lastWrite(file_.get(), written)) {
+  if (!fileApi().size(file_.get(), size) ||
+      !fileApi().times(file_.get(), nullptr, nullptr, &written)) {
     return reportFailure(L"size");
   }
   seen_ = {.size = static_cast<std::uint64_t>(size),
