@@ -122,10 +122,13 @@ def exit_codes():
     write("a.txt")
     run("create", "a.lib", "a.txt", "-q", err="")
     for args, code, said in (
-        ([], 7, "say what to do"), (["frobnicate"], 7, ".*"), (["list"], 7, ".*LIBRARY.*"),
+        ([], 7, "say what to do"), (["frobnicate"], 7, "there is no verb frobnicate"), (["list"], 7, ".*LIBRARY.*"),
+        (["exract", "x"], 7, "there is no verb exract, but extract"), (["-q", "list"], 7, "the verb comes first.*"),
+        (["add", "a.lib", "-b.txt"], 7, "there is no option -b.txt .* behind --"), (["list", ""], 7, ".*empty.*"),
+        (["reorganize", "a.lib", "b"], 7, "b is one name too many"),
         (["list", "a.lib", "--mode", "best"], 7, ".*"), (["add", "a.lib"], 7, "name what to add"),
         (["add", "a.lib", "a.txt", "--mode", "harder"], 7, ".*"), (["rename", "a.lib", "a"], 7, ".*"),
-        (["add", "a.lib", "-"], 7, ".*--name.*"), (["add", "a.lib", "a.txt", "--lock-timeout", "-1"], 7, ".*"),
+        (["add", "a.lib", "-"], 7, ".*--name.*"), (["add", "a.lib", "a.txt", "--lock-timeout", "-1"], 7, ".*: -1 .*"),
         (["help", "frobnicate"], 7, ".*"),
         (["list", "none.lib"], 10, r"cannot find the library none\.lib: .*; check its name"),
         (["add", "b.lib", "none.txt"], 10, r"cannot find none\.txt: .*; check the name"),
@@ -163,6 +166,12 @@ def names():
     write("b/X.TXT", b"the other\n")
     os.symlink(".", "b/loop")
     run("create", "b.lib", "b", code=2, err=r"zolib: left out .*; add it by itself\nb\.lib: 1 added.*")
+    odd = ["[x]", "[x,y]", "{}", "add", "-b", "--json"]  # to the command line they could be more than names
+    for name in odd:
+        write(name, name.encode())
+    run("create", "list", "-q", "--exclude", "b", "--", *odd)
+    assert members("list") == odd and run("cat", "list", "--", *odd[::-1]) == "".join(odd[::-1]).encode()
+    assert members("list", "--exclude", "[x,y]", "--include", "x", "--include", "[x*", "[x]", "add") == ["[x]"]
     write("日本.txt")
     run("add", "b.lib", "日本.txt", code=2, err="zolib: cannot add 日本.txt: .*; rename the file\n.*")
 
