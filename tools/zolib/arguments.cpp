@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <map>
+#include <numeric>
 
 #include "help.h"
 #include "text.h"
@@ -35,6 +36,7 @@ std::wstring wide(const std::string& text) { return toWide(unmarked(text)); }
 
 std::vector<std::wstring> wide(const std::vector<std::string>& texts) {
   std::vector<std::wstring> result;
+  result.reserve(texts.size());
   for (const std::string& text : texts) result.push_back(wide(text));
   return result;
 }
@@ -170,7 +172,7 @@ std::string helpOf(const CLI::App& app) {
 // The letters to be changed, put in or left out on the way from one word to the other.
 std::size_t distance(std::string_view from, std::string_view to) {
   std::vector<std::size_t> row(to.size() + 1);
-  for (std::size_t k = 0; k < row.size(); ++k) row[k] = k;
+  std::iota(row.begin(), row.end(), std::size_t{0});
   for (std::size_t i = 0; i < from.size(); ++i) {
     std::size_t before = row[0]++;
     for (std::size_t k = 0; k < to.size(); ++k) {
