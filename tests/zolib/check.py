@@ -138,6 +138,9 @@ def exit_codes():
         (["list", "no.lib"], 12, "no.lib is not a library: .*"), (["add", "no.lib", "a.txt"], 12, ".*"),
         (["list", "."], 12, ".*folder.*"), (["salvage", "no.lib", "b.lib"], 12, ".*"),
         (["create", "a.lib", "a.txt"], 2, "a.lib exists already; .*"), (["salvage", "a.lib", "no.lib"], 2, ".*exists.*"),
+        (["add", "a.lib", "-", "--name", "../x"], 2, "cannot add -: it leads out .*; give another --name"),
+        (["rename", "a.lib", "a.txt", "con"], 2, "cannot rename .* to con: it names a device"),
+        (["info", "a.lib", "--dot", "none/x"], 2, r"cannot write none/x: (?!it was refused).*"),
         (["create", "none/b.lib", "a.txt"], 2, r"cannot open none/b\.lib: .*; .*"),
     ):
         # One line for the failure; what else is said is no failure's.
@@ -264,6 +267,7 @@ def dry_run():
                        (["rename", "a.lib", "parts/empty.txt", "x"], "renamed  parts/empty.txt"),
                        (["reorganize", "a.lib"], "removed  parts/old.bak")):
         run(*args, "--dry-run", out=f"would be {line}\n", err="")
+    run("salvage", "a.lib", "b.lib", "--dry-run", out="(would be salvaged  .*\n){5}", err="")
     run("rename", "a.lib", "parts/empty.txt", "parts/bolts/m8.dwg", "--dry-run", code=2)
     assert (files(), pathlib.Path("a.lib").read_bytes()) == before
 
@@ -275,6 +279,7 @@ def locked():
     assert writer.stderr.readline().strip() == b"added  small"
     run("delete", "a.lib", "small", "--lock-timeout", "0", code=11, err="zolib: a.lib is locked: .*; try again .*\n")
     assert members("a.lib") == ["small"]
+    run("add", "b.lib", "a.lib", code=2, err=r"zolib: cannot add a\.lib: another program has it open\n.*")
     writer.communicate(b"data")
     assert writer.returncode == 0 and members("a.lib") == ["small", "data"]
     run("delete", "a.lib", "small", "--lock-timeout", "0")

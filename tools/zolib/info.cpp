@@ -1,5 +1,7 @@
 // info: a library as a whole, or as a graph.
 #include <windows.h>
+#include <zo/system/file_system.h>
+#include <zo/system/registry.h>
 
 #include <cstdio>
 #include <sstream>
@@ -27,6 +29,7 @@ void writeGraph(const Options& options, const std::wstring& path, Report& report
   }
   if (const int code = graph.writeGraph(shellPath(path).c_str())) {
     SetLastError(static_cast<DWORD>(code));
+    ZoSystem::fileSystem().errorIO(L"zolib");
     report.fail(kFailed, "cannot write " + toUtf8(path) + because("it was refused"));
   }
 }
