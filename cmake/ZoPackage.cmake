@@ -1,10 +1,14 @@
-# The installed package: DLL with its runtime, import library, headers, and what find_package(ZoCom) reads.
+# The installed package: DLL with its runtime, import library, headers, and what find_package(ZoCom) reads; the tool with
+# its manual page and completion, where a shell on Linux looks for those of a command zolib.
 include(CMakePackageConfigHelpers)
 
 set(zo_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZoCom)
 install(TARGETS zo_com EXPORT ZoComTargets RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS zolib RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES docs/zolib.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES tools/zolib/completion/zolib.bash RENAME zolib
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES ${zo_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 install(FILES ${PROJECT_BINARY_DIR}/generated/zo/version.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zo)

@@ -3,12 +3,17 @@
 # - The prefix is the project's own, inside the build tree: nothing of the user's ~/.wine is read or changed.
 # - winedbg is disabled: it slows a crash down and sometimes turns it into exit code 0.
 # - C.UTF-8, because under plain C every non-ASCII file name fails.
+# - zo_wine is the command, with addresses that are not random: recent kernels put the heap anywhere in the gigabyte
+#   behind Wine's loader, and thus once in some two thousand starts onto the one page that Wine must have for itself.
+#   It then ends with 1, and without a word.
 
 export WINEPREFIX=${ZO_WINEPREFIX:-$zo_root/build/wine}
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES='winedbg.exe=d;mscoree=;mshtml='
 export LANG=C.UTF-8
 unset LC_ALL
+zo_wine=(wine)
+setarch -R true 2>/dev/null && zo_wine=(setarch -R wine)  # a container may forbid it
 
 # zo_wine_start SECONDS [PREFIX-COMMAND...]: makes the prefix when it is missing and starts a server that outlives
 # its last program by SECONDS (0: until zo_wine_stop). Its service processes inherit no pipe of ours, so that
@@ -27,12 +32,12 @@ zo_wine_start() {
       rm -rf "$WINEPREFIX"
       zo_quietly wineboot setsid wineboot -i || exit 1
       # Without a window manager a managed dialog waits two seconds before it closes.
-      zo_quietly wine-reg setsid wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f || exit 1
+      zo_quietly wine-reg setsid "${zo_wine[@]}" reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f || exit 1
       wineserver -w
       : >"$WINEPREFIX/.zo_ready"
     fi
     "$@" wineserver "$persist" >/dev/null 2>&1 </dev/null 9>&-
-    setsid "$@" wine cmd /c exit >/dev/null 2>&1 </dev/null 9>&-
+    setsid "$@" "${zo_wine[@]}" cmd /c exit >/dev/null 2>&1 </dev/null 9>&-
   ) 9>"$WINEPREFIX.lock"
 }
 

@@ -55,8 +55,11 @@ constexpr DWORD kPatience = 240'000;
 
 DWORD WINAPI watch(void* mainThread) {
   if (WaitForSingleObject(mainThread, kPatience) == WAIT_OBJECT_0) {
-    // An ordinary end stops this thread first. Under Wine a stack overflow can kill a thread
-    // without any exception.
+    // An ordinary end stops this thread first. Who is killed from outside loses one thread after
+    // the other, and may get here before its own turn: then the process has its exit code already.
+    DWORD code = STILL_ACTIVE;
+    if (GetExitCodeProcess(GetCurrentProcess(), &code) && code != STILL_ACTIVE) return 0;
+    // Under Wine a stack overflow can kill a thread without any exception.
     rawPrint("crash: the main thread is gone, probably by a stack overflow\n");
     endProcess(kExitException);
   }

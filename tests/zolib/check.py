@@ -122,10 +122,13 @@ def exit_codes():
     write("a.txt")
     run("create", "a.lib", "a.txt", "-q", err="")
     for args, code, said in (
-        ([], 7, "say what to do"), (["frobnicate"], 7, ".*"), (["list"], 7, ".*LIBRARY.*"),
+        ([], 7, "say what to do"), (["frobnicate"], 7, "there is no verb frobnicate"), (["list"], 7, ".*LIBRARY.*"),
+        (["exract", "x"], 7, "there is no verb exract, but extract"), (["-q", "list"], 7, "the verb comes first.*"),
+        (["add", "a.lib", "-b.txt"], 7, "there is no option -b.txt .* behind --"), (["list", ""], 7, ".*empty.*"),
+        (["reorganize", "a.lib", "b"], 7, "b is one name too many"),
         (["list", "a.lib", "--mode", "best"], 7, ".*"), (["add", "a.lib"], 7, "name what to add"),
         (["add", "a.lib", "a.txt", "--mode", "harder"], 7, ".*"), (["rename", "a.lib", "a"], 7, ".*"),
-        (["add", "a.lib", "-"], 7, ".*--name.*"), (["add", "a.lib", "a.txt", "--lock-timeout", "-1"], 7, ".*"),
+        (["add", "a.lib", "-"], 7, ".*--name.*"), (["add", "a.lib", "a.txt", "--lock-timeout", "-1"], 7, ".*: -1 .*"),
         (["help", "frobnicate"], 7, ".*"),
         (["list", "none.lib"], 10, r"cannot find the library none\.lib: .*; check its name"),
         (["add", "b.lib", "none.txt"], 10, r"cannot find none\.txt: .*; check the name"),
@@ -135,6 +138,9 @@ def exit_codes():
         (["list", "no.lib"], 12, "no.lib is not a library: .*"), (["add", "no.lib", "a.txt"], 12, ".*"),
         (["list", "."], 12, ".*folder.*"), (["salvage", "no.lib", "b.lib"], 12, ".*"),
         (["create", "a.lib", "a.txt"], 2, "a.lib exists already; .*"), (["salvage", "a.lib", "no.lib"], 2, ".*exists.*"),
+        (["add", "a.lib", "-", "--name", "../x"], 2, "cannot add -: it leads out .*; give another --name"),
+        (["rename", "a.lib", "a.txt", "con"], 2, "cannot rename .* to con: it names a device"),
+        (["info", "a.lib", "--dot", "none/x"], 2, r"cannot write none/x: (?!it was refused).*"),
         (["create", "none/b.lib", "a.txt"], 2, r"cannot open none/b\.lib: .*; .*"),
     ):
         # One line for the failure; what else is said is no failure's.
@@ -163,6 +169,12 @@ def names():
     write("b/X.TXT", b"the other\n")
     os.symlink(".", "b/loop")
     run("create", "b.lib", "b", code=2, err=r"zolib: left out .*; add it by itself\nb\.lib: 1 added.*")
+    odd = ["[x]", "[x,y]", "{}", "add", "-b", "--json"]  # to the command line they could be more than names
+    for name in odd:
+        write(name, name.encode())
+    run("create", "list", "-q", "--exclude", "b", "--", *odd)
+    assert members("list") == odd and run("cat", "list", "--", *odd[::-1]) == "".join(odd[::-1]).encode()
+    assert members("list", "--exclude", "[x,y]", "--include", "x", "--include", "[x*", "[x]", "add") == ["[x]"]
     write("日本.txt")
     run("add", "b.lib", "日本.txt", code=2, err="zolib: cannot add 日本.txt: .*; rename the file\n.*")
 
@@ -255,6 +267,7 @@ def dry_run():
                        (["rename", "a.lib", "parts/empty.txt", "x"], "renamed  parts/empty.txt"),
                        (["reorganize", "a.lib"], "removed  parts/old.bak")):
         run(*args, "--dry-run", out=f"would be {line}\n", err="")
+    run("salvage", "a.lib", "b.lib", "--dry-run", out="(would be salvaged  .*\n){5}", err="")
     run("rename", "a.lib", "parts/empty.txt", "parts/bolts/m8.dwg", "--dry-run", code=2)
     assert (files(), pathlib.Path("a.lib").read_bytes()) == before
 
@@ -266,6 +279,7 @@ def locked():
     assert writer.stderr.readline().strip() == b"added  small"
     run("delete", "a.lib", "small", "--lock-timeout", "0", code=11, err="zolib: a.lib is locked: .*; try again .*\n")
     assert members("a.lib") == ["small"]
+    run("add", "b.lib", "a.lib", code=2, err=r"zolib: cannot add a\.lib: another program has it open\n.*")
     writer.communicate(b"data")
     assert writer.returncode == 0 and members("a.lib") == ["small", "data"]
     run("delete", "a.lib", "small", "--lock-timeout", "0")

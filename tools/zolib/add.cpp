@@ -46,10 +46,8 @@ class Adder {
 
   void add(const Source& source) {
     const ZoFileName member(source.member);
-    if (member.isEmpty() || !member.isAnsi()) {
-      report_.fail(kFailed, "cannot add " + toUtf8(source.path) +
-                                ": its name has characters that no member's name can have; rename "
-                                "the file");
+    if (const std::string why = refusal(source, member); !why.empty()) {
+      report_.fail(kFailed, "cannot add " + toUtf8(source.path) + ": " + why);
       return;
     }
     ZoLibEntry old;
@@ -120,6 +118,16 @@ class Adder {
   };
   static constexpr std::uint64_t kAlone = 16 << 20;  // bytes
   static constexpr std::uint64_t kBatchTime = 1000;  // ms
+
+  // Why no file could ever come out of the library under the member's name; empty when one can.
+  static std::string refusal(const Source& source, const ZoFileName& member) {
+    const bool isWritable = !member.isEmpty() && member.isAnsi();
+    const std::optional<std::string> why =
+        isWritable ? refusalOf(source.member)
+                   : "its name has characters that no member's name can have";
+    if (!why) return {};
+    return *why + (source.path == L"-" ? "; give another --name" : "; rename the file");
+  }
 
   // A code, or -1 for what was reported already.
   int store(const Source& source, const ZoFileName& member, bool alone) {

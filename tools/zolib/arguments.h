@@ -12,7 +12,7 @@
 namespace zolib {
 
 // Runs what the arguments ask for. Help goes to standard output; a wrong command line costs one
-// line on standard error and gives kUsage.
-ExitCode runCommandLine(std::vector<std::string> utf8Arguments, Console& console);
+// line on standard error (with --json, a report, too) and gives kUsage.
+ExitCode runCommandLine(const std::vector<std::string>& utf8Arguments, Console& console);
 
 }  // namespace zolib

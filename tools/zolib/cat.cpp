@@ -43,7 +43,7 @@ bool readMember(Session& session, const ZoLibEntry& entry, Report& report, const
                                 because("it is damaged") + "; see `zolib test`");
     return false;
   }
-  std::vector<char> buffer(256 * 1024);
+  std::vector<char> buffer(std::size_t{256} * 1024);
   std::uint64_t left = entry.size;
   while (const unsigned int got =
              file.read(buffer.data(), static_cast<unsigned int>(buffer.size()))) {

@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "cancel.h"
+#include "names.h"
 #include "session.h"
 #include "text.h"
 #include "verbs.h"
@@ -71,11 +72,13 @@ void recover(const Options& options, Report& report) {
 void rename(const Options& options, Report& report) {
   Session session(options, report);
   if (!session.openToWrite()) return;
-  const std::wstring &from = options.names[0], &to = options.names[1];
+  const std::wstring& from = options.names[0];
+  std::wstring to = options.names[1];
   std::vector<std::pair<ZoFileName, std::wstring>> renames;
   if (session->contains(ZoFileName(from))) {
     renames.emplace_back(ZoFileName(from), to);
   } else {
+    while (to.ends_with(L'/') || to.ends_with(L'\\')) to.pop_back();
     const std::wstring folder = folded(from) + (folded(from).ends_with(L'/') ? L"" : L"/");
     session->forEachEntry([&](const ZoLibEntry& entry) {
       const std::wstring_view name = entry.name.view();
@@ -87,6 +90,10 @@ void rename(const Options& options, Report& report) {
   if (renames.empty())
     report.fail(kNotFound, session.name() + " has no member " + toUtf8(from) +
                                "; `zolib list` shows what it has");
+  if (const auto why = refusalOf(to)) {
+    report.fail(kFailed, "cannot rename anything to " + toUtf8(options.names[1]) + ": " + *why);
+    renames.clear();
+  }
   for (const auto& [name, newName] : renames) {
     if (!goesOn(report)) break;
     forgetReason();

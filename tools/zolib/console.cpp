@@ -7,7 +7,7 @@
 namespace zolib {
 namespace {
 
-constexpr std::size_t kPiece = 64 * 1024;
+constexpr std::size_t kPiece = 65536;
 
 bool isTerminal(HANDLE stream) noexcept {
   DWORD mode = 0;

@@ -93,7 +93,9 @@ class Extractor {
       report_.fail(kDamaged,
                    what + " from " + session_.name() + ": it is damaged; nothing was written");
     } else {
-      session_.reportFailure(what + " to " + toUtf8(target), code);
+      const bool exists = ZoSystem::fileSystem().getAttributes(ZoFileName(target)) != 0;
+      session_.reportFailure(what + " to " + toUtf8(target), code,
+                             exists ? "is that one read-only, or open in a program?" : "");
     }
     return false;
   }

@@ -16,9 +16,7 @@ std::wstring tidied(std::wstring_view text) {
 }
 
 std::vector<Glob> globs(const std::vector<std::wstring>& patterns) {
-  std::vector<Glob> result;
-  for (const std::wstring& pattern : patterns) result.emplace_back(pattern);
-  return result;
+  return std::vector<Glob>(patterns.begin(), patterns.end());
 }
 
 bool anyFits(const std::vector<Glob>& globs, std::wstring_view name) {

@@ -74,6 +74,6 @@ const char* const kGeneralHelp =
     "  zolib test parts.lib\n"
     "  zolib extract parts.lib --output out\n"
     "\n"
-    "`zolib help VERB` has the options and examples of a verb, docs/zolib.1 the whole manual.\n";
+    "`zolib help VERB` has the options and examples of a verb, the manual page zolib(1) all.\n";
 
 }  // namespace zolib

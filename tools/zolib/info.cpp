@@ -1,5 +1,7 @@
 // info: a library as a whole, or as a graph.
 #include <windows.h>
+#include <zo/system/file_system.h>
+#include <zo/system/registry.h>
 
 #include <cstdio>
 #include <sstream>
@@ -13,9 +15,10 @@
 namespace zolib {
 namespace {
 
-void writeGraph(const Options& options, Report& report, const std::vector<ZoLibEntry>& entries) {
+void writeGraph(const Options& options, const std::wstring& path, Report& report,
+                const std::vector<ZoLibEntry>& entries) {
   const ZoDottyGraph graph = graphOf(toUtf8(options.library), entries);
-  if (*options.dot == L"-") {
+  if (path == L"-") {
     std::wostringstream text;
     text << graph;
     if (options.json)
@@ -24,9 +27,10 @@ void writeGraph(const Options& options, Report& report, const std::vector<ZoLibE
       report.console().out(toUtf8(text.str()));
     return;
   }
-  if (const int code = graph.writeGraph(shellPath(*options.dot).c_str())) {
+  if (const int code = graph.writeGraph(shellPath(path).c_str())) {
     SetLastError(static_cast<DWORD>(code));
-    report.fail(kFailed, "cannot write " + toUtf8(*options.dot) + because("it was refused"));
+    ZoSystem::fileSystem().errorIO(L"zolib");
+    report.fail(kFailed, "cannot write " + toUtf8(path) + because("it was refused"));
   }
 }
 
@@ -63,7 +67,7 @@ void info(const Options& options, Report& report) {
   json["counter"] = session->counter();
   json["checkSum"] = checkSum;
   json["trailingBytes"] = session->trailingBytes();
-  if (options.dot) return writeGraph(options, report, entries);
+  if (options.dot) return writeGraph(options, *options.dot, report, entries);
   if (!options.json) {
     const auto line = [&](std::string_view what, const std::string& text) {
       std::string label(what);

@@ -30,7 +30,6 @@ struct Options {
   double lockSeconds = 5;
   bool dryRun = false, quiet = false, verbose = false, json = false;
   bool deleted = false, physically = false, namesOnly = false;
-  std::string helpText;  // of the verb help
 };
 
 }  // namespace zolib

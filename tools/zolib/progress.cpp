@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "text.h"
@@ -20,10 +21,10 @@ std::string progressLine(std::uint64_t done, std::uint64_t total, double seconds
   const double share =
       total ? std::min(1.0, static_cast<double>(done) / static_cast<double>(total)) : 0;
   const double rate = seconds > 0 ? static_cast<double>(done) / seconds : 0;
-  const auto left = share > 0 ? static_cast<unsigned int>(seconds / share - seconds + 0.5) : 0;
+  const long left = share > 0 ? std::lround(std::min(seconds / share - seconds, 1e6)) : 0;
   char text[80];
   const int length =
-      std::snprintf(text, sizeof text, "%3.0f %%  %9s/s  %u:%02u left  ", 100 * share,
+      std::snprintf(text, sizeof text, "%3.0f %%  %9s/s  %ld:%02ld left  ", 100 * share,
                     readableSize(static_cast<std::uint64_t>(rate)).c_str(), left / 60, left % 60);
   std::string line(text, static_cast<std::size_t>(length));
   const std::size_t room = kWidth - line.size();

@@ -88,15 +88,21 @@ void forgetReason() {
   ZoSystem::fileSystem().errorIO(L"zolib");
 }
 
+namespace {
+
+std::string textOf(DWORD error) {
+  wchar_t text[256];
+  const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                                      nullptr, error, 0, text, 256, nullptr);
+  return toUtf8({text, length});
+}
+
+}  // namespace
+
 std::string reason() {
-  static const std::string kSuccess = [] {
-    wchar_t text[256];
-    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                                        nullptr, ERROR_SUCCESS, 0, text, 256, nullptr);
-    return toUtf8({text, length});
-  }();
   std::string text = toUtf8(ZoSystem::fileSystem().errorTxt().view());
-  if (text == kSuccess) return {};
+  if (text == textOf(ERROR_SUCCESS)) return {};
+  if (text == textOf(ERROR_SHARING_VIOLATION)) return "another program has it open";
   for (char& c : text) {
     if (c == '\r' || c == '\n') c = ' ';
   }

@@ -51,7 +51,7 @@ std::wstring folded(std::wstring_view name) {
 
 std::string readableSize(std::uint64_t bytes) {
   if (bytes < 1000) return formatted("%u B", static_cast<unsigned int>(bytes));
-  double size = static_cast<double>(bytes);
+  auto size = static_cast<double>(bytes);
   const char* unit = "";
   for (const char* next : {"KB", "MB", "GB", "TB"}) {
     unit = next;

@@ -95,7 +95,8 @@ void salvage(const Options& options, Report& report) {
     report.fail(kNotALibrary, session.name() + " is not a library, and holds no members");
     return;
   }
-  if (!options.dryRun) target.keep();
+  if (options.dryRun) return;
+  target.keep();
   report.note(session.name() + ": " + counted(salvaged, "member") + " salvaged into " +
               toUtf8(name) + (lost ? ", " + std::to_string(lost) + " lost" : ""));
 }
