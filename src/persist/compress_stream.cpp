@@ -14,6 +14,8 @@ namespace zo {
 
 namespace {
 
+constexpr std::uint64_t kSmall = 256 * 1024;
+
 // The SDK reads and writes through structures of C whose first member holds the functions.
 struct Input {
   ISeqInStream functions;
@@ -45,6 +47,23 @@ size_t writePiece(ISeqOutStreamPtr stream, const void* data, size_t size) noexce
   return out.sink->write({static_cast<const unsigned char*>(data), size}) ? size : 0;
 }
 
+// As a whole: the encoder then has no window to move, and the sink is asked once.
+int compressSmall(ByteSource& in, std::size_t size, LzmaEncoder& encoder, ByteSink& out,
+                  ISzAllocPtr memory) {
+  std::size_t packedSize = LzmaEncoder::containerRoom(size);
+  const SdkBlock content(memory, size + 1), packed(memory, packedSize);
+  if (!content.data() || !packed.data()) return LzmaUtils::outOfMemory;
+  std::size_t filled = 0;
+  for (Bytes piece; !(piece = in.next()).empty(); filled += piece.size()) {
+    if (piece.size() > size - filled) return LzmaUtils::inputEnded;
+    std::copy(piece.begin(), piece.end(), content.data() + filled);
+  }
+  if (filled != size) return LzmaUtils::inputEnded;
+  const int status = encoder.encodeContainer({content.data(), size}, packed.data(), packedSize);
+  if (status) return status;
+  return out.write({packed.data(), packedSize}) ? LzmaUtils::success : LzmaUtils::outputFull;
+}
+
 }  // namespace
 
 int levelOf(unsigned int mode) noexcept {
@@ -61,9 +80,12 @@ int levelOf(unsigned int mode) noexcept {
 int compressStream(ByteSource& in, std::uint64_t size, int level, ByteSink& out,
                    ReusedMemory* memory) {
   if (size > kMaxContent) return LzmaUtils::badParameter;
-  LzmaEncoder encoder(memory ? memory->functions() : &kSdkMemory);
+  const ISzAllocPtr functions = memory ? memory->functions() : &kSdkMemory;
+  LzmaEncoder encoder(functions);
   int status = encoder.begin(level, 0, size);
   if (status) return status;
+  if (size <= kSmall)
+    return compressSmall(in, static_cast<std::size_t>(size), encoder, out, functions);
   std::array<unsigned char, kLzmaHeaderSize> header;
   status = encoder.writeHeader(header);
   if (status) return status;

@@ -2,6 +2,10 @@
 
 #include <zo/persist/lzma_utils.h>
 
+#include "persist/container.h"
+#include "persist/crc32.h"
+#include "persist/little_endian.h"
+
 namespace zo {
 
 LzmaEncoder::~LzmaEncoder() {
@@ -29,6 +33,17 @@ int LzmaEncoder::writeHeader(std::span<unsigned char> header) noexcept {
 int LzmaEncoder::encode(Bytes content, unsigned char* out, std::size_t& outSize) noexcept {
   return LzmaEnc_MemEncode(encoder_, out, &outSize, content.data(), content.size(), 0, nullptr,
                            memory_, memory_);
+}
+
+int LzmaEncoder::encodeContainer(Bytes content, unsigned char* out, std::size_t& size) noexcept {
+  if (const int status = writeHeader({out, kLzmaHeaderSize})) return status;
+  std::size_t streamSize = size - kLzmaHeaderSize - kTrailerSize;
+  if (const int status = encode(content, out + kLzmaHeaderSize, streamSize)) return status;
+  unsigned char* const trailer = out + kLzmaHeaderSize + streamSize;
+  store32(trailer, static_cast<std::uint32_t>(content.size()));
+  store32(trailer + 4, crc32(content));
+  size = kLzmaHeaderSize + streamSize + kTrailerSize;
+  return LzmaUtils::success;
 }
 
 int LzmaEncoder::encode(ISeqInStream& in, ISeqOutStream& out) noexcept {

@@ -22,6 +22,13 @@ class LzmaEncoder {
   [[nodiscard]] int encode(Bytes content, unsigned char* out, std::size_t& outSize) noexcept;
   [[nodiscard]] int encode(ISeqInStream& in, ISeqOutStream& out) noexcept;
 
+  // After begin: the whole container of `content`. `size` is the room at `out` and becomes what was
+  // used of it; containerRoom() is enough for any content.
+  [[nodiscard]] int encodeContainer(Bytes content, unsigned char* out, std::size_t& size) noexcept;
+  [[nodiscard]] static std::size_t containerRoom(std::size_t contentSize) noexcept {
+    return contentSize + contentSize / 3 + 133;
+  }
+
   // Takes its memory there; that must outlive it.
   explicit LzmaEncoder(ISzAllocPtr memory) : memory_(memory) {}
   ~LzmaEncoder();

@@ -3,8 +3,6 @@
 #include <new>
 
 #include "persist/container.h"
-#include "persist/crc32.h"
-#include "persist/little_endian.h"
 #include "persist/lzma_encoder.h"
 #include "persist/sdk_memory.h"
 
@@ -13,21 +11,13 @@ namespace {
 using zo::Bytes;
 
 int compress(std::vector<unsigned char>& out, Bytes content, int level, unsigned int dictSize) {
-  // Room for data that does not compress.
-  out.resize(zo::kLzmaHeaderSize + content.size() + content.size() / 3 + 128);
+  out.resize(zo::LzmaEncoder::containerRoom(content.size()));
+  std::size_t size = out.size();
   zo::LzmaEncoder encoder(&zo::kSdkMemory);
   int status = encoder.begin(level, dictSize, content.size());
-  if (status) return status;
-  status = encoder.writeHeader({out.data(), zo::kLzmaHeaderSize});
-  if (status) return status;
-  std::size_t streamSize = out.size() - zo::kLzmaHeaderSize - zo::kTrailerSize;
-  status = encoder.encode(content, out.data() + zo::kLzmaHeaderSize, streamSize);
-  if (status) return status;
-  unsigned char* const trailer = out.data() + zo::kLzmaHeaderSize + streamSize;
-  zo::store32(trailer, static_cast<std::uint32_t>(content.size()));
-  zo::store32(trailer + 4, zo::crc32(content));
-  out.resize(zo::kLzmaHeaderSize + streamSize + zo::kTrailerSize);
-  return LzmaUtils::success;
+  if (!status) status = encoder.encodeContainer(content, out.data(), size);
+  if (!status) out.resize(size);
+  return status;
 }
 
 // `data` as bytes; false for what no container can hold.

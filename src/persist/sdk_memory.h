@@ -40,7 +40,23 @@ class ReusedMemory : private ISzAlloc {
   void release(void* block) noexcept;
   [[nodiscard]] Slot* slotFor(std::size_t size) noexcept;
 
-  std::array<Slot, 8> slots_;  // an encoder has six blocks
+  std::array<Slot, 8> slots_;  // an encoder has six blocks, or five and what it reads and writes
+};
+
+// A block of such memory; null when there was none.
+class SdkBlock {
+ public:
+  SdkBlock(ISzAllocPtr memory, std::size_t size) noexcept
+      : memory_(memory), data_(static_cast<unsigned char*>(memory->Alloc(memory, size))) {}
+  SdkBlock(const SdkBlock&) = delete;
+  SdkBlock& operator=(const SdkBlock&) = delete;
+  ~SdkBlock() { memory_->Free(memory_, data_); }
+
+  [[nodiscard]] unsigned char* data() const noexcept { return data_; }
+
+ private:
+  ISzAllocPtr memory_;
+  unsigned char* data_;
 };
 
 }  // namespace zo

@@ -8,6 +8,7 @@
 #include "persist/little_endian.h"
 #include "persist/memory_watch.h"
 #include "persist/persist_support.h"
+#include "persist/sdk_memory.h"
 
 using namespace zo;
 using namespace zo::test;
@@ -45,8 +46,9 @@ TEST(Compress, ModesSelectLevelsAndTheTextEndsAtItsZero) {
 }
 
 TEST(Compress, EveryLevelAndSizeComesBack) {
+  ReusedMemory memory;
   for (int level : {-1, 0, 1, 5, 9}) {
-    for (std::size_t size : {0, 1, 2, 4096, 70000}) {
+    for (std::size_t size : {0, 300'000, 1, 2, 4096, 70'000}) {
       SCOPED_TRACE(testing::Message() << level << ' ' << size);
       const ByteVector content = sampleContent(size, 4);
       ByteVector container;
@@ -60,11 +62,15 @@ TEST(Compress, EveryLevelAndSizeComesBack) {
       ByteVector back(3);
       EXPECT_EQ(LzmaUtils::LzmaUncompressData(back, container.data(), container.size()), 0);
       EXPECT_TRUE(back == content);
-      // A stream gives the same container, whatever its pieces.
-      PiecedSource source(content, 1000);
-      VectorSink sink;
-      EXPECT_EQ(compressStream(source, size, level, sink), 0);
-      EXPECT_TRUE(sink.taken == container);
+      // A stream gives the same container, whatever its pieces and whose memory the encoder had
+      // before. One of another size than it was said to have is refused.
+      for (const std::size_t said : {size, size + 1, size - (size > 0)}) {
+        PiecedSource source(content, 1000);
+        VectorSink sink;
+        const int status = compressStream(source, said, level, sink, &memory);
+        EXPECT_EQ(status == 0, said == size);
+        EXPECT_TRUE(status != 0 || sink.taken == container);
+      }
     }
   }
 }
