@@ -49,7 +49,7 @@ struct ArchiveAccess<ReadArchive> {
   static bool enter(ReadArchive& archive);
   static void leave(ReadArchive& archive);
   // Within a container, shared with an equal text that was read before.
-  static ZoString sharedText(ReadArchive& archive, std::wstring_view text);
+  static ZoString sharedText(ReadArchive& archive, const wchar_t* text, std::size_t length);
 };
 
 template <>

@@ -37,13 +37,18 @@ bool ArchiveAccess<ReadArchive>::enter(ReadArchive& archive) {
 }
 
 void ArchiveAccess<ReadArchive>::leave(ReadArchive& archive) {
-  if (--archive.depth_ == 0) archive.texts_.reset();
+  if (--archive.depth_ > 0) return;
+  archive.texts_.reset();
+  archive.textsRead_ = 0;
 }
 
-ZoString ArchiveAccess<ReadArchive>::sharedText(ReadArchive& archive, std::wstring_view text) {
-  if (archive.depth_ == 0) return ZoString(text);
+ZoString ArchiveAccess<ReadArchive>::sharedText(ReadArchive& archive, const wchar_t* text,
+                                                std::size_t length) {
+  constexpr unsigned int kFew = 16;  // for which looking them up does not pay
+  if (archive.depth_ == 0 || ++archive.textsRead_ <= kFew)
+    return ZoString(std::wstring_view(text, length));
   if (!archive.texts_) archive.texts_ = std::make_unique<SharedTexts>();
-  return archive.texts_->get(text);
+  return archive.texts_->get(text, length);
 }
 
 ReadArchive::ReadArchive() = default;

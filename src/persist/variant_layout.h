@@ -120,8 +120,8 @@ struct VariantBuilder {
     archive.read(count);
     zo::readText(archive, count, [&](std::wstring_view text) {
       text = text.substr(0, text.find(L'\0'));
-      value =
-          ZoVariant(ArchiveAccess<ReadArchive>::sharedText(archive, text), code(head), flags(head));
+      value = ZoVariant(ArchiveAccess<ReadArchive>::sharedText(archive, text.data(), text.size()),
+                        code(head), flags(head));
     });
   }
   template <class Archive>
@@ -136,7 +136,7 @@ struct VariantBuilder {
     unsigned int count = 0;
     archive.read(count);
     zo::readText(archive, count, [&](std::wstring_view text) {
-      key = ArchiveAccess<ReadArchive>::sharedText(archive, text);
+      key = ArchiveAccess<ReadArchive>::sharedText(archive, text.data(), text.size());
     });
   }
 

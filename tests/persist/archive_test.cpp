@@ -186,6 +186,33 @@ TEST(Archive, ContainersLieAtMostSoDeep) {
   EXPECT_EQ(thrown([&] { deep.read(value); }), L"") << "it stands there, and has left all levels";
 }
 
+TEST(Archive, EqualShortTextsOfOneVariantShareTheirMemory) {
+  ZoArray<ZoVariant> texts;  // pairs of all lengths; most differ in one unit from those around
+  for (std::size_t length = 0; length <= 66; ++length) {
+    for (std::size_t at = 0; at <= length; ++at) {
+      std::wstring text(length, L'a');
+      if (at < length) text[at] = L'b';
+      for (int i = 0; i < 2; ++i) texts.append(ZoVariant(text.c_str()));
+    }
+  }
+  const ZoVariant written(std::move(texts));
+  ZoMemoryWriteArchive memory;
+  memory << written << written;
+  ZoMemoryReadArchive from(memory.bytes());
+  ZoVariant one, other;
+  from >> one >> other;
+  EXPECT_EQ(one, written);
+  EXPECT_EQ(other, written);
+  const auto memoryOf = [](const ZoVariant& of, unsigned int i) {
+    return of.at(i)->asString().data();
+  };
+  for (unsigned int i = 16; i < one.entries() && !HasFailure(); i += 2) {
+    const bool isShort = one.at(i)->asString().length() <= 64;
+    EXPECT_EQ(memoryOf(one, i) == memoryOf(one, i + 1), isShort) << i;
+    EXPECT_NE(memoryOf(one, i), memoryOf(other, i)) << i;
+  }
+}
+
 // What has no round trip, or not the same bytes.
 TEST(Archive, OdditiesOfTheFormatAreKept) {
   PlainArchive plain;

@@ -23,6 +23,23 @@ namespace zo {
 
 class SharedTexts;
 
+// Numbers and most texts without a call.
+inline void copyBytes(void* to, const void* from, std::size_t size) noexcept {
+  if (size < 16 || size > 64) {
+    std::memcpy(to, from, size);
+    return;
+  }
+  // In pieces that overlap.
+  auto* const out = static_cast<std::byte*>(to);
+  const auto* const in = static_cast<const std::byte*>(from);
+  std::memcpy(out, in, 16);
+  if (size > 32) {
+    std::memcpy(out + 16, in + 16, 16);
+    std::memcpy(out + size - 32, in + size - 32, 16);
+  }
+  std::memcpy(out + size - 16, in + size - 16, 16);
+}
+
 class ZO_COM_API ReadArchive : public ZoArchive {
  public:
   virtual ~ReadArchive();
@@ -83,7 +100,7 @@ class ZO_COM_API ReadArchive : public ZoArchive {
   virtual bool refill() = 0;
   void take(void* out, std::size_t size, const wchar_t* message) {
     if (size > unread()) return takeMore(out, size, message);
-    std::memcpy(out, next_, size);
+    copyBytes(out, next_, size);
     next_ += size;
   }
   void takeMore(void* out, std::size_t size, const wchar_t* message);
@@ -94,7 +111,8 @@ class ZO_COM_API ReadArchive : public ZoArchive {
   const std::byte* end_ = nullptr;
   std::uint64_t windowEnd_ = 0;
   unsigned int depth_ = 0;
-  std::unique_ptr<SharedTexts> texts_;  // of the container that is being read
+  unsigned int textsRead_ = 0;          // in the outermost container that is being read
+  std::unique_ptr<SharedTexts> texts_;  // of that container
 };
 
 class ZO_COM_API WriteArchive : public ZoArchive {
@@ -155,17 +173,7 @@ class ZO_COM_API WriteArchive : public ZoArchive {
   virtual void overflow(const void* data, std::size_t size) = 0;
   void put(const void* data, std::size_t size) {
     if (size > static_cast<std::size_t>(end_ - next_)) return overflow(data, size);
-    if (size < 16 || size > 64) {
-      std::memcpy(next_, data, size);
-    } else {  // most texts: in pieces that overlap, without a call
-      const auto* const from = static_cast<const std::byte*>(data);
-      std::memcpy(next_, from, 16);
-      if (size > 32) {
-        std::memcpy(next_ + 16, from + 16, 16);
-        std::memcpy(next_ + size - 32, from + size - 32, 16);
-      }
-      std::memcpy(next_ + size - 16, from + size - 16, 16);
-    }
+    copyBytes(next_, data, size);
     next_ += size;
   }
 
