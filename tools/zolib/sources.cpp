@@ -148,6 +148,11 @@ bool readLines(const std::wstring& path, std::vector<std::wstring>& lines, Repor
                 "cannot read the names in " + toUtf8(path) + because());
     return false;
   }
+  if (text.find('\0') != std::string::npos) {
+    report.fail(kFailed, "cannot read the names in " + toUtf8(path) +
+                             ": they hold zero bytes; one name per line, in UTF-8, is needed");
+    return false;
+  }
   std::string_view left = text;
   if (left.starts_with("\xEF\xBB\xBF")) left.remove_prefix(3);
   while (!left.empty()) {
