@@ -171,7 +171,9 @@ def names():
     write("b/x.txt")
     write("b/X.TXT", b"the other\n")
     os.symlink(".", "b/loop")
-    run("create", "b.lib", "b", code=2, err=r"zolib: left out .*; add it by itself\nb\.lib: 1 added.*")
+    said = r"zolib: left out b/(x|X)\.(txt|TXT): b/(?!\1)[xX]\.\w+ is .*; rename one of them\nb\.lib: 1 added.*"
+    run("create", "b.lib", "b", code=2, err=said)
+    run("add", "ö.lib", "parts", "parts/old.bak", "./parts/old.bak", err=".*5 added.*")  # named twice is no fault
     odd = ["[x]", "[x,y]", "{}", "add", "-b", "--json"]  # to the command line they could be more than names
     for name in odd:
         write(name, name.encode())
