@@ -120,6 +120,7 @@ def exit_codes():
     """Command line, exit code, and the one line that is said."""
     write("no.lib", b"this is no library, but long enough to look like one\n" * 3)
     write("a.txt")
+    write("utf16.txt", "a.txt".encode("utf-16"))
     run("create", "a.lib", "a.txt", "-q", err="")
     for args, code, said in (
         ([], 7, "say what to do"), (["frobnicate"], 7, "there is no verb frobnicate"), (["list"], 7, ".*LIBRARY.*"),
@@ -141,11 +142,13 @@ def exit_codes():
         (["add", "a.lib", "-", "--name", "../x"], 2, "cannot add -: it leads out .*; give another --name"),
         (["rename", "a.lib", "a.txt", "con"], 2, "cannot rename .* to con: it names a device"),
         (["info", "a.lib", "--dot", "none/x"], 2, r"cannot write none/x: (?!it was refused).*"),
+        (["extract", "a.lib", "-o", "no.lib"], 2, "no.lib is a file; .*"),
+        (["add", "a.lib", "--files-from", "utf16.txt"], 2, ".*zero bytes; .* UTF-8.*"),
         (["create", "none/b.lib", "a.txt"], 2, r"cannot open none/b\.lib: .*; .*"),
     ):
         # One line for the failure; what else is said is no failure's.
         run(*args, code=code, out="", err=rf"zolib: {said}(; see `zolib help`)?\n([^z].*: .*\n)?")
-    assert files() == ["a.lib", "a.txt", "no.lib"], files()
+    assert files() == ["a.lib", "a.txt", "no.lib", "utf16.txt"], files()
     for args, begin in ((["help"], "Keeps"), (["--help"], "Keeps"), (["help", "x"], "Write"), (["x", "--help"], "Write"),
                         (["version"], "zolib 0"), (["--version"], "zolib 0")):
         assert run(*args, err="").decode().startswith(begin), args
@@ -168,7 +171,9 @@ def names():
     write("b/x.txt")
     write("b/X.TXT", b"the other\n")
     os.symlink(".", "b/loop")
-    run("create", "b.lib", "b", code=2, err=r"zolib: left out .*; add it by itself\nb\.lib: 1 added.*")
+    said = r"zolib: left out b/(x|X)\.(txt|TXT): b/(?!\1)[xX]\.\w+ is .*; rename one of them\nb\.lib: 1 added.*"
+    run("create", "b.lib", "b", code=2, err=said)
+    run("add", "ö.lib", "parts", "parts/old.bak", "./parts/old.bak", err=".*5 added.*")  # named twice is no fault
     odd = ["[x]", "[x,y]", "{}", "add", "-b", "--json"]  # to the command line they could be more than names
     for name in odd:
         write(name, name.encode())

@@ -173,10 +173,10 @@ std::string helpOf(const CLI::App& app) {
 std::size_t distance(std::string_view from, std::string_view to) {
   std::vector<std::size_t> row(to.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < from.size(); ++i) {
+  for (const char letter : from) {
     std::size_t before = row[0]++;
     for (std::size_t k = 0; k < to.size(); ++k) {
-      const std::size_t replaced = before + (from[i] != to[k]);
+      const std::size_t replaced = before + (letter != to[k]);
       before = row[k + 1];
       row[k + 1] = std::min({replaced, before + 1, row[k] + 1});
     }

@@ -115,6 +115,12 @@ class Extractor {
 void extract(const Options& options, Report& report) {
   Session session(options, report);
   if (!session.openToRead()) return;
+  const ZoFileName root(shellPath(options.output));
+  const unsigned int target = root.isEmpty() ? 0 : ZoSystem::fileSystem().getAttributes(root);
+  if (target && !(target & FILE_ATTRIBUTE_DIRECTORY)) {
+    report.fail(kFailed, toUtf8(options.output) + " is a file; name a folder to extract to");
+    return;
+  }
   const std::vector<ZoLibEntry> entries = session.select(Session::kLive);
   const std::vector<bool> hidden = Session::hidden(entries);
   std::uint64_t total = 0;

@@ -5,7 +5,7 @@
 #include <zo/system/registry.h>
 
 #include <algorithm>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "cancel.h"
 #include "glob.h"
@@ -20,7 +20,7 @@ constexpr unsigned int kLinkAttribute = FILE_ATTRIBUTE_REPARSE_POINT;
 std::wstring fullPath(const std::wstring& path) {
   ZoFileName full;
   ZoSystem::fileSystem().getFullPathName(ZoFileName(path), full);
-  return folded(full.view());
+  return std::wstring(full.view());
 }
 
 // One walk over all that the options name.
@@ -29,7 +29,7 @@ class Walk {
   Walk(const Options& options, Report& report)
       : report_(report),
         selection_({}, options.include, options.exclude),
-        library_(fullPath(shellPath(options.library))) {}
+        library_(folded(fullPath(shellPath(options.library)))) {}
 
   // A name as the user gave it.
   void addNamed(const std::wstring& name) {
@@ -103,10 +103,14 @@ class Walk {
     const std::wstring key = folded(member);
     if (!selection_.includes(key) || selection_.excludes(key)) return;
     const std::wstring path(find.path());
-    if (fullPath(path) == library_) return;  // not into itself
-    if (!members_.insert(key).second) {
-      report_.fail(kFailed, "left out " + toUtf8(path) + ": another file is " + toUtf8(member) +
-                                " already (case does not count); add it by itself");
+    const std::wstring full = fullPath(path);
+    if (folded(full) == library_) return;  // not into itself
+    const auto [first, isNew] = members_.try_emplace(key, path);
+    if (!isNew) {
+      if (fullPath(first->second) == full) return;  // named twice
+      report_.fail(kFailed, "left out " + toUtf8(path) + ": " + toUtf8(first->second) +
+                                " is the member " + toUtf8(member) +
+                                " already (case does not count); rename one of them");
       return;
     }
     found_.push_back({path, member, static_cast<std::uint64_t>(find.size()), find.lastWriteTime()});
@@ -116,7 +120,7 @@ class Walk {
   Selection selection_;
   std::wstring library_;
   std::vector<Source> found_;
-  std::unordered_set<std::wstring> members_;
+  std::unordered_map<std::wstring, std::wstring> members_;  // their files, by folded name
 };
 
 bool readAllInput(std::string& text) {
@@ -146,6 +150,11 @@ bool readLines(const std::wstring& path, std::vector<std::wstring>& lines, Repor
     const bool missing = GetLastError() == ERROR_FILE_NOT_FOUND;
     report.fail(missing ? kNotFound : kFailed,
                 "cannot read the names in " + toUtf8(path) + because());
+    return false;
+  }
+  if (text.find('\0') != std::string::npos) {
+    report.fail(kFailed, "cannot read the names in " + toUtf8(path) +
+                             ": they hold zero bytes; one name per line, in UTF-8, is needed");
     return false;
   }
   std::string_view left = text;
