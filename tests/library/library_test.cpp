@@ -68,6 +68,10 @@ struct Model {
 }  // namespace
 
 TEST_F(LibraryTest, HoldsWhatAModelHoldsThroughAnyOperations) {
+  // At a path that is longer than the platform's plain ones.
+  const std::wstring folder = std::wstring(150, L'l') + L"\\" + std::wstring(150, L'p');
+  ASSERT_EQ(fs().createDirectory(name(folder)), 0);
+  path_ = name(folder + L"\\parts.lib");
   for (const unsigned seed : {1U, 2U, 3U}) {
     std::mt19937 random(seed);
     const auto below = [&random](unsigned n) { return random() % n; };
@@ -76,7 +80,7 @@ TEST_F(LibraryTest, HoldsWhatAModelHoldsThroughAnyOperations) {
                                                   L"dir/c.dwg", L"dir/C.dwh", L"\x00E4\x00F6.txt"};
       return std::wstring(kNames[below(6)]);
     };
-    DeleteFileW(path_.fullName());
+    fs().erase(path_, ZoFileSystem::kFile);
     Model model;
     ZoLibrary library;
     ASSERT_EQ(openForWriting(library), 0);

@@ -15,9 +15,10 @@ constexpr DWORD kReaderShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_D
 constexpr DWORD kWriterShare = FILE_SHARE_READ | FILE_SHARE_DELETE;
 constexpr DWORD kPollInterval = 20;  // ms: there is no waiting for a file
 
+// Without the platform's prefix for long ones, with which it would be no ZoFileName.
 std::wstring fullPathOf(const ZoFileName& name) {
   const ZoFileName alias = name.isURL() ? name.localAlias() : ZoFileName();
-  const SystemPath path(alias.isEmpty() ? name.fullName() : alias.fullName());
+  const wchar_t* const path = alias.isEmpty() ? name.fullName() : alias.fullName();
   return textOf(
       [&](DWORD size, wchar_t* buffer) { return fileApi().fullPath(path, size, buffer); });
 }
