@@ -37,8 +37,7 @@ void begin() {
 
 void zolib(benchmark::State& state, const std::vector<std::string>& arguments) {
   zolib::Console console;
-  if (zolib::runCommandLine(arguments, console) != zolib::kOk)
-    state.SkipWithError("zolib failed");
+  if (zolib::runCommandLine(arguments, console) != zolib::kOk) state.SkipWithError("zolib failed");
 }
 
 void pack(benchmark::State& state) {

@@ -14,7 +14,7 @@ namespace zo {
 
 namespace {
 
-constexpr std::uint64_t kSmall = 256 * 1024;
+constexpr std::uint64_t kSmall = 256 << 10;
 
 // The SDK reads and writes through structures of C whose first member holds the functions.
 struct Input {

@@ -184,8 +184,7 @@ void Change::takeBack() noexcept {
   LibraryFile& file = core_.file;
   core_.isIndexed = false;
   if (marked_) {
-    const unsigned char flags =
-        static_cast<unsigned char>(core_.index.at(marked_)->record.flags & 0xFF);
+    const auto flags = static_cast<unsigned char>(core_.index.at(marked_)->record.flags & 0xFF);
     if (isGateTouched_) static_cast<void>(file.write(marked_ + kFlagsAt, {&flags, 1}));
     if (file.size() > sizeBefore_) static_cast<void>(file.cut(sizeBefore_));
   } else if (file.size() > begin_ && !file.cut(begin_) && isGateTouched_) {

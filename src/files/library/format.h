@@ -74,7 +74,7 @@ struct ContentTrailer {
 struct RawEntry {
   std::uint64_t position = 0;
   EntryRecord record = {};
-  std::string name = {};        // record.nameLength bytes of the ANSI code page
+  std::string name;             // record.nameLength bytes of the ANSI code page
   ContentTrailer trailer = {};  // zeros for data that is not compressed
 
   [[nodiscard]] std::uint64_t dataPosition() const { return position + kRecordSize + name.size(); }

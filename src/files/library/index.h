@@ -29,24 +29,24 @@ class LibraryIndex {
   // Makes room for so many.
   void reserve(std::size_t count);
   // Entries come in the order of the file.
-  void add(const RawEntry& entry);
+  void add(const RawEntry& raw);
   // A new record and name for the entry at that position.
-  void replace(const RawEntry& entry);
+  void replace(const RawEntry& raw);
   void clearFlags(std::uint64_t position, std::uint16_t flags);
   void removeLast();
 
   [[nodiscard]] const std::vector<IndexEntry>& entries() const { return entries_; }
   [[nodiscard]] std::wstring_view name(const IndexEntry& entry) const;
   // The first live entry, or the last deleted one; null for none.
-  [[nodiscard]] const IndexEntry* findLive(std::wstring_view name) const;
-  [[nodiscard]] const IndexEntry* findDeleted(std::wstring_view name) const;
-  [[nodiscard]] std::vector<const IndexEntry*> allLive(std::wstring_view name) const;
+  [[nodiscard]] const IndexEntry* findLive(std::wstring_view wanted) const;
+  [[nodiscard]] const IndexEntry* findDeleted(std::wstring_view wanted) const;
+  [[nodiscard]] std::vector<const IndexEntry*> allLive(std::wstring_view wanted) const;
   [[nodiscard]] const IndexEntry* at(std::uint64_t position) const;
 
  private:
   [[nodiscard]] std::size_t& bucket(std::size_t hash);
   [[nodiscard]] std::size_t newest(std::size_t hash) const;
-  [[nodiscard]] bool isNamed(const IndexEntry& entry, std::wstring_view name,
+  [[nodiscard]] bool isNamed(const IndexEntry& entry, std::wstring_view wanted,
                              std::size_t hash) const;
   void keepName(IndexEntry& entry, std::string_view bytes);
   void link(std::size_t number);

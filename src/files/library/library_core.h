@@ -73,10 +73,10 @@ class LibraryCore {
   LibraryCore();
   ~LibraryCore();
 
-  static constexpr std::size_t kPiece = 64 * 1024;  // larger ones leave the cache
+  static constexpr std::size_t kPiece = std::size_t{64} << 10;  // larger ones leave the cache
 
   // ---- Opening, closing, what is there (library_core.cpp) ----
-  int open(const ZoFileName& name, int access, ZoFile::CreationMode mode, unsigned int timeOut);
+  int open(const ZoFileName& library, int access, ZoFile::CreationMode mode, unsigned int timeOut);
   int close();
   [[nodiscard]] bool isOpen() const noexcept { return file.isOpen(); }
   // 1, 3 for a URL, 1004.
@@ -121,7 +121,7 @@ class LibraryCore {
 
   // ---- Reading members (extract.cpp) ----
   // 0, 1000 when the check value does not hold, 1.
-  int readMember(const RawEntry& entry, ByteSink& out, Progress& progress);
+  int readMember(const RawEntry& entry, ByteSink& out, Progress& watched);
   int extract(const ZoFileName& member, const ZoFileName& target);
   int verify(const ZoLibEntry& entry);
 

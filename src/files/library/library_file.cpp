@@ -21,7 +21,7 @@ std::uint64_t joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 |
 bool reportFailure(const wchar_t* operation) noexcept {
   try {
     ZoSystem::fileSystem().errorIO(operation);
-  } catch (...) {  // without memory the reason is lost, not the failure
+  } catch (...) {  // NOLINT(bugprone-empty-catch): without memory only the reason is lost
   }
   return false;
 }

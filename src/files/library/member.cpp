@@ -9,7 +9,7 @@
 namespace zo {
 namespace {
 
-constexpr std::size_t kMostMemory = 64 * 1024 * 1024;
+constexpr std::size_t kMostMemory = std::size_t{64} << 20;
 
 // Gone with its last handle.
 bool openTemporary(ZoFile& file) {
@@ -72,22 +72,22 @@ bool LibraryMember::isUsable() const noexcept {
   return core_->isOpen() && core_->opening == opening_ && !place_.isGone;
 }
 
-std::shared_ptr<LibraryMember> LibraryMember::openToRead(std::shared_ptr<LibraryCore> core,
+std::shared_ptr<LibraryMember> LibraryMember::openToRead(const std::shared_ptr<LibraryCore>& core,
                                                          const ZoFileName& name, int& code) {
   code = core->mayRead(&name);
   if (code) return nullptr;
-  std::shared_ptr<LibraryMember> member(new LibraryMember(core, name));
+  const std::shared_ptr<LibraryMember> member(new LibraryMember(core, name));
   code = core->find(name, member->place_.entry);
   if (!code && !member->load()) code = ZoResult::refused;
   return code ? nullptr : member;
 }
 
-std::shared_ptr<LibraryMember> LibraryMember::openToWrite(std::shared_ptr<LibraryCore> core,
+std::shared_ptr<LibraryMember> LibraryMember::openToWrite(const std::shared_ptr<LibraryCore>& core,
                                                           const ZoFileName& name, int level,
                                                           int& code) {
   code = core->mayWrite(&name);
   if (code) return nullptr;
-  std::shared_ptr<LibraryMember> member(new LibraryMember(core, name));
+  const std::shared_ptr<LibraryMember> member(new LibraryMember(core, name));
   std::string bytes;
   member->kind_ = Kind::kWritten;
   member->level_ = level;
@@ -109,7 +109,7 @@ bool LibraryMember::load() {
 
 std::shared_ptr<LibraryMember> LibraryMember::again() const {
   if (isWriting() || !isUsable()) return nullptr;
-  std::shared_ptr<LibraryMember> member(new LibraryMember(core_, name_));
+  const std::shared_ptr<LibraryMember> member(new LibraryMember(core_, name_));
   member->place_.entry = place_.entry;
   return member->load() ? member : nullptr;
 }

@@ -12,9 +12,9 @@ namespace zo {
 class LibraryMember {
  public:
   // Opens a member of the library; null with a code of zo/files/library.h.
-  static std::shared_ptr<LibraryMember> openToRead(std::shared_ptr<LibraryCore> core,
+  static std::shared_ptr<LibraryMember> openToRead(const std::shared_ptr<LibraryCore>& core,
                                                    const ZoFileName& name, int& code);
-  static std::shared_ptr<LibraryMember> openToWrite(std::shared_ptr<LibraryCore> core,
+  static std::shared_ptr<LibraryMember> openToWrite(const std::shared_ptr<LibraryCore>& core,
                                                     const ZoFileName& name, int level, int& code);
   ~LibraryMember();
   LibraryMember(const LibraryMember&) = delete;

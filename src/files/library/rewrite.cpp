@@ -63,7 +63,7 @@ std::vector<Range> keptRanges(const LibraryIndex& index,
 
 bool copyRanges(LibraryFile& from, const std::vector<Range>& ranges, LibraryFile& to,
                 Progress& progress) {
-  std::unique_ptr<unsigned char[]> buffer(new unsigned char[kBuffer]);
+  const std::unique_ptr<unsigned char[]> buffer(new unsigned char[kBuffer]);
   std::uint64_t at = kHeaderSize;
   for (const Range& range : ranges) {
     for (std::uint64_t next = range.begin; next < range.end;) {

@@ -32,7 +32,7 @@ class Salvage {
       const bool isEntry = readEntry(window_, at, entry) == ScanEnd::kFileEnd;
       const std::uint64_t next = isEntry ? take(entry) : at + 1;
       at = isEntry && next == entry.end() ? next : findEntry(window_, next, from_.header.counter());
-      if (window_.takeFailure()) tell(RawEntry{.position = next}, 1);
+      if (window_.takeFailure()) tell(RawEntry{.position = next, .name = {}}, 1);
       if (isStopped_) return ZoResult::refused;
     }
     if (!progress_.finish()) return ZoResult::refused;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kFirstRead = 4096;
 constexpr int kMostFailures = 1000;  // in a row: then the device is gone
-constexpr std::uint64_t kNear = 64 * 1024;
+constexpr std::uint64_t kNear = std::uint64_t{64} << 10;
 
 std::span<const unsigned char, kRecordSize> recordAt(const unsigned char* at) {
   return std::span<const unsigned char, kRecordSize>(at, kRecordSize);

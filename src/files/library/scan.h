@@ -18,7 +18,7 @@ namespace zo {
 // Reads ahead as far as it pays.
 class ReadWindow {
  public:
-  static constexpr std::size_t kSize = 256 * 1024;
+  static constexpr std::size_t kSize = std::size_t{256} << 10;
 
   // `size` bytes of the store at most.
   ReadWindow(ByteStore& store, std::uint64_t size);

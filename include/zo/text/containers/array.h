@@ -166,7 +166,9 @@ class ZoArray : public ZoSequence<T> {
   [[nodiscard]] const ZoVArray& engine() const noexcept { return array_; }
 
  protected:
-  T* locate(unsigned i) const noexcept final { return i < array_.entries_ ? cells() + i : nullptr; }
+  [[nodiscard]] T* locate(unsigned i) const noexcept final {
+    return i < array_.entries_ ? cells() + i : nullptr;
+  }
   int take(unsigned i, T* out) final { return array_.removeAt(i, out); }
 
  private:

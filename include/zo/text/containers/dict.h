@@ -119,7 +119,7 @@ class ZoDict : public ZoContainer<T> {
   ZoDict(const ZoDict&) = default;
   ZoDict& operator=(const ZoDict&) = default;
 
-  virtual T* locate(const K& key) const = 0;  // the value, or null
+  [[nodiscard]] virtual T* locate(const K& key) const = 0;  // the value, or null
   virtual int take(const K& key,
                    T* out) = 0;  // removes; moves the value to *out unless that is null
 };

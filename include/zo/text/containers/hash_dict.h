@@ -188,7 +188,7 @@ class ZoHashDict : public ZoDict<T, K> {
   [[nodiscard]] const H& policy() const noexcept { return policy_; }
 
  protected:
-  T* locate(const K& key) const final { return valueOf(find(formOf(key))); }
+  [[nodiscard]] T* locate(const K& key) const final { return valueOf(find(formOf(key))); }
   int take(const K& key, T* out) final {
     const ZoHashKey<K> adapter(policy_);
     return hash_.removeAt(&key, out, &adapter);
@@ -213,7 +213,7 @@ class ZoHashDict : public ZoDict<T, K> {
     if constexpr (zo::LookUpForm<H, K>) {
       return H::lookUpForm(key);
     } else {
-      return static_cast<const K&>(key);
+      return static_cast<const K&>(key);  // NOLINT(readability-redundant-casting): a reference
     }
   }
   template <class Form>

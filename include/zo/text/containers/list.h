@@ -220,7 +220,9 @@ class ZoList : public ZoSequence<T> {
   [[nodiscard]] const ZoVList& engine() const noexcept { return list_; }
 
  protected:
-  T* locate(unsigned i) const noexcept final { return elementOf(list_.getNodeAtIndex(i)); }
+  [[nodiscard]] T* locate(unsigned i) const noexcept final {
+    return elementOf(list_.getNodeAtIndex(i));
+  }
   int take(unsigned i, T* out) final { return list_.removeAt(i, out); }
 
  private:

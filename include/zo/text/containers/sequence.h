@@ -146,7 +146,7 @@ class ZoSequence : public ZoContainer<T> {
   ZoSequence(const ZoSequence&) = default;
   ZoSequence& operator=(const ZoSequence&) = default;
 
-  virtual T* locate(unsigned i) const = 0;  // null when out of range
+  [[nodiscard]] virtual T* locate(unsigned i) const = 0;  // null when out of range
   virtual int take(unsigned i,
                    T* out) = 0;  // removes; moves the element to *out unless that is null
 };

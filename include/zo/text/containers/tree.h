@@ -191,7 +191,7 @@ class ZoTree : public ZoDict<T, K> {
   [[nodiscard]] const ZoVTree& engine() const noexcept { return tree_; }
 
  protected:
-  T* locate(const K& key) const final {
+  [[nodiscard]] T* locate(const K& key) const final {
     ZoVTreeNode* const node = find(key);
     return node ? valueOf(node) : nullptr;
   }
