@@ -40,25 +40,15 @@ void zolib(benchmark::State& state, const std::vector<std::string>& arguments) {
   if (zolib::runCommandLine(arguments, console) != zolib::kOk) state.SkipWithError("zolib failed");
 }
 
-void pack(benchmark::State& state) {
-  zolib(state, {"create", "packed.lib", "tree", "--mode", "best", "-q"});
+// A name that nothing had yet: a file system is slow to make files where it deleted some just now.
+std::string fresh(const std::string& name) {
+  static int s_count = 0;
+  return name + std::to_string(++s_count);
 }
 
 void addOne(benchmark::State& state, const char* library) {
   begin();
   for (auto _ : state) zolib(state, {"add", library, "100KB.bin", "--mode", "store", "-q"});
-}
-
-// Lets one iteration have its own target, which is removed outside the measured time.
-template <class Work>
-void withFreshTarget(benchmark::State& state, const char* target, const Work& work) {
-  begin();
-  for (auto _ : state) {
-    work();
-    state.PauseTiming();
-    fs::remove_all(target);
-    state.ResumeTiming();
-  }
 }
 
 void listAll(benchmark::State& state) {
@@ -73,27 +63,32 @@ void readOne(benchmark::State& state) {
 }
 
 void packTree(benchmark::State& state) {
-  withFreshTarget(state, "packed.lib", [&] { pack(state); });
+  begin();
+  for (auto _ : state) zolib(state, {"create", fresh("packed"), "tree", "--mode", "best", "-q"});
 }
 
 void unpackTree(benchmark::State& state) {
   begin();
-  if (!fs::exists("tree.lib")) {  // which of the two runs first is left to chance
-    pack(state);
-    fs::rename("packed.lib", "tree.lib");
-  }
-  withFreshTarget(state, "out", [&] { zolib(state, {"extract", "tree.lib", "-q", "-o", "out"}); });
+  if (!fs::exists("tree.lib")) zolib(state, {"create", "tree.lib", "tree", "--mode", "best", "-q"});
+  for (auto _ : state) zolib(state, {"extract", "tree.lib", "-q", "-o", fresh("out")});
+}
+
+void extractMany(benchmark::State& state) {
+  begin();
+  for (auto _ : state) zolib(state, {"extract", "10000.lib", "-q", "-o", fresh("out")});
 }
 
 // What the platform alone takes to make the same files, each under another name first.
 void plainFiles(benchmark::State& state) {
-  withFreshTarget(state, "out", [&] {
-    const std::string content(600, 'x');
-    fs::create_directory("out");
+  begin();
+  const std::string content(600, 'x');
+  for (auto _ : state) {
+    const std::string out = fresh("out");
+    fs::create_directory(out);
     for (int i = 0; i < 10'000; ++i) {
-      const std::wstring folder = L"out\\folder" + std::to_wstring(i % 100);
+      const fs::path folder = fs::path(out) / ("folder" + std::to_string(i % 100));
       if (i < 100) fs::create_directory(folder);
-      const std::wstring name = folder + L"\\part" + std::to_wstring(i);
+      const std::wstring name = (folder / ("part" + std::to_string(i))).wstring();
       const HANDLE file = CreateFileW((name + L".tmp").c_str(), GENERIC_WRITE, 0, nullptr,
                                       CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
       DWORD done = 0;
@@ -103,11 +98,7 @@ void plainFiles(benchmark::State& state) {
       CloseHandle(file);
       MoveFileExW((name + L".tmp").c_str(), name.c_str(), 0);
     }
-  });
-}
-
-void extractMany(benchmark::State& state) {
-  withFreshTarget(state, "out", [&] { zolib(state, {"extract", "10000.lib", "-q", "-o", "out"}); });
+  }
 }
 
 // A member at the begin goes each time, so that all the rest has to move.
