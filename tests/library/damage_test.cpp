@@ -118,12 +118,8 @@ TEST_F(LibraryDamage, AllThatStandsBeforeACutIsThere) {
 
 TEST_F(LibraryDamage, AFlippedBitHarmsNoOtherMember) {
   // What nothing protects: names, times, numbers, and the bit of deletion.
-#ifdef ZO_GUARDED
-  constexpr std::size_t kStep = 13;
-#else
-  constexpr std::size_t kStep = 1;
-#endif
-  for (std::size_t bit = 0; bit < 8 * whole_.size() && !HasFailure(); bit += kStep) {
+  const std::size_t step = bySpeed(13, 1);
+  for (std::size_t bit = 0; bit < 8 * whole_.size() && !HasFailure(); bit += step) {
     SCOPED_TRACE(testing::Message() << "byte " << bit / 8 << ", bit " << bit % 8);
     const std::size_t at = bit / 8;
     std::string bytes = whole_;
@@ -152,12 +148,7 @@ TEST_F(LibraryDamage, ADamagedMemberIsNotExtracted) {
 }
 
 TEST_F(LibraryDamage, MutationsNeitherCrashNorTakeMemory) {
-#ifdef ZO_GUARDED
-  int rounds = 300;
-#else
-  int rounds = 3000;
-#endif
-  if (std::getenv("ZO_TEST_LONG")) rounds = 500'000;
+  const int rounds = isLong() ? 500'000 : bySpeed(300, 3000);
   std::mt19937 random(7);
   static_cast<void>(rescue(whole_));
   const std::size_t before = peakMemory();

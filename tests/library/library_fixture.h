@@ -4,6 +4,7 @@
 
 #include <zo/files/library.h>
 
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <random>
@@ -14,6 +15,18 @@
 #include "platform/file_api.h"
 
 namespace zo::test {
+
+// Whether long loops are asked for; and one of two sizes, the smaller for the guarded heap.
+inline bool isLong() { return std::getenv("ZO_TEST_LONG") != nullptr; }
+template <class T>
+T bySpeed(T guarded, T plain) {
+#ifdef ZO_GUARDED
+  return isLong() ? plain : guarded;
+#else
+  static_cast<void>(guarded);
+  return plain;
+#endif
+}
 
 // An entry as other programs might write it; see docs/formats/library.md.
 struct HandMade {

@@ -72,7 +72,7 @@ ZO_TEST_CHILD(libraryAdder) {
 
 // A twin that nothing befalls tells what each call makes of the library.
 TEST_F(LibraryTest, KilledProcessesLeaveTheLibraryBeforeOrAfterTheCall) {
-  const int rounds = std::getenv("ZO_TEST_LONG") ? 200 : 12;
+  const int rounds = isLong() ? 200 : 12;
   const ZoFileName twin = name(L"twin.lib");
   const std::wstring folder = folder_.path().wstring();
   std::mt19937 random(1);

@@ -14,11 +14,7 @@ constexpr const wchar_t* kPath = L"M:\\parts.lib";
 constexpr const wchar_t* kTarget = L"M:\\target";
 
 // Of all the calls, and of what may be left of the writes.
-#ifdef ZO_GUARDED
-constexpr int kEveryCall = 7, kRemainders = 3;
-#else
-constexpr int kEveryCall = 1, kRemainders = 64;
-#endif
+const int kEveryCall = bySpeed(7, 1), kRemainders = bySpeed(3, 64);
 
 constexpr std::string_view kMuch = "add much";
 
