@@ -116,7 +116,7 @@ std::vector<ZoLibEntry> Session::select(Which which, const std::vector<std::wstr
 
 std::vector<bool> Session::hidden(const std::vector<ZoLibEntry>& entries) {
   std::vector<bool> result(entries.size());
-  std::unordered_set<std::wstring> names;
+  std::unordered_set<std::wstring> names(entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i)
     result[i] = !entries[i].isDeleted() && !names.insert(folded(entries[i].name.view())).second;
   return result;
