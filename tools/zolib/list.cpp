@@ -33,6 +33,7 @@ std::string row(std::string_view size, std::string_view packed, std::string_view
                 std::string_view modified, std::string_view mode, std::string_view state,
                 std::string_view name) {
   std::string line;
+  line.reserve(80 + name.size());
   appendRight(line, size, 11);
   appendRight(line, packed, 11);
   appendRight(line, ratio, 5);
