@@ -127,6 +127,8 @@ def measure(results):
         f"Size of the packed tree: ours {ours}, 7z {theirs} bytes ({100 * ours / theirs - 100:+.2f} %); {frames} of ours",
         f"are entries and names, which the format leaves as they are: the data alone {100 * (ours - frames) / theirs - 100:+.2f} %.",
         "The file that is added reaches the disk with ours, and need not with the peers.",
+        "To make a file costs native programs a quarter of what it costs Wine's programs: plain_calls is what the platform's own",
+        "calls take for the files of Extract10000, and UnpackTree3000 has no more to do for each file.",
     ]
     results.write_text(json.dumps(data, indent=1))
 
