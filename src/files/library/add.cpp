@@ -4,14 +4,11 @@
 #include <vector>
 
 #include "files/library/change.h"
+#include "files/library/time_value.h"
 #include "persist/crc32.h"
 
 namespace zo {
 namespace {
-
-std::uint64_t number(FILETIME time) {
-  return std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
-}
 
 // What passes through on its way into the library: counted, reported, with its check value.
 class WatchedSource final : public ByteSource {
@@ -140,9 +137,9 @@ int LibraryCore::add(MemberSource& source, const ZoFileName& member, const Membe
   Progress watched = progress(source.size());
   entry.position = change.end();
   entry.record.number = change.nextNumber();
-  entry.record.created = number(times.created);
-  entry.record.accessed = number(times.accessed);
-  entry.record.written = number(times.written);
+  entry.record.created = timeValue(times.created);
+  entry.record.accessed = timeValue(times.accessed);
+  entry.record.written = timeValue(times.written);
   entry.record.nameLength = static_cast<std::uint16_t>(entry.name.size());
   const bool isOnlyCompressed = !isBatch && gone.empty() && mode == ZoLibrary::kCompress;
   if (!watched.begin() || !change.reserve(entry, !isOnlyCompressed) ||

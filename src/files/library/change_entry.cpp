@@ -2,16 +2,9 @@
 #include <algorithm>
 
 #include "files/library/change.h"
+#include "files/library/time_value.h"
 
 namespace zo {
-namespace {
-
-std::uint64_t number(FILETIME time) {
-  return std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
-}
-
-}  // namespace
-
 int LibraryCore::rename(const ZoFileName& member, const ZoFileName& newName) {
   if (const int code = mayWrite(&member)) return code;
   RawEntry renamed;
@@ -100,9 +93,9 @@ int LibraryCore::setTimes(std::uint64_t position, const MemberTimes& times) {
   const IndexEntry* const found = index.at(position);
   RawEntry entry;
   if (!found || !load(*found, entry)) return ZoResult::refused;
-  entry.record.created = number(times.created);
-  entry.record.accessed = number(times.accessed);
-  entry.record.written = number(times.written);
+  entry.record.created = timeValue(times.created);
+  entry.record.accessed = timeValue(times.accessed);
+  entry.record.written = timeValue(times.written);
   change.patch(std::move(entry));
   return change.commit();
 }

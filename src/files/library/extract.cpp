@@ -5,6 +5,7 @@
 
 #include "files/fresh_file.h"
 #include "files/library/library_core.h"
+#include "files/library/time_value.h"
 #include "files/replace_file.h"
 #include "persist/crc32.h"
 #include "persist/little_endian.h"
@@ -81,8 +82,8 @@ class Target final : public ByteSink {
   }
   // Brings it to its name. What it replaces is replaced by bytes that are on the disk.
   bool commit(const EntryRecord& record) {
-    const FILETIME created = time(record.created), accessed = time(record.accessed),
-                   written = time(record.written);
+    const FILETIME created = fileTime(record.created), accessed = fileTime(record.accessed),
+                   written = fileTime(record.written);
     if (!fileApi().setTimes(fresh_.file.get(), &created, &accessed, &written)) return false;
     const SystemPath target(name_.fullName());
     if (fileApi().rename(fresh_.file.get(), target)) {
@@ -102,11 +103,6 @@ class Target final : public ByteSink {
   }
 
  private:
-  static FILETIME time(std::uint64_t value) {
-    return {.dwLowDateTime = static_cast<DWORD>(value),
-            .dwHighDateTime = static_cast<DWORD>(value >> 32)};
-  }
-
   const ZoFileName& name_;
   FreshFile fresh_;
   bool isClosed_ = false;

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "files/library/library_core.h"
+#include "files/library/time_value.h"
 #include "files/name_compare.h"
 #include "platform/ansi.h"
 
@@ -20,11 +21,6 @@ bool isNamed(std::string_view bytes, std::wstring_view wanted) {
     if (i == wanted.size() || lowerAscii(unit) != lowerAscii(wanted[i])) return false;
   }
   return bytes.size() == wanted.size();
-}
-
-FILETIME fileTime(std::uint64_t time) {
-  return {.dwLowDateTime = static_cast<DWORD>(time),
-          .dwHighDateTime = static_cast<DWORD>(time >> 32)};
 }
 
 ZoLibEntry describe(std::uint64_t position, const EntryRecord& record,

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "files/library/time_value.h"
 #include "platform/system_path.h"
 
 namespace zo {
@@ -13,8 +14,6 @@ namespace {
 constexpr std::size_t kLargestCall = std::size_t{1} << 30;  // a call's size has 32 bits
 constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
 constexpr std::uint64_t kLockAt = std::uint64_t{1} << 62;  // where no file has bytes
-
-std::uint64_t joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
 
 }  // namespace
 
@@ -47,8 +46,7 @@ bool LibraryFile::look(Signature& signature) noexcept {
       !fileApi().times(file_.get(), nullptr, nullptr, &written)) {
     return reportFailure(L"size");
   }
-  seen_ = {.size = static_cast<std::uint64_t>(size),
-           .written = joined(written.dwHighDateTime, written.dwLowDateTime)};
+  seen_ = {.size = static_cast<std::uint64_t>(size), .written = timeValue(written)};
   signature = seen_;
   return true;
 }
@@ -56,10 +54,8 @@ bool LibraryFile::look(Signature& signature) noexcept {
 void LibraryFile::touch() noexcept {
   FILETIME now;
   GetSystemTimeAsFileTime(&now);
-  const std::uint64_t time =
-      std::max(joined(now.dwHighDateTime, now.dwLowDateTime), seen_.written + 1);
-  now = {.dwLowDateTime = static_cast<DWORD>(time),
-         .dwHighDateTime = static_cast<DWORD>(time >> 32)};
+  const std::uint64_t time = std::max(timeValue(now), seen_.written + 1);
+  now = fileTime(time);
   // What fails here is noticed later by other processes, and not lost.
   if (fileApi().setTimes(file_.get(), nullptr, nullptr, &now)) seen_.written = time;
 }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "files/library/file_source.h"
+#include "files/library/time_value.h"
 
 namespace zo {
 namespace {
@@ -55,11 +56,6 @@ class ContentSink final : public ByteSink {
 };
 
 bool isSet(FILETIME time) { return time.dwLowDateTime != 0 || time.dwHighDateTime != 0; }
-
-FILETIME fileTime(std::uint64_t time) {
-  return {.dwLowDateTime = static_cast<DWORD>(time),
-          .dwHighDateTime = static_cast<DWORD>(time >> 32)};
-}
 
 }  // namespace
 
