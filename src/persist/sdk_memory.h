@@ -14,7 +14,7 @@ namespace zo {
 extern const ISzAlloc kSdkMemory;
 
 // The C heap, with blocks kept for the next codec: fresh pages for each of many small members would
-// cost a third of the time that compressing them takes.
+// cost a quarter of the time that compressing them takes.
 //
 // Threads: one at a time.
 class ReusedMemory : private ISzAlloc {
