@@ -59,28 +59,29 @@ class ZoVariant;
 namespace zo {
 
 template <class T, class... Types>
-concept OneOf = (std::same_as<T, Types> || ...);
+concept OneOfTypes = (std::same_as<T, Types> || ...);
 
 template <class T>
-concept Character = OneOf<T, char, wchar_t, char8_t, char16_t, char32_t>;
+concept CharacterType = OneOfTypes<T, char, wchar_t, char8_t, char16_t, char32_t>;
 
 // Integers that a variant widens without loss: to int, or to 64 bits when they are unsigned and as
 // large as an int.
 template <class T>
-concept WidenedInteger = std::integral<T> && sizeof(T) < 8 && !OneOf<T, int, bool> && !Character<T>;
+concept WidenedInteger =
+    std::integral<T> && sizeof(T) < 8 && !OneOfTypes<T, int, bool> && !CharacterType<T>;
 template <WidenedInteger T>
 using Widened = std::conditional_t<(sizeof(T) < 4 || std::is_signed_v<T>), int, std::int64_t>;
 
 // What a pointer is not made for: variables that no variant refers to, and values that it would
 // hold by their address.
 template <class T>
-concept NoTarget =
-    (std::is_const_v<T> && !OneOf<T, const char, const wchar_t>) ||
+concept NoReferenceTarget =
+    (std::is_const_v<T> && !OneOfTypes<T, const char, const wchar_t>) ||
     (std::is_arithmetic_v<T> &&
-     !OneOf<T, int, std::int64_t, double, char, wchar_t, const char, const wchar_t>) ||
-    OneOf<T, const wchar_t*, ZoString, std::wstring, ZoVariant, ZoSequence<ZoVariant>,
-          ZoArray<ZoVariant>, ZoList<ZoVariant>, ZoDict<ZoVariant, ZoString>,
-          ZoHashDict<ZoVariant, ZoString>>;
+     !OneOfTypes<T, int, std::int64_t, double, char, wchar_t, const char, const wchar_t>) ||
+    OneOfTypes<T, const wchar_t*, ZoString, std::wstring, ZoVariant, ZoSequence<ZoVariant>,
+               ZoArray<ZoVariant>, ZoList<ZoVariant>, ZoDict<ZoVariant, ZoString>,
+               ZoHashDict<ZoVariant, ZoString>>;
 
 }  // namespace zo
 
@@ -189,7 +190,7 @@ class ZO_COM_API ZoVariant {
   ZoVariant(T, Rest...) = delete;  // it may not fit: write static_cast<std::int64_t>(value)
   template <std::same_as<long double> T, class... Rest>
   ZoVariant(T, Rest...) = delete;  // it would lose digits: write static_cast<double>(value)
-  template <zo::Character T, class... Rest>
+  template <zo::CharacterType T, class... Rest>
   ZoVariant(T, Rest...) = delete;  // for a text write ZoString(c), for the number int{c}
   template <class T, class... Rest>
     requires(std::is_enum_v<T> && !std::same_as<T, Type>)
@@ -199,9 +200,9 @@ class ZO_COM_API ZoVariant {
   ZoVariant(const T&, Rest...) = delete;  // narrow text: make a ZoString of it
   template <std::same_as<ZoColor> T, class... Rest>
   ZoVariant(const T&, Rest...) = delete;  // no kind for colours: write color.toString()
-  template <zo::OneOf<ZoPlane, ZoMatrix, ZoCoSystem> T, class... Rest>
+  template <zo::OneOfTypes<ZoPlane, ZoMatrix, ZoCoSystem> T, class... Rest>
   ZoVariant(const T&, Rest...) = delete;  // no kind for it: store its points and vectors
-  template <zo::NoTarget T, class... Rest>
+  template <zo::NoReferenceTarget T, class... Rest>
   explicit ZoVariant(T*, Rest...) = delete;  // write *pointer; no reference to such a variable
   template <class... Rest>
   ZoVariant(std::nullptr_t, Rest...) = delete;  // write ZoVariant() for nothing, L"" for no text
