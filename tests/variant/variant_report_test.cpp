@@ -78,9 +78,17 @@ TEST(VariantReport, IsAListOfChangesWhosePathsLeadToTheValues) {
     "a" = Dict { "x/y" = Int 2 "z" = Sequence [Int 1 Int 5 Int 7] }
     "c/" = Dict { "" = Int 1 } })");
   const ZoVariantReport report(before, after);
-  EXPECT_EQ(report.asVariant().entries(), 6u);
+  const ZoVariant rows = report.asVariant();
+  EXPECT_EQ(rows.entries(), 6u);
   ZoVariant patched = before;
+  unsigned int n = 0;
   for (const Change& change : report.changes()) {
+    const wchar_t* const words[] = {L"", L"Added", L"Removed", L"Changed"};
+    const ZoVariant& row = *rows.at(n++);
+    EXPECT_EQ(row.text(L"Change"), words[change.kind]);
+    EXPECT_EQ(row.text(L"Path"), change.path);
+    EXPECT_TRUE(row.value(L"Before") == change.before && row.value(L"After") == change.after);
+    EXPECT_EQ(row.entries(), change.kind == Change::kChanged ? 4u : 3u);
     const ZoVariant* const old = before.find(change.path);
     const ZoVariant* const now = after.find(change.path);
     EXPECT_EQ(old ? *old : ZoVariant(), change.before);

@@ -61,7 +61,7 @@ class ZO_COM_API ZoVariantReport {
   [[nodiscard]] unsigned int count(ZoVariantChange::Kind kind) const noexcept;
 
   // A sequence with a dictionary for each change: "Change" ("Added", "Removed" or "Changed"),
-  // "Path", and "Before" and "After" where there is one.
+  // "Path", and "Before" and "After" where there is one. It is two levels deeper than these.
   [[nodiscard]] ZoVariant asVariant() const;
   // A line for each change, '+', '-' or '*' in front of the path; the values follow in their text
   // forms, over several lines where they take several; the type and "..." stand for those that are
