@@ -240,7 +240,7 @@ void parse(benchmark::State& state) {
   const ZoString text = ourTree().format();
   for (auto _ : state) {
     ZoVariant tree;
-    tree.parse(text);
+    (void)tree.parse(text);
     benchmark::DoNotOptimize(tree);
   }
 }

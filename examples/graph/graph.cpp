@@ -98,16 +98,12 @@ void addTree(ZoDottyGraph& graph, const ZoVariant& value) {
 }
 
 ZoDottyGraph treeGraph() {
-  ZoVariant part;
-  part.put(L"name", ZoVariant(L"screw"));
-  part.put(L"standard", ZoVariant(L"ISO 4014"));
-  part.put(L"sizes", ZoVariant(ZoArray<ZoVariant>{}));
-  for (const double length : {40.0, 60.0}) {
-    ZoVariant size;
-    size.put(L"thread", ZoVariant(L"M8"));
-    size.put(L"length", ZoVariant(length, ZoTypeCode::Length));
-    part.put(L"sizes/" + std::to_wstring(part.find(L"sizes")->entries()), size);
-  }
+  using Dict = ZoHashDict<ZoVariant, ZoString>;
+  ZoArray<ZoVariant> sizes;
+  for (const double length : {40.0, 60.0})
+    sizes.emplace(Dict{{L"thread", L"M8"}, {L"length", ZoVariant(length, ZoTypeCode::Length)}});
+  const ZoVariant part(
+      Dict{{L"name", L"screw"}, {L"standard", L"ISO 4014"}, {L"sizes", std::move(sizes)}});
   ZoDottyGraph graph;
   graph.addNote(L"A part as a variant");
   addTree(graph, part);

@@ -67,8 +67,7 @@ class Watch : public ZoSystemReactor {
 };
 
 int announce(ZoSysNotice notice) {
-  ZoVariant data(ZoVariant::kDict);
-  data.put(L"Module", kModule);
+  const ZoVariant data(ZoHashDict<ZoVariant, ZoString>{{L"Module", kModule}});
   return ZoSystem::sysDisp().sendNotice(notice, data);
 }
 

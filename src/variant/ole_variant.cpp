@@ -250,8 +250,9 @@ class ArrayReader {
 
   int read(ZoVariant& out) {
     const UINT dimensions = SafeArrayGetDim(array_);
-    if (dimensions == 0 || dimensions > depthLeft_) return ZoResult::refused;
+    if (dimensions == 0) return ZoResult::refused;
     elementSize_ = SafeArrayGetElemsize(array_);
+    if (elementSize_ < sizeOf(type_)) return ZoResult::refused;
     size_t stride = elementSize_;
     for (UINT d = 1; d <= dimensions; ++d) {
       LONG lower = 0;
@@ -271,6 +272,7 @@ class ArrayReader {
       const int result = readDict(data, out);
       if (result != kNoDict) return result;
     }
+    if (dimensions > depthLeft_) return ZoResult::refused;  // a sequence for each
     // However many rows of nothing there are.
     if (stride == 0) {
       out = ZoVariant(ZoVariant::kSequence);
@@ -287,6 +289,13 @@ class ArrayReader {
     size_t stride;
   };
 
+  // What is read of an element whatever the array says of its size.
+  static size_t sizeOf(VARTYPE type) noexcept {
+    if (type == VT_VARIANT) return sizeof(VARIANT);
+    if (type == VT_DECIMAL) return sizeof(DECIMAL);
+    return type == VT_R8 ? sizeof(double) : 1;
+  }
+
   static int readPoint(const unsigned char* data, ZoVariant& out) {
     double c[3];
     std::memcpy(c, data, sizeof c);
@@ -302,12 +311,17 @@ class ArrayReader {
     for (size_t row = 0; row < rows; ++row) {
       if (keys[row].vt != VT_BSTR) return kNoDict;
     }
+    // All keys before any value: no value is read twice, whatever becomes of the array.
+    std::vector<ZoVariant*> places;
     for (size_t row = 0; row < rows; ++row) {
-      ZoVariant element;
-      if (const int result = fromOle(keys[rows + row], element, depthLeft_ - 1)) return result;
-      const int result = dict.insertAt(ZoString(viewOf(keys[row].bstrVal)), std::move(element));
+      ZoString key(viewOf(keys[row].bstrVal));
+      const int result = dict.insertAt(key, ZoVariant());
       if (result == ZoResult::refused) return kNoDict;
       if (result != ZoResult::ok) throw std::bad_alloc();
+      places.push_back(dict.at(key));
+    }
+    for (size_t row = 0; row < rows; ++row) {
+      if (const int result = fromOle(keys[rows + row], *places[row], depthLeft_ - 1)) return result;
     }
     out = ZoVariant(std::move(dict));
     return ZoResult::ok;
@@ -333,8 +347,7 @@ class ArrayReader {
     if (type_ == VT_VARIANT)
       return fromOle(*reinterpret_cast<const VARIANT*>(data), out, depthLeft);
     // As a VARIANT that only looks at the element.
-    VARIANT element;
-    VariantInit(&element);
+    VARIANT element{};
     if (type_ == VT_DECIMAL) {
       std::memcpy(&element, data, sizeof(DECIMAL));
     } else {

@@ -121,7 +121,7 @@ double ZoVariant::real() const noexcept {
   return isReference() ? *payload_.realRef : payload_.real;
 }
 
-std::wstring_view ZoVariant::text() const noexcept {
+std::wstring_view ZoVariant::view() const noexcept {
   if (!isReference()) return ownText().view();
   const wchar_t* const text = *payload_.textRef;
   return text ? std::wstring_view(text) : std::wstring_view();
@@ -138,7 +138,7 @@ int ZoVariant::get(std::int64_t& out) const noexcept {
     case kReal:
       return toBigInt(real(), out);
     case kString:
-      return toBigInt(text(), out);
+      return toBigInt(view(), out);
     default:
       return ZoResult::refused;
   }
@@ -160,7 +160,7 @@ int ZoVariant::get(double& out) const noexcept {
       out = real();
       return ZoResult::ok;
     case kString:
-      return toReal(text(), out);
+      return toReal(view(), out);
     default:
       return ZoResult::refused;
   }
@@ -178,7 +178,7 @@ int ZoVariant::get(ZoString& out) const {
       out = ZoRealToStr(real());
       return ZoResult::ok;
     case kString:
-      out = isReference() ? ZoString(text()) : ownText();
+      out = isReference() ? ZoString(view()) : ownText();
       return ZoResult::ok;
     case kPointer:
       out = textOf(payload_.pointer);
@@ -213,7 +213,7 @@ int ZoVariant::get(ZoPoint& out) const noexcept {
     out = *payload_.point;
   } else if (type() == kVector) {
     out = ZoPoint(*payload_.vector);
-  } else if (type() == kString && toComponents(text(), components) == ZoResult::ok) {
+  } else if (type() == kString && toComponents(view(), components) == ZoResult::ok) {
     out = ZoPoint(components[0], components[1], components[2]);
   } else {
     return ZoResult::refused;
@@ -230,7 +230,7 @@ int ZoVariant::get(ZoVector& out) const noexcept {
 
 int ZoVariant::get(_GUID& out) const noexcept {
   if (type() == kString && !isReference()) return ZoString2Guid(ownText(), out);
-  if (type() == kString) return ZoString2Guid(ZoString(text()), out);
+  if (type() == kString) return ZoString2Guid(ZoString(view()), out);
   if (type() != kGuid) return ZoResult::refused;
   out = *payload_.guid;
   return ZoResult::ok;
@@ -312,6 +312,7 @@ int ZoVariant::writeReference(const ZoVariant& value) {
     default: {
       ZoString text;
       if (const int result = value.get(text)) return result;
+      if (text.first(L'\0') != ZoString::npos) return ZoResult::refused;  // it would be cut there
       *payload_.textRef = newText(text.view());
       return ZoResult::ok;
     }

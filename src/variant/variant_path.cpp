@@ -75,7 +75,16 @@ ZoVariant* ZoVariant::find(std::wstring_view path) {
   return const_cast<ZoVariant*>(std::as_const(*this).find(path));
 }
 
+const ZoVariant& ZoVariant::value(std::wstring_view path) const& {
+  static const ZoVariant nothing;
+  const ZoVariant* const found = find(path);
+  return found ? *found : nothing;
+}
+
 int ZoVariant::put(std::wstring_view path, ZoVariant value) {
+  const auto depth = path.empty() ? 0 : std::count(path.begin(), path.end(), L'/') + 1;
+  if (depth > kMaxDepth || value.isTooDeep(static_cast<unsigned int>(depth)))
+    return ZoResult::refused;
   ZoVariant* at = this;
   PathSteps steps(path);
   while (!steps.isDone()) {

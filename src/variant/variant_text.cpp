@@ -326,7 +326,7 @@ int ZoVariant::format(ZoString& out, unsigned int tabs) const {
 
 ZoString ZoVariant::format(unsigned int tabs) const {
   ZoString out;
-  format(out, tabs);
+  (void)format(out, tabs);  // empty then
   return out;
 }
 
@@ -354,5 +354,7 @@ int ZoVariant::parse(std::wstring_view text, unsigned int* end) {
 }
 
 std::wostream& operator<<(std::wostream& out, const ZoVariant& value) {
-  return out << value.format();
+  ZoString text;
+  if (value.format(text) != ZoResult::ok) out.setstate(std::ios::failbit);
+  return out << text;
 }

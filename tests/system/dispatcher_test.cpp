@@ -75,7 +75,7 @@ struct NoticeReactor : Reactor<ZoCustomReactor> {
 struct RequestReactor : NoticeReactor {
   using NoticeReactor::NoticeReactor;
   void onRequest(const wchar_t* name, ZoVariant& data) override {
-    data.set(data.asInt() + 1);  // the answer goes from reactor to reactor
+    data = data.asInt() + 1;  // the answer goes from reactor to reactor
     note(std::wstring_view(name) == L"event" && data.asInt() > 40);
   }
   static int send(ZoSysDisp& disp) {

@@ -1,6 +1,8 @@
 // GUIDs as text: the mixed-case form, and texts of every wrong shape.
 #include <gtest/gtest.h>
+#include <zo/containers.h>
 #include <zo/variant/guid.h>
+#include <zo/variant/variant.h>
 
 #include <cwchar>
 #include <random>
@@ -56,6 +58,23 @@ TEST(Guid, TextsOfOtherShapesAreTakenOnlyWhereTheDelimitersStandInOrder) {
     EXPECT_EQ(ZoString2Guid(text, guid), expected == kUntouched ? 1 : 0);
     EXPECT_EQ(textOf(guid), expected) << testing::PrintToString(text);
   }
+}
+
+TEST(Guid, IsAKeyOfEveryDictionary) {
+  ZoHashDict<int, _GUID> hashed;
+  ZoTree<int, _GUID> ordered;
+  ZoVariant texts;
+  for (unsigned char i = 0; i < 50; ++i) {  // differing in one byte or another
+    _GUID guid = {};
+    reinterpret_cast<unsigned char*>(&guid)[i % 16] = i;
+    EXPECT_EQ(hashed.insertAt(guid, int{i}), 0);
+    EXPECT_EQ(ordered.insertAt(guid, int{i}), 0);
+    EXPECT_EQ(hashed.insertAt(guid, 99), 1);
+    EXPECT_EQ(*ordered.at(guid), i);
+    EXPECT_EQ(texts.put(ZoGuid2String(guid), int{i}), 0);
+    EXPECT_EQ(texts.at(ZoGuid2String(guid).toLower())->asInt(), i);
+  }
+  EXPECT_TRUE(hashed.entries() == 50 && ordered.entries() == 50 && texts.entries() == 50);
 }
 
 }  // namespace

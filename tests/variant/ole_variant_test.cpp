@@ -156,6 +156,23 @@ TEST(OleVariant, ReadsArraysOfEveryTypeAndShape) {
   EXPECT_EQ(table.back().type(), ZoVariant::kSequence);
 }
 
+// Each level looks like a dictionary until its last key; read twice, forty would take for ever.
+TEST(OleVariant, NoValueIsReadTwice) {
+  Ole inner(ZoVariant(5));
+  for (int level = 0; level < 40; ++level) {
+    Ole table = arrayOf(VT_VARIANT, {{2, 0}, {2, 0}});
+    Ole key(ZoVariant(L"key"));
+    for (const LONG row : {0, 1}) {
+      LONG at[] = {row, 0};
+      EXPECT_EQ(SafeArrayPutElement(table.value.parray, at, &key.value), S_OK);
+    }
+    LONG at[] = {0, 1};
+    EXPECT_EQ(SafeArrayPutElement(table.value.parray, at, &inner.value), S_OK);
+    std::swap(inner.value, table.value);
+  }
+  EXPECT_EQ(inner.back().value(L"0/1").type(), ZoVariant::kSequence);
+}
+
 TEST(OleVariant, InterfacesAreCountedByAutomationOnly) {
   ICreateErrorInfo* object = nullptr;
   ASSERT_EQ(CreateErrorInfo(&object), S_OK);

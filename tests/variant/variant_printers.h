@@ -24,3 +24,20 @@ inline ZoVariant inDict(ZoVariant value) {
   dict.insertAt(L"k", std::move(value));
   return ZoVariant(std::move(dict));
 }
+
+// The value so many levels deep, in sequences, dictionaries and lists by turns.
+inline ZoVariant nested(unsigned int levels, ZoVariant value = ZoVariant(L"innermost")) {
+  for (unsigned int level = 0; level < levels; ++level) {
+    if (level % 3 == 1) {
+      value = inDict(std::move(value));
+    } else if (level % 3 == 2) {
+      ZoList<ZoVariant> list;
+      list.emplace(1);
+      list.append(std::move(value));
+      value = ZoVariant(std::move(list));
+    } else {
+      value = inSequence(std::move(value));
+    }
+  }
+  return value;
+}

@@ -40,6 +40,17 @@ TEST(VariantReport, TellsTheFewestChangesThatCount) {
             L"- 2: Int 2\n+ 2: Int 1\n", anyOrder},
            {L"Sequence [Dict { \"x\" = Sequence [Int 1 Int 2] } Int 5]",
             L"Sequence [Int 5 Dict { \"x\" = Sequence [Int 2 Int 1] }]", L"", anyOrder},
+           {L"Sequence [Int 1 Int 2 Int 3 Int 4 Int 5]",
+            L"Sequence [Int 0 Int 1 Int 2 Int 4 Int 5]", L"+ 0: Int 0\n- 2: Int 3\n"},
+           {L"Sequence [Int 5 Int 1 Int 5 Int 2 Dict { \"x\" = Int 1 } Int 3 Int 5 Int 4]",
+            L"Sequence [Int 1 Int 5 Int 2 Dict { \"x\" = Int 2 } Int 3 Int 5 Int 4 Int 9]",
+            L"- 0: Int 5\n* 4/x: Int 1 -> Int 2\n+ 7: Int 9\n"},
+           {L"Sequence [Int 0 Sequence [Int 1 Int 2] Int 3]",
+            L"Sequence [Sequence [Int 1 Int 2 Int 4] Int 3]", L"- 0: Int 0\n+ 0/2: Int 4\n"},
+           {L"Sequence [Int 9 Int 1 Sequence [Int 2 Int 3]]",
+            L"Sequence [Int 1 Sequence [Int 2 Int 3 Int 4]]", L"- 0: Int 9\n+ 1/2: Int 4\n"},
+           {L"Sequence [Real 0 Real 0.4 Real 0.8]", L"Sequence [Real 0.8 Real 0 Real 1.2]",
+            L"* 0: Real 0 -> Real 0.8\n", loose},
            {L"Sequence [Real nan Real inf]", L"Sequence [Real nan Real nan]",
             L"* 1: Real inf -> Real nan\n"},
            {L"Sequence [Real 1 Vector (0, 0, 0)]", L"Sequence [Real 1.5 Vector (0, 0.26, 0)]",
@@ -67,9 +78,17 @@ TEST(VariantReport, IsAListOfChangesWhosePathsLeadToTheValues) {
     "a" = Dict { "x/y" = Int 2 "z" = Sequence [Int 1 Int 5 Int 7] }
     "c/" = Dict { "" = Int 1 } })");
   const ZoVariantReport report(before, after);
-  EXPECT_EQ(report.asVariant().entries(), 6u);
+  const ZoVariant rows = report.asVariant();
+  EXPECT_EQ(rows.entries(), 6u);
   ZoVariant patched = before;
+  unsigned int n = 0;
   for (const Change& change : report.changes()) {
+    const wchar_t* const words[] = {L"", L"Added", L"Removed", L"Changed"};
+    const ZoVariant& row = *rows.at(n++);
+    EXPECT_EQ(row.text(L"Change"), words[change.kind]);
+    EXPECT_EQ(row.text(L"Path"), change.path);
+    EXPECT_TRUE(row.value(L"Before") == change.before && row.value(L"After") == change.after);
+    EXPECT_EQ(row.entries(), change.kind == Change::kChanged ? 4u : 3u);
     const ZoVariant* const old = before.find(change.path);
     const ZoVariant* const now = after.find(change.path);
     EXPECT_EQ(old ? *old : ZoVariant(), change.before);
@@ -79,6 +98,22 @@ TEST(VariantReport, IsAListOfChangesWhosePathsLeadToTheValues) {
               0);
   }
   EXPECT_EQ(patched, after);
+}
+
+// Each of these took longer than anybody waits: the time doubled with every level, or grew with the
+// third power of the elements.
+TEST(VariantReport, LooksAtEachPairOfElementsOnce) {
+  Options anyOrder;
+  anyOrder.anyOrder = true;
+  EXPECT_EQ(ZoVariantReport(nested(250, 1), nested(250, 2), anyOrder).changes().size(), 2u);
+  EXPECT_TRUE(ZoVariantReport(nested(250, 1), nested(250, 1), anyOrder).isEmpty());
+  ZoArray<ZoVariant> up, down;
+  for (int i = 0; i < 5'000; ++i) {
+    up.emplace(i);
+    ASSERT_EQ(down.prepend(i), 0);
+  }
+  EXPECT_TRUE(ZoVariantReport(up, down, anyOrder).isEmpty());
+  EXPECT_EQ(ZoVariantReport(up, down).changes().size(), 2 * 4'999u);
 }
 
 }  // namespace

@@ -1,10 +1,15 @@
 // The variant as a value: kinds, codes, flags, references, copies, comparison, elements.
 #include <gtest/gtest.h>
+#include <zo/files/file_name.h>
 #include <zo/variant/variant.h>
 
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <memory>
+#include <string>
+#include <thread>
+#include <tuple>
 #include <vector>
 
 #include "variant/variant_printers.h"
@@ -214,6 +219,106 @@ TEST(Variant, PathsLeadToElementsAndMakeWhatIsMissing) {
     EXPECT_EQ(v.at(L"parts")->at(std::wstring_view(key))->asString(), key);
     EXPECT_EQ(v.find(path)->asString(), key);
   }
+}
+
+TEST(Variant, TakesEachTypeAsItsNaturalKind) {
+  const std::wstring text = L"text";
+  const ZoString string(L"a text");
+  for (const auto& [made, kind, code] :
+       std::vector<std::tuple<ZoVariant, ZoVariant::Type, ZoTypeCode>>{
+           {true, ZoVariant::kInt, ZoTypeCode::Bool},
+           {static_cast<short>(-1), ZoVariant::kInt, ZoTypeCode::Int},
+           {static_cast<unsigned char>(255), ZoVariant::kInt, ZoTypeCode::Int},
+           {-1L, ZoVariant::kInt, ZoTypeCode::Int},
+           {0xFFFFFFFFu, ZoVariant::kBigInt, ZoTypeCode::BigInt},
+           {0xFFFFFFFFul, ZoVariant::kBigInt, ZoTypeCode::BigInt},
+           {0.5f, ZoVariant::kReal, ZoTypeCode::Real},
+           {text, ZoVariant::kString, ZoTypeCode::String},
+           {std::wstring_view(text), ZoVariant::kString, ZoTypeCode::String},
+           {string(2, 4), ZoVariant::kString, ZoTypeCode::String},
+           {ZoFileName(text), ZoVariant::kString, ZoTypeCode::FName}}) {
+    EXPECT_EQ(made.type(), kind) << testing::PrintToString(made);
+    EXPECT_EQ(made.code(), code) << testing::PrintToString(made);
+    EXPECT_EQ(made.asString(), kind == ZoVariant::kString ? L"text" : made.asString());
+    EXPECT_EQ(made.asBigInt(), kind == ZoVariant::kBigInt ? 0xFFFFFFFF : made.asBigInt());
+  }
+  ZoVariant dict;
+  EXPECT_EQ(dict.put(L"real", 0.25), 0);
+  EXPECT_EQ(dict.put(L"number", 0xFFFFFFFFu), 0);
+  EXPECT_EQ(dict.value(L"real"), ZoVariant(0.25));
+  *dict.at(L"number") = 0.25;
+  EXPECT_EQ(dict.value(L"number"), ZoVariant(0.25));
+}
+
+TEST(Variant, ValuesAndTextsByPathNeedNoLookFirst) {
+  const ZoVariant v(Dict{{L"a", Array{5, L"x"}}});
+  EXPECT_EQ(v.value(L"a/0"), ZoVariant(5));
+  EXPECT_TRUE(v.value(L"b/c").isEmpty() && v.value(L"a/9").isEmpty());
+  EXPECT_EQ(v.text(L"a/1", L"other"), L"x");
+  EXPECT_EQ(v.text(L"a/2", L"other"), L"other");
+}
+
+TEST(Variant, ElementsAreMovedOut) {
+  for (ZoVariant v : {ZoVariant(Array{L"x", 2}, ZoTypeCode::Array, 4),
+                      ZoVariant(List{L"x", 2}, ZoTypeCode::Array, 4)}) {
+    EXPECT_TRUE(v.takeDict().isEmpty());
+    EXPECT_EQ(ZoVariant(v.takeArray()), ZoVariant(Array{L"x", 2}));
+    EXPECT_EQ(v, ZoVariant(Array{}, ZoTypeCode::Array, 4));
+    EXPECT_EQ(v.asSequence()->append(1), 0);
+  }
+  ZoVariant v(Dict{{L"x", 1}});
+  EXPECT_TRUE(v.takeArray().isEmpty());
+  EXPECT_EQ(ZoVariant(v.takeDict()), ZoVariant(Dict{{L"X", 1}}));
+  EXPECT_EQ(v, ZoVariant(Dict{}));
+  EXPECT_EQ(v.asDict()->put(L"y", 1), 0);
+}
+
+// Where a text lies; of a dictionary, where the first key does.
+const void* textOf(const ZoVariant& value) {
+  const bool isDict = value.isTypeOf(ZoVariant::kDict);
+  return isDict ? (*value.elements().begin()).key->data() : value.asString().data();
+}
+
+TEST(Variant, AnotherThreadMayHaveACopy) {
+  int target = 7;
+  const ZoVariant tree(Dict{{L"list", List{ZoString(L"text"), Dict{{L"key", L"text"}}}},
+                            {L"array", Array{L"text", 1.5, _GUID{}}},
+                            {L"other", ZoVariant(&target, ZoTypeCode::Long, 4)}});
+  const ZoVariant copy = tree.copy();
+  EXPECT_EQ(copy, tree);
+  EXPECT_FALSE(copy.value(L"other").isReference());
+  for (const wchar_t* path : {L"", L"list/0", L"list/1", L"list/1/key", L"array/0"})
+    EXPECT_NE(textOf(copy.value(path)), textOf(tree.value(path))) << testing::PrintToString(path);
+  const auto work = [](const ZoVariant& mine) {
+    for (int i = 0; i < 200; ++i) {
+      ZoVariant second = mine;
+      *second.find(L"array/0") = L"changed";
+    }
+  };
+  std::thread other(work, std::cref(copy));
+  work(tree);
+  other.join();
+  EXPECT_EQ(copy, tree);
+}
+
+TEST(Variant, TextsKeepZeroCharactersAndThoseOfPointersRefuseThem) {
+  const std::wstring_view text(L"a\0b", 3);
+  ZoVariant set(L""), back, dict;
+  EXPECT_EQ(set.set(text), 0);
+  for (const ZoVariant& value : {ZoVariant(text), ZoVariant(ZoString(text)), set, set.copy()}) {
+    EXPECT_EQ(value.asString().view(), text);
+    EXPECT_NE(value, ZoVariant(L"a"));
+    EXPECT_FALSE(value.isEqualTo(ZoVariant(L"a")));
+    EXPECT_EQ(back.parse(value.format()), 0);
+    EXPECT_EQ(back, value);
+  }
+  EXPECT_EQ(dict.put(text, 1), 0);
+  EXPECT_EQ(dict.put(L"a", 2), 0);
+  EXPECT_EQ(dict.value(text), ZoVariant(1));
+  wchar_t literal[] = L"stays";
+  wchar_t* variable = literal;
+  EXPECT_EQ(ZoVariant(&variable).set(text), 1);
+  EXPECT_EQ(variable, literal);
 }
 
 }  // namespace

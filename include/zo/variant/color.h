@@ -41,7 +41,7 @@ class ZoColor {
   };
 
   // The palette colour `t`. kTrueColor, which is no palette colour, makes the default one.
-  constexpr ZoColor(Type t = kForeground) noexcept { setType(t); }
+  constexpr ZoColor(Type t = kForeground) noexcept { *this = t; }
   // The true colour.
   constexpr ZoColor(unsigned char r, unsigned char g, unsigned char b) noexcept { setRgb(r, g, b); }
   // As setRgb(v): red in the low byte. A plain number is no palette colour; Type(number) is.
@@ -49,11 +49,11 @@ class ZoColor {
 
   // As setType; kTrueColor leaves the colour as it was.
   constexpr ZoColor& operator=(Type t) noexcept {
-    setType(t);
+    (void)setType(t);
     return *this;
   }
   // Makes it the palette colour `t`. Returns 0, or 1 for kTrueColor; the colour then stays.
-  constexpr int setType(Type t) noexcept {
+  [[nodiscard]] constexpr int setType(Type t) noexcept {
     if (t == kTrueColor) return ZoResult::refused;
     value_ = static_cast<unsigned int>(t) << 24;
     return ZoResult::ok;

@@ -68,7 +68,8 @@ class ZO_COM_API ZoType {
   // The inverse, in either case. The caller frees the bytes with delete[]; an empty text gives one
   // unused byte and size 0. Returns 0; or 1 when the text is no such text: then bytes is null and
   // size 0.
-  static int stringToChunk(unsigned char*& bytes, unsigned int& size, const ZoString& text);
+  [[nodiscard]] static int stringToChunk(unsigned char*& bytes, unsigned int& size,
+                                         const ZoString& text);
 };
 
 constexpr ZoTypeCode ZoType::baseCode(ZoTypeCode code) noexcept {

@@ -11,9 +11,16 @@
 // Values convert from kind to kind where that makes sense: docs/variant.md has the table. What it
 // calls refused gives 1 and leaves the target as it was.
 //
+// Texts keep zero characters, except those that are given or referred to as a wchar_t*, which end
+// at the first one.
+//
+// Depth:   destroying, copying, comparing and find() work at any depth. What stores, prints,
+//          exchanges or makes variants (put(), text form, archives, OLE Automation) refuses
+//          containers that lie more than kMaxDepth deep in one another.
 // Errors:  as said with each operation; nothing throws but std::bad_alloc, and then nothing has
 //          changed.
-// Threads: one thread at a time per variant, and per text storage that variants share.
+// Threads: one thread at a time per variant, and per text storage that variants share; so give
+//          another thread a copy().
 // Cost:    16 bytes. Integers, reals, pointers and references need no memory; texts share their
 //          storage; points, vectors, GUIDs and containers take one block and more.
 // Text:    docs/variant.md, "Text form".
@@ -31,14 +38,52 @@
 #include <zo/variant/variant_elements.h>
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <iosfwd>
 #include <memory>
 #include <new>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
+
+class ZoCoSystem;
+class ZoColor;
+class ZoFileName;
+class ZoMatrix;
+class ZoPlane;
+class ZoVariant;
+
+namespace zo {
+
+template <class T, class... Types>
+concept OneOfTypes = (std::same_as<T, Types> || ...);
+
+template <class T>
+concept CharacterType = OneOfTypes<T, char, wchar_t, char8_t, char16_t, char32_t>;
+
+// Integers that a variant widens without loss: to int, or to 64 bits when they are unsigned and as
+// large as an int.
+template <class T>
+concept WidenedInteger =
+    std::integral<T> && sizeof(T) < 8 && !OneOfTypes<T, int, bool> && !CharacterType<T>;
+template <WidenedInteger T>
+using Widened = std::conditional_t<(sizeof(T) < 4 || std::is_signed_v<T>), int, std::int64_t>;
+
+// What a pointer is not made for: variables that no variant refers to, and values that it would
+// hold by their address.
+template <class T>
+concept NoReferenceTarget =
+    (std::is_const_v<T> && !OneOfTypes<T, const char, const wchar_t>) ||
+    (std::is_arithmetic_v<T> &&
+     !OneOfTypes<T, int, std::int64_t, double, char, wchar_t, const char, const wchar_t>) ||
+    OneOfTypes<T, const wchar_t*, ZoString, std::wstring, ZoVariant, ZoSequence<ZoVariant>,
+               ZoArray<ZoVariant>, ZoList<ZoVariant>, ZoDict<ZoVariant, ZoString>,
+               ZoHashDict<ZoVariant, ZoString>>;
+
+}  // namespace zo
 
 class ZO_COM_API ZoVariant {
  public:
@@ -59,7 +104,8 @@ class ZO_COM_API ZoVariant {
   using Sequence = ZoSequence<ZoVariant>;
   using Dict = ZoDict<ZoVariant, ZoString>;
 
-  // How deep sequences and dictionaries may lie in one another in what is read or written as text.
+  // How deep sequences and dictionaries may lie in one another in what is stored, exchanged, or
+  // built from text.
   static constexpr unsigned int kMaxDepth = 256;
 
   // ---- Construction ----
@@ -75,6 +121,14 @@ class ZO_COM_API ZoVariant {
       : ZoVariant(kBigInt, code, flags, Payload{.bigInt = value}) {}
   ZoVariant(double value, ZoTypeCode code = ZoTypeCode::Real, unsigned int flags = 0) noexcept
       : ZoVariant(kReal, code, flags, Payload{.real = value}) {}
+  // Other integers become the smaller kind that holds all their values; bool one of code Bool.
+  template <zo::WidenedInteger T>
+  ZoVariant(T value, ZoTypeCode code = codeOf(sizeof(zo::Widened<T>) == 4 ? kInt : kBigInt),
+            unsigned int flags = 0) noexcept
+      : ZoVariant(static_cast<zo::Widened<T>>(value), code, flags) {}
+  template <std::same_as<bool> T>
+  ZoVariant(T value, ZoTypeCode code = ZoTypeCode::Bool, unsigned int flags = 0) noexcept
+      : ZoVariant(static_cast<int>(value), code, flags) {}
   // Null counts as an empty text.
   ZoVariant(const wchar_t* text, ZoTypeCode code = ZoTypeCode::String, unsigned int flags = 0)
       : ZoVariant(ZoString(text), code, flags) {}
@@ -82,6 +136,14 @@ class ZO_COM_API ZoVariant {
       : ZoVariant(kString, code, flags, nullptr) {
     ::new (static_cast<void*>(&payload_)) ZoString(std::move(text));
   }
+  ZoVariant(std::wstring_view text, ZoTypeCode code = ZoTypeCode::String, unsigned int flags = 0)
+      : ZoVariant(ZoString(text), code, flags) {}
+  ZoVariant(const std::wstring& text, ZoTypeCode code = ZoTypeCode::String, unsigned int flags = 0)
+      : ZoVariant(std::wstring_view(text), code, flags) {}
+  ZoVariant(const ZoSubString& text, ZoTypeCode code = ZoTypeCode::String, unsigned int flags = 0)
+      : ZoVariant(ZoString(text), code, flags) {}
+  // The name as a text.
+  ZoVariant(const ZoFileName& name, ZoTypeCode code = ZoTypeCode::FName, unsigned int flags = 0);
   ZoVariant(const _GUID& guid, ZoTypeCode code = ZoTypeCode::Guid, unsigned int flags = 0);
   ZoVariant(const ZoPoint& point, ZoTypeCode code = ZoTypeCode::Point, unsigned int flags = 0);
   ZoVariant(const ZoVector& vector, ZoTypeCode code = ZoTypeCode::Vector, unsigned int flags = 0);
@@ -91,6 +153,8 @@ class ZO_COM_API ZoVariant {
   ZoVariant(const Dict& dict, ZoTypeCode code = ZoTypeCode::Dict, unsigned int flags = 0);
   // Take the elements over; what was given is empty afterwards.
   ZoVariant(ZoArray<ZoVariant>&& array, ZoTypeCode code = ZoTypeCode::Sequence,
+            unsigned int flags = 0);
+  ZoVariant(ZoList<ZoVariant>&& list, ZoTypeCode code = ZoTypeCode::Sequence,
             unsigned int flags = 0);
   ZoVariant(ZoHashDict<ZoVariant, ZoString>&& dict, ZoTypeCode code = ZoTypeCode::Dict,
             unsigned int flags = 0);
@@ -120,6 +184,28 @@ class ZO_COM_API ZoVariant {
       : ZoVariant(kString, code, flags, static_cast<void*>(variable)) {
     if (!variable) ::new (static_cast<void*>(&payload_)) ZoString;
   }
+
+  // What has no kind, or would become another one than it looks. The compiler shows these lines.
+  template <std::same_as<unsigned long long> T, class... Rest>
+  ZoVariant(T, Rest...) = delete;  // it may not fit: write static_cast<std::int64_t>(value)
+  template <std::same_as<long double> T, class... Rest>
+  ZoVariant(T, Rest...) = delete;  // it would lose digits: write static_cast<double>(value)
+  template <zo::CharacterType T, class... Rest>
+  ZoVariant(T, Rest...) = delete;  // for a text write ZoString(c), for the number int{c}
+  template <class T, class... Rest>
+    requires(std::is_enum_v<T> && !std::same_as<T, Type>)
+  ZoVariant(T, Rest...) = delete;  // for the number of an enumerator write static_cast<int>(value)
+  template <class T, class... Rest>
+    requires std::convertible_to<const T&, std::string_view>
+  ZoVariant(const T&, Rest...) = delete;  // narrow text: make a ZoString of it
+  template <std::same_as<ZoColor> T, class... Rest>
+  ZoVariant(const T&, Rest...) = delete;  // no kind for colours: write color.toString()
+  template <zo::OneOfTypes<ZoPlane, ZoMatrix, ZoCoSystem> T, class... Rest>
+  ZoVariant(const T&, Rest...) = delete;  // no kind for it: store its points and vectors
+  template <zo::NoReferenceTarget T, class... Rest>
+  explicit ZoVariant(T*, Rest...) = delete;  // write *pointer; no reference to such a variable
+  template <class... Rest>
+  ZoVariant(std::nullptr_t, Rest...) = delete;  // write ZoVariant() for nothing, L"" for no text
 
   ZoVariant(const ZoVariant& other)
       : code_(other.code_), word_(other.word_), payload_(other.payload_) {
@@ -163,11 +249,17 @@ class ZO_COM_API ZoVariant {
     assign(ZoVariant(std::forward<T>(value)));
     return *this;
   }
+  template <class T>
+    requires(!std::same_as<std::remove_cvref_t<T>, ZoVariant> && !std::convertible_to<T, ZoVariant>)
+  ZoVariant& operator=(T&&) = delete;  // not a variant by itself: write ZoVariant(value)
   void swap(ZoVariant& other) noexcept {
     std::swap(code_, other.code_);
     std::swap(word_, other.word_);
     std::swap(payload_, other.payload_);
   }
+  // What another thread may be given: a copy that shares nothing with this variant, its texts and
+  // keys included. References become plain values.
+  [[nodiscard]] ZoVariant copy() const;
   // Makes it a default variant, without flags.
   void clear() noexcept { *this = ZoVariant(); }
 
@@ -190,10 +282,13 @@ class ZO_COM_API ZoVariant {
   }
   [[nodiscard]] ZoTypeCode code() const noexcept { return static_cast<ZoTypeCode>(code_); }
   // Returns 0, or 1 when the code does not fit the kind; the code then stays.
-  int setCode(ZoTypeCode code) noexcept;
+  [[nodiscard]] int setCode(ZoTypeCode code) noexcept;
 
   [[nodiscard]] unsigned int flags() const noexcept { return word_ >> kFlagShift; }
   [[nodiscard]] bool isFlagged(unsigned int flag) const noexcept { return (flags() & flag) != 0; }
+  // Whether containers lie more than kMaxDepth deep in one another, `outer` levels around this one
+  // counted in. Looks at the containers' elements once, as far down as the limit.
+  [[nodiscard]] bool isTooDeep(unsigned int outer = 0) const noexcept;
   // Kind, reference mark and flags in one word, as archives store it: the flags from bit 6 on.
   [[nodiscard]] unsigned int typeWord() const noexcept { return word_; }
   // Replace the whole word; bits above 25 are dropped. The second form takes
@@ -206,16 +301,16 @@ class ZO_COM_API ZoVariant {
 
   // ---- Reading: the value, converted ----
   // Returns 0, or 1 when the conversion is refused; the target then stays as it was.
-  int get(int& out) const noexcept;
-  int get(std::int64_t& out) const noexcept;
-  int get(double& out) const noexcept;
-  int get(ZoString& out) const;
-  int get(void*& out) const noexcept;
-  int get(ZoPoint& out) const noexcept;
-  int get(ZoVector& out) const noexcept;
-  int get(_GUID& out) const noexcept;
-  int get(Sequence& out) const;  // replaces the elements; as ZoSequence::copyFrom
-  int get(Dict& out) const;      // replaces the entries
+  [[nodiscard]] int get(int& out) const noexcept;
+  [[nodiscard]] int get(std::int64_t& out) const noexcept;
+  [[nodiscard]] int get(double& out) const noexcept;
+  [[nodiscard]] int get(ZoString& out) const;
+  [[nodiscard]] int get(void*& out) const noexcept;
+  [[nodiscard]] int get(ZoPoint& out) const noexcept;
+  [[nodiscard]] int get(ZoVector& out) const noexcept;
+  [[nodiscard]] int get(_GUID& out) const noexcept;
+  [[nodiscard]] int get(Sequence& out) const;  // replaces the elements; as ZoSequence::copyFrom
+  [[nodiscard]] int get(Dict& out) const;      // replaces the entries
 
   // The same, with what to answer when the conversion is refused.
   [[nodiscard]] int asInt(int otherwise = 0) const noexcept { return as(otherwise); }
@@ -244,8 +339,12 @@ class ZO_COM_API ZoVariant {
   [[nodiscard]] const Dict* asDict() const noexcept {
     return type() == kDict ? payload_.dict : nullptr;
   }
-  // Likewise, but never without one: an empty variant becomes a container without elements (its
-  // flags stay); any other kind gives a scratch container, one per thread and kept for good, that
+  // The elements themselves, moved out: the variant keeps kind, code and flags, but no elements.
+  // Another kind gives an empty container and stays as it is.
+  [[nodiscard]] ZoHashDict<ZoVariant, ZoString> takeDict();
+  [[nodiscard]] ZoArray<ZoVariant> takeArray();  // of a list, too
+  // The container, but never without one: an empty variant becomes one without elements (its flags
+  // stay); any other kind gives a scratch container, one per thread and kept for good, that
   // belongs to no variant and is emptied each time it is given. The const forms give an empty
   // container for other kinds.
   operator Sequence&();
@@ -255,13 +354,17 @@ class ZO_COM_API ZoVariant {
 
   // ---- Writing: the value, converted to the variant's kind ----
   // Kind, code and flags stay; an empty variant takes kind and code of the value. A reference
-  // writes its variable. Returns 0, or 1 when the conversion is refused.
-  int set(const ZoVariant& value);
+  // writes its variable; a wchar_t* takes no text with a zero character. Returns 0, or 1 when the
+  // conversion is refused.
+  [[nodiscard]] int set(const ZoVariant& value);
   template <class T>
     requires(!std::same_as<std::remove_cvref_t<T>, ZoVariant> && std::convertible_to<T, ZoVariant>)
-  int set(T&& value) {
+  [[nodiscard]] int set(T&& value) {
     return set(ZoVariant(std::forward<T>(value)));
   }
+  template <class T>
+    requires(!std::same_as<std::remove_cvref_t<T>, ZoVariant> && !std::convertible_to<T, ZoVariant>)
+  int set(T&&) = delete;  // not a variant by itself: write ZoVariant(value)
 
   // ---- Elements ----
   // Number of elements; 0 for kinds that have none.
@@ -284,36 +387,44 @@ class ZO_COM_API ZoVariant {
   // Null when the path leads nowhere.
   [[nodiscard]] ZoVariant* find(std::wstring_view path);
   [[nodiscard]] const ZoVariant* find(std::wstring_view path) const;
+  // What is there, or an empty variant: value(L"parts/3/length").asReal(1.0) needs no look first.
+  [[nodiscard]] const ZoVariant& value(std::wstring_view path) const&;
+  [[nodiscard]] ZoVariant value(std::wstring_view path) const&& { return value(path); }
+  // Its text, or `otherwise` when nothing with a text is there.
+  [[nodiscard]] ZoString text(std::wstring_view path, ZoString otherwise = {}) const {
+    return value(path).asString(std::move(otherwise));
+  }
   // Puts a value where the path leads, replacing what is there. What is missing on the way is made:
   // an entry of a dictionary, an element at the end of a sequence; an empty variant becomes a
   // dictionary. Returns 0; or 1 when the path runs through another kind or past the end of a
-  // sequence, and then nothing has changed.
-  int put(std::wstring_view path, ZoVariant value);
+  // sequence, or when containers would lie more than kMaxDepth deep in this variant, and 2 when
+  // there is no memory; then nothing has changed.
+  [[nodiscard]] int put(std::wstring_view path, ZoVariant value);
   // A key as it stands in a path.
   [[nodiscard]] static ZoString pathStep(std::wstring_view key);
 
   // ---- Comparing ----
   // The same kind, code, flags and value, whether by reference or not: texts, pointers and numbers
   // exactly (not-a-number equals itself), the same elements, dictionaries in any order.
-  friend ZO_COM_API bool operator==(const ZoVariant& a, const ZoVariant& b) noexcept;
+  // Memory is needed only for containers that lie more than kMaxDepth deep.
+  friend ZO_COM_API bool operator==(const ZoVariant& a, const ZoVariant& b);
   // The values only, whatever their codes and flags: numbers of any kind by their difference
   // and points by their distance within the point tolerance, vectors within the vector tolerance,
   // the rest exactly. Identical numbers are equal, infinities and not-a-number included.
-  [[nodiscard]] bool isEqualTo(const ZoVariant& other,
-                               const ZoTol& tol = ZoTol::s_default) const noexcept;
+  [[nodiscard]] bool isEqualTo(const ZoVariant& other, const ZoTol& tol = ZoTol::s_default) const;
 
   // ---- Text form ----
-  // The whole value with kind, code and flags as a text that parse() reads back; the same for equal
-  // variants. Sequences and dictionaries take a line for each element, indented by one tab a level,
-  // starting at `tabs`; dictionaries come in the order of their keys' code units. A reference is
-  // written as its value.
+  // The whole value with kind, code and flags as a text that parse() reads back. Sequences and
+  // dictionaries take a line for each element, indented by one tab a level, starting at `tabs`;
+  // dictionaries come in the order of their keys' code units. A reference is written as its value.
+  // Equal variants have the same text, but for the sign of a zero and the case of keys.
   [[nodiscard]] ZoString format(unsigned int tabs = 0) const;
   // Returns 1 when containers lie more than kMaxDepth deep or the text would be too long for a
   // string; the text is then empty, as is that of the form above.
-  int format(ZoString& out, unsigned int tabs = 0) const;
+  [[nodiscard]] int format(ZoString& out, unsigned int tabs = 0) const;
   // Reads a text form. Returns 0; or 1 when the text is none, and then the variant stays as it was
   // and end, where given, receives the position of what is wrong.
-  int parse(std::wstring_view text, unsigned int* end = nullptr);
+  [[nodiscard]] int parse(std::wstring_view text, unsigned int* end = nullptr);
 
   // The parts of the text form: name of the type, flags with their colon, indentation.
   [[nodiscard]] ZoString printType() const;
@@ -376,19 +487,21 @@ class ZO_COM_API ZoVariant {
   [[nodiscard]] const ZoString& ownText() const noexcept {
     return *std::launder(reinterpret_cast<const ZoString*>(&payload_));
   }
+  struct Tree;       // whole trees: variant_tree.cpp
+  class Comparison;  // likewise
   void become(Type kind, ZoTypeCode code, unsigned int flags) noexcept;
   void copyBlock(const ZoVariant& other);
   void freeBlock() noexcept;
   void assign(ZoVariant value);
-  int writeReference(const ZoVariant& value);
-  [[nodiscard]] std::wstring_view text() const noexcept;
-  [[nodiscard]] std::int64_t integer() const noexcept;  // of both sizes
+  [[nodiscard]] int writeReference(const ZoVariant& value);
+  [[nodiscard]] std::wstring_view view() const noexcept;  // of texts
+  [[nodiscard]] std::int64_t integer() const noexcept;    // of both sizes
   [[nodiscard]] double real() const noexcept;
-  int convertTo(Type kind, ZoVariant& out) const;
+  [[nodiscard]] int convertTo(Type kind, ZoVariant& out) const;
 
   template <class T>
   [[nodiscard]] T as(T otherwise) const {
-    get(otherwise);
+    (void)get(otherwise);  // refused: it stays
     return otherwise;
   }
 
@@ -412,5 +525,5 @@ inline zo::VariantElements<const ZoVariant> ZoVariant::elements() const& noexcep
 
 inline void swap(ZoVariant& a, ZoVariant& b) noexcept { a.swap(b); }
 
-// The text form.
+// The text form; a variant that is too deep for one sets the stream's failbit.
 ZO_COM_API std::wostream& operator<<(std::wostream& out, const ZoVariant& value);

@@ -1,18 +1,20 @@
 // What differs between two trees of variants: a list of changes, each with the path to it.
 //
 // The trees are walked side by side. Entries of dictionaries belong together by key. Elements of
-// sequences belong together by position, once those that are equal at both ends are set aside: one
-// element inserted in the middle is one addition. With anyOrder, equal elements belong together
-// wherever they stand, and what is left over was removed or added.
+// sequences are aligned as lines of an edited text are: equal ones belong together in their order;
+// between these, elements of one kind were changed, and the rest was changed place by place and
+// then removed or added. So one element inserted is one addition wherever it stands. With anyOrder,
+// equal elements belong together wherever they stand, and what is left over was removed or added.
 //
-// Changes come in the order of the walk: dictionaries by the code units of their keys; in a
-// sequence the changed elements first, then the removed, then the added ones.
+// Changes come in the order of the walk: dictionaries by the code units of their keys, sequences
+// from front to back; with anyOrder first the removed elements, then the added ones.
 //
-// Errors:  nothing throws but std::bad_alloc. Below ZoVariant::kMaxDepth levels values are compared
-//          as a whole.
+// Errors:  nothing throws but std::bad_alloc. Containers more than ZoVariant::kMaxDepth deep are
+//          compared as a whole, and with `==`.
 // Threads: as the variants.
-// Cost:    linear in the trees' sizes, with a sort by key; anyOrder is quadratic in the elements
-//          that do not stand in the same places.
+// Cost:    O(n log n) in the trees' sizes for trees with few differences; at worst quadratic in the
+//          elements of one sequence: with many differences in order, and with numbers within the
+//          tolerance of each other in any order.
 // Text:    docs/variant.md, "Report".
 #pragma once
 
@@ -59,10 +61,11 @@ class ZO_COM_API ZoVariantReport {
   [[nodiscard]] unsigned int count(ZoVariantChange::Kind kind) const noexcept;
 
   // A sequence with a dictionary for each change: "Change" ("Added", "Removed" or "Changed"),
-  // "Path", and "Before" and "After" where there is one.
+  // "Path", and "Before" and "After" where there is one. It is two levels deeper than these.
   [[nodiscard]] ZoVariant asVariant() const;
   // A line for each change, '+', '-' or '*' in front of the path; the values follow in their text
-  // forms, over several lines where they take several. No changes give an empty text.
+  // forms, over several lines where they take several; the type and "..." stand for those that are
+  // too deep for one. No changes give an empty text.
   [[nodiscard]] ZoString asText() const;
 
  private:
