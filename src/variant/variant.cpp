@@ -216,6 +216,15 @@ ZoVariant* ZoVariant::at(std::wstring_view key) {
   return const_cast<ZoVariant*>(std::as_const(*this).at(key));
 }
 
+bool ZoVariant::isTooDeep(unsigned int outer) const noexcept {
+  if (type() != kSequence && type() != kDict) return outer > kMaxDepth;
+  if (outer >= kMaxDepth) return true;
+  for (const auto& element : elements()) {
+    if (element.value.isTooDeep(outer + 1)) return true;
+  }
+  return false;
+}
+
 // ---- Comparing ----
 
 namespace {

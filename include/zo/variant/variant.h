@@ -59,7 +59,8 @@ class ZO_COM_API ZoVariant {
   using Sequence = ZoSequence<ZoVariant>;
   using Dict = ZoDict<ZoVariant, ZoString>;
 
-  // How deep sequences and dictionaries may lie in one another in what is read or written as text.
+  // How deep sequences and dictionaries may lie in one another in what is stored, exchanged, or
+  // built from text.
   static constexpr unsigned int kMaxDepth = 256;
 
   // ---- Construction ----
@@ -194,6 +195,9 @@ class ZO_COM_API ZoVariant {
 
   [[nodiscard]] unsigned int flags() const noexcept { return word_ >> kFlagShift; }
   [[nodiscard]] bool isFlagged(unsigned int flag) const noexcept { return (flags() & flag) != 0; }
+  // Whether containers lie more than kMaxDepth deep in one another, `outer` levels around this one
+  // counted in. Looks at the containers' elements once, as far down as the limit.
+  [[nodiscard]] bool isTooDeep(unsigned int outer = 0) const noexcept;
   // Kind, reference mark and flags in one word, as archives store it: the flags from bit 6 on.
   [[nodiscard]] unsigned int typeWord() const noexcept { return word_; }
   // Replace the whole word; bits above 25 are dropped. The second form takes
