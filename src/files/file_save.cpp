@@ -67,6 +67,7 @@ int ZoFileSave::open(const ZoFileName& target) {
 
 int ZoFileSave::commit(bool toDisk) {
   const bool isOurs = !beside_.isEmpty() && file_.getImpObj() == imp_;
+  if (isOurs) imp_->settleBuffers();  // a failure is kept
   if (const DWORD failure = isOurs ? imp_->failure() : ERROR_INVALID_HANDLE) {
     SetLastError(failure);
     return fail();
@@ -80,6 +81,7 @@ int ZoFileSave::commit(bool toDisk) {
 }
 
 void ZoFileSave::cancel() {
+  if (file_.isOpen()) file_.getImpObj()->dropBuffers();
   file_.setImpObj(nullptr);
   imp_ = nullptr;
   if (beside_.isEmpty()) return;

@@ -32,16 +32,6 @@ void withMfc(bool store, const std::filesystem::path& path, const Use& use) {
   use(archive);
 }
 
-void writeAll(ZoArchive& to) {
-  for (const ArchivedValue& value : archivedValues()) value.write(to);
-}
-
-ByteVector passed(const ArchivedValue& value, ZoArchive& from, bool fresh = true) {
-  PlainArchive to;
-  value.pass(from, fresh, to);
-  return to.bytes;
-}
-
 ZoVariant nested(unsigned int depth) {
   ZoVariant value(1);
   for (; depth > 0; --depth) {
@@ -50,21 +40,6 @@ ZoVariant nested(unsigned int depth) {
     value = ZoVariant(std::move(around));
   }
   return value;
-}
-
-// The exception that `use` throws, as "POSITION MESSAGE"; empty for none.
-std::wstring thrown(const std::function<void()>& use) {
-  try {
-    use();
-  } catch (const ZoComException& e) {
-    return std::to_wstring(e.position()) + L' ' + e.message();
-  }
-  return {};
-}
-
-void expectAll(ZoArchive& from) {
-  for (const ArchivedValue& value : archivedValues())
-    EXPECT_EQ(passed(value, from), value.bytes) << testing::PrintToString(value.dump);
 }
 
 }  // namespace
@@ -264,47 +239,6 @@ TEST(MfcArchive, TextsOfAStdioFileMayBeEightBit) {
   delete[] allocated;
   EXPECT_EQ(name, L"DE");
   EXPECT_TRUE(past.isEmpty());
-}
-
-TEST(FileArchive, GoesThroughItsBufferAndGivesTheFileBackInPlace) {
-  const TempFolder folder;
-  const Attached attached;  // failures of files are reported to a service
-  const ZoString longText(std::wstring(100000, L'x'));
-  PlainArchive whole;
-  writeAll(whole);
-  ZoFile file;
-  const ZoFileName name(folder.path() / L"archive");
-  ASSERT_EQ(file.open(name, ZoFile::kReadWrite, ZoFile::kCreateAlways), 0);
-  file.write("head", 4);
-  {
-    ZoFileWriteArchive archive(file);
-    for (int i = 0; i < 100; ++i) writeAll(archive);
-    archive << longText;
-    archive.flush();
-    EXPECT_EQ(file.currentPos(), static_cast<std::int64_t>(4 + 100 * whole.bytes.size() + 200004));
-  }
-  file.write("tail", 4);
-  file.seek(4);
-  {
-    ZoFileReadArchive archive(file);
-    for (int i = 0; i < 100 && !HasFailure(); ++i) expectAll(archive);
-    ZoString text;
-    archive >> text;
-    EXPECT_TRUE(text == longText);
-  }
-  char tail[4];
-  EXPECT_EQ(file.read(tail, 4), 4U);
-  EXPECT_EQ(std::string_view(tail, 4), "tail");
-
-  FaultyFiles faulty;
-  faulty.arm({.fault = Fault::fail, .call = "read"});
-  file.seek(0);
-  ZoFileReadArchive unreadable(file);
-  EXPECT_EQ(thrown([&] { unreadable.readBin(tail, 4); }), L"0 The archive's file cannot be read");
-  faulty.arm({.fault = Fault::fail, .call = "write"});
-  ZoFileWriteArchive unwritable(file);
-  unwritable.write(1, L"");
-  EXPECT_EQ(thrown([&] { unwritable.flush(); }), L"0 The archive's file cannot be written");
 }
 
 TEST(DumpArchive, ScopesIndentLabelsReplaceTheTypeAndEntriesAreCut) {

@@ -171,4 +171,29 @@ inline const std::vector<ArchivedValue>& archivedValues() {
   return values;
 }
 
+inline void writeAll(ZoArchive& to) {
+  for (const ArchivedValue& value : archivedValues()) value.write(to);
+}
+
+inline ByteVector passed(const ArchivedValue& value, ZoArchive& from, bool fresh = true) {
+  PlainArchive to;
+  value.pass(from, fresh, to);
+  return to.bytes;
+}
+
+inline void expectAll(ZoArchive& from) {
+  for (const ArchivedValue& value : archivedValues())
+    EXPECT_EQ(passed(value, from), value.bytes) << testing::PrintToString(value.dump);
+}
+
+// The exception that `use` throws, as "POSITION MESSAGE"; empty for none.
+inline std::wstring thrown(const std::function<void()>& use) {
+  try {
+    use();
+  } catch (const ZoComException& e) {
+    return std::to_wstring(e.position()) + L' ' + e.message();
+  }
+  return {};
+}
+
 }  // namespace zo::test

@@ -94,7 +94,8 @@ class ZO_COM_API ZoFile {
   int createTemp(ZoFileName& name, int access = kReadWrite, CreationMode mode = kCreateNew,
                  int share = kShareNone, int flags = kTemporary);
   [[nodiscard]] bool isOpen() const noexcept;
-  // 0 also without an open file. When the platform refuses, the file counts as closed all the same.
+  // 0 also without an open file. When the platform refuses, or an archive over the file could not
+  // write what it held (zo/persist/file_archive.h), the file counts as closed all the same.
   int close();
 
   // ---- Content ----

@@ -90,6 +90,13 @@ class ZO_COM_API ReadArchive : public ZoArchive {
   [[nodiscard]] std::size_t unread() const noexcept {
     return static_cast<std::size_t>(end_ - next_);
   }
+  // Counts what is unread as not given. Returns how much that was.
+  std::size_t dropWindow() noexcept {
+    const std::size_t dropped = unread();
+    windowEnd_ -= dropped;
+    end_ = next_;
+    return dropped;
+  }
   [[noreturn]] void fail(const wchar_t* message) const;
 
  private:
