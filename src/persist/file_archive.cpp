@@ -107,7 +107,7 @@ class ZoFileWriteArchive::Buffer final : public zo::FileBuffer {
 };
 
 ZoFileWriteArchive::ZoFileWriteArchive(ZoFile& file)
-    : buffer_(std::make_unique<Buffer>(*this, *file.getImpObj())) {}
+    : WriteArchive(false), buffer_(std::make_unique<Buffer>(*this, *file.getImpObj())) {}
 
 ZoFileWriteArchive::~ZoFileWriteArchive() {
   if (buffer_->file()) buffer_->settle(false);

@@ -42,7 +42,8 @@ struct ArchivedValue {
   ByteVector bytes;
   std::wstring dump;
   std::function<void(ZoArchive&)> write;
-  // Reads a value, in the place of the one at hand or of a fresh one, and writes what was read.
+  // Reads a value, in the place of the one at hand or of a fresh one, and writes what was read, or
+  // what a throw has left.
   std::function<void(ZoArchive& from, bool fresh, ZoArchive& to)> pass;
 };
 
@@ -60,6 +61,17 @@ inline ByteVector bytesOf(std::string_view hexadecimal) {
 }
 
 template <class T>
+void readAndWrite(ZoArchive& from, T& value, ZoArchive& to) {
+  try {
+    from.read(value);
+  } catch (const ZoComException&) {
+    to.write(value, L"");
+    throw;
+  }
+  to.write(value, L"");
+}
+
+template <class T>
 ArchivedValue row(T value, std::string_view bytes, const wchar_t* dump) {
   return {bytesOf(bytes), dump,
           [=](ZoArchive& to) {
@@ -68,14 +80,12 @@ ArchivedValue row(T value, std::string_view bytes, const wchar_t* dump) {
           },
           [=](ZoArchive& from, bool fresh, ZoArchive& to) {
             if constexpr (std::is_same_v<T, const wchar_t*>) {
-              wchar_t* text = nullptr;
-              from.read(text);
-              to.write(text, L"");
-              delete[] text;
+              wchar_t* text = fresh ? nullptr : const_cast<wchar_t*>(value);
+              readAndWrite(from, text, to);
+              if (text != value) delete[] text;
             } else {
               T own = fresh ? T{} : value;
-              from.read(own);
-              to.write(own, L"");
+              readAndWrite(from, own, to);
             }
           }};
 }
@@ -175,9 +185,15 @@ inline void writeAll(ZoArchive& to) {
   for (const ArchivedValue& value : archivedValues()) value.write(to);
 }
 
-inline ByteVector passed(const ArchivedValue& value, ZoArchive& from, bool fresh = true) {
+inline ByteVector passed(const ArchivedValue& value, ZoArchive& from, bool fresh = true,
+                         ByteVector* left = nullptr) {
   PlainArchive to;
-  value.pass(from, fresh, to);
+  try {
+    value.pass(from, fresh, to);
+  } catch (const ZoComException&) {
+    if (left) *left = to.bytes;
+    throw;
+  }
   return to.bytes;
 }
 

@@ -40,6 +40,10 @@
 #include <type_traits>
 #include <utility>
 
+namespace zo {
+class LentVariant;
+}
+
 class ZO_COM_API ZoVariant {
  public:
   // The kinds. They reach archives: never renumber.
@@ -390,6 +394,7 @@ class ZO_COM_API ZoVariant {
   [[nodiscard]] double real() const noexcept;
   int convertTo(Type kind, ZoVariant& out) const;
 
+  friend class zo::LentVariant;  // holds a container for a while that it does not own
   template <class T>
   [[nodiscard]] T as(T otherwise) const {
     get(otherwise);
