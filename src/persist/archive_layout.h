@@ -119,7 +119,7 @@ void writePlane(Archive& archive, const ZoPlane& value) {
   }
   archive.write(static_cast<signed char>(0), L"");
   ZoVector unit;
-  if (value.normal().normal(unit) != 0) unit = ZoVector();
+  static_cast<void>(value.normal().normal(unit));  // a plane without a normal has a code
   const double numbers[] = {unit.x, unit.y, unit.z, value.signedDistanceTo(ZoPoint())};
   archive.writeBin(numbers, sizeof numbers, L"");
 }

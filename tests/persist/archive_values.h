@@ -148,6 +148,8 @@ inline const std::vector<ArchivedValue>& archivedValues() {
       row(ZoPlane(ZoPoint(1, 2, 3), ZoVector(0, 0, 2)), "00" ZERO ZERO ONE "00000000000008C0",
           L"Plane: RefPnt(1, 2, 3) Normal(0, 0, 2)"),
       row(ZoPlane::s_normalZ, "01", L"Plane: RefPnt(0, 0, 0) Normal(0, 0, 1)"),
+      row(ZoPlane(ZoPoint(1, 2, 3), ZoVector::s_xAxis, ZoVector::s_xAxis), "01",
+          L"Plane: RefPnt(1, 2, 3) Normal(0, 0, 0)"),
       row(ZoPlane::s_normalX, "02", L"Plane: RefPnt(0, 0, 0) Normal(1, 0, 0)"),
       row(ZoPlane::s_normalY, "03", L"Plane: RefPnt(0, 0, 0) Normal(0, 1, 0)"),
       row(ZoPlane::s_normalNegZ, "FF", L"Plane: RefPnt(0, 0, 0) Normal(0, 0, -1)"),
