@@ -85,7 +85,7 @@ template <class T>
 concept UnstoredNumber =
     (std::is_arithmetic_v<T> || std::is_null_pointer_v<T>) && !ArchivedNumber<T>;
 template <class T>
-concept Enum = std::is_enum_v<T>;
+concept UnstoredEnum = std::is_enum_v<T>;
 template <class T>
 concept UnstoredPointer =
     (std::is_pointer_v<T> || std::is_member_pointer_v<T>) && !kIsOneOf<T, wchar_t*, const wchar_t*>;
@@ -188,7 +188,7 @@ class ZO_COM_API ZoArchive {
   // clang-format off: the reasons show in the compiler's messages
   template <zo::UnstoredNumber T>
   void write(T, const wchar_t*) = delete;  // not stored: write a double, an int or a wide text instead
-  template <zo::Enum T>
+  template <zo::UnstoredEnum T>
   void write(T, const wchar_t*) = delete;  // an enum: write its number, static_cast<int>(value)
   template <zo::UnstoredPointer T>
   void write(T, const wchar_t*) = delete;  // a pointer or narrow text: write a wide text, or what it points to
@@ -240,9 +240,9 @@ template <zo::UnstoredNumber T>
 ZoArchive& operator<<(ZoArchive&, T) = delete;  // not stored: write a double, an int or a wide text instead
 template <zo::UnstoredNumber T>
 ZoArchive& operator>>(ZoArchive&, T&) = delete;  // not stored: read a double, an int or a ZoString instead
-template <zo::Enum T>
+template <zo::UnstoredEnum T>
 ZoArchive& operator<<(ZoArchive&, T) = delete;  // an enum: write its number, static_cast<int>(value)
-template <zo::Enum T>
+template <zo::UnstoredEnum T>
 ZoArchive& operator>>(ZoArchive&, T&) = delete;  // an enum: read its number, an int
 template <class T>
 ZoArchive& operator<<(ZoArchive&, const T*) = delete;  // a pointer or narrow text: write a wide text, or what it points to

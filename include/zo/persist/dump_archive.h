@@ -64,7 +64,8 @@ class ZO_COM_API ZoDumpArchive : public ZoArchive {
   void write(bool value, const wchar_t* name) override;
 
   virtual ~ZoDumpArchive();
-  // Adds an entry, formatted by the runtime's wide printf ("%s" and "%ls" are wide texts).
+  // Adds an entry, formatted by the runtime's wide printf: "%s" and "%ls" are wide texts, and the
+  // exponents of its numbers have as many digits as the runtime gives them.
   virtual void printf(const wchar_t* format, ...);
   virtual void clear();  // the text, not the depth
   // The text so far. Valid until the archive is changed.
