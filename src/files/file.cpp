@@ -58,11 +58,18 @@ int ZoFile::createTemp(ZoFileName& name, int access, CreationMode mode, int shar
 
 bool ZoFile::isOpen() const noexcept { return imp_ && imp_->isOpen(); }
 
+// What has lost bytes must not be made effective.
 int ZoFile::close() {
   if (!imp_) return ZoResult::ok;
-  const int lost = imp_->releaseBuffers();
-  const int code = imp_->close();
-  return lost ? lost : code;
+  if (imp_->releaseBuffers() == ZoResult::ok) return imp_->close();
+  imp_->cancel();
+  return ZoResult::refused;
+}
+
+void ZoFile::cancel() {
+  if (!imp_) return;
+  static_cast<void>(imp_->releaseBuffers());
+  imp_->cancel();
 }
 
 unsigned int ZoFile::read(void* buffer, unsigned int count) {

@@ -67,6 +67,9 @@ class ZO_COM_API ZoFileImp {
   [[nodiscard]] virtual std::FILE* getCFileHandle(const wchar_t* mode);
   [[nodiscard]] virtual void* handle(bool give);
 
+  // As it stands: close(), whose failure is lost. A class that commits on close() drops instead.
+  virtual void cancel();
+
   // ---- Buffers above the file: archives (zo/persist/file_archive.h) ----
   // A ZoFile calls these before it passes an operation on; classes derived have nothing to do.
   //
