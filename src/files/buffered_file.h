@@ -18,8 +18,6 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
-#include <span>
-#include <utility>
 
 namespace zo {
 
@@ -45,18 +43,6 @@ class FileReader {
       return count;
     }
     return readMore(static_cast<std::byte*>(out), count);
-  }
-
-  // All that the buffer holds, filled anew when that is nothing; it counts as read, and stays there
-  // until the next call. Empty like a read of 0.
-  std::span<const std::byte> next() {
-    if (next_ == end_) {
-      start(bufferStart_ + static_cast<std::int64_t>(end_));
-      failed_ = false;
-      end_ = fetch(buffer_.get(), capacity_);
-    }
-    const std::size_t first = std::exchange(next_, end_);
-    return {buffer_.get() + first, end_ - first};
   }
 
   // Where the next byte comes from.

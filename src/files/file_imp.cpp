@@ -6,6 +6,7 @@
 
 #include <utility>
 
+#include "files/file_buffer.h"
 #include "files/fresh_file.h"
 #include "platform/file_api.h"
 #include "platform/system_path.h"
@@ -57,6 +58,7 @@ ZoFileImp::ZoFileImp(const ZoFileImp& other, unsigned int access)
 ZoFileImp& ZoFileImp::operator=(const ZoFileImp& other) {
   if (this == &other) return *this;
   ZoFileImp copy(other);
+  releaseBuffers();
   close();
   std::swap(name_, copy.name_);
   std::swap(handle_, copy.handle_);
@@ -67,6 +69,7 @@ ZoFileImp& ZoFileImp::operator=(const ZoFileImp& other) {
 }
 
 ZoFileImp::~ZoFileImp() {
+  dropBuffers();
   if (handle_ != INVALID_HANDLE_VALUE) zo::fileApi().close(handle_);
 }
 
@@ -237,6 +240,47 @@ int ZoFileImp::setLastWriteTime(FILETIME time) {
   return setTime(time, kWritten, L"setLastWriteTime");
 }
 
+void ZoFileImp::cancel() { static_cast<void>(close()); }
+
 void* ZoFileImp::handle(bool give) {
   return give ? std::exchange(handle_, INVALID_HANDLE_VALUE) : handle_;
+}
+
+// ---- Buffers above the file ----
+
+namespace zo {
+
+FileBuffer::FileBuffer(ZoFileImp& file) noexcept : file_(&file), next_(file.buffers_) {
+  file.buffers_ = this;
+}
+
+FileBuffer::~FileBuffer() {
+  if (!file_) return;
+  FileBuffer** link = &file_->buffers_;
+  while (*link != this) link = &(*link)->next_;
+  *link = next_;
+}
+
+void FileBuffer::lose() noexcept { file_->hasLost_ = true; }
+
+}  // namespace zo
+
+int ZoFileImp::settleBuffers() noexcept {
+  for (zo::FileBuffer* buffer = buffers_; buffer; buffer = buffer->next_) buffer->settle(false);
+  return hasLost_ ? ZoResult::refused : ZoResult::ok;
+}
+
+int ZoFileImp::releaseBuffers() noexcept {
+  for (zo::FileBuffer* buffer = buffers_; buffer; buffer = buffer->next_) buffer->settle(true);
+  const int result = hasLost_ ? ZoResult::refused : ZoResult::ok;
+  dropBuffers();
+  return result;
+}
+
+void ZoFileImp::dropBuffers() noexcept {
+  for (; buffers_; buffers_ = buffers_->next_) {
+    buffers_->drop();
+    buffers_->file_ = nullptr;
+  }
+  hasLost_ = false;
 }

@@ -25,6 +25,11 @@ class ZoFileSave::Imp : public ZoFileImp {
   int setEndOfFile() override { return kept(ZoFileImp::setEndOfFile()); }
   int flush() override { return kept(ZoFileImp::flush()); }
   int close() override { return kept(ZoFileImp::close()); }
+  void cancel() override {
+    SetLastError(ERROR_CANCELLED);
+    keep();
+    ZoFileImp::cancel();
+  }
   // The platform's error of what failed first; 0 when nothing did.
   [[nodiscard]] DWORD failure() const { return failure_; }
 
@@ -67,6 +72,7 @@ int ZoFileSave::open(const ZoFileName& target) {
 
 int ZoFileSave::commit(bool toDisk) {
   const bool isOurs = !beside_.isEmpty() && file_.getImpObj() == imp_;
+  if (isOurs) imp_->settleBuffers();  // a failure is kept
   if (const DWORD failure = isOurs ? imp_->failure() : ERROR_INVALID_HANDLE) {
     SetLastError(failure);
     return fail();
@@ -80,6 +86,7 @@ int ZoFileSave::commit(bool toDisk) {
 }
 
 void ZoFileSave::cancel() {
+  if (file_.isOpen()) file_.getImpObj()->dropBuffers();
   file_.setImpObj(nullptr);
   imp_ = nullptr;
   if (beside_.isEmpty()) return;

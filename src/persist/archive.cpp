@@ -1,5 +1,7 @@
 #include <zo/persist/archive.h>
+#include <zo/system/exception.h>
 
+#include "persist/lent_variant.h"
 #include "persist/variant_layout.h"
 
 namespace zo {
@@ -19,7 +21,36 @@ bool ArchiveAccess<ZoArchive>::enter(const ZoArchive&) {
   return true;
 }
 
+void beginElement() noexcept { readState().cameShort = false; }
+bool isElementShort() noexcept { return readState().cameShort; }
+void checkAdded(int code) {
+  if (code == ZoResult::outOfMemory) throw std::bad_alloc();
+}
+
 namespace {
+
+// While an archive's own functions write a container: elements pass the same function as the whole,
+// whose depth is looked at before its first byte.
+class ContainerWriting {
+ public:
+  ContainerWriting(const ZoArchive& archive, const ZoVariant& value) : before_(current()) {
+    if (before_ != &archive && value.isTooDeep())
+      zoThrow(ZoComException(L"archive.cpp", L"write", kTooDeep, 0, true));
+    current() = &archive;
+  }
+  ContainerWriting(const ContainerWriting&) = delete;
+  ContainerWriting& operator=(const ContainerWriting&) = delete;
+  ~ContainerWriting() { current() = before_; }
+
+ private:
+  // The archive that this thread writes a container to.
+  static const ZoArchive*& current() noexcept {
+    static thread_local const ZoArchive* archive = nullptr;
+    return archive;
+  }
+
+  const ZoArchive* before_;
+};
 
 template <class Number>
 void readNumber(ZoArchive& archive, Number& value) {
@@ -48,7 +79,11 @@ void ZoArchive::read(ZoPlane& value) { zo::readPlane(*this, value); }
 void ZoArchive::read(ZoVector& value) { zo::readVector(*this, value); }
 void ZoArchive::read(ZoPoint& value) { zo::readPoint(*this, value); }
 void ZoArchive::read(ZoFileName& value) { zo::readFileName(*this, value); }
-void ZoArchive::read(ZoVariant& value) { zo::readVariant(*this, value, isdrftfilefiler()); }
+void ZoArchive::read(ZoVariant& value) {
+  ZoVariant read;
+  zo::readVariant(*this, read, isdrftfilefiler());
+  value = std::move(read);
+}
 void ZoArchive::read(ZoString& value) { zo::readString(*this, value); }
 void ZoArchive::read(ZoColor& value) { read(value.value()); }
 void ZoArchive::read(wchar_t*& value) { zo::readNewText(*this, value); }
@@ -83,6 +118,8 @@ void ZoArchive::write(const ZoVector& value, const wchar_t* name) {
 void ZoArchive::write(const ZoPoint& value, const wchar_t*) { zo::writePoint(*this, value); }
 void ZoArchive::write(const ZoFileName& value, const wchar_t*) { zo::writeFileName(*this, value); }
 void ZoArchive::write(const ZoVariant& value, const wchar_t*) {
+  if (!zo::isContainer(value)) return zo::writeVariant(*this, value, isdrftfilefiler());
+  const zo::ContainerWriting writing(*this, value);
   zo::writeVariant(*this, value, isdrftfilefiler());
 }
 void ZoArchive::write(const ZoString& value, const wchar_t*) { zo::writeString(*this, value); }
@@ -112,4 +149,43 @@ void ZoArchive::write(signed char value, const wchar_t* name) {
 void ZoArchive::write(bool value, const wchar_t* name) {
   const unsigned char byte = value ? 1 : 0;
   writeBin(&byte, sizeof byte, name);
+}
+void ZoArchive::writeView(std::wstring_view text, const wchar_t* name) {
+  write(ZoString(text), name);
+}
+
+ZoArchive& operator>>(ZoArchive& archive, std::wstring& text) {
+  ZoString read;
+  archive.read(read);
+  text = read.view();
+  return archive;
+}
+
+// ---- Containers ----
+
+ZoArchive& operator<<(ZoArchive& archive, const ZoDict<ZoVariant, ZoString>& dict) {
+  return archive << zo::LentVariant(dict).get();
+}
+
+ZoArchive& operator<<(ZoArchive& archive, const ZoSequence<ZoVariant>& sequence) {
+  return archive << zo::LentVariant(sequence).get();
+}
+
+ZoArchive& operator>>(ZoArchive& archive, ZoDict<ZoVariant, ZoString>& dict) {
+  ZoVariant read;
+  archive.read(read);
+  dict.removeAll(true);
+  if (!read.asDict()) return archive;
+  for (auto [key, value] : *read.asDict())
+    zo::checkAdded(dict.insertAt(ZoString(key), std::move(value)));
+  return archive;
+}
+
+ZoArchive& operator>>(ZoArchive& archive, ZoSequence<ZoVariant>& sequence) {
+  ZoVariant read;
+  archive.read(read);
+  sequence.removeAll(true);
+  if (!read.asSequence()) return archive;
+  for (ZoVariant& element : *read.asSequence()) zo::checkAdded(sequence.append(std::move(element)));
+  return archive;
 }

@@ -16,6 +16,8 @@
 
 namespace zo {
 
+inline constexpr const wchar_t* kTooDeep = L"The archive's containers lie too deep in one another";
+
 // What a ZoArchive, which has no data, needs to know while it reads. One thread reads one value at
 // a time. (No destructor: a thread's end frees thread_local objects before those run.)
 struct ReadState {
@@ -98,13 +100,13 @@ void readString(Archive& archive, ZoString& value) {
 
 template <class Archive>
 void readNewText(Archive& archive, wchar_t*& value) {
-  value = nullptr;
   unsigned int count = 0;
   archive.read(count);
   readText(archive, count, [&](std::wstring_view text) {
-    value = new wchar_t[text.size() + 1];
-    text.copy(value, text.size());
-    value[text.size()] = L'\0';
+    auto* const read = new wchar_t[text.size() + 1];
+    text.copy(read, text.size());
+    read[text.size()] = L'\0';
+    value = read;
   });
 }
 
@@ -132,19 +134,20 @@ void writeHandle(Archive& archive, const ZoHnd& value) {
 }
 template <class Archive>
 void readHandle(Archive& archive, ZoHnd& value) {
-  value = ZoHnd();
+  ZoHnd handle;
   int types = 0;
   int id = 0;  // not the 8 bytes that are written, on purpose
   ZoString text;
   archive.read(types);
   if (types & ZoHnd::kId) {
     archive.read(id);
-    value.setId(id);
+    handle.setId(id);
   }
   if (types & ZoHnd::kText) {
     archive.read(text);
-    value.setHandle(text);
+    handle.setHandle(text);
   }
+  value = handle;
 }
 
 template <class Archive>
@@ -156,19 +159,21 @@ void writeFileName(Archive& archive, const ZoFileName& value) {
 }
 template <class Archive>
 void readFileName(Archive& archive, ZoFileName& value) {
-  value = ZoFileName();
+  ZoFileName name;
   unsigned char delimiter = 0;
   unsigned short size = 0;
   archive.read(delimiter);
   archive.read(size);
-  if (ArchiveAccess<Archive>::cameShort(archive)) return;
-  readText(archive, size, [&](std::wstring_view text) {
-    const ZoString name(text);
-    value.setFullName(name);
-    // What cannot be split by the usual rules may have been made under wider ones.
-    if (value.isEmpty()) value.setFullName(name, false, false, true, true);
-  });
-  value.setDelimiter(delimiter);
+  if (!ArchiveAccess<Archive>::cameShort(archive)) {
+    readText(archive, size, [&](std::wstring_view view) {
+      const ZoString text(view);
+      name.setFullName(text);
+      // What cannot be split by the usual rules may have been made under wider ones.
+      if (name.isEmpty()) name.setFullName(text, false, false, true, true);
+    });
+    name.setDelimiter(delimiter);
+  }
+  value = std::move(name);
 }
 
 }  // namespace zo

@@ -119,13 +119,12 @@ void writePlane(Archive& archive, const ZoPlane& value) {
   }
   archive.write(static_cast<signed char>(0), L"");
   ZoVector unit;
-  if (value.normal().normal(unit) != 0) unit = ZoVector();
+  static_cast<void>(value.normal().normal(unit));  // a plane without a normal has a code
   const double numbers[] = {unit.x, unit.y, unit.z, value.signedDistanceTo(ZoPoint())};
   archive.writeBin(numbers, sizeof numbers, L"");
 }
 template <class Archive>
 void readPlane(Archive& archive, ZoPlane& value) {
-  value = ZoPlane();
   signed char code = 0;
   archive.read(code);
   for (const PlaneCode& plane : kPlaneCodes) {
@@ -134,10 +133,9 @@ void readPlane(Archive& archive, ZoPlane& value) {
       return;
     }
   }
-  double numbers[4];
-  if (!ArchiveAccess<Archive>::fill(archive, numbers, sizeof numbers,
-                                    L"The archive ends within a plane"))
-    return;
+  double numbers[4];  // zeros where the data ended
+  ArchiveAccess<Archive>::fill(archive, numbers, sizeof numbers,
+                               L"The archive ends within a plane");
   const ZoVector normal(numbers[0], numbers[1], numbers[2]);
   value = ZoPlane(ZoPoint() - normal * numbers[3], normal);
 }
@@ -161,7 +159,6 @@ void writeCoSystem(Archive& archive, const ZoCoSystem& value) {
 }
 template <class Archive>
 void readCoSystem(Archive& archive, ZoCoSystem& value) {
-  value = ZoCoSystem();
   ZoPoint origin;
   ZoVector x, y;
   archive.read(origin);

@@ -15,8 +15,6 @@ namespace {
   zoThrow(ZoComException(L"buffered_archive.cpp", function, message, position, true));
 }
 
-constexpr const wchar_t* kTooDeep = L"The archive's containers lie too deep in one another";
-
 template <class Number>
 constexpr const wchar_t* endsWithin() {
   if constexpr (std::is_same_v<Number, double>) return L"The archive ends within a real";
@@ -99,7 +97,9 @@ void ReadArchive::read(bool& value) {
   value = byte != 0;
 }
 void ReadArchive::read(_GUID& value) {
-  take(&value, sizeof value, L"The archive ends within a GUID");
+  _GUID read;
+  take(&read, sizeof read, L"The archive ends within a GUID");
+  value = read;
 }
 void ReadArchive::read(ZoColor& value) { takeNumber(value.value()); }
 void ReadArchive::read(ZoString& value) { readString(*this, value); }
@@ -112,12 +112,20 @@ void ReadArchive::read(ZoCoSystem& value) { readCoSystem(*this, value); }
 void ReadArchive::read(ZoTol& value) { readTol(*this, value); }
 void ReadArchive::read(ZoHnd& value) { readHandle(*this, value); }
 void ReadArchive::read(ZoFileName& value) { readFileName(*this, value); }
-void ReadArchive::read(ZoVariant& value) { readVariant(*this, value); }
+void ReadArchive::read(ZoVariant& value) {
+  if (depth_ > 0) return readVariant(*this, value);  // a fresh element
+  ZoVariant read;
+  readVariant(*this, read);
+  value = std::move(read);
+}
 
 // ---- Writing ----
 
 bool ArchiveAccess<WriteArchive>::enter(WriteArchive& archive) {
-  if (archive.depth_ == ZoVariant::kMaxDepth) archive.fail(kTooDeep);
+  if (archive.depth_ == ZoVariant::kMaxDepth) {
+    archive.next_ = archive.begin_ + archive.containerStart_;
+    archive.fail(kTooDeep);
+  }
   ++archive.depth_;
   return true;
 }
@@ -159,9 +167,12 @@ void WriteArchive::write(const ZoTol& value, const wchar_t*) { writeTol(*this, v
 void WriteArchive::write(const ZoHnd& value, const wchar_t*) { writeHandle(*this, value); }
 void WriteArchive::write(const ZoFileName& value, const wchar_t*) { writeFileName(*this, value); }
 void WriteArchive::write(const ZoVariant& value, const wchar_t*) {
-  // As deep as can be read back.
-  if (!value.isTypeOf(ZoVariant::kDict) && !value.isTypeOf(ZoVariant::kSequence))
-    return writeVariant(*this, value);
+  if (!isContainer(value)) return writeVariant(*this, value);
+  if (depth_ == 0) {
+    // Where all can be taken back, its depth shows while it is written, which is faster.
+    if (!keepsAll_ && value.isTooDeep()) fail(kTooDeep);
+    containerStart_ = static_cast<std::size_t>(next_ - begin_);
+  }
   const Nesting<WriteArchive> deeper(*this);
   writeVariant(*this, value);
 }

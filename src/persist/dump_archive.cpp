@@ -11,6 +11,10 @@
 
 namespace {
 
+// The format of the archive's own entries: their numbers are text already, so that they look the
+// same whatever the runtime makes of exponents.
+constexpr wchar_t kAnyText[] = L"%ls";
+
 // The text of one entry; what is more than fits is cut off.
 class Entry {
  public:
@@ -48,7 +52,10 @@ class Entry {
     return *this << L")";
   }
 
-  [[nodiscard]] std::wstring_view view() const noexcept { return {text_, used_}; }
+  void sendTo(ZoDumpArchive& dump) {
+    text_[used_] = L'\0';
+    dump.printf(kAnyText, text_);
+  }
 
  private:
   static constexpr std::size_t kRoom = 1023;
@@ -58,8 +65,20 @@ class Entry {
     return *this;
   }
 
-  wchar_t text_[kRoom];
+  wchar_t text_[kRoom + 1];
   std::size_t used_ = 0;
+};
+
+// One level more, as long as it lives.
+class Deeper {
+ public:
+  explicit Deeper(unsigned int& level) : level_(level) { ++level_; }
+  Deeper(const Deeper&) = delete;
+  Deeper& operator=(const Deeper&) = delete;
+  ~Deeper() { --level_; }
+
+ private:
+  unsigned int& level_;
 };
 
 std::span<const double> xyz(const ZoPoint& point) { return {point.asDblArray(), 3}; }
@@ -82,13 +101,17 @@ void ZoDumpArchive::add(std::wstring_view entry) {
 }
 
 void ZoDumpArchive::printf(const wchar_t* format, ...) {
-  wchar_t text[1024];
   std::va_list arguments;
   va_start(arguments, format);
-  _vsnwprintf(text, std::size(text), format ? format : L"", arguments);
+  if (format == kAnyText) {
+    add(va_arg(arguments, const wchar_t*));
+  } else {
+    wchar_t text[1024];
+    _vsnwprintf(text, std::size(text), format ? format : L"", arguments);
+    text[std::size(text) - 1] = L'\0';  // the runtime leaves it out when it cuts
+    add(text);
+  }
   va_end(arguments);
-  text[std::size(text) - 1] = L'\0';  // the runtime leaves it out when it cuts
-  add(text);
 }
 
 void ZoDumpArchive::clear() {
@@ -104,15 +127,16 @@ const ZoString& ZoDumpArchive::dump() {
   return text_;
 }
 
+// The name is the format; a '%' that stands alone is none.
 void ZoDumpArchive::pushScope(const wchar_t* name) {
-  std::wstring_view rest(name ? name : L"");
-  Entry entry;
-  for (std::size_t at; (at = rest.find(L"%%")) != std::wstring_view::npos;) {
-    entry << rest.substr(0, at + 1);
-    rest.remove_prefix(at + 2);
+  std::wstring format;
+  for (const wchar_t* c = name ? name : L""; *c; ++c) {
+    format += *c;
+    if (*c != L'%') continue;
+    format += L'%';
+    if (c[1] == L'%') ++c;
   }
-  entry << rest;
-  add(entry.view());
+  printf(format.c_str());
   ++depth_;
 }
 
@@ -130,63 +154,68 @@ void ZoDumpArchive::writeBin(const void* data, unsigned int size, const wchar_t*
   for (unsigned int i = 0; i < size && i < 512; ++i) {
     entry << kDigits.substr(bytes[i] >> 4, 1) << kDigits.substr(bytes[i] & 0xF, 1);
   }
-  add(entry.view());
+  entry.sendTo(*this);
 }
 
 void ZoDumpArchive::write(const _GUID& value, const wchar_t* name) {
   wchar_t text[ZoGuidTextSize];
   ZoGuid2String(value, text, false);
-  add((Entry(name, L"GUID") << L" {" << text << L"}").view());
+  (Entry(name, L"GUID") << L" {" << text << L"}").sendTo(*this);
 }
 
 void ZoDumpArchive::write(const ZoHnd& value, const wchar_t* name) {
   Entry entry(name, L"Handle");
   (entry << L" ").quoted(value.handle());
-  add((entry << L" " << static_cast<std::int32_t>(value.id())).view());
+  (entry << L" " << static_cast<std::int32_t>(value.id())).sendTo(*this);
 }
 
 void ZoDumpArchive::write(const ZoTol& value, const wchar_t* name) {
-  add((Entry(name, L"Tolerance") << L" " << value.getPntTol() << L"(Pnt) " << value.getVecTol()
-                                 << L"(Vec)")
-          .view());
+  (Entry(name, L"Tolerance") << L" " << value.getPntTol() << L"(Pnt) " << value.getVecTol()
+                             << L"(Vec)")
+      .sendTo(*this);
 }
 
 void ZoDumpArchive::write(const ZoCoSystem& value, const wchar_t* name) {
-  add(Entry(name, L"CoordSystem").view());
-  add((Entry() << L"   Origin").numbers(xyz(value.origin())).view());
-  add((Entry() << L"   X-Axis").numbers(xyz(value.xAxis())).view());
-  add((Entry() << L"   Y-Axis").numbers(xyz(value.yAxis())).view());
+  Entry(name, L"CoordSystem").sendTo(*this);
+  (Entry() << L"   Origin").numbers(xyz(value.origin())).sendTo(*this);
+  (Entry() << L"   X-Axis").numbers(xyz(value.xAxis())).sendTo(*this);
+  (Entry() << L"   Y-Axis").numbers(xyz(value.yAxis())).sendTo(*this);
 }
 
 void ZoDumpArchive::write(const ZoMatrix& value, const wchar_t* name) {
-  add(Entry(name, L"Matrix").view());
+  Entry(name, L"Matrix").sendTo(*this);
   const std::span<const double> numbers(value.asDblArray(), 16);
   for (std::size_t row = 0; row < 4; ++row)
-    add((Entry() << L"   ").numbers(numbers.subspan(4 * row, 4), L" ").view());
+    (Entry() << L"   ").numbers(numbers.subspan(4 * row, 4), L" ").sendTo(*this);
 }
 
 void ZoDumpArchive::write(const ZoPlane& value, const wchar_t* name) {
   Entry entry(name, L"Plane");
   (entry << L" RefPnt").numbers(xyz(value.refPoint()));
-  add((entry << L" Normal").numbers(xyz(value.normal())).view());
+  (entry << L" Normal").numbers(xyz(value.normal())).sendTo(*this);
 }
 
 void ZoDumpArchive::write(const ZoVector& value, const wchar_t* name) {
-  add((Entry(name, L"Vector") << L" ").numbers(xyz(value)).view());
+  (Entry(name, L"Vector") << L" ").numbers(xyz(value)).sendTo(*this);
 }
 
 void ZoDumpArchive::write(const ZoPoint& value, const wchar_t* name) {
-  add((Entry(name, L"Point") << L" ").numbers(xyz(value)).view());
+  (Entry(name, L"Point") << L" ").numbers(xyz(value)).sendTo(*this);
 }
 
 void ZoDumpArchive::write(const ZoFileName& value, const wchar_t* name) {
-  add((Entry(name, L"FileName") << L" ").quoted(value.fullName()).view());
+  (Entry(name, L"FileName") << L" ").quoted(value.fullName()).sendTo(*this);
 }
 
 void ZoDumpArchive::write(const ZoVariant& value, const wchar_t* name) {
-  const bool container = value.isTypeOf(ZoVariant::kDict) || value.isTypeOf(ZoVariant::kSequence);
-  const bool scope = container && name && *name;
+  if (!zo::isContainer(value)) return zo::writeVariantValue<ZoArchive>(*this, value, name, false);
+  if (nested_ == ZoVariant::kMaxDepth) {
+    (Entry(name, L"Variant") << L" containers lie too deep").sendTo(*this);
+    return;
+  }
+  const bool scope = name && *name;
   if (scope) pushScope(name);
+  const Deeper deeper(nested_);
   zo::writeVariantValue<ZoArchive>(*this, value, name, false);
   if (scope) popScope();
 }
@@ -196,48 +225,47 @@ void ZoDumpArchive::write(const ZoString& value, const wchar_t* name) { write(va
 void ZoDumpArchive::write(ZoColor& value, const wchar_t* name) {
   unsigned char red = 0, green = 0, blue = 0;
   value.getRgb(red, green, blue);
-  add((Entry(name, L"Color") << L" " << int{value.type()} << L" (" << int{red} << L" " << int{green}
-                             << L" " << int{blue} << L")")
-          .view());
+  (Entry(name, L"Color") << L" " << int{value.type()} << L" (" << int{red} << L" " << int{green}
+                         << L" " << int{blue} << L")")
+      .sendTo(*this);
 }
 
 void ZoDumpArchive::write(const wchar_t* text, const wchar_t* name) {
-  add((Entry(name, L"String") << L" ").quoted(text).view());
+  (Entry(name, L"String") << L" ").quoted(text).sendTo(*this);
 }
 
 void ZoDumpArchive::write(double value, const wchar_t* name) {
-  add((Entry(name, L"Real") << L" " << value).view());
+  (Entry(name, L"Real") << L" " << value).sendTo(*this);
 }
 
 // These two have each other's names, on purpose.
 void ZoDumpArchive::write(std::int64_t value, const wchar_t* name) {
-  add((Entry(name, L"UInt64") << L" " << static_cast<std::uint32_t>(value)
-                              << L" (trimmed to 32 bit)")
-          .view());
+  (Entry(name, L"UInt64") << L" " << static_cast<std::uint32_t>(value) << L" (trimmed to 32 bit)")
+      .sendTo(*this);
 }
 void ZoDumpArchive::write(std::uint64_t value, const wchar_t* name) {
-  add((Entry(name, L"Int64") << L" " << static_cast<std::int32_t>(value) << L" (trimmed to 32 bit)")
-          .view());
+  (Entry(name, L"Int64") << L" " << static_cast<std::int32_t>(value) << L" (trimmed to 32 bit)")
+      .sendTo(*this);
 }
 
 void ZoDumpArchive::write(unsigned int value, const wchar_t* name) {
-  add((Entry(name, L"UInt32") << L" " << value).view());
+  (Entry(name, L"UInt32") << L" " << value).sendTo(*this);
 }
 void ZoDumpArchive::write(int value, const wchar_t* name) {
-  add((Entry(name, L"Int32") << L" " << value).view());
+  (Entry(name, L"Int32") << L" " << value).sendTo(*this);
 }
 void ZoDumpArchive::write(unsigned short value, const wchar_t* name) {
-  add((Entry(name, L"UInt16") << L" " << int{value}).view());
+  (Entry(name, L"UInt16") << L" " << int{value}).sendTo(*this);
 }
 void ZoDumpArchive::write(short value, const wchar_t* name) {
-  add((Entry(name, L"Int16") << L" " << int{value}).view());
+  (Entry(name, L"Int16") << L" " << int{value}).sendTo(*this);
 }
 void ZoDumpArchive::write(unsigned char value, const wchar_t* name) {
-  add((Entry(name, L"UInt8") << L" " << int{value}).view());
+  (Entry(name, L"UInt8") << L" " << int{value}).sendTo(*this);
 }
 void ZoDumpArchive::write(signed char value, const wchar_t* name) {
-  add((Entry(name, L"Int8") << L" " << int{value}).view());
+  (Entry(name, L"Int8") << L" " << int{value}).sendTo(*this);
 }
 void ZoDumpArchive::write(bool value, const wchar_t* name) {
-  add((Entry(name, L"Bool") << L" " << (value ? L"true" : L"false")).view());
+  (Entry(name, L"Bool") << L" " << (value ? L"true" : L"false")).sendTo(*this);
 }

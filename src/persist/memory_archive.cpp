@@ -6,7 +6,8 @@ ZoMemoryReadArchive::~ZoMemoryReadArchive() = default;
 
 bool ZoMemoryReadArchive::refill() { return false; }
 
-ZoMemoryWriteArchive::ZoMemoryWriteArchive() : memory_(std::make_unique<zo::GrowingMemory>()) {}
+ZoMemoryWriteArchive::ZoMemoryWriteArchive()
+    : WriteArchive(true), memory_(std::make_unique<zo::GrowingMemory>()) {}
 ZoMemoryWriteArchive::~ZoMemoryWriteArchive() = default;
 
 void ZoMemoryWriteArchive::overflow(const void* data, std::size_t size) {

@@ -13,6 +13,10 @@ namespace zo {
 
 static_assert(ZoVariant::kGuid == static_cast<unsigned int>(StoredKind::Guid));
 
+inline bool isContainer(const ZoVariant& value) noexcept {
+  return value.isTypeOf(ZoVariant::kDict) || value.isTypeOf(ZoVariant::kSequence);
+}
+
 // ---- Writing ----
 
 template <class Archive>

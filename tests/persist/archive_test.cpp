@@ -3,6 +3,8 @@
 #include <windows.h>
 #include <zo/host/mfc.h>
 
+#include <algorithm>
+#include <cstdarg>
 #include <cstring>
 #include <filesystem>
 #include <random>
@@ -32,16 +34,6 @@ void withMfc(bool store, const std::filesystem::path& path, const Use& use) {
   use(archive);
 }
 
-void writeAll(ZoArchive& to) {
-  for (const ArchivedValue& value : archivedValues()) value.write(to);
-}
-
-ByteVector passed(const ArchivedValue& value, ZoArchive& from, bool fresh = true) {
-  PlainArchive to;
-  value.pass(from, fresh, to);
-  return to.bytes;
-}
-
 ZoVariant nested(unsigned int depth) {
   ZoVariant value(1);
   for (; depth > 0; --depth) {
@@ -50,21 +42,6 @@ ZoVariant nested(unsigned int depth) {
     value = ZoVariant(std::move(around));
   }
   return value;
-}
-
-// The exception that `use` throws, as "POSITION MESSAGE"; empty for none.
-std::wstring thrown(const std::function<void()>& use) {
-  try {
-    use();
-  } catch (const ZoComException& e) {
-    return std::to_wstring(e.position()) + L' ' + e.message();
-  }
-  return {};
-}
-
-void expectAll(ZoArchive& from) {
-  for (const ArchivedValue& value : archivedValues())
-    EXPECT_EQ(passed(value, from), value.bytes) << testing::PrintToString(value.dump);
 }
 
 }  // namespace
@@ -114,7 +91,7 @@ TEST(Archive, EveryValueHasItsBytesAndItsEntryAndComesBack) {
   withMfc(false, folder.path() / L"archive", expectAll);
 }
 
-// Wherever the data ends: nothing of what the value held before is left, and nothing hangs.
+// Wherever the data ends: all or nothing of what the value held before is left, and nothing hangs.
 TEST(Archive, DataThatEndsEarlyGivesZerosOrThrows) {
   for (const ArchivedValue& value : archivedValues()) {
     PlainArchive empty;
@@ -126,7 +103,9 @@ TEST(Archive, DataThatEndsEarlyGivesZerosOrThrows) {
       PlainArchive fresh(cut), used(cut);
       EXPECT_EQ(passed(value, fresh), passed(value, used, false));
       ZoMemoryReadArchive memory(cut.data(), cut.size());
-      const std::wstring what = thrown([&] { passed(value, memory); });
+      ByteVector left;
+      const std::wstring what = thrown([&] { passed(value, memory, false, &left); });
+      EXPECT_EQ(left, value.bytes) << "as it was";
       EXPECT_NE(what.find(L" The archive ends "), std::wstring::npos);
       EXPECT_LE(std::stoul(what), size);
     }
@@ -177,13 +156,114 @@ TEST(Archive, ContainersLieAtMostSoDeep) {
   EXPECT_EQ(value, nested(most));
   memory.clear();
   const std::wstring tooDeep = L" The archive's containers lie too deep in one another";
-  EXPECT_EQ(thrown([&] { memory.write(nested(most + 1), L""); }),
-            std::to_wstring(12 * most) + tooDeep);
+  // Nothing is written of what is too deep, and what follows is.
+  const ZoVariant tooMuch(ZoArray<ZoVariant>{1, nested(most)});
+  const auto refuses = [&](ZoArchive& to, const wchar_t* at) {
+    to << 1;
+    EXPECT_EQ(thrown([&] { to << tooMuch; }), at + tooDeep);
+    to << nested(most) << 2;
+  };
+  refuses(memory, L"4");
   PlainArchive plain;
-  plain.write(nested(most + 1), L"");
+  refuses(plain, L"0");
+  const TempFolder folder;
+  withMfc(true, folder.path() / L"mfc", [&](ZoArchive& to) { refuses(to, L"0"); });
+  {
+    const Attached attached;
+    ZoFile file;
+    ASSERT_EQ(file.open(ZoFileName(folder.path() / L"file"), ZoFile::kWrite, ZoFile::kCreateAlways),
+              0);
+    ZoFileWriteArchive to(file);
+    refuses(to, L"4");
+  }
+  EXPECT_EQ(plain.bytes.size(), 8 + 12 * most + 12);
+  const std::string bytes(plain.bytes.begin(), plain.bytes.end());
+  EXPECT_EQ(bytes, std::string(reinterpret_cast<const char*>(memory.bytes().data()), bytes.size()));
+  EXPECT_EQ(fileBytes(folder.path() / L"mfc"), bytes);
+  EXPECT_EQ(fileBytes(folder.path() / L"file"), bytes);
+  ZoDumpArchive dump;
+  dump << nested(most) << nested(most + 1);
+  const std::wstring_view note = L"Variant: containers lie too deep";
+  EXPECT_TRUE(dump.dump().view().ends_with(note));
+  EXPECT_EQ(dump.dump().view().find(note), dump.dump().length() - note.size()) << "the second";
+
+  plain.bytes.clear();
+  for (unsigned int i = 0; i <= most; ++i) {
+    const ByteVector one = bytesOf("00270000 09000000 01000000");
+    plain.bytes.insert(plain.bytes.end(), one.begin(), one.end());
+  }
+  plain << ZoVariant(1);
   ZoMemoryReadArchive deep(plain.bytes.data(), plain.bytes.size());
   EXPECT_EQ(thrown([&] { deep.read(value); }), std::to_wstring(12 * most + 8) + tooDeep);
   EXPECT_EQ(thrown([&] { deep.read(value); }), L"") << "it stands there, and has left all levels";
+}
+
+// What has no stored type of its own, but one that fits.
+TEST(Archive, KindredTypesAndContainersComeBack) {
+  ZoHashDict<ZoVariant, ZoString> dict;
+  dict.insertAt(L"Key", list());
+  const ZoArray<ZoVariant> array{7, L"x"};
+  const ZoList<ZoVariant> chain{1, 2};
+  const ZoArray<ZoString> names{L"a", L""};
+  ZoHashDict<double, ZoString> lengths;
+  lengths.insertAt(L"l", 2.5);
+  const std::wstring text(L"M\0x", 3);
+  const auto write = [&](ZoArchive& to) {
+    to << 7L << 0xFFFFFFFFUL << text << std::wstring_view(text) << ZoString(L"sub")(1, 2);
+    to << dict << array << chain << names << lengths << L"end";
+  };
+  ZoMemoryWriteArchive memory;
+  write(memory);
+  PlainArchive plain;
+  write(plain);
+  ASSERT_EQ(plain.bytes.size(), memory.bytes().size());
+  EXPECT_EQ(std::memcmp(memory.bytes().data(), plain.bytes.data(), plain.bytes.size()), 0);
+  PlainArchive expected;
+  expected.write(7, L"");
+  expected.write(0xFFFFFFFFU, L"");
+  for (int i = 0; i < 2; ++i) expected.write(ZoString(text), L"");
+  expected.write(L"ub", L"");
+  for (const ZoVariant& value : {ZoVariant(dict), ZoVariant(array), ZoVariant(chain)})
+    expected.write(value, L"");
+  const ByteVector typed = bytesOf("02000000 01000000 6100 00000000 01000000 01000000 6C00");
+  expected.writeBin(typed.data(), static_cast<unsigned int>(typed.size()), L"");
+  expected.write(2.5, L"");
+  expected.write(L"end", L"");
+  EXPECT_EQ(plain.bytes, expected.bytes);
+
+  const auto read = [&](ZoArchive& from) {
+    long number = 0;
+    unsigned long word = 0;
+    std::wstring one, other;
+    ZoString part, end;
+    ZoHashDict<ZoVariant, ZoString> readDict;
+    readDict.insertAt(L"old", 1);
+    ZoArray<ZoVariant> readArray{1};
+    ZoList<ZoVariant> readChain;
+    ZoArray<ZoString> readNames{L"old"};
+    ZoHashDict<double, ZoString> readLengths;
+    from >> number >> word >> one >> other >> part;
+    from >> readDict >> readArray >> readChain >> readNames >> readLengths >> end;
+    PlainArchive again;
+    again << number << word << one << other << part;
+    again << readDict << readArray << readChain << readNames << readLengths << end;
+    return again.bytes;
+  };
+  ZoMemoryReadArchive from(memory.bytes());
+  EXPECT_EQ(read(from), plain.bytes);
+  EXPECT_EQ(read(plain), plain.bytes);
+
+  PlainArchive claims(bytesOf("FFFFFFFF 01000000 6100 05"));
+  ZoArray<ZoString> readNames{L"old"};
+  claims >> readNames;
+  EXPECT_EQ(readNames.entries(), 1U);
+  EXPECT_EQ(*readNames.at(0), L"a");
+  ZoMemoryReadArchive throwing(claims.bytes.data(), claims.bytes.size());
+  EXPECT_EQ(thrown([&] { throwing >> readNames; }), L"11 The archive ends within a 32-bit number");
+  EXPECT_EQ(readNames.entries(), 1U) << "as it was";
+  PlainArchive other(bytesOf("00210000 01000000 07000000"));
+  other >> dict;
+  EXPECT_TRUE(dict.isEmpty()) << "another kind of value";
 }
 
 TEST(Archive, EqualShortTextsOfOneVariantShareTheirMemory) {
@@ -266,45 +346,32 @@ TEST(MfcArchive, TextsOfAStdioFileMayBeEightBit) {
   EXPECT_TRUE(past.isEmpty());
 }
 
-TEST(FileArchive, GoesThroughItsBufferAndGivesTheFileBackInPlace) {
-  const TempFolder folder;
-  const Attached attached;  // failures of files are reported to a service
-  const ZoString longText(std::wstring(100000, L'x'));
-  PlainArchive whole;
-  writeAll(whole);
-  ZoFile file;
-  const ZoFileName name(folder.path() / L"archive");
-  ASSERT_EQ(file.open(name, ZoFile::kReadWrite, ZoFile::kCreateAlways), 0);
-  file.write("head", 4);
-  {
-    ZoFileWriteArchive archive(file);
-    for (int i = 0; i < 100; ++i) writeAll(archive);
-    archive << longText;
-    archive.flush();
-    EXPECT_EQ(file.currentPos(), static_cast<std::int64_t>(4 + 100 * whole.bytes.size() + 200004));
+// Whatever is written, whole and in order.
+TEST(DumpArchive, EveryEntryPassesPrintf) {
+  class Watched : public ZoDumpArchive {
+   public:
+    void printf(const wchar_t* format, ...) override {
+      wchar_t entry[1024];
+      std::va_list arguments;
+      va_start(arguments, format);
+      _vsnwprintf(entry, std::size(entry), format, arguments);
+      va_end(arguments);
+      ZoDumpArchive::printf(L"%ls", entry);
+      ++entries;
+    }
+    std::size_t entries = 0;
+  };
+  Watched watched;
+  ZoDumpArchive dump;
+  for (ZoDumpArchive* to : {static_cast<ZoDumpArchive*>(&watched), &dump}) {
+    to->pushScope(L"50 %d %% %s");
+    writeAll(*to);
+    *to << 1e100 << 1e-7;
   }
-  file.write("tail", 4);
-  file.seek(4);
-  {
-    ZoFileReadArchive archive(file);
-    for (int i = 0; i < 100 && !HasFailure(); ++i) expectAll(archive);
-    ZoString text;
-    archive >> text;
-    EXPECT_TRUE(text == longText);
-  }
-  char tail[4];
-  EXPECT_EQ(file.read(tail, 4), 4U);
-  EXPECT_EQ(std::string_view(tail, 4), "tail");
-
-  FaultyFiles faulty;
-  faulty.arm({.fault = Fault::fail, .call = "read"});
-  file.seek(0);
-  ZoFileReadArchive unreadable(file);
-  EXPECT_EQ(thrown([&] { unreadable.readBin(tail, 4); }), L"0 The archive's file cannot be read");
-  faulty.arm({.fault = Fault::fail, .call = "write"});
-  ZoFileWriteArchive unwritable(file);
-  unwritable.write(1, L"");
-  EXPECT_EQ(thrown([&] { unwritable.flush(); }), L"0 The archive's file cannot be written");
+  EXPECT_EQ(watched.dump(), dump.dump());
+  EXPECT_EQ(watched.entries,
+            static_cast<std::size_t>(std::ranges::count(dump.dump().view(), L'\n')));
+  EXPECT_NE(dump.dump().view().find(L"   Real: 1e+100\n   Real: 1e-07"), std::wstring_view::npos);
 }
 
 TEST(DumpArchive, ScopesIndentLabelsReplaceTheTypeAndEntriesAreCut) {

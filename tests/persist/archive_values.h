@@ -42,7 +42,8 @@ struct ArchivedValue {
   ByteVector bytes;
   std::wstring dump;
   std::function<void(ZoArchive&)> write;
-  // Reads a value, in the place of the one at hand or of a fresh one, and writes what was read.
+  // Reads a value, in the place of the one at hand or of a fresh one, and writes what was read, or
+  // what a throw has left.
   std::function<void(ZoArchive& from, bool fresh, ZoArchive& to)> pass;
 };
 
@@ -60,6 +61,17 @@ inline ByteVector bytesOf(std::string_view hexadecimal) {
 }
 
 template <class T>
+void readAndWrite(ZoArchive& from, T& value, ZoArchive& to) {
+  try {
+    from.read(value);
+  } catch (const ZoComException&) {
+    to.write(value, L"");
+    throw;
+  }
+  to.write(value, L"");
+}
+
+template <class T>
 ArchivedValue row(T value, std::string_view bytes, const wchar_t* dump) {
   return {bytesOf(bytes), dump,
           [=](ZoArchive& to) {
@@ -68,14 +80,12 @@ ArchivedValue row(T value, std::string_view bytes, const wchar_t* dump) {
           },
           [=](ZoArchive& from, bool fresh, ZoArchive& to) {
             if constexpr (std::is_same_v<T, const wchar_t*>) {
-              wchar_t* text = nullptr;
-              from.read(text);
-              to.write(text, L"");
-              delete[] text;
+              wchar_t* text = fresh ? nullptr : const_cast<wchar_t*>(value);
+              readAndWrite(from, text, to);
+              if (text != value) delete[] text;
             } else {
               T own = fresh ? T{} : value;
-              from.read(own);
-              to.write(own, L"");
+              readAndWrite(from, own, to);
             }
           }};
 }
@@ -138,6 +148,8 @@ inline const std::vector<ArchivedValue>& archivedValues() {
       row(ZoPlane(ZoPoint(1, 2, 3), ZoVector(0, 0, 2)), "00" ZERO ZERO ONE "00000000000008C0",
           L"Plane: RefPnt(1, 2, 3) Normal(0, 0, 2)"),
       row(ZoPlane::s_normalZ, "01", L"Plane: RefPnt(0, 0, 0) Normal(0, 0, 1)"),
+      row(ZoPlane(ZoPoint(1, 2, 3), ZoVector::s_xAxis, ZoVector::s_xAxis), "01",
+          L"Plane: RefPnt(1, 2, 3) Normal(0, 0, 0)"),
       row(ZoPlane::s_normalX, "02", L"Plane: RefPnt(0, 0, 0) Normal(1, 0, 0)"),
       row(ZoPlane::s_normalY, "03", L"Plane: RefPnt(0, 0, 0) Normal(0, 1, 0)"),
       row(ZoPlane::s_normalNegZ, "FF", L"Plane: RefPnt(0, 0, 0) Normal(0, 0, -1)"),
@@ -169,6 +181,37 @@ inline const std::vector<ArchivedValue>& archivedValues() {
           L"      Entries: 3\n      Int32: 7\n      String: \"x\""),
   };
   return values;
+}
+
+inline void writeAll(ZoArchive& to) {
+  for (const ArchivedValue& value : archivedValues()) value.write(to);
+}
+
+inline ByteVector passed(const ArchivedValue& value, ZoArchive& from, bool fresh = true,
+                         ByteVector* left = nullptr) {
+  PlainArchive to;
+  try {
+    value.pass(from, fresh, to);
+  } catch (const ZoComException&) {
+    if (left) *left = to.bytes;
+    throw;
+  }
+  return to.bytes;
+}
+
+inline void expectAll(ZoArchive& from) {
+  for (const ArchivedValue& value : archivedValues())
+    EXPECT_EQ(passed(value, from), value.bytes) << testing::PrintToString(value.dump);
+}
+
+// The exception that `use` throws, as "POSITION MESSAGE"; empty for none.
+inline std::wstring thrown(const std::function<void()>& use) {
+  try {
+    use();
+  } catch (const ZoComException& e) {
+    return std::to_wstring(e.position()) + L' ' + e.message();
+  }
+  return {};
 }
 
 }  // namespace zo::test

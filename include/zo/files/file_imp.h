@@ -18,6 +18,9 @@
 #include <mutex>
 
 class ZoFileSystem;
+namespace zo {
+class FileBuffer;
+}
 
 class ZO_COM_API ZoFileImp {
  public:
@@ -64,6 +67,20 @@ class ZO_COM_API ZoFileImp {
   [[nodiscard]] virtual std::FILE* getCFileHandle(const wchar_t* mode);
   [[nodiscard]] virtual void* handle(bool give);
 
+  // As it stands: close(), whose failure is lost. A class that commits on close() drops instead.
+  virtual void cancel();
+
+  // ---- Buffers above the file: archives (zo/persist/file_archive.h) ----
+  // A ZoFile calls these before it passes an operation on; classes derived have nothing to do.
+  //
+  // Has the buffers hand over what they hold. Returns 0; or 1 when bytes were lost that way since
+  // the file was opened.
+  int settleBuffers() noexcept;
+  // The same for good, before the file is closed: the buffers refuse everything from then on.
+  int releaseBuffers() noexcept;
+  // The same without what they hold.
+  void dropBuffers() noexcept;
+
  protected:
   // Reports the platform's last error. Returns 1, so that a failed operation can end with it.
   int report(const wchar_t* operation) const;
@@ -82,4 +99,7 @@ class ZO_COM_API ZoFileImp {
   unsigned int access_ = 0;
   unsigned int share_ = 0;
   ZoFileSystem* service_;
+  friend class zo::FileBuffer;
+  zo::FileBuffer* buffers_ = nullptr;  // the first
+  bool hasLost_ = false;               // what a buffer could not hand over
 };

@@ -5,10 +5,9 @@
 // a projective matrix gives it; a vector takes the upper left 3×3 part only. Angles are radians,
 // turns follow the right-hand rule; docs/geometry.md holds the formulas.
 //
-// Errors:  nothing throws. The setters replace the whole matrix and return it; where their
-// arguments
-//          leave no transformation (an axis of zero length, a singular coordinate system) it
-//          becomes the identity. Operations that can fail return ZoResult codes.
+// Errors:  nothing throws. The setters replace the whole matrix and return it; where what they are
+//          given leaves no transformation (an axis of zero length, a singular coordinate system)
+//          it becomes the identity. Operations that can fail return ZoResult codes.
 // Threads: a plain value.
 // Cost:    sixteen doubles. Product and transformation are inline, on SSE2 where there is one.
 // Stored:  sixteen doubles, row by row.

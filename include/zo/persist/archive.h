@@ -11,14 +11,22 @@
 // The `name` of a write is a label: binary archives ignore it, the dump prints it. Composite values
 // give their components the label "", but for the code of a vector along an axis.
 //
+// A value is stored by its exact type, and must be read by the same one. What has no stored type is
+// refused by the compiler, which says what to write instead: float, long double, characters, enums,
+// narrow texts, pointers and arrays would otherwise be taken for another type. long has 4 bytes, as
+// int. Texts also come as wide literals, std::wstring and what converts to std::wstring_view;
+// dictionaries and sequences as at the end of this file.
+//
 // Reading trusts nothing: memory grows only as data arrives, and containers lie at most
 // ZoVariant::kMaxDepth deep in one another. What happens when the data ends is the archive's
 // choice: its readBin throws, or calls cameShort() and leaves the rest of its buffer alone. The
 // base class then gives zeros and empty values and reads on no further in the value at hand;
-// containers that lie too deep end a value likewise.
+// containers that lie too deep end a value likewise. What lies deeper is not written either: a
+// variant that is too deep throws before its first byte.
 //
-// Errors:  as the archive's readBin and writeBin report them; nothing else throws but
-//          std::bad_alloc. A value whose reading throws is empty, zero or as it was.
+// Errors:  as the archive's readBin and writeBin report them; a ZoComException for a variant that
+//          is too deep to be written; nothing else throws but std::bad_alloc.
+//          A read that throws leaves the value as it was; only a buffer may be filled in part.
 // Threads: one thread at a time per archive.
 // Cost:    two virtual calls for each number, unless the archive does better.
 // Stored:  docs/formats/archive.md.
@@ -29,7 +37,10 @@
 
 #include <concepts>
 #include <cstdint>
+#include <string>
+#include <string_view>
 #include <type_traits>
+#include <utility>
 
 struct _GUID;  // NOLINT(bugprone-reserved-identifier): the platform's name
 class ZoCoSystem;
@@ -42,6 +53,44 @@ class ZoString;
 class ZoTol;
 class ZoVariant;
 class ZoVector;
+template <class T>
+class ZoSequence;
+template <class T, class K>
+class ZoDict;
+
+namespace zo {
+
+template <class T, class... Types>
+inline constexpr bool kIsOneOf = (std::is_same_v<T, Types> || ...);
+template <class T, class... Bases>
+inline constexpr bool kIsKindOf = (std::is_base_of_v<Bases, T> || ...);
+
+// Where it has 4 bytes; it is a type of its own beside int.
+template <class T>
+concept ShortLong = kIsOneOf<T, long, unsigned long> && sizeof(T) == sizeof(int);
+template <class T>
+concept ArchivedNumber =
+    ShortLong<T> || kIsOneOf<T, bool, signed char, unsigned char, short, unsigned short, int,
+                             unsigned int, std::int64_t, std::uint64_t, double>;
+template <class T>
+concept ArchivedClass = kIsKindOf<T, _GUID, ZoHnd, ZoTol, ZoCoSystem, ZoMatrix, ZoPlane, ZoVector,
+                                  ZoPoint, ZoFileName, ZoVariant, ZoString>;
+// A text in a class of its own.
+template <class T>
+concept ArchivedView =
+    std::is_class_v<T> && !ArchivedClass<T> && std::convertible_to<const T&, std::wstring_view>;
+
+// What would be taken for a type that is stored.
+template <class T>
+concept UnstoredNumber =
+    (std::is_arithmetic_v<T> || std::is_null_pointer_v<T>) && !ArchivedNumber<T>;
+template <class T>
+concept UnstoredEnum = std::is_enum_v<T>;
+template <class T>
+concept UnstoredPointer =
+    (std::is_pointer_v<T> || std::is_member_pointer_v<T>) && !kIsOneOf<T, wchar_t*, const wchar_t*>;
+
+}  // namespace zo
 
 class ZO_COM_API ZoArchive {
  public:
@@ -81,7 +130,7 @@ class ZO_COM_API ZoArchive {
   virtual void read(ZoString& value);
   virtual void read(ZoColor& value);
   // Gives a new text, never null, which the caller frees with delete[]. What the pointer pointed to
-  // before is not freed. Null after a throw.
+  // before is not freed.
   virtual void read(wchar_t*& value);
   virtual void read(double& value);
   virtual void read(std::int64_t& value);
@@ -93,6 +142,12 @@ class ZO_COM_API ZoArchive {
   virtual void read(unsigned char& value);
   virtual void read(signed char& value);
   virtual void read(bool& value);  // true for any byte but 0
+  template <zo::ShortLong T>
+  void read(T& value) {
+    std::conditional_t<std::is_signed_v<T>, int, unsigned int> number = 0;
+    read(number);
+    value = number;
+  }
 
   virtual void writeBin(const void* data, unsigned int size, const wchar_t* name) = 0;
   virtual void write(const _GUID& value, const wchar_t* name);
@@ -121,6 +176,24 @@ class ZO_COM_API ZoArchive {
   virtual void write(signed char value, const wchar_t* name);
   virtual void write(bool value, const wchar_t* name);
 
+  template <zo::ShortLong T>
+  void write(T value, const wchar_t* name) {
+    write(static_cast<std::conditional_t<std::is_signed_v<T>, int, unsigned int>>(value), name);
+  }
+  template <zo::ArchivedView T>
+  void write(const T& text, const wchar_t* name) {
+    writeView(text, name);
+  }
+  void writeView(std::wstring_view text, const wchar_t* name);
+  // clang-format off: the reasons show in the compiler's messages
+  template <zo::UnstoredNumber T>
+  void write(T, const wchar_t*) = delete;  // not stored: write a double, an int or a wide text instead
+  template <zo::UnstoredEnum T>
+  void write(T, const wchar_t*) = delete;  // an enum: write its number, static_cast<int>(value)
+  template <zo::UnstoredPointer T>
+  void write(T, const wchar_t*) = delete;  // a pointer or narrow text: write a wide text, or what it points to
+  // clang-format on
+
   // Whether texts are read as bytes in the ANSI code page. They are always written as UTF-16.
   [[nodiscard]] virtual bool needToConvertToUnicode() const;
 
@@ -137,17 +210,16 @@ class ZO_COM_API ZoArchive {
 
 static_assert(sizeof(ZoArchive) == sizeof(void*));
 
-namespace zo {
-// What has a write of its own. (A pointer would be taken for a bool.)
-template <class T>
-concept Archivable = requires(ZoArchive& archive, const T& value) { archive.write(value, L""); } &&
-                     (!std::is_pointer_v<T> || std::convertible_to<T, const wchar_t*>);
-}  // namespace zo
+// ---- Without labels ----
 
-// Without labels.
-template <zo::Archivable T>
+template <class T>
+  requires zo::ArchivedNumber<T> || zo::ArchivedClass<T> || zo::ArchivedView<T>
 ZoArchive& operator<<(ZoArchive& archive, const T& value) {
   archive.write(value, L"");
+  return archive;
+}
+inline ZoArchive& operator<<(ZoArchive& archive, const wchar_t* text) {
+  archive.write(text, L"");
   return archive;
 }
 inline ZoArchive& operator<<(ZoArchive& archive, ZoColor value) {
@@ -155,8 +227,107 @@ inline ZoArchive& operator<<(ZoArchive& archive, ZoColor value) {
   return archive;
 }
 template <class T>
-  requires requires(ZoArchive& archive, T& value) { archive.read(value); }
+  requires zo::ArchivedNumber<T> || zo::ArchivedClass<T> || std::is_same_v<T, ZoColor> ||
+           std::is_same_v<T, wchar_t*>
 ZoArchive& operator>>(ZoArchive& archive, T& value) {
   archive.read(value);
+  return archive;
+}
+ZO_COM_API ZoArchive& operator>>(ZoArchive& archive, std::wstring& text);
+
+// clang-format off: the reasons show in the compiler's messages
+template <zo::UnstoredNumber T>
+ZoArchive& operator<<(ZoArchive&, T) = delete;  // not stored: write a double, an int or a wide text instead
+template <zo::UnstoredNumber T>
+ZoArchive& operator>>(ZoArchive&, T&) = delete;  // not stored: read a double, an int or a ZoString instead
+template <zo::UnstoredEnum T>
+ZoArchive& operator<<(ZoArchive&, T) = delete;  // an enum: write its number, static_cast<int>(value)
+template <zo::UnstoredEnum T>
+ZoArchive& operator>>(ZoArchive&, T&) = delete;  // an enum: read its number, an int
+template <class T>
+ZoArchive& operator<<(ZoArchive&, const T*) = delete;  // a pointer or narrow text: write a wide text, or what it points to
+template <class T>
+  requires(!std::is_same_v<T, wchar_t>)
+ZoArchive& operator>>(ZoArchive&, T*&) = delete;  // a pointer: read what it points to
+// clang-format on
+
+// ---- Containers ----
+
+// Of variants: as the variant that holds them, without a copy. What is read replaces the elements;
+// there are none when the archive has another kind of value.
+ZO_COM_API ZoArchive& operator<<(ZoArchive& archive, const ZoDict<ZoVariant, ZoString>& dict);
+ZO_COM_API ZoArchive& operator>>(ZoArchive& archive, ZoDict<ZoVariant, ZoString>& dict);
+ZO_COM_API ZoArchive& operator<<(ZoArchive& archive, const ZoSequence<ZoVariant>& sequence);
+ZO_COM_API ZoArchive& operator>>(ZoArchive& archive, ZoSequence<ZoVariant>& sequence);
+
+namespace zo {
+
+template <class C>
+concept TypedSequence = std::is_base_of_v<ZoSequence<typename C::value_type>, C> &&
+                        !std::is_same_v<typename C::value_type, ZoVariant>;
+template <class C>
+concept TypedDict = std::is_base_of_v<ZoDict<typename C::mapped_type, typename C::key_type>, C> &&
+                    !std::is_base_of_v<ZoDict<ZoVariant, ZoString>, C>;
+
+// Whether the data ended within the element, where the archive does not throw then.
+ZO_COM_API void beginElement() noexcept;
+ZO_COM_API bool isElementShort() noexcept;
+ZO_COM_API void checkAdded(int code);  // throws std::bad_alloc
+
+// Calls readOne for as many elements as the archive has.
+template <class ReadOne>
+void readElements(ZoArchive& archive, ReadOne readOne) {
+  unsigned int entries = 0;
+  for (archive.read(entries); entries > 0; --entries) {
+    beginElement();
+    if (!readOne()) return;
+  }
+}
+
+}  // namespace zo
+
+// Of other types: their number, 4 bytes, and then each, of a dictionary its key and its value, by
+// its own operator. Readers keep the first of equal keys.
+template <zo::TypedSequence C>
+ZoArchive& operator<<(ZoArchive& archive, const C& sequence) {
+  archive.pushScope(L"List");
+  archive.write(sequence.entries(), L"Entries");
+  for (const auto& element : sequence) archive << element;
+  archive.popScope();
+  return archive;
+}
+template <zo::TypedSequence C>
+ZoArchive& operator>>(ZoArchive& archive, C& sequence) {
+  C read;
+  zo::readElements(archive, [&] {
+    typename C::value_type element{};
+    archive >> element;
+    if (zo::isElementShort()) return false;
+    zo::checkAdded(read.append(std::move(element)));
+    return true;
+  });
+  sequence = std::move(read);
+  return archive;
+}
+template <zo::TypedDict C>
+ZoArchive& operator<<(ZoArchive& archive, const C& dict) {
+  archive.pushScope(L"HashDictionary");
+  archive.write(dict.entries(), L"Entries");
+  for (const auto& [key, value] : dict) archive << key << value;
+  archive.popScope();
+  return archive;
+}
+template <zo::TypedDict C>
+ZoArchive& operator>>(ZoArchive& archive, C& dict) {
+  C read;
+  zo::readElements(archive, [&] {
+    typename C::key_type key{};
+    typename C::mapped_type value{};
+    archive >> key >> value;
+    if (zo::isElementShort()) return false;
+    zo::checkAdded(read.insertAt(std::move(key), std::move(value)));
+    return true;
+  });
+  dict = std::move(read);
   return archive;
 }

@@ -17,10 +17,10 @@ class ZO_COM_API Blastmembuf : public ZoZIPStreambuf {
 
   // Reads from this area of the caller's instead. Null, no length, or unread bytes in the present
   // area: changes nothing and returns null.
-  ZoZIPStreambuf* setbuf(char* buffer, int length) override;
+  [[nodiscard]] ZoZIPStreambuf* setbuf(char* buffer, int length) override;
   // Nothing can be written: -1.
-  int overflow(int byte) override;
-  int underflow() override;
+  [[nodiscard]] int overflow(int byte) override;
+  [[nodiscard]] int underflow() override;
 
   // 0 when the check value matches the bytes decoded so far, as a CRC-32 register or inverted; 1000
   // when not, and before setZipArea. It is final once underflow gave -1.

@@ -53,7 +53,7 @@ class ZO_COM_API ReadArchive : public ZoArchive {
 
   bool isStoring() final;
   void readBin(void* buffer, unsigned int size) final;
-  using ZoArchive::write;
+  using ZoArchive::read, ZoArchive::write;
   void writeBin(const void* data, unsigned int size, const wchar_t* name) final;  // throws
   void read(_GUID& value) final;
   void read(ZoHnd& value) final;
@@ -89,6 +89,13 @@ class ZO_COM_API ReadArchive : public ZoArchive {
   }
   [[nodiscard]] std::size_t unread() const noexcept {
     return static_cast<std::size_t>(end_ - next_);
+  }
+  // Counts what is unread as not given. Returns how much that was.
+  std::size_t dropWindow() noexcept {
+    const std::size_t dropped = unread();
+    windowEnd_ -= dropped;
+    end_ = next_;
+    return dropped;
   }
   [[noreturn]] void fail(const wchar_t* message) const;
 
@@ -127,7 +134,7 @@ class ZO_COM_API WriteArchive : public ZoArchive {
   }
 
   bool isStoring() final;
-  using ZoArchive::read;
+  using ZoArchive::read, ZoArchive::write;
   void readBin(void* buffer, unsigned int size) final;  // throws
   void writeBin(const void* data, unsigned int size, const wchar_t* name) final;
   void write(const _GUID& value, const wchar_t* name) final;
@@ -155,7 +162,8 @@ class ZO_COM_API WriteArchive : public ZoArchive {
   void write(bool value, const wchar_t* name) final;
 
  protected:
-  WriteArchive() = default;
+  // keepsAll: [begin_, next_) is all that was written since the archive began.
+  explicit WriteArchive(bool keepsAll) noexcept : keepsAll_(keepsAll) {}
   [[noreturn]] void fail(const wchar_t* message) const;
 
   // Where bytes go: [begin_, next_) is written, up to end_ there is room. stored_ bytes went before
@@ -178,6 +186,8 @@ class ZO_COM_API WriteArchive : public ZoArchive {
   }
 
   unsigned int depth_ = 0;
+  bool keepsAll_;
+  std::size_t containerStart_ = 0;  // of the outermost one that is being written
 };
 
 }  // namespace zo

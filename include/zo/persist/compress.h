@@ -26,24 +26,24 @@ class ZO_COM_API ZoCompress {
   ZoCompress& operator=(const ZoCompress&) = delete;
 
   // The mode of the compressions to come. Returns 0.
-  virtual int setMode(ZoZip::compressMode mode);
+  [[nodiscard]] virtual int setMode(ZoZip::compressMode mode);
   // Whether the mode is exactly ZoZip::fast.
   [[nodiscard]] virtual bool compressFast() const;
 
   // Compresses all of an open file, whatever its position and its bytes, into another from that
   // one's position on, and ends it there. When something fails, a write that comes short among
   // that, `out` is cut off at the position where writing began; what stood behind that is lost.
-  virtual int operator()(ZoFile& in, ZoFile& out) const;
+  [[nodiscard]] virtual int operator()(ZoFile& in, ZoFile& out) const;
   // Compresses the zero-terminated 8-bit text `in`: what follows its first zero byte is left out
   // (LzmaUtils compresses arbitrary bytes). `out` receives the container with a zero byte after it,
   // which the caller frees with free(), and outSize its size without that byte. On failure they
   // are null and 0.
-  virtual int operator()(const char* in, char*& out, unsigned int& outSize) const;
+  [[nodiscard]] virtual int operator()(const char* in, char*& out, unsigned int& outSize) const;
 
   // Compresses a whole file into the file `out`, which is created or replaced. The target changes
   // in one step at the very end: after a failure it is as it was. Both names may be the same
   // file's.
-  int operator()(const ZoFileName& in, const ZoFileName& out) const;
+  [[nodiscard]] int operator()(const ZoFileName& in, const ZoFileName& out) const;
 
  private:
   ZoCompressImp* imp_;

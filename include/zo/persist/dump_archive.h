@@ -31,11 +31,11 @@ class ZO_COM_API ZoDumpArchive : public ZoArchive {
   ZoDumpArchive& operator=(const ZoDumpArchive&) = default;
 
   bool isStoring() override;  // true
-  // Adds the name as an entry, in which "%%" stands for one '%' and every other '%' for itself, and
-  // indents what follows.
+  // Passes the name to printf as the format, a lone '%' doubled, so that it and "%%" stand for one
+  // '%'; and indents what follows.
   void pushScope(const wchar_t* name) override;
   void popScope() override;
-  using ZoArchive::read;
+  using ZoArchive::read, ZoArchive::write;
   void readBin(void* buffer, unsigned int size) override;
 
   void writeBin(const void* data, unsigned int size, const wchar_t* name) override;
@@ -64,7 +64,8 @@ class ZO_COM_API ZoDumpArchive : public ZoArchive {
   void write(bool value, const wchar_t* name) override;
 
   virtual ~ZoDumpArchive();
-  // Adds an entry, formatted by the runtime's wide printf.
+  // Adds an entry, formatted by the runtime's wide printf: "%s" and "%ls" are wide texts, and the
+  // exponents of its numbers have as many digits as the runtime gives them.
   virtual void printf(const wchar_t* format, ...);
   virtual void clear();  // the text, not the depth
   // The text so far. Valid until the archive is changed.
@@ -75,5 +76,6 @@ class ZO_COM_API ZoDumpArchive : public ZoArchive {
 
   unsigned int depth_ = 0;
   ZoString text_;
-  std::wstring pending_;  // what is not in text_ yet
+  std::wstring pending_;     // what is not in text_ yet
+  unsigned int nested_ = 0;  // containers that are being written
 };

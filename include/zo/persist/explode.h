@@ -34,18 +34,19 @@ class ZO_COM_API ZoExplode {
   // Decompresses all of an open file, whatever its position, into another from that one's position
   // on, and ends it there. After a 1, and a write that comes short gives one, `out` is cut off at
   // the position where writing began; what stood behind that is lost.
-  virtual int operator()(ZoFile& in, ZoFile& out) const;
+  [[nodiscard]] virtual int operator()(ZoFile& in, ZoFile& out) const;
   // `out` receives the decompressed bytes with a zero byte after them; the caller frees it with
   // free(). On failure it is null.
-  virtual int operator()(const char* in, unsigned int inSize, char*& out) const;
+  [[nodiscard]] virtual int operator()(const char* in, unsigned int inSize, char*& out) const;
   // The same; outSize receives the number of bytes without that zero, 0 on failure. Of an LZMA
   // container it is the size that the container states, of a legacy container it need not be.
-  int operator()(const char* in, unsigned int inSize, char*& out, unsigned int& outSize) const;
+  [[nodiscard]] int operator()(const char* in, unsigned int inSize, char*& out,
+                               unsigned int& outSize) const;
 
   // Decompresses a whole file into the file `out`, which is created or replaced. The target
   // changes in one step at the very end: after a 1 it is as it was. Both names may be the same
   // file's.
-  int operator()(const ZoFileName& in, const ZoFileName& out) const;
+  [[nodiscard]] int operator()(const ZoFileName& in, const ZoFileName& out) const;
 
  private:
   ZoExplodeImp* imp_;

@@ -28,11 +28,12 @@ class ZO_COM_API LzmaUtils {
   // Compresses at a level from 0 (fast) to 9 (best), other values counting as the encoder has it; a
   // dictSize of 0 takes the level's own dictionary size. No dictionary is larger than the data
   // needs.
-  static int LzmaCompressData(std::vector<unsigned char>& out, const void* data,
-                              unsigned long long size, int level, unsigned int dictSize);
+  [[nodiscard]] static int LzmaCompressData(std::vector<unsigned char>& out, const void* data,
+                                            unsigned long long size, int level,
+                                            unsigned int dictSize);
 
-  static int LzmaUncompressData(std::vector<unsigned char>& out, const void* data,
-                                unsigned long long size);
+  [[nodiscard]] static int LzmaUncompressData(std::vector<unsigned char>& out, const void* data,
+                                              unsigned long long size);
 
   // Whether the first byte is that of a container: lc 3, lp 0, pb 2. No other byte is looked at;
   // null gives false.

@@ -23,35 +23,35 @@ class ZO_COM_API ZoZIPStreambuf {
   ZoZIPStreambuf& operator=(const ZoZIPStreambuf&) = delete;
 
   // -1 while unread input or unwritten output remains, else 0. Flushes nothing.
-  virtual int sync();
+  [[nodiscard]] virtual int sync();
   // Takes the caller's buffer and returns this object. Null or no length: marks the object
   // unbuffered. Returns null and changes nothing when a buffer is set already.
-  virtual ZoZIPStreambuf* setbuf(char* buffer, int length);
+  [[nodiscard]] virtual ZoZIPStreambuf* setbuf(char* buffer, int length);
   // Puts bytes into the put area, or through overflow when that is full or the object is
   // unbuffered. Returns how many were taken until overflow reported the end of file.
-  virtual int xsputn(const char* data, int count);
+  [[nodiscard]] virtual int xsputn(const char* data, int count);
   // Takes bytes from the get area and refills it through underflow. Returns how many there were.
-  virtual int xsgetn(char* to, int count);
+  [[nodiscard]] virtual int xsgetn(char* to, int count);
   // Makes room and takes the byte, or returns -1.
-  virtual int overflow(int byte) = 0;
+  [[nodiscard]] virtual int overflow(int byte) = 0;
   // Fills the get area and returns its first byte, as 0 to 255, without taking it; -1 at the end.
   // One that fills no area returns a byte that counts as taken.
-  virtual int underflow() = 0;
+  [[nodiscard]] virtual int underflow() = 0;
 
   // Unread bytes in the get area, unwritten ones in the put area.
   [[nodiscard]] int in_avail() const noexcept { return static_cast<int>(egptr_ - gptr_); }
   [[nodiscard]] int out_waiting() const noexcept { return static_cast<int>(pptr_ - pbase_); }
   // Puts one byte. Returns it, as 0 to 255, or what overflow returns.
-  int sputc(int byte);
-  int sputn(const char* data, int count) { return xsputn(data, count); }
-  int sgetn(char* to, int count) { return xsgetn(to, count); }
+  [[nodiscard]] int sputc(int byte);
+  [[nodiscard]] int sputn(const char* data, int count) { return xsputn(data, count); }
+  [[nodiscard]] int sgetn(char* to, int count) { return xsgetn(to, count); }
 
  protected:
   // Allocates a buffer of 512 bytes in place of an owned one. Returns 1, or -1 without memory.
-  virtual int doallocate();
+  [[nodiscard]] virtual int doallocate();
   // Returns 0 when nothing is to be done (unbuffered, or a buffer is there), 1 after doallocate
   // made one, -1 when that failed.
-  int allocate();
+  [[nodiscard]] int allocate();
 
   [[nodiscard]] char* base() const noexcept { return base_; }
   [[nodiscard]] char* ebuf() const noexcept { return ebuf_; }

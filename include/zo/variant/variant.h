@@ -58,6 +58,8 @@ class ZoVariant;
 
 namespace zo {
 
+class LentVariant;
+
 template <class T, class... Types>
 concept OneOfTypes = (std::same_as<T, Types> || ...);
 
@@ -499,6 +501,7 @@ class ZO_COM_API ZoVariant {
   [[nodiscard]] double real() const noexcept;
   [[nodiscard]] int convertTo(Type kind, ZoVariant& out) const;
 
+  friend class zo::LentVariant;  // holds a container for a while that it does not own
   template <class T>
   [[nodiscard]] T as(T otherwise) const {
     (void)get(otherwise);  // refused: it stays
