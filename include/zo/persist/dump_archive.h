@@ -19,6 +19,7 @@
 #pragma once
 
 #include <zo/persist/archive.h>
+#include <zo/text/printf.h>
 #include <zo/text/string.h>
 
 #include <string>
@@ -64,14 +65,22 @@ class ZO_COM_API ZoDumpArchive : public ZoArchive {
   void write(bool value, const wchar_t* name) override;
 
   virtual ~ZoDumpArchive();
-  // Adds an entry, formatted by the runtime's wide printf.
+  // Adds an entry, formatted by the runtime's wide printf. With arguments, calls go to the form
+  // below, which knows what they are.
   virtual void printf(const wchar_t* format, ...);
+  // The same for arguments of all kinds that zo/text/printf.h prints; calls the former.
+  template <class... Arguments>
+    requires(sizeof...(Arguments) > 0)
+  void printf(const wchar_t* format, const Arguments&... arguments) {
+    print(format, zo::argumentsOf(arguments...));
+  }
   virtual void clear();  // the text, not the depth
   // The text so far. Valid until the archive is changed.
   virtual const ZoString& dump();
 
  private:
   void add(std::wstring_view entry);
+  void print(const wchar_t* format, const zo::FormatArguments& arguments);
 
   unsigned int depth_ = 0;
   ZoString text_;
