@@ -42,7 +42,8 @@ void sendChanged(const wchar_t* type, const ZoString& className) {
   ZoHashDict<ZoVariant, ZoString> data(ZoVHash::kDefaultBuckets, 0.7);
   if (data.insertAt(L"Type", ZoVariant(type)) || data.insertAt(L"Class", ZoVariant(className)))
     throw std::bad_alloc();
-  dispatcher->sendNotice(ZoSysNotice::serviceChanged, ZoVariant(data));
+  // A setter has no code for a dispatcher that is busy: its service is installed all the same.
+  static_cast<void>(dispatcher->sendNotice(ZoSysNotice::serviceChanged, ZoVariant(data)));
 }
 
 // Puts the service into its slot. Gives the name of its class; none when there is no notice to
