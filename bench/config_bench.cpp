@@ -6,6 +6,7 @@
 #include <zo/system/cfg.h>
 #include <zo/system/units.h>
 
+#include <cstdlib>
 #include <cwchar>
 #include <string>
 
@@ -26,9 +27,9 @@ class Settings {
   Settings() {
     base_ = L"Software\\zo-bench-" + std::to_wstring(GetCurrentProcessId());
     path_ = base_ + L"\\zof\\parts";
-    cfg_.init(base_.c_str(), nullptr);
-    cfg_.replaceAt(kKeys[0], 42);
-    cfg_.replaceAt(kKeys[1], L"hexagon socket head cap screw");
+    if (cfg_.init(base_.c_str(), nullptr) || cfg_.replaceAt(kKeys[0], 42) ||
+        cfg_.replaceAt(kKeys[1], L"hexagon socket head cap screw"))
+      std::abort();
   }
   ~Settings() { RegDeleteTreeW(HKEY_CURRENT_USER, base_.c_str()); }
 
@@ -92,7 +93,8 @@ void printUnits(benchmark::State& state) {
   ZoString text;
   size_t i = 0;
   for (auto _ : state) {
-    ZoPrintUnits(kLengths[i++ % 8], ZoTypeCode::Length, format, text);
+    if (ZoPrintUnits(kLengths[i++ % 8], ZoTypeCode::Length, format, text))
+      return state.SkipWithError("not printed");
     benchmark::DoNotOptimize(text.data());
   }
 }

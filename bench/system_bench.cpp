@@ -3,6 +3,7 @@
 #include <zo/system.h>
 #include <zo/variant.h>
 
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -12,7 +13,9 @@ namespace {
 
 // The library, attached while a benchmark runs.
 struct Attached {
-  Attached() { zoComDllAttach(); }
+  Attached() {
+    if (zoComDllAttach() != 0) std::abort();
+  }
   ~Attached() { zoComDllDetach(); }
 };
 
@@ -61,7 +64,7 @@ void callPlain(benchmark::State& state) {
 
 // ---- Notices ----
 constexpr int kReactors = 100;
-constexpr auto kNotice = static_cast<ZoSysNotice>(1000);
+constexpr ZoSysNotice kNotice{1000};
 
 class Counter : public ZoSystemReactor {
  public:
@@ -74,7 +77,8 @@ class Counter : public ZoSystemReactor {
 void noticeOurs(benchmark::State& state) {
   const Attached attached;
   ZoSysDisp& dispatcher = ZoSystem::sysDisp();
-  for (int i = 0; i < kReactors; ++i) dispatcher.addReactor(new Counter);
+  for (int i = 0; i < kReactors; ++i)
+    if (dispatcher.addReactor(new Counter) != 0) return state.SkipWithError("not added");
   const ZoVariant data(42);
   for (auto _ : state)
     if (dispatcher.sendNotice(kNotice, data) != 0) return state.SkipWithError("not delivered");

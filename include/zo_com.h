@@ -1,4 +1,10 @@
 // The whole public interface of zo_com.
+//
+//   int main() {
+//     if (zoComDllAttach() != 0) return 1;  // makes the services, once in a process
+//     ...
+//     return zoComDllDetach();
+//   }
 #pragma once
 
 #include <zo/archive.h>

@@ -17,11 +17,14 @@ void errorsAndMessages() {
   // No user sits before this program: reports go to a text. The registry owns the new service.
   std::wostringstream report;
   ZoSystem::setError(new ZoErrLog(&report));
-  ZoSystem::error().warning(L"client.cpp", __LINE__, L"%d parts left out", 3);
-  expect(report.str().starts_with(L"\n\n*** Warning: 3 parts left out\n"), "a warning in the log");
+  const ZoString list(L"bolts");
+  ZoSystem::error().warning(ZO_FILE, __LINE__, L"%d parts left out of %s", 3, list);
+  expect(report.str().starts_with(
+             L"\n\n*** Warning: 3 parts left out of bolts\nfilename: client.cpp\n"),
+         "a warning in the log");
 
   try {
-    zoThrow(ZoComException(L"client.cpp", L"errorsAndMessages", L"no such part", __LINE__, true));
+    zoThrow(L"no such part");
   } catch (const std::exception& e) {
     expect(std::string(e.what()) == "no such part", "the message of an exception");
   }
@@ -32,17 +35,16 @@ void errorsAndMessages() {
   delete log;
 
   ZoString text(L"%1 parts were left out");  // for want of a message file
-  ZoSystem::message().getText(L"parts", 17, text);
-  expect(text == L"%1 parts were left out", "the text that the caller brought");
+  expect(ZoSystem::message().getText(L"parts", 17, text) != 0 && text == L"%1 parts were left out",
+         "the text that the caller brought");
 }
 
 void settings() {
   ZoCfg& cfg = ZoSystem::cfg();
   expect(cfg.init(L"", nullptr) == 0, "keys that are full paths");
-  expect(cfg.replaceAt(L"Software@zo_com example@zof@parts@repType2d", ZoVariant(2)) == 0,
-         "a setting is written");
-  expect(cfg.at(L"Software@zo_com example@zof@parts@repType2d", ZoVariant(0), false).asInt() == 2,
-         "and read");
+  const wchar_t* const key = L"Software@zo_com example@zof@view@scale";
+  expect(cfg.put(key, 0.25) == 0, "a setting is written");
+  expect(cfg.get(key, 1.0) == 0.25, "and read");
   expect(cfg.removeAt(L"Software@zo_com example@") == 0, "a key is removed with all below it");
   expect(cfg.init(nullptr, nullptr) == 0, "the keys of the product");
 }
@@ -98,12 +100,12 @@ void notices() {
     int count_ = 0;
   };
   ZoSysDisp& dispatcher = ZoSystem::sysDisp();
-  dispatcher.addReactor(new PartCount);  // the dispatcher owns it now
-  dispatcher.sendNotice(L"part added", ZoVariant(L"M8"));
-  dispatcher.sendNotice(L"part added", ZoVariant(L"M10"));
+  expect(dispatcher.addReactor(new PartCount) == 0, "the dispatcher owns it now");
+  for (const wchar_t* part : {L"M8", L"M10"})
+    expect(dispatcher.sendNotice(L"part added", ZoVariant(part)) == 0, "a notice is sent");
   ZoVariant count;
-  dispatcher.sendRequest(L"how many parts", count);
-  expect(count.asInt() == 2, "the answer to a request");
+  expect(dispatcher.sendRequest(L"how many parts", count) == 0 && count.asInt() == 2,
+         "the answer to a request");
 }
 
 }  // namespace

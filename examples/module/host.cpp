@@ -21,7 +21,7 @@ Function function(HMODULE module, const char* name) {
 }
 
 ZoVariant ask(const wchar_t* question, ZoVariant data) {
-  ZoSystem::sysDisp().sendRequest(question, data);
+  expect(ZoSystem::sysDisp().sendRequest(question, data) == 0, "a request is sent");
   return data;
 }
 
@@ -37,7 +37,7 @@ void workWith(HMODULE module) {
   expect(&ZoSystem::error() != standardError && &ZoSystem::cfg() != standardCfg,
          "its services are in force");
   expect(log.str() == L"ZoError changed\nZoCfg changed\n", "it saw them come");
-  expect(ZoSystem::cfg().at(L"example@unit", false).asString() == L"mm", "it decides a setting");
+  expect(ZoSystem::cfg().get(L"example@unit", L"in") == L"mm", "it decides a setting");
   expect(ask(L"example.double", 2.5).asReal() == 5, "it answers");
 
   log.str(L"");
@@ -69,8 +69,8 @@ int main() {
     workWith(module);
     FreeLibrary(module);
     expect(!GetModuleHandleW(L"example_module.dll"), "the module is gone");
-    ZoSystem::setTolerance(ZoTol(1e-6, 1e-6));  // tells every service and reactor: none of them is
-                                                // the module's
+    // Tells every service and reactor: none of them is the module's.
+    ZoSystem::setTolerance(ZoTol(1e-6, 1e-6));
     std::cout << "the module came and went\n";
   } catch (const std::exception& e) {
     std::cerr << "not as it should be: " << e.what() << '\n';

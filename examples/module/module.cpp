@@ -50,7 +50,7 @@ class Answers : public ZoCustomReactor {
     // The texts that an exception points to must outlive this module: these are in its code, so its
     // handler must be done with it before the module goes.
     if (std::wcscmp(name, L"example.fail") == 0)
-      zoThrow(ZoComException(L"module.cpp", L"onRequest", L"asked to fail", 7, true));
+      zoThrow(ZoComException(ZO_FILE, L"onRequest", L"asked to fail", 7, true));
   }
 };
 
@@ -60,7 +60,7 @@ class Watch : public ZoSystemReactor {
   void onNotice(ZoSysNotice notice, const ZoVariant& data) override {
     if (notice != ZoSysNotice::serviceChanged) return;
     const ZoVariant* const type = data.at(L"Type");
-    if (type) ZoSystem::error().trace(L"%s changed", type->asString().data());
+    if (type) ZoSystem::error().trace(L"%s changed", type->asString());
   }
   double priority() override { return 10; }
   int release(const wchar_t* module) override { return releaseWithModule(this, module); }

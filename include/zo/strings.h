@@ -1,9 +1,11 @@
-// Strings: ZoString, its views and storage, ZoCLib, numbers as text, std::format.
+// Strings: ZoString, its views and storage, ZoCLib, numbers as text, std::format, checked
+// formats of printf.
 #pragma once
 
 #include <zo/text/clib.h>
 #include <zo/text/format.h>
 #include <zo/text/number_text.h>
+#include <zo/text/printf.h>
 #include <zo/text/ref_count.h>
 #include <zo/text/string.h>
 #include <zo/text/string_ref.h>

@@ -1,4 +1,9 @@
 // System services: life cycle, registry, notices, and the fifteen services.
+//
+//   if (zoComDllAttach() != 0) return 1;
+//   ZoString text;
+//   if (ZoSystem::units().print(12.7, ZoTypeCode::Length, text) == 0) std::wcout << text;
+//   zoComDllDetach();
 #pragma once
 
 #include <zo/files/std_file_open.h>
@@ -22,6 +27,7 @@
 #include <zo/system/message.h>
 #include <zo/system/reactor.h>
 #include <zo/system/registry.h>
+#include <zo/system/source_place.h>
 #include <zo/system/standard_mgr.h>
 #include <zo/system/std_error.h>
 #include <zo/system/std_sys_disp.h>

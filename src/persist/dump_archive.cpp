@@ -100,6 +100,13 @@ void ZoDumpArchive::add(std::wstring_view entry) {
   pending_ += entry;
 }
 
+void ZoDumpArchive::print(const wchar_t* format, const zo::FormatArguments& arguments) {
+  constexpr void (ZoDumpArchive::*slot)(const wchar_t*, ...) = &ZoDumpArchive::printf;
+  wchar_t text[1024];
+  zo::printTo(text, std::size(text), format, arguments);
+  (this->*slot)(L"%ls", text);
+}
+
 void ZoDumpArchive::printf(const wchar_t* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);

@@ -9,7 +9,7 @@ namespace zo {
 
 struct ProcessLocks {
   CRITICAL_SECTION files;    // operations on library files
-  CRITICAL_SECTION decoder;  // the one buffer of the legacy decoder
+  CRITICAL_SECTION decoder;  // of the legacy decoder; nobody enters it, as each has its own buffer
   ZoSingleWriterMultiReaderGuard guard;
   bool attached;
 };

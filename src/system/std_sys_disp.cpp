@@ -128,7 +128,7 @@ void ZoStdSysDisp::releaseAll(zo::Delivery& delivery, ZoList<Reactor*>& reactors
                               const wchar_t* module) {
   delivery.walk(reactors, [&](Reactor* reactor) {
     if (reactor->release(module) != 0 || !delivery) return;
-    removeReactor(reactor);  // so that a derived dispatcher sees it
+    static_cast<void>(removeReactor(reactor));  // so that a derived dispatcher sees it
     // Registered twice, or kept by a derived dispatcher: it is gone all the same.
     if (delivery) forget(reactors, reactor, innermost_);
   });

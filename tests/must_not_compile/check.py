@@ -23,7 +23,7 @@ for line in run.stderr.splitlines():
         current = (context | lines, [line])
         errors.append(current)
         context = set()
-    elif "required from" in line or "In instantiation" in line or "In substitution" in line:
+    elif re.search(r"required from|In instantiation|In substitution|in .constexpr. expansion", line):
         context |= lines
     elif current:
         current[1].append(line)

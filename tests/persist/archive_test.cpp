@@ -59,7 +59,9 @@ TEST(Archive, VirtualFunctionsHaveTheirSlots) {
   EXPECT_EQ(slotOf(static_cast<void (ZoArchive::*)(double&)>(&ZoArchive::read)), 18U);
   EXPECT_EQ(slotOf(&ZoArchive::writeBin), 28U);
   EXPECT_EQ(slotOf(&ZoArchive::needToConvertToUnicode), 52U);
-  EXPECT_EQ(slotOf(&ZoDumpArchive::printf), 56U) << "behind a destructor of two slots";
+  using Print = void (ZoDumpArchive::*)(const wchar_t*, ...);
+  EXPECT_EQ(slotOf(static_cast<Print>(&ZoDumpArchive::printf)), 56U)
+      << "behind a destructor of two slots";
 }
 #endif
 

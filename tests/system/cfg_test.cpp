@@ -87,8 +87,31 @@ TEST_F(Cfg, WritesNumbersAsNumbersAndAllElseAsItsText) {
     EXPECT_EQ(typeStored(row.name), row.type);
   }
   // Not an int: refused, before anything is removed.
-  EXPECT_EQ(cfg_.replaceAt(L"k@real", 1e10), 1);
+  EXPECT_EQ(cfg_.replaceAt(L"k@real", ZoVariant(1e10)), 1);
   EXPECT_EQ(cfg_.at(L"k@real", true).asInt(), 3);
+}
+
+TEST_F(Cfg, WhatIsPutIsGotAsTheSameAndAllElseAsTheCallersOwn) {
+  const auto expectSame = [&](auto value, auto otherwise, const std::wstring& text) {
+    EXPECT_EQ(cfg_.put(L"k@x", value), 0);
+    EXPECT_EQ(cfg_.get(L"k@x", otherwise), value);
+    EXPECT_EQ(cfg_.get(L"k@x", L"mm"), text);
+  };
+  expectSame(0.25, 1.0, L"0.25");
+  expectSame(1e300, 1.0, L"1e+300");
+  expectSame(-2147483647 - 1, 1, L"-2147483648");
+  expectSame(std::size_t{1} << 40, std::size_t{1}, L"1099511627776");
+  expectSame(true, false, L"1");
+  expectSame(ZoString(L"12 mm"), ZoString(L"in"), L"12 mm");
+  EXPECT_EQ(cfg_.get(L"k@x", 7), 7) << "a text that is more than a number";
+  EXPECT_EQ(cfg_.get(L"k@x", 0.5), 0.5);
+  EXPECT_EQ(cfg_.put(L"k@x", ~std::uint64_t{0}), ZoResult::refused);
+  EXPECT_EQ(cfg_.put(L"k@x", 300), 0);
+  EXPECT_EQ(cfg_.get<unsigned char>(L"k@x", 8), 8) << "out of range";
+  EXPECT_EQ(cfg_.get<double>(L"k@x", 1), 300.0);
+  EXPECT_EQ(typeStored(L"x"), DWORD{REG_DWORD});
+  EXPECT_EQ(cfg_.get(L"k", 9), 9) << "a registry key";
+  EXPECT_EQ(cfg_.get(L"k@none", L"mm"), L"mm");
 }
 
 TEST_F(Cfg, OperationsDoWhatTheKeyAllows) {

@@ -3,6 +3,7 @@
 #include <zo/system/codepage.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/printers.h"
@@ -72,6 +73,52 @@ TEST(Codepage, WhatItCannotHoldIsRefusedReplacedOrEscaped) {
   EXPECT_EQ(toText("abc", Page::kUtf16, Page::kReplace), (Text{0, L"\u6261\uFFFD"}));
   for (const unsigned int codepage : {1u, 42u, 99999u})
     EXPECT_EQ(toText("a", codepage, Page::kReplace), refusedText);
+}
+
+TEST(Codepage, NamesLeadToCodePagesAndBack) {
+  const std::pair<const wchar_t*, unsigned int> rows[] = {{L"windows-1252", 1252},
+                                                          {L"UTF 8", 65001},
+                                                          {L"Latin1", 28591},
+                                                          {L"ANSI_1252", 1252},
+                                                          {L"DOS850", 850},
+                                                          {L"cp_437", 437},
+                                                          {L"oem852", 852},
+                                                          {L"1201", 1201},
+                                                          {L"unicode", 1200},
+                                                          {L"Shift-JIS", 932},
+                                                          {L"", 0},
+                                                          {L"cp", 0},
+                                                          {L"0", 0},
+                                                          {L"windows", 0},
+                                                          {L"1252x", 0},
+                                                          {L"-1252", 1252},
+                                                          {L"65537", 0},
+                                                          {L"99999999999", 0},
+                                                          {L"cp1.252", 0},
+                                                          {nullptr, 0}};
+  ZoStdCodepage service;
+  for (const auto& [name, wanted] : rows) {
+    SCOPED_TRACE(testing::PrintToString(std::wstring(name ? name : L"null")));
+    unsigned int found = 0;
+    EXPECT_EQ(service.find(name, found), wanted ? 0 : ZoResult::refused);
+    EXPECT_EQ(found, wanted);
+  }
+  for (const unsigned int codepage :
+       {0u,     1u,     37u,    42u,    437u,   858u,   874u,   932u,
+        936u,   949u,   950u,   1200u,  1201u,  1252u,  1361u,  10000u,
+        20127u, 20866u, 28591u, 28605u, 54936u, 65000u, 65001u, 65536u}) {
+    ZoString name(L"untouched"), description;
+    unsigned int found = 0;
+    if (!service.isValid(codepage) && codepage != 0) {
+      EXPECT_EQ(service.nameOf(codepage, name), ZoResult::refused) << codepage;
+      EXPECT_EQ(name, L"untouched");
+      EXPECT_EQ(service.describe(codepage, description), ZoResult::refused) << codepage;
+    } else {
+      EXPECT_EQ(service.nameOf(codepage, name), 0) << codepage;
+      EXPECT_EQ(service.find(name, found), 0);
+      EXPECT_EQ(found, codepage ? codepage : service.ansi());
+    }
+  }
 }
 
 TEST(Codepage, DetectsWhatTheFormTells) {

@@ -1,13 +1,18 @@
 #include <gtest/gtest.h>
+#include <zo/files/file_name.h>
 #include <zo/results.h>
 #include <zo/system/err_log.h>
 #include <zo/system/exception.h>
 
+#include <cstdint>
 #include <cstring>
+#include <exception>
 #include <iomanip>
 #include <limits>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <type_traits>
 
 namespace {
 
@@ -49,6 +54,34 @@ TEST(ErrLog, WritesEachReportInItsLayoutAndFlushesIt) {
     expect(log.prompt(L"%s", kLong.substr(0, length).c_str()), kLong.substr(0, length) + L"\n");
 }
 
+// By the service's interface, and of the implementation itself.
+template <class Service>
+void reportTyped(Service& service) {
+  const ZoString name(L"bolts");
+  service.warning(L"f", 1, L"%d of %s", std::size_t{3}, name);
+  service.trace(L"%s|%5.1f|%x", ZoFileName(L"c:\\a.dwg"), 2, std::int8_t{-1});
+  service.prompt(L"100%%");
+  const std::wstring format(L"%d %s");
+  service.trace(format.c_str(), name, 4);
+  service.trace(L"%s", kLong);
+}
+
+TEST(ErrLog, TakesTextsAndNumbersAsWhatTheyAre) {
+  const std::wstring expected =
+      L"\n\n*** Warning: 3 of bolts\nfilename: f\nposition: 1\nc:\\a.dwg|  2.0|ff\n100%\n"
+      L"bolts 4\n" +
+      kLong.substr(0, 256) + L"\n";
+  std::wostringstream byInterface, itself;
+  ZoErrLog log(&byInterface), direct(&itself);
+  reportTyped<ZoError>(log);
+  EXPECT_EQ(byInterface.str(), expected);
+  reportTyped<ZoErrLog>(direct);
+  EXPECT_EQ(itself.str(), expected);
+  ZoError& service = log;
+  EXPECT_EQ(service.trace(nullptr), ZoResult::refused);
+  EXPECT_EQ(service.warning(nullptr, 0, nullptr), 0);
+}
+
 TEST(ComException, LaysItsFieldsOutInOrderBehindTheVirtualTable) {
   const wchar_t *file = L"f", *function = L"g", *text = L"t";
   struct {
@@ -79,6 +112,47 @@ TEST(ComException, IsCaughtAsWhatItWasThrownAs) {
     // Of the exception given, whatever it is thrown as.
     EXPECT_STREQ(dynamic_cast<const std::exception&>(e).what(), "M\xE4p");
   }
+}
+
+TEST(ComException, WhatIsThrownKeepsTextsThatGoAndPointsToThoseThatStay) {
+  static const wchar_t* const file = L"f.cpp";
+  std::exception_ptr kept;
+  try {
+    const std::wstring function(L"load"), text(L"No such part: " + kLong);
+    zoThrow(ZoComException(file, function.c_str(), text.c_str(), 7, false));
+  } catch (...) {
+    kept = std::current_exception();
+  }
+  const std::wstring overIt(2000, L'o');  // in memory that was free
+  for (int i = 0; i < 2; ++i) {
+    try {
+      std::rethrow_exception(kept);
+    } catch (const zo::Thrown<ZoComException>& e) {
+      const zo::Thrown<ZoComException> copy(e);
+      kept = std::make_exception_ptr(copy);  // the copies outlive the first
+      static_assert(std::is_nothrow_copy_constructible_v<zo::Thrown<ZoComException>>);
+      EXPECT_EQ(copy.message(), L"No such part: " + kLong);
+      EXPECT_STREQ(copy.funcName(), L"load");
+      EXPECT_TRUE(copy.fileName() == file);
+      EXPECT_TRUE(std::string_view(copy.what()).starts_with("No such part: xxx"));
+    }
+  }
+}
+
+TEST(ComException, NamesItsPlaceByItself) {
+  EXPECT_STREQ(ZO_FILE, L"error_test.cpp");
+  const auto at = [](auto throwing) {
+    try {
+      throwing();
+    } catch (const ZoComException& e) {
+      return std::wstring(e.fileName()) + L"|" + std::to_wstring(e.position()) + L"|" +
+             std::to_wstring(e.errCode()) + L"|" + e.message();
+    }
+    return std::wstring();
+  };
+  const std::wstring here = L"error_test.cpp|" + std::to_wstring(__LINE__ + 1) + L"|";
+  EXPECT_EQ(at([] { zoThrow(std::wstring(L"local").c_str()); }), here + L"1|local");
+  EXPECT_TRUE(at([] { zoThrow(ZoComException::kOutOfMemory); }).ends_with(L"|2|Out of Memory"));
 }
 
 }  // namespace

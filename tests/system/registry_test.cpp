@@ -4,6 +4,7 @@
 #include <zo/variant/variant.h>
 
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -106,7 +107,7 @@ TEST(LifeCycle, AttachesAndDetachesOnceAndLeavesNoKernelObjectBehind) {
     ZoSysDisp* const disp = &ZoSystem::sysDisp();
     ASSERT_EQ(zoComDllAttach(), ZoResult::refused);
     ASSERT_EQ(&ZoSystem::sysDisp(), disp);
-    disp->addReactor(new ZoFileSearchReactor);
+    ASSERT_EQ(disp->addReactor(new ZoFileSearchReactor), 0);
     ASSERT_EQ(zoFreeGlobalMemory(), 0);
     ASSERT_FALSE(ZoFileSearchReactor::isAlive());
     ASSERT_EQ(ZoSystem::construction(), 0);
@@ -114,6 +115,32 @@ TEST(LifeCycle, AttachesAndDetachesOnceAndLeavesNoKernelObjectBehind) {
     if (i == 0) before = openHandles();  // the first round warms the platform up
   }
   EXPECT_EQ(openHandles(), before);
+}
+
+TEST(LifeCycle, WithoutServicesAccessorsThrowAndTheLibraryDoesWithout) {
+  ZoFileSearchReactor reactor;
+  ZoStdFileSearch search;
+  const auto expectNone = [&] {
+    for (const Slot& slot : slots()) {
+      SCOPED_TRACE(narrow(slot.type));
+      try {
+        slot.get();
+        ADD_FAILURE();
+      } catch (const ZoComException& e) {
+        EXPECT_TRUE(std::wstring_view(e.message()).starts_with(L"No services: call zoComDll"));
+        EXPECT_EQ(_wcsicmp((std::wstring(L"Zo") + e.funcName()).c_str(), slot.type), 0);
+        EXPECT_EQ(e.report(), ZoComException::kInternalError) << "to nobody";
+      }
+    }
+    reactor.onNotice(ZoSysNotice::moduleReleased, moduleNamed(L"m"));
+    search.onReactor(ZoSysNotice::moduleLoaded, moduleNamed(L"zo_com"));
+    EXPECT_EQ(ZoSystem::setTolerance(ZoSystem::tolerance()), 0);
+  };
+  expectNone();
+  {
+    const Attached attached;
+  }
+  expectNone();
 }
 
 TEST(Registry, InstallsAnnouncesAndGivesBackEveryService) {
@@ -145,6 +172,56 @@ TEST(Registry, InstallsAnnouncesAndGivesBackEveryService) {
     EXPECT_EQ(slot.get(), standard);
     delete second;
   }
+}
+
+TEST(Registry, SetToleranceTellsReactorsAndServices) {
+  const Attached attached;
+  const ZoTol before = ZoSystem::tolerance();
+  ZoSystem::setCad(new Probe<ZoStdCad>("cad"));
+  const Listener listener;
+  events.clear();
+  EXPECT_EQ(ZoSystem::setTolerance(ZoTol(0.5, 0.25)), 0);
+  EXPECT_EQ(events, (Events{"changed ZoTol", "notice 30 to cad"}));
+  EXPECT_TRUE(ZoSystem::tolerance() == ZoTol(0.5, 0.25));
+  ZoSystem::setTolerance(before);
+  delete &ZoSystem::cad();
+}
+
+TEST(Registry, AReleaseThatThrowsIsAnAnswerToStayAndHoldsNobodyUp) {
+  struct Throwing : Probe<ZoStdCad> {
+    using Probe::Probe;
+    int release(const wchar_t*) override { throw std::runtime_error("stays"); }
+  };
+  const Attached attached;
+  Throwing cad("cad");
+  ZoSystem::setCad(&cad);
+  ZoSystem::setError(new Probe<ZoStdError>("error"));
+  const auto send = [] {
+    return ZoSystem::sysDisp().sendNotice(ZoSysNotice::moduleReleased, moduleNamed(L"zo_com"));
+  };
+  EXPECT_THROW(static_cast<void>(send()), std::runtime_error);
+  EXPECT_TRUE(&ZoSystem::cad() == &cad);
+  EXPECT_EQ(events.back(), "end of error");
+  ZoSystem::setCad(nullptr);
+  EXPECT_EQ(send(), 0) << "nothing is locked";
+}
+
+TEST(LifeCycle, DetachLeavesInstalledServicesToTheirOwnersAndInstalled) {
+  Probe<ZoStdCad> cad("cad");
+  Probe<ZoStdSysDisp> dispatcher("dispatcher");
+  {
+    const Attached attached;
+    ZoSystem::setCad(&cad);
+    ZoSystem::setSysDisp(&dispatcher);
+    events.clear();
+    ASSERT_EQ(zoComDllDetach(), 0);
+    EXPECT_TRUE(&ZoSystem::cad() == &cad && &ZoSystem::sysDisp() == &dispatcher);
+    EXPECT_THROW(static_cast<void>(ZoSystem::cfg()), ZoComException);
+    EXPECT_EQ(ZoSystem::sysDisp().sendNotice(77, ZoVariant()), 0);
+    ASSERT_EQ(zoComDllAttach(), 0);
+    EXPECT_TRUE(&ZoSystem::cad() == &cad && &ZoSystem::sysDisp() == &dispatcher);
+  }
+  EXPECT_EQ(events, (Events{"notice 77 to cad", "notice 77 to dispatcher"}));
 }
 
 TEST(Registry, AReleasedModuleTakesItsServicesWithIt) {

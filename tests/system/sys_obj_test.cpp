@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 #include <zo/results.h>
-#include <zo/system/cad.h>
+#include <zo/system/cfg.h>
 #include <zo/system/error.h>
 #include <zo/system/exception.h>
 #include <zo/system/execute.h>
@@ -53,6 +53,16 @@ void expectOrder(std::intptr_t first, Members... members) {
 struct OpenExecute : ZoExecute {
   using ZoExecute::convertErr;
 };
+struct OpenCfg : ZoCfg {
+  using ZoCfg::close;
+  using ZoCfg::fullKey;
+  using ZoCfg::getValue;
+  using ZoCfg::insert;
+  using ZoCfg::isKey;
+  using ZoCfg::isValue;
+  using ZoCfg::open;
+  using ZoCfg::remove;
+};
 
 TEST(Interfaces, KeepTheOrderOfTheirVirtualFunctions) {
   expectOrder(2, &ZoSysObj::onReactor, &ZoSysObj::release, &ZoSysObj::poolRelease,
@@ -66,8 +76,19 @@ TEST(Interfaces, KeepTheOrderOfTheirVirtualFunctions) {
       static_cast<int (ZoSysDisp::*)(ZoSystemReactor*)>(&ZoSysDisp::addReactor),
       static_cast<int (ZoSysDisp::*)(ZoCustomReactor*)>(&ZoSysDisp::removeReactor),
       static_cast<int (ZoSysDisp::*)(ZoSystemReactor*)>(&ZoSysDisp::removeReactor));
-  expectOrder(6, &ZoError::error, &ZoError::warning, &ZoError::trace, &ZoError::prompt,
-              &ZoError::taskDialog);
+  using Slots = ZoErrorSlots;
+  expectOrder(6, &Slots::error, static_cast<int (Slots::*)(Name, int, Name, ...)>(&Slots::warning),
+              static_cast<int (Slots::*)(Name, ...)>(&Slots::trace),
+              static_cast<int (Slots::*)(Name, ...)>(&Slots::prompt), &Slots::taskDialog);
+  using Change = int (ZoCfg::*)(Name, const ZoVariant&);
+  expectOrder(6, &ZoCfg::operator[],
+              static_cast<ZoVariant (ZoCfg::*)(Name, const ZoVariant&, bool)>(&ZoCfg::at),
+              static_cast<ZoVariant (ZoCfg::*)(Name, bool)>(&ZoCfg::at), &ZoCfg::getAt,
+              &ZoCfg::isValid, static_cast<Change>(&ZoCfg::insertAt), &ZoCfg::removeAt,
+              static_cast<Change>(&ZoCfg::replaceAt), static_cast<Change>(&ZoCfg::setAt),
+              &ZoCfg::write, &ZoCfg::init, &OpenCfg::insert, &OpenCfg::remove, &OpenCfg::fullKey,
+              &OpenCfg::open, &OpenCfg::close, &OpenCfg::isValue, &OpenCfg::isKey,
+              &OpenCfg::getValue);
   expectOrder(6, &ZoExecute::automatic, &ZoExecute::process, &ZoExecute::shell,
               &OpenExecute::convertErr);
   expectOrder(2, &ZoSystemReactor::onNotice, &ZoSystemReactor::priority, &ZoSystemReactor::release);

@@ -239,4 +239,47 @@ TEST(Units, MutatedTextsAreRefusedOrMeanWhatTheyPrint) {
   EXPECT_TRUE(accepted > round / 20 && accepted < round * 19 / 20) << accepted;
 }
 
+TEST(UnitsService, KeepsAFormatForEachQuantityAndSeparatorsForAll) {
+  ZoStdUnits service(L'x', L'\0');  // no separator: taken as '.'
+  const auto printed = [&](double value, Code code) {
+    ZoString text(L"untouched");
+    return service.print(value, code, text) ? L"refused" : std::wstring(text.view());
+  };
+  EXPECT_EQ(printed(1234.5, Code::Length), L"1234.5 mm");
+  EXPECT_EQ(service.setSeparators(L',', L'.'), 0);
+  ZoString given(L"\"");
+  Format format = inUnit(given, 2);
+  format.decimal = L',';
+  format.grouping = L'.';
+  EXPECT_EQ(service.setFormat(Code::Length, format), 0);
+  given = L"gone";  // the service does not keep the caller's text
+  EXPECT_EQ(printed(2540 * 12.7, Code::XDistance), L"1.270,00\"");
+  EXPECT_EQ(printed(1234.5, Code::Mass), L"1.234,5 kg");
+  EXPECT_EQ(printed(1, Code::String), L"refused");
+  double value = kUntouched;
+  EXPECT_EQ(service.parse(L"1.270,5", Code::Length, value), 0);
+  EXPECT_EQ(value, 32270.7);
+  EXPECT_EQ(service.parse(nullptr, Code::Length, value), ZoResult::refused);
+
+  // A form with units of its own leaves the chosen unit for the forms after it.
+  format = inUnit(L"m");
+  format.form = Format::FeetInch;
+  EXPECT_EQ(service.setFormat(Code::Length, format), 0);
+  Format kept;
+  EXPECT_EQ(service.getFormat(Code::XDistance, kept), 0);
+  EXPECT_STREQ(kept.unit, L"m");
+  EXPECT_EQ(kept.form, Format::FeetInch);
+  wchar_t decimal = 0, grouping = 1;
+  EXPECT_EQ(service.getSeparators(decimal, grouping), 0);
+  EXPECT_TRUE(decimal == L'.' && grouping == 0) << "those of the last format";
+
+  const Format refused[] = {inUnit(L"kg"), inForm(Format::DegMinSec), inUnit(nullptr, 19)};
+  for (const Format& each : refused)
+    EXPECT_EQ(service.setFormat(Code::Length, each), ZoResult::refused);
+  EXPECT_EQ(service.setFormat(Code::String, {}), ZoResult::refused);
+  EXPECT_EQ(service.setSeparators(L'5', 0), ZoResult::refused);
+  EXPECT_EQ(service.getFormat(Code::Length, kept), 0);
+  EXPECT_STREQ(kept.unit, L"m");
+}
+
 }  // namespace

@@ -30,7 +30,7 @@ std::vector<std::string> arguments() {
 
 int wmain() {
   zolib::watchForCancel();
-  zoComDllAttach();
+  if (zoComDllAttach() != 0) return zolib::kFailed;
   zolib::ExitCode code = zolib::kFailed;
   {
     zolib::Console console;

@@ -19,6 +19,7 @@
 #pragma once
 
 #include <zo/persist/archive.h>
+#include <zo/text/printf.h>
 #include <zo/text/string.h>
 
 #include <string>
@@ -65,14 +66,22 @@ class ZO_COM_API ZoDumpArchive : public ZoArchive {
 
   virtual ~ZoDumpArchive();
   // Adds an entry, formatted by the runtime's wide printf: "%s" and "%ls" are wide texts, and the
-  // exponents of its numbers have as many digits as the runtime gives them.
+  // exponents of its numbers have as many digits as the runtime gives them. With arguments, calls
+  // go to the form below, which knows what they are.
   virtual void printf(const wchar_t* format, ...);
+  // The same for arguments of all kinds that zo/text/printf.h prints; calls the former.
+  template <class... Arguments>
+    requires(sizeof...(Arguments) > 0)
+  void printf(const wchar_t* format, const Arguments&... arguments) {
+    print(format, zo::argumentsOf(arguments...));
+  }
   virtual void clear();  // the text, not the depth
   // The text so far. Valid until the archive is changed.
   virtual const ZoString& dump();
 
  private:
   void add(std::wstring_view entry);
+  void print(const wchar_t* format, const zo::FormatArguments& arguments);
 
   unsigned int depth_ = 0;
   ZoString text_;

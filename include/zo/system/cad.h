@@ -37,11 +37,11 @@ class ZO_COM_API ZoCad : public ZoSysObj {
 
   // All three are about the current drawing. Hands the globals to the service, which destroys what
   // is still registered when the drawing, or the service, ends.
-  virtual int registerGlobals(ZoDwgGlobals* globals) = 0;
+  [[nodiscard]] virtual int registerGlobals(ZoDwgGlobals* globals) = 0;
   // Null when there are none of that name. Valid until they are unregistered.
   [[nodiscard]] virtual ZoDwgGlobals* dwgGlobals(const ZoString& name) = 0;
   // Hands the globals back to the caller.
-  virtual int unregisterGlobals(const ZoString& name) = 0;
+  [[nodiscard]] virtual int unregisterGlobals(const ZoString& name) = 0;
 };
 
 // No host: isPresent() is false, and all globals belong to one drawing, which is never closed.

@@ -39,39 +39,39 @@ class ZO_COM_API ZoCodepage : public ZoSysObj {
     kMarked,   // a byte order mark says it
   };
 
-  virtual int getDefault(unsigned int& codepage) = 0;
+  [[nodiscard]] virtual int getDefault(unsigned int& codepage) = 0;
   // Refused when the platform does not have the code page. kDefault goes back to the system's.
-  virtual int setDefault(unsigned int codepage) = 0;
+  [[nodiscard]] virtual int setDefault(unsigned int codepage) = 0;
   // The system's ANSI and OEM code pages.
-  virtual unsigned int ansi() = 0;
-  virtual unsigned int oem() = 0;
+  [[nodiscard]] virtual unsigned int ansi() = 0;
+  [[nodiscard]] virtual unsigned int oem() = 0;
   // Whether texts can be converted to and from it on this machine.
-  virtual bool isValid(unsigned int codepage) = 0;
+  [[nodiscard]] virtual bool isValid(unsigned int codepage) = 0;
 
   // The text of bytes; a byte order mark is text like any other. With kRefuse, bytes that the code
   // page does not define are refused, where the platform can tell (not for UTF-7 and the stateful
   // code pages). With kReplace and kEscape they become replacement characters.
-  virtual int toText(std::string_view bytes, unsigned int codepage, Unfit unfit,
-                     ZoString& text) = 0;
+  [[nodiscard]] virtual int toText(std::string_view bytes, unsigned int codepage, Unfit unfit,
+                                   ZoString& text) = 0;
   // The bytes of a text, without a byte order mark and without a terminator.
-  virtual int toBytes(std::wstring_view text, unsigned int codepage, Unfit unfit,
-                      std::string& bytes) = 0;
+  [[nodiscard]] virtual int toBytes(std::wstring_view text, unsigned int codepage, Unfit unfit,
+                                    std::string& bytes) = 0;
 
   // A name as the Internet registers it ("windows-1252", "utf-8", "ibm850"), or "cp" and the
   // number; and what the platform calls it in the user's language, refused where it has no name for
   // it (UTF-16).
-  virtual int nameOf(unsigned int codepage, ZoString& name) = 0;
-  virtual int describe(unsigned int codepage, ZoString& description) = 0;
+  [[nodiscard]] virtual int nameOf(unsigned int codepage, ZoString& name) = 0;
+  [[nodiscard]] virtual int describe(unsigned int codepage, ZoString& description) = 0;
   // The code page of a name: those of nameOf and their usual aliases, those that drawings are
   // marked with ("ANSI_1252", "DOS850"), and bare numbers. Case, "-", "_" and blanks do not count.
   // Refused are names that are unknown, and code pages that are not valid.
-  virtual int find(const wchar_t* name, unsigned int& codepage) = 0;
+  [[nodiscard]] virtual int find(const wchar_t* name, unsigned int& codepage) = 0;
 
   // The likeliest code page of a text or of its beginning, and the length of its byte order mark.
   // UTF-8, UTF-16 and plain ASCII are told by their form; between the 8-bit code pages bytes do not
   // tell, so that all else, ASCII included, is assumed to be in the default code page.
-  virtual int detect(std::string_view bytes, unsigned int& codepage, unsigned int& markLength,
-                     Certainty& certainty) = 0;
+  [[nodiscard]] virtual int detect(std::string_view bytes, unsigned int& codepage,
+                                   unsigned int& markLength, Certainty& certainty) = 0;
 };
 
 class ZO_COM_API ZoStdCodepage : public ZoCodepage {

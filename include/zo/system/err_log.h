@@ -22,6 +22,9 @@ class ZO_COM_API ZoErrLog : public ZoError {
 
   int release(const wchar_t* module) override;
 
+  using ZoErrorSlots::prompt;
+  using ZoErrorSlots::trace;
+  using ZoErrorSlots::warning;
   int error(const wchar_t* fileName, const wchar_t* funcName, int position,
             const wchar_t* text) override;
   int warning(const wchar_t* fileName, int position, const wchar_t* format, ...) override;

@@ -1,6 +1,7 @@
 // The library's exception value: what failed, where, and whether the user is to hear of it.
 //
-//   throw-side:  zoThrow(ZoComException(L"part.cpp", L"load", L"No such part", line, true));
+//   throw-side:  zoThrow(L"No such part");  // with this file, function and line; or
+//                zoThrow(ZoComException(ZO_FILE, L"load", text.data(), __LINE__, true));
 //   catch-side:  catch (const ZoComException& e) { e.report(); }
 //                catch (const std::exception& e) { log(e.what()); }
 //
@@ -9,15 +10,21 @@
 // then only handlers of ZoComException catch it. The library throws by zoThrow alone.
 //
 // Errors:  nothing here throws but zoThrow, and report() what the error service throws.
-// Threads: one at a time per object.
+// Threads: one at a time per object. A thrown one may be handed to another thread
+//          (std::exception_ptr).
 // Owned:   nothing. A copy copies the pointers; the texts must live as long as the copies, as
-//          literals do.
+//          literals do. But what zoThrow throws keeps copies of the texts that are no literals, for
+//          as long as it lives itself: a ZoComException that a handler copies out of it, and keeps
+//          longer, points to what is gone (keep a std::exception_ptr instead).
 #pragma once
 
 #include <zo/config.h>
+#include <zo/system/source_place.h>
 
 #include <cstddef>
 #include <exception>
+#include <memory>
+#include <source_location>
 #include <type_traits>
 
 class ZO_COM_API ZoComException {
@@ -68,6 +75,11 @@ class ZO_COM_API ZoComException {
   void setPosition(int position) noexcept { position_ = position; }
   void setAsError(bool asError) noexcept { asError_ = asError; }
 
+ protected:
+  // Points each text that is no constant of a program at a copy, and gives the copies. Without
+  // memory for them such texts become null: message() is then that of the code.
+  [[nodiscard]] std::shared_ptr<const wchar_t[]> keepTexts() noexcept;
+
  private:
   int errCode_ = kInternalError;
   const wchar_t* fileName_ = nullptr;  // of the place that threw
@@ -86,17 +98,23 @@ inline constexpr std::size_t kWhatSize = 256;
 // The text in the ANSI code page, zero-terminated; what does not fit is cut off.
 ZO_COM_API void copyWhat(char (&what)[kWhatSize], const wchar_t* message) noexcept;
 
-// What zoThrow throws.
+// What zoThrow throws. Its copies share the texts.
 template <class Exception>
 class Thrown final : public Exception, public std::exception {
  public:
-  explicit Thrown(const Exception& value) : Exception(value) { copyWhat(what_, value.message()); }
+  explicit Thrown(const Exception& value) : Exception(value), texts_(this->keepTexts()) {
+    copyWhat(what_, value.message());
+  }
   // The message as it was when it was thrown.
   [[nodiscard]] const char* what() const noexcept override { return what_; }
 
  private:
+  std::shared_ptr<const wchar_t[]> texts_;
   char what_[kWhatSize];
 };
+
+[[noreturn]] ZO_COM_API void throwAt(int code, const wchar_t* text, bool asError,
+                                     const std::source_location& place);
 
 }  // namespace zo
 
@@ -106,4 +124,17 @@ template <class Exception>
 [[noreturn]] void zoThrow(const Exception& exception) {
   static_assert(std::is_base_of_v<ZoComException, Exception>);
   throw zo::Thrown<Exception>(exception);
+}
+
+// Throw a ZoComException of this place of the program: its file without folders, function and line.
+// The text may be a local one. The first has the code kInternalError, the second the code's message.
+[[noreturn]] inline void zoThrow(
+    const wchar_t* text, bool asError = true,
+    const std::source_location& place = std::source_location::current()) {
+  zo::throwAt(ZoComException::kInternalError, text, asError, place);
+}
+[[noreturn]] inline void zoThrow(
+    ZoComException::Code code, bool asError = true,
+    const std::source_location& place = std::source_location::current()) {
+  zo::throwAt(code, nullptr, asError, place);
 }

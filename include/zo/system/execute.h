@@ -31,16 +31,17 @@ class ZO_COM_API ZoExecute : public ZoSysObj {
   // platform (SW_...).
   //
   // By process(), and where that refuses by shell().
-  virtual int automatic(const ZoFileName& file, const wchar_t* arguments, int show,
-                        bool option) = 0;
+  [[nodiscard]] virtual int automatic(const ZoFileName& file, const wchar_t* arguments, int show,
+                                      bool option) = 0;
   // As a process of one's own. What `option` selects is the implementation's matter.
-  virtual int process(const ZoFileName& file, const wchar_t* arguments, int show, bool option) = 0;
+  [[nodiscard]] virtual int process(const ZoFileName& file, const wchar_t* arguments, int show,
+                                    bool option) = 0;
   // By the platform's shell, which also knows what opens a document.
-  virtual int shell(const ZoFileName& file, const wchar_t* arguments, int show) = 0;
+  [[nodiscard]] virtual int shell(const ZoFileName& file, const wchar_t* arguments, int show) = 0;
 
  protected:
   // The code for what ShellExecuteW answered. Takes the guard, which the caller may hold.
-  virtual int convertErr(int result);
+  [[nodiscard]] virtual int convertErr(int result);
 };
 
 // Opens everything by the shell: process() refuses, and automatic() gives what shell() gives.

@@ -10,5 +10,5 @@ class ZoFileName;
 
 class ZO_COM_API ZoFileOpen : public ZoSysObj {
  public:
-  virtual int open(const ZoFileName& file) = 0;
+  [[nodiscard]] virtual int open(const ZoFileName& file) = 0;
 };

@@ -14,8 +14,8 @@ class ZoFileName;
 class ZO_COM_API ZoFileSearch : public ZoSysObj {
  public:
   // Adds a folder behind those added before, until the module is released.
-  virtual int addPath(const ZoFileName& folder, const wchar_t* module) = 0;
+  [[nodiscard]] virtual int addPath(const ZoFileName& folder, const wchar_t* module) = 0;
   // The full name of the file: where its name says, or else, for a relative name, in the first of
   // the folders that has it.
-  virtual int find(const ZoFileName& name, ZoFileName& found) = 0;
+  [[nodiscard]] virtual int find(const ZoFileName& name, ZoFileName& found) = 0;
 };

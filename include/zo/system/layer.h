@@ -11,8 +11,8 @@
 class ZO_COM_API ZoLayer : public ZoSysObj {
  public:
   // The layer on which new objects of the current drawing lie.
-  virtual int getCurrent(ZoString& name) = 0;
-  virtual int setCurrent(const ZoString& name) = 0;
+  [[nodiscard]] virtual int getCurrent(ZoString& name) = 0;
+  [[nodiscard]] virtual int setCurrent(const ZoString& name) = 0;
   [[nodiscard]] virtual bool exists(const ZoString& name) = 0;
 };
 

@@ -18,7 +18,7 @@ extern "C" {
 
 // Makes the process-wide locks and the standard services. Returns 0; or 1 when the library is
 // attached already: nothing changes then, and it is not this caller's to detach.
-ZO_COM_API int zoComDllAttach();
+[[nodiscard]] ZO_COM_API int zoComDllAttach();
 
 // Frees the locks and destroys the standard services; the dispatcher, destroyed last, destroys the
 // reactors that are still registered with it. Installed services are left to their owners, and stay

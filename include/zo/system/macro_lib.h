@@ -11,7 +11,7 @@
 class ZO_COM_API ZoMacroLib : public ZoSysObj {
  public:
   // The text that a macro stands for.
-  virtual int getMacro(const ZoString& name, ZoString& value) = 0;
+  [[nodiscard]] virtual int getMacro(const ZoString& name, ZoString& value) = 0;
 };
 
 // No host, so no macro libraries: every macro is unknown.

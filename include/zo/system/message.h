@@ -10,7 +10,7 @@
 
 class ZO_COM_API ZoMessage : public ZoSysObj {
  public:
-  virtual int getText(const ZoString& file, int number, ZoString& text) = 0;
+  [[nodiscard]] virtual int getText(const ZoString& file, int number, ZoString& text) = 0;
 };
 
 // Reads no message files yet: every text is unknown.

@@ -10,7 +10,7 @@
 
 class ZO_COM_API ZoStandardMgr : public ZoSysObj {
  public:
-  virtual int getStandard(const ZoString& name, ZoVariant& standard) = 0;
+  [[nodiscard]] virtual int getStandard(const ZoString& name, ZoVariant& standard) = 0;
 };
 
 // No host, so no catalogues: every standard is unknown.

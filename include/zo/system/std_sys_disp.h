@@ -1,5 +1,6 @@
 // The standard dispatcher. Its end destroys the reactors still registered, system reactors first.
-// Its poolRelease(module) asks every reactor to go and drops those that do; null asks nobody.
+// Its poolRelease(module) asks every reactor to go and drops those that do; null asks nobody. The
+// registry calls it for the standard dispatcher: one that is installed calls it from its release().
 //
 // Errors, Threads, Cost: as in sys_disp.h. Reactors of equal priority keep the order in which they
 // were added.
@@ -21,6 +22,7 @@ class ZO_COM_API ZoStdSysDisp : public ZoSysDisp {
 
   void poolRelease(const wchar_t* module) override;
 
+  using ZoSysDisp::sendNotice;
   int sendNotice(const wchar_t* name, const ZoVariant& data) override;
   int sendNotice(ZoSysNotice notice, const ZoVariant& data) override;
   int sendRequest(const wchar_t* name, ZoVariant& data) override;

@@ -30,19 +30,23 @@ class ZO_COM_API ZoSysDisp : public ZoSysObj {
   // The order is part of the interface.
   //
   // A notice with a name of the clients' own, to the custom reactors.
-  virtual int sendNotice(const wchar_t* name, const ZoVariant& data) = 0;
+  [[nodiscard]] virtual int sendNotice(const wchar_t* name, const ZoVariant& data) = 0;
   // To the system reactors, and then to all services in the order of their slots
   // (ZoSysObj::onReactor). ZoSysNotice::moduleReleased has a second pass: each standard service
   // drops what it keeps of the module (poolRelease), and each installed one is asked to go
   // (release).
-  virtual int sendNotice(ZoSysNotice notice, const ZoVariant& data) = 0;
+  [[nodiscard]] virtual int sendNotice(ZoSysNotice notice, const ZoVariant& data) = 0;
+  // As the second, by the bare number; without it, 0 would be taken for a name.
+  [[nodiscard]] int sendNotice(int notice, const ZoVariant& data) {
+    return sendNotice(ZoSysNotice{notice}, data);
+  }
   // To the custom reactors, which may answer in the data.
-  virtual int sendRequest(const wchar_t* name, ZoVariant& data) = 0;
+  [[nodiscard]] virtual int sendRequest(const wchar_t* name, ZoVariant& data) = 0;
 
   // Registers a reactor, which the dispatcher then owns. One that is added twice is told twice.
-  virtual int addReactor(ZoCustomReactor* reactor) = 0;
-  virtual int addReactor(ZoSystemReactor* reactor) = 0;
+  [[nodiscard]] virtual int addReactor(ZoCustomReactor* reactor) = 0;
+  [[nodiscard]] virtual int addReactor(ZoSystemReactor* reactor) = 0;
   // Takes the first registration of the reactor back, and hands it to the caller.
-  virtual int removeReactor(ZoCustomReactor* reactor) = 0;
-  virtual int removeReactor(ZoSystemReactor* reactor) = 0;
+  [[nodiscard]] virtual int removeReactor(ZoCustomReactor* reactor) = 0;
+  [[nodiscard]] virtual int removeReactor(ZoSystemReactor* reactor) = 0;
 };

@@ -34,31 +34,31 @@ class ZO_COM_API ZoSysInfo : public ZoSysObj {
   };
 
   // The name that the user logged on with.
-  virtual int userName(ZoString& name) = 0;
+  [[nodiscard]] virtual int userName(ZoString& name) = 0;
   // The machine's name in the local network, in upper case; and its full name in the domain.
-  virtual int machineName(ZoString& name) = 0;
-  virtual int machineFullName(ZoString& name) = 0;
+  [[nodiscard]] virtual int machineName(ZoString& name) = 0;
+  [[nodiscard]] virtual int machineFullName(ZoString& name) = 0;
   // The user's language and region, as "de-AT".
-  virtual int localeName(ZoString& name) = 0;
+  [[nodiscard]] virtual int localeName(ZoString& name) = 0;
 
   // The operating system's true version, whatever the program's manifest says.
-  virtual int systemVersion(ZoSysVersion& version) = 0;
+  [[nodiscard]] virtual int systemVersion(ZoSysVersion& version) = 0;
   // The version of this library, "MAJOR.MINOR.PATCH".
-  virtual int libraryVersion(ZoString& version) = 0;
+  [[nodiscard]] virtual int libraryVersion(ZoString& version) = 0;
   // The version in a file's resources, as "1.2.3.4". Refused for files that have none.
-  virtual int fileVersion(const wchar_t* file, ZoString& version) = 0;
+  [[nodiscard]] virtual int fileVersion(const wchar_t* file, ZoString& version) = 0;
 
   // Processors that the process may run on, at least 1, and memory of the machine in bytes.
-  virtual int processors(unsigned int& count) = 0;
-  virtual int memory(unsigned long long& bytes) = 0;
+  [[nodiscard]] virtual int processors(unsigned int& count) = 0;
+  [[nodiscard]] virtual int memory(unsigned long long& bytes) = 0;
 
-  virtual int folder(Folder which, ZoString& path) = 0;
+  [[nodiscard]] virtual int folder(Folder which, ZoString& path) = 0;
   // The full paths of the running program and of this library's file.
-  virtual int programFile(ZoString& path) = 0;
-  virtual int libraryFile(ZoString& path) = 0;
+  [[nodiscard]] virtual int programFile(ZoString& path) = 0;
+  [[nodiscard]] virtual int libraryFile(ZoString& path) = 0;
 
   // The value of an environment variable. Refused when there is none; it may be empty.
-  virtual int environment(const wchar_t* name, ZoString& value) = 0;
+  [[nodiscard]] virtual int environment(const wchar_t* name, ZoString& value) = 0;
 };
 
 class ZO_COM_API ZoStdSysInfo : public ZoSysInfo {

@@ -60,8 +60,8 @@ struct ZoUnitFormat {
 // and exact ones below 1e-7, are printed with an exponent.
 // Exactness is promised for 0, infinities and magnitudes from 1e-250 to 1e250; beyond these, for
 // units that are a power of ten of the internal one.
-ZO_COM_API int ZoPrintUnits(double value, ZoTypeCode code, const ZoUnitFormat& format,
-                            ZoString& text);
+[[nodiscard]] ZO_COM_API int ZoPrintUnits(double value, ZoTypeCode code, const ZoUnitFormat& format,
+                                          ZoString& text);
 
 // Reads any form, whatever the format's own; white space at the ends is passed over.
 //
@@ -74,12 +74,12 @@ ZO_COM_API int ZoPrintUnits(double value, ZoTypeCode code, const ZoUnitFormat& f
 // 2 d 4 h, 3 lb 4 oz. The last of them may leave its unit out: it is the next smaller one. Unit
 // names may be written in other case where that leaves no choice. Of a number's digits the first 18
 // count, and in the internal unit all.
-ZO_COM_API int ZoParseUnits(std::wstring_view text, ZoTypeCode code, const ZoUnitFormat& format,
-                            double& value) noexcept;
+[[nodiscard]] ZO_COM_API int ZoParseUnits(std::wstring_view text, ZoTypeCode code,
+                                          const ZoUnitFormat& format, double& value) noexcept;
 
 // A value's number in one unit as a number in another; null is the internal unit. Rounded once.
-ZO_COM_API int ZoConvertUnits(double number, ZoTypeCode code, const wchar_t* from,
-                              const wchar_t* to, double& result) noexcept;
+[[nodiscard]] ZO_COM_API int ZoConvertUnits(double number, ZoTypeCode code, const wchar_t* from,
+                                            const wchar_t* to, double& result) noexcept;
 
 // The names of a code's units, from 0, the internal one; null behind the last, and for a code that
 // is not physical. A unit that has several names is listed by its first.

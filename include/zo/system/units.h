@@ -2,9 +2,9 @@
 // modules share. What the texts look like and which units there are: zo/system/unit_text.h and
 // docs/units.md.
 //
-// Each physical code has a format of its own: the unit, form and precision that its values are
-// printed in, and the unit that a number without one is read in. The separators are the same for
-// all codes.
+// Each quantity has a format of its own: the unit, form and precision that its values are printed
+// in, and the unit that a number without one is read in. Codes that measure the same (Length and
+// XDistance; all pure numbers) share it, and the separators are the same for all codes.
 //
 // Errors:  ZoResult::timeOut when the guard was not obtained within timeOut(), and
 //          ZoResult::refused as said; out-parameters are then as they were, and settings too.
@@ -19,18 +19,18 @@
 class ZO_COM_API ZoUnits : public ZoSysObj {
  public:
   // As ZoPrintUnits and ZoParseUnits in the code's format.
-  virtual int print(double value, ZoTypeCode code, ZoString& text) = 0;
-  virtual int parse(const wchar_t* text, ZoTypeCode code, double& value) = 0;
+  [[nodiscard]] virtual int print(double value, ZoTypeCode code, ZoString& text) = 0;
+  [[nodiscard]] virtual int parse(const wchar_t* text, ZoTypeCode code, double& value) = 0;
 
   // A code's format, with the separators. Its unit, where not null, is the library's own text and
   // valid for good.
-  virtual int getFormat(ZoTypeCode code, ZoUnitFormat& format) = 0;
+  [[nodiscard]] virtual int getFormat(ZoTypeCode code, ZoUnitFormat& format) = 0;
   // Refused when ZoPrintUnits would refuse it. Its separators become those of all codes.
-  virtual int setFormat(ZoTypeCode code, const ZoUnitFormat& format) = 0;
+  [[nodiscard]] virtual int setFormat(ZoTypeCode code, const ZoUnitFormat& format) = 0;
 
-  virtual int getSeparators(wchar_t& decimal, wchar_t& grouping) = 0;
+  [[nodiscard]] virtual int getSeparators(wchar_t& decimal, wchar_t& grouping) = 0;
   // Refused are characters that ZoIsUnitSeparators refuses.
-  virtual int setSeparators(wchar_t decimal, wchar_t grouping) = 0;
+  [[nodiscard]] virtual int setSeparators(wchar_t decimal, wchar_t grouping) = 0;
 };
 
 // At first every code is printed exactly, as decimals, in its internal unit.

@@ -57,7 +57,7 @@ bool isPossible(const Split& full) noexcept {
 }
 
 // What cannot be kept must not be missing without a word.
-void put(ZoVariant::Dict& entries, ZoString name, ZoVariant value) {
+void enter(ZoVariant::Dict& entries, ZoString name, ZoVariant value) {
   if (entries.insertAt(std::move(name), std::move(value)) == ZoResult::outOfMemory)
     throw std::bad_alloc();
 }
@@ -227,7 +227,7 @@ bool ZoStdCfg::readKey(const ZoString& path, bool nested, unsigned int depth, Zo
     for (unsigned long i = 0; registry_->EnumerateValues(i, text, type); ++i) {
       ZoString name(zo::viewOf(text));
       ZoVariant entry;
-      if (zo::readValue(*registry_, name, entry)) put(entries, std::move(name), std::move(entry));
+      if (zo::readValue(*registry_, name, entry)) enter(entries, std::move(name), std::move(entry));
     }
     for (unsigned long i = 0; nested && registry_->EnumerateKeys(i, text); ++i)
       below.emplace_back(zo::viewOf(text));
@@ -239,7 +239,7 @@ bool ZoStdCfg::readKey(const ZoString& path, bool nested, unsigned int depth, Zo
     // Next to a value of its name, a key bears the mark that tells it from one.
     ZoString entryName = key;
     while (entries.contains(entryName)) entryName += L"@";
-    put(entries, std::move(entryName), std::move(entry));
+    enter(entries, std::move(entryName), std::move(entry));
   }
   value = std::move(result);
   return true;

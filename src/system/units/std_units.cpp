@@ -42,7 +42,7 @@ int ZoStdUnits::setFormat(ZoTypeCode code, const ZoUnitFormat& format) {
   if (!writing) return writing.result();
   ZoUnitFormat& kept = formats_[zo::quantityIndex(code)];
   kept = format;
-  if (format.unit) kept.unit = resolved.unit.name;
+  kept.unit = ZoFindUnit(code, format.unit);  // the forms that do not use it keep it, too
   for (ZoUnitFormat& each : formats_) {
     each.decimal = format.decimal;
     each.grouping = format.grouping;
