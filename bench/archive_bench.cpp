@@ -121,7 +121,7 @@ ZoVariant tree(int depth) {
                       : i % 3 == 0 ? ZoVariant(i)
                       : i % 3 == 1 ? ZoVariant(i / 7.0, ZoTypeCode::Length)
                                    : ZoVariant(kText);
-    dict.insertAt(ZoString(key(i).c_str()), std::move(value));
+    static_cast<void>(dict.insertAt(ZoString(key(i).c_str()), std::move(value)));
   }
   return ZoVariant(std::move(dict));
 }

@@ -97,7 +97,8 @@ using PeerDict = std::unordered_map<std::wstring, int, FoldingHash, FoldingEqual
 
 void findOurs(State& state, int64_t n, Found found) {
   OurDict dict;
-  for (const ZoString& key : strings(keyTexts(n, Found::kHit))) dict.insertAt(key, 1);
+  for (const ZoString& key : strings(keyTexts(n, Found::kHit)))
+    static_cast<void>(dict.insertAt(key, 1));
   const std::vector<ZoString> asked = strings(askedTexts(n, found));
   size_t i = 0;
   for (auto _ : state) {
@@ -121,7 +122,7 @@ void insertOurs(State& state, int64_t n) {
   const std::vector<ZoString> keys = strings(keyTexts(n, Found::kHit));
   for (auto _ : state) {
     OurDict dict;
-    for (const ZoString& key : keys) dict.insertAt(key, 1);
+    for (const ZoString& key : keys) static_cast<void>(dict.insertAt(key, 1));
     benchmark::DoNotOptimize(dict.entries());
   }
   state.SetItemsProcessed(state.iterations() * n);
@@ -142,7 +143,7 @@ void insertPeer(State& state, int64_t n) {
 template <class Container>
 void append(Container& container, const typename Container::value_type& value) {
   if constexpr (requires { container.append(value); }) {
-    container.append(value);
+    static_cast<void>(container.append(value));
   } else {
     container.push_back(value);
   }
@@ -270,7 +271,7 @@ struct LessIgnoringCase {
 using OurTree = ZoTree<int, ZoString>;
 using PeerTree = std::map<ZoString, int, LessIgnoringCase>;
 
-void insertInto(OurTree& tree, const ZoString& key) { tree.insertAt(key, 1); }
+void insertInto(OurTree& tree, const ZoString& key) { static_cast<void>(tree.insertAt(key, 1)); }
 void insertInto(PeerTree& tree, const ZoString& key) { tree.emplace(key, 1); }
 bool isIn(const OurTree& tree, const ZoString& key) { return tree.at(key) != nullptr; }
 bool isIn(const PeerTree& tree, const ZoString& key) { return tree.find(key) != tree.end(); }
@@ -316,10 +317,10 @@ void treeIterate(State& state, int64_t n) {
 
 void sortOurs(State& state, int64_t n) {
   ZoArray<ZoString> keys;
-  for (const ZoString& key : strings(keyTexts(n, Found::kHit))) keys.append(key);
+  for (const ZoString& key : strings(keyTexts(n, Found::kHit))) static_cast<void>(keys.append(key));
   for (auto _ : state) {
     ZoArray<ZoString> array(keys);
-    array.sort(ZoCICompare<ZoString>());
+    static_cast<void>(array.sort(ZoCICompare<ZoString>()));
     benchmark::DoNotOptimize(array.data());
   }
 }

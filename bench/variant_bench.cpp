@@ -93,13 +93,13 @@ OurDict ourPart() {
     const ZoString& key = ourKeys()[i];
     switch (i % 3) {
       case 0:
-        part.insertAt(key, ZoVariant(i));
+        static_cast<void>(part.insertAt(key, ZoVariant(i)));
         break;
       case 1:
-        part.insertAt(key, ZoVariant(i / 7.0, ZoTypeCode::Length));
+        static_cast<void>(part.insertAt(key, ZoVariant(i / 7.0, ZoTypeCode::Length)));
         break;
       default:
-        part.insertAt(key, ZoVariant(ourTextValue()));
+        static_cast<void>(part.insertAt(key, ZoVariant(ourTextValue())));
         break;
     }
   }
@@ -129,8 +129,9 @@ ZoVariant ourTree() {
   OurDict root;
   for (int c = 0; c < 10; ++c) {
     OurDict catalog;
-    for (int p = 0; p < 100; ++p) catalog.insertAt(ourKeys()[p], ZoVariant(ourPart()));
-    root.insertAt(ourKeys()[c], ZoVariant(std::move(catalog)));
+    for (int p = 0; p < 100; ++p)
+      static_cast<void>(catalog.insertAt(ourKeys()[p], ZoVariant(ourPart())));
+    static_cast<void>(root.insertAt(ourKeys()[c], ZoVariant(std::move(catalog))));
   }
   return ZoVariant(std::move(root));
 }

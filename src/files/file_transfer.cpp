@@ -168,10 +168,12 @@ struct ZoFileTransfer::Imp {
       item.done = code == ZoResult::ok;
       if (!item.done && !cancelled) {
         const bool hasReason = code != ZoResult::invalid;
-        failures.append(Failure{.source = item.source,
-                                .target = item.target,
-                                .code = code,
-                                .reason = hasReason ? fileSystem().errorTxt() : ZoString()});
+        // Without memory for it the item stays in the list all the same, and the result tells.
+        static_cast<void>(
+            failures.append(Failure{.source = item.source,
+                                    .target = item.target,
+                                    .code = code,
+                                    .reason = hasReason ? fileSystem().errorTxt() : ZoString()}));
       }
       ++filesDone;
       bytesDone += item.size;

@@ -1,10 +1,11 @@
-// Upper case of single UTF-16 units, the same in every locale.
+// Simple case folding of UTF-16 units, the same in every locale.
 #pragma once
 
 namespace zo {
 
-// What the platform's invariant casing makes of the unit; the unit itself where that is no single
-// unit. The table behind it is built on first use; any thread.
-[[nodiscard]] wchar_t upperUnit(wchar_t c);
+// What each of the 0x10000 units folds to, in upper case: units that differ only in case fold to
+// one, also the final sigma, the signs for Kelvin and Angstrom and the digraphs in title case. The
+// table is built on first use; any thread.
+[[nodiscard]] const wchar_t* foldTable() noexcept;
 
 }  // namespace zo

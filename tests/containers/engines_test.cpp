@@ -109,7 +109,7 @@ TEST(Sorting, IsStableAndNeverQuadratic) {
                           [](int i) { return i < kCount / 2 ? i : kCount - i; }}) {
     for (const bool ascending : {true, false}) {
       ZoArray<Item> array;
-      for (int i = 0; i < kCount; ++i) array.append({shape(i), i});
+      for (int i = 0; i < kCount; ++i) ASSERT_EQ(array.append({shape(i), i}), 0);
       ZoList<Item> list(array);
       const Item* const second = list.at(1);
       std::vector<Item> expected(array.begin(), array.end());

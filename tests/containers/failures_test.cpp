@@ -108,7 +108,7 @@ TYPED_TEST(DictFailures, LoseNothing) {
   TypeParam original, two;
   for (int i = 0; i < 90; ++i)
     ASSERT_EQ(original.insertAt(Element(i), Element(i)), 0);  // a hash table grows next
-  two.insertAt(Element(1), Element(2));
+  ASSERT_EQ(two.insertAt(Element(1), Element(2)), 0);
   const Element key(1000), value(7);
   const auto check = [&](const char* name, const std::function<int(TypeParam&)>& operation) {
     expectNothingLost<TypeParam>(name, original, operation, true);
@@ -131,7 +131,7 @@ TEST(Failures, ComparisonThatThrowsLeavesTheOrder) {
     }
   };
   ZoArray<int> array;
-  for (int i = 0; i < 30; ++i) array.append(i * 7 % 30);
+  for (int i = 0; i < 30; ++i) ASSERT_EQ(array.append(i * 7 % 30), 0);
   ZoList<int> list(array);
   const ZoArray<int> before(array);
   for (ZoSequence<int>* sequence : std::initializer_list<ZoSequence<int>*>{&array, &list}) {
@@ -154,6 +154,71 @@ TEST(Failures, ARefusedElementIsNotLost) {
                            dict.insertAt(5, std::move(value)), tree.insertAt(5, std::move(value))})
     EXPECT_EQ(status, 1) << "a copy that there is not, or a key that is there";
   EXPECT_EQ(*value, 8);
+}
+
+TEST(Failures, AnEmptyDictionaryAsksForNoMemory) {
+  telltale::requestsUntilFailure = 1;
+  ZoHashDict<int, ZoString> dict, copy(dict);
+  EXPECT_EQ(dict.buckets(), 128u);
+  EXPECT_FALSE(dict.contains(L"a") || dict.begin() != dict.end() || copy.stats().entries != 0);
+  EXPECT_EQ(dict.removeAt(L"a") * 10 + dict.insertAt(L"a", 1), 12);
+  EXPECT_EQ(dict.setCapacity(0, 0.7) * 10 + dict.setCapacity(16, 0.5), 10);
+  telltale::requestsUntilFailure = 0;
+  copy = dict;
+  EXPECT_EQ(copy.insertAt(L"a", 1), 0);
+  EXPECT_TRUE(copy.buckets() == 16 && copy.loadFactor() == 0.5);
+  ZoHashDictIterator<int, ZoString> it(copy);
+  EXPECT_EQ(copy.removeAll(true) + copy.insertAt(L"b", 2), 0);
+  EXPECT_TRUE(copy.buckets() == 128 && !it.isValid());
+}
+
+struct Fixed {
+  const int value;
+  bool operator<(const Fixed& other) const { return value < other.value; }
+};
+struct FixedText {
+  FixedText(int n) : value(n), text(std::to_wstring(n).c_str()) {}  // NOLINT: a value is one
+  const int value;
+  const ZoString text;
+  bool operator<(const FixedText& other) const { return value < other.value; }
+};
+
+template <class Sequence>
+void expectUnassignedToDo() {
+  Sequence sequence;
+  for (int i = 0; i < 9; ++i) ASSERT_EQ(sequence.append({i * 5 % 9}), 0);
+  EXPECT_EQ(sequence.insertAt(3, {20}) + sequence.fillAt(10, 2, {30}) + sequence.sort(), 0);
+  EXPECT_EQ(sequence.removeAt(1) + sequence.reverse() + sequence.append(sequence), 0);
+  typename Sequence::value_type out{7};
+  EXPECT_EQ(sequence.setAt(0, {1}) + sequence.removeAt(0, out) + sequence.fillAt(0, 1, {1}), 3);
+  EXPECT_EQ(valuesOf(Sequence(sequence)),
+            (std::vector{30, 30, 20, 8, 7, 6, 5, 4, 3, 2, 0, 30, 30, 20, 8, 7, 6, 5, 4, 3, 2, 0}));
+}
+
+TEST(Elements, ThatCannotBeAssignedAreFine) {
+  expectUnassignedToDo<ZoArray<Fixed>>();
+  expectUnassignedToDo<ZoArray<FixedText>>();
+  expectUnassignedToDo<ZoList<Fixed>>();
+  expectUnassignedToDo<ZoList<FixedText>>();
+  ZoHashDict<FixedText, ZoString> dict;
+  EXPECT_EQ(dict.insertAt(L"a", 1) + dict.put(L"b", 2), 0);
+  EXPECT_EQ(dict.put(L"b", 3) * 10 + dict.removeAt(L"b"), 10);
+}
+
+TEST(Elements, ThatCanOnlyBeMovedMayStandInContainersOfContainers) {
+  using Owner = std::unique_ptr<int>;
+  ZoArray<ZoArray<Owner>> rows;
+  ZoTree<ZoHashDict<Owner, ZoString>, ZoString> tree;
+  for (int i = 0; i < 20; ++i) {
+    ZoArray<Owner> row;
+    ZoHashDict<Owner, ZoString> dict;
+    EXPECT_EQ(row.append(std::make_unique<int>(i)), 0);
+    EXPECT_EQ(dict.insertAt(L"a", std::make_unique<int>(i)), 0);
+    EXPECT_EQ(rows.insertAt(0, std::move(row)), 0);
+    EXPECT_EQ(tree.insertAt(ZoString(std::to_wstring(i).c_str()), std::move(dict)), 0);
+  }
+  EXPECT_EQ(*rows[0][0], 19);
+  EXPECT_EQ(**tree.at(L"3")->at(L"A"), 3);
 }
 
 }  // namespace

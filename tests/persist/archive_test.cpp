@@ -38,7 +38,7 @@ ZoVariant nested(unsigned int depth) {
   ZoVariant value(1);
   for (; depth > 0; --depth) {
     ZoArray<ZoVariant> around;
-    around.append(std::move(value));
+    EXPECT_EQ(around.append(std::move(value)), 0);
     value = ZoVariant(std::move(around));
   }
   return value;
@@ -274,7 +274,7 @@ TEST(Archive, EqualShortTextsOfOneVariantShareTheirMemory) {
     for (std::size_t at = 0; at <= length; ++at) {
       std::wstring text(length, L'a');
       if (at < length) text[at] = L'b';
-      for (int i = 0; i < 2; ++i) texts.append(ZoVariant(text.c_str()));
+      for (int i = 0; i < 2; ++i) ASSERT_EQ(texts.append(ZoVariant(text.c_str())), 0);
     }
   }
   const ZoVariant written(std::move(texts));

@@ -100,7 +100,7 @@ inline ZoVariant list() {
 }
 inline ZoVariant dict() {
   ZoHashDict<ZoVariant, ZoString> entries;
-  entries.insertAt(L"Key", list());
+  EXPECT_EQ(entries.insertAt(L"Key", list()), 0);
   return ZoVariant(std::move(entries), ZoTypeCode::Part, ZoFlagConstant);
 }
 

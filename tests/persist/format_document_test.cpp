@@ -55,8 +55,8 @@ constexpr const char* kContainers = "compressed-container.md";
 TEST(FormatDocument, ArchiveIsWhatIsWrittenReadAndDumped) {
   const auto write = [](ZoArchive& to) {
     ZoHashDict<ZoVariant, ZoString> part;
-    part.insertAt(L"length", ZoVariant(ZoArray<ZoVariant>{ZoVariant(40.0, ZoTypeCode::Length), 7},
-                                       ZoTypeCode::Array));
+    part = {{L"length", ZoVariant(ZoArray<ZoVariant>{ZoVariant(40.0, ZoTypeCode::Length), 7},
+                                  ZoTypeCode::Array)}};
     to.write(L"M20", nullptr);
     to.write(ZoVector::s_negZAxis, nullptr);
     to.write(ZoVariant(std::move(part), ZoTypeCode::Part, ZoFlagConstant), L"Part");

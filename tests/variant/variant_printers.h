@@ -16,12 +16,12 @@ inline void PrintTo(const ZoVariant& value, std::ostream* out) {
 // The value as the only element of a sequence, without copying it.
 inline ZoVariant inSequence(ZoVariant value) {
   ZoArray<ZoVariant> array;
-  array.append(std::move(value));
+  static_cast<void>(array.append(std::move(value)));
   return ZoVariant(std::move(array));
 }
 inline ZoVariant inDict(ZoVariant value) {
   ZoHashDict<ZoVariant, ZoString> dict(1);
-  dict.insertAt(L"k", std::move(value));
+  static_cast<void>(dict.insertAt(L"k", std::move(value)));
   return ZoVariant(std::move(dict));
 }
 

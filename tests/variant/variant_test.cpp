@@ -150,9 +150,9 @@ TEST(Variant, AContainerHoldsACopyOfItselfAtMost) {
 
 TEST(Variant, GivesItsContainerOrAScratchOneThatBelongsToNobody) {
   ZoVariant v(ZoVariant::kEmpty, ZoTypeCode::NoType, 4), number(5);
-  static_cast<ZoVariant::Sequence&>(v).append(1);
+  EXPECT_EQ(static_cast<ZoVariant::Sequence&>(v).append(1), 0);
   EXPECT_EQ(v, ZoVariant(Array{1}, ZoTypeCode::Sequence, 4)) << "an empty one becomes it";
-  static_cast<ZoVariant::Sequence&>(number).append(1);
+  EXPECT_EQ(static_cast<ZoVariant::Sequence&>(number).append(1), 0);
   EXPECT_TRUE(static_cast<ZoVariant::Sequence&>(number).isEmpty()) << "emptied each time";
   EXPECT_EQ(number, ZoVariant(5));
 }

@@ -87,7 +87,7 @@ TEST(VariantText, DictionariesComeInTheOrderOfTheCodeUnitsOfTheirKeys) {
     Dict dict;
     std::wstring expected = L"Dict {";
     for (size_t i = first; i < std::size(ordered); ++i) {
-      dict.insertAt(ordered[i], 1);
+      ASSERT_EQ(dict.insertAt(ordered[i], 1), 0);
       expected += std::wstring(L"\n\t\"") + ordered[i] + L"\" = Int 1";
     }
     EXPECT_EQ(ZoVariant(dict).format(), expected + L"\n}") << first;
@@ -119,8 +119,7 @@ TEST(VariantText, EveryNumberReadsBackInEveryLocale) {
 TEST(VariantText, EveryCharacterReadsBackAndLoneSurrogatesAreEscaped) {
   std::wstring all;
   for (unsigned int c = 0; c < 0x10000; ++c) all += static_cast<wchar_t>(c);
-  Dict dict;
-  dict.insertAt(ZoString(std::wstring_view(all)), ZoString(std::wstring_view(all)));
+  const Dict dict{{ZoString(std::wstring_view(all)), ZoString(std::wstring_view(all))}};
   expectRoundTrip(dict);
   for (const auto& [text, form] : std::vector<std::pair<const wchar_t*, const wchar_t*>>{
            {L"\xD83D\xD83D\xDE00\xDE00", L"\\uD83D\xD83D\xDE00\\uDE00"},

@@ -17,8 +17,8 @@ ZoVArrayTable::~ZoVArrayTable() = default;
 
 ZoVArray::ZoVArray(ZoVArrayTable* table, unsigned capacity, unsigned growSize)
     : growSize_(growSize), table_(table) {
-  if (capacity > 0)
-    resize(capacity);  // without memory the array starts smaller, and grows when used
+  // Without memory the array starts smaller, and grows when used.
+  if (capacity > 0) static_cast<void>(resize(capacity));
 }
 
 ZoVArray::ZoVArray(const ZoVArray& other) : growSize_(other.growSize_) {
@@ -184,10 +184,7 @@ int ZoVArray::sort(const ZoVArrayCompare* compare, bool ascending) {
   return status == ZoResult::ok && changed ? table_->reorder(order.data(), entries_) : status;
 }
 
-int ZoVArray::reverse() {
-  for (unsigned i = 0, j = entries_; i + 1 < j; ++i) table_->exchange(i, --j);
-  return ZoResult::ok;
-}
+int ZoVArray::reverse() { return entries_ > 1 ? table_->reverse(entries_) : ZoResult::ok; }
 
 int ZoVArray::resize(unsigned capacity) {
   if (!table_) return ZoResult::refused;
@@ -237,15 +234,23 @@ int ZoVArray::growArray() {
   return resize(capacity_ + growSize_);
 }
 
-int ZoVArray::makeRoom(unsigned n) {
+int ZoVArray::capacityFor(unsigned n, unsigned& enough) const noexcept {
   const unsigned spare = capacity_ - entries_;
+  enough = capacity_;
   if (n <= spare) return ZoResult::ok;
   if (growSize_ == 0) return ZoResult::refused;
   const unsigned missing = n - spare;
   const unsigned long long steps = (missing + 0ull + growSize_ - 1) / growSize_;
   const unsigned long long capacity = capacity_ + steps * growSize_;
   if (capacity > kMostEntries) return ZoResult::outOfMemory;
-  return resize(static_cast<unsigned>(capacity));
+  enough = static_cast<unsigned>(capacity);
+  return ZoResult::ok;
+}
+
+int ZoVArray::makeRoom(unsigned n) {
+  unsigned enough = 0;
+  const int status = capacityFor(n, enough);
+  return status == ZoResult::ok ? resize(enough) : status;
 }
 
 int ZoVArray::makeRoomFor(unsigned n, const void*& value) {

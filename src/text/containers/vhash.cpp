@@ -6,12 +6,17 @@
 #include <new>
 #include <utility>
 
+#include "text/containers/chain_index.h"
+
 namespace {
 constexpr unsigned kMostEntries = zo::npos - 1;  // npos itself is no position
 constexpr unsigned kMostBuckets = 1u << 31;
 }  // namespace
 
-ZoVHashTable::~ZoVHashTable() { zo::freeBlock(static_cast<void*>(chains_), alignof(ZoVHashNode*)); }
+ZoVHashTable::~ZoVHashTable() {
+  delete index_;
+  zo::freeBlock(static_cast<void*>(chains_), alignof(ZoVHashNode*));
+}
 
 bool ZoVHashTable::makeBuckets(unsigned n) noexcept {
   if (n == 0) return false;
@@ -35,16 +40,20 @@ bool ZoVHashTable::isBucketEmpty(unsigned bucket) const { return !chains_[bucket
 
 void ZoVHashTable::append(unsigned bucket, ZoVHashNode* node) {
   ZoVHashNode** link = chain(bucket);
+  if (index_ && *link) link = &index_->last(bucket)->next;
   while (*link) link = &(*link)->next;
   node->next = nullptr;
   *link = node;
+  if (index_ && !index_->append(bucket, node)) delete std::exchange(index_, nullptr);
 }
 
 void ZoVHashTable::unlink(unsigned bucket, ZoVHashNode* node) {
   ZoVHashNode** link = chain(bucket);
+  if (index_) {
+    if (ZoVHashNode* const before = index_->remove(bucket, node)) link = &before->next;
+  }
   while (*link != node) link = &(*link)->next;
   *link = node->next;
-  ++removals_;
 }
 
 void ZoVHashTable::removeAll() {
@@ -55,12 +64,24 @@ void ZoVHashTable::removeAll() {
     }
   }
   pool_.clear();
-  ++removals_;
+  delete std::exchange(index_, nullptr);
 }
 
-void ZoVHashTable::absorb(ZoVHashTable& other) noexcept {
-  pool_.absorb(other.pool_);
-  removals_ = std::max(removals_, other.removals_) + 1;
+void ZoVHashTable::makeIndex(unsigned entries) noexcept {
+  delete std::exchange(index_, nullptr);
+  std::unique_ptr<zo::ChainIndex> index = zo::ChainIndex::make(bucketCount_, entries);
+  if (!index) return;
+  for (unsigned b = 0; b < bucketCount_; ++b) {
+    for (ZoVHashNode* node = chains_[b]; node; node = node->next) {
+      if (!index->append(b, node)) return;
+    }
+  }
+  index_ = index.release();
+}
+
+ZoVHashNode* ZoVHashTable::indexed(unsigned hash, unsigned fingerprint,
+                                   std::size_t& from) const noexcept {
+  return index_->find(hash, fingerprint & ZoVHashNode::kFingerprintBits, from);
 }
 
 ZoVHash::ZoVHash(ZoVHashTable* table, unsigned, double loadFactor)
@@ -69,22 +90,26 @@ ZoVHash::ZoVHash(ZoVHashTable* table, unsigned, double loadFactor)
       table_(table) {}
 
 ZoVHash::ZoVHash(const ZoVHash& other) : ZoVHash(nullptr, 0, other.loadFactor_) {
+  buckets_ = other.buckets_;
   if (!other.table_) return;
   ZoVHash copy(other.table_->makeNew(other.buckets_), other.buckets_, other.loadFactor_);
   if (!copy.table_) throw std::bad_alloc();
   for (unsigned b = 0; b < other.buckets_; ++b) {
+    ZoVHashNode** link = copy.table_->chain(b);
     for (ZoVHashNode* node = other.table_->first(b); node; other.table_->next(node)) {
-      ZoVHashNode* made = nullptr;
       const int status =
-          copy.table_->newNode(other.table_->key(node), other.table_->value(node), made);
+          copy.table_->newNode(other.table_->key(node), other.table_->value(node), *link);
       if (status == ZoResult::outOfMemory) throw std::bad_alloc();
       if (status != ZoResult::ok) return;  // elements that cannot be copied: an empty table
+      ZoVHashNode* const made = *link;
       made->hash = node->hash;
       made->plain = node->plain;
-      copy.table_->append(b, made);
+      made->fingerprint = node->fingerprint;
+      link = &made->next;
       ++copy.entries_;
     }
   }
+  if (other.table_->isIndexed()) copy.table_->makeIndex(copy.entries_);
   copy.collisions_ = other.collisions_;
   swap(copy);
 }
@@ -115,6 +140,8 @@ void ZoVHash::swap(ZoVHash& other) noexcept {
   std::swap(collisions_, other.collisions_);
   std::swap(loadFactor_, other.loadFactor_);
   std::swap(table_, other.table_);
+  // Every iterator over either table has to look for its node.
+  removals_ = other.removals_ = std::max(removals_, other.removals_) + 1;
 }
 
 bool ZoVHash::contains(const void* key, const ZoVHashCompare* compare) const {
@@ -145,20 +172,21 @@ double ZoVHash::collisionRatio() const {
 
 int ZoVHash::setCapacity(unsigned buckets, double loadFactor, const ZoVHashKey* hashKey) {
   if (!table_ || !hashKey || buckets == 0 || !(loadFactor > 0)) return ZoResult::refused;
-  ZoVHashTable* const table = table_->makeNew(buckets);
-  if (!table) return ZoResult::outOfMemory;
-  loadFactor_ = loadFactor;
-  moveInto(table);
+  const double before = std::exchange(loadFactor_, loadFactor);
+  if (const int status = rehash(buckets)) {
+    loadFactor_ = before;
+    return status;
+  }
+  if (!table_->isIndexed() && stats().longestChain > ZoVHashTable::kLongChain) makeIndex(*hashKey);
   return ZoResult::ok;
 }
 
 int ZoVHash::apply(ZoVHashApply* applyFn) {
   if (!applyFn) return ZoResult::refused;
-  for (unsigned b = 0; b < buckets_; ++b) {
-    for (ZoVHashNode* node = table_->first(b); node; table_->next(node)) {
-      applyFn->applyTo(table_->value(node));
-    }
-  }
+  findWhere([&](ZoVHashNode* node) {
+    applyFn->applyTo(table_->value(node));
+    return false;
+  });
   return ZoResult::ok;
 }
 
@@ -170,12 +198,19 @@ void* ZoVHash::at(const void* key, const ZoVHashKey* hashKey) const {
 int ZoVHash::insertAt(const void* key, const void* value, const ZoVHashKey* hashKey) {
   if (!table_ || !key || !value || !hashKey || entries_ == kMostEntries) return ZoResult::refused;
   if (isOverloaded() && grow() != ZoResult::ok) return ZoResult::refused;
-  if (find(key, hashKey)) return ZoResult::refused;
   const unsigned hash = hashKey->hash(key);
+  unsigned walked = 0;
+  if (lookUp(key, hash, *hashKey, walked)) return ZoResult::refused;
+  if (walked >= ZoVHashTable::kLongChain) makeIndex(*hashKey);
+  const unsigned fingerprint = table_->isIndexed() ? hashKey->fingerprint(key) : 0;
   ZoVHashNode* node = nullptr;
   if (const int status = table_->newNode(key, value, node)) return status;
   node->hash = hash;
-  insertNode(node);
+  node->fingerprint = fingerprint & ZoVHashNode::kFingerprintBits;
+  const unsigned bucket = table_->bucketOf(hash);
+  if (!table_->isBucketEmpty(bucket)) ++collisions_;
+  table_->append(bucket, node);
+  ++entries_;
   return ZoResult::ok;
 }
 
@@ -188,6 +223,7 @@ int ZoVHash::removeAll() {
   if (table_) table_->removeAll();
   entries_ = 0;
   collisions_ = 0;
+  ++removals_;
   return ZoResult::ok;
 }
 
@@ -197,7 +233,7 @@ int ZoVHash::removeAt(const void* key, void* outValue, const ZoVHashKey* hashKey
   if (outValue) {
     if (const int status = table_->moveValue(outValue, table_->value(node))) return status;
   }
-  removeNode(table_->bucketOf(node->hash), node);
+  removeNode(node);
   return ZoResult::ok;
 }
 
@@ -211,74 +247,108 @@ int ZoVHash::resize(const ZoVHashKey* hashKey) {
   if (grow() == ZoResult::ok) return ZoResult::ok;
   delete std::exchange(table_, nullptr);
   entries_ = buckets_ = collisions_ = 0;
+  ++removals_;
   return ZoResult::outOfMemory;
 }
 
 int ZoVHash::grow() {
-  if (buckets_ >= kMostBuckets) return ZoResult::outOfMemory;
-  ZoVHashTable* const table = table_->makeNew(buckets_ * 2);
+  return buckets_ < kMostBuckets ? rehash(buckets_ * 2) : ZoResult::outOfMemory;
+}
+
+int ZoVHash::rehash(unsigned buckets) {
+  // Each element but the first is inserted after a test of the load.
+  const double elements = entries_ == 0 ? 0 : static_cast<double>(entries_ - 1);
+  while (elements / buckets > loadFactor_ && buckets <= kMostBuckets / 2) buckets *= 2;
+  ZoVHashTable* const table = table_->makeNew(buckets);
   if (!table) return ZoResult::outOfMemory;
   moveInto(table);
   return ZoResult::ok;
 }
 
-// As if each element were inserted anew, with the test of the load (which may grow the table once
-// more on the way).
+// From the last node back to the first, each to the front of its chain: that keeps their order and
+// walks no chain.
 void ZoVHash::moveInto(ZoVHashTable* table) {
   const std::unique_ptr<ZoVHashTable> old(std::exchange(table_, table));
   buckets_ = table->buckets();
-  entries_ = 0;
   collisions_ = 0;
-  for (unsigned b = 0; b < old->buckets(); ++b) {
-    ZoVHashNode* node = old->first(b);
-    *old->chain(b) = nullptr;
-    while (node) {
-      ZoVHashNode* const following = node->next;
-      if (isOverloaded())
-        static_cast<void>(grow());  // without memory the table stays as dense as it is
-      insertNode(node);
-      node = following;
+  for (unsigned b = old->buckets(); b-- > 0;) {
+    ZoVHashNode* reversed = nullptr;
+    for (ZoVHashNode* node = std::exchange(*old->chain(b), nullptr); node;) {
+      ZoVHashNode* const following = std::exchange(node->next, reversed);
+      reversed = std::exchange(node, following);
+    }
+    while (reversed) {
+      ZoVHashNode** const chain = table->chain(table->bucketOf(reversed->hash));
+      if (*chain) ++collisions_;
+      ZoVHashNode* const before = std::exchange(reversed->next, *chain);
+      *chain = std::exchange(reversed, before);
     }
   }
-  table_->absorb(*old);
+  table->absorb(*old);
+  if (old->isIndexed()) table->makeIndex(entries_);
+  ++removals_;
 }
 
-void ZoVHash::insertNode(ZoVHashNode* node) {
-  const unsigned bucket = table_->bucketOf(node->hash);
-  if (!table_->isBucketEmpty(bucket)) ++collisions_;
-  table_->append(bucket, node);
-  ++entries_;
+// May throw what the policy throws; nothing has changed then.
+void ZoVHash::makeIndex(const ZoVHashKey& hashKey) {
+  findWhere([&](ZoVHashNode* node) {
+    node->fingerprint = hashKey.fingerprint(table_->key(node)) & ZoVHashNode::kFingerprintBits;
+    return false;
+  });
+  table_->makeIndex(entries_);
 }
 
-void ZoVHash::removeNode(unsigned bucket, ZoVHashNode* node) {
-  table_->unlink(bucket, node);
+void ZoVHash::removeNode(ZoVHashNode* node) {
+  table_->unlink(table_->bucketOf(node->hash), node);
   table_->deleteNode(node);
   --entries_;
+  ++removals_;
 }
 
 ZoVHashNode* ZoVHash::find(const void* key, const ZoVHashKey* hashKey) const {
   if (!key || !hashKey || entries_ == 0) return nullptr;
-  const unsigned hash = hashKey->hash(key);
-  ZoVHashNode* node = table_->first(table_->bucketOf(hash));
-  while (node && (node->hash != hash || hashKey->compare(table_->key(node), key) != 0)) {
-    table_->next(node);
+  unsigned walked = 0;
+  return lookUp(key, hashKey->hash(key), *hashKey, walked);
+}
+
+// Adds up the nodes of a chain that it walked over.
+ZoVHashNode* ZoVHash::lookUp(const void* key, unsigned hash, const ZoVHashKey& hashKey,
+                             unsigned& walked) const {
+  const auto matches = [&](const ZoVHashNode* node) {
+    return node->hash == hash && hashKey.compare(table_->key(node), key) == 0;
+  };
+  if (table_->isIndexed()) {
+    const unsigned fingerprint = hashKey.fingerprint(key);
+    std::size_t from = 0;
+    ZoVHashNode* node = table_->indexed(hash, fingerprint, from);
+    while (node && !matches(node)) node = table_->indexed(hash, fingerprint, from);
+    return node;
   }
+  ZoVHashNode* node = table_->first(table_->bucketOf(hash));
+  for (; node && !matches(node); ++walked) table_->next(node);
   return node;
 }
 
-ZoVHashNode* ZoVHash::scan(const void* key, const zo::ElementCompare* compare) const {
-  if (!key || !compare) return nullptr;
-  for (unsigned b = 0; b < buckets_; ++b) {
+// The first node for which visit(node) is true.
+template <class Visit>
+ZoVHashNode* ZoVHash::findWhere(Visit visit) const {
+  for (unsigned b = 0; table_ && b < buckets_; ++b) {
     for (ZoVHashNode* node = table_->first(b); node; table_->next(node)) {
-      if (compare->compare(table_->key(node), key) == 0) return node;
+      if (visit(node)) return node;
     }
   }
   return nullptr;
 }
 
+ZoVHashNode* ZoVHash::scan(const void* key, const zo::ElementCompare* compare) const {
+  if (!key || !compare) return nullptr;
+  return findWhere(
+      [&](ZoVHashNode* node) { return compare->compare(table_->key(node), key) == 0; });
+}
+
 ZoHashStats ZoVHash::stats() const {
   ZoHashStats stats{.buckets = buckets_, .entries = entries_, .collisions = collisions_};
-  for (unsigned b = 0; b < buckets_; ++b) {
+  for (unsigned b = 0; table_ && b < buckets_; ++b) {
     unsigned length = 0;
     for (ZoVHashNode* node = table_->first(b); node; table_->next(node)) ++length;
     if (length > 0) ++stats.usedBuckets;
@@ -288,7 +358,7 @@ ZoHashStats ZoVHash::stats() const {
 }
 
 bool ZoVHash::validate(const ZoVHashKey* hashKey) const {
-  if (!table_) return entries_ == 0 && buckets_ == 0;
+  if (!table_) return entries_ == 0;
   if (buckets_ != table_->buckets()) return false;
   unsigned n = 0;
   for (unsigned b = 0; b < buckets_; ++b) {
@@ -303,8 +373,7 @@ bool ZoVHash::validate(const ZoVHashKey* hashKey) const {
 
 bool ZoVHashIterator::stand(ZoVHashNode* node) noexcept {
   node_ = node;
-  table_ = hash_->table_;
-  removals_ = table_ ? table_->removals() : 0;
+  removals_ = hash_->removals_;
   return node != nullptr;
 }
 
@@ -322,8 +391,7 @@ ZoVHashNode* ZoVHashIterator::following(const ZoVHashNode* node) const noexcept 
 
 // Is the node that it stood on still there?
 void ZoVHashIterator::find() const noexcept {
-  table_ = hash_->table_;
-  removals_ = table_ ? table_->removals() : 0;
+  removals_ = hash_->removals_;
   ZoVHashNode* node = node_ ? firstFrom(0) : nullptr;
   while (node && node != node_) node = following(node);
   node_ = node;
@@ -343,12 +411,12 @@ bool ZoVHashIterator::next() noexcept {
 
 void* ZoVHashIterator::current() const noexcept {
   ZoVHashNode* const here = node();
-  return here ? table_->value(here) : nullptr;
+  return here ? hash_->table_->value(here) : nullptr;
 }
 
 const void* ZoVHashIterator::key() const noexcept {
   const ZoVHashNode* const here = node();
-  return here ? table_->key(here) : nullptr;
+  return here ? hash_->table_->key(here) : nullptr;
 }
 
 bool ZoVHashIterator::findNext(const void* key, const zo::ElementCompare* compare) {
@@ -367,7 +435,7 @@ int ZoVHashIterator::remove(void* outValue) {
       return status;
   }
   ZoVHashNode* const after = following(gone);
-  hash_->removeNode(hash_->table_->bucketOf(gone->hash), gone);
+  hash_->removeNode(gone);
   stand(after);
   return ZoResult::ok;
 }

@@ -24,25 +24,39 @@ class ZoArray : public ZoSequence<T> {
   static constexpr unsigned kFirstGrowSize = 8;
 
   ZoArray() noexcept : array_(nullptr, 0, kFirstGrowSize) {}
+  template <class Number>
+    requires(std::is_floating_point_v<Number> || std::is_same_v<Number, bool>)
+  explicit ZoArray(Number, unsigned = 0) = delete;  // the capacity comes first
   explicit ZoArray(unsigned capacity, unsigned growSize = kFirstGrowSize)
       : array_(nullptr, 0, growSize) {
-    resize(capacity);
+    static_cast<void>(resize(capacity));  // without memory the array grows when it is used
   }
   ZoArray(std::initializer_list<T> values) : ZoArray() {
-    resize(static_cast<unsigned>(values.size()));
+    zo::assertCopyable<T>();
+    check(resize(static_cast<unsigned>(values.size())));
     for (const T& value : values) check(append(value));
   }
-  explicit ZoArray(const ZoSequence<T>& other) : ZoArray() { check(append(other)); }
+  explicit ZoArray(const ZoSequence<T>& other) : ZoArray() {
+    zo::assertCopyable<T>();
+    check(append(other));
+  }
   // Copies throw std::bad_alloc when there is no memory; moves leave the other array empty and
   // usable.
-  ZoArray(const ZoArray&) = default;
+  ZoArray(const ZoArray& other) : ZoSequence<T>(other), array_(other.array_) {
+    zo::assertCopyable<T>();
+  }
   ZoArray(ZoArray&& other) noexcept : ZoSequence<T>(), array_(std::move(other.array_)) {}
-  ZoArray& operator=(const ZoArray&) = default;
+  ZoArray& operator=(const ZoArray& other) {
+    zo::assertCopyable<T>();
+    array_ = other.array_;
+    return *this;
+  }
   ZoArray& operator=(ZoArray&& other) noexcept {
     array_ = std::move(other.array_);
     return *this;
   }
   ZoArray& operator=(const ZoSequence<T>& other) {
+    zo::assertCopyable<T>();
     check(copyFrom(other));
     return *this;
   }
@@ -64,21 +78,17 @@ class ZoArray : public ZoSequence<T> {
   [[nodiscard]] T* at(unsigned i) noexcept { return locate(i); }
   [[nodiscard]] const T* at(unsigned i) const noexcept { return locate(i); }
 
-  int append(const T& value) final {
-    if constexpr (std::is_copy_constructible_v<T>) {
-      if (array_.entries_ < array_.capacity_) {
-        return appendMade([&](T* place) { ::new (static_cast<void*>(place)) T(value); });
-      }
+  [[nodiscard]] int append(const T& value) final {
+    if constexpr (zo::isCopyable<T>) {
+      return appendMade([&](T* place) { ::new (static_cast<void*>(place)) T(value); });
+    } else {
+      return ZoResult::refused;
     }
-    return insertAt(entries(), value);
   }
-  int append(T&& value) final {
-    if (array_.entries_ < array_.capacity_) {
-      return appendMade([&](T* place) { ::new (static_cast<void*>(place)) T(std::move(value)); });
-    }
-    return insertAt(entries(), std::move(value));
+  [[nodiscard]] int append(T&& value) final {
+    return appendMade([&](T* place) { ::new (static_cast<void*>(place)) T(std::move(value)); });
   }
-  int append(const ZoSequence<T>& other) final {
+  [[nodiscard]] int append(const ZoSequence<T>& other) final {
     const unsigned n = other.entries();
     if (const int status = makeRoom(n)) return status;
     if (const auto* array = dynamic_cast<const ZoArray*>(&other))
@@ -88,38 +98,42 @@ class ZoArray : public ZoSequence<T> {
     for (const T& element : other) {
       if (const int status = copies.append(element)) return status;
     }
+    if constexpr (!std::is_nothrow_move_constructible_v<T>) return array_.append(copies.array_);
     for (T& element : copies) {
       if (const int status = append(std::move(element))) return status;
     }
     return ZoResult::ok;
   }
-  // Makes the element in its place; std::bad_alloc of its constructor gives 2.
+  // Makes the element in its place; std::bad_alloc of its constructor gives 2. What it is made from
+  // may be an element of this array, or a part of one.
   template <class... Arguments>
-  int emplace(Arguments&&... arguments) {
-    if (const int status = makeRoom(1)) return status;
+  [[nodiscard]] int emplace(Arguments&&... arguments) {
     return appendMade([&](T* place) {
       ::new (static_cast<void*>(place)) T(std::forward<Arguments>(arguments)...);
     });
   }
-  int insertAt(unsigned i, const T& value) final {
+  [[nodiscard]] int insertAt(unsigned i, const T& value) final {
     if (i > entries()) return ZoResult::refused;
     if (const int status = raiseGrowSize()) return status;
     return array_.insertAt(i, &value);
   }
-  int insertAt(unsigned i, T&& value) final {
+  [[nodiscard]] int insertAt(unsigned i, T&& value) final {
     if (i > entries()) return ZoResult::refused;
-    if (const int status = makeRoom(1)) return status;
-    const int status = table()->insertMoved(i, value, entries());
+    if (const int status = raiseGrowSize()) return status;
+    const void* source = &value;
+    if (const int status = array_.makeRoomFor(1, source)) return status;
+    T& moved = *const_cast<T*>(static_cast<const T*>(source));  // where the value lies now
+    const int status = table()->insertMoved(i, moved, entries());
     if (status == ZoResult::ok) ++array_.entries_;
     return status;
   }
 
-  int fillAt(unsigned i, unsigned n, const T& value) final {
+  [[nodiscard]] int fillAt(unsigned i, unsigned n, const T& value) final {
     if (i > entries()) return ZoResult::refused;
     if (const int status = raiseGrowSize()) return status;
     return array_.fillAt(i, n, &value);
   }
-  int copyFrom(const ZoSequence<T>& other) final {
+  [[nodiscard]] int copyFrom(const ZoSequence<T>& other) final {
     if (this == &other) return ZoResult::ok;
     ZoArray copy(0, growSize());
     if (const int status = copy.resize(std::max(capacity(), other.entries()))) return status;
@@ -138,23 +152,26 @@ class ZoArray : public ZoSequence<T> {
     const ZoArrayCompare<T> adapter(compare);
     return array_.remove(&value, &adapter, all);
   }
+  using ZoContainer<T>::removeAll;
   int removeAll(bool freeMemory = false) final { return array_.removeAll(freeMemory); }
   using ZoSequence<T>::sort;
-  int sort(const ZoCompare<T>& compare, bool ascending = true) final {
+  [[nodiscard]] int sort(const ZoCompare<T>& compare, bool ascending = true) final {
     const ZoArrayCompare<T> adapter(compare);
     return array_.sort(&adapter, ascending);
   }
-  int reverse() final { return array_.reverse(); }
+  [[nodiscard]] int reverse() final { return array_.reverse(); }
   int apply(ZoArrayApply<T>& applyFn) { return array_.apply(&applyFn); }
 
   // Sets the capacity, whatever the grow size; elements past it are removed.
-  int resize(unsigned capacity) {
+  [[nodiscard]] int resize(unsigned capacity) {
     if (capacity == array_.capacity()) return ZoResult::ok;
     if (const int status = makeTable()) return status;
     return array_.resize(capacity);
   }
-  int shiftLeft(unsigned n) { return array_.shiftLeft(n); }  // removes the first n elements
-  int shiftRight(unsigned n) {  // puts n elements made without a value in front
+  [[nodiscard]] int shiftLeft(unsigned n) {
+    return array_.shiftLeft(n);
+  }  // removes the first n elements
+  [[nodiscard]] int shiftRight(unsigned n) {  // puts n elements made without a value in front
     if (const int status = raiseGrowSize()) return status;
     return array_.shiftRight(n);
   }
@@ -193,8 +210,11 @@ class ZoArray : public ZoSequence<T> {
     if (const int status = raiseGrowSize()) return status;
     return array_.makeRoom(n);
   }
+  // make(place) makes the new element; in a larger block while the present elements are still where
+  // they were, since it may be made from one of them.
   template <class Make>
   int appendMade(Make make) {
+    if (array_.entries_ == array_.capacity_) return appendGrowing(make);
     const auto action = [&, n = array_.entries_] {
       make(cells() + n);
       array_.entries_ = n + 1;
@@ -206,5 +226,20 @@ class ZoArray : public ZoSequence<T> {
       return zo::asStatus(action);
     }
   }
+  template <class Make>
+  int appendGrowing(Make make) {
+    if (const int status = raiseGrowSize()) return status;
+    unsigned capacity = 0;
+    if (const int status = array_.capacityFor(1, capacity)) return status;
+    const int status = table()->reallocateWithOneMore(capacity, entries(), make);
+    if (status != ZoResult::ok) return status;
+    array_.capacity_ = capacity;
+    ++array_.entries_;
+    return ZoResult::ok;
+  }
+
   ZoVArray array_;
 };
+
+template <class T, class Table>
+inline constexpr bool zo::isCopyable<ZoArray<T, Table>> = zo::isCopyable<T>;

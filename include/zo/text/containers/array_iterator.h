@@ -50,7 +50,7 @@ class ZoArrayIterator final : public zo::ArrayWalker<T, ZoArray<T, Table>, ZoSeq
  public:
   using zo::ArrayWalker<T, ZoArray<T, Table>, ZoSeqIterator<T>>::ArrayWalker;
 
-  int insert(const T& value) final {
+  [[nodiscard]] int insert(const T& value) final {
     const unsigned i = this->isValid() ? this->position_ : this->array_->entries();
     const int status = this->array_->insertAt(i, value);
     if (status == ZoResult::ok) this->position_ = i;

@@ -20,7 +20,7 @@ class ZoArrayTable final : public ZoVArrayTable {
 
   [[nodiscard]] ZoVArrayTable* makeNew() const override { return new (std::nothrow) ZoArrayTable; }
 
-  int reallocate(unsigned capacity, unsigned entries) override {
+  [[nodiscard]] int reallocate(unsigned capacity, unsigned entries) override {
     Block block(capacity);
     if (!block.cells && capacity > 0) return ZoResult::outOfMemory;
     if constexpr (zo::movesSafely<T>) {
@@ -33,17 +33,17 @@ class ZoArrayTable final : public ZoVArrayTable {
     }
   }
 
-  int insert(unsigned i, unsigned n, const void* value, unsigned entries) override {
+  [[nodiscard]] int insert(unsigned i, unsigned n, const void* value, unsigned entries) override {
     if (!value) {
       if constexpr (std::is_default_constructible_v<T>) {
         return open(i, n, entries,
                     [](T* place, unsigned) { ::new (static_cast<void*>(place)) T(); });
       }
-    } else if constexpr (std::is_copy_constructible_v<T>) {
+    } else if constexpr (zo::isCopyable<T>) {
       int status = ZoResult::ok;
       const int copying = zo::asStatus([&] {
-        const T copy(
-            *static_cast<const T*>(value));  // the value may be an element that is about to move
+        // The value may be an element, which is about to move.
+        const T copy(*static_cast<const T*>(value));
         status = open(i, n, entries,
                       [&](T* place, unsigned) { ::new (static_cast<void*>(place)) T(copy); });
       });
@@ -52,14 +52,48 @@ class ZoArrayTable final : public ZoVArrayTable {
     return ZoResult::refused;
   }
 
-  // Moves a value into a gap in front of position i. There is room.
-  int insertMoved(unsigned i, T& value, unsigned entries) {
-    return open(i, 1, entries,
-                [&](T* place, unsigned) { ::new (static_cast<void*>(place)) T(std::move(value)); });
+  // Moves a value, which may be one of the elements, into a gap in front of position i. There is
+  // room. The value is left alone when that fails.
+  [[nodiscard]] int insertMoved(unsigned i, T& value, unsigned entries) {
+    const auto openFor = [&](T& source) {
+      return open(i, 1, entries, [&](T* place, unsigned) {
+        ::new (static_cast<void*>(place)) T(std::move(source));
+      });
+    };
+    if constexpr (zo::movesSafely<T> && std::is_nothrow_move_constructible_v<T>) {
+      T held(std::move(value));  // the gap moves the elements
+      return openFor(held);
+    } else if constexpr (zo::isCopyable<T>) {
+      return insert(i, 1, &value, entries);
+    } else {
+      return openFor(value);
+    }
   }
 
-  int appendCopies(const void* from, unsigned n, unsigned entries) override {
-    if constexpr (std::is_copy_constructible_v<T>) {
+  // Moves the elements to a larger block, where make(place) has made one more behind them. It is
+  // called while all elements are still where they were.
+  template <class Make>
+  [[nodiscard]] int reallocateWithOneMore(unsigned capacity, unsigned entries, Make make) {
+    Block block(capacity);
+    if (!block.cells) return ZoResult::outOfMemory;
+    if constexpr (zo::movesSafely<T>) {
+      if (const int status = zo::asStatus([&] { make(block.cells + entries); })) return status;
+      zo::relocateElements(block.cells, data(), entries);
+      adopt(block, capacity);
+      return ZoResult::ok;
+    } else {
+      return rebuild(block, capacity, entries + 1, entries, [&](T* place, unsigned k) {
+        if (k < entries) {
+          carry(place, data() + k);
+        } else {
+          make(place);
+        }
+      });
+    }
+  }
+
+  [[nodiscard]] int appendCopies(const void* from, unsigned n, unsigned entries) override {
+    if constexpr (zo::isCopyable<T>) {
       return zo::asStatus(
           [&] { std::uninitialized_copy_n(static_cast<const T*>(from), n, data() + entries); });
     } else {
@@ -86,7 +120,7 @@ class ZoArrayTable final : public ZoVArrayTable {
     return ZoResult::ok;
   }
 
-  int keep(void* const* kept, unsigned n, unsigned entries) override {
+  [[nodiscard]] int keep(void* const* kept, unsigned n, unsigned entries) override {
     if constexpr (zo::movesSafely<T>) {
       unsigned k = 0;
       for (T* element = data(); element != data() + entries; ++element) {
@@ -105,24 +139,21 @@ class ZoArrayTable final : public ZoVArrayTable {
     }
   }
 
-  void exchange(unsigned i, unsigned j) override {
-    using std::swap;
-    swap(data()[i], data()[j]);
+  [[nodiscard]] int reverse(unsigned entries) override {
+    if constexpr (std::is_swappable_v<T>) {
+      return zo::asStatus([&] { std::reverse(data(), data() + entries); });
+    } else {  // elements that cannot be assigned
+      Block block(cells_);
+      if (!block.cells && entries > 0) return ZoResult::outOfMemory;
+      T* const last = data() + entries - 1;
+      return arrange(block, entries, [&](unsigned k) { return last - k; });
+    }
   }
 
-  int reorder(void* const* order, unsigned entries) override {
+  [[nodiscard]] int reorder(void* const* order, unsigned entries) override {
     Block block(cells_);
     if (!block.cells) return ZoResult::outOfMemory;
-    if constexpr (zo::movesSafely<T>) {
-      for (unsigned k = 0; k < entries; ++k) {
-        zo::relocateElements(block.cells + k, static_cast<T*>(order[k]), 1);
-      }
-      adopt(block, cells_);
-      return ZoResult::ok;
-    } else {
-      return rebuild(block, cells_, entries, entries,
-                     [&](T* place, unsigned k) { carry(place, static_cast<T*>(order[k])); });
-    }
+    return arrange(block, entries, [&](unsigned k) { return static_cast<T*>(order[k]); });
   }
 
  private:
@@ -138,7 +169,7 @@ class ZoArrayTable final : public ZoVArrayTable {
 
   // Copies, so that an exception loses nothing; moves what cannot be copied.
   static void carry(T* to, T* from) {
-    if constexpr (std::is_copy_constructible_v<T>) {
+    if constexpr (zo::isCopyable<T>) {
       ::new (static_cast<void*>(to)) T(*from);
     } else {
       ::new (static_cast<void*>(to)) T(std::move(*from));
@@ -151,6 +182,19 @@ class ZoArrayTable final : public ZoVArrayTable {
     data_ = block.cells;
     cells_ = capacity;
     block.cells = old;
+  }
+
+  // Fills the block with all elements; at(k) tells where the k-th is now.
+  template <class At>
+  int arrange(Block& block, unsigned entries, At at) {
+    if constexpr (zo::movesSafely<T>) {
+      for (unsigned k = 0; k < entries; ++k) zo::relocateElements(block.cells + k, at(k), 1);
+      adopt(block, cells_);
+      return ZoResult::ok;
+    } else {
+      return rebuild(block, cells_, entries, entries,
+                     [&](T* place, unsigned k) { carry(place, at(k)); });
+    }
   }
 
   // Fills the block with n elements and destroys the present ones.

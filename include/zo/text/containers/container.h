@@ -3,6 +3,8 @@
 
 #include <zo/text/containers/position.h>
 
+#include <type_traits>
+
 template <class T>
 class ZoContainer {
  public:
@@ -12,6 +14,9 @@ class ZoContainer {
   [[nodiscard]] bool isEmpty() const { return entries() == 0; }
   // Removes every element; true gives the memory kept for new ones back too. Returns 0.
   virtual int removeAll(bool freeMemory = false) = 0;
+  template <class Value>
+    requires(!std::is_same_v<Value, bool>)
+  int removeAll(const Value&) = delete;  // write remove(value, compare, true), or removeAt(key)
 
  protected:
   ZoContainer() = default;

@@ -76,29 +76,31 @@ class ZoDict : public ZoContainer<T> {
   // The value, or null.
   [[nodiscard]] T* at(const K& key) { return locate(key); }
   [[nodiscard]] const T* at(const K& key) const { return locate(key); }
-  int getAt(const K& key, T& out) const {
+  [[nodiscard]] int getAt(const K& key, T& out) const {
     const T* const value = locate(key);
     return value ? zo::assignElement<T>(&out, value) : ZoResult::refused;
   }
   // The key as it is stored.
-  virtual int findKey(const K& key, K& outKey) const = 0;
+  [[nodiscard]] virtual int findKey(const K& key, K& outKey) const = 0;
 
-  virtual int insertAt(const K& key, const T& value) = 0;  // refuses a key that is present
-  virtual int insertAt(K&& key, T&& value) = 0;            // leaves both alone when it refuses
-  int setAt(const K& key, const T& value) {                // refuses a key that is absent
+  // Refuses a key that is present; what was to be moved is left alone then.
+  [[nodiscard]] virtual int insertAt(const K& key, const T& value) = 0;
+  [[nodiscard]] virtual int insertAt(K&& key, T&& value) = 0;
+  // Refuses a key that is absent.
+  [[nodiscard]] int setAt(const K& key, const T& value) {
     T* const place = locate(key);
     return place ? zo::assignElement<T>(place, &value) : ZoResult::refused;
   }
   // Sets the value of a key, present or not.
-  int put(const K& key, const T& value) {
+  [[nodiscard]] int put(const K& key, const T& value) {
     return contains(key) ? setAt(key, value) : insertAt(key, value);
   }
   int removeAt(const K& key) { return take(key, nullptr); }
-  int removeAt(const K& key, T& out) { return take(key, &out); }
+  [[nodiscard]] int removeAt(const K& key, T& out) { return take(key, &out); }
 
   // Inserts the entries of another dictionary whose keys are not present. Stops at the first that
   // is refused for another reason; those before it stay.
-  int insertAll(const ZoDict& other) {
+  [[nodiscard]] int insertAll(const ZoDict& other) {
     for (auto [key, value] : other) {
       if (contains(key)) continue;
       if (const int status = insertAt(key, value)) return status;
@@ -120,6 +122,6 @@ class ZoDict : public ZoContainer<T> {
   ZoDict& operator=(const ZoDict&) = default;
 
   [[nodiscard]] virtual T* locate(const K& key) const = 0;  // the value, or null
-  virtual int take(const K& key,
-                   T* out) = 0;  // removes; moves the value to *out unless that is null
+  // Removes; moves the value to *out unless that is null.
+  virtual int take(const K& key, T* out) = 0;
 };

@@ -23,6 +23,21 @@ inline constexpr bool isRelocatable = std::is_trivially_copyable_v<T>;
 template <class T>
 inline constexpr bool movesSafely = isRelocatable<T> || std::is_nothrow_move_constructible_v<T>;
 
+// True when copies of an element can be made. Specialised for types whose copy constructor is there
+// but does not compile, as that of a container of elements that can only be moved.
+template <class T>
+inline constexpr bool isCopyable = std::is_copy_constructible_v<T>;
+template <class T>
+inline constexpr bool isCopyAssignable =
+    std::is_copy_assignable_v<T> && (isCopyable<T> || !std::is_copy_constructible_v<T>);
+
+// What every copying constructor and assignment of a container asks for.
+template <class... T>
+constexpr void assertCopyable() noexcept {
+  static_assert((isCopyable<T> && ...),
+                "the elements can only be moved: move the container, or its elements one by one");
+}
+
 template <class Action>
 int asStatus(Action&& action) {
   try {
@@ -36,7 +51,7 @@ int asStatus(Action&& action) {
 // Assigns *from to *to.
 template <class T>
 int assignElement(void* to, const void* from) {
-  if constexpr (std::is_copy_assignable_v<T>) {
+  if constexpr (isCopyAssignable<T>) {
     return asStatus([&] { *static_cast<T*>(to) = *static_cast<const T*>(from); });
   } else {
     return ZoResult::refused;
@@ -47,8 +62,7 @@ int assignElement(void* to, const void* from) {
 // *from must stay.
 template <class T>
 int moveElement(void* to, void* from) {
-  if constexpr (std::is_copy_assignable_v<T> &&
-                !(movesSafely<T> && std::is_nothrow_move_assignable_v<T>)) {
+  if constexpr (isCopyAssignable<T> && !(movesSafely<T> && std::is_nothrow_move_assignable_v<T>)) {
     return assignElement<T>(to, from);
   } else if constexpr (std::is_move_assignable_v<T>) {
     return asStatus([&] { *static_cast<T*>(to) = std::move(*static_cast<T*>(from)); });

@@ -1,7 +1,8 @@
 // ZoHashDict<T, K, H>: a dictionary in a hash table. H is the key policy, ZoCIHashValue<K> unless
 // told otherwise: text keys ignore case.
 //
-// Made with 128 buckets and load factor 0.7; it doubles its buckets as it fills. Entries are
+// Made with 128 buckets and load factor 0.7; it doubles its buckets as it fills. The first insertion
+// makes the buckets, so an empty dictionary takes no memory beside itself. Entries are
 // visited bucket by bucket, within a bucket in the order of insertion. Keys and values keep their
 // addresses until they are removed.
 //
@@ -39,8 +40,8 @@ class HashIterator {
   using reference = DictEntry<T, K>;
 
   HashIterator() = default;
-  explicit HashIterator(const ZoVHashTable* table) noexcept : table_(table) {
-    if (table) findFrom(0);
+  explicit HashIterator(const ZoVHash& hash) noexcept : hash_(&hash) {
+    if (hash.table()) findFrom(0);
   }
 
   reference operator*() const noexcept {
@@ -48,7 +49,7 @@ class HashIterator {
     return {node->key, node->value};
   }
   HashIterator& operator++() noexcept {
-    const unsigned bucket = table_->bucketOf(node_->hash);
+    const unsigned bucket = hash_->table()->bucketOf(node_->hash);
     node_ = node_->next;
     if (!node_) findFrom(bucket + 1);
     return *this;
@@ -62,13 +63,13 @@ class HashIterator {
 
  private:
   void findFrom(unsigned bucket) noexcept {
-    const unsigned buckets = table_->buckets();
+    const ZoVHashTable& table = *hash_->table();
     node_ = nullptr;
-    for (; bucket < buckets && !node_; ++bucket) node_ = *table_->chain(bucket);
+    for (; bucket < table.buckets() && !node_; ++bucket) node_ = *table.chain(bucket);
   }
 
-  const ZoVHashTable* table_ = nullptr;
-  ZoVHashNode* node_ = nullptr;  // null at the end
+  const ZoVHash* hash_ = nullptr;  // whose storage changes when it grows
+  ZoVHashNode* node_ = nullptr;    // null at the end
 };
 
 }  // namespace zo
@@ -76,23 +77,41 @@ class HashIterator {
 template <class T, class K, class H = ZoCIHashValue<K>>
 class ZoHashDict : public ZoDict<T, K> {
  public:
+  // 0 buckets and a load factor that is not above 0 give the defaults.
   explicit ZoHashDict(unsigned buckets = ZoVHash::kDefaultBuckets,
-                      double loadFactor = ZoVHash::kDefaultLoadFactor)
-      : hash_(ZoHashTable<T, K>::make(buckets ? buckets : ZoVHash::kDefaultBuckets), buckets,
-              loadFactor) {}
+                      double loadFactor = ZoVHash::kDefaultLoadFactor) noexcept
+      : hash_(nullptr, 0, loadFactor) {
+    hash_.buckets_ = buckets;
+  }
+  template <class Number>
+    requires(std::is_floating_point_v<Number> || std::is_same_v<Number, bool>)
+  explicit ZoHashDict(Number, double = 0) = delete;  // the number of buckets comes first
   ZoHashDict(std::initializer_list<std::pair<K, T>> entries) : ZoHashDict() {
+    zo::assertCopyable<K, T>();
     for (const auto& [key, value] : entries)
       check(insertAt(key, value));  // the first of equal keys stays
   }
-  explicit ZoHashDict(const ZoDict<T, K>& other) : ZoHashDict() { check(this->insertAll(other)); }
+  explicit ZoHashDict(const ZoDict<T, K>& other) : ZoHashDict() {
+    zo::assertCopyable<K, T>();
+    check(this->insertAll(other));
+  }
   // Copies throw std::bad_alloc when there is no memory; moves leave the other dictionary empty and
   // usable.
-  ZoHashDict(const ZoHashDict&) = default;
+  ZoHashDict(const ZoHashDict& other)
+      : ZoDict<T, K>(other), hash_(other.hash_), policy_(other.policy_) {
+    zo::assertCopyable<K, T>();
+  }
   ZoHashDict(ZoHashDict&& other) noexcept
       : ZoDict<T, K>(), hash_(std::move(other.hash_)), policy_(other.policy_) {}
-  ZoHashDict& operator=(const ZoHashDict&) = default;
+  ZoHashDict& operator=(const ZoHashDict& other) {
+    zo::assertCopyable<K, T>();
+    hash_ = other.hash_;
+    policy_ = other.policy_;
+    return *this;
+  }
   ZoHashDict& operator=(ZoHashDict&& other) noexcept {
     hash_ = std::move(other.hash_);
+    policy_ = other.policy_;
     return *this;
   }
   ZoHashDict& operator=(const ZoDict<T, K>& other) {
@@ -102,14 +121,16 @@ class ZoHashDict : public ZoDict<T, K> {
   ~ZoHashDict() override = default;
 
   [[nodiscard]] unsigned entries() const noexcept final { return hash_.entries_; }
-  [[nodiscard]] unsigned buckets() const noexcept { return hash_.buckets(); }
+  [[nodiscard]] unsigned buckets() const noexcept {
+    return hash_.buckets_ ? hash_.buckets_ : ZoVHash::kDefaultBuckets;
+  }
   [[nodiscard]] double loadFactor() const noexcept { return hash_.loadFactor(); }
   [[nodiscard]] double collisionRatio() const { return hash_.collisionRatio(); }
   [[nodiscard]] ZoHashStats stats() const { return hash_.stats(); }
 
-  [[nodiscard]] auto begin() noexcept { return zo::HashIterator<T, K>(hash_.table_); }
+  [[nodiscard]] auto begin() noexcept { return zo::HashIterator<T, K>(hash_); }
   [[nodiscard]] auto end() noexcept { return zo::HashIterator<T, K>(); }
-  [[nodiscard]] auto begin() const noexcept { return zo::HashIterator<const T, K>(hash_.table_); }
+  [[nodiscard]] auto begin() const noexcept { return zo::HashIterator<const T, K>(hash_); }
   [[nodiscard]] auto end() const noexcept { return zo::HashIterator<const T, K>(); }
 
   [[nodiscard]] T* at(const K& key) { return valueOf(find(formOf(key))); }
@@ -136,46 +157,55 @@ class ZoHashDict : public ZoDict<T, K> {
     return hash_.contains(&key, &adapter);
   }
 
-  int findKey(const K& key, K& outKey) const final {
+  [[nodiscard]] int findKey(const K& key, K& outKey) const final {
     const zo::HashNode<T, K>* const node = find(formOf(key));
     return node ? zo::assignElement<K>(&outKey, &node->key) : ZoResult::refused;
   }
   // The first key that compares equal; every key is looked at.
-  int findKey(const K& key, K& outKey, const ZoCompare<K>& compare) const {
+  [[nodiscard]] int findKey(const K& key, K& outKey, const ZoCompare<K>& compare) const {
     const ZoHashCompare<K> adapter(compare);
     return hash_.findKey(&key, &outKey, &adapter);
   }
 
-  int insertAt(const K& key, const T& value) final {
-    if constexpr (std::is_copy_constructible_v<K> && std::is_copy_constructible_v<T>) {
+  [[nodiscard]] int insertAt(const K& key, const T& value) final {
+    if constexpr (zo::isCopyable<K> && zo::isCopyable<T>) {
       return insertNew(key, value);
     } else {
       return ZoResult::refused;
     }
   }
-  int insertAt(K&& key, T&& value) final { return insertNew(std::move(key), std::move(value)); }
+  [[nodiscard]] int insertAt(K&& key, T&& value) final {
+    return insertNew(std::move(key), std::move(value));
+  }
 
+  using ZoContainer<T>::removeAll;
   int removeAll(bool freeMemory = false) final {
     hash_.removeAll();
-    return freeMemory ? setCapacity(ZoVHash::kDefaultBuckets, loadFactor()) : ZoResult::ok;
+    if (freeMemory) hash_ = ZoVHash(nullptr, 0, loadFactor());
+    return ZoResult::ok;
   }
   // Refuses 0 buckets and a load factor that is not above 0. Buckets that are too few for the load
   // factor double.
-  int setCapacity(unsigned buckets, double loadFactor) {
-    if (const int status = makeTable()) return status;
+  [[nodiscard]] int setCapacity(unsigned buckets, double loadFactor) {
     const ZoHashKey<K> adapter(policy_);
+    if (!hash_.table_ && buckets > 0 && loadFactor > 0) {
+      hash_.buckets_ = buckets;
+      hash_.loadFactor_ = loadFactor;
+      return ZoResult::ok;
+    }
     return hash_.setCapacity(buckets, loadFactor, &adapter);
   }
   int apply(ZoHashApply<T>& applyFn) { return hash_.apply(&applyFn); }
 
   void walk(zo::DictCursor& cursor) const final {
     const auto* const table = hash_.table_;
+    const unsigned end = table ? table->buckets() : 0;
     auto* node = static_cast<ZoVHashNode*>(cursor.node);
     unsigned bucket = node ? table->bucketOf(node->hash) + 1 : 0;
     node = node ? node->next : nullptr;
-    for (; !node && bucket < buckets(); ++bucket) {
+    for (; !node && bucket < end; ++bucket) {
       // Nodes lie anywhere: ask in time for those that come soon.
-      if (bucket + kAhead < buckets()) zo::prefetch(*table->chain(bucket + kAhead));
+      if (bucket + kAhead < end) zo::prefetch(*table->chain(bucket + kAhead));
       node = *table->chain(bucket);
     }
     cursor.node = node;
@@ -190,8 +220,13 @@ class ZoHashDict : public ZoDict<T, K> {
  protected:
   [[nodiscard]] T* locate(const K& key) const final { return valueOf(find(formOf(key))); }
   int take(const K& key, T* out) final {
-    const ZoHashKey<K> adapter(policy_);
-    return hash_.removeAt(&key, out, &adapter);
+    Node* const node = find(formOf(key));
+    if (!node) return ZoResult::refused;
+    if (out) {
+      if (const int status = zo::moveElement<T>(out, &node->value)) return status;
+    }
+    hash_.removeNode(node);
+    return ZoResult::ok;
   }
 
  private:
@@ -241,8 +276,30 @@ class ZoHashDict : public ZoDict<T, K> {
     const ZoVHashTable* const table = hash_.table_;
     if (!table) return nullptr;
     const zo::HashedKey hashed = hashOf(key);
+    if (table->isIndexed()) return findIndexed(key, hashed, fingerprintOf(key));
     ZoVHashNode* node = *table->chain(table->bucketOf(hashed.hash()));
     while (node && !matches(node, key, hashed)) node = node->next;
+    return static_cast<Node*>(node);
+  }
+
+  template <class Form>
+  [[nodiscard]] unsigned fingerprintOf(const Form& key) const {
+    if constexpr (requires { H::fingerprintKey(key); }) {
+      return H::fingerprintKey(key);
+    } else if constexpr (requires { policy_.H::fingerprint(key); }) {
+      return policy_.H::fingerprint(key);
+    } else {
+      return 0;
+    }
+  }
+  template <class Form>
+  [[nodiscard]] Node* findIndexed(const Form& key, zo::HashedKey hashed,
+                                  unsigned fingerprint) const {
+    ZoVHashNode* node = nullptr;
+    std::size_t from = 0;
+    do {
+      node = hash_.table_->indexed(hashed.hash(), fingerprint, from);
+    } while (node && !matches(node, key, hashed));
     return static_cast<Node*>(node);
   }
 
@@ -253,10 +310,20 @@ class ZoHashDict : public ZoDict<T, K> {
     if (entries() == zo::npos - 1) return ZoResult::refused;
     auto* const table = static_cast<ZoHashTable<T, K>*>(hash_.table_);
     const zo::HashedKey hashed = hashOf(formOf(key));
-    ZoVHashNode** link = table->chain(table->bucketOf(hashed.hash()));
+    const unsigned bucket = table->bucketOf(hashed.hash());
+    ZoVHashNode** link = table->chain(bucket);
     const bool collides = *link != nullptr;
-    for (; *link; link = &(*link)->next) {
-      if (matches(*link, formOf(key), hashed)) return ZoResult::refused;
+    if (!table->isIndexed()) {
+      unsigned length = 0;
+      for (; *link; link = &(*link)->next, ++length) {
+        if (matches(*link, formOf(key), hashed)) return ZoResult::refused;
+      }
+      if (length >= ZoVHashTable::kLongChain) hash_.makeIndex(ZoHashKey<K>(policy_));
+    }
+    unsigned fingerprint = 0;
+    if (table->isIndexed()) {
+      fingerprint = fingerprintOf(formOf(key));
+      if (findIndexed(formOf(key), hashed, fingerprint)) return ZoResult::refused;
     }
     ZoVHashNode* node = nullptr;
     if (const int status =
@@ -264,21 +331,28 @@ class ZoHashDict : public ZoDict<T, K> {
       return status;
     node->hash = hashed.hash();
     node->plain = hashed.plain();
-    *link = node;
+    node->fingerprint = fingerprint & ZoVHashNode::kFingerprintBits;
+    if (table->isIndexed()) {
+      table->append(bucket, node);
+    } else {
+      *link = node;
+    }
     ++hash_.entries_;
     if (collides) ++hash_.collisions_;
     return ZoResult::ok;
   }
 
-  // For a dictionary that was moved from, or found no memory when it was made.
   int makeTable() {
     if (hash_.table_) return ZoResult::ok;
-    hash_.table_ = ZoHashTable<T, K>::make(ZoVHash::kDefaultBuckets);
+    hash_.table_ = ZoHashTable<T, K>::make(buckets());
     if (!hash_.table_) return ZoResult::outOfMemory;
-    hash_.buckets_ = ZoVHash::kDefaultBuckets;
+    hash_.buckets_ = hash_.table_->buckets();
     return ZoResult::ok;
   }
 
   ZoVHash hash_;
   H policy_;
 };
+
+template <class T, class K, class H>
+inline constexpr bool zo::isCopyable<ZoHashDict<T, K, H>> = zo::isCopyable<K> && zo::isCopyable<T>;

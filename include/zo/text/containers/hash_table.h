@@ -31,8 +31,8 @@ class ZoHashTable final : public ZoVHashTable {
   ~ZoHashTable() override { ZoVHashTable::removeAll(); }
 
   [[nodiscard]] ZoVHashTable* makeNew(unsigned buckets) const override { return make(buckets); }
-  int newNode(const void* key, const void* value, ZoVHashNode*& node) override {
-    if constexpr (std::is_copy_constructible_v<K> && std::is_copy_constructible_v<T>) {
+  [[nodiscard]] int newNode(const void* key, const void* value, ZoVHashNode*& node) override {
+    if constexpr (zo::isCopyable<K> && zo::isCopyable<T>) {
       return makeNode(node, *static_cast<const K*>(key), *static_cast<const T*>(value));
     } else {
       node = nullptr;
@@ -54,7 +54,7 @@ class ZoHashTable final : public ZoVHashTable {
   int moveValue(void* to, void* from) override { return zo::moveElement<T>(to, from); }
 
   template <class Key, class Value>
-  int makeNode(ZoVHashNode*& node, Key&& key, Value&& value) {
+  [[nodiscard]] int makeNode(ZoVHashNode*& node, Key&& key, Value&& value) {
     node = nullptr;
     void* const place = pool_.allocate();
     if (!place) return ZoResult::outOfMemory;

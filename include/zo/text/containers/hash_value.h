@@ -1,11 +1,13 @@
 // Key policies of dictionaries: when keys are equal, and what they hash to.
 //
-// Two keys are one when they hash alike and compare equal. A dictionary calls the policy of its own
+// Two keys are one when they hash alike and compare equal: keys that compare equal should hash alike
+// and must have one fingerprint where they do. A dictionary calls the policy of its own
 // type H without virtual calls; ZoHashKey<K> shows any policy to the engine. A policy may offer
 // more for look-up (text_keys.h does):
 //   static Form lookUpForm(key)     what is hashed and compared, of a K or of another form of a key
 //   static HashedKey hashKey(Form)  the same hash, and whether the key is plain
 //   static bool isEqual(K, Form, bool bothPlain)
+//   static unsigned fingerprintKey(Form)  the same as fingerprint(), where that is overridden
 //
 // Threads: stateless as given here; any number of threads.
 #pragma once
@@ -29,6 +31,8 @@ class ZoHashValue {
     const std::size_t h = std::hash<K>{}(key);
     return static_cast<unsigned>(h ^ (h >> 32));
   }
+  // As ZoVHashKey::fingerprint: override it for keys that come from outside.
+  [[nodiscard]] virtual unsigned fingerprint(const K&) const { return 0; }
 };
 
 // The policy ignoring case where the type has one (text); else the type's own equality and hash.
@@ -44,6 +48,9 @@ class ZoHashKey final : public ZoVHashKey {
   }
   unsigned hash(const void* key) const override {
     return policy_->hash(*static_cast<const K*>(key));
+  }
+  unsigned fingerprint(const void* key) const override {
+    return policy_->fingerprint(*static_cast<const K*>(key));
   }
 
  private:

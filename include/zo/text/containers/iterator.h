@@ -7,6 +7,9 @@
 //
 // Ranges:  `for (T& element : iterator)` walks from where the iterator stands to the end, and moves
 //          the iterator.
+// Finding: find looks at the element it stands on and then at those behind it; findNext begins with
+//          the one behind, and so never finds the first with a fresh iterator. All that are equal:
+//            for (bool is = it.find(x); is; is = it.findNext(x)) use(*it.current());
 #pragma once
 
 #include <zo/text/containers/compare.h>
@@ -63,6 +66,10 @@ class ZoCIterator {
     next();
     return was;
   }
+  // To the first element that compares equal: the one it stands on, or one behind it.
+  bool find(const T& value, const ZoCompare<T>& compare = ZoCompare<T>()) {
+    return isValid() && (compare.compare(*element(), value) == 0 || findNext(value, compare));
+  }
   // To the next element behind the current one that compares equal.
   bool findNext(const T& value, const ZoCompare<T>& compare = ZoCompare<T>()) {
     while (next()) {
@@ -86,15 +93,14 @@ class ZoCIterator {
 template <class T>
 class ZoIterator : public virtual ZoCIterator<T> {
  public:
-  [[nodiscard]] T* current() const {
-    return const_cast<T*>(this->element());
-  }  // NOLINT: the container is not const
+  // The container is not const.
+  [[nodiscard]] T* current() const { return const_cast<T*>(this->element()); }
   [[nodiscard]] T* operator()() const { return current(); }
 
   // Removes the current element and stands on the following one. 1 when not valid. The element is
   // moved to out.
   int remove() { return take(nullptr); }
-  int remove(T& out) { return take(&out); }
+  [[nodiscard]] int remove(T& out) { return take(&out); }
 
   [[nodiscard]] auto begin() { return zo::Remaining<ZoIterator, T>(*this); }
 
@@ -134,7 +140,7 @@ class ZoSeqIterator : public ZoIterator<T>, public virtual ZoCIterator<T> {
 
   bool operator--() { return prev(); }
   // In front of the current element, or at the end; stands on the new element then.
-  virtual int insert(const T& value) = 0;
+  [[nodiscard]] virtual int insert(const T& value) = 0;
   bool findPrev(const T& value, const ZoCompare<T>& compare = ZoCompare<T>()) {
     while (prev()) {
       if (compare.compare(*this->element(), value) == 0) return true;
@@ -148,6 +154,10 @@ class ZoDictCIterator : public virtual ZoCIterator<T> {
  public:
   [[nodiscard]] virtual const K* key() const = 0;  // null when not valid
 
+  // To the first entry whose key compares equal: the one it stands on, or one behind it.
+  bool find(const K& key, const ZoCompare<K>& compare = ZoCICompare<K>()) {
+    return this->isValid() && (compare.compare(*this->key(), key) == 0 || findNext(key, compare));
+  }
   // To the next entry behind the current one whose key compares equal.
   bool findNext(const K& key, const ZoCompare<K>& compare = ZoCICompare<K>()) {
     while (this->next()) {
@@ -162,6 +172,9 @@ class ZoDictIterator : public ZoIterator<T> {
  public:
   [[nodiscard]] virtual const K* key() const = 0;
 
+  bool find(const K& key, const ZoCompare<K>& compare = ZoCICompare<K>()) {
+    return this->isValid() && (compare.compare(*this->key(), key) == 0 || findNext(key, compare));
+  }
   bool findNext(const K& key, const ZoCompare<K>& compare = ZoCICompare<K>()) {
     while (this->next()) {
       if (compare.compare(*this->key(), key) == 0) return true;

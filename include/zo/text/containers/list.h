@@ -35,8 +35,8 @@ class ZoListMem final : public ZoVListMem {
   ZoListMem() noexcept : ZoVListMem(sizeof(Node), alignof(Node), kElementOffset) {}
 
   [[nodiscard]] ZoVListMem* makeNew() const override { return new (std::nothrow) ZoListMem; }
-  int newNode(const void* value, ZoVListNode*& node) override {
-    if constexpr (std::is_copy_constructible_v<T>) {
+  [[nodiscard]] int newNode(const void* value, ZoVListNode*& node) override {
+    if constexpr (zo::isCopyable<T>) {
       return make(node, *static_cast<const T*>(value));
     } else {
       node = nullptr;
@@ -52,7 +52,7 @@ class ZoListMem final : public ZoVListMem {
 
   // A node whose element is made from the arguments.
   template <class... Arguments>
-  int make(ZoVListNode*& node, Arguments&&... arguments) {
+  [[nodiscard]] int make(ZoVListNode*& node, Arguments&&... arguments) {
     node = nullptr;
     void* const place = pool_.allocate();
     if (!place) return ZoResult::outOfMemory;
@@ -88,8 +88,8 @@ class ListIterator {
 
   ListIterator() = default;
   ListIterator(ZoVListNode* node, const ZoVList* list) noexcept : node_(node), list_(list) {}
-  operator ListIterator<const T>()
-      const noexcept  // NOLINT(google-explicit-constructor): as pointers do
+  // Implicit, as with pointers. NOLINTNEXTLINE(google-explicit-constructor)
+  operator ListIterator<const T>() const noexcept
     requires(!std::is_const_v<T>)
   {
     return {node_, list_};
@@ -129,19 +129,30 @@ class ZoList : public ZoSequence<T> {
  public:
   ZoList() noexcept : list_(nullptr) {}
   ZoList(std::initializer_list<T> values) : ZoList() {
+    zo::assertCopyable<T>();
     for (const T& value : values) check(append(value));
   }
-  explicit ZoList(const ZoSequence<T>& other) : ZoList() { check(append(other)); }
+  explicit ZoList(const ZoSequence<T>& other) : ZoList() {
+    zo::assertCopyable<T>();
+    check(append(other));
+  }
   // Copies throw std::bad_alloc when there is no memory; moves leave the other list empty and
   // usable.
-  ZoList(const ZoList&) = default;
+  ZoList(const ZoList& other) : ZoSequence<T>(other), list_(other.list_) {
+    zo::assertCopyable<T>();
+  }
   ZoList(ZoList&& other) noexcept : ZoSequence<T>(), list_(std::move(other.list_)) {}
-  ZoList& operator=(const ZoList&) = default;
+  ZoList& operator=(const ZoList& other) {
+    zo::assertCopyable<T>();
+    list_ = other.list_;
+    return *this;
+  }
   ZoList& operator=(ZoList&& other) noexcept {
     list_ = std::move(other.list_);
     return *this;
   }
   ZoList& operator=(const ZoSequence<T>& other) {
+    zo::assertCopyable<T>();
     check(copyFrom(other));
     return *this;
   }
@@ -156,9 +167,9 @@ class ZoList : public ZoSequence<T> {
   }
   [[nodiscard]] auto end() const noexcept { return zo::ListIterator<const T>(nullptr, &list_); }
 
-  int append(const T& value) final { return insertBefore(nullptr, value); }
-  int append(T&& value) final { return insertBefore(nullptr, std::move(value)); }
-  int append(const ZoSequence<T>& other) final {
+  [[nodiscard]] int append(const T& value) final { return insertCopy(nullptr, value); }
+  [[nodiscard]] int append(T&& value) final { return insertBefore(nullptr, std::move(value)); }
+  [[nodiscard]] int append(const ZoSequence<T>& other) final {
     ZoList copies;
     if (const int status = copies.makeMem()) return status;
     for (const T& element : other) {
@@ -170,21 +181,21 @@ class ZoList : public ZoSequence<T> {
   }
   // Makes the element in its place; std::bad_alloc of its constructor gives 2.
   template <class... Arguments>
-  int emplace(Arguments&&... arguments) {
+  [[nodiscard]] int emplace(Arguments&&... arguments) {
     return insertBefore(nullptr, std::forward<Arguments>(arguments)...);
   }
-  int insertAt(unsigned i, const T& value) final {
-    return i > entries() ? ZoResult::refused : insertBefore(list_.getNodeAtIndex(i), value);
+  [[nodiscard]] int insertAt(unsigned i, const T& value) final {
+    return i > entries() ? ZoResult::refused : insertCopy(list_.getNodeAtIndex(i), value);
   }
-  int insertAt(unsigned i, T&& value) final {
+  [[nodiscard]] int insertAt(unsigned i, T&& value) final {
     return i > entries() ? ZoResult::refused
                          : insertBefore(list_.getNodeAtIndex(i), std::move(value));
   }
-  int fillAt(unsigned i, unsigned n, const T& value) final {
+  [[nodiscard]] int fillAt(unsigned i, unsigned n, const T& value) final {
     if (const int status = makeMem()) return status;
     return list_.fillAt(i, n, &value);
   }
-  int copyFrom(const ZoSequence<T>& other) final {
+  [[nodiscard]] int copyFrom(const ZoSequence<T>& other) final {
     if (this == &other) return ZoResult::ok;
     ZoList copy;
     if (const int status = copy.append(other)) return status;
@@ -202,13 +213,14 @@ class ZoList : public ZoSequence<T> {
     const ZoListCompare<T> adapter(compare);
     return list_.remove(&value, &adapter, all);
   }
+  using ZoContainer<T>::removeAll;
   int removeAll(bool freeMemory = false) final { return list_.removeAll(freeMemory); }
   using ZoSequence<T>::sort;
-  int sort(const ZoCompare<T>& compare, bool ascending = true) final {
+  [[nodiscard]] int sort(const ZoCompare<T>& compare, bool ascending = true) final {
     const ZoListCompare<T> adapter(compare);
     return list_.sort(&adapter, ascending);
   }
-  int reverse() final { return list_.reverse(); }
+  [[nodiscard]] int reverse() final { return list_.reverse(); }
   int apply(ZoListApply<T>& applyFn) { return list_.apply(&applyFn); }
 
   void walk(zo::SequenceCursor& cursor) const final {
@@ -244,15 +256,18 @@ class ZoList : public ZoSequence<T> {
   // In front of a node, or at the end when it is null.
   template <class... Arguments>
   int insertBefore(ZoVListNode* before, Arguments&&... arguments) {
-    if constexpr (std::is_constructible_v<T, Arguments...>) {
-      if (const int status = makeMem()) return status;
-      ZoVListNode* node = nullptr;
-      if (const int status = static_cast<ZoListMem<T>*>(list_.mem_)
-                                 ->make(node, std::forward<Arguments>(arguments)...)) {
-        return status;
-      }
-      list_.link(node, before ? before->prev : list_.last_);
-      return ZoResult::ok;
+    if (const int status = makeMem()) return status;
+    ZoVListNode* node = nullptr;
+    if (const int status = static_cast<ZoListMem<T>*>(list_.mem_)
+                               ->make(node, std::forward<Arguments>(arguments)...)) {
+      return status;
+    }
+    list_.link(node, before ? before->prev : list_.last_);
+    return ZoResult::ok;
+  }
+  int insertCopy(ZoVListNode* before, const T& value) {
+    if constexpr (zo::isCopyable<T>) {
+      return insertBefore(before, value);
     } else {
       return ZoResult::refused;
     }
@@ -260,3 +275,6 @@ class ZoList : public ZoSequence<T> {
 
   ZoVList list_;
 };
+
+template <class T>
+inline constexpr bool zo::isCopyable<ZoList<T>> = zo::isCopyable<T>;

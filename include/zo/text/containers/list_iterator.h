@@ -56,9 +56,9 @@ class ZoListIterator final : public zo::ListWalker<T, ZoSeqIterator<T>> {
     this->walk_.reset(list.list_);
   }
 
-  int insert(const T& value) final {
+  [[nodiscard]] int insert(const T& value) final {
     ZoVListNode* const before = this->walk_.node();
-    if (const int status = list_->insertBefore(before, value)) return status;
+    if (const int status = list_->insertCopy(before, value)) return status;
     this->walk_.stand(before ? before->prev : list_->list_.lastNode());
     return ZoResult::ok;
   }

@@ -78,28 +78,28 @@ class ZoSequence : public ZoContainer<T> {
   [[nodiscard]] T& operator[](unsigned i) { return *locate(i); }
   [[nodiscard]] const T& operator[](unsigned i) const { return *locate(i); }
 
-  int getAt(unsigned i, T& out) const {
+  [[nodiscard]] int getAt(unsigned i, T& out) const {
     const T* const element = locate(i);
     return element ? zo::assignElement<T>(&out, element) : ZoResult::refused;
   }
-  int setAt(unsigned i, const T& value) {
+  [[nodiscard]] int setAt(unsigned i, const T& value) {
     T* const element = locate(i);
     return element ? zo::assignElement<T>(element, &value) : ZoResult::refused;
   }
 
-  // Copied values may be elements of this sequence, and `other` may be this sequence. A value to be
-  // moved may not be an element, and is left alone unless the result is 0.
-  virtual int insertAt(unsigned i,
-                       const T& value) = 0;  // in front of position i; i == entries() appends
-  virtual int insertAt(unsigned i, T&& value) = 0;
-  virtual int append(const T& value) = 0;
-  virtual int append(T&& value) = 0;
-  virtual int append(const ZoSequence& other) = 0;
-  int prepend(const T& value) { return insertAt(0, value); }
-  int prepend(T&& value) { return insertAt(0, std::move(value)); }
+  // Values may be elements of this sequence or parts of them, and `other` may be this sequence. A
+  // value to be moved is left alone unless the result is 0; an element that was moved stays, as its
+  // move has left it. insertAt: in front of position i; i == entries() appends.
+  [[nodiscard]] virtual int insertAt(unsigned i, const T& value) = 0;
+  [[nodiscard]] virtual int insertAt(unsigned i, T&& value) = 0;
+  [[nodiscard]] virtual int append(const T& value) = 0;
+  [[nodiscard]] virtual int append(T&& value) = 0;
+  [[nodiscard]] virtual int append(const ZoSequence& other) = 0;
+  [[nodiscard]] int prepend(const T& value) { return insertAt(0, value); }
+  [[nodiscard]] int prepend(T&& value) { return insertAt(0, std::move(value)); }
   // Sets n elements from position i on, and appends those that lie past the end.
-  virtual int fillAt(unsigned i, unsigned n, const T& value) = 0;
-  virtual int copyFrom(const ZoSequence& other) = 0;  // replaces the elements
+  [[nodiscard]] virtual int fillAt(unsigned i, unsigned n, const T& value) = 0;
+  [[nodiscard]] virtual int copyFrom(const ZoSequence& other) = 0;  // replaces the elements
 
   // The first position whose element compares equal, or npos.
   [[nodiscard]] virtual unsigned index(const T& value, const ZoCompare<T>& compare) const = 0;
@@ -122,16 +122,16 @@ class ZoSequence : public ZoContainer<T> {
   virtual int remove(const T& value, const ZoCompare<T>& compare, bool all = false) = 0;
   int remove(const T& value) { return remove(value, ZoCompare<T>()); }
   int removeAt(unsigned i) { return take(i, nullptr); }
-  int removeAt(unsigned i, T& out) { return take(i, &out); }
+  [[nodiscard]] int removeAt(unsigned i, T& out) { return take(i, &out); }
   int removeFirst() { return take(0, nullptr); }
-  int removeFirst(T& out) { return take(0, &out); }
+  [[nodiscard]] int removeFirst(T& out) { return take(0, &out); }
   int removeLast() { return take(this->entries() - 1, nullptr); }
-  int removeLast(T& out) { return take(this->entries() - 1, &out); }
+  [[nodiscard]] int removeLast(T& out) { return take(this->entries() - 1, &out); }
 
   // Stable in both directions.
-  virtual int sort(const ZoCompare<T>& compare, bool ascending = true) = 0;
-  int sort() { return sort(ZoCompare<T>()); }
-  virtual int reverse() = 0;
+  [[nodiscard]] virtual int sort(const ZoCompare<T>& compare, bool ascending = true) = 0;
+  [[nodiscard]] int sort() { return sort(ZoCompare<T>()); }
+  [[nodiscard]] virtual int reverse() = 0;
 
   [[nodiscard]] auto begin() { return zo::SequenceIterator<ZoSequence, T>(*this); }
   [[nodiscard]] auto end() { return zo::SequenceIterator<ZoSequence, T>(); }
@@ -147,6 +147,6 @@ class ZoSequence : public ZoContainer<T> {
   ZoSequence& operator=(const ZoSequence&) = default;
 
   [[nodiscard]] virtual T* locate(unsigned i) const = 0;  // null when out of range
-  virtual int take(unsigned i,
-                   T* out) = 0;  // removes; moves the element to *out unless that is null
+  // Removes; moves the element to *out unless that is null.
+  virtual int take(unsigned i, T* out) = 0;
 };

@@ -1,10 +1,18 @@
 // Text in containers: the order and the key policy ignoring case.
 //
-// Both ask the platform's collation ignoring case (ZoString::compareTo), and decide printable ASCII
-// without asking. A key of ASCII hashes as ZoString::hash(ignoreCase) does. That folds a to z only,
-// so a key with other letters is hashed in upper case by the platform's invariant casing: keys that
-// differ only in case are one key, whatever their letters. Keys that the collation takes for equal
-// without that (sharp s and ss, a letter and its composed form) hash differently and are two keys.
+// The order is the platform's collation ignoring case (ZoString::compareTo), which decides all but
+// printable ASCII.
+//
+// Two keys of a ZoHashDict are one when they are equal unit by unit after simple case folding and
+// the collation says so, too. A key of ASCII hashes as ZoString::hash(ignoreCase) does. That folds a
+// to z only, so a key with any other unit is hashed folded instead (upper case, and the few that
+// have three forms: final sigma, Kelvin, Angstrom, the digraphs in title case). Collation also takes
+// texts for equal that do not differ in case: sharp s and ss, a letter with an accent and the same in
+// two units, units without a weight. These are two keys of a ZoHashDict and one of a ZoTree, which
+// goes by the order alone. Letters beyond U+FFFF are not folded by either.
+//
+// Fingerprints (vhash.h) differ between keys that do, but for a chance of length / 2^31 that nobody
+// can prepare: so a dictionary read from foreign data takes time in proportion to the data.
 //
 // Look-up takes const wchar_t*, ZoSubString and std::wstring_view as they are, without making a
 // string.
@@ -32,6 +40,9 @@ inline constexpr bool isRelocatable<ZoString> = true;
 // Whether plain texts of one length are equal ignoring case.
 [[nodiscard]] ZO_COM_API bool equalPlainTexts(const wchar_t* a, const wchar_t* b,
                                               std::size_t length) noexcept;
+// Whether any two texts are one key.
+[[nodiscard]] ZO_COM_API bool equalTexts(std::wstring_view a, std::wstring_view b) noexcept;
+[[nodiscard]] ZO_COM_API unsigned fingerprintText(const wchar_t* text, std::size_t length) noexcept;
 
 }  // namespace zo
 
@@ -44,13 +55,16 @@ class ZoCICompare<ZoString> : public ZoCompare<ZoString> {
 };
 
 template <>
-class ZoCIHashValue<ZoString> : public ZoHashValue<ZoString> {
+class ZoCIHashValue<ZoString> final : public ZoHashValue<ZoString> {
  public:
   [[nodiscard]] int compare(const ZoString& a, const ZoString& b) const override {
     return a.compareTo(b, ZoString::ignoreCase);
   }
   [[nodiscard]] unsigned hash(const ZoString& key) const override {
     return zo::hashText(key.data(), key.length()).hash();
+  }
+  [[nodiscard]] unsigned fingerprint(const ZoString& key) const override {
+    return fingerprintKey(key.view());
   }
 
   // For look-up without virtual calls.
@@ -63,8 +77,11 @@ class ZoCIHashValue<ZoString> : public ZoHashValue<ZoString> {
   static zo::HashedKey hashKey(std::wstring_view key) noexcept {
     return zo::hashText(key.data(), key.size());
   }
+  static unsigned fingerprintKey(std::wstring_view key) noexcept {
+    return zo::fingerprintText(key.data(), key.size());
+  }
   static bool isEqual(const ZoString& mine, std::wstring_view key, bool bothPlain) noexcept {
-    if (!bothPlain) return mine.equals(key, ZoString::ignoreCase);
+    if (!bothPlain) return zo::equalTexts(mine.view(), key);
     return mine.length() == key.size() && zo::equalPlainTexts(mine.data(), key.data(), key.size());
   }
 };

@@ -81,9 +81,9 @@ class ZoTreeMem final : public ZoVTreeMem {
   ZoTreeMem() noexcept : ZoVTreeMem(sizeof(Node), alignof(Node)) {}
 
   [[nodiscard]] ZoVTreeMem* makeNew() const override { return new (std::nothrow) ZoTreeMem; }
-  int newNode(const void* key, const void* value, ZoVTreeNode*& node) override {
+  [[nodiscard]] int newNode(const void* key, const void* value, ZoVTreeNode*& node) override {
     node = nullptr;
-    if constexpr (std::is_copy_constructible_v<K> && std::is_copy_constructible_v<T>) {
+    if constexpr (zo::isCopyable<K> && zo::isCopyable<T>) {
       if (value) return makeNode(node, *static_cast<const K*>(key), *static_cast<const T*>(value));
     }
     return ZoResult::refused;
@@ -103,7 +103,7 @@ class ZoTreeMem final : public ZoVTreeMem {
   int moveValue(void* to, void* from) override { return zo::moveElement<T>(to, from); }
 
   template <class Key, class Value>
-  int makeNode(ZoVTreeNode*& node, Key&& key, Value&& value) {
+  [[nodiscard]] int makeNode(ZoVTreeNode*& node, Key&& key, Value&& value) {
     node = nullptr;
     void* const place = pool_.allocate();
     if (!place) return ZoResult::outOfMemory;
@@ -125,13 +125,18 @@ class ZoTree : public ZoDict<T, K> {
  public:
   ZoTree() noexcept : tree_(nullptr) {}
   ZoTree(std::initializer_list<std::pair<K, T>> entries) : ZoTree() {
+    zo::assertCopyable<K, T>();
     for (const auto& [key, value] : entries)
       check(insertAt(key, value));  // the first of equal keys stays
   }
-  explicit ZoTree(const ZoDict<T, K>& other) : ZoTree() { check(this->insertAll(other)); }
+  explicit ZoTree(const ZoDict<T, K>& other) : ZoTree() {
+    zo::assertCopyable<K, T>();
+    check(this->insertAll(other));
+  }
   // Copies throw std::bad_alloc when there is no memory; moves leave the other tree empty and
   // usable.
   ZoTree(const ZoTree& other) : ZoDict<T, K>(other), tree_(nullptr), compare_(other.compare_) {
+    zo::assertCopyable<K, T>();
     check(this->insertAll(other));
   }
   ZoTree(ZoTree&& other) noexcept
@@ -163,20 +168,23 @@ class ZoTree : public ZoDict<T, K> {
     static_cast<void>(tree_.getIndex(&key, &i, &adapter));  // leaves npos when absent
     return i;
   }
-  int findKey(const K& key, K& outKey) const final {
+  [[nodiscard]] int findKey(const K& key, K& outKey) const final {
     const ZoVTreeNode* const node = find(key);
     return node ? zo::assignElement<K>(&outKey, keyOf(node->element)) : ZoResult::refused;
   }
 
-  int insertAt(const K& key, const T& value) final {
-    if constexpr (std::is_copy_constructible_v<K> && std::is_copy_constructible_v<T>) {
+  [[nodiscard]] int insertAt(const K& key, const T& value) final {
+    if constexpr (zo::isCopyable<K> && zo::isCopyable<T>) {
       return insertNew(key, value);
     } else {
       return ZoResult::refused;
     }
   }
-  int insertAt(K&& key, T&& value) final { return insertNew(std::move(key), std::move(value)); }
+  [[nodiscard]] int insertAt(K&& key, T&& value) final {
+    return insertNew(std::move(key), std::move(value));
+  }
 
+  using ZoContainer<T>::removeAll;
   int removeAll(bool = false) final { return tree_.removeAll(); }  // always gives the memory back
 
   void walk(zo::DictCursor& cursor) const final {
@@ -207,7 +215,7 @@ class ZoTree : public ZoDict<T, K> {
   class Maker final : public zo::TreeNodeMaker {
    public:
     explicit Maker(Make make) : make_(make) {}
-    int make(ZoVTreeNode*& node) override { return make_(node); }
+    [[nodiscard]] int make(ZoVTreeNode*& node) override { return make_(node); }
 
    private:
     Make make_;
@@ -261,3 +269,6 @@ class ZoTree : public ZoDict<T, K> {
   ZoVTree tree_;
   C compare_;
 };
+
+template <class T, class K, class C>
+inline constexpr bool zo::isCopyable<ZoTree<T, K, C>> = zo::isCopyable<K> && zo::isCopyable<T>;

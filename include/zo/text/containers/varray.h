@@ -35,22 +35,22 @@ class ZO_COM_API ZoVArrayTable {
   // An empty storage of the same type; null when there is no memory.
   [[nodiscard]] virtual ZoVArrayTable* makeNew() const = 0;
   // Moves the elements to a block of the given number of cells (at least `entries`).
-  virtual int reallocate(unsigned capacity, unsigned entries) = 0;
+  [[nodiscard]] virtual int reallocate(unsigned capacity, unsigned entries) = 0;
   // Opens a gap of n cells in front of position i and fills it with copies of *value, or with
   // elements made without a value when it is null. There is room. *value may be one of the
   // elements.
-  virtual int insert(unsigned i, unsigned n, const void* value, unsigned entries) = 0;
+  [[nodiscard]] virtual int insert(unsigned i, unsigned n, const void* value, unsigned entries) = 0;
   // Copies n elements that lie side by side to the end. There is room.
-  virtual int appendCopies(const void* from, unsigned n, unsigned entries) = 0;
+  [[nodiscard]] virtual int appendCopies(const void* from, unsigned n, unsigned entries) = 0;
   virtual int assign(void* to, const void* from) = 0;
   virtual int moveOut(void* to, void* from) = 0;
   // Destroys n elements from position i on and closes the gap. Cannot fail at the end.
   virtual int erase(unsigned i, unsigned n, unsigned entries) = 0;
   // Destroys all elements but n, to which it is given pointers in the order of the elements.
-  virtual int keep(void* const* kept, unsigned n, unsigned entries) = 0;
-  virtual void exchange(unsigned i, unsigned j) = 0;
+  [[nodiscard]] virtual int keep(void* const* kept, unsigned n, unsigned entries) = 0;
+  [[nodiscard]] virtual int reverse(unsigned entries) = 0;
   // Arranges the elements in the order of the pointers to them.
-  virtual int reorder(void* const* order, unsigned entries) = 0;
+  [[nodiscard]] virtual int reorder(void* const* order, unsigned entries) = 0;
 
   [[nodiscard]] void* at(unsigned i) const noexcept {
     return static_cast<char*>(data_) + std::size_t{i} * elementSize_;
@@ -92,8 +92,8 @@ class ZO_COM_API ZoVArray {
   }
   [[nodiscard]] void* first() const noexcept { return at(0); }
   [[nodiscard]] void* last() const noexcept { return at(entries_ - 1); }
-  int getAt(unsigned i, void* out) const;  // copies to *out
-  int setAt(unsigned i, const void* value);
+  [[nodiscard]] int getAt(unsigned i, void* out) const;  // copies to *out
+  [[nodiscard]] int setAt(unsigned i, const void* value);
 
   // The first position whose element compares equal to *value, or npos.
   [[nodiscard]] unsigned index(const void* value, const ZoVArrayCompare* compare) const;
@@ -101,12 +101,13 @@ class ZO_COM_API ZoVArray {
   [[nodiscard]] bool isEqualTo(const ZoVArray& other, const ZoVArrayCompare* compare) const;
 
   // Values may be elements of this array, and `other` may be this array.
-  int append(const void* value) { return insertAt(entries_, value); }
-  int append(const ZoVArray& other);
-  int prepend(const void* value) { return insertAt(0, value); }
-  int insertAt(unsigned i, const void* value);  // in front of position i; i == entries() appends
+  [[nodiscard]] int append(const void* value) { return insertAt(entries_, value); }
+  [[nodiscard]] int append(const ZoVArray& other);
+  [[nodiscard]] int prepend(const void* value) { return insertAt(0, value); }
+  // In front of position i; i == entries() appends.
+  [[nodiscard]] int insertAt(unsigned i, const void* value);
   // Sets n elements from position i on, and appends those that lie past the end.
-  int fillAt(unsigned i, unsigned n, const void* value);
+  [[nodiscard]] int fillAt(unsigned i, unsigned n, const void* value);
   int apply(ZoVArrayApply* applyFn) const;
 
   // Removes the first element that compares equal, or all of them; 1 when there is none.
@@ -118,16 +119,16 @@ class ZO_COM_API ZoVArray {
   int removeAll(bool freeMemory);  // true gives the block back too: the capacity is then 0
 
   // Stable in both directions.
-  int sort(const ZoVArrayCompare* compare, bool ascending);
-  int reverse();
+  [[nodiscard]] int sort(const ZoVArrayCompare* compare, bool ascending);
+  [[nodiscard]] int reverse();
 
   // Sets the capacity, whatever the grow size; elements past it are removed.
-  int resize(unsigned capacity);
-  int copyFrom(
-      const ZoVArray& other);  // replaces the elements; capacity may grow, the grow size stays
-  int shiftLeft(unsigned n);   // removes the first n elements; 1 when there are fewer
-  int shiftRight(unsigned n);  // puts n elements made without a value in front
-  int growArray();             // by one grow size; 1 when that is 0
+  [[nodiscard]] int resize(unsigned capacity);
+  // Replaces the elements; the capacity may grow, the grow size stays.
+  [[nodiscard]] int copyFrom(const ZoVArray& other);
+  [[nodiscard]] int shiftLeft(unsigned n);   // removes the first n elements; 1 when there are fewer
+  [[nodiscard]] int shiftRight(unsigned n);  // puts n elements made without a value in front
+  [[nodiscard]] int growArray();             // by one grow size; 1 when that is 0
   void setGrowSize(unsigned n) noexcept { growSize_ = n; }
 
   // True when the fields agree with each other.
@@ -137,7 +138,9 @@ class ZO_COM_API ZoVArray {
   template <class T, class Table>
   friend class ZoArray;
 
-  int makeRoom(unsigned n);                         // for n more elements, in whole grow steps
+  // The capacity that n more elements take, in whole grow steps.
+  int capacityFor(unsigned n, unsigned& enough) const noexcept;
+  int makeRoom(unsigned n);
   int makeRoomFor(unsigned n, const void*& value);  // follows a value that is an element
   void swap(ZoVArray& other) noexcept;
 
@@ -172,10 +175,11 @@ class ZO_COM_API ZoVArrayIterator {
   virtual bool to(unsigned i);
   virtual bool next();
   virtual bool prev();  // not valid in front of the first element
-  virtual int insert(
-      const void* value);  // in front of the current element, or at the end; stands on it then
+  // In front of the current element, or at the end; stands on the new one then.
+  [[nodiscard]] virtual int insert(const void* value);
   virtual int remove(void* out);  // stands on the following element then
-  // To the next (previous) element behind (before) the current one that compares equal.
+  // To the next (previous) element behind (before) the current one that compares equal: the one it
+  // stands on is not looked at, nor is the first by a fresh iterator.
   virtual bool findNext(const void* value, const ZoVArrayCompare* compare);
   virtual bool findPrev(const void* value, const ZoVArrayCompare* compare);
 

@@ -48,12 +48,15 @@ class ZO_COM_API ZoVListApply : public zo::ElementApply {};
 class ZO_COM_API ZoVHashApply : public zo::ElementApply {};
 class ZO_COM_API ZoVTreeApply : public zo::ElementApply {};
 
-// The key policy of a hash table: keys that compare equal must hash alike.
+// The key policy of a hash table: keys that compare equal must hash alike and have one fingerprint.
 class ZO_COM_API ZoVHashKey {
  public:
   virtual ~ZoVHashKey();
   virtual int compare(const void* a, const void* b) const = 0;  // 0 when the keys are equal
   virtual unsigned hash(const void* key) const = 0;
+  // Tells keys that hash alike apart where many do; the lower 31 bits count. 0 unless overridden,
+  // which is always right: but then many keys of one hash value are slow (vhash.h).
+  virtual unsigned fingerprint(const void* key) const;
 
  protected:
   ZoVHashKey() = default;

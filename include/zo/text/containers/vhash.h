@@ -16,7 +16,11 @@
 //          assignment, which have no status, throw std::bad_alloc.
 // Threads: any number of readers, or one writer.
 // Cost:    O(1) on average for a key; O(entries + buckets) for contains and findKey with a compare
-//          object.
+//          object. Whatever the keys, also when all hash alike: a chain that has come to kLongChain
+//          nodes makes the table index its nodes by hash value and fingerprint, and then insertion,
+//          look-up and removal take O(1) on average for keys whose fingerprints differ (text:
+//          always). The index takes 32 to 64 bytes for a node and 8 for a bucket; without memory for
+//          it chains are walked. Order and numbers are the same with and without it.
 #pragma once
 
 #include <zo/config.h>
@@ -24,13 +28,22 @@
 #include <zo/text/containers/position.h>
 #include <zo/text/containers/vcallbacks.h>
 
+#include <cstddef>
+
 template <class T, class K, class H>
 class ZoHashDict;
+namespace zo {
+class ChainIndex;
+}
 
 struct ZoVHashNode {
   ZoVHashNode* next = nullptr;
   unsigned hash = 0;
-  bool plain = false;  // as its policy said (zo/text/hashed_key.h); set by typed dictionaries
+  // As its policy said (zo/text/hashed_key.h); set by typed dictionaries.
+  unsigned plain : 1 = 0;
+  unsigned fingerprint : 31 = 0;  // set while the table is indexed
+
+  static constexpr unsigned kFingerprintBits = 0x7FFFFFFF;
 };
 
 // How well a table spreads its keys.
@@ -53,7 +66,7 @@ class ZO_COM_API ZoVHashTable {
   // An empty storage of the same type with n buckets; null when there is no memory or n is 0.
   [[nodiscard]] virtual ZoVHashTable* makeNew(unsigned buckets) const = 0;
   // A node with copies of key and value, not in a chain yet. `node` is null unless the status is 0.
-  virtual int newNode(const void* key, const void* value, ZoVHashNode*& node) = 0;
+  [[nodiscard]] virtual int newNode(const void* key, const void* value, ZoVHashNode*& node) = 0;
   virtual void deleteNode(ZoVHashNode* node) = 0;
   [[nodiscard]] virtual const void* key(const ZoVHashNode* node) const = 0;
   [[nodiscard]] virtual void* value(ZoVHashNode* node) const = 0;
@@ -76,9 +89,17 @@ class ZO_COM_API ZoVHashTable {
   }
   [[nodiscard]] ZoVHashNode** chain(unsigned bucket) const noexcept { return chains_ + bucket; }
   // Takes over the nodes' memory of a storage of the same type.
-  void absorb(ZoVHashTable& other) noexcept;
-  // Changes whenever a node has been removed or has moved to another storage.
-  [[nodiscard]] unsigned removals() const noexcept { return removals_; }
+  void absorb(ZoVHashTable& other) noexcept { pool_.absorb(other.pool_); }
+
+  // Nodes in a chain from which on the table is indexed.
+  static constexpr unsigned kLongChain = 64;
+  [[nodiscard]] bool isIndexed() const noexcept { return index_ != nullptr; }
+  // Indexes all nodes, by the fingerprints that they have. Without memory there is no index.
+  void makeIndex(unsigned entries) noexcept;
+  // Of an indexed table: the nodes with this hash value and fingerprint, one after the other; null
+  // at the end. `from` is 0 at first.
+  [[nodiscard]] ZoVHashNode* indexed(unsigned hash, unsigned fingerprint,
+                                     std::size_t& from) const noexcept;
 
  protected:
   ZoVHashTable(std::size_t nodeSize, std::size_t alignment) noexcept : pool_(nodeSize, alignment) {}
@@ -91,7 +112,7 @@ class ZO_COM_API ZoVHashTable {
   ZoVHashNode** chains_ = nullptr;
   unsigned bucketCount_ = 0;
   unsigned mask_ = 0;  // the number of buckets - 1 when that is a power of two
-  unsigned removals_ = 0;
+  zo::ChainIndex* index_ = nullptr;
 };
 
 class ZO_COM_API ZoVHash {
@@ -115,23 +136,24 @@ class ZO_COM_API ZoVHash {
   virtual bool contains(const void* key, const ZoVHashCompare* compare) const;
   [[nodiscard]] virtual unsigned entries() const;
   // Copies the first such key, as it is stored, to *outKey.
-  virtual int findKey(const void* key, void* outKey, const ZoVHashCompare* compare) const;
-  virtual int getAt(const void* key, void* outValue, const ZoVHashKey* hashKey) const;
+  [[nodiscard]] virtual int findKey(const void* key, void* outKey,
+                                    const ZoVHashCompare* compare) const;
+  [[nodiscard]] virtual int getAt(const void* key, void* outValue, const ZoVHashKey* hashKey) const;
   [[nodiscard]] virtual bool isEmpty() const;
   virtual bool isValid(const void* key, const ZoVHashKey* hashKey) const;  // the key is present
   [[nodiscard]] virtual double collisionRatio() const;  // collisions / entries; 0 when empty
-  // Rehashes into the given number of buckets. Refuses 0 buckets and a load factor that is not
-  // above 0. With fewer buckets than the load factor asks for, the table grows again on the way, by
-  // doubling.
-  virtual int setCapacity(unsigned buckets, double loadFactor, const ZoVHashKey* hashKey);
+  // Rehashes into the given number of buckets, doubled while the load factor asks for more. Refuses
+  // 0 buckets and a load factor that is not above 0.
+  [[nodiscard]] virtual int setCapacity(unsigned buckets, double loadFactor,
+                                        const ZoVHashKey* hashKey);
   virtual int apply(ZoVHashApply* applyFn);                            // to the values
   virtual void* at(const void* key, const ZoVHashKey* hashKey) const;  // the value, or null
   // Refuses a key that is present. The load is tested before the key is looked up, so a refused
   // insertion may still have grown the table; that is deliberate.
-  virtual int insertAt(const void* key, const void* value, const ZoVHashKey* hashKey);
-  virtual int setAt(const void* key, const void* value,
-                    const ZoVHashKey* hashKey);  // refuses an absent key
-  virtual int removeAll();                       // the number of buckets stays
+  [[nodiscard]] virtual int insertAt(const void* key, const void* value, const ZoVHashKey* hashKey);
+  // Refuses an absent key.
+  [[nodiscard]] virtual int setAt(const void* key, const void* value, const ZoVHashKey* hashKey);
+  virtual int removeAll();  // the number of buckets stays
   virtual int removeAt(const void* key, void* outValue, const ZoVHashKey* hashKey);
 
   // The bucket of a key that is present, or npos.
@@ -140,10 +162,11 @@ class ZO_COM_API ZoVHash {
   // collisions are counted anew. 1 without storage. 2 when there is no memory: then the storage is
   // gone, with all elements. That is deliberate; insertAt and setCapacity ask for the memory first
   // and lose nothing.
-  int resize(const ZoVHashKey* hashKey);
+  [[nodiscard]] int resize(const ZoVHashKey* hashKey);
 
   [[nodiscard]] unsigned buckets() const noexcept { return buckets_; }
   [[nodiscard]] double loadFactor() const noexcept { return loadFactor_; }
+  [[nodiscard]] const ZoVHashTable* table() const noexcept { return table_; }  // or null
   [[nodiscard]] ZoHashStats stats() const;
   // True when fields, chains and kept hash values agree, and no key is there twice.
   [[nodiscard]] bool validate(const ZoVHashKey* hashKey) const;
@@ -157,22 +180,28 @@ class ZO_COM_API ZoVHash {
     return static_cast<double>(entries_) / static_cast<double>(buckets_) > loadFactor_;
   }
   int grow();                          // like resize, but loses nothing
+  int rehash(unsigned buckets);        // into so many, doubled while they are too few
   void moveInto(ZoVHashTable* table);  // every element, to a new storage
-  void insertNode(ZoVHashNode* node);  // whose hash is set and whose key is not present
-  void removeNode(unsigned bucket, ZoVHashNode* node);
+  void makeIndex(const ZoVHashKey& hashKey);
+  void removeNode(ZoVHashNode* node);
   ZoVHashNode* find(const void* key, const ZoVHashKey* hashKey) const;
+  ZoVHashNode* lookUp(const void* key, unsigned hash, const ZoVHashKey& hashKey,
+                      unsigned& walked) const;
+  template <class Visit>
+  ZoVHashNode* findWhere(Visit visit) const;
   ZoVHashNode* scan(const void* key, const zo::ElementCompare* compare) const;
   void swap(ZoVHash& other) noexcept;
 
   unsigned entries_ = 0;
-  unsigned buckets_;
+  unsigned buckets_;  // also of a typed dictionary that has no storage yet
   unsigned collisions_ = 0;
+  unsigned removals_ = 0;  // lets an iterator see that its node may be gone
   double loadFactor_;
   ZoVHashTable* table_;
 };
 
 static_assert(sizeof(ZoVHash) == 8 + 4 * 4 + 8 + 8,
-              "virtual operations, entries, buckets, collisions, load factor, storage");
+              "virtual operations, entries, buckets, collisions, removals, load factor, storage");
 
 // Stands on an element, so it survives every insertion and the removal of other elements; growing
 // the table changes what comes next. When its element is removed by someone else it is not valid:
@@ -194,12 +223,13 @@ class ZO_COM_API ZoVHashIterator {
   [[nodiscard]] bool isValid() const noexcept { return node() != nullptr; }
   [[nodiscard]] void* current() const noexcept;    // the value; null when not valid
   [[nodiscard]] const void* key() const noexcept;  // null when not valid
-  // To the next element behind the current one whose key compares equal.
+  // To the next element behind the current one whose key compares equal: the one it stands on is not
+  // looked at, nor is the first by a fresh iterator.
   bool findNext(const void* key, const zo::ElementCompare* compare);
   int remove(void* outValue);  // stands on the following element then
 
   [[nodiscard]] ZoVHashNode* node() const noexcept {
-    if (table_ != hash_->table_ || (table_ && removals_ != table_->removals())) find();
+    if (removals_ != hash_->removals_) find();
     return node_;
   }
 
@@ -210,7 +240,6 @@ class ZO_COM_API ZoVHashIterator {
   void find() const noexcept;
 
   ZoVHash* hash_;
-  mutable const ZoVHashTable* table_ = nullptr;
   mutable ZoVHashNode* node_ = nullptr;
   mutable unsigned removals_ = 0;
 };

@@ -39,7 +39,7 @@ class ZO_COM_API ZoVListMem {
 
   [[nodiscard]] virtual ZoVListMem* makeNew() const = 0;  // null when there is no memory
   // A node that is not linked, with a copy of the value. `node` is null unless the status is 0.
-  virtual int newNode(const void* value, ZoVListNode*& node) = 0;
+  [[nodiscard]] virtual int newNode(const void* value, ZoVListNode*& node) = 0;
   virtual void deleteNode(ZoVListNode* node) = 0;
   virtual int assign(void* to, const void* from) = 0;
   virtual int moveOut(void* to, void* from) = 0;
@@ -79,8 +79,8 @@ class ZO_COM_API ZoVList {
   [[nodiscard]] void* at(unsigned i) const noexcept { return elementOf(getNodeAtIndex(i)); }
   [[nodiscard]] void* first() const noexcept { return elementOf(first_); }
   [[nodiscard]] void* last() const noexcept { return elementOf(last_); }
-  int getAt(unsigned i, void* out) const;  // copies to *out
-  int setAt(unsigned i, const void* value);
+  [[nodiscard]] int getAt(unsigned i, void* out) const;  // copies to *out
+  [[nodiscard]] int setAt(unsigned i, const void* value);
 
   // The first position whose element compares equal to *value, or npos.
   [[nodiscard]] unsigned index(const void* value, const ZoVListCompare* compare) const;
@@ -88,12 +88,13 @@ class ZO_COM_API ZoVList {
   [[nodiscard]] bool isEqualTo(const ZoVList& other, const ZoVListCompare* compare) const;
 
   // Values may be elements of this list, and `other` may be this list.
-  int append(const void* value) { return insertAt(entries_, value); }
-  int append(const ZoVList& other);
-  int prepend(const void* value) { return insertAt(0, value); }
-  int insertAt(unsigned i, const void* value);  // in front of position i; i == entries() appends
+  [[nodiscard]] int append(const void* value) { return insertAt(entries_, value); }
+  [[nodiscard]] int append(const ZoVList& other);
+  [[nodiscard]] int prepend(const void* value) { return insertAt(0, value); }
+  // In front of position i; i == entries() appends.
+  [[nodiscard]] int insertAt(unsigned i, const void* value);
   // Sets n elements from position i on, and appends those that lie past the end.
-  int fillAt(unsigned i, unsigned n, const void* value);
+  [[nodiscard]] int fillAt(unsigned i, unsigned n, const void* value);
   int apply(ZoVListApply* applyFn) const;
 
   // Removes the first element that compares equal, or all of them; 1 when there is none.
@@ -105,9 +106,9 @@ class ZO_COM_API ZoVList {
   int removeAll(bool freeMemory);  // true gives the memory kept for new nodes back too
 
   // Stable in both directions.
-  int sort(const ZoVListCompare* compare, bool ascending);
-  int reverse();
-  int copyFrom(const ZoVList& other);  // replaces the elements
+  [[nodiscard]] int sort(const ZoVListCompare* compare, bool ascending);
+  [[nodiscard]] int reverse();
+  [[nodiscard]] int copyFrom(const ZoVList& other);  // replaces the elements
 
   // Nodes, for iterators and typed lists. A node that is linked belongs to the list.
   void link(ZoVListNode* node, ZoVListNode* after) noexcept {  // null: to the front
@@ -165,9 +166,8 @@ class ZO_COM_API ZoVListIterator {
     reset();
   }
   [[nodiscard]] bool isValid() const noexcept { return node() != nullptr; }
-  [[nodiscard]] void* current() const noexcept {
-    return list_->elementOf(node());
-  }  // null when not valid
+  // Null when not valid.
+  [[nodiscard]] void* current() const noexcept { return list_->elementOf(node()); }
   [[nodiscard]] bool atFirst() const noexcept { return node() && node() == list_->first_; }
   [[nodiscard]] bool atLast() const noexcept { return node() && node() == list_->last_; }
 
@@ -178,10 +178,11 @@ class ZO_COM_API ZoVListIterator {
   bool next() noexcept { return stand(node() ? node_->next : nullptr); }
   bool prev() noexcept { return stand(node() ? node_->prev : nullptr); }
 
-  int insert(
-      const void* value);  // in front of the current element, or at the end; stands on it then
-  int remove(void* out);   // stands on the following element then
-  // To the next (previous) element behind (before) the current one that compares equal.
+  // In front of the current element, or at the end; stands on the new one then.
+  [[nodiscard]] int insert(const void* value);
+  int remove(void* out);  // stands on the following element then
+  // To the next (previous) element behind (before) the current one that compares equal: the one it
+  // stands on is not looked at, nor is the first by a fresh iterator.
   bool findNext(const void* value, const zo::ElementCompare* compare);
   bool findPrev(const void* value, const zo::ElementCompare* compare);
 

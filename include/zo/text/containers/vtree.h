@@ -43,7 +43,7 @@ class ZO_COM_API ZoVTreeMem {
   [[nodiscard]] virtual ZoVTreeMem* makeNew() const = 0;  // null when there is no memory
   // A node with copies of key and value (null: an element without one). `node` is null unless the
   // status is 0.
-  virtual int newNode(const void* key, const void* value, ZoVTreeNode*& node) = 0;
+  [[nodiscard]] virtual int newNode(const void* key, const void* value, ZoVTreeNode*& node) = 0;
   virtual void deleteNode(ZoVTreeNode* node) = 0;
   [[nodiscard]] virtual const void* key(const void* element) const = 0;
   // The value, or the element itself when it is a key alone.
@@ -65,7 +65,7 @@ namespace zo {
 // Makes the node of a new element once the tree knows that its key is not present.
 class ZO_COM_API TreeNodeMaker {
  public:
-  virtual int make(ZoVTreeNode*& node) = 0;
+  [[nodiscard]] virtual int make(ZoVTreeNode*& node) = 0;
 
  protected:
   ~TreeNodeMaker() = default;
@@ -106,14 +106,16 @@ class ZO_COM_API ZoVTree {
   [[nodiscard]] void* last() const noexcept;
   // The value of a key, or null.
   [[nodiscard]] void* at(const void* key, const ZoVTreeCompare* compare) const;
-  int getAt(const void* key, void* out, const ZoVTreeCompare* compare) const;  // copies the value
+  // Copies the value.
+  [[nodiscard]] int getAt(const void* key, void* out, const ZoVTreeCompare* compare) const;
   // The position of a key in order.
-  int getIndex(const void* key, unsigned* out, const ZoVTreeCompare* compare) const;
-  int setAt(const void* key, const void* value,
-            const ZoVTreeCompare* compare);  // refuses an absent key
+  [[nodiscard]] int getIndex(const void* key, unsigned* out, const ZoVTreeCompare* compare) const;
+  // Refuses an absent key.
+  [[nodiscard]] int setAt(const void* key, const void* value, const ZoVTreeCompare* compare);
 
-  int insert(const void* element, const ZoVTreeCompare* compare);  // an element that is a key alone
-  int insertAt(const void* key, const void* value, const ZoVTreeCompare* compare);
+  // An element that is a key alone.
+  [[nodiscard]] int insert(const void* element, const ZoVTreeCompare* compare);
+  [[nodiscard]] int insertAt(const void* key, const void* value, const ZoVTreeCompare* compare);
 
   int remove(const void* key, const ZoVTreeCompare* compare) {
     return removeAt(key, nullptr, compare);
