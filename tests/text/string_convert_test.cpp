@@ -1,4 +1,4 @@
-// Text on its way in and out: code pages, streams, the neighbouring types; and ZoCLib.
+// Text on its way in and out: code pages, streams, the neighbouring types.
 #include <gtest/gtest.h>
 #include <zo/host/char_formatter.h>
 #include <zo/strings.h>
@@ -58,24 +58,6 @@ TEST(StringStreams, ReadersStopWhereTheySayAndReplaceTheText) {
   std::wistringstream zeros(std::wstring(L"one\0two", 7));
   EXPECT_TRUE(s.readString(zeros) && s == L"one");
   EXPECT_TRUE(s.readString(zeros) && s == L"two") << "the end of the stream ends it too";
-}
-
-TEST(CLib, BoundedFunctionsNeverWritePastTheEndAndLeaveATerminatedText) {
-  wchar_t buffer[6] = L"abc";
-  EXPECT_EQ(ZoCLib::Zo_strcat_s(buffer, 6, L"de"), 0);
-  EXPECT_STREQ(buffer, L"abcde");
-  EXPECT_NE(ZoCLib::Zo_strcat_s(buffer, 6, L"f"), 0);
-  EXPECT_STREQ(buffer, L"");
-  EXPECT_EQ(ZoCLib::Zo_strncpy_s(buffer, 6, L"abcdefgh", 5), 0);
-  EXPECT_EQ(ZoCLib::Zo_strncat_s(buffer, 5, L"x", 0), ERANGE) << "not terminated within the size";
-  for (const int error :
-       {ZoCLib::Zo_strcpy_s(buffer, 6, L"abcdef"), ZoCLib::Zo_strcpy_s(buffer, 6, nullptr),
-        ZoCLib::Zo_strcpy_s(nullptr, 6, L"a")})
-    EXPECT_NE(error, 0);
-  EXPECT_EQ(ZoCLib::Zo_sprintf(buffer, 6, L"%d-%ls", 12, L"ab"), 5);
-  EXPECT_STREQ(buffer, L"12-ab");
-  EXPECT_EQ(ZoCLib::Zo_sprintf(buffer, 6, L"%d", 1234567), -1);
-  EXPECT_LT(ZoCLib::strlen(buffer), 6u);
 }
 
 }  // namespace
