@@ -2,6 +2,7 @@
 
 #include <io.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdarg>
@@ -9,6 +10,28 @@
 #include <cstring>
 #include <cwchar>
 #include <cwctype>
+
+// The compiler's library has functions of its own under some of the runtime's names, and they
+// differ: in what %s takes, in sin and cos of large arguments, in pow(10, -2) and modf(-1), in
+// errno. The runtime's stand behind other names and behind their import entries.
+#if defined(__MINGW32__)
+extern "C" {
+int __ms_vfwscanf(std::FILE* file, const wchar_t* format, va_list arguments);
+extern double (*__imp_atan2)(double, double);
+extern double (*__imp_cos)(double);
+extern double (*__imp_exp)(double);
+extern double (*__imp_log)(double);
+extern double (*__imp_modf)(double, double*);
+extern double (*__imp_pow)(double, double);
+extern double (*__imp_sin)(double);
+extern double (*__imp_sqrt)(double);
+}
+#define ZO_RUNTIME(function) __imp_##function
+#define ZO_RUNTIME_WIDE(function) __ms_##function
+#else
+#define ZO_RUNTIME(function) std::function
+#define ZO_RUNTIME_WIDE(function) std::function
+#endif
 
 // ---- Text ----
 
@@ -45,19 +68,25 @@ int ZoCLib::strcoll(const wchar_t* a, const wchar_t* b) noexcept { return std::w
 
 namespace {
 
+constexpr size_t kWhole = _TRUNCATE - 1;  // more than any text has
+
 // The runtime's bounded functions end the program on a wrong argument; here it is an error number
 // like any other, and dest is left empty where there is room for that.
 int boundedAppend(wchar_t* dest, size_t size, size_t used, const wchar_t* text, size_t n) noexcept {
+  if (!dest && size == 0 && n == 0) return 0;
   if (!dest || size == 0) return EINVAL;
-  const size_t length = text ? wcsnlen(text, n) : 0;
-  const bool fits = used < size && length < size - used;
-  if (!text || !fits) {
+  const auto refuse = [dest](int error) {
     dest[0] = 0;
-    return text ? ERANGE : EINVAL;
-  }
-  std::wmemmove(dest + used, text, length);
-  dest[used + length] = 0;
-  return 0;
+    return error;
+  };
+  if (used == size || (!text && n > 0)) return refuse(EINVAL);
+  const size_t room = size - used - 1;
+  const size_t length = n > 0 ? wcsnlen(text, std::min(n, room + 1)) : 0;
+  if (length > room && n != _TRUNCATE) return refuse(ERANGE);
+  const size_t taken = std::min(length, room);
+  std::wmemmove(dest + used, text, taken);
+  dest[used + taken] = 0;
+  return taken < length ? STRUNCATE : 0;
 }
 
 size_t usedOf(const wchar_t* dest, size_t size) noexcept { return dest ? wcsnlen(dest, size) : 0; }
@@ -65,11 +94,11 @@ size_t usedOf(const wchar_t* dest, size_t size) noexcept { return dest ? wcsnlen
 }  // namespace
 
 int ZoCLib::Zo_strcat_s(wchar_t* dest, size_t size, const wchar_t* text) noexcept {
-  return boundedAppend(dest, size, usedOf(dest, size), text, static_cast<size_t>(-1));
+  return boundedAppend(dest, size, usedOf(dest, size), text, kWhole);
 }
 
 int ZoCLib::Zo_strcpy_s(wchar_t* dest, size_t size, const wchar_t* text) noexcept {
-  return boundedAppend(dest, size, 0, text, static_cast<size_t>(-1));
+  return boundedAppend(dest, size, 0, text, kWhole);
 }
 
 int ZoCLib::Zo_strncat_s(wchar_t* dest, size_t size, const wchar_t* text, size_t n) noexcept {
@@ -105,7 +134,7 @@ int ZoCLib::Zo_sprintf(wchar_t* dest, size_t size, const wchar_t* format, ...) n
   if (!dest || size == 0 || !format) return -1;
   va_list arguments;
   va_start(arguments, format);
-  const int written = std::vswprintf(dest, size, format, arguments);
+  const int written = _vsnwprintf(dest, size, format, arguments);
   va_end(arguments);
   dest[size - 1] = 0;
   return written >= 0 && static_cast<size_t>(written) < size ? written : -1;
@@ -114,7 +143,7 @@ int ZoCLib::Zo_sprintf(wchar_t* dest, size_t size, const wchar_t* format, ...) n
 int ZoCLib::fprintf(std::FILE* file, const wchar_t* format, ...) noexcept {
   va_list arguments;
   va_start(arguments, format);
-  const int written = std::vfwprintf(file, format, arguments);
+  const int written = ZO_RUNTIME_WIDE(vfwprintf)(file, format, arguments);
   va_end(arguments);
   return written;
 }
@@ -122,7 +151,7 @@ int ZoCLib::fprintf(std::FILE* file, const wchar_t* format, ...) noexcept {
 int ZoCLib::fscanf(std::FILE* file, const wchar_t* format, ...) noexcept {
   va_list arguments;
   va_start(arguments, format);
-  const int fields = std::vfwscanf(file, format, arguments);
+  const int fields = ZO_RUNTIME_WIDE(vfwscanf)(file, format, arguments);
   va_end(arguments);
   return fields;
 }
@@ -136,7 +165,7 @@ int ZoCLib::open_osfhandle(std::intptr_t handle, int flags) noexcept {
 
 // ---- Numbers and characters ----
 
-double ZoCLib::atof(const wchar_t* text) noexcept { return std::wcstod(text, nullptr); }
+double ZoCLib::atof(const wchar_t* text) noexcept { return _wtof(text); }
 int ZoCLib::atoi(const wchar_t* text) noexcept { return _wtoi(text); }
 long ZoCLib::atol(const wchar_t* text) noexcept { return _wtol(text); }
 wchar_t ZoCLib::toupper(wchar_t c) noexcept { return static_cast<wchar_t>(std::towupper(c)); }
@@ -167,15 +196,15 @@ int ZoCLib::Zo_makepath(wchar_t* dest, size_t size, const wchar_t* drive, const 
 double ZoCLib::acos(double x) noexcept { return std::acos(x); }
 double ZoCLib::asin(double x) noexcept { return std::asin(x); }
 double ZoCLib::atan(double x) noexcept { return std::atan(x); }
-double ZoCLib::atan2(double y, double x) noexcept { return std::atan2(y, x); }
-double ZoCLib::cos(double x) noexcept { return std::cos(x); }
-double ZoCLib::exp(double x) noexcept { return std::exp(x); }
+double ZoCLib::atan2(double y, double x) noexcept { return ZO_RUNTIME(atan2)(y, x); }
+double ZoCLib::cos(double x) noexcept { return ZO_RUNTIME(cos)(x); }
+double ZoCLib::exp(double x) noexcept { return ZO_RUNTIME(exp)(x); }
 double ZoCLib::fabs(double x) noexcept { return std::fabs(x); }
 long ZoCLib::labs(long x) noexcept { return std::labs(x); }
-double ZoCLib::log(double x) noexcept { return std::log(x); }
+double ZoCLib::log(double x) noexcept { return ZO_RUNTIME(log)(x); }
 double ZoCLib::log10(double x) noexcept { return std::log10(x); }
-double ZoCLib::pow(double x, double y) noexcept { return std::pow(x, y); }
-double ZoCLib::sin(double x) noexcept { return std::sin(x); }
-double ZoCLib::sqrt(double x) noexcept { return std::sqrt(x); }
+double ZoCLib::pow(double x, double y) noexcept { return ZO_RUNTIME(pow)(x, y); }
+double ZoCLib::sin(double x) noexcept { return ZO_RUNTIME(sin)(x); }
+double ZoCLib::sqrt(double x) noexcept { return ZO_RUNTIME(sqrt)(x); }
 double ZoCLib::tan(double x) noexcept { return std::tan(x); }
-double ZoCLib::modf(double x, double* whole) noexcept { return std::modf(x, whole); }
+double ZoCLib::modf(double x, double* whole) noexcept { return ZO_RUNTIME(modf)(x, whole); }

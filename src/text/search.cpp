@@ -1,5 +1,6 @@
 #include "text/search.h"
 
+#include <algorithm>
 #include <bit>
 
 #include "text/unit_set.h"
@@ -9,8 +10,9 @@ namespace zo {
 namespace {
 
 // What the search loops ask of a matcher:
-//   candidates(at)  two bits for each of eight positions from at that can start a match matches(at)
-//   whether the pattern stands at a candidate startsAt(at)    the same for any position
+//   candidates(at)  two bits for each of eight positions from at that can start a match
+//   matches(at)     whether the pattern stands at a candidate
+//   startsAt(at)    the same for any position
 class ExactMatcher {
  public:
   explicit ExactMatcher(std::wstring_view pattern) noexcept
@@ -45,12 +47,7 @@ class FoldedMatcher {
                                candidate(load8(at + pattern_.size() - 1), last_)));
   }
   bool matches(const wchar_t* at) const noexcept {
-    for (size_t i = 0; i < pattern_.size(); ++i) {
-      if (at[i] != pattern_[i] && foldForSearch(at[i]) != foldForSearch(pattern_[i])) {
-        return false;
-      }
-    }
-    return true;
+    return equalFolded({at, pattern_.size()}, pattern_);
   }
   bool startsAt(const wchar_t* at) const noexcept { return matches(at); }
 
@@ -122,6 +119,12 @@ size_t findFolded(std::wstring_view text, std::wstring_view pattern) noexcept {
 
 size_t findBackFolded(std::wstring_view text, std::wstring_view pattern) noexcept {
   return scanBackward(text, pattern.size(), FoldedMatcher(pattern));
+}
+
+bool equalFolded(std::wstring_view a, std::wstring_view b) noexcept {
+  return std::equal(a.begin(), a.end(), b.begin(), [](wchar_t x, wchar_t y) {
+    return x == y || foldForSearch(x) == foldForSearch(y);
+  });
 }
 
 size_t findAnyOf(std::wstring_view text, std::wstring_view set) noexcept {

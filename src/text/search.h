@@ -19,6 +19,9 @@ inline constexpr size_t kNotFound = static_cast<size_t>(-1);
 [[nodiscard]] size_t findFolded(std::wstring_view text, std::wstring_view pattern) noexcept;
 [[nodiscard]] size_t findBackFolded(std::wstring_view text, std::wstring_view pattern) noexcept;
 
+// Whether two texts of one length are the same after foldForSearch of both.
+[[nodiscard]] bool equalFolded(std::wstring_view a, std::wstring_view b) noexcept;
+
 // The first position of any unit of a set.
 [[nodiscard]] size_t findAnyOf(std::wstring_view text, std::wstring_view set) noexcept;
 

@@ -6,21 +6,14 @@
 #include <cstring>
 #include <cwchar>
 
+#include "text/search.h"
+#include "text/text_buffer.h"
+
 unsigned int ZoString::s_initialCapac = 15;
 unsigned int ZoString::s_resizeInc = 16;
 unsigned int ZoString::s_freeboard = 15;
 
 namespace {
-
-// A length as the string counts it; what is too long becomes npos, which every edit refuses.
-unsigned int lengthOf(std::wstring_view text) noexcept {
-  return text.size() <= ZoString::maxLength() ? static_cast<unsigned int>(text.size())
-                                              : ZoString::npos;
-}
-
-unsigned int lengthOf(const wchar_t* text) noexcept {
-  return text ? lengthOf(std::wstring_view(text)) : 0;
-}
 
 void copyUnits(wchar_t* to, const wchar_t* from, size_t n) noexcept {
   if (n > 0) std::memcpy(to, from, n * sizeof(wchar_t));
@@ -32,31 +25,31 @@ bool pointsInto(const wchar_t* p, const wchar_t* data, unsigned int length) noex
   return at - begin < size_t{length} * sizeof(wchar_t);
 }
 
-// A block for a text of the given length, or the empty one when that is too long or nothing.
-ZoStringRef* blockFor(unsigned int length) {
-  if (length == 0 || length > ZoString::maxLength()) return ZoStringRef::getRep(0, 0);
-  return ZoStringRef::getRep(ZoString::adjustCapacity(length), length);
+}  // namespace
+
+ZoStringRef* ZoString::blockFor(size_t length) {
+  if (length == 0 || length > maxLength()) return ZoStringRef::getRep(0, 0);
+  const auto n = static_cast<unsigned int>(length);
+  return ZoStringRef::getRep(adjustCapacity(n), n);
 }
 
-ZoStringRef* blockOf(const wchar_t* text, unsigned int length) {
-  ZoStringRef* block = blockFor(text ? length : 0);
-  if (text) copyUnits(block->data(), text, block->length());
+ZoStringRef* ZoString::blockOf(std::wstring_view text) {
+  ZoStringRef* block = blockFor(text.size());
+  copyUnits(block->data(), text.data(), block->length());
   return block;
 }
 
-}  // namespace
+ZoStringRef* ZoString::blockOf(const wchar_t* text) { return blockOf(zo::textOf(text)); }
 
-ZoString::ZoString(const wchar_t* text) : ZoString(blockOf(text, lengthOf(text))) {}
-ZoString::ZoString(const wchar_t* text, unsigned int length) : ZoString(blockOf(text, length)) {}
-ZoString::ZoString(const ZoSubString& text) : ZoString(text.view()) {}
-ZoString::ZoString(std::wstring_view text) : ZoString(blockOf(text.data(), lengthOf(text))) {}
+ZoString::ZoString(const wchar_t* text, unsigned int length)
+    : ZoString(blockOf({text, text ? length : 0u})) {}
+ZoString::ZoString(const ZoSubString& text) : ZoString(blockOf(text.view())) {}
 
 ZoString::ZoString(const wchar_t* a, unsigned int lengthA, const wchar_t* b, unsigned int lengthB) {
   if (!a) lengthA = 0;
   if (!b) lengthB = 0;
   // Two lengths of up to 2^32 - 1 do not wrap in 64 bits; blockFor refuses what is too long.
-  const auto total = std::uint64_t{lengthA} + lengthB;
-  ZoStringRef* block = blockFor(total <= maxLength() ? static_cast<unsigned int>(total) : npos);
+  ZoStringRef* block = blockFor(std::uint64_t{lengthA} + lengthB);
   if (block->length() != 0) {
     copyUnits(block->data(), a, lengthA);
     copyUnits(block->data() + lengthA, b, lengthB);
@@ -64,16 +57,8 @@ ZoString::ZoString(const wchar_t* a, unsigned int lengthA, const wchar_t* b, uns
   data_ = block->data();
 }
 
-ZoString operator+(const ZoString& a, const ZoString& b) {
-  return ZoString(a.data(), a.length(), b.data(), b.length());
-}
-
-ZoString operator+(const ZoString& a, const wchar_t* b) {
-  return ZoString(a.data(), a.length(), b, lengthOf(b));
-}
-
-ZoString operator+(const wchar_t* a, const ZoString& b) {
-  return ZoString(a, lengthOf(a), b.data(), b.length());
+ZoString ZoString::concat(std::wstring_view a, std::wstring_view b) {
+  return ZoString(a.data(), lengthOf(a), b.data(), lengthOf(b));
 }
 
 void ZoString::initChar(wchar_t c) {
@@ -105,8 +90,6 @@ ZoString& ZoString::operator=(const wchar_t* text) {
   }
   return replace(0, length(), text);
 }
-
-ZoString& ZoString::operator=(std::wstring_view text) { return replace(0, npos, text); }
 
 ZoString ZoString::copy() const {
   ZoString result(*this);
@@ -208,11 +191,21 @@ ZoString& ZoString::replace(unsigned int pos, unsigned int n, const wchar_t* tex
 }
 
 ZoString& ZoString::replace(unsigned int pos, unsigned int n, const wchar_t* text) {
-  return replace(pos, n, text, lengthOf(text));
+  return replace(pos, n, text, lengthOf(zo::textOf(text)));
 }
 
-ZoString& ZoString::replace(unsigned int pos, unsigned int n, std::wstring_view text) {
-  return replace(pos, n, text.data(), lengthOf(text));
+ZoString& ZoString::replaceEach(std::wstring_view what, std::wstring_view by, caseCompare cmp) {
+  const auto find = cmp == exact ? zo::find : zo::findFolded;
+  std::wstring_view rest = view();
+  size_t at = what.empty() ? zo::kNotFound : find(rest, what);
+  if (at == zo::kNotFound) return *this;
+  zo::TextBuffer text;
+  for (; at != zo::kNotFound; at = find(rest, what)) {
+    text << rest.substr(0, at) << by;
+    rest.remove_prefix(at + what.size());
+  }
+  text << rest;
+  return replace(0, npos, std::wstring_view(text.text()));
 }
 
 ZoString& ZoString::insertChars(unsigned int pos, wchar_t c, unsigned int count) {
@@ -224,7 +217,7 @@ ZoString& ZoString::resize(unsigned int n) {
   return insertChars(npos, L' ', n - length());
 }
 
-ZoString& ZoString::strip(stripType type, const wchar_t* set) {
+ZoString& ZoString::stripAnyOf(stripType type, std::wstring_view set) {
   const ZoSubString kept = strippedPart(type, set);
   if (kept.isEmpty()) return remove(0);
   remove(kept.start() + kept.length());

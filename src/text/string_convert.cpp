@@ -9,6 +9,7 @@
 
 #include "platform/ansi.h"
 #include "text/text_buffer.h"
+#include "text/utf8.h"
 
 char* ZoString::getMBString() const {
   std::wstring escaped;
@@ -25,8 +26,22 @@ char* ZoString::getMBString() const {
 ZoString& ZoString::setFromMB(const char* text) {
   std::wstring wide = zo::fromMultiByte(text ? text : "");
   if (wide.size() > maxLength()) return *this;
-  TvCharFormatter::cifToWchar(wide.c_str(), static_cast<unsigned int>(wide.size()), wide.data());
-  return *this = wide.c_str();
+  wide.resize(TvCharFormatter::cifToWchar(wide.c_str(), static_cast<unsigned int>(wide.size()),
+                                          wide.data()));
+  // By length: an escape may stand for a zero character. An empty text is let go of as a pointer's.
+  return wide.empty() ? *this = L"" : *this = wide;
+}
+
+ZoString ZoString::fromUtf8(std::string_view bytes) {
+  ZoString result(blockFor(zo::utf16Size(bytes)));
+  if (!result.isEmpty()) zo::utf8ToUtf16(bytes, result.data_);
+  return result;
+}
+
+std::string ZoString::toUtf8() const {
+  std::string bytes(zo::utf8Size(view()), '\0');
+  zo::utf16ToUtf8(view(), bytes.data());
+  return bytes;
 }
 
 // ---- Streams ----

@@ -27,8 +27,6 @@ unsigned int search(std::wstring_view text, const wchar_t* pattern, size_t patle
   return at == zo::kNotFound ? ZoString::npos : start + static_cast<unsigned int>(at);
 }
 
-size_t lengthOf(const wchar_t* text) noexcept { return text ? std::wcslen(text) : 0; }
-
 }  // namespace
 
 unsigned int ZoString::index(const wchar_t* pattern, unsigned int patlen, unsigned int start,
@@ -38,8 +36,7 @@ unsigned int ZoString::index(const wchar_t* pattern, unsigned int patlen, unsign
 
 unsigned int ZoString::index(const wchar_t* pattern, unsigned int start,
                              caseCompare cmp) const noexcept {
-  return search(view(), pattern, lengthOf(pattern), start, cmp == exact ? zo::find : zo::findFolded,
-                false);
+  return index(pattern, lengthOf(zo::textOf(pattern)), start, cmp);
 }
 
 unsigned int ZoString::indexBack(const wchar_t* pattern, unsigned int patlen, unsigned int start,
@@ -50,18 +47,18 @@ unsigned int ZoString::indexBack(const wchar_t* pattern, unsigned int patlen, un
 
 unsigned int ZoString::indexBack(const wchar_t* pattern, unsigned int start,
                                  caseCompare cmp) const noexcept {
-  return search(view(), pattern, lengthOf(pattern), start,
-                cmp == exact ? zo::findBack : zo::findBackFolded, true);
+  return indexBack(pattern, lengthOf(zo::textOf(pattern)), start, cmp);
 }
 
-bool ZoString::contains(const ZoSubString& pattern, caseCompare cmp) const noexcept {
-  const std::wstring_view wanted = pattern.view();
-  return index(wanted.data(), static_cast<unsigned int>(wanted.size()), 0, cmp) != npos;
+bool ZoString::standsAt(size_t pos, std::wstring_view text, caseCompare cmp) const noexcept {
+  if (pos > length() || text.size() > length() - pos) return false;
+  const std::wstring_view here = view().substr(pos, text.size());
+  return cmp == exact ? here == text : zo::equalFolded(here, text);
 }
 
-unsigned int ZoString::splitNext(const wchar_t* delims, unsigned int from) const noexcept {
-  if (!delims || from > length()) return npos;
-  const size_t at = zo::findAnyOf(view().substr(from), delims);
+unsigned int ZoString::firstOf(std::wstring_view set, unsigned int from) const noexcept {
+  if (from > length()) return npos;
+  const size_t at = zo::findAnyOf(view().substr(from), set);
   return at == zo::kNotFound ? npos : from + static_cast<unsigned int>(at);
 }
 
@@ -80,9 +77,8 @@ ZoSubString ZoString::rightPart(unsigned int n) const noexcept {
   return found(length() - n, n);
 }
 
-ZoSubString ZoString::strippedPart(stripType type, const wchar_t* set) const noexcept {
-  const std::wstring_view stripped = set ? std::wstring_view(set) : std::wstring_view();
-  const auto inSet = [&](wchar_t c) { return stripped.find(c) != std::wstring_view::npos; };
+ZoSubString ZoString::strippedPart(stripType type, std::wstring_view set) const noexcept {
+  const auto inSet = [&](wchar_t c) { return set.find(c) != std::wstring_view::npos; };
   unsigned int begin = 0;
   unsigned int end = length();
   if (type & leading) {
@@ -94,13 +90,9 @@ ZoSubString ZoString::strippedPart(stripType type, const wchar_t* set) const noe
   return begin == end ? found(npos, 0) : found(begin, end - begin);
 }
 
-ZoSubString ZoString::subString(const wchar_t* pattern, unsigned int start, caseCompare cmp) {
-  return found(index(pattern, start, cmp), static_cast<unsigned int>(lengthOf(pattern)));
-}
-
-const ZoSubString ZoString::subString(const wchar_t* pattern, unsigned int start,
-                                      caseCompare cmp) const {
-  return found(index(pattern, start, cmp), static_cast<unsigned int>(lengthOf(pattern)));
+ZoSubString ZoString::occurrence(std::wstring_view pattern, unsigned int start,
+                                 caseCompare cmp) const noexcept {
+  return found(index(pattern, start, cmp), lengthOf(pattern));
 }
 
 // ---- Comparing ----
@@ -112,7 +104,7 @@ int ZoString::codeUnitOrder(std::wstring_view other) const noexcept {
 
 int ZoString::compareTo(const ZoString& other, caseCompare cmp) const noexcept {
   if (cmp == ignoreCase) {
-    return equals(other.view(), ignoreCase) ? 0 : zo::compareIgnoreCase(view(), other.view());
+    return isEqual(other.view(), ignoreCase) ? 0 : zo::compareIgnoreCase(view(), other.view());
   }
   const unsigned int common = std::min(length(), other.length());
   const int order = std::memcmp(data_, other.data_, size_t{common} * sizeof(wchar_t));
@@ -120,12 +112,12 @@ int ZoString::compareTo(const ZoString& other, caseCompare cmp) const noexcept {
   return length() < other.length() ? -1 : (length() > other.length() ? 1 : 0);
 }
 
-int ZoString::compareTo(const wchar_t* other, caseCompare cmp) const noexcept {
-  if (cmp == exact) return codeUnitOrder(viewOf(other));
-  return equals(viewOf(other), ignoreCase) ? 0 : zo::compareIgnoreCase(view(), viewOf(other));
+int ZoString::order(std::wstring_view other, caseCompare cmp) const noexcept {
+  if (cmp == exact) return codeUnitOrder(other);
+  return isEqual(other, ignoreCase) ? 0 : zo::compareIgnoreCase(view(), other);
 }
 
-bool ZoString::equals(std::wstring_view other, caseCompare cmp) const noexcept {
+bool ZoString::isEqual(std::wstring_view other, caseCompare cmp) const noexcept {
   return cmp == exact ? view() == other : zo::equalIgnoreCase(view(), other);
 }
 

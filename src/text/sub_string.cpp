@@ -14,31 +14,20 @@ std::wstring_view ZoSubString::view() const noexcept {
 
 const wchar_t* ZoSubString::data() const noexcept { return view().data(); }
 
-ZoSubString& ZoSubString::assign(const wchar_t* text, unsigned int length) {
+ZoSubString& ZoSubString::assign(std::wstring_view text) {
   if (start_ == npos) return *this;
+  const unsigned int length = ZoString::lengthOf(text);
   const unsigned int before = string_->length();
   const auto replaced = static_cast<unsigned int>(view().size());
-  string_->replace(start_, length_, text, length);
+  string_->replace(start_, length_, text.data(), length);
   // What the string refused to take, the view does not cover.
   if (string_->length() - (before - replaced) == length) length_ = length;
   return *this;
 }
 
-ZoSubString& ZoSubString::operator=(const ZoSubString& text) {
-  const std::wstring_view source = text.view();
-  return assign(source.data(), static_cast<unsigned int>(source.size()));
-}
+ZoSubString& ZoSubString::operator=(const ZoSubString& text) { return assign(text.view()); }
 
-ZoSubString& ZoSubString::operator=(const ZoString& text) {
-  return assign(text.data(), text.length());
-}
-
-ZoSubString& ZoSubString::operator=(const wchar_t* text) {
-  const std::wstring_view source = text ? std::wstring_view(text) : std::wstring_view();
-  return assign(source.data(), source.size() <= ZoString::maxLength()
-                                   ? static_cast<unsigned int>(source.size())
-                                   : npos);
-}
+ZoSubString& ZoSubString::operator=(const ZoString& text) { return assign(text.view()); }
 
 wchar_t ZoSubString::charAt(unsigned int i) const noexcept {
   return assertElement(i) ? L'\0' : std::as_const(*string_)[size_t{start_} + i];

@@ -1,5 +1,6 @@
 // What editing does to the text, to its storage and to the strings that share it.
 #include <gtest/gtest.h>
+#include <zo/containers.h>
 #include <zo/text/string.h>
 
 #include <random>
@@ -167,6 +168,43 @@ TEST(StringEdit, StripTakesTheNamedEnds) {
     EXPECT_EQ(text.stripped(c.type, c.set).start(), c.start);
     expectText(text.strip(c.type, c.set), c.result);
   }
+}
+
+TEST(StringEdit, ReplaceAllTakesEveryOccurrenceFromTheFront) {
+  struct Case {
+    const wchar_t *text, *what, *by;
+    ZoString::caseCompare cmp;
+    const wchar_t* result;
+  };
+  for (const Case& c : std::vector<Case>{{L"aaaaa", L"aa", L"b", ZoString::exact, L"bba"},
+                                         {L"abcabc", L"abc", L"", ZoString::exact, L""},
+                                         {L"one", L"", L"x", ZoString::exact, L"one"},
+                                         {L"one", L"two", L"x", ZoString::exact, L"one"},
+                                         {L"aXbx", L"x", L"xx", ZoString::ignoreCase, L"axxbxx"},
+                                         {L"a,b", L",", nullptr, ZoString::exact, L"ab"}}) {
+    ZoString text(c.text);
+    const ZoString other(text);
+    expectText(text.replaceAll(c.what, c.by, c.cmp), c.result);
+    expectText(other, c.text);
+    EXPECT_EQ(text.data() == other.data(), other == c.result) << "shared while nothing is done";
+  }
+  ZoString own(L"abab");
+  expectText(own.replaceAll(own.left(1), own), L"ababbababb");
+}
+
+TEST(StringEdit, JoinUndoesSplitInOneBlock) {
+  for (const wchar_t* text : {L"", L"a", L"a,,b,", L",", L"one,two,three,four,five"}) {
+    ZoArray<ZoString> array;
+    ZoList<ZoString> list;
+    ZoString(text).split(L',', array);
+    ZoString(text).split(std::wstring_view(L","), list);
+    const ZoString joined = ZoString::join(array, L',');
+    expectText(joined, text);
+    EXPECT_EQ(joined.capacity(), ZoString(text).capacity());
+    expectText(ZoString::join(list, L","), text);
+  }
+  expectText(ZoString::join({L"a", L"bc"}, ZoString(L" - ")), L"a - bc");
+  expectText(ZoString::join(std::vector<std::wstring>{L"", L""}, L""), L"");
 }
 
 TEST(StringEdit, WhatWouldPassTheLimitIsRefusedAndNothingChanges) {

@@ -50,6 +50,10 @@ TEST(StringSearch, AgreesWithAPlainLoopForwardsAndBackwardsExactAndFolded) {
         ASSERT_EQ(s.index(wanted, start, cmp), expected.empty() ? ZoString::npos : expected[0]);
         ASSERT_EQ(s.indexBack(wanted, start, cmp),
                   expected.empty() ? ZoString::npos : expected.back());
+        const auto whole = positions(text, pattern, 0, cmp == ZoString::ignoreCase);
+        ASSERT_EQ(s.startsWith(wanted, cmp), !whole.empty() && whole.front() == 0);
+        ASSERT_EQ(s.endsWith(wanted, cmp),
+                  !whole.empty() && whole.back() == text.size() - pattern.size());
       }
     }
   }

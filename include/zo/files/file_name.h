@@ -44,6 +44,7 @@
 #include <zo/config.h>
 #include <zo/files/name_results.h>
 #include <zo/text/string.h>
+#include <zo/text/text_forms.h>
 
 #include <compare>
 #include <concepts>
@@ -57,16 +58,6 @@
 class ZoFileNameImp;
 template <class T>
 class ZoSequence;
-
-namespace zo {
-// std::filesystem::path where its characters are wide. (The header <filesystem> is left to those
-// who use it.)
-template <class Path>
-concept WidePath = requires(const Path& path) {
-  { path.native() } -> std::same_as<const std::wstring&>;
-  { path.lexically_normal() } -> std::same_as<Path>;
-};
-}  // namespace zo
 
 class ZO_COM_API ZoFileName {
  public:

@@ -1,7 +1,9 @@
 // The runtime library under one name, on wide text, and comparisons of doubles with a tolerance.
 //
-// Each member is the runtime function of its name, one to one, with that function's contract (null
-// pointers, errno, locale, threads); only what differs is said here.
+// Each member is the runtime library's own function of its name, one to one, with that function's
+// contract (null pointers, errno, locale, threads), and not the compiler's substitute for it: %s is
+// a wide text in Zo_sprintf, fprintf and fscanf (%hs a narrow one), atof reads no "0x10" and no
+// "inf". Only what differs is said here.
 #pragma once
 
 #include <zo/config.h>
@@ -30,31 +32,34 @@ class ZO_COM_API ZoCLib {
   static int strnicmp(const wchar_t* a, const wchar_t* b, size_t n) noexcept;
   static int strcoll(const wchar_t* a, const wchar_t* b) noexcept;
   // Bounded: size is that of dest in characters, terminator included. Return 0, or the runtime's
-  // error number (and then dest holds an empty text). A null dest or text and a size of 0 are
-  // errors, not faults.
-  static int Zo_strcat_s(wchar_t* dest, size_t size, const wchar_t* text) noexcept;
-  static int Zo_strcpy_s(wchar_t* dest, size_t size, const wchar_t* text) noexcept;
-  static int Zo_strncat_s(wchar_t* dest, size_t size, const wchar_t* text, size_t n) noexcept;
-  static int Zo_strncpy_s(wchar_t* dest, size_t size, const wchar_t* text, size_t n) noexcept;
+  // error number, and then dest holds an empty text: EINVAL for a null pointer, a size of 0 and a
+  // dest without terminator (the runtime's own end the program there), ERANGE for a text that does
+  // not fit. With n = _TRUNCATE as much as fits is taken, and STRUNCATE says that it was not all.
+  [[nodiscard]] static int Zo_strcat_s(wchar_t* dest, size_t size, const wchar_t* text) noexcept;
+  [[nodiscard]] static int Zo_strcpy_s(wchar_t* dest, size_t size, const wchar_t* text) noexcept;
+  [[nodiscard]] static int Zo_strncat_s(wchar_t* dest, size_t size, const wchar_t* text,
+                                        size_t n) noexcept;
+  [[nodiscard]] static int Zo_strncpy_s(wchar_t* dest, size_t size, const wchar_t* text,
+                                        size_t n) noexcept;
 
   // ---- Memory ----
   static void* Zo_memcpy(void* dest, const void* from, size_t bytes) noexcept;
   static void* memset(void* dest, int value, size_t bytes) noexcept;
   static void* memmove(void* dest, const void* from, size_t bytes) noexcept;
   static int memcmp(const void* a, const void* b, size_t bytes) noexcept;
-  static void* malloc(size_t bytes) noexcept;
-  static void* calloc(size_t count, size_t bytes) noexcept;
-  static void* realloc(void* block, size_t bytes) noexcept;
+  [[nodiscard]] static void* malloc(size_t bytes) noexcept;
+  [[nodiscard]] static void* calloc(size_t count, size_t bytes) noexcept;
+  [[nodiscard]] static void* realloc(void* block, size_t bytes) noexcept;
   static void free(void* block) noexcept;
 
   // ---- Formatted text and files ----
-  // ----------------------------------------------------------------------------------- Characters
-  // written, or -1 when the text does not fit; dest is terminated either way when size is not 0.
+  // Characters written, or -1 when the text does not fit with its terminator; dest then holds its
+  // beginning, terminated unless size is 0. A null dest or format gives -1.
   static int Zo_sprintf(wchar_t* dest, size_t size, const wchar_t* format, ...) noexcept;
   static int fprintf(std::FILE* file, const wchar_t* format, ...) noexcept;
-  static int fscanf(std::FILE* file, const wchar_t* format, ...) noexcept;
-  static std::FILE* fdopen(int descriptor, const wchar_t* mode) noexcept;
-  static int open_osfhandle(std::intptr_t handle, int flags) noexcept;
+  [[nodiscard]] static int fscanf(std::FILE* file, const wchar_t* format, ...) noexcept;
+  [[nodiscard]] static std::FILE* fdopen(int descriptor, const wchar_t* mode) noexcept;
+  [[nodiscard]] static int open_osfhandle(std::intptr_t handle, int flags) noexcept;
 
   // ---- Numbers and characters ----
   static double atof(const wchar_t* text) noexcept;
@@ -75,8 +80,9 @@ class ZO_COM_API ZoCLib {
   static void splitpath(const wchar_t* path, wchar_t* drive, wchar_t* dir, wchar_t* name,
                         wchar_t* extension) noexcept;
   // Puts the pieces together in dest of size characters. Returns 0 or the runtime's error number.
-  static int Zo_makepath(wchar_t* dest, size_t size, const wchar_t* drive, const wchar_t* dir,
-                         const wchar_t* name, const wchar_t* extension) noexcept;
+  [[nodiscard]] static int Zo_makepath(wchar_t* dest, size_t size, const wchar_t* drive,
+                                       const wchar_t* dir, const wchar_t* name,
+                                       const wchar_t* extension) noexcept;
 
   // ---- Mathematics ----
   static double acos(double x) noexcept;
@@ -96,8 +102,8 @@ class ZO_COM_API ZoCLib {
   static double modf(double x, double* whole) noexcept;
 
   // ---- Comparing with a tolerance ----
-  // ---------------------------------------------------------------------------------- With d = a -
-  // b. A difference that is not a number is, on purpose, "same" to compare and unequal to isEqual.
+  // With d = a - b. A difference that is not a number is, on purpose, "same" to compare and unequal
+  // to isEqual.
   [[nodiscard]] static constexpr int compare(double a, double b, double tol) noexcept {
     const double d = a - b;
     return d > tol ? 1 : (d < -tol ? -1 : 0);

@@ -9,8 +9,10 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/text/text_forms.h>
 
 #include <concepts>
+#include <cstddef>
 #include <iosfwd>
 #include <string_view>
 #include <utility>
@@ -25,10 +27,16 @@ class ZO_COM_API ZoSubString {
 
   // Replace the stretch in the viewed string; afterwards the view covers the new text. Nothing
   // happens on the null substring. The text may lie in the viewed string. A null pointer counts as
-  // empty.
+  // empty. What else is text and what is not: zo/text/string.h.
   ZoSubString& operator=(const ZoSubString& text);
   ZoSubString& operator=(const ZoString& text);
-  ZoSubString& operator=(const wchar_t* text);
+  ZoSubString& operator=(const wchar_t* text) { return assign(zo::textOf(text)); }
+  template <zo::OtherText Text>
+  ZoSubString& operator=(const Text& text) {
+    return assign(zo::textOf(text));
+  }
+  template <zo::NotText T>
+  ZoSubString& operator=(T) = delete;  // write L'c' for a character, L"" for an empty text
 
   [[nodiscard]] unsigned int start() const noexcept { return start_; }
   [[nodiscard]] unsigned int length() const noexcept { return length_; }
@@ -65,8 +73,15 @@ class ZO_COM_API ZoSubString {
     return a.view() == b.view();
   }
   friend bool operator==(const ZoSubString& a, const wchar_t* b) noexcept {
-    return a.view() == (b ? std::wstring_view(b) : std::wstring_view());
+    return a.view() == zo::textOf(b);
   }
+  template <zo::OtherText Text>
+  friend bool operator==(const ZoSubString& a, const Text& b) noexcept {
+    return a.view() == zo::textOf(b);
+  }
+  template <class T>
+    requires zo::NotText<T> || std::same_as<T, std::nullptr_t>
+  friend bool operator==(const ZoSubString&, T) = delete;  // write isEmpty(), or L'c'
   friend ZO_COM_API std::wostream& operator<<(std::wostream& out, const ZoSubString& text);
 
  protected:
@@ -88,7 +103,7 @@ class ZO_COM_API ZoSubString {
   }
   [[nodiscard]] wchar_t charAt(unsigned int i) const noexcept;
   [[nodiscard]] wchar_t& charRef(unsigned int i);
-  ZoSubString& assign(const wchar_t* text, unsigned int length);
+  ZoSubString& assign(std::wstring_view text);
 
   ZoString* string_;
   unsigned int start_;

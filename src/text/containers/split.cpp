@@ -4,9 +4,8 @@
 
 #include "text/unit_set.h"
 
-unsigned int ZoString::split(const wchar_t* delims, ZoSequence<ZoString>& out) const {
-  const ZoString text(*this);  // this and delims may be entries of out
-  const ZoString set(delims);
+unsigned int ZoString::splitAt(const ZoString& set, ZoSequence<ZoString>& out) const {
+  const ZoString text(*this);  // this may be an entry of out
   out.removeAll();
   if (text.isEmpty()) return 0;
   auto* const array = dynamic_cast<ZoArray<ZoString>*>(&out);
