@@ -44,6 +44,9 @@ int ZoFile::createTemp(ZoFileName& name, int access, CreationMode mode, int shar
 
 bool ZoFile::isOpen() const noexcept { return imp_ && imp_->isOpen(); }
 int ZoFile::close() { return imp_ ? imp_->close() : ZoResult::ok; }
+void ZoFile::cancel() {
+  if (imp_) imp_->cancel();
+}
 
 unsigned int ZoFile::read(void* buffer, unsigned int count) {
   return imp_ ? imp_->read(buffer, count) : 0;

@@ -237,6 +237,8 @@ int ZoFileImp::setLastWriteTime(FILETIME time) {
   return setTime(time, kWritten, L"setLastWriteTime");
 }
 
+void ZoFileImp::cancel() { static_cast<void>(close()); }
+
 void* ZoFileImp::handle(bool give) {
   return give ? std::exchange(handle_, INVALID_HANDLE_VALUE) : handle_;
 }

@@ -25,6 +25,11 @@ class ZoFileSave::Imp : public ZoFileImp {
   int setEndOfFile() override { return kept(ZoFileImp::setEndOfFile()); }
   int flush() override { return kept(ZoFileImp::flush()); }
   int close() override { return kept(ZoFileImp::close()); }
+  void cancel() override {
+    SetLastError(ERROR_CANCELLED);
+    keep();
+    ZoFileImp::cancel();
+  }
   // The platform's error of what failed first; 0 when nothing did.
   [[nodiscard]] DWORD failure() const { return failure_; }
 

@@ -22,6 +22,11 @@ TEST_F(FileSave, TheTargetIsReplacedOnlyByACommit) {
   EXPECT_EQ(save.commit(), 0);
   EXPECT_EQ(bytesOf(target), "by a stream");
   EXPECT_EQ(save.commit(), 1) << "done with it";
+  ASSERT_EQ(save.open(target), 0);
+  EXPECT_EQ(save.file().write("half", 4), 4u);
+  save.file().cancel();
+  EXPECT_EQ(save.commit(), 1) << "cancelled";
+  EXPECT_EQ(bytesOf(target), "by a stream");
   EXPECT_EQ(listing(), (Names{L"\x44F.dwg"}));
 }
 

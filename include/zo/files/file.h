@@ -67,7 +67,7 @@ class ZO_COM_API ZoFile {
   ZoFile(const ZoFile& other);
   ZoFile(const ZoFile& other, unsigned int access);
   ZoFile(ZoFile&& other) noexcept : imp_(std::exchange(other.imp_, nullptr)) {}
-  ~ZoFile();  // closes; a failure of that is lost: call close() where it matters
+  ~ZoFile();  // closes a plain file, and cancels what close() would make effective
   ZoFile& operator=(const ZoFile& other);
   ZoFile& operator=(ZoFile&& other) noexcept {
     ZoFile(std::move(other)).swap(*this);
@@ -96,6 +96,9 @@ class ZO_COM_API ZoFile {
   [[nodiscard]] bool isOpen() const noexcept;
   // 0 also without an open file. When the platform refuses, the file counts as closed all the same.
   int close();
+  // Closes it too, and gives up what close() alone would make effective: what was written to a
+  // member of a library, or to what is being saved. What a plain file was written stays written.
+  void cancel();
 
   // ---- Content ----
   // 0 without a call of the platform when no file is open or the pointer is null.

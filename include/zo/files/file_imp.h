@@ -64,6 +64,9 @@ class ZO_COM_API ZoFileImp {
   [[nodiscard]] virtual std::FILE* getCFileHandle(const wchar_t* mode);
   [[nodiscard]] virtual void* handle(bool give);
 
+  // As it stands: close(), whose failure is lost. A class that commits on close() drops instead.
+  virtual void cancel();
+
  protected:
   // Reports the platform's last error. Returns 1, so that a failed operation can end with it.
   int report(const wchar_t* operation) const;

@@ -30,8 +30,8 @@ class ZO_COM_API ZoFileSave {
   // to a stream that is closed before the commit.
   [[nodiscard]] ZoFile& file() noexcept { return file_; }
   // Puts the file in the target's place, and is done with it. Refused, and then cancelled, when a
-  // write, seek or flush of it has failed, even if the caller did not look; when nothing was
-  // opened; or when the target is read-only. Without `toDisk` a loss of power may undo it.
+  // write, seek or flush of it has failed, even if the caller did not look; when it was cancelled;
+  // when nothing was opened; or when the target is read-only. Without `toDisk` a loss of power may undo it.
   int commit(bool toDisk = true);
   // Removes what was written.
   void cancel();
