@@ -9,7 +9,7 @@ namespace zo {
 
 struct ProcessLocks {
   CRITICAL_SECTION files;    // operations on library files
-  CRITICAL_SECTION decoder;  // the one buffer of the legacy decoder
+  CRITICAL_SECTION decoder;  // guards nothing: each legacy decoder has a buffer of its own
   ZoSingleWriterMultiReaderGuard guard;
   bool attached;
 };
