@@ -120,7 +120,7 @@ void addStored(benchmark::State& state, unsigned members, std::size_t size) {
     const std::wstring name = L"added" + std::to_wstring(added++);
     check(library.addFile(source, name.c_str(), false, ZoLibrary::kStore), "add");
   }
-  library.close();
+  check(library.close(), "close");
   fs::remove(path);
 }
 
@@ -145,10 +145,11 @@ void list(benchmark::State& state, unsigned members) {
     ZoLibrary library;
     check(library.open(path.c_str()), "open");
     std::uint64_t count = 0, bytes = 0;
-    library.forEachEntry([&](const ZoLibEntry& entry) {
+    const int code = library.forEachEntry([&](const ZoLibEntry& entry) {
       bytes += entry.size + entry.name.fullNameSize();
       return ++count != 0;
     });
+    check(code, "entries");
     if (count != members) std::abort();
     benchmark::DoNotOptimize(bytes);
   }
@@ -194,7 +195,7 @@ void reorganize(benchmark::State& state) {
     state.ResumeTiming();
     check(library.reorganize(), "reorganize");
     state.PauseTiming();
-    library.close();
+    check(library.close(), "close");
     fs::remove(path);
     state.ResumeTiming();
   }
@@ -349,10 +350,11 @@ void verifyAll(benchmark::State& state) {
     ZoLibrary library;
     check(library.open(path.c_str()), "open");
     std::vector<ZoLibEntry> entries;
-    library.forEachEntry([&](const ZoLibEntry& entry) {
+    const int code = library.forEachEntry([&](const ZoLibEntry& entry) {
       entries.push_back(entry);
       return true;
     });
+    check(code, "entries");
     for (const ZoLibEntry& entry : entries) check(library.verify(entry), "verify");
   }
 }
@@ -366,11 +368,12 @@ void decodeSdk(benchmark::State& state) {
   {
     ZoLibrary library;
     check(library.open(path.c_str()), "open");
-    library.forEachEntry([&](const ZoLibEntry& entry) {
+    const int code = library.forEachEntry([&](const ZoLibEntry& entry) {
       parts.push_back(
           {entry.position + 54 + entry.name.fullNameSize(), entry.storedSize, entry.size});
       return true;
     });
+    check(code, "entries");
   }
   for (auto _ : state) {
     ZoFile file;

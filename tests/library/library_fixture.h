@@ -78,12 +78,13 @@ class LibraryTest : public FileTest {
   }
   static std::vector<std::wstring> names(ZoLibrary& library, bool withDeleted = false) {
     std::vector<std::wstring> all;
-    library.forEachEntry(
+    const int code = library.forEachEntry(
         [&](const ZoLibEntry& entry) {
           all.emplace_back((entry.isDeleted() ? L"-" : L"") + std::wstring(entry.name.view()));
           return true;
         },
         withDeleted);
+    EXPECT_EQ(code, 0);
     return all;
   }
   static std::string header() { return "ZORVEX LIBRARY" + std::string(18, '\0'); }

@@ -1,4 +1,7 @@
 // What libraries promise: every operation against a model, result codes, names, foreign files.
+#include <atomic>
+#include <thread>
+
 #include "library/library_fixture.h"
 #include "library/listing.h"
 
@@ -16,10 +19,10 @@ struct Model {
   std::vector<Member> members;
 
   Member* find(const std::wstring& name, bool isDeleted = false) {
-    const auto found = std::find_if(members.rbegin(), members.rend(), [&](const Member& member) {
+    const auto found = std::find_if(members.begin(), members.end(), [&](const Member& member) {
       return member.isDeleted == isDeleted && _wcsicmp(member.name.c_str(), name.c_str()) == 0;
     });
-    return found == members.rend() ? nullptr : &*found;
+    return found == members.end() ? nullptr : &*found;
   }
   int add(const std::wstring& name, const std::string& bytes, bool replace) {
     if (Member* const old = find(name)) {
@@ -242,7 +245,8 @@ TEST_F(LibraryTest, ReadsWhateverAFileHolds) {
   const std::string a = HandMade{.name = "a", .data = "first", .number = 77, .crc = 5}.bytes();
   const std::string a2 = HandMade{.name = "A", .data = "second"}.bytes();
   const std::string last = HandMade{.name = "last", .data = "l", .flags = 0x80}.bytes();
-  const std::string foreign(32, '?');
+  const std::string nameless = HandMade{.data = "what is it"}.bytes();
+  const std::string foreign = std::string(16, '?') + std::string(16, '\0');
   struct Row {
     const char* what;
     std::string bytes;
@@ -258,7 +262,12 @@ TEST_F(LibraryTest, ReadsWhateverAFileHolds) {
       {"no magic", foreign + a, {L"a"}, false, 0, 1, 0},
       {"no magic, more behind", foreign + a + "x", {L"a"}, false, 1, 1, 1},
       {"duplicates", header() + a + a2, {L"a", L"A"}, true, 0, 1, 0},
-      {"a mark", header() + a + last + a2, {L"a", L"last"}, true, 0, 1002, 0},
+      {"a mark", header() + a + last + a2, {L"a", L"last"}, true, a2.size(), 1002, 1},
+      {"a mark at the end", header() + a + last, {L"a", L"last"}, true, 0, 1002, 0},
+      {"no names", header() + nameless + a + nameless + a2, {L"a", L"A"}, true, 0, 1, 0},
+      {"zeros between", header() + a + std::string(108, '\0') + a2, {L"a", L"A"}, true, 0, 1, 0},
+      {"something short", header() + a + "?", {L"a"}, true, 1, 1, 0},
+      {"something behind", header() + a + std::string(54, '?'), {L"a"}, true, 54, 1, 1},
       {"zeros", header() + a + std::string(99, '\0'), {L"a"}, true, 99, 1, 0},
   };
   for (const Row& row : rows) {
@@ -289,7 +298,72 @@ TEST_F(LibraryTest, ReadsWhateverAFileHolds) {
     EXPECT_FALSE(library.contains(L"a"));
     EXPECT_EQ(contentOf(library, L"longer"), "first");
     EXPECT_EQ(contentOf(library, L"added"), "new");
+    // What has no name is no member, and stays.
+    const bool hasNameless = bytesOf(path_).find("what is it") != std::string::npos;
+    expected = names(library);
+    EXPECT_EQ(library.reorganize(), 0);
+    EXPECT_EQ(names(library, true), expected);
+    EXPECT_EQ(bytesOf(path_).find("what is it") != std::string::npos, hasNameless);
   }
+}
+
+TEST_F(LibraryTest, RecoversAnyOfTheDeletedMembersOfAName) {
+  ZoLibrary library;
+  ASSERT_EQ(openForWriting(library), 0);
+  std::vector<ZoLibEntry> deleted;
+  for (const char* const content : {"first", "second", "third"}) {
+    ASSERT_EQ(add(library, L"a", content), 0);
+    ASSERT_EQ(library.deleteFile(L"a"), 0);
+  }
+  ASSERT_EQ(add(library, L"b", "b"), 0);
+  const auto keep = [&](const ZoLibEntry& entry) {
+    deleted.push_back(entry);
+    return true;
+  };
+  ASSERT_EQ(library.forEachEntry(keep, true), 0);
+  EXPECT_EQ(library.recoverFile(L"a"), 0);
+  EXPECT_EQ(contentOf(library, L"a"), "first");
+  EXPECT_EQ(library.recoverFile(deleted[1]), 1001);
+  ASSERT_EQ(library.deleteFile(L"a"), 0);
+  EXPECT_EQ(library.recoverFile(deleted[1]), 0);
+  EXPECT_EQ(contentOf(library, L"a"), "second");
+  EXPECT_EQ(library.recoverFile(deleted[3]), 1) << "not deleted";
+  deleted[2].name = L"c";
+  EXPECT_EQ(library.recoverFile(deleted[2]), 1) << "not that one";
+}
+
+TEST_F(LibraryTest, DeletesNothingWhereTheHeaderCountsNothing) {
+  put(path_, header() + HandMade{.name = "a", .data = "data"}.bytes());
+  const std::string before = bytesOf(path_);
+  ZoLibrary library;
+  ASSERT_EQ(openForWriting(library), 0);
+  EXPECT_EQ(library.deleteFile(L"a"), 1);
+  EXPECT_EQ(library.deleteFile(L"a", true), 1);
+  EXPECT_EQ(bytesOf(path_), before);
+}
+
+TEST_F(LibraryTest, AnswersAnyThreadAboutOneObject) {
+  ZoLibrary library;
+  ASSERT_EQ(openForWriting(library), 0);
+  ASSERT_EQ(library.close(), 0);
+  std::atomic<bool> isDone = false;
+  const auto ask = [&] {
+    while (!isDone) {
+      const ZoFileName name = library.name();
+      EXPECT_TRUE(name.isEmpty() || name == path_);
+      static_cast<void>(library.isOpen() && library.isWritable());
+      library.onProgress([](std::uint64_t, std::uint64_t) { return true; });
+      EXPECT_FALSE(library.wasCancelled());
+    }
+  };
+  std::thread first(ask), second(ask);
+  for (int i = 0; i < bySpeed(100, 300); ++i) {
+    EXPECT_EQ(library.open(path_), 0);
+    EXPECT_EQ(library.close(), 0);
+  }
+  isDone = true;
+  first.join();
+  second.join();
 }
 
 TEST_F(LibraryTest, AddsABatchInOneStep) {

@@ -48,7 +48,7 @@ TEST_F(LibraryTest, MembersReadAndSeekAsFiles) {
     EXPECT_EQ(own.currentPos(), 0);
     EXPECT_FALSE(ZoFile(file, static_cast<unsigned int>(ZoFile::kReadWrite)).isOpen());
     // Whatever moves in the library, an open member stays the same.
-    library.deleteFile(L"before", true);
+    static_cast<void>(library.deleteFile(L"before", true));
     EXPECT_EQ(own.read(some, 700), 700u);
     EXPECT_EQ(std::string(some, 700), bytes.substr(0, 700));
     std::FILE* stream = nullptr;
@@ -70,10 +70,12 @@ TEST_F(LibraryTest, MembersAreWrittenAsFiles) {
   std::string bytes = pattern(300'000);
   ZoLibrary library;
   ASSERT_EQ(openForWriting(library), 0);
-  for (const int level : {0, 1024, 2048, 4096}) {
+  constexpr std::pair<ZoLibrary::compMode, int> kModes[] = {
+      {ZoLibrary::kStore, 0}, {ZoLibrary::kCompress, 2048}, {ZoLibrary::kAutomatic, 2048}};
+  for (const auto& [mode, stored] : kModes) {
     ASSERT_EQ(add(library, L"member", "old", true), 0);
     ZoFile file;
-    ASSERT_EQ(library.getFile(file, L"Member", ZoFile::kWrite, level), 0);
+    ASSERT_EQ(library.getFile(file, L"Member", ZoFile::kWrite, mode), 0);
     EXPECT_EQ(file.write(bytes.data(), 300'000), 300'000u);
     EXPECT_EQ(file.seek(1), 1);
     EXPECT_EQ(file.write("!", 1), 1u);
@@ -85,11 +87,61 @@ TEST_F(LibraryTest, MembersAreWrittenAsFiles) {
     EXPECT_EQ(contentOf(library, L"member"), bytes);
     ZoLibEntry entry;
     ASSERT_EQ(library.getEntry(L"member", entry), 0);
-    EXPECT_EQ(entry.mode, level);
+    EXPECT_EQ(entry.mode, stored);
   }
   ZoFile late;
   ASSERT_EQ(library.getFile(late, L"late", ZoFile::kWrite), 0);
   ASSERT_EQ(library.close(), 0);
   EXPECT_EQ(late.write("x", 1), 0u);
   EXPECT_EQ(late.close(), 1);
+}
+
+// However a file goes that nobody closed, and a library with a batch that nobody ended.
+TEST_F(LibraryTest, WhatIsNotClosedIsNotAdded) {
+  using Way = std::function<void(ZoFile&)>;
+  ZoFile copy;
+  const Way ways[] = {
+      [](ZoFile& file) { ZoFile(std::move(file)); },
+      [](ZoFile& file) { file.cancel(); },
+      [](ZoFile& file) { file.setImpObj(nullptr); },
+      [](ZoFile& file) { file = ZoFile(); },
+      [&](ZoFile& file) {  // gives up for all that share it
+        copy = file;
+        file.cancel();
+        EXPECT_FALSE(copy.isOpen());
+        EXPECT_EQ(copy.write("x", 1), 0u);
+        EXPECT_EQ(copy.close(), 1);
+      },
+      [&](ZoFile& file) {  // the last one is not closed
+        copy = file;
+        EXPECT_EQ(file.close(), 0);
+        copy = ZoFile();
+      },
+      [](ZoFile& file) {
+        const auto fail = [](ZoFile own) { throw static_cast<int>(own.write("more", 4)); };
+        EXPECT_THROW(fail(std::move(file)), int);
+      },
+  };
+  {
+    ZoLibrary library;
+    ASSERT_EQ(openForWriting(library), 0);
+    ASSERT_EQ(add(library, L"member", "old"), 0);
+    const std::string before = bytesOf(path_);
+    for (const Way& way : ways) {
+      SCOPED_TRACE(&way - ways);
+      ZoFile file;
+      ASSERT_EQ(library.getFile(file, L"member", ZoFile::kWrite), 0);
+      ASSERT_EQ(file.write("half", 4), 4u);
+      way(file);
+      EXPECT_FALSE(file.isOpen());
+      EXPECT_EQ(file.close(), 0);
+      EXPECT_EQ(bytesOf(path_), before);
+    }
+    ASSERT_EQ(library.beginBatch(), 0);
+    ASSERT_EQ(add(library, L"first of many", "1"), 0);
+  }
+  ZoLibrary library;
+  ASSERT_EQ(library.open(path_), 0);
+  EXPECT_EQ(names(library), (Names{L"member"}));
+  EXPECT_EQ(contentOf(library, L"member"), "old");
 }

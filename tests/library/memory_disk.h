@@ -68,6 +68,14 @@ class MemoryDisk final : public FileApi {
           .bytes = bytes, .created = kNow, .accessed = kNow, .written = kNow, .flushed = bytes});
     }
   }
+  // What another process makes of a file meanwhile.
+  void change(const std::wstring& name, const std::string& bytes) {
+    File& file = *files_.at(name);
+    file.bytes = bytes;
+    ++file.written.dwHighDateTime;
+  }
+  std::function<void()> beforeRead;
+  [[nodiscard]] std::uint64_t bytesRead() const { return bytesRead_; }
   void arm(Trouble trouble, int nth) { trouble_ = trouble, nth_ = nth, calls_ = 0; }
   [[nodiscard]] int calls() const { return calls_; }
   // Whether a call went wrong that was the only one.
@@ -116,6 +124,7 @@ class MemoryDisk final : public FileApi {
     return passed;
   }
   bool read(HANDLE file, void* buffer, DWORD count, DWORD& done) override {
+    if (beforeRead) beforeRead();
     Open& open = at(file);
     const std::string& bytes = open.file->bytes;
     const auto begin =
@@ -123,6 +132,7 @@ class MemoryDisk final : public FileApi {
     done = static_cast<DWORD>(std::min<std::size_t>(count, bytes.size() - begin));
     const bool isEnd = done == 0;
     done = allowed(done, begin, false);
+    bytesRead_ += done;
     bytes.copy(static_cast<char*>(buffer), done, begin);
     open.position += done;
     return done != 0 || (isEnd && trouble_ != Trouble::stop);
@@ -269,6 +279,7 @@ class MemoryDisk final : public FileApi {
   std::size_t lastHandle_ = 0x40000000;  // the platform has none like it
   Trouble trouble_ = Trouble::none;
   int nth_ = 0, calls_ = 0;
+  std::uint64_t bytesRead_ = 0;
 };
 
 // What may be on the disk of a file with pending changes when the power goes: any of the changes,

@@ -35,11 +35,14 @@ def scan(file):
     entries, at = [], HEADER.size
     while at < len(file) and len(file) - at >= RECORD.size:
         entry = Entry(file, at)
-        if (entry.flags, entry.name_length) == (0xFFFF, 0) or entry.stored == 2**64 - 1:
+        if 459 <= at % 512 <= 461:
+            is_closed = entry.stored == 2**64 - 1 and entry.flags != 0xFFFF
+        else:
+            is_closed = (entry.flags, entry.name_length) == (0xFFFF, 0) and entry.stored < 1 << 48
+        if is_closed or not any(file[at:]) or entry.end > len(file):
             break
-        if entry.name_length == 0 or entry.end > len(file):
-            break
-        entries.append(entry)
+        if entry.name_length:
+            entries.append(entry)
         at = entry.end
         if entry.flags & MARK:
             break
@@ -106,10 +109,11 @@ def listing(file):
             is_protected = True
             check, content, size, crc = explode(content)
         else:
-            is_protected = (1 <= entry.number <= counter and entry.mode == 0 and entry.size == entry.stored
-                            and (entry.crc != 0 or entry.size == 0))
+            is_ours = 1 <= entry.number <= counter
+            is_damaged = is_ours and entry.size != entry.stored
+            is_protected = is_damaged or is_ours and entry.mode == 0 and (entry.crc != 0 or entry.size == 0)
             size, crc = entry.stored, entry.crc if is_protected else 0
-            check = 1000 if is_protected and zlib.crc32(content) != crc else 0
+            check = 1000 if is_damaged or is_protected and zlib.crc32(content) != crc else 0
         state = "deleted" if entry.flags & DELETED else "hidden" if name.lower() in live else "live"
         if state == "live":
             live.add(name.lower())

@@ -104,6 +104,7 @@ def work():
     run("d", "a.lib", "*.bak", "PARTS\\bolts\\steel", err=r"a\.lib: 2 members deleted\n")
     assert len(members("a.lib")) == 3 and "deleted" in run("list", "a.lib", "--deleted").decode()
     run("recover", "a.lib", "*.bak", err=r"a\.lib: 1 member recovered\n")
+    versions()
     run("rn", "a.lib", "parts/old.bak", "parts/new.txt")
     run("rename", "a.lib", "parts/bolts", "screws", err=r"a\.lib: 1 member renamed\n")
     before = os.path.getsize("a.lib")
@@ -114,6 +115,23 @@ def work():
     assert run("cat", "a.lib", "screws/m8.dwg") == b"thread M8\n" * 500
     run("info", "a.lib", out=r".*members +1, 5000 bytes.*deleted +0.*")
     assert files() == sorted(["a.lib"] + ["out/" + n for n in names] + names), files()  # nothing temporary stayed
+
+
+def versions():
+    """Of several deleted members of a name any can be had back."""
+    for content in (b"first", b"second", b"third"):
+        run("add", "v.lib", str(write("v.txt", content)), "-q")
+        run("delete", "v.lib", "v.txt", "-q")
+    os.remove("v.txt")
+    for options, found in (([], b"third"), (["--first"], b"first")):
+        run("recover", "v.lib", "v.txt", *options, err=r"v\.lib: 1 member recovered\n")
+        assert run("cat", "v.lib", "v.txt") == found
+        run("delete", "v.lib", "v.txt", "-q")
+    run("recover", "v.lib", "--all", "--first", "v.txt", code=7)
+    run("recover", "v.lib", "v.txt", "--all", err=r"v\.lib: 3 members recovered\n")
+    assert run("cat", "v.lib", "v~1.txt", "v~2.txt", "v.txt") == b"firstsecondthird"
+    run("recover", "v.lib", "v.txt", code=2, err="zolib: cannot recover v.txt: a member has that name; .*")
+    os.remove("v.lib")
 
 
 def exit_codes():

@@ -92,6 +92,16 @@ void addOverwrite(CLI::App& app, Options& options) {
       ->type_name("WAY");
 }
 
+void addRecover(CLI::App& app, Options& options) {
+  CLI::Option* const first = app.add_flag_callback(
+      "--first", [&options] { options.recover = Recover::kFirst; },
+      "Of several of a name the first that was packed, not the latest");
+  app.add_flag_callback(
+         "--all", [&options] { options.recover = Recover::kAll; },
+         "All of them: the latest under its name, others as NAME~1, NAME~2, from the first on")
+      ->excludes(first);
+}
+
 void addVerb(CLI::App& app, const Verb& verb, Options& options, Raw& raw) {
   CLI::App& sub = *app.add_subcommand(verb.name, verb.summary);
   if (*verb.alias) sub.alias(verb.alias);
@@ -126,6 +136,7 @@ void addVerb(CLI::App& app, const Verb& verb, Options& options, Raw& raw) {
     sub.add_flag("--names", options.namesOnly, "Only the names, one per line");
   if (verb.name == std::string_view("delete"))
     sub.add_flag("--physically", options.physically, "For good, by rewriting the file");
+  if (verb.name == std::string_view("recover")) addRecover(sub, options);
   if (takes & kDeletedToo) sub.add_flag("--deleted", options.deleted, "Deleted members, too");
   if (takes & kWrites) sub.add_flag("--dry-run", options.dryRun, "Only show what would be done");
   if (takes & kLocks)

@@ -3,6 +3,7 @@
 #include <zo/files/library_results.h>
 
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "cancel.h"
@@ -49,20 +50,66 @@ void remove(const Options& options, Report& report) {
   session.close();
 }
 
+namespace {
+
+// "bolts/m8.dwg" as "bolts/m8~1.dwg": the first such name that no member has.
+std::wstring numbered(Session& session, std::wstring_view name) {
+  const std::size_t dot = name.find_last_of(L'.'), slash = name.find_last_of(L"\\/");
+  const bool hasExtension =
+      dot != std::wstring_view::npos && (slash == std::wstring_view::npos || dot > slash + 1);
+  const std::wstring_view stem = hasExtension && dot != 0 ? name.substr(0, dot) : name;
+  for (unsigned int number = 1;; ++number) {
+    const std::wstring wanted = std::wstring(stem) + L"~" + std::to_wstring(number) +
+                                std::wstring(name.substr(stem.size()));
+    if (!session->contains(ZoFileName(wanted))) return wanted;
+  }
+}
+
+// Those to be recovered, in the file's order: of each name one or, with --all, each.
+std::vector<ZoLibEntry> chosen(std::vector<ZoLibEntry> deleted, Recover which) {
+  if (which == Recover::kAll) return deleted;
+  std::unordered_set<std::wstring> names;
+  const auto isFurther = [&](const ZoLibEntry& entry) {
+    return !names.insert(folded(entry.name.view())).second;
+  };
+  if (which == Recover::kFirst) {
+    std::erase_if(deleted, isFurther);
+    return deleted;
+  }
+  deleted.erase(deleted.begin(),
+                std::remove_if(deleted.rbegin(), deleted.rend(), isFurther).base());
+  return deleted;
+}
+
+int recoverOne(Session& session, const ZoLibEntry& entry, const std::wstring& newName) {
+  const int code = session->recoverFile(entry);
+  if (code || newName.empty()) return code;
+  return session->renameFile(entry.name, ZoFileName(newName));
+}
+
+}  // namespace
+
 void recover(const Options& options, Report& report) {
   Session session(options, report);
   if (!session.openToWrite()) return;
-  std::unordered_set<std::wstring> names;  // of several deleted ones the latest comes back
-  for (const ZoLibEntry& entry : session.select(Session::kDeleted)) {
+  const std::vector<ZoLibEntry> entries =
+      chosen(session.select(Session::kDeleted), options.recover);
+  std::unordered_map<std::wstring, std::size_t> latest;
+  for (std::size_t i = 0; i < entries.size(); ++i) latest[folded(entries[i].name.view())] = i;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const ZoLibEntry& entry = entries[i];
     if (!goesOn(report)) break;
-    if (!names.insert(folded(entry.name.view())).second) continue;
     forgetReason();
-    int code = options.dryRun ? 0 : session->recoverFile(entry.name);
+    const bool isLatest = latest[folded(entry.name.view())] == i;
+    const std::wstring newName = isLatest ? L"" : numbered(session, entry.name.view());
+    int code = options.dryRun ? 0 : recoverOne(session, entry, newName);
     if (options.dryRun && session->contains(entry.name)) code = ZoResult::memberExists;
-    if (!code)
-      report.member(entry.name.view(), "recovered");
-    else
+    if (code) {
       session.reportFailure("cannot recover " + toUtf8(entry.name.view()), code);
+      continue;
+    }
+    Json& json = report.member(entry.name.view(), "recovered");
+    if (!newName.empty()) json["to"] = toUtf8(newName);
   }
   sumUp(options, report, session, "recovered");
   session.close();
@@ -80,12 +127,11 @@ void rename(const Options& options, Report& report) {
   } else {
     while (to.ends_with(L'/') || to.ends_with(L'\\')) to.pop_back();
     const std::wstring folder = folded(from) + (folded(from).ends_with(L'/') ? L"" : L"/");
-    session->forEachEntry([&](const ZoLibEntry& entry) {
+    for (const ZoLibEntry& entry : session.select(Session::kLive, {})) {
       const std::wstring_view name = entry.name.view();
       if (folded(name).starts_with(folder))
         renames.emplace_back(entry.name, to + L"/" + std::wstring(name.substr(folder.size())));
-      return true;
-    });
+    }
   }
   if (renames.empty())
     report.fail(kNotFound, session.name() + " has no member " + toUtf8(from) +

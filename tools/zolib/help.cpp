@@ -44,8 +44,10 @@ constexpr Verb kVerbs[] = {
      remove,
      "  zolib delete parts.lib 'old/**'\n"
      "  zolib delete parts.lib secret.txt --physically\n"},
-    {"recover", "", "Bring deleted members back", kTheseHelp, kChanges, recover,
-     "  zolib recover parts.lib bolts/m8.dwg\n"},
+    {"recover", "", "Bring deleted members back, of several of a name the latest", kTheseHelp,
+     kChanges, recover,
+     "  zolib recover parts.lib bolts/m8.dwg\n"
+     "  zolib recover parts.lib bolts/m8.dwg --all   as bolts/m8~1.dwg, ..., bolts/m8.dwg\n"},
     {"rename", "rn", "Rename a member, or a folder with all that is in it", "OLD and NEW name",
      kTwoNames | kWrites | kLocks, rename,
      "  zolib rename parts.lib bolts/m8.dwg bolts/m8x20.dwg\n"

@@ -14,6 +14,8 @@ enum class Overwrite {
   kNewer,
 };
 
+enum class Recover { kLatest, kFirst, kAll };  // of several deleted members of a name
+
 enum class Mode { kNormal, kFast, kBest, kStore, kAuto };
 
 struct Options {
@@ -27,6 +29,7 @@ struct Options {
   std::optional<std::wstring> dot;  // "-" is standard output
   Mode mode = Mode::kAuto;
   Overwrite overwrite = Overwrite::kUnsaid;
+  Recover recover = Recover::kLatest;
   double lockSeconds = 5;
   bool dryRun = false, quiet = false, verbose = false, json = false;
   bool deleted = false, physically = false, namesOnly = false;

@@ -73,7 +73,7 @@ bool Session::open(int access, ZoFile::CreationMode mode) {
 
 bool Session::checkMark() {
   if (library_.isLibrary()) return true;
-  library_.close();
+  static_cast<void>(library_.close());  // it was only read
   report_.fail(kNotALibrary, shown_ +
                                  " is not a library: it does not begin with a library's mark; "
                                  "if it was one, `zolib salvage` looks for its members");
@@ -138,7 +138,9 @@ bool Session::reportTrailing(ExitCode code) {
 void Session::reportFailure(std::string_view what, int code, std::string_view advice) {
   if (library_.wasCancelled() || isCancelled()) return report_.cancelled();
   const std::string why = reason();
-  if (why.empty() && options_.verb != "salvage" && library_.trailingBytes()) {
+  // A change that is refused for a damage has a reason, too.
+  const bool mayBeDamaged = why.empty() || (code == ZoResult::refused && library_.isWritable());
+  if (mayBeDamaged && options_.verb != "salvage" && library_.trailingBytes()) {
     report_.fail(kDamaged, std::string(what) + ": " + shown_ +
                                " is damaged; get its members with `zolib salvage`");
     return;

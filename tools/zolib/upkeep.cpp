@@ -1,4 +1,5 @@
 // reorganize, salvage: a library written anew.
+#include <zo/files/library_results.h>
 #include <zo/system/file_system.h>
 #include <zo/system/registry.h>
 
@@ -53,7 +54,7 @@ class Salvaged {
   Salvaged& operator=(const Salvaged&) = delete;
   ~Salvaged() {
     if (!library_.isOpen()) return;
-    library_.close();
+    static_cast<void>(library_.close());
     if (!kept_) ZoSystem::fileSystem().erase(ZoFileName(path_), ZoFileSystem::kFile);
   }
   void keep() noexcept { kept_ = true; }
@@ -82,13 +83,24 @@ void salvage(const Options& options, Report& report) {
       report.member(entry.name.view(), "salvaged")["size"] = entry.size;
       return !isCancelled();
     }
+    if (found == ZoResult::memberExists) {
+      report.member(entry.name.view(), "hidden")["size"] = entry.size;
+      report.warn(toUtf8(entry.name.view()) +
+                  " is there more than once: a further one was salvaged as a deleted member; "
+                  "`zolib recover --all` brings it back");
+      return !isCancelled();
+    }
     report.member(entry.name.view(), "lost")["size"] = entry.size;
-    report.fail(kDamaged, "lost " + toUtf8(entry.name.view()) + ": it is damaged");
+    report.fail(kDamaged,
+                "lost " +
+                    (entry.name.isEmpty() ? "what cannot be read" : toUtf8(entry.name.view())) +
+                    ": it is damaged");
     return true;
   });
   const std::size_t salvaged = report.count("salvaged"), lost = report.count("lost");
   report.json()["target"] = toUtf8(name);
   report.json()["salvaged"] = salvaged;
+  report.json()["hidden"] = report.count("hidden");
   report.json()["lost"] = lost;
   if (code) return session.reportFailure("cannot salvage " + session.name(), code);
   if (!salvaged && !lost && !session->isLibrary()) {

@@ -141,8 +141,7 @@ int LibraryCore::add(MemberSource& source, const ZoFileName& member, const Membe
   entry.record.accessed = timeValue(times.accessed);
   entry.record.written = timeValue(times.written);
   entry.record.nameLength = static_cast<std::uint16_t>(entry.name.size());
-  const bool isOnlyCompressed = !isBatch && gone.empty() && mode == ZoLibrary::kCompress;
-  if (!watched.begin() || !change.reserve(entry, !isOnlyCompressed) ||
+  if (!watched.begin() || !change.reserve() ||
       !writeData(file, entry, source, watched, change.codecMemory(), mode, level) ||
       !watched.finish()) {
     return ZoResult::refused;

@@ -33,31 +33,22 @@ bool copyData(LibraryFile& file, const RawEntry& from, LibraryFile& target, std:
 int Change::begin() {
   if (const int code = core_.settle()) return code;
   begin_ = end_ = core_.scan.position;
-  sizeBefore_ = core_.file.size();
   counter_ = core_.header.counter();
   if (core_.scan.end == ScanEnd::kMark) marked_ = core_.scan.lastEntry;
   isBegun_ = true;
   return ZoResult::ok;
 }
 
-// A gate that is the stored size is always flushed: the rest of the fields lie in the next sector,
-// which might be all that reaches the disk.
-bool Change::reserve(const RawEntry& entry, bool mayLookLikeEntries) {
-  if (entry.position != begin_ || marked_) return true;
-  const Gate gate = gateOf(begin_);
-  std::vector<unsigned char> bytes = entry.bytes();
-  bytes.resize(kRecordSize);
-  closeGate(gate, bytes);
-  if (!core_.file.write(begin_, bytes)) return false;
-  const bool mustFlush = mayLookLikeEntries || gate.offset != kFlagsAt;
-  return !mustFlush || core_.file.flush();
+bool Change::reserve() {
+  if (end_ != begin_) return true;
+  return core_.file.write(begin_, closedRecord(begin_)) && core_.file.flush();
 }
 
 bool Change::append(RawEntry entry) {
   std::vector<unsigned char> bytes = entry.bytes();
   if (entry.position == begin_) {
     firstEntry_ = bytes;
-    if (!marked_) closeGate(gateOf(begin_), bytes);
+    closeGate(gateOf(begin_), bytes);
   }
   if (!core_.file.write(entry.position, bytes)) return false;
   end_ = entry.end();
@@ -68,14 +59,6 @@ bool Change::append(RawEntry entry) {
 void Change::patch(RawEntry entry) {
   patchBytes_ += kPatchHead + kRecordSize + entry.name.size();
   patches_.push_back(std::move(entry));
-}
-
-// What lies behind a mark stays unreachable.
-bool Change::endInMark() {
-  if (!marked_ || end_ >= core_.file.size()) return true;
-  RawEntry& last = appended_.back();
-  last.record.flags |= kEndsScan;
-  return core_.file.write(last.position, last.bytes());
 }
 
 bool Change::appendRedo() {
@@ -93,7 +76,7 @@ bool Change::appendRedo() {
   redo.record.flags = kIsDeleted | kIsRedo;
   redo.record.nameLength = static_cast<std::uint16_t>(redo.name.size());
   redoPosition_ = redo.position;
-  return reserve(redo) && core_.file.write(redo.dataPosition(), data) && append(std::move(redo));
+  return reserve() && core_.file.write(redo.dataPosition(), data) && append(std::move(redo));
 }
 
 bool Change::writeHeader() {
@@ -104,12 +87,16 @@ bool Change::writeHeader() {
   return core_.file.write(0, header.bytes());
 }
 
+// With the gate behind it closed, a scan ends at the same place with the mark and without it.
+bool Change::clearMark() {
+  if (!marked_) return true;
+  isMarkTouched_ = true;
+  const auto flags = static_cast<unsigned char>(core_.scan.lastFlags & 0x7F);
+  return core_.file.write(marked_ + kFlagsAt, {&flags, 1}) && core_.file.flush();
+}
+
 bool Change::openGate() {
   isGateTouched_ = true;
-  if (marked_) {
-    const auto flags = static_cast<unsigned char>(core_.index.at(marked_)->record.flags & 0x7F);
-    return core_.file.write(marked_ + kFlagsAt, {&flags, 1});
-  }
   const Gate gate = gateOf(begin_);
   return core_.file.write(begin_ + gate.offset, part(firstEntry_, gate.offset, gate.size));
 }
@@ -144,11 +131,10 @@ int Change::commit() {
     }
   }
   LibraryFile& file = core_.file;
-  // What a member left behind that was begun and not added; and a redo ends the file.
-  const bool keepsTail = marked_ && patches_.empty();
-  if (!keepsTail && file.size() > end_ && !file.cut(end_)) return ZoResult::refused;
-  if (!appendRedo() || !endInMark() || !writeHeader() || !file.flush()) return ZoResult::refused;
-  if (!openGate() || !file.flush()) return ZoResult::refused;
+  // What a member left behind that was begun and not added.
+  if (file.size() > end_ && !file.cut(end_)) return ZoResult::refused;
+  if (!appendRedo() || !writeHeader() || !file.flush()) return ZoResult::refused;
+  if (!clearMark() || !openGate() || !file.flush()) return ZoResult::refused;
   isCommitted_ = true;
   keepIndex();
   // The change is made, whatever fails from here on: the next writer finishes it.
@@ -169,9 +155,10 @@ void Change::keepIndex() {
   ScanResult& scan = core_.scan;
   if (!appended_.empty()) {
     const RawEntry& last = appended_.back();
-    scan.end = last.record.has(kEndsScan) ? ScanEnd::kMark : ScanEnd::kFileEnd;
+    scan.end = ScanEnd::kFileEnd;
     scan.position = end_;
     scan.lastEntry = last.position;
+    scan.lastFlags = last.record.flags;
   }
   scan.redoPosition = redoPosition_;
   if (redoPosition_) scan.redo = patches_;
@@ -183,22 +170,20 @@ void Change::takeBack() noexcept {
   const KeptError kept;
   LibraryFile& file = core_.file;
   core_.isIndexed = false;
-  if (marked_) {
-    const auto flags = static_cast<unsigned char>(core_.index.at(marked_)->record.flags & 0xFF);
-    if (isGateTouched_) static_cast<void>(file.write(marked_ + kFlagsAt, {&flags, 1}));
-    if (file.size() > sizeBefore_) static_cast<void>(file.cut(sizeBefore_));
-  } else if (file.size() > begin_ && !file.cut(begin_) && isGateTouched_) {
+  if (file.size() > begin_ && !file.cut(begin_) && isGateTouched_) {
     const Gate gate = gateOf(begin_);
     closeGate(gate, firstEntry_);
     static_cast<void>(file.write(begin_ + gate.offset, part(firstEntry_, gate.offset, gate.size)));
   }
+  const auto flags = static_cast<unsigned char>(core_.scan.lastFlags & 0xFF);
+  if (isMarkTouched_) static_cast<void>(file.write(marked_ + kFlagsAt, {&flags, 1}));
   if (isHeaderWritten_) static_cast<void>(file.write(0, core_.header.bytes()));
   static_cast<void>(file.flush());
   file.touch();
 }
 
 Change::~Change() {
-  const bool wrote = core_.file.size() > sizeBefore_ || !appended_.empty() || isGateTouched_;
+  const bool wrote = core_.file.size() > begin_ || !appended_.empty() || isGateTouched_;
   if (isBegun_ && !isCommitted_ && wrote) takeBack();
 }
 

@@ -24,9 +24,9 @@ class Change {
   // The number of a new member, and that it was added.
   [[nodiscard]] std::uint32_t nextNumber() const { return counter_ + 1; }
   void countMember() { ++counter_; }
-  // To be called before the data of an entry at end() is written: with its gate closed it says that
-  // nothing follows, however much the data look like entries. What cannot need not be flushed.
-  [[nodiscard]] bool reserve(const RawEntry& entry, bool mayLookLikeEntries = true);
+  // To be called before the data of an entry at end() is written: a closed gate says that nothing
+  // follows, whatever the data look like and however little of them reaches the disk.
+  [[nodiscard]] bool reserve();
   // Adds an entry at end() whose data has been written.
   [[nodiscard]] bool append(RawEntry entry);
   // Takes the place of the entry at that position, which may be one of the new ones.
@@ -38,9 +38,9 @@ class Change {
   [[nodiscard]] ReusedMemory& codecMemory() { return codecMemory_; }
 
  private:
-  [[nodiscard]] bool endInMark();
   [[nodiscard]] bool appendRedo();
   [[nodiscard]] bool writeHeader();
+  [[nodiscard]] bool clearMark();
   [[nodiscard]] bool openGate();
   int patchInPlace();
   void keepIndex();
@@ -48,16 +48,16 @@ class Change {
 
   LibraryCore& core_;
   std::uint64_t begin_ = 0, end_ = 0;
-  std::uint64_t sizeBefore_ = 0;
   std::uint32_t counter_ = 0;
-  std::uint64_t marked_ = 0;  // the entry whose mark is the gate; 0 for a gate in the first new one
+  std::uint64_t marked_ = 0;               // the entry that has the mark; 0 for none
   std::vector<unsigned char> firstEntry_;  // as it is with its gate open
   std::vector<RawEntry> appended_;
   std::vector<RawEntry> patches_;
   std::size_t patchBytes_ = 0;
   std::uint64_t redoPosition_ = 0;
   ReusedMemory codecMemory_;
-  bool isBegun_ = false, isHeaderWritten_ = false, isGateTouched_ = false, isCommitted_ = false;
+  bool isBegun_ = false, isHeaderWritten_ = false, isMarkTouched_ = false, isGateTouched_ = false,
+       isCommitted_ = false;
 };
 
 // Copies the data of an entry as it is stored.

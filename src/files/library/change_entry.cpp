@@ -3,6 +3,7 @@
 
 #include "files/library/change.h"
 #include "files/library/time_value.h"
+#include "files/name_compare.h"
 
 namespace zo {
 int LibraryCore::rename(const ZoFileName& member, const ZoFileName& newName) {
@@ -38,7 +39,7 @@ int LibraryCore::rename(const ZoFileName& member, const ZoFileName& newName) {
   Progress watched = progress(old.record.storedSize);
   renamed.position = change.end();
   renamed.record.flags &= static_cast<std::uint16_t>(~kEndsScan);
-  if (!watched.begin() || !change.reserve(renamed) ||
+  if (!watched.begin() || !change.reserve() ||
       !copyData(file, old, file, renamed.dataPosition(), watched) || !watched.finish()) {
     return ZoResult::refused;
   }
@@ -55,6 +56,7 @@ int LibraryCore::remove(const ZoFileName& member, bool physically) {
   if (const int code = mayWrite(&member)) return code;
   Change change(*this);
   if (const int code = change.begin()) return code;
+  if (header.counter() == 0) return ZoResult::refused;  // it says that there is none
   const std::vector<const IndexEntry*> found = index.allLive(member.view());
   if (found.empty()) return notFound();
   if (physically) {
@@ -78,9 +80,24 @@ int LibraryCore::recover(const ZoFileName& member) {
   if (const int code = change.begin()) return code;
   if (index.findLive(member.view())) return ZoResult::memberExists;
   const IndexEntry* const found = index.findDeleted(member.view());
-  if (!found) return notFound();
+  return found ? recoverAt(change, *found) : notFound();
+}
+
+int LibraryCore::recover(const ZoLibEntry& wanted) {
+  if (const int code = mayWrite()) return code;
+  Change change(*this);
+  if (const int code = change.begin()) return code;
+  const IndexEntry* const found = index.at(wanted.position);
+  if (!found || found->record.isLive() || !equalNames(index.name(*found), wanted.name.view())) {
+    return ZoResult::refused;
+  }
+  if (index.findLive(wanted.name.view())) return ZoResult::memberExists;
+  return recoverAt(change, *found);
+}
+
+int LibraryCore::recoverAt(Change& change, const IndexEntry& found) {
   RawEntry entry;
-  if (!load(*found, entry)) return ZoResult::refused;
+  if (!load(found, entry)) return ZoResult::refused;
   entry.record.flags &= static_cast<std::uint16_t>(~kIsDeleted);
   change.patch(std::move(entry));
   return change.commit();

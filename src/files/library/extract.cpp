@@ -5,6 +5,7 @@
 
 #include "files/fresh_file.h"
 #include "files/library/library_core.h"
+#include "files/library/member_data.h"
 #include "files/library/time_value.h"
 #include "files/replace_file.h"
 #include "persist/crc32.h"
@@ -13,29 +14,6 @@
 
 namespace zo {
 namespace {
-
-// A member's data as a store of its own. What is small is read at once.
-class MemberData final : public ByteStore {
- public:
-  MemberData(LibraryFile& file, const RawEntry& entry)
-      : file_(file), begin_(entry.dataPosition()), size_(entry.record.storedSize) {
-    if (size_ > LibraryCore::kPiece) return;
-    small_.resize(static_cast<std::size_t>(size_));
-    if (!file_.read(begin_, small_)) small_.clear();
-  }
-  [[nodiscard]] std::uint64_t size() const noexcept override { return size_; }
-  [[nodiscard]] bool read(std::uint64_t offset, std::span<unsigned char> to) noexcept override {
-    if (offset > size_ || to.size() > size_ - offset) return false;
-    if (small_.empty()) return file_.read(begin_ + offset, to);
-    std::copy_n(small_.begin() + static_cast<std::ptrdiff_t>(offset), to.size(), to.begin());
-    return true;
-  }
-
- private:
-  LibraryFile& file_;
-  std::uint64_t begin_, size_;
-  std::vector<unsigned char> small_;
-};
 
 class WatchedSink final : public ByteSink {
  public:
@@ -49,9 +27,14 @@ class WatchedSink final : public ByteSink {
   Progress& progress_;
 };
 
+// Looks only whether it is to go on.
 class NoSink final : public ByteSink {
  public:
-  bool write(Bytes) noexcept override { return true; }
+  explicit NoSink(Progress& goesOn) : goesOn_(goesOn) {}
+  bool write(Bytes) noexcept override { return goesOn_.add(0); }
+
+ private:
+  Progress& goesOn_;
 };
 
 // The file that is to become the target of an extraction; removed unless it does.
@@ -130,6 +113,7 @@ int copyStored(LibraryFile& file, const RawEntry& entry, ByteSink& out, std::uin
 int LibraryCore::readMember(const RawEntry& entry, ByteSink& out, Progress& watched) {
   WatchedSink sink(out, watched);
   if (!watched.begin()) return ZoResult::refused;
+  if (entry.record.contradictsItself(header.counter())) return ZoZip::checkMismatch;
   int code = ZoResult::ok;
   if (entry.record.has(kIsCompressed)) {
     MemberData data(file, entry);
@@ -149,6 +133,10 @@ int LibraryCore::readMember(const RawEntry& entry, ByteSink& out, Progress& watc
 int LibraryCore::extract(const ZoFileName& member, const ZoFileName& target) {
   if (const int code = mayRead(&member)) return code;
   if (target.isURL()) return ZoResult::invalid;
+  return lookAgain([&] { return extractOnce(member, target); });
+}
+
+int LibraryCore::extractOnce(const ZoFileName& member, const ZoFileName& target) {
   RawEntry entry;
   if (const int code = find(member, entry)) return code;
   Progress watched = progress(entry.contentSize());
@@ -165,11 +153,34 @@ int LibraryCore::extract(const ZoFileName& member, const ZoFileName& target) {
 
 int LibraryCore::verify(const ZoLibEntry& entry) {
   if (const int code = mayRead()) return code;
-  RawEntry raw;
-  if (const int code = findAt(entry.position, raw)) return code;
-  NoSink sink;
-  Progress watched = progress(raw.contentSize());
-  return readMember(raw, sink, watched);
+  return lookAgain([&] {
+    RawEntry raw;
+    if (const int code = findAt(entry.position, raw)) return code;
+    Progress watched = progress(raw.contentSize());
+    NoSink sink(watched);
+    return readMember(raw, sink, watched);
+  });
+}
+
+// ---- Where entries end ----
+
+Extent LibraryCore::extentOf(const RawEntry& entry, Progress& goesOn) {
+  const std::uint32_t counter = header.counter();
+  if (entry.meetsTrailer()) return Extent::kSound;
+  const bool isProtected = entry.record.has(kIsCompressed) || entry.record.protectsStored(counter);
+  if (!isProtected && !entry.record.contradictsItself(counter)) return Extent::kUnknown;
+  const ZoLibrary::Watcher none;
+  bool ignored = false;
+  Progress unwatched(none, ignored, 0);
+  NoSink sink(goesOn);
+  if (readMember(entry, sink, unwatched) != ZoResult::ok) return Extent::kDamaged;
+  return entry.contentSize() != 0 ? Extent::kSound : Extent::kUnknown;
+}
+
+bool LibraryCore::holdsLibrary(const RawEntry& entry) {
+  LibraryHeader inner;
+  return entry.record.storedSize >= kHeaderSize && file.read(entry.dataPosition(), inner.room()) &&
+         inner.hasMagic();
 }
 
 }  // namespace zo

@@ -29,7 +29,8 @@ ZoLibEntry describe(std::uint64_t position, const EntryRecord& record,
   ZoLibEntry result;
   result.position = position;
   result.storedSize = record.storedSize;
-  result.isProtected = isCompressed || record.protectsStored(counter);
+  result.isProtected =
+      isCompressed || record.protectsStored(counter) || record.contradictsItself(counter);
   result.size = isCompressed ? trailer.size : record.storedSize;
   result.created = fileTime(record.created);
   result.accessed = fileTime(record.accessed);
@@ -87,16 +88,16 @@ int LibraryCore::find(const ZoFileName& member, RawEntry& entry) {
     entry = found->entry;
     return found->code;
   }
-  for (bool isSecond = false;; isSecond = true) {
+  for (int attempt = 1;; ++attempt) {
     if (const int code = refresh()) return code;
     const IndexEntry* const found = index.findLive(member.view());
     if (!found) return notFound();
-    if (!load(*found, entry)) return ZoResult::refused;
-    const bool isSame = entry.record == found->record;
+    const bool isRead = load(*found, entry);
+    const bool isSame = isRead && entry.record == found->record;
     // A redo that is not finished has the last word.
     if (scan.redoPosition) entry.record = found->record;
-    if (isSame || scan.redoPosition) return ZoResult::ok;
-    if (isSecond) return ZoResult::refused;
+    if (isSame || (isRead && scan.redoPosition)) return ZoResult::ok;
+    if (attempt == kAttempts) return ZoResult::refused;
     isIndexed = false;
   }
 }

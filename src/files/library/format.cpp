@@ -62,8 +62,7 @@ std::array<unsigned char, kHeaderSize> LibraryHeader::bytes() const {
 }
 
 bool EntryRecord::protectsStored(std::uint32_t counter) const {
-  return number != 0 && number <= counter && mode == 0 && size == storedSize &&
-         (crc != 0 || size == 0);
+  return hasNumber(counter) && mode == 0 && size == storedSize && (crc != 0 || size == 0);
 }
 
 EntryRecord decodeRecord(std::span<const unsigned char, kRecordSize> bytes) {
@@ -114,9 +113,19 @@ void closeGate(Gate gate, std::span<unsigned char> entry) {
   if (gate.offset == kFlagsAt) store<std::uint16_t>(entry.data() + kFlagsAt + 2, 0);
 }
 
-bool isClosed(const EntryRecord& record) {
-  return (record.flags == 0xFFFF && record.nameLength == 0) ||
-         record.storedSize == 0xFFFFFFFFFFFFFFFF;
+std::array<unsigned char, kRecordSize> closedRecord(std::uint64_t entryPosition) {
+  std::array<unsigned char, kRecordSize> bytes{};
+  closeGate(gateOf(entryPosition), bytes);
+  return bytes;
+}
+
+// The other fields are zero or an entry's own, so that hardly any other bytes look like it.
+bool isClosed(const EntryRecord& record, std::uint64_t entryPosition) {
+  constexpr std::uint64_t kNoFile = std::uint64_t{1} << 48;  // is as large
+  if (gateOf(entryPosition).offset == kFlagsAt) {
+    return record.flags == 0xFFFF && record.nameLength == 0 && record.storedSize < kNoFile;
+  }
+  return record.storedSize == 0xFFFFFFFFFFFFFFFF && record.flags != 0xFFFF;
 }
 
 // ---- The redo entry ----

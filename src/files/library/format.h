@@ -57,8 +57,15 @@ struct EntryRecord {
 
   [[nodiscard]] bool has(std::uint16_t flag) const { return (flags & flag) != 0; }
   [[nodiscard]] bool isLive() const { return !has(kIsDeleted); }
+  [[nodiscard]] bool hasNumber(std::uint32_t counter) const {
+    return number != 0 && number <= counter;
+  }
   // Whether size and check value of a stored member are those that this library wrote.
   [[nodiscard]] bool protectsStored(std::uint32_t counter) const;
+  // Whether a stored member's sizes, which this library writes alike, tell of a damage.
+  [[nodiscard]] bool contradictsItself(std::uint32_t counter) const {
+    return !has(kIsCompressed) && hasNumber(counter) && size != storedSize;
+  }
   bool operator==(const EntryRecord&) const = default;
 };
 
@@ -83,6 +90,12 @@ struct RawEntry {
     return record.has(kIsCompressed) ? trailer.size : record.storedSize;
   }
   [[nodiscard]] std::vector<unsigned char> bytes() const;
+  // Whether the end of a container's data, and with it that of the entry, is where the record says:
+  // size and check value stand in both.
+  [[nodiscard]] bool meetsTrailer() const {
+    return record.has(kIsCompressed) && trailer.size != 0 && trailer.size == record.size &&
+           trailer.crc == record.crc;
+  }
 };
 
 // ---- Gates: what makes a new entry visible, by one write within one sector ----
@@ -95,8 +108,11 @@ struct Gate {
 // Flags and name length; or the stored size, where the end of a sector divides these.
 [[nodiscard]] Gate gateOf(std::uint64_t entryPosition);
 void closeGate(Gate gate, std::span<unsigned char> entry);
+// What is written first of a new entry: nothing but its closed gate. So whatever part of it reaches
+// the disk is a closed gate, or zeros.
+[[nodiscard]] std::array<unsigned char, kRecordSize> closedRecord(std::uint64_t entryPosition);
 // Whether a record at that position is one that waits for its gate.
-[[nodiscard]] bool isClosed(const EntryRecord& record);
+[[nodiscard]] bool isClosed(const EntryRecord& record, std::uint64_t entryPosition);
 
 [[nodiscard]] inline bool inOneSector(std::uint64_t begin, std::uint64_t end) {
   return begin < end && begin / kSectorSize == (end - 1) / kSectorSize;

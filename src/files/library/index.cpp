@@ -116,23 +116,14 @@ std::vector<const IndexEntry*> LibraryIndex::allLive(std::wstring_view wanted) c
   return found;
 }
 
-const IndexEntry* LibraryIndex::findLive(std::wstring_view wanted) const {
+const IndexEntry* LibraryIndex::findFirst(std::wstring_view wanted, bool isLive) const {
   const IndexEntry* first = nullptr;
   const std::size_t hash = hashName(wanted);
   for (std::size_t number = newest(hash); number; number = entries_[number - 1].before) {
     const IndexEntry& entry = entries_[number - 1];
-    if (entry.record.isLive() && isNamed(entry, wanted, hash)) first = &entry;
+    if (entry.record.isLive() == isLive && isNamed(entry, wanted, hash)) first = &entry;
   }
   return first;
-}
-
-const IndexEntry* LibraryIndex::findDeleted(std::wstring_view wanted) const {
-  const std::size_t hash = hashName(wanted);
-  for (std::size_t number = newest(hash); number; number = entries_[number - 1].before) {
-    const IndexEntry& entry = entries_[number - 1];
-    if (!entry.record.isLive() && isNamed(entry, wanted, hash)) return &entry;
-  }
-  return nullptr;
 }
 
 const IndexEntry* LibraryIndex::at(std::uint64_t position) const {

@@ -37,13 +37,18 @@ class LibraryIndex {
 
   [[nodiscard]] const std::vector<IndexEntry>& entries() const { return entries_; }
   [[nodiscard]] std::wstring_view name(const IndexEntry& entry) const;
-  // The first live entry, or the last deleted one; null for none.
-  [[nodiscard]] const IndexEntry* findLive(std::wstring_view wanted) const;
-  [[nodiscard]] const IndexEntry* findDeleted(std::wstring_view wanted) const;
+  // The first of them; null for none.
+  [[nodiscard]] const IndexEntry* findLive(std::wstring_view wanted) const {
+    return findFirst(wanted, true);
+  }
+  [[nodiscard]] const IndexEntry* findDeleted(std::wstring_view wanted) const {
+    return findFirst(wanted, false);
+  }
   [[nodiscard]] std::vector<const IndexEntry*> allLive(std::wstring_view wanted) const;
   [[nodiscard]] const IndexEntry* at(std::uint64_t position) const;
 
  private:
+  [[nodiscard]] const IndexEntry* findFirst(std::wstring_view wanted, bool isLive) const;
   [[nodiscard]] std::size_t& bucket(std::size_t hash);
   [[nodiscard]] std::size_t newest(std::size_t hash) const;
   [[nodiscard]] bool isNamed(const IndexEntry& entry, std::wstring_view wanted,

@@ -15,21 +15,21 @@ constexpr unsigned int kNormalAttributes = 0x80;
 
 // ---- Opening: ZoLibrary's part ----
 
-int ZoLibrary::getFile(ZoFile& file, const ZoFileName& member, int access, int level) {
+int ZoLibrary::getFile(ZoFile& file, const ZoFileName& member, int access, compMode mode) {
   if (!core_) return ZoResult::refused;
   const FilesLock lock;
   int code = ZoResult::ok;
-  auto opened = access & ZoFile::kWrite ? zo::LibraryMember::openToWrite(core_, member, level, code)
+  auto opened = access & ZoFile::kWrite ? zo::LibraryMember::openToWrite(core_, member, mode, code)
                                         : zo::LibraryMember::openToRead(core_, member, code);
   return opened ? file.setImpObj(new ZoLibFile(std::move(opened))) : code;
 }
 
-int ZoLibrary::getCFile(std::FILE** stream, const ZoFileName& member, int access, int level) {
+int ZoLibrary::getCFile(std::FILE** stream, const ZoFileName& member, int access, compMode mode) {
   if (!stream) return ZoResult::refused;
   *stream = nullptr;
   if (access & ZoFile::kWrite) return ZoResult::refused;
   ZoFile file;
-  if (const int code = getFile(file, member, access, level)) return code;
+  if (const int code = getFile(file, member, access, mode)) return code;
   *stream = file.getCFileHandle(false, false);
   return *stream ? ZoResult::ok : ZoResult::refused;
 }
@@ -45,11 +45,13 @@ ZoLibFile::ZoLibFile(std::shared_ptr<zo::LibraryMember> member) : member_(std::m
 ZoLibFile::ZoLibFile(const ZoLibFile& other) : ZoLibFile(other.member_) {}
 
 ZoLibFile::~ZoLibFile() {
-  try {
-    static_cast<void>(ZoLibFile::close());
-  } catch (const std::bad_alloc&) {  // the member is not added
-    member_.reset();
-  }
+  const FilesLock lock;
+  member_.reset();
+}
+
+void ZoLibFile::cancel() {
+  const FilesLock lock;
+  if (const auto member = std::exchange(member_, nullptr)) member->drop();
 }
 
 ZoFileImp* ZoLibFile::clone() const { return new ZoLibFile(*this); }
@@ -69,7 +71,8 @@ int ZoLibFile::close() {
   const FilesLock lock;
   if (!member_) return ZoResult::ok;
   const auto member = std::exchange(member_, nullptr);
-  return member.use_count() == 1 ? member->finish() : ZoResult::ok;
+  if (member.use_count() == 1) return member->finish();
+  return member->isDropped() ? ZoResult::refused : ZoResult::ok;
 }
 
 unsigned int ZoLibFile::read(void* buffer, unsigned int count) {
@@ -159,6 +162,6 @@ std::FILE* ZoLibFile::getCFileHandle(const wchar_t* mode) {
   ZoFile copy;
   if (!member_->copyTo(copy)) return nullptr;
   std::FILE* const stream = copy.getCFileHandle(mode);
-  if (stream) close();
+  if (stream) member_.reset();
   return stream;
 }

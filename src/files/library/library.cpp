@@ -11,15 +11,6 @@
 using zo::FilesLock;
 using zo::LibraryCore;
 
-namespace {
-
-const ZoFileName& noName() {
-  static const ZoFileName name;
-  return name;
-}
-
-}  // namespace
-
 ZoLibrary::ZoLibrary() : core_(std::make_shared<LibraryCore>()) {}
 ZoLibrary::ZoLibrary(ZoLibrary&& other) noexcept = default;
 
@@ -28,12 +19,18 @@ ZoLibrary& ZoLibrary::operator=(ZoLibrary&& other) noexcept {
   return *this;
 }
 
-ZoLibrary::~ZoLibrary() { close(); }
+// A batch that nobody ended is not complete.
+ZoLibrary::~ZoLibrary() {
+  if (!core_) return;
+  const FilesLock lock;
+  static_cast<void>(core_->cancelBatch());
+  static_cast<void>(core_->close());
+}
 
 int ZoLibrary::open(const ZoFileName& name, int access, ZoFile::CreationMode mode,
                     unsigned int lockTimeOut) {
-  if (!core_) core_ = std::make_shared<LibraryCore>();
   const FilesLock lock;
+  if (!core_) core_ = std::make_shared<LibraryCore>();
   return core_->open(name, access, mode, lockTimeOut);
 }
 
@@ -43,9 +40,21 @@ int ZoLibrary::close() {
   return core_->close();
 }
 
-bool ZoLibrary::isOpen() const noexcept { return core_ && core_->isOpen(); }
-bool ZoLibrary::isWritable() const noexcept { return isOpen() && core_->writable; }
-const ZoFileName& ZoLibrary::name() const noexcept { return core_ ? core_->name : noName(); }
+bool ZoLibrary::isOpen() const noexcept {
+  const FilesLock lock;
+  return core_ && core_->isOpen();
+}
+
+bool ZoLibrary::isWritable() const noexcept {
+  const FilesLock lock;
+  return isOpen() && core_->writable;
+}
+
+// Names share their parts, and these are not for several threads.
+ZoFileName ZoLibrary::name() const {
+  const FilesLock lock;
+  return core_ ? core_->name.deepCopy() : ZoFileName();
+}
 
 // ---- Members ----
 
@@ -114,6 +123,12 @@ int ZoLibrary::recoverFile(const ZoFileName& member) {
   if (!core_) return ZoResult::refused;
   const FilesLock lock;
   return core_->recover(member);
+}
+
+int ZoLibrary::recoverFile(const ZoLibEntry& entry) {
+  if (!core_) return ZoResult::refused;
+  const FilesLock lock;
+  return core_->recover(entry);
 }
 
 // ---- What is there ----
@@ -199,7 +214,7 @@ std::uint32_t ZoLibrary::counter() {
 std::uint64_t ZoLibrary::trailingBytes() {
   if (!core_) return 0;
   const FilesLock lock;
-  if (!core_->isOpen() || core_->refresh() || core_->scan.end == zo::ScanEnd::kMark) return 0;
+  if (!core_->isOpen() || core_->refresh() || core_->isBeingAdded()) return 0;
   const std::uint64_t size = core_->file.size();
   return size > core_->scan.position ? size - core_->scan.position : 0;
 }
@@ -220,8 +235,12 @@ int ZoLibrary::salvageInto(ZoLibrary& target,
 // ---- Long calls ----
 
 void ZoLibrary::onProgress(Watcher watcher) {
+  const FilesLock lock;
   if (!core_) core_ = std::make_shared<LibraryCore>();
   core_->watcher = std::move(watcher);
 }
 
-bool ZoLibrary::wasCancelled() const noexcept { return core_ && core_->cancelled; }
+bool ZoLibrary::wasCancelled() const {
+  const FilesLock lock;
+  return core_ && core_->cancelled;
+}

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "files/library/change.h"
+#include "files/library/entry_search.h"
 #include "platform/ansi.h"
 #include "platform/case_fold.h"
 #include "platform/system_path.h"
@@ -166,19 +167,29 @@ int LibraryCore::mayWrite(const ZoFileName* member) const {
 int LibraryCore::refresh() {
   // Another process may change the file while it is read: the index counts when it was built of a
   // file that stayed the same. One that changes all the time is taken as it was seen.
-  constexpr int kAttempts = 8;
   LibraryFile::Signature now;
   if (batch && isIndexed) return ZoResult::ok;  // what changes the file is not yet visible
   if (!file.look(now)) return ZoResult::refused;
+  int code = ZoResult::ok;
   for (int attempt = 0; !(isIndexed && indexed == now) && attempt < kAttempts; ++attempt) {
-    isIndexed = false;
-    if (const int code = buildIndex()) return code;
+    code = buildIndex();
     indexed = now;
-    isIndexed = true;
+    isIndexed = code == ZoResult::ok;
     if (writable) break;
     if (!file.look(now)) return ZoResult::refused;
+    if (code && indexed == now) break;
   }
-  return ZoResult::ok;
+  return code;
+}
+
+int LibraryCore::lookAgain(const std::function<int()>& work) {
+  for (int attempt = 1;; ++attempt) {
+    LibraryFile::Signature before, after;
+    if (!writable && !file.look(before)) return ZoResult::refused;
+    const int code = work();
+    if (!code || writable || cancelled || attempt == kAttempts) return code;
+    if (!file.look(after) || before == after) return code;
+  }
 }
 
 int LibraryCore::readHeader() {
@@ -219,12 +230,22 @@ int LibraryCore::settle(bool isOpening) {
   if (scan.redoPosition) {
     if (const int code = finishRedo()) return code;
   }
-  if (scan.end == ScanEnd::kMark) {
-    return header.hasMagic() || scan.position == file.size() ? ZoResult::ok : ZoResult::refused;
-  }
   if (scan.position == file.size()) return ZoResult::ok;
-  if (!isHarmlessTail(isOpening)) return ZoResult::refused;
-  return cutTail();
+  // Who opens it has not yet asked for a change: what may be a damage stays for salvage.
+  const bool mayCut = !isOpening || tailEnd() == ScanEnd::kClosedGate;
+  if (mayCut && isOwnTail()) return cutTail();
+  if (!isOpening) {
+    SetLastError(ERROR_FILE_CORRUPT);
+    reportFailure(L"write");
+  }
+  return ZoResult::refused;
+}
+
+// What follows the last entry, also behind a mark.
+ScanEnd LibraryCore::tailEnd() {
+  if (scan.end != ScanEnd::kMark) return scan.end;
+  ReadWindow window(file, file.size());
+  return endAt(window, scan.position);
 }
 
 int LibraryCore::finishRedo() {
@@ -243,31 +264,44 @@ int LibraryCore::finishRedo() {
 int LibraryCore::cutTail() {
   isIndexed = false;
   if (!file.cut(scan.position) || !file.flush()) return ZoResult::refused;
-  scan.end = ScanEnd::kFileEnd;
+  if (scan.end != ScanEnd::kMark) scan.end = ScanEnd::kFileEnd;
   file.touch();
   isIndexed = file.look(indexed);
   return ZoResult::ok;
 }
 
-// Whether what follows the last entry was never a member. A file of another kind, and a damage
-// with entries behind it, are left alone.
-bool LibraryCore::isHarmlessTail(bool isOpening) {
+bool LibraryCore::isOwnTail() {
   if (!header.hasMagic() || scan.position > file.size()) return false;
-  switch (scan.end) {
-    case ScanEnd::kClosedGate:
-      return true;
-    case ScanEnd::kShort:
-      return !isOpening;
-    case ScanEnd::kZero:
-    case ScanEnd::kNoEntry: {
-      if (isOpening) return false;
-      ReadWindow window(file, file.size());
-      return findEntry(window, scan.position + 1, header.counter()) == file.size() &&
-             !window.takeFailure();
-    }
-    default:
-      return false;
+  const ScanEnd tail = tailEnd();
+  // An entry without a name may be one whose name's length is damaged: then the rest is its own.
+  const auto& entries = index.entries();
+  const bool followsMember =
+      scan.position == (entries.empty() ? kHeaderSize : entries.back().end());
+  const bool isCut = followsMember && (tail == ScanEnd::kShort || tail == ScanEnd::kZero);
+  return (isCut || tail == ScanEnd::kClosedGate) && endsWhereItSays();
+}
+
+// Whether the scan came to the end of the entries by entries that end where they say, so that none
+// swallowed others. One that is proven at the end is enough: what precedes it is out of question.
+bool LibraryCore::endsWhereItSays() {
+  const ZoLibrary::Watcher none;
+  bool ignored = false;
+  Progress unwatched(none, ignored, 0);
+  EntrySearch search(file, file.size());
+  search.know(file.size());
+  std::uint64_t next = scan.position;
+  for (std::size_t i = index.entries().size(); i-- > 0;) {
+    RawEntry entry;
+    if (!load(index.entries()[i], entry)) return false;
+    search.search(entry.end(), next);  // entries without a name
+    const Extent extent = extentOf(entry, unwatched);
+    if (extent == Extent::kDamaged) return false;
+    if (extent == Extent::kSound) return search.found().empty();
+    if (!holdsLibrary(entry)) search.search(entry.position + 1, entry.end());
+    next = entry.position;
   }
+  search.search(kHeaderSize, next);
+  return search.found().empty();
 }
 
 }  // namespace zo

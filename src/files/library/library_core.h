@@ -68,6 +68,13 @@ class Progress {
 
 class Change;
 
+// What is known of where an entry ends.
+enum class Extent {
+  kSound,    // its check value proves it
+  kUnknown,  // nothing protects it, or it has no data
+  kDamaged,
+};
+
 class LibraryCore {
  public:
   LibraryCore();
@@ -87,6 +94,11 @@ class LibraryCore {
   // The same for a writer, who also finishes or undoes what a killed one began. Opening does so
   // only where nothing can be lost by it.
   int settle(bool isOpening = false);
+  // Whether what follows the last entry is what a killed writer of this library leaves. Nothing else
+  // is ever cut.
+  [[nodiscard]] bool isOwnTail();
+  // Whether a member is being added behind the last one, or was when its writer was killed.
+  [[nodiscard]] bool isBeingAdded() { return tailEnd() == ScanEnd::kClosedGate; }
   // Makes the header that of the file as it is.
   int refreshHeader();
 
@@ -116,6 +128,7 @@ class LibraryCore {
   int rename(const ZoFileName& member, const ZoFileName& newName);
   int remove(const ZoFileName& member, bool physically);
   int recover(const ZoFileName& member);
+  int recover(const ZoLibEntry& entry);
   int setTimes(std::uint64_t position, const MemberTimes& times);
   int setValue(std::uint64_t value);
 
@@ -124,6 +137,10 @@ class LibraryCore {
   int readMember(const RawEntry& entry, ByteSink& out, Progress& watched);
   int extract(const ZoFileName& member, const ZoFileName& target);
   int verify(const ZoLibEntry& entry);
+  // Reads the data where its fields alone do not tell. `goesOn` may end it.
+  [[nodiscard]] Extent extentOf(const RawEntry& entry, Progress& goesOn);
+  // Whether the entry's data are a library themselves: then entries in it are no damage.
+  [[nodiscard]] bool holdsLibrary(const RawEntry& entry);
 
   // ---- Rewriting the file (rewrite.cpp) ----
   // Without the entries that `drops` names, in one step.
@@ -136,6 +153,8 @@ class LibraryCore {
   [[nodiscard]] Progress progress(std::uint64_t total) {
     return Progress(watcher, cancelled, total);
   }
+  // Does a reader's work, and once more when another process has changed the file meanwhile.
+  int lookAgain(const std::function<int()>& work);
 
   ZoFileName name;    // as it was opened
   std::wstring path;  // in full
@@ -158,6 +177,8 @@ class LibraryCore {
   LibraryFile::Signature indexed;
 
  private:
+  static constexpr int kAttempts = 8;  // to read what another process changes all the time
+
   // The member that was looked for first since the file changed, and what came of it.
   struct FirstFind {
     std::wstring name;
@@ -166,6 +187,7 @@ class LibraryCore {
     RawEntry entry = {};
   };
 
+  int extractOnce(const ZoFileName& member, const ZoFileName& target);
   int openFile(int access, ZoFile::CreationMode mode, unsigned int timeOut);
   int beginNew(ZoFile::CreationMode mode);
   int readHeader();
@@ -174,9 +196,13 @@ class LibraryCore {
   [[nodiscard]] const FirstFind* findFirst(const ZoFileName& member);
   [[nodiscard]] bool reopen();
   void movePlaces(const std::function<bool(const IndexEntry&)>& drops);
+  int recoverAt(Change& change, const IndexEntry& found);
   int finishRedo();
   int cutTail();
-  [[nodiscard]] bool isHarmlessTail(bool isOpening);
+  [[nodiscard]] ScanEnd tailEnd();
+  [[nodiscard]] bool endsWhereItSays();
+  [[nodiscard]] bool mayDrop(const std::function<bool(const IndexEntry&)>& drops,
+                             Progress& watched);
 
   WriteLock lock_;
   std::optional<FirstFind> firstFind_;

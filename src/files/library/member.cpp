@@ -65,7 +65,7 @@ LibraryMember::LibraryMember(std::shared_ptr<LibraryCore> core, const ZoFileName
 LibraryMember::~LibraryMember() { std::erase(core_->places, &place_); }
 
 bool LibraryMember::isUsable() const noexcept {
-  return core_->isOpen() && core_->opening == opening_ && !place_.isGone;
+  return core_->isOpen() && core_->opening == opening_ && !place_.isGone && !isDropped_;
 }
 
 std::shared_ptr<LibraryMember> LibraryMember::openToRead(const std::shared_ptr<LibraryCore>& core,
@@ -73,20 +73,22 @@ std::shared_ptr<LibraryMember> LibraryMember::openToRead(const std::shared_ptr<L
   code = core->mayRead(&name);
   if (code) return nullptr;
   const std::shared_ptr<LibraryMember> member(new LibraryMember(core, name));
-  code = core->find(name, member->place_.entry);
-  if (!code && !member->load()) code = ZoResult::refused;
+  code = core->lookAgain([&] {
+    if (const int missing = core->find(name, member->place_.entry)) return missing;
+    return member->load() ? ZoResult::ok : ZoResult::refused;
+  });
   return code ? nullptr : member;
 }
 
 std::shared_ptr<LibraryMember> LibraryMember::openToWrite(const std::shared_ptr<LibraryCore>& core,
-                                                          const ZoFileName& name, int level,
-                                                          int& code) {
+                                                          const ZoFileName& name,
+                                                          ZoLibrary::compMode mode, int& code) {
   code = core->mayWrite(&name);
   if (code) return nullptr;
   const std::shared_ptr<LibraryMember> member(new LibraryMember(core, name));
   std::string bytes;
   member->kind_ = Kind::kWritten;
-  member->level_ = level;
+  member->mode_ = mode;
   if (!LibraryCore::encodeName(name, bytes) || !openTemporary(member->file_)) {
     code = ZoResult::refused;
   }
@@ -94,8 +96,13 @@ std::shared_ptr<LibraryMember> LibraryMember::openToWrite(const std::shared_ptr<
 }
 
 bool LibraryMember::load() {
+  std::erase(core_->places, &place_);
   core_->places.push_back(&place_);
-  if (!place_.entry.record.has(kIsCompressed)) return true;
+  memory_.clear();
+  file_.cancel();
+  if (!place_.entry.record.has(kIsCompressed)) {
+    return !place_.entry.record.contradictsItself(core_->header.counter());
+  }
   ContentSink sink(memory_, file_);
   Progress watched = core_->progress(place_.entry.contentSize());
   if (core_->readMember(place_.entry, sink, watched)) return false;
@@ -118,10 +125,15 @@ int LibraryMember::finish() {
   MemberTimes all;
   if (!timesOf(file_, all)) return ZoResult::refused;
   all = withThoseSet(all);
-  const auto mode = level_ == 0 ? ZoLibrary::kStore : ZoLibrary::kCompress;
-  const int code = core_->add(source, name_, all, true, mode, level_);
-  file_.close();
+  const int code = core_->add(source, name_, all, true, mode_, ZoLibrary::kNormal);
+  file_.cancel();
   return code;
+}
+
+void LibraryMember::drop() {
+  if (!isWriting()) return;
+  isDropped_ = true;
+  file_.cancel();
 }
 
 // ---- Content ----

@@ -15,7 +15,8 @@ class LibraryMember {
   static std::shared_ptr<LibraryMember> openToRead(const std::shared_ptr<LibraryCore>& core,
                                                    const ZoFileName& name, int& code);
   static std::shared_ptr<LibraryMember> openToWrite(const std::shared_ptr<LibraryCore>& core,
-                                                    const ZoFileName& name, int level, int& code);
+                                                    const ZoFileName& name,
+                                                    ZoLibrary::compMode mode, int& code);
   ~LibraryMember();
   LibraryMember(const LibraryMember&) = delete;
   LibraryMember& operator=(const LibraryMember&) = delete;
@@ -23,8 +24,12 @@ class LibraryMember {
   [[nodiscard]] bool isUsable() const noexcept;
   [[nodiscard]] bool isWriting() const noexcept { return kind_ == Kind::kWritten; }
   [[nodiscard]] const ZoFileName& name() const noexcept { return name_; }
-  // Adds what was written, unless a write failed.
+  // Adds what was written, unless a write failed or it was dropped. What is destroyed without it is
+  // dropped.
   int finish();
+  // Gives up what was written, for all that share it.
+  void drop();
+  [[nodiscard]] bool isDropped() const noexcept { return isDropped_; }
   // The same member from its begin, on its own.
   [[nodiscard]] std::shared_ptr<LibraryMember> again() const;
 
@@ -53,9 +58,10 @@ class LibraryMember {
   std::int64_t position_ = 0;
   std::vector<unsigned char> memory_;
   ZoFile file_;  // the content, or what is written
-  int level_ = 0;
+  ZoLibrary::compMode mode_ = ZoLibrary::kCompress;
   bool isIncomplete_ = false;  // a write failed
-  MemberTimes times_;          // what was set while writing
+  bool isDropped_ = false;
+  MemberTimes times_;  // what was set while writing
 };
 
 }  // namespace zo

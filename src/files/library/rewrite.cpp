@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "files/fresh_file.h"
+#include "files/library/entry_search.h"
 #include "files/library/library_core.h"
 #include "files/replace_file.h"
 
@@ -51,18 +52,20 @@ class Beside {
   bool wasMade_, isInPlace_ = false;
 };
 
-// What stays, as few long ranges.
-std::vector<Range> keptRanges(const LibraryIndex& index,
+// What stays, as few long ranges: all but what is dropped, entries without a name too.
+std::vector<Range> keptRanges(const LibraryIndex& index, std::uint64_t end,
                               const std::function<bool(const IndexEntry&)>& drops) {
   std::vector<Range> ranges;
+  std::uint64_t at = kHeaderSize;
+  const auto keepUpTo = [&](std::uint64_t position) {
+    if (at < position) ranges.push_back({at, position});
+  };
   for (const IndexEntry& entry : index.entries()) {
-    if (drops(entry)) continue;
-    if (!ranges.empty() && ranges.back().end == entry.position) {
-      ranges.back().end = entry.end();
-    } else {
-      ranges.push_back({entry.position, entry.end()});
-    }
+    if (!drops(entry)) continue;
+    keepUpTo(entry.position);
+    at = entry.end();
   }
+  keepUpTo(end);
   return ranges;
 }
 
@@ -87,14 +90,14 @@ bool copyRanges(LibraryFile& from, const std::vector<Range>& ranges, LibraryFile
 }  // namespace
 
 int LibraryCore::rewrite(const std::function<bool(const IndexEntry&)>& drops) {
-  const std::vector<Range> ranges = keptRanges(index, drops);
+  const std::vector<Range> ranges = keptRanges(index, scan.position, drops);
   std::uint64_t total = 0;
   for (const Range& range : ranges) total += range.end - range.begin;
   // What goes at the end goes with one cut.
   const std::uint64_t kept = kHeaderSize + total;
   const bool isBegin = ranges.empty() || (ranges.size() == 1 && ranges[0].begin == kHeaderSize);
   Progress watched = progress(isBegin ? 0 : total);
-  if (!watched.begin()) return ZoResult::refused;
+  if (!watched.begin() || !mayDrop(drops, watched)) return ZoResult::refused;
   if (isBegin) {
     if (kept == file.size()) return ZoResult::ok;
     isIndexed = false;
@@ -133,6 +136,25 @@ int LibraryCore::rewrite(const std::function<bool(const IndexEntry&)>& drops) {
   return ZoResult::refused;
 }
 
+// Whether no entry that is to go swallowed others that are not.
+bool LibraryCore::mayDrop(const std::function<bool(const IndexEntry&)>& drops, Progress& watched) {
+  for (const IndexEntry& found : index.entries()) {
+    if (!drops(found)) continue;
+    RawEntry entry;
+    if (!load(found, entry)) return false;
+    const bool isSound = extentOf(entry, watched) == Extent::kSound;
+    if (!watched.add(0)) return false;
+    if (isSound || holdsLibrary(entry)) continue;
+    EntrySearch search(file, file.size(), [&] { return watched.add(0); });
+    search.know(entry.end());
+    search.search(entry.position + 1, entry.end());
+    if (search.found().empty()) continue;
+    SetLastError(ERROR_FILE_CORRUPT);
+    return reportFailure(L"reorganize");
+  }
+  return watched.add(0);
+}
+
 int LibraryCore::reorganize() {
   if (const int code = mayWrite()) return code;
   if (const int code = settle()) return code;
@@ -141,15 +163,15 @@ int LibraryCore::reorganize() {
 
 void LibraryCore::movePlaces(const std::function<bool(const IndexEntry&)>& drops) {
   for (MemberPlace* const place : places) {
-    std::uint64_t at = kHeaderSize;
+    std::uint64_t dropped = 0;
     for (const IndexEntry& entry : index.entries()) {
       const bool isDropped = drops(entry);
       if (entry.position == place->entry.position) {
         place->isGone = isDropped;
-        place->entry.position = at;
+        place->entry.position -= dropped;
         break;
       }
-      if (!isDropped) at += entry.end() - entry.position;
+      if (isDropped) dropped += entry.end() - entry.position;
     }
   }
 }

@@ -1,16 +1,26 @@
 // Copying what can be read from a damaged library into another one.
 //
-// The entries are followed from one to the next as in any scan. An entry is taken when its check
-// value proves it, or when what follows it is an entry again or the end of the file. Behind
-// anything else the next place is searched where an entry may stand.
+// First all that a scan comes to, so that nothing is missing that a reader gets; then what is found
+// behind its end, and in the entries that nothing proves: one of a wrong size swallowed others.
+#include <algorithm>
+
 #include "files/library/change.h"
+#include "files/library/entry_search.h"
+#include "persist/crc32.h"
 
 namespace zo {
 namespace {
 
-class NoSink final : public ByteSink {
+class CheckedSink final : public ByteSink {
  public:
-  bool write(Bytes) noexcept override { return true; }
+  bool write(Bytes bytes) noexcept override {
+    crc_ = crc32Update(crc_, bytes);
+    return true;
+  }
+  [[nodiscard]] std::uint32_t crc() const { return ~crc_; }
+
+ private:
+  std::uint32_t crc_ = kCrcStart;
 };
 
 class Salvage {
@@ -22,64 +32,124 @@ class Salvage {
         progress_(progress),
         report_(report),
         change_(to),
-        window_(from.file, from.file.size()) {}
+        window_(from.file, from.file.size()),
+        search_(from.file, from.file.size(), [this] { return progress_.add(0); }) {}
 
   int run() {
     if (const int code = change_.begin()) return code;
-    std::uint64_t at = kHeaderSize;
-    while (at < window_.size()) {
-      RawEntry entry;
-      const bool isEntry = readEntry(window_, at, entry) == ScanEnd::kFileEnd;
-      const std::uint64_t next = isEntry ? take(entry) : at + 1;
-      at = isEntry && next == entry.end() ? next : findEntry(window_, next, from_.header.counter());
-      if (window_.takeFailure()) tell(RawEntry{.position = next, .name = {}}, 1);
-      if (isStopped_) return ZoResult::refused;
-    }
-    if (!progress_.finish()) return ZoResult::refused;
+    takeListed();
+    takeFirstOfTail();
+    search();
+    takeFound();
+    if (isStopped_ || !progress_.finish()) return ZoResult::refused;
     return copied_.entries().empty() ? ZoResult::ok : change_.commit();
   }
 
  private:
-  // Where to go on: the entry's end when that can be believed.
-  std::uint64_t take(RawEntry& entry) {
-    if (isRedo(entry.record, entry.name)) return entry.end();
-    for (const RawEntry& patch : from_.scan.redo) {
-      if (patch.position == entry.position) entry = patch;
+  struct Listed {
+    std::uint64_t position, end;
+    bool isSound;  // or a library, in which entries are no damage
+  };
+
+  void takeListed() {
+    listed_.reserve(from_.index.entries().size());
+    for (const IndexEntry& found : from_.index.entries()) {
+      if (isStopped_) return;
+      RawEntry entry;
+      if (readEntry(window_, found.position, entry) != ScanEnd::kFileEnd) {
+        entry = {.position = found.position, .record = found.record, .name = {}};
+        tell(entry, ZoResult::refused);
+        listed_.push_back({found.position, found.end(), false});
+        continue;
+      }
+      for (const RawEntry& patch : from_.scan.redo) {
+        if (patch.position == entry.position) entry = patch;
+      }
+      entry.trailer = trailerOf(window_, entry);
+      const bool isSound = isRedo(entry.record, entry.name) || take(entry) || entry.meetsTrailer();
+      listed_.push_back({entry.position, entry.end(), isSound || from_.holdsLibrary(entry)});
     }
-    entry.trailer = trailerOf(window_, entry);
-    bool ignored = false;
+  }
+
+  // Where a scan ends by damage: an entry that cannot be whole is at least named.
+  void takeFirstOfTail() {
+    RawEntry entry;
+    const std::uint64_t at = from_.scan.position;
+    if (readEntry(window_, at, entry) != ScanEnd::kNoEntry || isStopped_) return;
+    const std::size_t length = entry.record.nameLength;
+    const unsigned char* const bytes = window_.at(at, kRecordSize + length);
+    if (!bytes || length == 0) return;
+    entry.name.assign(bytes + kRecordSize, bytes + kRecordSize + length);
+    const bool isName = std::none_of(bytes + kRecordSize, bytes + kRecordSize + length,
+                                     [](unsigned char c) { return c < 0x20; });
+    if (isName) tell(entry, ZoResult::refused);
+  }
+
+  // From the last to the first, since an entry is known by what follows it.
+  void search() {
+    const std::uint64_t size = window_.size(), end = std::min(from_.scan.position, size);
+    search_.know(size);
+    const ScanEnd tail = endAt(window_, end);
+    if (tail == ScanEnd::kClosedGate || tail == ScanEnd::kZero) search_.know(end);
+    if (!from_.isOwnTail()) search_.search(end, size);
+    std::uint64_t next = end;
+    for (std::size_t i = listed_.size(); i-- > 0 && !isStopped_;) {
+      const Listed& entry = listed_[i];
+      search_.search(entry.end, next);  // entries without a name
+      if (!entry.isSound) search_.search(entry.position + 1, entry.end);
+      if (entry.isSound || search_.knows(entry.end)) search_.know(entry.position);
+      next = entry.position;
+    }
+    search_.search(kHeaderSize, next);
+  }
+
+  void takeFound() {
+    std::uint64_t next = 0;
+    for (std::size_t i = search_.found().size(); i-- > 0 && !isStopped_;) {
+      RawEntry entry;
+      const std::uint64_t at = search_.found()[i];
+      if (at < next || readEntry(window_, at, entry) != ScanEnd::kFileEnd) continue;
+      entry.trailer = trailerOf(window_, entry);
+      if (!isRedo(entry.record, entry.name)) take(entry);
+      next = entry.end();  // what is found in an entry that was found is its data
+    }
+    for (const std::uint64_t at : search_.unreadable()) {
+      if (!isStopped_) tell(RawEntry{.position = at, .name = {}}, ZoResult::refused);
+    }
+  }
+
+  // Copies a member that can be read. Whether its data prove it, and with it where it ends.
+  bool take(const RawEntry& entry) {
     const ZoLibrary::Watcher none;
+    bool ignored = false;
     Progress unwatched(none, ignored, 0);
-    NoSink sink;
+    CheckedSink sink;
     int code = from_.readMember(entry, sink, unwatched);
-    const bool isProven =
-        code == ZoResult::ok &&
-        (entry.record.has(kIsCompressed) || entry.record.protectsStored(from_.header.counter()));
-    // No data prove nothing of the name's length.
-    const bool endIsSound = (isProven && entry.record.storedSize != 0) || isEnd(entry.end());
-    if (code == ZoResult::ok && !isProven && !endIsSound) code = ZoResult::refused;
-    if (code == ZoResult::ok) code = copy(entry);
+    const bool isProtected =
+        entry.record.has(kIsCompressed) || entry.record.protectsStored(from_.header.counter());
+    const bool isProven = code == ZoResult::ok && isProtected && entry.contentSize() != 0;
+    if (code == ZoResult::ok) code = copy(entry, sink.crc());
     tell(entry, code);
-    return endIsSound ? entry.end() : entry.position + 1;
+    return isProven;
   }
 
-  bool isEnd(std::uint64_t at) {
-    RawEntry next;
-    return at == window_.size() || readEntry(window_, at, next) == ScanEnd::kFileEnd;
-  }
-
-  int copy(const RawEntry& entry) {
+  // Of several live members of a name the first keeps it; the others are copied as deleted. Fields
+  // that another maker left become those of this library: what was read is protected from now on.
+  int copy(const RawEntry& entry, std::uint32_t crc) {
     RawEntry copy = entry;
     copied_.add(entry);
     const std::wstring name(copied_.name(copied_.entries().back()));
     copied_.removeLast();
-    if (entry.record.isLive() && (to_.index.findLive(name) || copied_.findLive(name))) {
-      return ZoResult::memberExists;
-    }
+    const bool isHidden =
+        entry.record.isLive() && (to_.index.findLive(name) || copied_.findLive(name));
     copy.position = change_.end();
     copy.record.number = change_.nextNumber();
+    copy.record.crc = crc;
+    copy.record.size = entry.contentSize();
+    if (!entry.record.has(kIsCompressed)) copy.record.mode = ZoLibrary::kStore;
     copy.record.flags &= kIsCompressed | kIsDeleted;
-    if (!change_.reserve(copy) ||
+    if (isHidden) copy.record.flags |= kIsDeleted;
+    if (!change_.reserve() ||
         !copyData(from_.file, entry, to_.file, copy.dataPosition(), progress_) ||
         !change_.append(copy)) {
       isStopped_ = true;
@@ -87,7 +157,7 @@ class Salvage {
     }
     change_.countMember();
     copied_.add(copy);
-    return ZoResult::ok;
+    return isHidden ? ZoResult::memberExists : ZoResult::ok;
   }
 
   void tell(const RawEntry& entry, int code) {
@@ -100,6 +170,8 @@ class Salvage {
   const std::function<bool(const ZoLibEntry&, int)>& report_;
   Change change_;
   ReadWindow window_;
+  EntrySearch search_;
+  std::vector<Listed> listed_;
   LibraryIndex copied_;
   bool isStopped_ = false;
 };

@@ -9,12 +9,42 @@ namespace zo {
 namespace {
 
 constexpr std::size_t kFirstRead = 4096;
-constexpr int kMostFailures = 1000;  // in a row: then the device is gone
 constexpr std::uint64_t kNear = std::uint64_t{64} << 10;
 
 std::span<const unsigned char, kRecordSize> recordAt(const unsigned char* at) {
   return std::span<const unsigned char, kRecordSize>(at, kRecordSize);
 }
+
+// Where the zeros end that begin at the position.
+std::uint64_t endOfZeros(ReadWindow& window, std::uint64_t at) {
+  while (at < window.size()) {
+    const auto count =
+        static_cast<std::size_t>(std::min<std::uint64_t>(window.size() - at, ReadWindow::kSize));
+    const unsigned char* const bytes = window.at(at, count);
+    if (!bytes) return at;
+    const auto zeros = static_cast<std::size_t>(
+        std::find_if(bytes, bytes + count, [](auto byte) { return byte != 0; }) - bytes);
+    at += zeros;
+    if (zeros < count) return at;
+  }
+  return at;
+}
+
+// readEntry for places that only grow.
+class EntryReader {
+ public:
+  explicit EntryReader(ReadWindow& window) : window_(window) {}
+  ScanEnd read(std::uint64_t position, RawEntry& entry) {
+    const ScanEnd end = readEntry(window_, position, entry);
+    if (end != ScanEnd::kFileEnd || !(entry.record == EntryRecord{})) return end;
+    if (zerosEnd_ <= position) zerosEnd_ = endOfZeros(window_, position);
+    return zerosEnd_ == window_.size() ? ScanEnd::kZero : end;
+  }
+
+ private:
+  ReadWindow& window_;
+  std::uint64_t zerosEnd_ = 0;  // of those that were met last
+};
 
 std::optional<std::vector<RawEntry>> redoOf(ByteStore& store, ReadWindow& window,
                                             const RawEntry& entry) {
@@ -51,10 +81,7 @@ const unsigned char* ReadWindow::at(std::uint64_t offset, std::size_t count) {
   const auto wanted =
       static_cast<std::size_t>(std::min<std::uint64_t>(std::max(ahead_, count), size_ - offset));
   filled_ = 0;
-  if (!store_.read(offset, {buffer_.get(), wanted})) {
-    hasFailed_ = true;
-    return nullptr;
-  }
+  if (!store_.read(offset, {buffer_.get(), wanted})) return nullptr;
   begin_ = offset;
   filled_ = wanted;
   return buffer_.get();
@@ -69,15 +96,19 @@ ScanEnd readEntry(ReadWindow& window, std::uint64_t position, RawEntry& entry) {
   if (!at) return ScanEnd::kUnreadable;
   entry.position = position;
   entry.record = decodeRecord(recordAt(at));
-  if (isClosed(entry.record)) return ScanEnd::kClosedGate;
+  if (isClosed(entry.record, position)) return ScanEnd::kClosedGate;
   const std::size_t nameLength = entry.record.nameLength;
-  if (nameLength == 0) return entry.record == EntryRecord{} ? ScanEnd::kZero : ScanEnd::kNoEntry;
   if (rest < kRecordSize + nameLength || entry.record.storedSize > rest - kRecordSize - nameLength)
     return ScanEnd::kNoEntry;
   at = window.at(position, kRecordSize + nameLength);
   if (!at) return ScanEnd::kUnreadable;
   entry.name.assign(at + kRecordSize, at + kRecordSize + nameLength);
   return ScanEnd::kFileEnd;
+}
+
+ScanEnd endAt(ReadWindow& window, std::uint64_t position) {
+  RawEntry entry;
+  return EntryReader(window).read(position, entry);
 }
 
 ContentTrailer trailerOf(ReadWindow& window, const RawEntry& entry) {
@@ -88,13 +119,15 @@ ContentTrailer trailerOf(ReadWindow& window, const RawEntry& entry) {
 
 ScanResult scanEntries(ByteStore& store, std::uint64_t size, const EntryVisitor& visit) {
   ReadWindow window(store, size);
+  EntryReader reader(window);
   ScanResult result;
   RawEntry entry;
   while (result.position < size) {
-    result.end = readEntry(window, result.position, entry);
+    result.end = reader.read(result.position, entry);
     if (result.end != ScanEnd::kFileEnd) return result;
     const bool isMarked = entry.record.has(kEndsScan);
     result.lastEntry = entry.position;
+    result.lastFlags = entry.record.flags;
     result.position = entry.end();
     if (result.position == size) {
       if (auto patches = redoOf(store, window, entry)) {
@@ -104,7 +137,7 @@ ScanResult scanEntries(ByteStore& store, std::uint64_t size, const EntryVisitor&
       }
     }
     entry.trailer = trailerOf(window, entry);
-    if (!visit(entry)) result.end = ScanEnd::kStopped;
+    if (!entry.name.empty() && !visit(entry)) result.end = ScanEnd::kStopped;
     if (isMarked && result.end == ScanEnd::kFileEnd) result.end = ScanEnd::kMark;
     if (result.end != ScanEnd::kFileEnd) return result;
   }
@@ -124,71 +157,6 @@ bool mayEndInRedo(ByteStore& store, std::uint64_t size) {
   const auto name = std::string_view(reinterpret_cast<const char*>(bytes.data()), kFixed)
                         .substr(kRecordSize, kRedoName.size());
   return isRedo(record, name) && record.storedSize == patches + kRedoTail;
-}
-
-// ---- Entries behind a damage ----
-
-namespace {
-
-// 1970 to 2200, or none.
-bool isPlausibleTime(std::uint64_t time) {
-  return time == 0 || (time >= 0x019DB1DED53E8000 && time < 0x028F000000000000);
-}
-
-bool isPlausibleName(const unsigned char* name, std::size_t length) {
-  return std::none_of(name, name + length, [](unsigned char c) { return c < 0x20; });
-}
-
-bool isPlausible(const EntryRecord& record, std::uint32_t counter) {
-  constexpr std::uint16_t kKnown = kEndsScan | kIsCompressed | kIsDeleted | kIsRedo;
-  if ((record.flags & ~kKnown) != 0 || record.nameLength == 0) return false;
-  if (record.number == 0 || record.number > counter) return false;
-  const bool isCompressed = record.has(kIsCompressed);
-  const bool modeFits = isCompressed
-                            ? record.mode == 1024 || record.mode == 2048 || record.mode == 4096
-                            : record.mode == 0 && record.size == record.storedSize;
-  return modeFits && isPlausibleTime(record.created) && isPlausibleTime(record.accessed) &&
-         isPlausibleTime(record.written);
-}
-
-}  // namespace
-
-std::uint64_t findEntry(ReadWindow& window, std::uint64_t from, std::uint32_t counter) {
-  // A library whose counter was lost with its header: any number will do.
-  if (counter == 0) counter = 0xFFFFFFFF;
-  const std::uint64_t size = window.size();
-  std::size_t most = ReadWindow::kSize;
-  int failures = 0;
-  while (from < size && size - from >= kRecordSize) {
-    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(size - from, most));
-    const unsigned char* const bytes = window.at(from, count);
-    if (!bytes) {
-      if (++failures == kMostFailures) return size;
-      if (most == kFirstRead) from += kSectorSize;
-      most = kFirstRead;
-      continue;
-    }
-    failures = 0;
-    most = std::min(2 * most, ReadWindow::kSize);
-    std::size_t i = 0;
-    for (; count - i >= kRecordSize; ++i) {
-      // Flags and mode decide most of it: see isPlausible.
-      const unsigned char* const at = bytes + i;
-      if ((at[50] & 0x7F) != 0 || (at[51] & 0xF8) != 0 || at[48] != 0 || (at[49] & 0xE3) != 0) {
-        continue;
-      }
-      const EntryRecord record = decodeRecord(recordAt(at));
-      const std::uint64_t rest = size - from - i;
-      if (!isPlausible(record, counter) || rest < kRecordSize + record.nameLength ||
-          record.storedSize > rest - kRecordSize - record.nameLength) {
-        continue;
-      }
-      if (count - i < kRecordSize + record.nameLength) break;  // the name is not in the window
-      if (isPlausibleName(at + kRecordSize, record.nameLength)) return from + i;
-    }
-    from += std::max<std::size_t>(i, 1);
-  }
-  return size;
 }
 
 }  // namespace zo

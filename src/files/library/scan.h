@@ -8,7 +8,6 @@
 
 #include <functional>
 #include <memory>
-#include <utility>
 
 #include "files/library/format.h"
 #include "persist/container.h"
@@ -26,8 +25,6 @@ class ReadWindow {
   [[nodiscard]] std::uint64_t size() const { return size_; }
   // The bytes there, valid until the next call; null when they cannot be read. At most kSize.
   [[nodiscard]] const unsigned char* at(std::uint64_t offset, std::size_t count);
-  // Whether a reading failed since this was asked last.
-  [[nodiscard]] bool takeFailure() { return std::exchange(hasFailed_, false); }
 
  private:
   ByteStore& store_;
@@ -35,7 +32,6 @@ class ReadWindow {
   std::unique_ptr<unsigned char[]> buffer_;
   std::uint64_t begin_ = 0;
   std::size_t filled_ = 0;
-  bool hasFailed_ = false;
   std::size_t ahead_;
 };
 
@@ -44,8 +40,8 @@ enum class ScanEnd {
   kMark,        // an entry ended the scan
   kShort,       // fewer bytes than a record
   kClosedGate,  // an entry that was not committed
-  kZero,        // a record of zero bytes
-  kNoEntry,     // a record without a name, or whose data would pass the end of the file
+  kZero,        // nothing but zeros up to the end
+  kNoEntry,     // name or data would pass the end of the file
   kUnreadable,
   kStopped,  // the visitor had enough
 };
@@ -53,31 +49,30 @@ enum class ScanEnd {
 struct ScanResult {
   ScanEnd end = ScanEnd::kFileEnd;
   std::uint64_t position = kHeaderSize;  // behind the last entry
-  std::uint64_t lastEntry = 0;           // its position; 0 for none
+  std::uint64_t lastEntry = 0;           // its position, be it without a name; 0 for none
+  std::uint16_t lastFlags = 0;           // of that one
   // Of the last entry, when that is a committed redo: what it changes, and its position.
   std::vector<RawEntry> redo;
   std::uint64_t redoPosition = 0;
 };
 
-// The entry at the position, if one stands there; what is there instead otherwise.
+// The entry at the position, if one stands there; what is there instead otherwise. One without a
+// name is an entry.
 [[nodiscard]] ScanEnd readEntry(ReadWindow& window, std::uint64_t position, RawEntry& entry);
+
+// What a scan meets that comes to the position: kFileEnd for an entry.
+[[nodiscard]] ScanEnd endAt(ReadWindow& window, std::uint64_t position);
 
 // Of an entry with compressed data; zeros for any other.
 [[nodiscard]] ContentTrailer trailerOf(ReadWindow& window, const RawEntry& entry);
 
-// Visits all entries but a committed redo at the end, until the visitor returns false; patches are
-// not yet applied.
+// Visits all entries but those without a name and a committed redo at the end, until the visitor
+// returns false; patches are not yet applied.
 using EntryVisitor = std::function<bool(const RawEntry&)>;
 [[nodiscard]] ScanResult scanEntries(ByteStore& store, std::uint64_t size,
                                      const EntryVisitor& visit);
 
 // Whether the file may end in a redo, told by its end alone. Only a scan can tell whether it does.
 [[nodiscard]] bool mayEndInRedo(ByteStore& store, std::uint64_t size);
-
-// The next place from `from` on where an entry seems to stand that this library may have written:
-// its fields agree with each other and it ends within the file. `size` when there is none. What
-// cannot be read is passed over.
-[[nodiscard]] std::uint64_t findEntry(ReadWindow& window, std::uint64_t from,
-                                      std::uint32_t counter);
 
 }  // namespace zo

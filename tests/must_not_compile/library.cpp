@@ -1,0 +1,30 @@
+#include <zo/files.h>
+#include <zo/text/containers/array.h>
+
+// clang-format off
+int wrong(ZoLibrary& library, ZoFile& file, const ZoFileName& name, ZoArray<ZoFileName>& names,
+          ZoArray<FILETIME>& times, std::FILE** stream) {
+  int code = 0;
+  code += library.open(name, ZoFile::kOpenAlways);                          // error: the access comes first
+  code += library.open(name, true);                                         // error: the access comes first
+  code += library.open(name, ZoFile::kRead, ZoFile::kOpenExisting, true);   // error: the access comes first
+  code += library.addFile(name, name, ZoLibrary::kCompress);                // error: in this order
+  code += library.addFile(L"a", L"b", 1);                                   // error: in this order
+  code += library.addFile(L"a", L"b", L"c");                                // error: in this order
+  code += library.addFile(file, name, ZoLibrary::kBest);                    // error: in this order
+  code += library.addFile(file, name, ZoLibrary::kStore, true);             // error: in this order
+  code += library.addFile(name, name, true, ZoLibrary::kBest);              // error: invalid conversion
+  code += library.addFile(name, name, true, ZoLibrary::kCompress, ZoLibrary::kAutomatic);  // error: in this order
+  code += library.addFile(name, name, true, ZoLibrary::kCompress, true);    // error: in this order
+  code += library.deleteFile(L"a", L"b");                                   // error: one member, bool physically
+  code += library.deleteFile(name, 1);                                      // error: one member, bool physically
+  code += library.getFile(file, name, ZoLibrary::kStore);                   // error: then the compMode
+  code += library.getFile(file, name, ZoFile::kWrite, ZoLibrary::kBest);    // error: invalid conversion
+  code += library.getCFile(stream, name, ZoFile::kOpenExisting);            // error: then the compMode
+  code += library.getFileNames(names, &times);                              // error: bool withDeleted
+  code += library.forEachEntry([](const ZoLibEntry&) { return true; }, 1);  // error: bool withDeleted
+  library.close();                                                          // error: nodiscard
+  library.addFile(name, name);                                              // error: nodiscard
+  library.getFile(file, name);                                              // error: nodiscard
+  return code;
+}
