@@ -305,7 +305,7 @@ void read(benchmark::State& state) {
   for (auto _ : state) {
     for (const std::wstring& text : all) {
       double value = 0;
-      ZoStrToReal(text, value);
+      benchmark::DoNotOptimize(ZoStrToReal(text, value));
       benchmark::DoNotOptimize(value);
     }
   }

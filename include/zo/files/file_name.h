@@ -48,7 +48,6 @@
 #include <compare>
 #include <concepts>
 #include <cstddef>
-#include <functional>
 #include <iosfwd>
 #include <string>
 #include <string_view>

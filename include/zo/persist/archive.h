@@ -25,13 +25,13 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/platform_types.h>
 #include <zo/variant/color.h>
 
 #include <concepts>
 #include <cstdint>
 #include <type_traits>
 
-struct _GUID;  // NOLINT(bugprone-reserved-identifier): the platform's name
 class ZoCoSystem;
 class ZoFileName;
 class ZoHnd;

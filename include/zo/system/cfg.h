@@ -11,14 +11,13 @@
 // Cost:    every operation opens what it reads and closes it again.
 #pragma once
 
+#include <zo/platform_types.h>
 #include <zo/system/sys_obj.h>
 #include <zo/text/string.h>
 #include <zo/variant/variant.h>
 
 #include <memory>
 
-struct HKEY__;
-using HKEY = HKEY__*;
 class SECRegistry;
 
 // The order of the virtual functions is part of the interface.

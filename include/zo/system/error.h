@@ -8,9 +8,8 @@
 //          256 characters. A null format of a warning counts as an empty one.
 #pragma once
 
+#include <zo/platform_types.h>  // HWND points to HWND__
 #include <zo/system/sys_obj.h>
-
-struct HWND__;  // HWND points to it  NOLINT(bugprone-reserved-identifier): the platform names it
 
 class ZO_COM_API ZoError : public ZoSysObj {
  public:

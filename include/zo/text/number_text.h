@@ -33,11 +33,12 @@ inline constexpr int overflow = 4;  // a number, but too large
 }
 
 // end, where given, receives the position of the first character that was not taken.
-ZO_COM_API int ZoStrToReal(std::wstring_view text, double& value, unsigned int* end = nullptr,
-                           wchar_t decimal = L'.', wchar_t grouping = 0) noexcept;
+[[nodiscard]] ZO_COM_API int ZoStrToReal(std::wstring_view text, double& value,
+                                         unsigned int* end = nullptr, wchar_t decimal = L'.',
+                                         wchar_t grouping = 0) noexcept;
 // Likewise for whole numbers: no decimal character and no exponent are taken.
-ZO_COM_API int ZoStrToInt(std::wstring_view text, std::int64_t& value, unsigned int* end = nullptr,
-                          wchar_t grouping = 0) noexcept;
+[[nodiscard]] ZO_COM_API int ZoStrToInt(std::wstring_view text, std::int64_t& value,
+                                        unsigned int* end = nullptr, wchar_t grouping = 0) noexcept;
 
 // Room for every number's text with its terminating zero.
 inline constexpr unsigned int ZoNumberTextSize = 32;

@@ -25,7 +25,6 @@
 
 #include <compare>
 #include <concepts>
-#include <functional>
 #include <iosfwd>
 #include <string_view>
 #include <utility>

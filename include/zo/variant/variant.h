@@ -34,7 +34,6 @@
 #include <cstdint>
 #include <cstring>
 #include <iosfwd>
-#include <memory>
 #include <new>
 #include <string_view>
 #include <type_traits>
