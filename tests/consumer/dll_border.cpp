@@ -58,6 +58,15 @@ TEST(Consumer, ThreadsMayUseEmptyStringsAtTheSameTime) {
   EXPECT_STREQ(ZoString().data(), L"");
 }
 
+TEST(Consumer, FileTimesConvertFromAndToThePlatforms) {
+  const FILETIME time{.dwLowDateTime = 0x89ABCDEF, .dwHighDateTime = 0x01D01234};
+  const ZoFileTime ours = time;
+  EXPECT_EQ(ours.ticks, 0x01D0123489ABCDEFU);
+  EXPECT_LT(ZoFileTime(), ours);
+  const FILETIME back = ours;
+  EXPECT_EQ(CompareFileTime(&time, &back), 0);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {

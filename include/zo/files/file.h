@@ -24,15 +24,13 @@
 
 #include <zo/config.h>
 #include <zo/files/file_name.h>
+#include <zo/platform_types.h>
 
 #include <cstdint>
 #include <cstdio>
 #include <utility>
 
 class ZoFileImp;
-// The platform's, declared here so that windows.h is left to those who look into a time.
-struct _FILETIME;  // NOLINT(bugprone-reserved-identifier): the platform's name
-using FILETIME = _FILETIME;
 
 class ZO_COM_API ZoFile {
  public:

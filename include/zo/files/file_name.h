@@ -49,7 +49,6 @@
 #include <compare>
 #include <concepts>
 #include <cstddef>
-#include <functional>
 #include <iosfwd>
 #include <string>
 #include <string_view>

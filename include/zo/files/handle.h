@@ -15,7 +15,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
+#include <string_view>  // std::hash
 #include <utility>
 
 class ZO_COM_API ZoHnd {

@@ -3,10 +3,8 @@
 // Stored: docs/formats/library.md.
 #pragma once
 
-#include <zo/files/file.h>
 #include <zo/files/file_name.h>
-
-#include <windows.h>
+#include <zo/files/file_time.h>
 
 #include <cstdint>
 
@@ -20,7 +18,7 @@ struct ZoLibEntry {
   // Bytes of the member itself. Taken from the data for a compressed member; from the entry, or
   // else the stored size, for any other.
   std::uint64_t size = 0;
-  FILETIME created{}, accessed{}, written{};
+  ZoFileTime created, accessed, written;
   std::uint32_t number = 0;  // the library's counter when the member was added; a hint
   std::uint32_t crc = 0;     // of the uncompressed bytes, where isProtected
   unsigned short mode = 0;   // 0 stored, else 1024, 2048 or 4096; a hint

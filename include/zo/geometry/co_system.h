@@ -39,9 +39,11 @@ class ZoCoSystem {
                                                       const ZoVector& y) noexcept;
 
   // Return 0, or 3 when an axis is of zero length or not a number, or x and y are parallel.
-  ZO_COM_API int set(const ZoPoint& origin, const ZoVector& x, const ZoVector& y) noexcept;
-  ZO_COM_API int set(const ZoPoint& origin, const ZoVector& z) noexcept;
-  ZO_COM_API int set(const ZoPoint& origin, const ZoPoint& onX, const ZoPoint& onY) noexcept;
+  [[nodiscard]] ZO_COM_API int set(const ZoPoint& origin, const ZoVector& x,
+                                   const ZoVector& y) noexcept;
+  [[nodiscard]] ZO_COM_API int set(const ZoPoint& origin, const ZoVector& z) noexcept;
+  [[nodiscard]] ZO_COM_API int set(const ZoPoint& origin, const ZoPoint& onX,
+                                   const ZoPoint& onY) noexcept;
 
   [[nodiscard]] constexpr const ZoPoint& origin() const noexcept { return origin_; }
   [[nodiscard]] constexpr const ZoVector& xAxis() const noexcept { return x_; }

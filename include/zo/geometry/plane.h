@@ -39,15 +39,16 @@ class ZoPlane {
 
   // Through the origin, perpendicular to the axis X, Y or Z of either case. Returns 0, or 1 for any
   // other character.
-  ZO_COM_API int set(wchar_t axis) noexcept;
+  [[nodiscard]] ZO_COM_API int set(wchar_t axis) noexcept;
   // These return 0, or 3 when a direction that they are given or compute is of zero length or not a
   // number.
-  ZO_COM_API int set(const ZoPoint& p, const ZoVector& n) noexcept;
-  ZO_COM_API int set(const ZoPoint& p1, const ZoPoint& p2, const ZoPoint& p3) noexcept;
-  ZO_COM_API int set(const ZoPoint& p, const ZoVector& u, const ZoVector& v) noexcept;
+  [[nodiscard]] ZO_COM_API int set(const ZoPoint& p, const ZoVector& n) noexcept;
+  [[nodiscard]] ZO_COM_API int set(const ZoPoint& p1, const ZoPoint& p2,
+                                   const ZoPoint& p3) noexcept;
+  [[nodiscard]] ZO_COM_API int set(const ZoPoint& p, const ZoVector& u, const ZoVector& v) noexcept;
   // The plane a x + b y + c z + d = 0. Its normal is of unit length, its reference point the one
   // nearest to the origin.
-  ZO_COM_API int set(double a, double b, double c, double d) noexcept;
+  [[nodiscard]] ZO_COM_API int set(double a, double b, double c, double d) noexcept;
 
   // Positive on the normal's side. 0 when the normal is shorter than the default vector tolerance.
   [[nodiscard]] double signedDistanceTo(const ZoPoint& q) const noexcept {

@@ -90,7 +90,7 @@ class ZoVector {
 
   // Scales to unit length: each component divided by the length. Returns 0, or 1 when the vector is
   // shorter than the default vector tolerance; it then stays as it is.
-  int normalize() noexcept { return normal(*this); }
+  [[nodiscard]] int normalize() noexcept { return normal(*this); }
   // The same, into `out`, which on 1 stays as it was.
   [[nodiscard]] int normal(ZoVector& out) const noexcept;
 

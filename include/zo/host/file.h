@@ -55,7 +55,8 @@ class ZO_COM_API CFile {
   virtual ~CFile();  // closes
 
   // False for a failure; this alone does not throw.
-  virtual int Open(const wchar_t* name, unsigned int flags, CFileException* = nullptr);
+  [[nodiscard]] virtual int Open(const wchar_t* name, unsigned int flags,
+                                 CFileException* = nullptr);
   virtual unsigned int Read(void* buffer, unsigned int count);
   virtual void Write(const void* data, unsigned int count);
   virtual unsigned long long Seek(long long offset, unsigned int from);

@@ -17,6 +17,7 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/platform_types.h>
 #include <zo/text/string.h>
 
 #include <string_view>
@@ -33,9 +34,6 @@ inline std::wstring_view viewOf(const RegistryText& text) {
 }  // namespace zo
 
 #else
-
-struct HKEY__;
-using HKEY = HKEY__*;
 
 class ZO_COM_API SECRegistry {
  public:
@@ -69,31 +67,31 @@ class ZO_COM_API SECRegistry {
 
   // Open a key, in place of the one that was open; after a failure none is. An empty path is the
   // root. Create makes the levels that are missing.
-  bool Open(const wchar_t* path, CreatePermissions access);
-  bool Create(const wchar_t* path, const wchar_t* className = nullptr,
-              CreateOptions options = optionsNonVolatile,
-              CreatePermissions access = permissionAllAccess);
+  [[nodiscard]] bool Open(const wchar_t* path, CreatePermissions access);
+  [[nodiscard]] bool Create(const wchar_t* path, const wchar_t* className = nullptr,
+                            CreateOptions options = optionsNonVolatile,
+                            CreatePermissions access = permissionAllAccess);
   // Closes the open key; the connection stays. False when none was open.
   bool Close() noexcept;
 
   // Copies a value to a buffer of size bytes; afterwards size is that of the whole value, also when
   // it does not fit (then false and ERROR_MORE_DATA). A null buffer asks for type and size only.
-  bool QueryValue(const wchar_t* name, KeyValueTypes& type, unsigned char* buffer,
-                  unsigned long& size) noexcept;
-  bool SetValue(const wchar_t* name, unsigned long value) noexcept;
-  bool SetValue(const wchar_t* name, KeyValueTypes type, const unsigned char* data,
-                unsigned long size) noexcept;
-  bool DeleteValue(const wchar_t* name) noexcept;
+  [[nodiscard]] bool QueryValue(const wchar_t* name, KeyValueTypes& type, unsigned char* buffer,
+                                unsigned long& size) noexcept;
+  [[nodiscard]] bool SetValue(const wchar_t* name, unsigned long value) noexcept;
+  [[nodiscard]] bool SetValue(const wchar_t* name, KeyValueTypes type, const unsigned char* data,
+                              unsigned long size) noexcept;
+  [[nodiscard]] bool DeleteValue(const wchar_t* name) noexcept;
 
   // The name at an index from 0; false and ERROR_NO_MORE_ITEMS behind the last. Names move when
   // keys or values come or go meanwhile: one may then be missed, or come twice.
-  bool EnumerateKeys(unsigned long index, ZoString& name);
-  bool EnumerateValues(unsigned long index, ZoString& name, KeyValueTypes& type);
+  [[nodiscard]] bool EnumerateKeys(unsigned long index, ZoString& name);
+  [[nodiscard]] bool EnumerateValues(unsigned long index, ZoString& name, KeyValueTypes& type);
 
   // Deletes the key at a path from the root, with its values; recursive also with the keys below
   // it, otherwise it has none. The root itself is never deleted (an empty path:
   // ERROR_INVALID_PARAMETER).
-  bool DeleteKey(const wchar_t* path, bool recursive);
+  [[nodiscard]] bool DeleteKey(const wchar_t* path, bool recursive);
 
   [[nodiscard]] HKEY key() const noexcept { return m_hKey; }
 

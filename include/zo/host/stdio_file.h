@@ -13,7 +13,8 @@ class ZO_COM_API CStdioFile : public CFile {
   CStdioFile(const wchar_t* name, unsigned int flags);
   ~CStdioFile() override;
 
-  int Open(const wchar_t* name, unsigned int flags, CFileException* = nullptr) override;
+  [[nodiscard]] int Open(const wchar_t* name, unsigned int flags,
+                         CFileException* = nullptr) override;
   unsigned int Read(void* buffer, unsigned int count) override;
   void Write(const void* data, unsigned int count) override;
   unsigned long long Seek(long long offset, unsigned int from) override;

@@ -33,6 +33,7 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/platform_types.h>
 #include <zo/variant/color.h>
 
 #include <concepts>
@@ -42,7 +43,6 @@
 #include <type_traits>
 #include <utility>
 
-struct _GUID;  // NOLINT(bugprone-reserved-identifier): the platform's name
 class ZoCoSystem;
 class ZoFileName;
 class ZoHnd;

@@ -14,6 +14,7 @@
 // Cost:    every operation opens what it reads and closes it again.
 #pragma once
 
+#include <zo/platform_types.h>
 #include <zo/results.h>
 #include <zo/system/sys_obj.h>
 #include <zo/text/string.h>
@@ -25,8 +26,6 @@
 #include <type_traits>
 #include <utility>
 
-struct HKEY__;
-using HKEY = HKEY__*;
 class SECRegistry;
 
 // A number that a setting can be: not a character.

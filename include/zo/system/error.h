@@ -15,11 +15,10 @@
 //          library to 256. A null format of a warning counts as an empty one.
 #pragma once
 
+#include <zo/platform_types.h>  // HWND points to HWND__
 #include <zo/system/source_place.h>
 #include <zo/system/sys_obj.h>
 #include <zo/text/printf.h>
-
-struct HWND__;  // HWND points to it  NOLINT(bugprone-reserved-identifier): the platform names it
 
 #if defined(__GNUC__)
 #pragma GCC diagnostic push

@@ -16,7 +16,6 @@
 
 #include <compare>
 #include <cstddef>
-#include <functional>
 #include <iosfwd>
 #include <string_view>
 

@@ -12,7 +12,17 @@
 #include <zo/text/containers/hash_value.h>
 #include <zo/text/string.h>
 
-#include <guiddef.h>
+// The platform's structure, as guiddef.h declares it and under its guard: that header brings macros
+// as short as FAR. It has the operators of GUIDs; include it, before or after this one, to use them.
+#if !defined(GUID_DEFINED)
+#define GUID_DEFINED
+typedef struct _GUID {  // NOLINT(bugprone-reserved-identifier, modernize-use-using)
+  unsigned long Data1;
+  unsigned short Data2;
+  unsigned short Data3;
+  unsigned char Data4[8];
+} GUID;
+#endif
 
 #include <cstring>
 

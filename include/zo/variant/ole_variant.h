@@ -10,9 +10,9 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/platform_types.h>  // VARIANT of oaidl.h is tagVARIANT
 
 class ZoVariant;
-struct tagVARIANT;  // VARIANT of oaidl.h
 
 // The VARIANT must be initialised; what it holds is cleared first.
 [[nodiscard]] ZO_COM_API int ZoVariantToOle(const ZoVariant& value, tagVARIANT& out);

@@ -42,7 +42,6 @@
 #include <cstdint>
 #include <cstring>
 #include <iosfwd>
-#include <memory>
 #include <new>
 #include <string>
 #include <string_view>

@@ -136,7 +136,8 @@ class ZoArray : public ZoSequence<T> {
   [[nodiscard]] int copyFrom(const ZoSequence<T>& other) final {
     if (this == &other) return ZoResult::ok;
     ZoArray copy(0, growSize());
-    if (const int status = copy.resize(std::max(capacity(), other.entries()))) return status;
+    if (const int status = copy.resize(capacity() < other.entries() ? other.entries() : capacity()))
+      return status;
     if (const int status = copy.append(other)) return status;
     *this = std::move(copy);
     return ZoResult::ok;

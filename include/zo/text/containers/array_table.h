@@ -8,8 +8,6 @@
 #include <zo/text/containers/node_pool.h>
 #include <zo/text/containers/varray.h>
 
-#include <algorithm>
-
 template <class T>
 class ZoArrayTable final : public ZoVArrayTable {
  public:
@@ -94,8 +92,12 @@ class ZoArrayTable final : public ZoVArrayTable {
 
   [[nodiscard]] int appendCopies(const void* from, unsigned n, unsigned entries) override {
     if constexpr (zo::isCopyable<T>) {
-      return zo::asStatus(
-          [&] { std::uninitialized_copy_n(static_cast<const T*>(from), n, data() + entries); });
+      const T* const values = static_cast<const T*>(from);
+      return zo::asStatus([&] {
+        zo::makeElements(data() + entries, n, [&](T* place, unsigned k) {
+          ::new (static_cast<void*>(place)) T(values[k]);
+        });
+      });
     } else {
       return ZoResult::refused;
     }
@@ -115,7 +117,7 @@ class ZoArrayTable final : public ZoVArrayTable {
                        [&](T* place, unsigned k) { carry(place, data() + (k < i ? k : k + n)); });
       }
     }
-    std::destroy_n(gap, n);
+    zo::destroyElements(gap, n);
     if constexpr (zo::movesSafely<T>) zo::relocateElements(gap, gap + n, rest);
     return ZoResult::ok;
   }
@@ -127,7 +129,7 @@ class ZoArrayTable final : public ZoVArrayTable {
         if (k < n && element == kept[k]) {
           zo::relocateElements(data() + k++, element, 1);
         } else {
-          std::destroy_at(element);
+          zo::destroyElements(element, 1);
         }
       }
       return ZoResult::ok;
@@ -141,7 +143,10 @@ class ZoArrayTable final : public ZoVArrayTable {
 
   [[nodiscard]] int reverse(unsigned entries) override {
     if constexpr (std::is_swappable_v<T>) {
-      return zo::asStatus([&] { std::reverse(data(), data() + entries); });
+      return zo::asStatus([&] {
+        using std::swap;
+        for (unsigned i = 0; i < entries / 2; ++i) swap(data()[i], data()[entries - 1 - i]);
+      });
     } else {  // elements that cannot be assigned
       Block block(cells_);
       if (!block.cells && entries > 0) return ZoResult::outOfMemory;
@@ -202,7 +207,7 @@ class ZoArrayTable final : public ZoVArrayTable {
   int rebuild(Block& block, unsigned capacity, unsigned n, unsigned entries, Make make) {
     const int status = zo::asStatus([&] { zo::makeElements(block.cells, n, make); });
     if (status != ZoResult::ok) return status;
-    std::destroy_n(data(), entries);
+    zo::destroyElements(data(), entries);
     adopt(block, capacity);
     return ZoResult::ok;
   }

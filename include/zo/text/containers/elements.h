@@ -6,8 +6,8 @@
 
 #include <zo/results.h>
 
+#include <cstddef>
 #include <cstring>
-#include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -71,6 +71,14 @@ int moveElement(void* to, void* from) {
   }
 }
 
+// std::destroy_n without <memory>, which would double the time that containers take to compile.
+template <class T>
+void destroyElements(T* from, std::size_t n) noexcept {
+  if constexpr (!std::is_trivially_destructible_v<T>) {
+    for (T* const end = from + n; from != end; ++from) from->~T();
+  }
+}
+
 // Moves n elements to unused memory, which may overlap them; where they were is unused memory
 // afterwards.
 template <class T>
@@ -83,7 +91,7 @@ void relocateElements(T* to, T* from, std::size_t n) noexcept(movesSafely<T>) {
     for (std::size_t k = 0; k < n; ++k) {
       const std::size_t i = backwards ? n - 1 - k : k;
       ::new (static_cast<void*>(to + i)) T(std::move(from[i]));
-      std::destroy_at(from + i);
+      destroyElements(from + i, 1);
     }
   }
 }
@@ -95,7 +103,7 @@ void makeElements(T* to, unsigned n, Make&& make) {
   try {
     for (; made < n; ++made) make(to + made, made);
   } catch (...) {
-    std::destroy_n(to, made);
+    destroyElements(to, made);
     throw;
   }
 }

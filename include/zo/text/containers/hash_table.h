@@ -40,7 +40,7 @@ class ZoHashTable final : public ZoVHashTable {
     }
   }
   void deleteNode(ZoVHashNode* node) override {
-    std::destroy_at(static_cast<Node*>(node));
+    zo::destroyElements(static_cast<Node*>(node), 1);
     pool_.release(node);
   }
   [[nodiscard]] const void* key(const ZoVHashNode* node) const override {

@@ -15,7 +15,7 @@
 #include <zo/text/containers/vcallbacks.h>
 #include <zo/text/hashed_key.h>
 
-#include <functional>
+#include <string_view>  // std::hash
 
 template <class K>
 class ZoHashValue {

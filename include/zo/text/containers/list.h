@@ -44,7 +44,7 @@ class ZoListMem final : public ZoVListMem {
     }
   }
   void deleteNode(ZoVListNode* node) override {
-    std::destroy_at(static_cast<Node*>(node));
+    zo::destroyElements(static_cast<Node*>(node), 1);
     pool_.release(node);
   }
   int assign(void* to, const void* from) override { return zo::assignElement<T>(to, from); }

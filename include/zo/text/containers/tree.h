@@ -89,7 +89,7 @@ class ZoTreeMem final : public ZoVTreeMem {
     return ZoResult::refused;
   }
   void deleteNode(ZoVTreeNode* node) override {
-    std::destroy_at(static_cast<Node*>(node));
+    zo::destroyElements(static_cast<Node*>(node), 1);
     pool_.release(node);
   }
   [[nodiscard]] const void* key(const void* element) const override {
