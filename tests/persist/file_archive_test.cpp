@@ -104,6 +104,7 @@ TEST_F(FileArchive, EndsWithItsFileAndLosesNothing) {
   void (*const endings[])(Owner& file, ZoFileName other) = {
       [](Owner& file, ZoFileName) { EXPECT_EQ(file->close(), 0); },
       [](Owner& file, ZoFileName) { EXPECT_EQ(file->setImpObj(nullptr), 0); },
+      [](Owner& file, ZoFileName) { file->cancel(); },  // a plain file stays as it was written
       [](Owner& file, ZoFileName) { file.reset(); },
       [](Owner& file, ZoFileName) { *file = ZoFile(); },
       [](Owner& file, ZoFileName) { EXPECT_EQ(ZoFile(std::move(*file)).close(), 0); },
@@ -153,6 +154,26 @@ TEST_F(FileArchive, IsWrittenByACommitAndDroppedWithoutOne) {
     save.reset();
     EXPECT_EQ(bytes(), std::string(1, toDisk ? 1 : 0));
     EXPECT_EQ(thrown([&] { dropped << 4; }), L"0 The archive's file is closed");
+  }
+}
+
+TEST_F(FileArchive, IsAddedToALibraryWholeOrNotAtAll) {
+  FaultyFiles faulty;
+  ZoLibrary library;
+  ASSERT_EQ(library.open(name(L"l"), ZoFile::kReadWrite, ZoFile::kOpenAlways), 0);
+  for (const bool fails : {false, true}) {
+    ZoFile file;
+    ASSERT_EQ(library.getFile(file, L"m", ZoFile::kWrite), 0);
+    ZoFileWriteArchive to(file);
+    to << 1 << (fails ? L"bad" : L"good");
+    if (fails) faulty.arm({.fault = Fault::fail, .call = "write"});
+    EXPECT_EQ(file.close() != 0, fails);
+    ASSERT_EQ(library.getFile(file, L"m"), 0);
+    ZoFileReadArchive from(file);
+    int number = 0;
+    ZoString text;
+    from >> number >> text;
+    EXPECT_EQ(text, L"good");
   }
 }
 
