@@ -1,6 +1,7 @@
 // Archives: what each type of value is in bytes and in the dump, over every archive there is.
 #include <gtest/gtest.h>
 #include <windows.h>
+#include <zo/files/file_name.h>
 #include <zo/host/mfc.h>
 
 #include <algorithm>
@@ -64,6 +65,13 @@ TEST(Archive, VirtualFunctionsHaveTheirSlots) {
       << "behind a destructor of two slots";
 }
 #endif
+
+TEST(Archive, ADumpPrintsTextsAndNumbersAsWhatTheyAre) {
+  ZoDumpArchive dump;
+  dump.printf(L"%s has %d of %s", ZoString(L"list"), std::size_t{3}, ZoFileName(L"m8.dwg"));
+  dump.printf(L"100%%");
+  EXPECT_EQ(dump.dump(), L"\nlist has 3 of m8.dwg\n100%");
+}
 
 TEST(Archive, EveryValueHasItsBytesAndItsEntryAndComesBack) {
   PlainArchive whole;
