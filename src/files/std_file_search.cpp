@@ -1,6 +1,5 @@
 #include <windows.h>
 #include <zo/files/std_file_search.h>
-#include <zo/system/registry.h>
 #include <zo/system/sys_disp.h>
 
 #include <atomic>
@@ -11,6 +10,7 @@
 #include "platform/file_api.h"
 #include "platform/system_path.h"
 #include "system/notice_data.h"
+#include "system/service_or_null.h"
 #include "system/service_scope.h"
 
 namespace {
@@ -38,8 +38,10 @@ ZoFileName absolute(const ZoFileName& name) {
 void ZoStdFileSearch::onReactor(ZoSysNotice notice, const ZoVariant& data) {
   if (notice != ZoSysNotice::moduleLoaded || ZoFileSearchReactor::isAlive()) return;
   if (!zo::isThisLibrary(zo::moduleOf(data))) return;
+  auto* const dispatcher = zo::serviceOrNull<ZoSysDisp>();
+  if (!dispatcher) return;
   auto reactor = std::make_unique<ZoFileSearchReactor>();
-  if (ZoSystem::sysDisp().addReactor(reactor.get()) != ZoResult::ok) return;
+  if (dispatcher->addReactor(reactor.get()) != ZoResult::ok) return;
   [[maybe_unused]] const auto* const owned = reactor.release();  // by the dispatcher
 }
 
@@ -88,7 +90,9 @@ bool ZoFileSearchReactor::isAlive() noexcept { return reactorsAlive > 0; }
 double ZoFileSearchReactor::priority() { return 1.0; }
 
 void ZoFileSearchReactor::onNotice(ZoSysNotice notice, const ZoVariant& data) {
-  if (notice == ZoSysNotice::moduleReleased) ZoSystem::fileSearch().poolRelease(zo::moduleOf(data));
+  if (notice != ZoSysNotice::moduleReleased) return;
+  if (auto* const search = zo::serviceOrNull<ZoFileSearch>())
+    search->poolRelease(zo::moduleOf(data));
 }
 
 int ZoFileSearchReactor::release(const wchar_t* module) {

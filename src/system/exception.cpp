@@ -2,7 +2,8 @@
 #include <zo/results.h>
 #include <zo/system/error.h>
 #include <zo/system/exception.h>
-#include <zo/system/registry.h>
+
+#include "system/service_or_null.h"
 
 ZoComException::~ZoComException() = default;
 
@@ -22,8 +23,8 @@ const wchar_t* ZoComException::message() const {
 
 int ZoComException::report() const {
   if (errCode_ == kNoError) return ZoResult::refused;
-  ZoError* const service = ZoSystem::s_pError ? ZoSystem::s_pError : ZoSystem::s_pStdError;
-  if (asError_ && service) service->error(fileName_, funcName_, position_, message());
+  auto* const service = asError_ ? zo::serviceOrNull<ZoError>() : nullptr;
+  if (service) service->error(fileName_, funcName_, position_, message());
   return errCode_;
 }
 

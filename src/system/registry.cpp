@@ -3,6 +3,7 @@
 #include <zo/system/cfg.h>
 #include <zo/system/codepage.h>
 #include <zo/system/error.h>
+#include <zo/system/exception.h>
 #include <zo/system/execute.h>
 #include <zo/system/file_open.h>
 #include <zo/system/file_search.h>
@@ -23,7 +24,7 @@
 
 #include "system/first_failure.h"
 #include "system/notice_data.h"
-#include "system/service_slots.h"
+#include "system/service_or_null.h"
 
 #define SLOT(Name)                         \
   Zo##Name* ZoSystem::s_p##Name = nullptr; \
@@ -35,11 +36,13 @@ ZoTol ZoSystem::s_tolerance;
 
 namespace {
 
-void sendChanged(ZoSysDisp& dispatcher, const wchar_t* type, const ZoString& className) {
+void sendChanged(const wchar_t* type, const ZoString& className) {
+  auto* const dispatcher = zo::serviceOrNull<ZoSysDisp>();
+  if (!dispatcher) return;
   ZoHashDict<ZoVariant, ZoString> data(ZoVHash::kDefaultBuckets, 0.7);
   if (data.insertAt(L"Type", ZoVariant(type)) || data.insertAt(L"Class", ZoVariant(className)))
     throw std::bad_alloc();
-  dispatcher.sendNotice(ZoSysNotice::serviceChanged, ZoVariant(data));
+  dispatcher->sendNotice(ZoSysNotice::serviceChanged, ZoVariant(data));
 }
 
 // Puts the service into its slot. Gives the name of its class; none when there is no notice to
@@ -73,8 +76,7 @@ void release(zo::FirstFailure& failure, Service*& installed, ZoSysObj* standard,
 #define SLOT(Name)                                          \
   int ZoSystem::set##Name(Zo##Name* service) {              \
     const ZoString className = install(s_p##Name, service); \
-    if (service && (s_pSysDisp || s_pStdSysDisp))           \
-      sendChanged(sysDisp(), L"Zo" L## #Name, className);   \
+    if (service) sendChanged(L"Zo" L## #Name, className);   \
     return ZoResult::ok;                                    \
   }
 ZO_SERVICE_SLOTS(SLOT)
@@ -82,8 +84,13 @@ ZO_SERVICE_SLOTS(SLOT)
 
 int ZoSystem::setTolerance(const ZoTol& tolerance) {
   s_tolerance = tolerance;
-  if (s_pSysDisp || s_pStdSysDisp) sendChanged(sysDisp(), L"ZoTol", L"ZoTol");
+  sendChanged(L"ZoTol", L"ZoTol");
   return ZoResult::ok;
+}
+
+void ZoSystem::throwNoService(const wchar_t* accessor) {
+  constexpr auto* text = L"No services: call zoComDllAttach() before, and zoComDllDetach() last";
+  zoThrow(ZoComException(L"zo/system/registry.h", accessor, text, 0, true));
 }
 
 void ZoSystem::sendNotice(ZoSysNotice notice, const ZoVariant& data) {

@@ -116,6 +116,30 @@ TEST(LifeCycle, AttachesAndDetachesOnceAndLeavesNoKernelObjectBehind) {
   EXPECT_EQ(openHandles(), before);
 }
 
+TEST(LifeCycle, WithoutServicesAccessorsThrowAndTheLibraryDoesWithout) {
+  ZoFileSearchReactor reactor;
+  ZoStdFileSearch search;
+  const auto expectNone = [&] {
+    for (const Slot& slot : slots()) {
+      SCOPED_TRACE(narrow(slot.type));
+      try {
+        slot.get();
+        ADD_FAILURE();
+      } catch (const ZoComException& e) {
+        EXPECT_TRUE(std::wstring_view(e.message()).starts_with(L"No services: call zoComDll"));
+        EXPECT_EQ(_wcsicmp((std::wstring(L"Zo") + e.funcName()).c_str(), slot.type), 0);
+        EXPECT_EQ(e.report(), ZoComException::kInternalError) << "to nobody";
+      }
+    }
+    reactor.onNotice(ZoSysNotice::moduleReleased, moduleNamed(L"m"));
+    search.onReactor(ZoSysNotice::moduleLoaded, moduleNamed(L"zo_com"));
+    EXPECT_EQ(ZoSystem::setTolerance(ZoSystem::tolerance()), 0);
+  };
+  expectNone();
+  { const Attached attached; }
+  expectNone();
+}
+
 TEST(Registry, InstallsAnnouncesAndGivesBackEveryService) {
   const Attached attached;
   for (const Slot& slot : slots()) {

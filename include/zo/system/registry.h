@@ -1,12 +1,15 @@
 // The registry of the fifteen services, through which the library and its clients reach whatever
 // depends on their surroundings.
 //
+//   if (zoComDllAttach() != 0) return 1;
 //   ZoSystem::error().warning(L"part.cpp", __LINE__, L"%d parts left out", count);
 //
 // Each service has a standard implementation, made by zoComDllAttach, and may have one installed
-// by a client in its place. An accessor gives the installed one, else the standard one; before
-// zoComDllAttach, after zoComDllDetach, and for a standard service for which there was no memory,
-// it must not be used.
+// by a client in its place. An accessor gives the installed one, else the standard one. With
+// neither (before zoComDllAttach, after zoComDllDetach, or for want of memory in between) it throws
+// a ZoComException that says so, whose funcName() is the accessor's. No other class of the library
+// needs a service: without one they do their work, and only what the service would keep or show
+// is lost.
 //
 // Installing: set...(service) hands the service over to the registry, destroys the one that was
 // installed before, and sends ZoSysNotice::serviceChanged through the dispatcher then in force
@@ -14,11 +17,12 @@
 // set...(nullptr) only takes the installed one out: it is not destroyed, belongs to the caller
 // again, and no notice is sent, on purpose. Without a dispatcher nothing is sent either.
 //
-// Errors:  setters return 0. What reactors and services throw at the notice, and std::bad_alloc,
-//          reach the caller of the setter; the service is installed then all the same.
+// Errors:  accessors as said. Setters return 0; what reactors and services throw at the notice, and
+//          std::bad_alloc, reach the caller of the setter; the service is installed then all the
+//          same.
 // Threads: accessors any, setters none beside them: services are installed from one thread at
 //          start-up.
-// Cost:    an accessor reads two pointers.
+// Cost:    an accessor reads one or two pointers.
 #pragma once
 
 #include <zo/config.h>
@@ -43,45 +47,49 @@ class ZoSysObj;
 class ZoUnits;
 class ZoVariant;
 
+namespace zo {
+struct ServiceSlots;
+}
+
 class ZO_COM_API ZoSystem {
  public:
   ZoSystem() = delete;
 
   // ---- Services, in the order of the slots, which is that of notices ----
-  [[nodiscard]] static ZoCad& cad() noexcept { return *(s_pCad ? s_pCad : s_pStdCad); }
-  [[nodiscard]] static ZoCfg& cfg() noexcept { return *(s_pCfg ? s_pCfg : s_pStdCfg); }
-  [[nodiscard]] static ZoCodepage& codepage() noexcept {
-    return *(s_pCodepage ? s_pCodepage : s_pStdCodepage);
+  [[nodiscard]] static ZoCad& cad() { return inForce(s_pCad, s_pStdCad, L"cad"); }
+  [[nodiscard]] static ZoCfg& cfg() { return inForce(s_pCfg, s_pStdCfg, L"cfg"); }
+  [[nodiscard]] static ZoCodepage& codepage() {
+    return inForce(s_pCodepage, s_pStdCodepage, L"codepage");
   }
-  [[nodiscard]] static ZoError& error() noexcept { return *(s_pError ? s_pError : s_pStdError); }
-  [[nodiscard]] static ZoExecute& execute() noexcept {
-    return *(s_pExecute ? s_pExecute : s_pStdExecute);
+  [[nodiscard]] static ZoError& error() { return inForce(s_pError, s_pStdError, L"error"); }
+  [[nodiscard]] static ZoExecute& execute() {
+    return inForce(s_pExecute, s_pStdExecute, L"execute");
   }
-  [[nodiscard]] static ZoFileSystem& fileSystem() noexcept {
-    return *(s_pFileSystem ? s_pFileSystem : s_pStdFileSystem);
+  [[nodiscard]] static ZoFileSystem& fileSystem() {
+    return inForce(s_pFileSystem, s_pStdFileSystem, L"fileSystem");
   }
-  [[nodiscard]] static ZoFileSearch& fileSearch() noexcept {
-    return *(s_pFileSearch ? s_pFileSearch : s_pStdFileSearch);
+  [[nodiscard]] static ZoFileSearch& fileSearch() {
+    return inForce(s_pFileSearch, s_pStdFileSearch, L"fileSearch");
   }
-  [[nodiscard]] static ZoFileOpen& fileOpen() noexcept {
-    return *(s_pFileOpen ? s_pFileOpen : s_pStdFileOpen);
+  [[nodiscard]] static ZoFileOpen& fileOpen() {
+    return inForce(s_pFileOpen, s_pStdFileOpen, L"fileOpen");
   }
-  [[nodiscard]] static ZoLayer& layer() noexcept { return *(s_pLayer ? s_pLayer : s_pStdLayer); }
-  [[nodiscard]] static ZoMacroLib& macroLib() noexcept {
-    return *(s_pMacroLib ? s_pMacroLib : s_pStdMacroLib);
+  [[nodiscard]] static ZoLayer& layer() { return inForce(s_pLayer, s_pStdLayer, L"layer"); }
+  [[nodiscard]] static ZoMacroLib& macroLib() {
+    return inForce(s_pMacroLib, s_pStdMacroLib, L"macroLib");
   }
-  [[nodiscard]] static ZoMessage& message() noexcept {
-    return *(s_pMessage ? s_pMessage : s_pStdMessage);
+  [[nodiscard]] static ZoMessage& message() {
+    return inForce(s_pMessage, s_pStdMessage, L"message");
   }
-  [[nodiscard]] static ZoUnits& units() noexcept { return *(s_pUnits ? s_pUnits : s_pStdUnits); }
-  [[nodiscard]] static ZoStandardMgr& standardMgr() noexcept {
-    return *(s_pStandardMgr ? s_pStandardMgr : s_pStdStandardMgr);
+  [[nodiscard]] static ZoUnits& units() { return inForce(s_pUnits, s_pStdUnits, L"units"); }
+  [[nodiscard]] static ZoStandardMgr& standardMgr() {
+    return inForce(s_pStandardMgr, s_pStdStandardMgr, L"standardMgr");
   }
-  [[nodiscard]] static ZoSysDisp& sysDisp() noexcept {
-    return *(s_pSysDisp ? s_pSysDisp : s_pStdSysDisp);
+  [[nodiscard]] static ZoSysDisp& sysDisp() {
+    return inForce(s_pSysDisp, s_pStdSysDisp, L"sysDisp");
   }
-  [[nodiscard]] static ZoSysInfo& sysInfo() noexcept {
-    return *(s_pSysInfo ? s_pSysInfo : s_pStdSysInfo);
+  [[nodiscard]] static ZoSysInfo& sysInfo() {
+    return inForce(s_pSysInfo, s_pStdSysInfo, L"sysInfo");
   }
 
   static int setCad(ZoCad* service);
@@ -114,8 +122,17 @@ class ZO_COM_API ZoSystem {
   static int destruction();
 
  private:
-  friend class ZoComException;  // reports without an error service too
   friend class ZoStdSysDisp;
+  friend struct zo::ServiceSlots;  // for code of the library, which does without a service too
+
+  // Inline, so that an accessor costs no call.
+  template <class Service>
+  static Service& inForce(Service* installed, Service* standard, const wchar_t* accessor) {
+    if (installed) return *installed;
+    if (!standard) throwNoService(accessor);
+    return *standard;
+  }
+  [[noreturn]] static void throwNoService(const wchar_t* accessor);
 
   // The registry's share of a delivery: tells the services, and lets those of a released module go.
   static void sendNotice(ZoSysNotice notice, const ZoVariant& data);
