@@ -4,9 +4,10 @@
 
 namespace {
 
-const ZoFileName& noName() {
-  static const ZoFileName name;
-  return name;
+// An object without an implementation answers like a closed file.
+ZoFileImp& orNone(ZoFileImp* imp) {
+  static ZoFileImp none;
+  return imp ? *imp : none;
 }
 
 }  // namespace
@@ -43,59 +44,51 @@ int ZoFile::createTemp(ZoFileName& name, int access, CreationMode mode, int shar
 }
 
 bool ZoFile::isOpen() const noexcept { return imp_ && imp_->isOpen(); }
-int ZoFile::close() { return imp_ ? imp_->close() : ZoResult::ok; }
+int ZoFile::close() { return orNone(imp_).close(); }
 
 unsigned int ZoFile::read(void* buffer, unsigned int count) {
-  return imp_ ? imp_->read(buffer, count) : 0;
+  return orNone(imp_).read(buffer, count);
 }
 
 unsigned int ZoFile::write(const void* data, unsigned int count) {
-  return imp_ ? imp_->write(data, count) : 0;
+  return orNone(imp_).write(data, count);
 }
 
 std::int64_t ZoFile::seek(std::int64_t offset, MoveMethod method) {
-  return imp_ ? imp_->seek(offset, method) : -1;
+  return orNone(imp_).seek(offset, method);
 }
 
-std::int64_t ZoFile::currentPos() const { return imp_ ? imp_->seek(0, kCurrent) : -1; }
-std::int64_t ZoFile::size() const { return imp_ ? imp_->size() : -1; }
-int ZoFile::setEndOfFile() { return imp_ ? imp_->setEndOfFile() : ZoResult::refused; }
-int ZoFile::flush() { return imp_ ? imp_->flush() : ZoResult::refused; }
+std::int64_t ZoFile::currentPos() const { return orNone(imp_).seek(0, kCurrent); }
+std::int64_t ZoFile::size() const { return orNone(imp_).size(); }
+int ZoFile::setEndOfFile() { return orNone(imp_).setEndOfFile(); }
+int ZoFile::flush() { return orNone(imp_).flush(); }
 
 int ZoFile::lockRange(std::int64_t start, std::int64_t length) {
-  return imp_ ? imp_->lockRange(start, length) : ZoResult::refused;
+  return orNone(imp_).lockRange(start, length);
 }
 
 int ZoFile::unlockRange(std::int64_t start, std::int64_t length) {
-  return imp_ ? imp_->unlockRange(start, length) : ZoResult::refused;
+  return orNone(imp_).unlockRange(start, length);
 }
 
-const ZoFileName& ZoFile::name() const { return imp_ ? imp_->name() : noName(); }
-unsigned int ZoFile::accessMode() const noexcept { return imp_ ? imp_->accessMode() : 0; }
-unsigned int ZoFile::shareMode() const noexcept { return imp_ ? imp_->shareMode() : 0; }
-unsigned int ZoFile::attributes() const { return imp_ ? imp_->attributes() : 0; }
-FILETIME ZoFile::creationTime() const { return imp_ ? imp_->creationTime() : FILETIME{}; }
-FILETIME ZoFile::lastAccessTime() const { return imp_ ? imp_->lastAccessTime() : FILETIME{}; }
-FILETIME ZoFile::lastWriteTime() const { return imp_ ? imp_->lastWriteTime() : FILETIME{}; }
+const ZoFileName& ZoFile::name() const { return orNone(imp_).name(); }
+unsigned int ZoFile::accessMode() const noexcept { return orNone(imp_).accessMode(); }
+unsigned int ZoFile::shareMode() const noexcept { return orNone(imp_).shareMode(); }
+unsigned int ZoFile::attributes() const { return orNone(imp_).attributes(); }
+FILETIME ZoFile::creationTime() const { return orNone(imp_).creationTime(); }
+FILETIME ZoFile::lastAccessTime() const { return orNone(imp_).lastAccessTime(); }
+FILETIME ZoFile::lastWriteTime() const { return orNone(imp_).lastWriteTime(); }
 
-int ZoFile::setCreationTime(FILETIME time) {
-  return imp_ ? imp_->setCreationTime(time) : ZoResult::refused;
-}
+int ZoFile::setCreationTime(FILETIME time) { return orNone(imp_).setCreationTime(time); }
 
-int ZoFile::setLastAccessTime(FILETIME time) {
-  return imp_ ? imp_->setLastAccessTime(time) : ZoResult::refused;
-}
+int ZoFile::setLastAccessTime(FILETIME time) { return orNone(imp_).setLastAccessTime(time); }
 
-int ZoFile::setLastWriteTime(FILETIME time) {
-  return imp_ ? imp_->setLastWriteTime(time) : ZoResult::refused;
-}
+int ZoFile::setLastWriteTime(FILETIME time) { return orNone(imp_).setLastWriteTime(time); }
 
 std::FILE* ZoFile::getCFileHandle(bool text, bool writable) {
-  return imp_ ? imp_->getCFileHandle(text, writable) : nullptr;
+  return orNone(imp_).getCFileHandle(text, writable);
 }
 
-std::FILE* ZoFile::getCFileHandle(const wchar_t* mode) {
-  return imp_ ? imp_->getCFileHandle(mode) : nullptr;
-}
+std::FILE* ZoFile::getCFileHandle(const wchar_t* mode) { return orNone(imp_).getCFileHandle(mode); }
 
-void* ZoFile::handle(bool give) { return imp_ ? imp_->handle(give) : INVALID_HANDLE_VALUE; }
+void* ZoFile::handle(bool give) { return orNone(imp_).handle(give); }

@@ -275,7 +275,7 @@ TEST(FileArchive, GoesThroughItsBufferAndGivesTheFileBackInPlace) {
   ZoFile file;
   const ZoFileName name(folder.path() / L"archive");
   ASSERT_EQ(file.open(name, ZoFile::kReadWrite, ZoFile::kCreateAlways), 0);
-  file.write("head", 4);
+  ASSERT_EQ(file.write("head", 4), 4U);
   {
     ZoFileWriteArchive archive(file);
     for (int i = 0; i < 100; ++i) writeAll(archive);
@@ -283,8 +283,8 @@ TEST(FileArchive, GoesThroughItsBufferAndGivesTheFileBackInPlace) {
     archive.flush();
     EXPECT_EQ(file.currentPos(), static_cast<std::int64_t>(4 + 100 * whole.bytes.size() + 200004));
   }
-  file.write("tail", 4);
-  file.seek(4);
+  ASSERT_EQ(file.write("tail", 4), 4U);
+  ASSERT_EQ(file.seek(4), 4);
   {
     ZoFileReadArchive archive(file);
     for (int i = 0; i < 100 && !HasFailure(); ++i) expectAll(archive);
@@ -298,7 +298,7 @@ TEST(FileArchive, GoesThroughItsBufferAndGivesTheFileBackInPlace) {
 
   FaultyFiles faulty;
   faulty.arm({.fault = Fault::fail, .call = "read"});
-  file.seek(0);
+  ASSERT_EQ(file.seek(0), 0);
   ZoFileReadArchive unreadable(file);
   EXPECT_EQ(thrown([&] { unreadable.readBin(tail, 4); }), L"0 The archive's file cannot be read");
   faulty.arm({.fault = Fault::fail, .call = "write"});

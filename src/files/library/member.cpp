@@ -120,7 +120,7 @@ int LibraryMember::finish() {
   all = withThoseSet(all);
   const auto mode = level_ == 0 ? ZoLibrary::kStore : ZoLibrary::kCompress;
   const int code = core_->add(source, name_, all, true, mode, level_);
-  file_.close();
+  static_cast<void>(file_.close());  // what it held has its place now
   return code;
 }
 
