@@ -80,9 +80,10 @@ void ourPieces(benchmark::State& state, unsigned int count, unsigned int size) {
   const auto buffer = std::make_unique<char[]>(size);
   makeFile(write ? 0 : std::int64_t{count} * size);
   ZoFile file;
-  file.open(ZoFileName(folder().file().c_str()), write ? ZoFile::kWrite : ZoFile::kRead);
+  if (file.open(folder().file(), write ? ZoFile::kWrite : ZoFile::kRead))
+    return state.SkipWithError("open");
   for (auto _ : state) {
-    file.seekToBegin();
+    if (file.seekToBegin() != 0) return state.SkipWithError("seek");
     for (unsigned int i = 0; i < count; ++i) {
       const unsigned int moved =
           write ? file.write(buffer.get(), size) : file.read(buffer.get(), size);
@@ -111,9 +112,9 @@ void rawPieces(benchmark::State& state, unsigned int count, unsigned int size) {
 void readBuffered(benchmark::State& state) {
   makeFile(4 * std::int64_t{kSmallOnes} + kPiece);
   ZoFile file;
-  file.open(ZoFileName(folder().file().c_str()));
+  if (file.open(folder().file())) return state.SkipWithError("open");
   for (auto _ : state) {
-    file.seekToBegin();
+    if (file.seekToBegin() != 0) return state.SkipWithError("seek");
     zo::FileReader reader(file);
     unsigned int sum = 0, value = 0;
     for (unsigned int i = 0; i < kSmallOnes; ++i) {
@@ -143,9 +144,9 @@ void readStdio(benchmark::State& state) {
 void writeBuffered(benchmark::State& state) {
   makeFile(0);
   ZoFile file;
-  file.open(ZoFileName(folder().file().c_str()), ZoFile::kWrite);
+  if (file.open(folder().file(), ZoFile::kWrite)) return state.SkipWithError("open");
   for (auto _ : state) {
-    file.seekToBegin();
+    if (file.seekToBegin() != 0) return state.SkipWithError("seek");
     zo::FileWriter writer(file);
     for (unsigned int i = 0; i < kSmallOnes; ++i) writer.write(&i, 4);
     if (!writer.flush()) return state.SkipWithError("failed");
@@ -168,7 +169,7 @@ void findOurs(benchmark::State& state) {
   ZoFindFile find;
   for (auto _ : state) {
     unsigned int files = 0;
-    find.open(pattern, true);
+    if (find.open(pattern, true)) return state.SkipWithError("open");
     while (find.next()) {
       benchmark::DoNotOptimize(find.path());
       ++files;

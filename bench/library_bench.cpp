@@ -131,11 +131,10 @@ void appendPlain(benchmark::State& state) {
   ZoFile file;
   check(file.open(path.c_str(), ZoFile::kReadWrite), "open");
   for (auto _ : state) {
-    file.seekToEnd();
-    if (file.write(bytes.data(), 100'000) != 100'000) std::abort();
-    file.flush();
-    file.write("gate", 4);
-    file.flush();
+    if (file.seekToEnd() < 0 || file.write(bytes.data(), 100'000) != 100'000) std::abort();
+    check(file.flush(), "flush");
+    if (file.write("gate", 4) != 4) std::abort();
+    check(file.flush(), "flush");
   }
 }
 
@@ -208,9 +207,9 @@ void copyPlain(benchmark::State& state, bool toDisk) {
     if (!CopyFileW(path.c_str(), copy.c_str(), FALSE)) std::abort();
     ZoFile file;
     check(file.open(copy.c_str(), ZoFile::kReadWrite), "open");
-    if (toDisk) file.flush();
+    if (toDisk) check(file.flush(), "flush");
     state.PauseTiming();
-    file.close();
+    check(file.close(), "close");
     fs::remove(copy);
     state.ResumeTiming();
   }
@@ -313,7 +312,8 @@ std::vector<unsigned char> contentOf(const std::wstring& path) {
   ZoFile file;
   check(file.open(path.c_str()), "open");
   std::vector<unsigned char> bytes(static_cast<std::size_t>(file.size()));
-  file.read(bytes.data(), static_cast<unsigned int>(bytes.size()));
+  if (file.read(bytes.data(), static_cast<unsigned int>(bytes.size())) != bytes.size())
+    std::abort();
   return bytes;
 }
 
@@ -337,10 +337,11 @@ void packSdk(benchmark::State& state) {
                        0, nullptr, &kHeap, &kHeap),
             "encode");
       benchmark::DoNotOptimize(CrcCalc(in.data(), in.size()));
-      out.write(header, LZMA_PROPS_SIZE);
-      out.write(packed.data(), static_cast<unsigned int>(size));
+      if (out.write(header, LZMA_PROPS_SIZE) != LZMA_PROPS_SIZE ||
+          out.write(packed.data(), static_cast<unsigned int>(size)) != size)
+        std::abort();
     }
-    out.flush();
+    check(out.flush(), "flush");
   }
 }
 

@@ -4,15 +4,17 @@
 
 namespace {
 
-const ZoFileName& noName() {
-  static const ZoFileName name;
-  return name;
+// An object without an implementation answers like a closed file.
+ZoFileImp& orNone(ZoFileImp* imp) {
+  static ZoFileImp none;
+  return imp ? *imp : none;
 }
 
-// The implementation, once what lies in buffers above it has been handed over; null when there is
-// none or that failed.
-ZoFileImp* settled(ZoFileImp* imp) noexcept {
-  return imp && imp->settleBuffers() == ZoResult::ok ? imp : nullptr;
+// The implementation, once what lies in buffers above it has been handed over; null when that
+// failed.
+ZoFileImp* settled(ZoFileImp* imp) {
+  ZoFileImp& file = orNone(imp);
+  return file.settleBuffers() == ZoResult::ok ? &file : nullptr;
 }
 
 // For an implementation that is to be destroyed.
@@ -60,9 +62,9 @@ bool ZoFile::isOpen() const noexcept { return imp_ && imp_->isOpen(); }
 
 // What has lost bytes must not be made effective.
 int ZoFile::close() {
-  if (!imp_) return ZoResult::ok;
-  if (imp_->releaseBuffers() == ZoResult::ok) return imp_->close();
-  imp_->cancel();
+  ZoFileImp& file = orNone(imp_);
+  if (file.releaseBuffers() == ZoResult::ok) return file.close();
+  file.cancel();
   return ZoResult::refused;
 }
 
@@ -73,66 +75,89 @@ void ZoFile::cancel() {
 }
 
 unsigned int ZoFile::read(void* buffer, unsigned int count) {
-  return settled(imp_) ? imp_->read(buffer, count) : 0;
+  ZoFileImp* const file = settled(imp_);
+  return file ? file->read(buffer, count) : 0;
 }
 
 unsigned int ZoFile::write(const void* data, unsigned int count) {
-  return settled(imp_) ? imp_->write(data, count) : 0;
+  ZoFileImp* const file = settled(imp_);
+  return file ? file->write(data, count) : 0;
 }
 
 std::int64_t ZoFile::seek(std::int64_t offset, MoveMethod method) {
-  return settled(imp_) ? imp_->seek(offset, method) : -1;
+  ZoFileImp* const file = settled(imp_);
+  return file ? file->seek(offset, method) : -1;
 }
 
-std::int64_t ZoFile::currentPos() const { return settled(imp_) ? imp_->seek(0, kCurrent) : -1; }
-std::int64_t ZoFile::size() const { return settled(imp_) ? imp_->size() : -1; }
-int ZoFile::setEndOfFile() { return settled(imp_) ? imp_->setEndOfFile() : ZoResult::refused; }
-int ZoFile::flush() { return settled(imp_) ? imp_->flush() : ZoResult::refused; }
+std::int64_t ZoFile::currentPos() const {
+  ZoFileImp* const file = settled(imp_);
+  return file ? file->seek(0, kCurrent) : -1;
+}
+std::int64_t ZoFile::size() const {
+  ZoFileImp* const file = settled(imp_);
+  return file ? file->size() : -1;
+}
+int ZoFile::setEndOfFile() {
+  ZoFileImp* const file = settled(imp_);
+  return file ? file->setEndOfFile() : ZoResult::refused;
+}
+int ZoFile::flush() {
+  ZoFileImp* const file = settled(imp_);
+  return file ? file->flush() : ZoResult::refused;
+}
 
 int ZoFile::lockRange(std::int64_t start, std::int64_t length) {
-  return settled(imp_) ? imp_->lockRange(start, length) : ZoResult::refused;
+  ZoFileImp* const file = settled(imp_);
+  return file ? file->lockRange(start, length) : ZoResult::refused;
 }
 
 int ZoFile::unlockRange(std::int64_t start, std::int64_t length) {
-  return settled(imp_) ? imp_->unlockRange(start, length) : ZoResult::refused;
+  ZoFileImp* const file = settled(imp_);
+  return file ? file->unlockRange(start, length) : ZoResult::refused;
 }
 
-const ZoFileName& ZoFile::name() const { return imp_ ? imp_->name() : noName(); }
-unsigned int ZoFile::accessMode() const noexcept { return imp_ ? imp_->accessMode() : 0; }
-unsigned int ZoFile::shareMode() const noexcept { return imp_ ? imp_->shareMode() : 0; }
-unsigned int ZoFile::attributes() const { return imp_ ? imp_->attributes() : 0; }
-FILETIME ZoFile::creationTime() const { return imp_ ? imp_->creationTime() : FILETIME{}; }
-FILETIME ZoFile::lastAccessTime() const { return imp_ ? imp_->lastAccessTime() : FILETIME{}; }
-FILETIME ZoFile::lastWriteTime() const { return imp_ ? imp_->lastWriteTime() : FILETIME{}; }
+const ZoFileName& ZoFile::name() const { return orNone(imp_).name(); }
+unsigned int ZoFile::accessMode() const noexcept { return orNone(imp_).accessMode(); }
+unsigned int ZoFile::shareMode() const noexcept { return orNone(imp_).shareMode(); }
+unsigned int ZoFile::attributes() const { return orNone(imp_).attributes(); }
+FILETIME ZoFile::creationTime() const { return orNone(imp_).creationTime(); }
+FILETIME ZoFile::lastAccessTime() const { return orNone(imp_).lastAccessTime(); }
+FILETIME ZoFile::lastWriteTime() const { return orNone(imp_).lastWriteTime(); }
 
 int ZoFile::setCreationTime(FILETIME time) {
-  return settled(imp_) ? imp_->setCreationTime(time) : ZoResult::refused;
+  ZoFileImp* const file = settled(imp_);
+  return file ? file->setCreationTime(time) : ZoResult::refused;
 }
 
 int ZoFile::setLastAccessTime(FILETIME time) {
-  return settled(imp_) ? imp_->setLastAccessTime(time) : ZoResult::refused;
+  ZoFileImp* const file = settled(imp_);
+  return file ? file->setLastAccessTime(time) : ZoResult::refused;
 }
 
 int ZoFile::setLastWriteTime(FILETIME time) {
-  return settled(imp_) ? imp_->setLastWriteTime(time) : ZoResult::refused;
+  ZoFileImp* const file = settled(imp_);
+  return file ? file->setLastWriteTime(time) : ZoResult::refused;
 }
 
 std::FILE* ZoFile::getCFileHandle(bool text, bool writable) {
-  if (!settled(imp_)) return nullptr;
-  std::FILE* const stream = imp_->getCFileHandle(text, writable);
-  if (stream) imp_->releaseBuffers();
+  ZoFileImp* const file = settled(imp_);
+  if (!file) return nullptr;
+  std::FILE* const stream = file->getCFileHandle(text, writable);
+  if (stream) file->releaseBuffers();
   return stream;
 }
 
 std::FILE* ZoFile::getCFileHandle(const wchar_t* mode) {
-  if (!settled(imp_)) return nullptr;
-  std::FILE* const stream = imp_->getCFileHandle(mode);
-  if (stream) imp_->releaseBuffers();
+  ZoFileImp* const file = settled(imp_);
+  if (!file) return nullptr;
+  std::FILE* const stream = file->getCFileHandle(mode);
+  if (stream) file->releaseBuffers();
   return stream;
 }
 
 void* ZoFile::handle(bool give) {
-  if (!settled(imp_)) return INVALID_HANDLE_VALUE;
-  if (give) imp_->releaseBuffers();
-  return imp_->handle(give);
+  ZoFileImp* const file = settled(imp_);
+  if (!file) return INVALID_HANDLE_VALUE;
+  if (give) file->releaseBuffers();
+  return file->handle(give);
 }

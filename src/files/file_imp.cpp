@@ -1,13 +1,12 @@
 #include <windows.h>
 #include <zo/files/file_imp.h>
 #include <zo/results.h>
-#include <zo/system/file_system.h>
-#include <zo/system/registry.h>
 
 #include <utility>
 
 #include "files/file_buffer.h"
 #include "files/fresh_file.h"
+#include "files/keep_reason.h"
 #include "platform/file_api.h"
 #include "platform/system_path.h"
 
@@ -59,7 +58,7 @@ ZoFileImp& ZoFileImp::operator=(const ZoFileImp& other) {
   if (this == &other) return *this;
   ZoFileImp copy(other);
   releaseBuffers();
-  close();
+  static_cast<void>(close());  // reported, and of no use to an assignment
   std::swap(name_, copy.name_);
   std::swap(handle_, copy.handle_);
   access_ = copy.access_;
@@ -77,8 +76,16 @@ ZoFileImp* ZoFileImp::clone() const { return new ZoFileImp(*this); }
 ZoFileImp* ZoFileImp::cloneFor(unsigned int access) const { return new ZoFileImp(*this, access); }
 
 int ZoFileImp::report(const wchar_t* operation) const {
-  (service_ ? *service_ : ZoSystem::fileSystem()).errorIO(operation);
-  return ZoResult::refused;
+  return zo::keepReason(operation, service_);
+}
+
+int ZoFileImp::report(const wchar_t* operation, unsigned long error) const {
+  return zo::keepReason(operation, error, ZoResult::refused, service_);
+}
+
+bool ZoFileImp::mayUse(const wchar_t* operation) const {
+  if (handle_ == INVALID_HANDLE_VALUE) report(operation, ERROR_INVALID_HANDLE);
+  return handle_ != INVALID_HANDLE_VALUE;
 }
 
 void ZoFileImp::setModes(const ZoFileName& name, unsigned int access, unsigned int share) {
@@ -107,8 +114,7 @@ int ZoFileImp::open(const ZoFileName& name, int access, ZoFile::CreationMode mod
 int ZoFileImp::createTemp(ZoFileName& name, int access, ZoFile::CreationMode mode, int share,
                           int flags) {
   if (mode == ZoFile::kOpenExisting || mode == ZoFile::kTruncateExisting) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return report(L"createTemp");
+    return report(L"createTemp", ERROR_INVALID_PARAMETER);
   }
   if (const int code = close()) return code;
   const std::wstring stem = zo::temporaryStem(name);
@@ -131,8 +137,10 @@ int ZoFileImp::close() {
 
 unsigned int ZoFileImp::read(void* buffer, unsigned int count) {
   const std::scoped_lock lock(mutex_);
-  if (handle_ == INVALID_HANDLE_VALUE || !buffer) return 0;
   DWORD done = 0;
+  if (!mayUse(L"read")) return 0;
+  if (!buffer && count > 0) report(L"read", ERROR_INVALID_PARAMETER);
+  if (!buffer) return 0;
   if (zo::fileApi().read(handle_, buffer, count, done)) return done;
   report(L"read");
   return 0;
@@ -140,16 +148,21 @@ unsigned int ZoFileImp::read(void* buffer, unsigned int count) {
 
 unsigned int ZoFileImp::write(const void* data, unsigned int count) {
   const std::scoped_lock lock(mutex_);
-  if (handle_ == INVALID_HANDLE_VALUE || !data) return 0;
   DWORD done = 0;
-  if (zo::fileApi().write(handle_, data, count, done)) return done;
+  if (!mayUse(L"write")) return 0;
+  if (!data && count > 0) report(L"write", ERROR_INVALID_PARAMETER);
+  if (!data) return 0;
+  if (zo::fileApi().write(handle_, data, count, done)) {
+    if (done == 0 && count > 0) report(L"write", ERROR_DISK_FULL);
+    return done;
+  }
   report(L"write");
   return 0;
 }
 
 std::int64_t ZoFileImp::seek(std::int64_t offset, ZoFile::MoveMethod method) {
   const std::scoped_lock lock(mutex_);
-  if (handle_ == INVALID_HANDLE_VALUE) return -1;
+  if (!mayUse(L"seek")) return -1;
   std::int64_t position = -1;
   if (zo::fileApi().seek(handle_, offset, method, position)) return position;
   report(L"seek");
@@ -157,7 +170,7 @@ std::int64_t ZoFileImp::seek(std::int64_t offset, ZoFile::MoveMethod method) {
 }
 
 std::int64_t ZoFileImp::size() {
-  if (handle_ == INVALID_HANDLE_VALUE) return -1;
+  if (!mayUse(L"size")) return -1;
   std::int64_t bytes = -1;
   if (zo::fileApi().size(handle_, bytes)) return bytes;
   report(L"size");
@@ -166,12 +179,12 @@ std::int64_t ZoFileImp::size() {
 
 int ZoFileImp::setEndOfFile() {
   const std::scoped_lock lock(mutex_);
-  if (handle_ == INVALID_HANDLE_VALUE) return ZoResult::refused;
+  if (!mayUse(L"setEndOfFile")) return ZoResult::refused;
   return zo::fileApi().setEnd(handle_) ? ZoResult::ok : report(L"setEndOfFile");
 }
 
 int ZoFileImp::flush() {
-  if (handle_ == INVALID_HANDLE_VALUE) return ZoResult::refused;
+  if (!mayUse(L"flush")) return ZoResult::refused;
   return zo::fileApi().flush(handle_) ? ZoResult::ok : report(L"flush");
 }
 
@@ -185,7 +198,8 @@ int ZoFileImp::unlockRange(std::int64_t start, std::int64_t length) {
 
 int ZoFileImp::lockOrUnlock(bool lock, std::int64_t start, std::int64_t length,
                             const wchar_t* operation) {
-  if (handle_ == INVALID_HANDLE_VALUE || start < 0) return ZoResult::refused;
+  if (!mayUse(operation)) return ZoResult::refused;
+  if (start < 0) return report(operation, ERROR_INVALID_PARAMETER);
   const auto from = static_cast<std::uint64_t>(start);
   const auto bytes = static_cast<std::uint64_t>(length);
   zo::FileApi& api = zo::fileApi();
@@ -199,7 +213,7 @@ unsigned int ZoFileImp::shareMode() const noexcept { return share_; }
 
 unsigned int ZoFileImp::attributes() {
   BY_HANDLE_FILE_INFORMATION information;
-  if (handle_ == INVALID_HANDLE_VALUE) return 0;
+  if (!mayUse(L"attributes")) return 0;
   if (zo::fileApi().information(handle_, information)) return information.dwFileAttributes;
   report(L"attributes");
   return 0;
@@ -207,7 +221,7 @@ unsigned int ZoFileImp::attributes() {
 
 FILETIME ZoFileImp::time(unsigned int which, const wchar_t* operation) {
   FILETIME time{};
-  if (handle_ == INVALID_HANDLE_VALUE) return time;
+  if (!mayUse(operation)) return time;
   const auto onlyFor = [&](unsigned int one) { return which == one ? &time : nullptr; };
   if (zo::fileApi().times(handle_, onlyFor(kCreated), onlyFor(kAccessed), onlyFor(kWritten)))
     return time;
@@ -217,7 +231,7 @@ FILETIME ZoFileImp::time(unsigned int which, const wchar_t* operation) {
 
 int ZoFileImp::setTime(FILETIME time, unsigned int which, const wchar_t* operation) {
   const std::scoped_lock lock(mutex_);
-  if (handle_ == INVALID_HANDLE_VALUE) return ZoResult::refused;
+  if (!mayUse(operation)) return ZoResult::refused;
   const auto onlyFor = [&](unsigned int one) { return which == one ? &time : nullptr; };
   return zo::fileApi().setTimes(handle_, onlyFor(kCreated), onlyFor(kAccessed), onlyFor(kWritten))
              ? ZoResult::ok

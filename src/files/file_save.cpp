@@ -1,10 +1,9 @@
 #include <windows.h>
 #include <zo/files/file_imp.h>
 #include <zo/files/file_save.h>
-#include <zo/system/file_system.h>
-#include <zo/system/registry.h>
 
 #include "files/fresh_file.h"
+#include "files/keep_reason.h"
 #include "files/replace_file.h"
 #include "platform/open_file.h"
 
@@ -50,17 +49,15 @@ ZoFileSave::ZoFileSave() = default;
 ZoFileSave::~ZoFileSave() { cancel(); }
 
 int ZoFileSave::fail() {
-  const zo::KeptError kept;
-  ZoSystem::fileSystem().errorIO(L"save");
+  zo::keepReason(L"save");
   cancel();
   return ZoResult::refused;
 }
 
 int ZoFileSave::open(const ZoFileName& target) {
   cancel();
-  if (target.isURL()) return ZoResult::invalid;
-  ZoFileName wish;
-  wish.setFullName((zo::stemBeside(target) + std::wstring(zo::kEndingBeside)).c_str());
+  if (target.isURL()) return zo::keepReason(L"save", ERROR_NOT_SUPPORTED, ZoResult::invalid);
+  ZoFileName wish(zo::stemBeside(target).append(zo::kEndingBeside));
   imp_ = new Imp;
   file_.setImpObj(imp_);
   if (file_.createTemp(wish, ZoFile::kReadWrite, ZoFile::kCreateNew, ZoFile::kShareRead, 0))

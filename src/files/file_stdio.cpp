@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr wchar_t kOperation[] = L"getCFileHandle";
+
 // A letter, and then "+", "b" and "t" in any order: the runtime ends the program for anything else.
 bool isMode(std::wstring_view mode) {
   return !mode.empty() && std::wstring_view(L"rwa").find(mode[0]) != std::wstring_view::npos &&
@@ -28,33 +30,37 @@ int descriptorFlags(std::wstring_view mode) {
 
 }  // namespace
 
+std::FILE* ZoFileImp::noStream(unsigned long error) const {
+  report(kOperation, error);
+  return nullptr;
+}
+
 std::FILE* ZoFileImp::getCFileHandle(bool text, bool writable) {
   // Writing to such a stream would fail only when its buffer is full or it is closed.
-  if (writable && access_ && !(access_ & static_cast<unsigned int>(ZoFile::kWrite))) return nullptr;
+  if (writable && access_ && !(access_ & static_cast<unsigned int>(ZoFile::kWrite)))
+    return noStream(ERROR_ACCESS_DENIED);
   std::wstring mode(text ? L"rt" : L"rb");
   if (writable) mode += L'+';
   return getCFileHandle(mode.c_str());
 }
 
 std::FILE* ZoFileImp::getCFileHandle(const wchar_t* mode) {
-  if (!mode || !isMode(mode) || handle_ == INVALID_HANDLE_VALUE) return nullptr;
+  if (!mayUse(kOperation)) return nullptr;
+  if (!mode || !isMode(mode)) return noStream(ERROR_INVALID_PARAMETER);
   // A descriptor cannot give its handle back, so it gets one of its own: the file stays open here
   // whatever fails.
   zo::FileApi& api = zo::fileApi();
   HANDLE handed = api.duplicate(handle_);
-  if (!handed) {
-    report(L"open");
-    return nullptr;
-  }
+  if (!handed) return noStream(GetLastError());
   const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(handed), descriptorFlags(mode));
   if (descriptor == -1) {
     api.close(handed);
-    return nullptr;
+    return noStream(ERROR_TOO_MANY_OPEN_FILES);
   }
   std::FILE* const stream = _wfdopen(descriptor, mode);
   if (!stream) {
     _close(descriptor);
-    return nullptr;
+    return noStream(ERROR_TOO_MANY_OPEN_FILES);
   }
   api.close(std::exchange(handle_, INVALID_HANDLE_VALUE));
   return stream;

@@ -59,12 +59,12 @@ bool pourBehind(HANDLE from, zo::OpenFile& target) {
 }  // namespace
 
 int ZoStdFileSystemImp::copy(const ZoFileName& from, const ZoFileName& to, bool failIfExists) {
-  if (from.isURL() || to.isURL()) return ZoResult::invalid;
+  if (from.isURL() || to.isURL()) return noUse(L"copy");
   return result(zo::copyIntoPlace(from, to, failIfExists), L"copy");
 }
 
 int ZoStdFileSystemImp::append(const ZoFileName& from, const ZoFileName& to, bool mustExist) {
-  if (from.isURL() || to.isURL()) return ZoResult::invalid;
+  if (from.isURL() || to.isURL()) return noUse(L"append");
   zo::FileApi& api = zo::fileApi();
   const zo::OpenFile source(api.create(zo::SystemPath(from.fullName()), GENERIC_READ,
                                        FILE_SHARE_READ, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN));
@@ -77,19 +77,17 @@ int ZoStdFileSystemImp::append(const ZoFileName& from, const ZoFileName& to, boo
 }
 
 int ZoStdFileSystemImp::move(const ZoFileName& from, const ZoFileName& to) {
-  if (from.isURL() != to.isURL()) return ZoResult::invalid;
+  if (from.isURL() != to.isURL()) return noUse(L"move");
   if (from.isURL()) {
-    if (!zo::sameServer(from, to)) return ZoResult::invalid;
+    if (!zo::sameServer(from, to)) return noUse(L"move");
     return zo::onServer(from, L"ZoFileSystemMove", service_, [&](zo::FtpConnection& server) {
       return result(server.rename(zo::ftpPath(from), zo::ftpPath(to)), L"ZoFileSystemMove");
     });
   }
-  zo::FileApi& api = zo::fileApi();
-  const zo::SystemPath source(from.fullName()), target(to.fullName());
-  if (api.move(source, target, 0)) return ZoResult::ok;
+  if (zo::rename(from, to)) return ZoResult::ok;
   if (GetLastError() != ERROR_NOT_SAME_DEVICE) return report(L"move");
   if (!zo::copyIntoPlace(from, to, true)) return report(L"move");
-  if (api.removeFile(source)) return ZoResult::ok;
+  if (zo::fileApi().removeFile(zo::SystemPath(from.fullName()))) return ZoResult::ok;
   report(L"move");
   return ZoResult::partial;
 }

@@ -100,8 +100,7 @@ class Eraser {
  private:
   void failed(const wchar_t* operation, DWORD error) {
     ++failed_;
-    SetLastError(error);
-    service_.errorIO(operation);
+    zo::keepReason(operation, error, ZoResult::refused, &service_);
   }
 
   void removeFile(const std::wstring& path) {
@@ -166,7 +165,8 @@ class Eraser {
   void eraseBackups(const std::wstring& path) {
     const bool isFolder = place_.isFolder(path);
     ZoFileName backup(path.c_str());
-    backup.setExtension(kBackupEnding);
+    if (!isFolder && (backup.isEmpty() || backup.setExtension(kBackupEnding) == ZoResult::refused))
+      return failed(place_.names.walk, ERROR_INVALID_NAME);
     const std::wstring folder = isFolder ? path : std::wstring(zo::folderOf(backup));
     const std::wstring pattern =
         isFolder ? std::wstring(L"*") + kBackupEnding : std::wstring(backup.fileNameExt());
@@ -189,7 +189,8 @@ bool isRoot(const ZoFileName& name) {
   });
   if (full.starts_with(LR"(\\?\UNC\)")) full.erase(2, 6);
   ZoFileName directory;
-  directory.setFullName(full.c_str(), false, true);
+  // What is no name has no level either.
+  static_cast<void>(directory.setFullName(full, false, true));
   return full.empty() || !directory.nextDirPart(true);
 }
 

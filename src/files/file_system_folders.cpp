@@ -2,11 +2,12 @@
 #include <zo/text/containers/array.h>
 
 #include <algorithm>
-#include <vector>
+#include <array>
 
 #include "files/folder_search.h"
+#include "files/fresh_file.h"
 #include "files/ftp.h"
-#include "files/name_parser.h"
+#include "files/make_folders.h"
 #include "files/std_file_system_imp.h"
 #include "platform/collation.h"
 #include "platform/open_file.h"
@@ -14,48 +15,23 @@
 
 namespace {
 
-// The path without its last component; empty when there is none to take away.
-std::wstring parentOf(std::wstring path) {
-  while (!path.empty() && zo::isDelimiter(path.back())) path.pop_back();
-  while (!path.empty() && !zo::isDelimiter(path.back())) path.pop_back();
-  return path;
-}
-
-bool makeFolder(const std::wstring& path) {
-  return zo::fileApi().createFolder(zo::SystemPath(path.c_str()));
-}
-
-// Makes the folder with all above it that are missing, from the top; or none of them.
-bool makeFolders(const std::wstring& path) {
-  std::vector<std::wstring> missing{path};
-  while (!makeFolder(missing.back())) {
-    // Somebody else may make a folder on the way, but not the last one.
-    if (GetLastError() == ERROR_ALREADY_EXISTS && missing.size() > 1) break;
-    if (GetLastError() != ERROR_PATH_NOT_FOUND) return false;
-    std::wstring parent = parentOf(missing.back());
-    if (parent.empty() || parent == missing.back()) return false;
-    missing.push_back(std::move(parent));
-  }
-  std::vector<std::wstring> made;
-  while (missing.size() > 1) {
-    made.push_back(std::move(missing.back()));
-    missing.pop_back();
-    if (makeFolder(missing.back())) continue;
-    if (GetLastError() == ERROR_ALREADY_EXISTS && missing.size() > 1) continue;
-    const zo::KeptError kept;
-    // One that is not ours is not empty, or empty and somebody's: it must stay.
-    for (size_t i = made.size(); i-- > 0;)
-      zo::fileApi().removeFolder(zo::SystemPath(made[i].c_str()));
-    return false;
-  }
-  return true;
-}
-
 int setDirectoryName(ZoFileName& name, const std::wstring& text) {
   ZoFileName directory;
-  directory.setFullName(text.c_str(), false, true);
+  static_cast<void>(directory.setFullName(text, false, true));  // what the platform takes is a name
   name = std::move(directory);
   return ZoResult::ok;
+}
+
+// Makes an empty file with the first three characters of a prefix; empty when it could not be made.
+std::wstring temporaryFile(const std::wstring& folder, std::wstring_view prefix) {
+  if (folder.size() <= zo::FileApi::kLongestTempFolder) {
+    std::array<wchar_t, MAX_PATH> made{};
+    const bool isMade = zo::fileApi().tempName(folder.c_str(), std::wstring(prefix).c_str(), made);
+    return isMade ? made.data() : L"";
+  }
+  zo::FreshFile fresh = zo::createFresh(folder + std::wstring(prefix.substr(0, 3)), L".tmp",
+                                        GENERIC_WRITE, 0, FILE_ATTRIBUTE_NORMAL);
+  return fresh.file && fresh.file.close() ? fresh.name : std::wstring();
 }
 
 }  // namespace
@@ -63,10 +39,10 @@ int setDirectoryName(ZoFileName& name, const std::wstring& text) {
 int ZoStdFileSystemImp::createDirectory(const ZoFileName& name) {
   if (name.isURL()) {
     return zo::onServer(name, L"ZoFileSystemCreateDir", service_, [&](zo::FtpConnection& server) {
-      return result(server.createFolder(zo::ftpPath(name)), L"ZoFileSystemCreateDir");
+      return result(zo::makeFolders(server, zo::ftpPath(name)), L"ZoFileSystemCreateDir");
     });
   }
-  return result(makeFolders(name.fullName()), L"ZoFileSystemCreateDir");
+  return result(zo::makeFolders(name.fullName()), L"ZoFileSystemCreateDir");
 }
 
 int ZoStdFileSystemImp::getCurrentDirectory(ZoFileName& name) {
@@ -76,7 +52,7 @@ int ZoStdFileSystemImp::getCurrentDirectory(ZoFileName& name) {
 }
 
 int ZoStdFileSystemImp::setCurrentDirectory(const ZoFileName& name) {
-  if (name.isURL()) return ZoResult::invalid;
+  if (name.isURL()) return noUse(L"setCurrentDirectory");
   return result(zo::fileApi().setCurrentFolder(name.fullName()), L"setCurrentDirectory");
 }
 
@@ -87,7 +63,7 @@ int ZoStdFileSystemImp::getTempPath(ZoFileName& name) {
 }
 
 int ZoStdFileSystemImp::getFullPathName(const ZoFileName& name, ZoFileName& full) {
-  if (name.isURL()) return ZoResult::invalid;
+  if (name.isURL()) return noUse(L"getFullPathName");
   const std::wstring text = zo::textOf([&](DWORD size, wchar_t* buffer) {
     return zo::fileApi().fullPath(name.fullName(), size, buffer);
   });
@@ -100,8 +76,8 @@ int ZoStdFileSystemImp::getAbsolutePath(ZoFileName& name) {
   if (name.isURL()) return ZoResult::ok;
   if (!name.isCD()) return getFullPathName(ZoFileName(name), name);
   ZoString volume, rest;
-  name.parseCD(volume, rest);
-  const ZoString label(volume.mid(5));  // behind "cd://"
+  static_cast<void>(name.parseCD(volume, rest));  // as it is one
+  const ZoString label(volume.mid(5));            // behind "cd://"
   ZoArray<ZoFileName> drives;
   ZoArray<ZoString> labels;
   if (const int code = service_.getCDRom(drives, labels)) return code;
@@ -118,7 +94,7 @@ int ZoStdFileSystemImp::getAbsolutePath(ZoFileName& name) {
 
 int ZoStdFileSystemImp::searchPath(const ZoFileName& file, ZoFileName& found,
                                    const ZoFileName& path) {
-  if (file.isURL()) return ZoResult::invalid;
+  if (file.isURL()) return noUse(L"searchPath");
   const wchar_t* const folders = path.isEmpty() ? nullptr : path.fullName();
   const std::wstring text = zo::textOf([&](DWORD size, wchar_t* buffer) {
     return zo::fileApi().searchPath(folders, file.fullName(), size, buffer);
@@ -129,16 +105,15 @@ int ZoStdFileSystemImp::searchPath(const ZoFileName& file, ZoFileName& found,
 }
 
 int ZoStdFileSystemImp::getTempFileName(ZoFileName& name, const ZoFileName& pattern) {
-  if (pattern.isURL()) return ZoResult::invalid;
+  if (pattern.isURL()) return noUse(L"getTempFileName");
   std::wstring folder(zo::folderOf(pattern));
   if (folder.empty()) {
     folder = zo::textOf(
         [](DWORD size, wchar_t* buffer) { return zo::fileApi().tempFolder(size, buffer); });
     if (folder.empty()) return report(L"getTempFileName");
   }
-  wchar_t made[MAX_PATH];
-  if (!zo::fileApi().tempName(folder.c_str(), pattern.fileName(), made))
-    return report(L"getTempFileName");
-  name = static_cast<const wchar_t*>(made);
+  std::wstring made = temporaryFile(folder, pattern.fileName());
+  if (made.empty()) return report(L"getTempFileName");
+  name = made;
   return ZoResult::ok;
 }

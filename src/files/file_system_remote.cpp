@@ -38,7 +38,7 @@ std::wstring placeFor(const zo::FtpAddress& address, const std::wstring& tempFol
 // first; should the renaming fail even then, what was sent stays under its other name.
 bool putInPlace(zo::FtpConnection& server, const std::wstring& sent, const std::wstring& target) {
   if (server.rename(sent, target)) return true;
-  const zo::KeptError kept;
+  const zo::KeptReason kept;
   if (server.removeFile(target)) return server.rename(sent, target);
   server.removeFile(sent);
   return false;
@@ -62,7 +62,7 @@ int ZoStdFileSystemImp::isRemote(const ZoFileName& name, ZoFileName& local) {
 
 int ZoStdFileSystemImp::getRemote(const ZoFileName& remote, ZoFileName& local, bool failIfExists) {
   ZoFileName place = local;
-  if (place.isURL() || zo::ftpAddress(remote).host.empty()) return ZoResult::invalid;
+  if (place.isURL() || zo::ftpAddress(remote).host.empty()) return noUse(L"getRemote");
   if (place.isEmpty() && isRemote(remote, place)) return ZoResult::refused;
   return zo::onServer(remote, L"getRemote", service_, [&](zo::FtpConnection& server) {
     const ZoFileName folder(zo::folderOf(place));
@@ -84,12 +84,12 @@ int ZoStdFileSystemImp::getRemote(const ZoFileName& remote, ZoFileName& local, b
 }
 
 int ZoStdFileSystemImp::putRemote(const ZoFileName& local, const ZoFileName& remote) {
-  if (local.isURL()) return ZoResult::invalid;
+  if (local.isURL()) return noUse(L"putRemote");
   return zo::onServer(remote, L"putRemote", service_, [&](zo::FtpConnection& server) {
     const std::wstring target = zo::ftpPath(remote);
     const std::wstring sent = zo::freshName(target + L'~', zo::kEndingBeside);
     if (!server.put(zo::SystemPath(local.fullName()), sent)) {
-      const zo::KeptError kept;
+      const zo::KeptReason kept;
       server.removeFile(sent);
     } else if (putInPlace(server, sent, target)) {
       return ZoResult::ok;

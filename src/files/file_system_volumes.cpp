@@ -30,7 +30,7 @@ unsigned int kibibytes(DWORD clusters, const zo::FileApi::Space& space) {
 }  // namespace
 
 unsigned int ZoStdFileSystemImp::getAttributes(const ZoFileName& name) {
-  if (name.isURL()) return ZoResult::invalid;
+  if (name.isURL()) return static_cast<unsigned int>(noUse(L"getAttributes"));
   const DWORD attributes = zo::fileApi().attributes(zo::SystemPath(name.fullName()));
   if (attributes != INVALID_FILE_ATTRIBUTES) return attributes;
   report(L"getAttributes");
@@ -38,7 +38,7 @@ unsigned int ZoStdFileSystemImp::getAttributes(const ZoFileName& name) {
 }
 
 int ZoStdFileSystemImp::subSetAttributes(const ZoFileName& name, unsigned int attributes) {
-  if (name.isURL()) return ZoResult::invalid;
+  if (name.isURL()) return noUse(L"subSetAttributes");
   return result(zo::fileApi().setAttributes(zo::SystemPath(name.fullName()), attributes),
                 L"subSetAttributes");
 }
@@ -46,7 +46,7 @@ int ZoStdFileSystemImp::subSetAttributes(const ZoFileName& name, unsigned int at
 int ZoStdFileSystemImp::getVolumeInformation(unsigned int& serial, unsigned int& longestComponent,
                                              unsigned int& flags, const ZoFileName& volume,
                                              ZoString& label, ZoString& fileSystem) {
-  if (volume.isURL()) return ZoResult::invalid;
+  if (volume.isURL()) return noUse(L"getVolumeInformation");
   zo::FileApi::Volume found;
   if (!zo::fileApi().volume(orNull(rootOf(volume)), found)) return report(L"getVolumeInformation");
   ZoString labelText(found.label), fileSystemText(found.fileSystem);
@@ -60,7 +60,7 @@ int ZoStdFileSystemImp::getVolumeInformation(unsigned int& serial, unsigned int&
 
 int ZoStdFileSystemImp::getDiskFreeSpace(unsigned int& freeKiB, unsigned int& totalKiB,
                                          const ZoFileName& volume) {
-  if (volume.isURL()) return ZoResult::invalid;
+  if (volume.isURL()) return noUse(L"getDiskFreeSpace");
   zo::FileApi::Space space;
   if (!zo::fileApi().space(orNull(rootOf(volume)), space)) return report(L"getDiskFreeSpace");
   freeKiB = kibibytes(space.freeClusters, space);
@@ -76,16 +76,17 @@ ZoFileSystem::DriveType ZoStdFileSystemImp::getDriveType(const ZoFileName& volum
 int ZoStdFileSystemImp::getLogicalDrivesStrings(ZoSequence<ZoFileName>& drives) {
   const std::wstring roots =
       zo::textOf([](DWORD size, wchar_t* buffer) { return zo::fileApi().drives(size, buffer); });
-  if (roots.empty()) return report(L"getLogicalDrivesStrings");
+  constexpr const wchar_t* kDrives = L"getLogicalDrivesStrings";
+  if (roots.empty()) return report(kDrives);
   ZoArray<ZoFileName> found;
   for (const wchar_t* root = roots.c_str(); *root; root += std::wstring_view(root).size() + 1) {
-    if (const int code = found.append(ZoFileName(root))) return code;
+    if (const int code = found.append(ZoFileName(root))) return listed(code, kDrives);
   }
-  return drives.copyFrom(found);
+  return listed(drives.copyFrom(found), kDrives);
 }
 
 int ZoStdFileSystemImp::setVolumeLabel(const wchar_t* label, const ZoFileName& volume) {
-  if (volume.isURL()) return ZoResult::invalid;
+  if (volume.isURL()) return noUse(L"setVolumeLabel");
   return result(zo::fileApi().setLabel(orNull(rootOf(volume)), label ? label : L""),
                 L"setVolumeLabel");
 }
@@ -98,9 +99,10 @@ int ZoStdFileSystemImp::getCDRom(ZoSequence<ZoFileName>& drives, ZoSequence<ZoSt
     if (service_.getDriveType(drive) != ZoFileSystem::kCdRom) continue;
     zo::FileApi::Volume volume;
     const bool ready = zo::fileApi().volume(drive.fullName(), volume);
-    if (const int code = discs.append(drive)) return code;
-    if (const int code = names.append(ZoString(ready ? volume.label : L""))) return code;
+    if (const int code = discs.append(drive)) return listed(code, L"getCDRom");
+    if (const int code = names.append(ZoString(ready ? volume.label : L"")))
+      return listed(code, L"getCDRom");
   }
-  if (const int code = drives.copyFrom(discs)) return code;
-  return labels.copyFrom(names);
+  if (const int code = drives.copyFrom(discs)) return listed(code, L"getCDRom");
+  return listed(labels.copyFrom(names), L"getCDRom");
 }

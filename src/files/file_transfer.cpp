@@ -3,8 +3,7 @@
 #include <zo/files/file_save.h>
 #include <zo/files/file_transfer.h>
 #include <zo/files/find_file.h>
-#include <zo/system/file_system.h>
-#include <zo/system/registry.h>
+#include <zo/files/std_file_system.h>
 
 #include <algorithm>
 #include <memory>
@@ -13,9 +12,12 @@
 #include <vector>
 
 #include "files/folder_search.h"
+#include "files/keep_reason.h"
 #include "files/name_parser.h"
+#include "files/replace_file.h"
 #include "platform/file_api.h"
 #include "platform/system_path.h"
+#include "system/service_or_null.h"
 
 namespace {
 
@@ -26,8 +28,6 @@ struct Item {
   std::int64_t size = 0;  // when the run began
   bool done = false;
 };
-
-ZoFileSystem& fileSystem() { return ZoSystem::fileSystem(); }
 
 DWORD attributesOf(const ZoFileName& name) {
   return zo::fileApi().attributes(zo::SystemPath(name.fullName()));
@@ -43,19 +43,7 @@ std::int64_t sizeOf(const ZoFileName& name) {
   return static_cast<std::int64_t>((std::uint64_t{entry.nFileSizeHigh} << 32) | entry.nFileSizeLow);
 }
 
-int report(DWORD error) {
-  SetLastError(error);
-  fileSystem().errorIO(L"transfer");
-  return ZoResult::refused;
-}
-
-// Somebody else may make it at the same time.
-int makeFolderOf(const ZoFileName& target) {
-  const ZoFileName folder(zo::folderOf(target));
-  if (folder.isEmpty() || attributesOf(folder) != INVALID_FILE_ATTRIBUTES) return ZoResult::ok;
-  const int code = fileSystem().createDirectory(folder);
-  return code && attributesOf(folder) != INVALID_FILE_ATTRIBUTES ? ZoResult::ok : code;
-}
+int report(DWORD error) { return zo::keepReason(L"transfer", error); }
 
 }  // namespace
 
@@ -65,6 +53,22 @@ struct ZoFileTransfer::Imp {
   Watcher watcher;
   bool refusesExisting = false;
   bool cancelled = false;
+
+  // The service in force, else one of our own.
+  ZoFileSystem& fileSystem() {
+    if (auto* const inForce = zo::serviceOrNull<ZoFileSystem>()) return *inForce;
+    if (!ownService) ownService = std::make_unique<ZoStdFileSystem>();
+    return *ownService;
+  }
+  std::unique_ptr<ZoStdFileSystem> ownService;
+
+  // Somebody else may make it at the same time.
+  int makeFolderOf(const ZoFileName& target) {
+    const ZoFileName folder(zo::folderOf(target));
+    if (folder.isEmpty() || attributesOf(folder) != INVALID_FILE_ATTRIBUTES) return ZoResult::ok;
+    const int code = fileSystem().createDirectory(folder);
+    return code && attributesOf(folder) != INVALID_FILE_ATTRIBUTES ? ZoResult::ok : code;
+  }
 
   // Of the run.
   unsigned int filesDone = 0, files = 0;
@@ -128,13 +132,12 @@ struct ZoFileTransfer::Imp {
     const bool remote = item.source.isURL() || item.target.isURL();
     if (!item.target.isURL()) {
       if (const int code = makeFolderOf(item.target)) return code;
-      if (refusesExisting && attributesOf(item.target) != INVALID_FILE_ATTRIBUTES)
+      const bool renames = mode == kMove && zo::differInCaseAtMost(item.source, item.target);
+      if (refusesExisting && !renames && attributesOf(item.target) != INVALID_FILE_ATTRIBUTES)
         return report(ERROR_FILE_EXISTS);
     }
     if (mode == kMove && !remote) {
-      const bool moved = zo::fileApi().move(zo::SystemPath(item.source.fullName()),
-                                            zo::SystemPath(item.target.fullName()), 0);
-      if (moved) return ZoResult::ok;
+      if (zo::rename(item.source, item.target)) return ZoResult::ok;
       // Onto another volume, or what is there: by copying.
       const DWORD error = GetLastError();
       if (error != ERROR_NOT_SAME_DEVICE && error != ERROR_ALREADY_EXISTS) return report(error);
@@ -167,13 +170,11 @@ struct ZoFileTransfer::Imp {
       const int code = transfer(item, mode);
       item.done = code == ZoResult::ok;
       if (!item.done && !cancelled) {
-        const bool hasReason = code != ZoResult::invalid;
         // Without memory for it the item stays in the list all the same, and the result tells.
-        static_cast<void>(
-            failures.append(Failure{.source = item.source,
-                                    .target = item.target,
-                                    .code = code,
-                                    .reason = hasReason ? fileSystem().errorTxt() : ZoString()}));
+        static_cast<void>(failures.append(Failure{.source = item.source,
+                                                  .target = item.target,
+                                                  .code = code,
+                                                  .reason = fileSystem().errorTxt()}));
       }
       ++filesDone;
       bytesDone += item.size;
@@ -181,6 +182,7 @@ struct ZoFileTransfer::Imp {
     }
     dropDone();
     if (items.empty()) return ZoResult::ok;
+    if (cancelled) report(ERROR_CANCELLED);
     return items.size() < files ? ZoResult::partial : ZoResult::refused;
   }
 };

@@ -1,7 +1,5 @@
 #include <windows.h>
 #include <zo/files/find_file.h>
-#include <zo/system/file_system.h>
-#include <zo/system/registry.h>
 #include <zo/text/containers/sequence.h>
 
 #include <memory>
@@ -32,11 +30,7 @@ struct ZoFindFile::Imp {
   unsigned int required = 0, excluded = ZoFindFile::kDirectory, kinds = 0;
   int result = ZoResult::ok;
 
-  int report(DWORD error) {
-    SetLastError(error);
-    ZoSystem::fileSystem().errorIO(L"find");
-    return result = ZoResult::refused;
-  }
+  int report(DWORD error) { return result = zo::keepReason(L"find", error); }
 
   // Begins a search in the folder that path names, with its final delimiter. The platform may leave
   // out what does not fit the pattern only where no subfolders are to be found.
@@ -105,7 +99,8 @@ int ZoFindFile::open(const ZoFileName& pattern, bool subfolders) {
   imp_->result = ZoResult::ok;
   if (pattern.isURL()) {
     const zo::FtpAddress address = zo::ftpAddress(pattern);
-    if (address.host.empty()) return imp_->result = ZoResult::invalid;
+    if (address.host.empty())
+      return imp_->result = zo::keepReason(L"find", ERROR_NOT_SUPPORTED, ZoResult::invalid);
     imp_->server = std::make_unique<zo::FtpConnection>(address, L"ZoFindFile");
     if (!imp_->server->isOpen()) return imp_->report(GetLastError());
   }
@@ -134,7 +129,8 @@ int ZoFindFile::result() const noexcept { return imp_->result; }
 int ZoFindFile::findAll(const ZoFileName& pattern, ZoSequence<ZoFileName>& names, bool subfolders) {
   if (const int code = open(pattern, subfolders)) return code;
   while (next()) {
-    if (const int code = names.append(name())) return code;
+    if (const int code = names.append(name()))
+      return zo::keepReason(L"find", ERROR_NOT_ENOUGH_MEMORY, code);
   }
   return result();
 }

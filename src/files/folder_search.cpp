@@ -51,6 +51,7 @@ FolderSearch::~FolderSearch() {
 
 void FolderSearch::endWith(DWORD error) noexcept {
   const bool isEnd = error == ERROR_NO_MORE_FILES || error == ERROR_FILE_NOT_FOUND;
+  if (error == ERROR_SUCCESS) error = ERROR_GEN_FAILURE;  // it has failed all the same
   error_ = isEnd ? ERROR_SUCCESS : error;
 }
 

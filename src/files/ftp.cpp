@@ -3,6 +3,8 @@
 #include <wininet.h>
 
 #include <bit>
+#include <cwchar>
+#include <mutex>
 #include <string_view>
 #include <utility>
 
@@ -28,6 +30,7 @@ struct Internet {
   ZO_INTERNET(InternetConnectW);
   ZO_INTERNET(InternetCloseHandle);
   ZO_INTERNET(InternetFindNextFileW);
+  ZO_INTERNET(InternetGetLastResponseInfoW);
   ZO_INTERNET(FtpCreateDirectoryW);
   ZO_INTERNET(FtpRemoveDirectoryW);
   ZO_INTERNET(FtpDeleteFileW);
@@ -57,6 +60,70 @@ unsigned short toPort(std::wstring_view text) {
   }
   return static_cast<unsigned short>(port);
 }
+
+// What a server said to its last refusal.
+struct Words {
+  std::mutex mutex;
+  std::wstring text;
+};
+
+Words& words() {
+  static Words kept;
+  return kept;
+}
+
+std::wstring exchangeWords(std::wstring text) {
+  const std::scoped_lock lock(words().mutex);
+  return std::exchange(words().text, std::move(text));
+}
+
+// Whether an error is the server's refusal; others leave what it said before.
+bool isRefusal(DWORD error) {
+  return error == ERROR_INTERNET_EXTENDED_ERROR || error == ERROR_INTERNET_LOGIN_FAILURE ||
+         error == ERROR_INTERNET_INCORRECT_PASSWORD || error == ERROR_INTERNET_INCORRECT_USER_NAME;
+}
+
+// Of this thread's last operation; without line ends behind them.
+std::wstring lastResponse() {
+  std::wstring text(256, L'\0');
+  DWORD number = 0, length = static_cast<DWORD>(text.size());
+  while (!internet().InternetGetLastResponseInfoW(&number, text.data(), &length)) {
+    if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || length < text.size()) return {};
+    text.resize(std::size_t{length} + 1);
+    length = static_cast<DWORD>(text.size());
+  }
+  text.resize(std::wcslen(text.c_str()));
+  text.resize(text.find_last_not_of(L" \r\n") + 1);
+  return text;
+}
+
+// Ends an operation: what the server says to a refusal is to be had only now.
+bool ended(BOOL done) {
+  if (done) return true;
+  const KeptError kept;
+  if (isRefusal(GetLastError())) exchangeWords(lastResponse());
+  return false;
+}
+
+struct Message {
+  DWORD error;
+  const wchar_t* text;
+};
+// For platforms that have no messages for their internet functions.
+constexpr Message kMessages[] = {
+    {ERROR_INTERNET_TIMEOUT, L"The server did not answer in time."},
+    {ERROR_INTERNET_EXTENDED_ERROR, L"The server refused the operation."},
+    {ERROR_INTERNET_NAME_NOT_RESOLVED, L"There is no server of this name."},
+    {ERROR_INTERNET_INCORRECT_USER_NAME, L"The server does not know the user."},
+    {ERROR_INTERNET_INCORRECT_PASSWORD, L"The server refused the password."},
+    {ERROR_INTERNET_LOGIN_FAILURE, L"The server refused the user or the password."},
+    {ERROR_INTERNET_CANNOT_CONNECT, L"The server cannot be reached."},
+    {ERROR_INTERNET_CONNECTION_ABORTED, L"The connection to the server broke off."},
+    {ERROR_INTERNET_CONNECTION_RESET, L"The server closed the connection."},
+    {ERROR_FTP_TRANSFER_IN_PROGRESS, L"The connection to the server is busy."},
+    {ERROR_FTP_DROPPED, L"The server ended the transfer."},
+    {ERROR_FTP_NO_PASSIVE_MODE, L"The server has no passive mode."},
+};
 
 const wchar_t* orNull(const std::wstring& text) { return text.empty() ? nullptr : text.c_str(); }
 
@@ -92,6 +159,16 @@ bool sameServer(const ZoFileName& a, const ZoFileName& b) {
          one.user == other.user;
 }
 
+KeptReason::KeptReason() : error_(GetLastError()) {
+  const std::scoped_lock lock(words().mutex);
+  words_ = words().text;
+}
+
+KeptReason::~KeptReason() {
+  exchangeWords(std::move(words_));
+  SetLastError(error_);
+}
+
 FtpConnection::FtpConnection(const FtpAddress& address, const wchar_t* agent) {
   const Internet& net = internet();
   if (!net.library) {
@@ -104,6 +181,7 @@ FtpConnection::FtpConnection(const FtpAddress& address, const wchar_t* agent) {
                                  address.port ? address.port : INTERNET_DEFAULT_FTP_PORT,
                                  orNull(address.user), orNull(address.password),
                                  INTERNET_SERVICE_FTP, INTERNET_FLAG_PASSIVE, 0);
+  ended(server_ != nullptr);
 }
 
 FtpConnection::~FtpConnection() {
@@ -113,38 +191,38 @@ FtpConnection::~FtpConnection() {
 }
 
 bool FtpConnection::createFolder(const std::wstring& path) {
-  return internet().FtpCreateDirectoryW(server_, path.c_str());
+  return ended(internet().FtpCreateDirectoryW(server_, path.c_str()));
 }
 
 bool FtpConnection::removeFolder(const std::wstring& path) {
-  return internet().FtpRemoveDirectoryW(server_, path.c_str());
+  return ended(internet().FtpRemoveDirectoryW(server_, path.c_str()));
 }
 
 bool FtpConnection::removeFile(const std::wstring& path) {
-  return internet().FtpDeleteFileW(server_, path.c_str());
+  return ended(internet().FtpDeleteFileW(server_, path.c_str()));
 }
 
 bool FtpConnection::rename(const std::wstring& from, const std::wstring& to) {
-  return internet().FtpRenameFileW(server_, from.c_str(), to.c_str());
+  return ended(internet().FtpRenameFileW(server_, from.c_str(), to.c_str()));
 }
 
 bool FtpConnection::get(const std::wstring& path, const wchar_t* local) {
-  return internet().FtpGetFileW(server_, path.c_str(), local, FALSE, FILE_ATTRIBUTE_NORMAL,
-                                kTransfer, 0);
+  return ended(internet().FtpGetFileW(server_, path.c_str(), local, FALSE, FILE_ATTRIBUTE_NORMAL,
+                                      kTransfer, 0));
 }
 
 bool FtpConnection::put(const wchar_t* local, const std::wstring& path) {
-  return internet().FtpPutFileW(server_, local, path.c_str(), FTP_TRANSFER_TYPE_BINARY, 0);
+  return ended(internet().FtpPutFileW(server_, local, path.c_str(), FTP_TRANSFER_TYPE_BINARY, 0));
 }
 
 bool FtpConnection::isFolder(const std::wstring& path) {
-  return internet().FtpSetCurrentDirectoryW(server_, path.c_str());
+  return ended(internet().FtpSetCurrentDirectoryW(server_, path.c_str()));
 }
 
 // What may stand in a path is not what may stand in a pattern: so the folder is entered first.
 bool FtpConnection::list(const std::wstring& folder, std::vector<WIN32_FIND_DATAW>& entries) {
   const Internet& net = internet();
-  if (!net.FtpSetCurrentDirectoryW(server_, folder.c_str())) return false;
+  if (!isFolder(folder)) return false;
   WIN32_FIND_DATAW found;
   SetLastError(ERROR_SUCCESS);
   HINTERNET search = net.FtpFindFirstFileW(server_, nullptr, &found,
@@ -152,10 +230,24 @@ bool FtpConnection::list(const std::wstring& folder, std::vector<WIN32_FIND_DATA
   for (bool more = search != nullptr; more; more = net.InternetFindNextFileW(search, &found))
     entries.push_back(found);
   const DWORD error = GetLastError();
+  // An empty folder is told in several ways.
+  const bool done = ended(error == ERROR_NO_MORE_FILES || error == ERROR_FILE_NOT_FOUND ||
+                          error == ERROR_SUCCESS);
   if (search) net.InternetCloseHandle(search);
   SetLastError(error);
-  // An empty folder is told in several ways.
-  return error == ERROR_NO_MORE_FILES || error == ERROR_FILE_NOT_FOUND || error == ERROR_SUCCESS;
+  return done;
+}
+
+std::wstring serverWords(DWORD error) {
+  if (!isRefusal(error)) return {};
+  const std::scoped_lock lock(words().mutex);
+  return words().text;
+}
+
+std::wstring internetMessage(DWORD error) {
+  for (const Message& message : kMessages)
+    if (message.error == error) return message.text;
+  return {};
 }
 
 }  // namespace zo

@@ -4,7 +4,8 @@
 // Paths are the server's, absolute. File names travel in the ANSI code page.
 //
 // Errors:  operations answer false and leave the reason in the last error: a code of the platform's
-//          internet functions (12000 and up) where it is theirs.
+//          internet functions (12000 and up) where it is theirs. What the server said to a refusal
+//          is kept for the whole process, until it refuses something else.
 // Threads: one per connection.
 #pragma once
 
@@ -13,6 +14,8 @@
 
 #include <string>
 #include <vector>
+
+#include "files/keep_reason.h"
 
 namespace zo {
 
@@ -25,6 +28,24 @@ struct FtpAddress {
 [[nodiscard]] std::wstring ftpPath(const ZoFileName& name);
 // Whether both are FTP names of one server and user.
 [[nodiscard]] bool sameServer(const ZoFileName& a, const ZoFileName& b);
+
+// What the server said, for an error that is its refusal; else empty.
+[[nodiscard]] std::wstring serverWords(DWORD error);
+// Our own words for the usual errors of the internet functions, where the platform has none.
+[[nodiscard]] std::wstring internetMessage(DWORD error);
+
+// Keeps the last error and the server's words over what is cleaned up after a failure.
+class KeptReason {
+ public:
+  KeptReason();
+  KeptReason(const KeptReason&) = delete;
+  KeptReason& operator=(const KeptReason&) = delete;
+  ~KeptReason();
+
+ private:
+  DWORD error_;
+  std::wstring words_;
+};
 
 class FtpConnection {
  public:
@@ -57,11 +78,11 @@ template <class Operation>
 int onServer(const ZoFileName& name, const wchar_t* agent, ZoFileSystem& service,
              Operation operation) {
   const FtpAddress address = ftpAddress(name);
-  if (address.host.empty()) return ZoResult::invalid;
+  if (address.host.empty())
+    return keepReason(agent, ERROR_NOT_SUPPORTED, ZoResult::invalid, &service);
   FtpConnection server(address, agent);
   if (server.isOpen()) return operation(server);
-  service.errorIO(agent);
-  return ZoResult::refused;
+  return keepReason(agent, &service);
 }
 
 }  // namespace zo

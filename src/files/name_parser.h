@@ -21,12 +21,11 @@ struct NameParts {
   NameKind kind = NameKind::Plain;
   bool isSplit = true;  // false: no name at all; only result and macro say something
   int result = 0;
-  size_t prefixLength = 0;  // the volume of a network, disc or URL name
-  std::wstring_view macro;  // without $ and quote
-  std::wstring_view path;   // drive, directory, fileName and extension, one after the other
-  std::wstring_view drive;  // with its colon
-  std::wstring_view
-      directory;  // with its final delimiter, and with the volume unless that's a drive
+  size_t prefixLength = 0;      // the volume of a network, disc or URL name
+  std::wstring_view macro;      // without $ and quote
+  std::wstring_view path;       // drive, directory, fileName and extension, one after the other
+  std::wstring_view drive;      // with its colon
+  std::wstring_view directory;  // with its final delimiter; with the volume, but for a drive
   std::wstring_view fileName;   // without extension
   std::wstring_view extension;  // with its dot
 

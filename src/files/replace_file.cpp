@@ -1,6 +1,7 @@
 #include "files/replace_file.h"
 
 #include "files/fresh_file.h"
+#include "files/name_compare.h"
 #include "platform/open_file.h"
 #include "platform/system_path.h"
 
@@ -18,7 +19,52 @@ bool mayReplace(const ZoFileName& target, bool failIfExists) {
   return !failIfExists && !readOnly;
 }
 
+std::wstring fullPath(const ZoFileName& name) {
+  return textOf([&](DWORD size, wchar_t* buffer) {
+    return fileApi().fullPath(name.fullName(), size, buffer);
+  });
+}
+
+// Without delimiters behind the last component.
+std::wstring_view bare(const ZoFileName& name) {
+  const std::wstring_view text = name.view();
+  return text.substr(0, text.find_last_not_of(LR"(\/)") + 1);
+}
+
+std::wstring_view lastOf(std::wstring_view path) {
+  return path.substr(path.find_last_of(LR"(\/)") + 1);
+}
+
+// Whether the file system calls it so, case included; true if that cannot be told.
+bool isCalled(const std::wstring& path) {
+  WIN32_FIND_DATAW entry;
+  HANDLE search = fileApi().findFirst(SystemPath(path.c_str()), entry);
+  if (search == INVALID_HANDLE_VALUE) return true;
+  fileApi().findClose(search);
+  return lastOf(path) == entry.cFileName || !equalNames(lastOf(path), entry.cFileName);
+}
+
 }  // namespace
+
+bool differInCaseAtMost(const ZoFileName& a, const ZoFileName& b) {
+  return equalNames(bare(a), bare(b)) || equalNames(fullPath(a), fullPath(b));
+}
+
+bool rename(const ZoFileName& from, const ZoFileName& to) {
+  FileApi& api = fileApi();
+  const SystemPath source(from.fullName()), target(to.fullName());
+  if (!api.move(source, target, 0)) return false;
+  const std::wstring wanted(bare(to));
+  const std::wstring_view before = lastOf(bare(from)), after = lastOf(wanted);
+  if (before == after || !equalNames(before, after) || isCalled(wanted)) return true;
+  const std::wstring between = freshName(stemBeside(ZoFileName(wanted)), kEndingBeside);
+  const SystemPath step(between.c_str());
+  if (!api.move(source, step, 0)) return false;
+  if (api.move(step, target, 0)) return true;
+  const KeptError kept;
+  api.move(step, source, 0);
+  return false;
+}
 
 bool putInPlace(const std::wstring& complete, const ZoFileName& target, bool failIfExists) {
   if (!mayReplace(target, failIfExists)) return false;

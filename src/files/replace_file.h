@@ -19,6 +19,13 @@ namespace zo {
 // nothing beside it.
 [[nodiscard]] bool copyIntoPlace(const ZoFileName& from, const ZoFileName& to, bool failIfExists);
 
+// Renames a file or folder, also where only the case of letters changes; any other target that
+// exists is refused. Some platforms say yes to such a change and keep the old name: there it goes
+// by a name beside the target, and back when the second step fails.
+[[nodiscard]] bool rename(const ZoFileName& from, const ZoFileName& to);
+// Whether two names are one but for the case of letters, as seen from the current folder.
+[[nodiscard]] bool differInCaseAtMost(const ZoFileName& a, const ZoFileName& b);
+
 // Removes a file that is of no use any more, read-only or not. The last error stays.
 void discard(const std::wstring& name) noexcept;
 

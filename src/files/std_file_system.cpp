@@ -1,14 +1,13 @@
 #include <windows.h>
 #include <zo/files/std_file_system.h>
 
-#include <atomic>
+#include <string>
 
+#include "files/ftp.h"
 #include "files/std_file_system_imp.h"
 #include "system/service_scope.h"
 
 namespace {
-
-std::atomic<DWORD> lastError = ERROR_SUCCESS;
 
 ZoString systemMessage(DWORD error) {
   // Errors of connections have their messages in the library that made them.
@@ -27,6 +26,18 @@ ZoString systemMessage(DWORD error) {
   return ZoString(text, length);
 }
 
+// What the platform has no message for still has words, which end like its messages.
+ZoString messageOf(DWORD error) {
+  std::wstring text = zo::serverWords(error);
+  if (text.empty()) {
+    ZoString message = systemMessage(error);
+    if (!message.isEmpty()) return message;
+    text = zo::internetMessage(error);
+  }
+  if (text.empty()) text = L"Error " + std::to_wstring(error) + L'.';
+  return ZoString(std::wstring_view(text += L"\r\n"));
+}
+
 }  // namespace
 
 ZoStdFileSystem::ZoStdFileSystem() : imp_(new ZoStdFileSystemImp(*this)) {}
@@ -34,11 +45,11 @@ ZoStdFileSystem::~ZoStdFileSystem() { delete imp_; }
 int ZoStdFileSystem::release(const wchar_t* module) { return zo::releaseWithLibrary(this, module); }
 
 int ZoStdFileSystem::errorIO(const wchar_t*) {
-  lastError = GetLastError();
+  zo::keptError = GetLastError();
   return ZoResult::ok;
 }
 
-ZoString ZoStdFileSystem::errorTxt() { return systemMessage(lastError); }
+ZoString ZoStdFileSystem::errorTxt() { return messageOf(zo::keptError); }
 
 int ZoStdFileSystem::createDirectory(const ZoFileName& name) { return imp_->createDirectory(name); }
 int ZoStdFileSystem::getCurrentDirectory(ZoFileName& name) {
@@ -108,13 +119,19 @@ int ZoStdFileSystem::isRemote(const ZoFileName& name, ZoFileName& local) {
 }
 
 int ZoStdFileSystemImp::report(const wchar_t* operation) {
-  service_.errorIO(operation);
-  return ZoResult::refused;
+  return zo::keepReason(operation, &service_);
 }
 
-int ZoStdFileSystemImp::report(const wchar_t* operation, DWORD error) {
-  SetLastError(error);
-  return report(operation);
+int ZoStdFileSystemImp::report(const wchar_t* operation, DWORD error, int code) {
+  return zo::keepReason(operation, error, code, &service_);
+}
+
+int ZoStdFileSystemImp::noUse(const wchar_t* operation) {
+  return report(operation, ERROR_NOT_SUPPORTED, ZoResult::invalid);
+}
+
+int ZoStdFileSystemImp::listed(int code, const wchar_t* operation) {
+  return code == ZoResult::ok ? code : report(operation, ERROR_NOT_ENOUGH_MEMORY, code);
 }
 
 int ZoStdFileSystemImp::result(bool done, const wchar_t* operation) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "files/keep_reason.h"
 #include "platform/file_api.h"
 
 class ZoStdFileSystemImp {
@@ -40,9 +41,13 @@ class ZoStdFileSystemImp {
   int isRemote(const ZoFileName& name, ZoFileName& local);
 
  private:
-  // Keeps the platform's last error, or the one that is given. Both return 1.
+  // Keeps the platform's last error, or the one that is given. Return 1 or the code.
   int report(const wchar_t* operation);
-  int report(const wchar_t* operation, DWORD error);
+  int report(const wchar_t* operation, DWORD error, int code = ZoResult::refused);
+  // For a URL, where there is no use for one.
+  int noUse(const wchar_t* operation);
+  // What a list answered that was to be filled, with its reason.
+  int listed(int code, const wchar_t* operation);
   // 0 or, after the call failed, 1.
   int result(bool done, const wchar_t* operation);
 

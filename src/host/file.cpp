@@ -2,6 +2,7 @@
 #include <zo/host/file.h>
 
 #include "platform/file_api.h"
+#include "platform/system_path.h"
 
 CException::~CException() = default;
 CFileException::~CFileException() = default;
@@ -56,8 +57,9 @@ CFile::~CFile() {
 }
 
 int CFile::Open(const wchar_t* name, unsigned int flags, CFileException*) {
-  m_hFile = zo::fileApi().create(name, accessOf(flags), shareOf(flags), dispositionOf(flags),
-                                 FILE_ATTRIBUTE_NORMAL);
+  if (m_hFile != INVALID_HANDLE_VALUE) zo::fileApi().close(m_hFile);
+  m_hFile = zo::fileApi().create(zo::SystemPath(name ? name : L""), accessOf(flags), shareOf(flags),
+                                 dispositionOf(flags), FILE_ATTRIBUTE_NORMAL);
   return m_hFile != INVALID_HANDLE_VALUE;
 }
 

@@ -2,15 +2,30 @@
 #include <windows.h>
 #include <zo/host/stdio_file.h>
 
+#include <fcntl.h>
 #include <io.h>
 
-#include <fcntl.h>
+#include <cstdlib>
+#include <utility>
+
+#include "platform/file_api.h"
 
 namespace {
 
-[[noreturn]] void throwStreamError(int cause) {
+[[noreturn]] void throwError(int cause, DWORD error) {
   // NOLINTNEXTLINE(misc-throw-by-value-catch-by-reference): the framework throws pointers
-  throw new CFileException(cause, static_cast<long>(GetLastError()));
+  throw new CFileException(cause, static_cast<long>(error ? error : ERROR_GEN_FAILURE));
+}
+
+// The runtime keeps the platform's error: by now the thread's may be another one.
+[[noreturn]] void throwStreamError() {
+  throwError(CFileException::genericException, static_cast<DWORD>(_doserrno));
+}
+
+// The runtime ends the program for a null stream.
+std::FILE* checked(std::FILE* stream) {
+  if (!stream) throwError(CFileException::genericException, ERROR_INVALID_HANDLE);
+  return stream;
 }
 
 // The stream's mode for the access that the flags ask for.
@@ -31,15 +46,20 @@ const wchar_t* modeOf(unsigned int flags) {
 CStdioFile::CStdioFile() : m_pStream(nullptr), closeOnDelete_(false) {}
 CStdioFile::CStdioFile(std::FILE* stream) : m_pStream(stream), closeOnDelete_(false) {}
 CStdioFile::CStdioFile(const wchar_t* name, unsigned int flags) : CStdioFile() {
-  if (!CStdioFile::Open(name, flags)) throwStreamError(CFileException::fileNotFound);
+  if (!CStdioFile::Open(name, flags)) throwError(CFileException::fileNotFound, GetLastError());
 }
-CStdioFile::~CStdioFile() {
+CStdioFile::~CStdioFile() { letGo(); }
+
+void CStdioFile::letGo() noexcept {
   if (closeOnDelete_ && m_pStream) std::fclose(m_pStream);
+  m_pStream = nullptr;
   m_hFile = INVALID_HANDLE_VALUE;  // the stream has closed it, or its owner will
+  closeOnDelete_ = false;
 }
 
 // The handle becomes the stream's, so that fopen's modes need not say what the flags do.
 int CStdioFile::Open(const wchar_t* name, unsigned int flags, CFileException* error) {
+  letGo();
   if (!CFile::Open(name, flags, error)) return FALSE;
   const int descriptor =
       _open_osfhandle(reinterpret_cast<intptr_t>(m_hFile), flags & typeText ? _O_TEXT : 0);
@@ -49,7 +69,7 @@ int CStdioFile::Open(const wchar_t* name, unsigned int flags, CFileException* er
       _close(descriptor);
       m_hFile = INVALID_HANDLE_VALUE;
     } else {
-      CFile::Close();
+      zo::fileApi().close(std::exchange(m_hFile, INVALID_HANDLE_VALUE));
     }
     return FALSE;
   }
@@ -58,36 +78,37 @@ int CStdioFile::Open(const wchar_t* name, unsigned int flags, CFileException* er
 }
 
 unsigned int CStdioFile::Read(void* buffer, unsigned int count) {
-  const std::size_t got = std::fread(buffer, 1, count, m_pStream);
-  if (got < count && std::ferror(m_pStream)) throwStreamError(CFileException::genericException);
+  const std::size_t got = std::fread(buffer, 1, count, checked(m_pStream));
+  if (got < count && std::ferror(m_pStream)) throwStreamError();
   return static_cast<unsigned int>(got);
 }
 
 void CStdioFile::Write(const void* data, unsigned int count) {
-  if (std::fwrite(data, 1, count, m_pStream) != count)
-    throwStreamError(CFileException::genericException);
+  if (std::fwrite(data, 1, count, checked(m_pStream)) != count) throwStreamError();
 }
 
 unsigned long long CStdioFile::Seek(long long offset, unsigned int from) {
-  if (_fseeki64(m_pStream, offset, static_cast<int>(from)) != 0)
-    throwStreamError(CFileException::genericException);
+  if (_fseeki64(checked(m_pStream), offset, static_cast<int>(from)) != 0) throwStreamError();
   return CStdioFile::GetPosition();
 }
 
 unsigned long long CStdioFile::GetPosition() const {
-  const long long position = _ftelli64(m_pStream);
-  if (position < 0) throwStreamError(CFileException::genericException);
+  const long long position = _ftelli64(checked(m_pStream));
+  if (position < 0) throwStreamError();
   return static_cast<unsigned long long>(position);
 }
 
 unsigned long long CStdioFile::GetLength() const {
-  const long long length = _filelengthi64(_fileno(m_pStream));
-  if (length < 0) throwStreamError(CFileException::genericException);
-  return static_cast<unsigned long long>(length);
+  // By the stream, which may have more than the file.
+  const unsigned long long position = CStdioFile::GetPosition();
+  if (_fseeki64(m_pStream, 0, SEEK_END) != 0) throwStreamError();
+  const unsigned long long length = CStdioFile::GetPosition();
+  if (_fseeki64(m_pStream, static_cast<long long>(position), SEEK_SET) != 0) throwStreamError();
+  return length;
 }
 
 void CStdioFile::Flush() {
-  if (m_pStream && std::fflush(m_pStream) != 0) throwStreamError(CFileException::genericException);
+  if (m_pStream && std::fflush(m_pStream) != 0) throwStreamError();
 }
 
 void CStdioFile::Close() {
@@ -95,6 +116,6 @@ void CStdioFile::Close() {
   m_pStream = nullptr;
   m_hFile = INVALID_HANDLE_VALUE;
   closeOnDelete_ = false;
-  if (stream && std::fclose(stream) != 0) throwStreamError(CFileException::genericException);
+  if (stream && std::fclose(stream) != 0) throwStreamError();
 }
 #endif

@@ -70,7 +70,7 @@ class FileSink final : public ByteSink {
   }
   // Ends the file where writing began, if it did.
   void takeBack() {
-    if (touched_ && file_.seek(begin_) == begin_) file_.setEndOfFile();
+    if (touched_ && file_.seek(begin_) == begin_) static_cast<void>(file_.setEndOfFile());
   }
 
  private:

@@ -141,8 +141,13 @@ DWORD FileApi::searchPath(const wchar_t* path, const wchar_t* name, DWORD size, 
   return SearchPathW(path, name, nullptr, size, buffer, nullptr);
 }
 
-DWORD FileApi::tempName(const wchar_t* folder, const wchar_t* prefix, wchar_t (&buffer)[MAX_PATH]) {
-  return GetTempFileNameW(folder, prefix, 0, buffer);
+DWORD FileApi::tempName(const wchar_t* folder, const wchar_t* prefix,
+                        std::array<wchar_t, MAX_PATH>& made) {
+  if (std::wcslen(folder) > kLongestTempFolder) {
+    SetLastError(ERROR_FILENAME_EXCED_RANGE);
+    return 0;
+  }
+  return GetTempFileNameW(folder, prefix, 0, made.data());
 }
 
 bool FileApi::volume(const wchar_t* root, Volume& volume) {

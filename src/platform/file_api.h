@@ -10,6 +10,8 @@
 
 #include <windows.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace zo {
@@ -60,7 +62,11 @@ class FileApi {
   virtual DWORD tempFolder(DWORD size, wchar_t* buffer);
   virtual DWORD fullPath(const wchar_t* name, DWORD size, wchar_t* buffer);
   virtual DWORD searchPath(const wchar_t* path, const wchar_t* name, DWORD size, wchar_t* buffer);
-  virtual DWORD tempName(const wchar_t* folder, const wchar_t* prefix, wchar_t (&buffer)[MAX_PATH]);
+  // Refuses a folder that is longer than the platform's call takes: some platforms would write past
+  // the buffer.
+  static constexpr std::size_t kLongestTempFolder = MAX_PATH - 14;
+  virtual DWORD tempName(const wchar_t* folder, const wchar_t* prefix,
+                         std::array<wchar_t, MAX_PATH>& made);
 
   // ---- Volumes ----
   struct Volume {

@@ -24,7 +24,8 @@ namespace zo::test {
 inline std::wstring messageOf(DWORD error) {
   wchar_t text[1024];
   const DWORD flags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
-  return {text, FormatMessageW(flags, nullptr, error, 0, text, 1024, nullptr)};
+  const DWORD length = FormatMessageW(flags, nullptr, error, 0, text, 1024, nullptr);
+  return length ? std::wstring(text, length) : L"Error " + std::to_wstring(error) + L".\r\n";
 }
 
 class FileTest : public ::testing::Test {

@@ -1,7 +1,9 @@
 // The file-system service on real files and folders. (interrupted_test.cpp has failures within,
 // reports_test.cpp what the platform fails to do.)
 #include <zo/files/file.h>
+#include <zo/files/file_transfer.h>
 
+#include <cstring>
 #include <functional>
 
 #include "file_io/file_fixture.h"
@@ -89,6 +91,99 @@ TEST_F(FileSystem, NamesAreCompletedAndFound) {
   EXPECT_EQ(listing(), (Names{L"f.txt", temp.fileNameExt()})) << "a new file that is there";
 }
 
+// The platform's own call takes folders up to 246 characters.
+TEST_F(FileSystem, TemporaryFilesAreMadeInFoldersOfAnyLength) {
+  for (const std::size_t length : {100, 245, 246, 247, 260, 300, 400}) {
+    std::wstring deep(name(L"").view());
+    while (deep.size() + 1 < length) {
+      const std::size_t level = std::min<std::size_t>(length - deep.size() - 1, 100);
+      deep += std::wstring(deep.size() + level + 2 == length ? level - 1 : level, L'd') + L'\\';
+    }
+    ASSERT_EQ(deep.size(), length);
+    ASSERT_EQ(fs().createDirectory(deep), 0);
+    ZoFileName temp;
+    EXPECT_EQ(fs().getTempFileName(temp, deep + L"\x43F\x43Erts.txt"), 0);
+    EXPECT_TRUE(temp.view().starts_with(deep + L"\x43F\x43Er")) << length;
+    EXPECT_NE(fs().getAttributes(temp), 0U) << length;
+  }
+}
+
+// As some platforms do it: says yes to a change of case alone, and changes nothing.
+class KeepsTheCase : public FaultyFiles {
+ public:
+  bool move(const wchar_t* from, const wchar_t* to, DWORD flags) override {
+    if (ZoFileName(from) == to) return true;
+    return FaultyFiles::move(from, to, flags);
+  }
+};
+
+TEST_F(FileSystem, ChangingOnlyTheCaseRenamesOrLeavesAllAsItWas) {
+  put(name(L"part.dwg"), "part");
+  folder(L"dir\\sub");
+  EXPECT_EQ(fs().move(name(L"part.dwg"), name(L"Part.DWG")), 0) << "whatever the platform does";
+  EXPECT_EQ(listing(), (Names{L"Part.DWG", L"dir\\", L"dir\\sub\\"}));
+  KeepsTheCase files;
+  EXPECT_EQ(fs().move(name(L"Part.DWG"), name(L"dir\\pART.dwg")), 0) << "nothing in its way";
+  EXPECT_EQ(fs().move(name(L"dir\\pART.dwg"), name(L"DIR\\part.dwg")), 0);
+  EXPECT_EQ(fs().move(name(L"dir\\"), name(L"Dir\\")), 0);
+  const Names before = {L"Dir\\", L"Dir\\part.dwg", L"Dir\\sub\\"};
+  EXPECT_EQ(listing(), before);
+  for (int nth = 1; nth <= 2; ++nth) {
+    files.arm({.fault = Fault::fail, .call = "move", .nth = nth, .error = ERROR_SHARING_VIOLATION});
+    EXPECT_EQ(fs().move(name(L"Dir\\part.dwg"), name(L"Dir\\PART.dwg")), 1) << nth;
+    expectError(ERROR_SHARING_VIOLATION);
+    EXPECT_EQ(listing(), before) << nth;
+  }
+  ZoFileTransfer transfer;
+  transfer.refuseExisting(true);
+  transfer.add(name(L"Dir\\part.dwg"), name(L"Dir\\PART.dwg"));
+  EXPECT_EQ(transfer.run(ZoFileTransfer::kMove), 0) << "it is not in its own way";
+  EXPECT_EQ(bytesOf(name(L"Dir\\PART.dwg")), "part");
+  EXPECT_EQ(listing(), (Names{L"Dir\\", L"Dir\\PART.dwg", L"Dir\\sub\\"}));
+}
+
+#if !defined(_MSC_VER)  // which shows slots in another way
+TEST(FileSystemService, VirtualFunctionsHaveTheirSlots) {
+  std::size_t slot = 6;  // behind those of every service, whose destructor has two here
+  const auto isNext = [&slot](auto function) {
+    std::size_t word = 0;
+    std::memcpy(&word, &function, sizeof word);
+    return word == 1 + sizeof(void*) * slot++;
+  };
+  using S = ZoFileSystem;
+  using Name = const ZoFileName&;
+  using Pair = int (S::*)(Name, Name, bool);
+  using Fetch = int (S::*)(Name, ZoFileName&, bool);
+  using Label = int (S::*)(const wchar_t*, Name);
+  const bool inOrder[] = {isNext(&S::createDirectory),
+                          isNext(&S::getCurrentDirectory),
+                          isNext(&S::setCurrentDirectory),
+                          isNext(&S::getTempPath),
+                          isNext(&S::getAbsolutePath),
+                          isNext(&S::getFullPathName),
+                          isNext(&S::searchPath),
+                          isNext(static_cast<Pair>(&S::copy)),
+                          isNext(static_cast<Pair>(&S::append)),
+                          isNext(&S::move),
+                          isNext(&S::erase),
+                          isNext(&S::getTempFileName),
+                          isNext(&S::getAttributes),
+                          isNext(&S::subSetAttributes),
+                          isNext(&S::getVolumeInformation),
+                          isNext(&S::getDiskFreeSpace),
+                          isNext(&S::getDriveType),
+                          isNext(&S::getLogicalDrivesStrings),
+                          isNext(static_cast<Label>(&S::setVolumeLabel)),
+                          isNext(&S::getCDRom),
+                          isNext(&S::errorIO),
+                          isNext(&S::errorTxt),
+                          isNext(static_cast<Fetch>(&S::getRemote)),
+                          isNext(&S::putRemote),
+                          isNext(&S::isRemote)};
+  for (const bool& is : inOrder) EXPECT_TRUE(is) << &is - inOrder;
+}
+#endif
+
 TEST_F(FileSystem, CopiesKeepAttributesAndMovesTakeFolders) {
   folder(L"dir\\sub");
   put(name(L"f"), "abc");
@@ -124,7 +219,7 @@ TEST_F(FileSystem, ATreeThatCannotGoWholeGoesInPart) {
   EXPECT_EQ(fs().erase(name(L"t"), ZoFileSystem::kTree), ZoResult::partial);
   expectError(ERROR_SHARING_VIOLATION);  // the reason, not what follows of it
   EXPECT_EQ(listing(), (Names{L"t\\", L"t\\a\\", L"t\\a\\busy"}));
-  user.close();
+  EXPECT_EQ(user.close(), 0);
   FaultyFiles files;
   files.arm({.fault = Fault::fail, .forEver = true});
   EXPECT_EQ(fs().erase(name(L"t"), ZoFileSystem::kTree), 1) << "nothing could go";

@@ -36,7 +36,7 @@ TEST_F(FileObject, TheModeDecidesByWhatExists) {
     ZoFile file;
     EXPECT_EQ(file.open(absent, ZoFile::kWrite, c.mode), c.ofAbsent) << c.mode;
     EXPECT_EQ(file.open(present, ZoFile::kWrite, c.mode), c.ofPresent) << c.mode;
-    file.close();
+    EXPECT_EQ(file.close(), 0);
     EXPECT_EQ(bytesOf(absent), c.absentAfter) << c.mode;
     EXPECT_EQ(bytesOf(present), c.presentAfter) << c.mode;
   }
@@ -92,7 +92,7 @@ TEST_F(FileObject, TemporaryFilesAreNewAndNamedAfterTheWish) {
   EXPECT_EQ(files.calls().size(), 2u);
   EXPECT_TRUE(std::wstring_view(made.fileNameExt()).starts_with(L"part"));
   EXPECT_EQ(listing(), (Names{L"part.dwg", made.fileNameExt()}));
-  file.close();
+  EXPECT_EQ(file.close(), 0);
   EXPECT_EQ(listing(), (Names{L"part.dwg"})) << "deleted on close";
   EXPECT_EQ(bytesOf(wish), "old");
   files.arm({.fault = Fault::fail, .call = "tempFolder"});

@@ -2,7 +2,7 @@
 
 It connects to PORT of the loopback first, says there "PORT FOLDER" in one line (nothing when it cannot serve), and
 ends when that connection does. The user is "u" with the password "p"; anonymous users may only read. A file whose
-name begins with "broken" ends in the middle when it is fetched.
+name begins with "broken" ends in the middle when it is fetched; no folder can be made whose name ends in "refused".
 """
 import logging
 import socket
@@ -30,6 +30,12 @@ def main():
             return super().more()
 
     class Handler(handlers.FTPHandler):
+        def ftp_MKD(self, path):
+            if path.endswith("refused"):
+                self.respond("550 Refused.")
+            else:
+                return super().ftp_MKD(path)
+
         use_sendfile = False
         auth_failed_timeout = 0
 

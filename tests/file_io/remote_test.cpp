@@ -1,5 +1,8 @@
 // Files of a server, on a real one.
 #include <zo/files/file_transfer.h>
+#include <zo/files/find_file.h>
+
+#include <functional>
 
 #include "file_io/file_fixture.h"
 #include "file_io/ftp_server.h"
@@ -92,6 +95,55 @@ TEST_F(Remote, DirectoriesAreMadeRenamedAndErased) {
   EXPECT_EQ(fs().erase(remote(L"/"), ZoFileSystem::kTree), 1) << "never the root";
   EXPECT_EQ(fs().erase(remote(L"/b"), ZoFileSystem::kTree), 0);
   EXPECT_EQ(entriesStored(), 0);
+}
+
+TEST_F(Remote, DirectoriesAreMadeWithThoseAboveThemOrNotAtAll) {
+  EXPECT_EQ(fs().createDirectory(remote(L"/x/y/z")), 0);
+  EXPECT_TRUE(std::filesystem::is_directory(server_.folder() / L"x" / L"y" / L"z"));
+  EXPECT_EQ(fs().createDirectory(remote(L"/x/y/z")), 1) << "it is there";
+  put(stored(L"x\\file"), "");
+  EXPECT_EQ(fs().createDirectory(remote(L"/x/file/a/b")), 1);
+  EXPECT_EQ(fs().createDirectory(remote(L"/new/refused/b")), 1);
+  EXPECT_EQ(fs().errorTxt().view(), L"550 Refused.\r\n") << "the reason, not what follows of it";
+  EXPECT_EQ(entriesStored(), 1) << "nothing of it stays";
+}
+
+TEST_F(Remote, EveryFailureHasTheServersWordsOrAReason) {
+  put(stored(L"f"), "x");
+  put(name(L"local"), "ours");
+  std::filesystem::create_directory(server_.folder() / L"full");
+  put(stored(L"full\\f"), "x");
+  ZoFileName local = name(L"new");
+  ZoFindFile find;
+  struct Case {
+    const wchar_t* begins;
+    std::function<int()> run;
+  };
+  const Case cases[] = {
+      {L"550 ", [&] { return fs().createDirectory(remote(L"/f")); }},
+      {L"550 ", [&] { return fs().move(remote(L"/missing"), remote(L"/g")); }},
+      {L"550 ", [&] { return fs().erase(remote(L"/missing"), ZoFileSystem::kFile); }},
+      {L"550 ", [&] { return fs().erase(remote(L"/full"), ZoFileSystem::kDirectory); }},
+      {L"550 ", [&] { return fs().erase(remote(L"/missing"), ZoFileSystem::kTree); }},
+      {L"550 ", [&] { return fs().getRemote(remote(L"/missing"), local); }},
+      {L"550 ", [&] { return fs().putRemote(name(L"local"), remote(L"/missing/f")); }},
+      {L"550 ", [&] { return fs().putRemote(name(L"local"), remote(L"/g", L"")); }},
+      {L"550 ", [&] { return find.open(remote(L"/missing/*")); }},
+      {L"530 ", [&] { return fs().erase(remote(L"/f", L"u:wrong@"), ZoFileSystem::kFile); }},
+      {L"", [&] { return fs().createDirectory(L"ftp://u:p@127.0.0.1:1/d"); }},  // nobody is there
+      {L"", [&] { return find.open(L"ftp://no.such.host.invalid/*"); }},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    SetLastError(ERROR_SUCCESS);
+    fs().errorIO(L"");
+    const std::wstring none(fs().errorTxt().view());
+    EXPECT_EQ(c.run(), 1);
+    const std::wstring reason(fs().errorTxt().view());
+    EXPECT_TRUE(reason != none && reason.size() > 12) << reason;
+    EXPECT_TRUE(reason.starts_with(c.begins)) << reason;
+    EXPECT_TRUE(reason.ends_with(L"\r\n")) << reason;
+  }
 }
 
 TEST_F(Remote, FilesAreFoundAndTransferredByPattern) {

@@ -129,7 +129,7 @@ TEST(FileNameMacro, TheValueStandsInThePlaceOfTheMacro) {
 
 TEST(FileNameMacro, PartsChangeBelowTheMacroAndCopiesKeepItsValue) {
   ZoFileName name(L"a\\f.x");
-  name.setMacro(L"LIB", L"C:\\r");
+  ASSERT_EQ(name.setMacro(L"LIB", L"C:\\r"), 0);
   ZoFileName copy(name);
   EXPECT_EQ(copy.setFileName(L"g"), 0);
   EXPECT_EQ(copy.appendDirectory(L"b"), 0);
@@ -144,15 +144,15 @@ TEST(FileNameMacro, PartsChangeBelowTheMacroAndCopiesKeepItsValue) {
 TEST(FileNameSharing, AChangeThroughAnyDoorLeavesTheCopyAlone) {
   using Change = void (*)(ZoFileName&);
   using N = ZoFileName&;
-  const Change changes[] = {[](N n) { n.setFullName(L"x"); },
+  const Change changes[] = {[](N n) { EXPECT_EQ(n.setFullName(L"x"), 0); },
                             [](N n) { n.empty(); },
                             [](N n) { n.toUpper(); },
-                            [](N n) { n.setDrive(L"D"); },
-                            [](N n) { n.setExtension(L"x"); },
-                            [](N n) { n.makePath(L"", L"", L"x", L""); },
-                            [](N n) { n.appendDirectory(L"x"); },
-                            [](N n) { n.removeLastDir(); },
-                            [](N n) { n.setMacro(L"x", L"C:\\Dir"); },
+                            [](N n) { EXPECT_EQ(n.setDrive(L"D"), 0); },
+                            [](N n) { EXPECT_EQ(n.setExtension(L"x"), 0); },
+                            [](N n) { EXPECT_EQ(n.makePath(L"", L"", L"x", L""), 0); },
+                            [](N n) { EXPECT_EQ(n.appendDirectory(L"x"), 0); },
+                            [](N n) { EXPECT_EQ(n.removeLastDir(), 0); },
+                            [](N n) { EXPECT_EQ(n.setMacro(L"x", L"C:\\Dir"), 0); },
                             [](N n) { n.setLocalAlias(ZoFileName(L"x")); },
                             [](N n) { EXPECT_STREQ(n.nextDirPart(), L"Dir"); },
                             [](N n) { ZoFileName(std::move(n)); }};

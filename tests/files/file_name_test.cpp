@@ -3,6 +3,7 @@
 #include <zo/files/file_name.h>
 
 #include <cwchar>
+#include <filesystem>
 #include <random>
 #include <string>
 #include <vector>
@@ -200,10 +201,10 @@ TEST(FileNameParse, OperationsOnMutatedNamesAreSafe) {
     }
     EXPECT_TRUE(name.isRelativ() || !name.isContained());
     (name.*edits[static_cast<size_t>(i) % std::size(edits)])(other.c_str());
-    name.removeLastDir();
+    static_cast<void>(name.removeLastDir());
     while (name.nextDirPart()) continue;
-    name.setMacro(L"M", other.c_str());
-    name.resetMacro(L"");
+    static_cast<void>(name.setMacro(L"M", other.c_str()));
+    static_cast<void>(name.resetMacro(L""));
     if (name.isValid()) expectParts(ZoFileName(name.fullName()), modelParse(name.fullName()));
     if (HasFailure()) FAIL();
   }
@@ -240,6 +241,26 @@ TEST(FileNameSplit, UrlsFallIntoProtocolHostPathUserAndPassword) {
     EXPECT_EQ(user, c.user);
     EXPECT_EQ(password, c.password);
   }
+}
+
+// Whatever a name is made of or handed to, it stays the same.
+TEST(FileNameConversion, WideTextsAndPathsGoInAndOut) {
+  const std::wstring text = L"C:\\\x44F\\f.dwg";
+  const std::filesystem::path path(text);
+  const ZoFileName fromText = text, fromPath = path, fromNull(nullptr);
+  ZoFileName assigned, whole, parts;
+  assigned = text;
+  EXPECT_EQ(whole.setFullName(path), 0);
+  EXPECT_EQ(parts.makePath(L"C", std::wstring_view(L"?\\\x44F?").substr(1, 2), text.substr(5, 1),
+                           std::filesystem::path(L".dwg")),
+            0);
+  for (const ZoFileName& name : {fromText, fromPath, assigned, whole, parts}) {
+    EXPECT_TRUE(name == text && name == path && text == name);
+    EXPECT_TRUE(std::wstring(name) == text && std::filesystem::path(name) == path);
+  }
+  const std::filesystem::path out = fromText;
+  EXPECT_EQ(out, path);
+  EXPECT_TRUE(fromNull.isEmpty() && !fromNull.isValid(std::wstring(L"a|b")));
 }
 
 TEST(FileNameKind, FollowsTheExtensionInAnyCase) {

@@ -37,9 +37,9 @@ TEST_F(LibraryTest, DocumentShowsWhatIsWritten) {
   for (const wchar_t* const member : {L"a.txt", L"B"}) {
     ZoFile file;
     ASSERT_EQ(library.getFile(file, member), 0);
-    file.setCreationTime({0x69050000, 0x01D5C036});
-    file.setLastAccessTime({0x0C358000, 0x01D6DFD1});
-    file.setLastWriteTime({0x84FC4000, 0x01D7FEA2});
+    EXPECT_EQ(file.setCreationTime({0x69050000, 0x01D5C036}), 0);
+    EXPECT_EQ(file.setLastAccessTime({0x0C358000, 0x01D6DFD1}), 0);
+    EXPECT_EQ(file.setLastWriteTime({0x84FC4000, 0x01D7FEA2}), 0);
   }
   ASSERT_EQ(library.deleteFile(L"a.txt"), 0);
   ASSERT_EQ(library.setCheckSum(0x0102030405060708), 0);

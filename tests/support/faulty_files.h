@@ -118,8 +118,8 @@ class FaultyFiles : public FileApi {
   ZO_PASS(DWORD, 0, fullPath, (const wchar_t* n, DWORD s, wchar_t* b), (n, s, b))
   ZO_PASS(DWORD, 0, searchPath, (const wchar_t* p, const wchar_t* n, DWORD s, wchar_t* b),
           (p, n, s, b))
-  ZO_PASS(DWORD, 0, tempName, (const wchar_t* f, const wchar_t* p, wchar_t (&b)[MAX_PATH]),
-          (f, p, b))
+  using TempName = std::array<wchar_t, MAX_PATH>;
+  ZO_PASS(DWORD, 0, tempName, (const wchar_t* f, const wchar_t* p, TempName& m), (f, p, m))
   ZO_PASS(bool, false, volume, (const wchar_t* r, Volume& v), (r, v))
   ZO_PASS(bool, false, space, (const wchar_t* r, Space& s), (r, s))
   ZO_PASS(DWORD, 0, driveType, (const wchar_t* r), (r))

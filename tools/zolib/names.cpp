@@ -25,13 +25,11 @@ std::vector<std::wstring_view> levelsOf(std::wstring_view path) {
 }  // namespace
 
 std::wstring shellPath(std::wstring_view path) {
-  std::wstring result(path);
-  wchar_t root[MAX_PATH];
-  if (path.starts_with(L'/') && !path.starts_with(L"//")) {
-    const DWORD length = GetEnvironmentVariableW(L"ZOLIB_ROOT", root, MAX_PATH);
-    if (length < MAX_PATH) result.insert(0, root, length);
-  }
-  return result;
+  if (!path.starts_with(L'/') || path.starts_with(L"//")) return std::wstring(path);
+  std::wstring root(GetEnvironmentVariableW(L"ZOLIB_ROOT", nullptr, 0), L'\0');
+  root.resize(
+      GetEnvironmentVariableW(L"ZOLIB_ROOT", root.data(), static_cast<DWORD>(root.size())));
+  return root.append(path);
 }
 
 std::wstring memberName(std::wstring_view path) {

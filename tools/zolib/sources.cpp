@@ -19,7 +19,7 @@ constexpr unsigned int kLinkAttribute = FILE_ATTRIBUTE_REPARSE_POINT;
 
 std::wstring fullPath(const std::wstring& path) {
   ZoFileName full;
-  ZoSystem::fileSystem().getFullPathName(ZoFileName(path), full);
+  if (ZoSystem::fileSystem().getFullPathName(ZoFileName(path), full)) return path;
   return std::wstring(full.view());
 }
 
@@ -59,7 +59,7 @@ class Walk {
     ZoFindFile find;
     find.setAttributes(0);
     ZoFileName pattern;
-    pattern.setFullName(path.c_str(), false, false, true);
+    static_cast<void>(pattern.setFullName(path, false, false, true));  // open will say it
     if (find.open(pattern)) return;
     while (find.next()) {
       const std::wstring given = joined(givenFolder, find.fileNameExt());

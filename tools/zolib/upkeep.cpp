@@ -55,7 +55,8 @@ class Salvaged {
   ~Salvaged() {
     if (!library_.isOpen()) return;
     static_cast<void>(library_.close());
-    if (!kept_) ZoSystem::fileSystem().erase(ZoFileName(path_), ZoFileSystem::kFile);
+    if (!kept_)
+      static_cast<void>(ZoSystem::fileSystem().erase(ZoFileName(path_), ZoFileSystem::kFile));
   }
   void keep() noexcept { kept_ = true; }
   [[nodiscard]] bool isOpen() const noexcept { return library_.isOpen(); }

@@ -9,15 +9,17 @@
 // and positions have 64 bits everywhere.
 //
 // Errors:  int results are 0, or 1 after a failure, whose reason is then to be had from the
-//          file-system service's errorTxt(). read and write return the bytes that were moved, which
-//          may be fewer than asked for: at the end of the file, or when the platform moved fewer. A
-//          failure moves 0 and has a reason. Nothing throws but std::bad_alloc.
+//          file-system service's errorTxt(); using an object without an open file is one, too.
+//          read and write return the bytes that were moved, which may be fewer than asked for: at
+//          the end of the file, or when the platform moved fewer. A failure moves 0, and what a
+//          read was to fill is undefined then; the end of the file moves 0, too, and has no reason.
+//          Nothing throws but std::bad_alloc.
 // Copies:  a copy of an open file is a second handle on the same opening: both share position,
 //          locks and modes, and the file is closed when both are. A copy with another access mode
 //          is an opening of its own, with a position of its own at the start. A copy that fails has
 //          no file. A moved-from object has none either; it can be opened again.
 // Threads: read, write, seek, setEndOfFile and the setters of times exclude each other within one
-//          object; all else is for one thread at a time, and only while the library is attached.
+//          object; all else is for one thread at a time. No service needs to be there.
 // Cost:    one call of the platform each: small pieces are better read and written through a
 //          buffer.
 #pragma once
@@ -28,6 +30,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <type_traits>
 #include <utility>
 
 class ZoFileImp;
@@ -45,25 +48,52 @@ class ZO_COM_API ZoFile {
   // What an offset counts from. The platform's numbers.
   enum MoveMethod : unsigned int { kBegin = 0, kCurrent = 1, kEnd = 2 };
 
-  // Access modes, share modes and flags of open: the platform's bits, any of which may be given.
-  static constexpr int kRead = static_cast<int>(0x80000000U);
-  static constexpr int kWrite = 0x40000000;
-  static constexpr int kReadWrite = kRead | kWrite;
-  static constexpr int kShareNone = 0;
-  static constexpr int kShareRead = 1;
-  static constexpr int kShareWrite = 2;
-  static constexpr int kShareDelete = 4;
-  static constexpr int kTemporary = 0x100;          // kept in memory as far as possible
-  static constexpr int kDeleteOnClose = 0x4000000;  // goes with its last handle
-  static constexpr int kSequential = 0x8000000;     // will be read from begin to end
-  static constexpr int kRandomAccess = 0x10000000;
-  static constexpr int kWriteThrough = static_cast<int>(0x80000000U);
+  // What open takes besides: the platform's bits, any others of which may be given as an int. Each
+  // kind joins with its own by |, and with no other.
+  enum Access : int {
+    kRead = static_cast<int>(0x80000000U),
+    kWrite = 0x40000000,
+    kReadWrite = kRead | kWrite,
+  };
+  enum Share : int { kShareNone = 0, kShareRead = 1, kShareWrite = 2, kShareDelete = 4 };
+  enum Flag : int {
+    kTemporary = 0x100,          // kept in memory as far as possible
+    kDeleteOnClose = 0x4000000,  // goes with its last handle
+    kSequential = 0x8000000,     // will be read from begin to end
+    kRandomAccess = 0x10000000,
+    kWriteThrough = static_cast<int>(0x80000000U),
+  };
+  friend constexpr Access operator|(Access a, Access b) noexcept {
+    return static_cast<Access>(static_cast<int>(a) | static_cast<int>(b));
+  }
+  friend constexpr Share operator|(Share a, Share b) noexcept {
+    return static_cast<Share>(static_cast<int>(a) | static_cast<int>(b));
+  }
+  friend constexpr Flag operator|(Flag a, Flag b) noexcept {
+    return static_cast<Flag>(static_cast<int>(a) | static_cast<int>(b));
+  }
 
+ private:
+  // Whether an argument may stand for one of a kind: a number, or of that kind itself.
+  template <class T, class Kind>
+  static constexpr bool kMayBe =
+      std::is_same_v<T, Kind> || (std::is_integral_v<T> && !std::is_same_v<T, bool>);
+  template <class A, class M, class S, class F>
+  static constexpr bool kMixedUp = !(kMayBe<A, Access> && std::is_same_v<M, CreationMode> &&
+                                     kMayBe<S, Share> && kMayBe<F, Flag>);
+
+ public:
   ZoFile();
   explicit ZoFile(void* handle);    // takes an open handle of the platform over
   explicit ZoFile(ZoFileImp* imp);  // takes an implementation over
+  template <class T>
+    requires(!std::is_convertible_v<T*, ZoFileImp*>)
+  explicit ZoFile(T* other) = delete;  // neither a handle nor an implementation: open(name) opens
   ZoFile(const ZoFile& other);
   ZoFile(const ZoFile& other, unsigned int access);
+  template <class T>
+    requires(!kMayBe<T, Access>)
+  ZoFile(const ZoFile& other, T access) = delete;  // an access, such as ZoFile::kRead
   ZoFile(ZoFile&& other) noexcept : imp_(std::exchange(other.imp_, nullptr)) {}
   ~ZoFile();  // closes a plain file, and cancels what close() would make effective
   ZoFile& operator=(const ZoFile& other);
@@ -82,44 +112,55 @@ class ZO_COM_API ZoFile {
   // ---- Opening and closing ----
   // Opens a file, after closing the one that is open. A URL with a local alias opens the alias. A
   // file opened for reading and writing gets the flag kRandomAccess, unless kSequential is given.
-  int open(const ZoFileName& name, int access = kRead, CreationMode mode = kOpenExisting,
-           int share = kShareRead, int flags = 0);
+  [[nodiscard]] int open(const ZoFileName& name, int access = kRead,
+                         CreationMode mode = kOpenExisting, int share = kShareRead, int flags = 0);
+  template <class A, class M = CreationMode, class S = Share, class F = Flag>
+    requires kMixedUp<A, M, S, F>
+  int open(const ZoFileName& name, A, M = {}, S = {},
+           F = {}) = delete;  // access, mode, share, flags
   // Makes and opens a file that was not there: in the folder of `name`, or that for temporary files
   // when it has none; called `name`'s file name ("zo" when empty), eight hexadecimal digits, and
   // `name`'s extension (".tmp" when empty). `name` then holds its full name; after a failure it is
   // as it was. The modes that make nothing are refused. Pass kDeleteOnClose for a file that goes by
   // itself.
-  int createTemp(ZoFileName& name, int access = kReadWrite, CreationMode mode = kCreateNew,
-                 int share = kShareNone, int flags = kTemporary);
+  [[nodiscard]] int createTemp(ZoFileName& name, int access = kReadWrite,
+                               CreationMode mode = kCreateNew, int share = kShareNone,
+                               int flags = kTemporary);
+  template <class A, class M = CreationMode, class S = Share, class F = Flag>
+    requires kMixedUp<A, M, S, F>
+  int createTemp(ZoFileName& name, A, M = {}, S = {},
+                 F = {}) = delete;  // access, mode, share, flags
   [[nodiscard]] bool isOpen() const noexcept;
   // 0 also without an open file. When the platform refuses, or an archive over the file could not
   // write what it held (zo/persist/file_archive.h), the file counts as closed all the same.
-  int close();
+  [[nodiscard]] int close();
   // Closes it too, and gives up what close() alone would make effective: what was written to a
   // member of a library, or to what is being saved. What a plain file was written stays written.
   void cancel();
 
   // ---- Content ----
-  // 0 without a call of the platform when no file is open or the pointer is null.
-  unsigned int read(void* buffer, unsigned int count);
-  unsigned int write(const void* data, unsigned int count);
+  // Without an open file, or with a null pointer, the platform is not called.
+  [[nodiscard]] unsigned int read(void* buffer, unsigned int count);
+  [[nodiscard]] unsigned int write(const void* data, unsigned int count);
   // The new position, counted from the begin; -1 for a failure, and then it has not moved. A
   // position past the end is fine.
-  std::int64_t seek(std::int64_t offset, MoveMethod method = kBegin);
-  std::int64_t seekToBegin() { return seek(0, kBegin); }
-  std::int64_t seekToEnd() { return seek(0, kEnd); }
+  [[nodiscard]] std::int64_t seek(std::int64_t offset, MoveMethod method = kBegin);
+  std::int64_t seek(MoveMethod) = delete;  // the offset comes first: seek(0, ZoFile::kEnd)
+  [[nodiscard]] std::int64_t seekToBegin() { return seek(0, kBegin); }
+  [[nodiscard]] std::int64_t seekToEnd() { return seek(0, kEnd); }
   [[nodiscard]] std::int64_t currentPos() const;
   // -1 for a failure.
   [[nodiscard]] std::int64_t size() const;
   // Cuts the file at its position, or fills it up to there.
-  int setEndOfFile();
+  [[nodiscard]] int setEndOfFile();
   // To the disk.
-  int flush();
+  [[nodiscard]] int flush();
 
   // ---- Ranges of bytes that no other process may lock, nor on Windows read or write ----
   // A range may lie past the end of the file. 1 for a negative start, without asking the platform.
-  int lockRange(std::int64_t start, std::int64_t length);
-  int unlockRange(std::int64_t start, std::int64_t length);  // exactly as it was locked
+  [[nodiscard]] int lockRange(std::int64_t start, std::int64_t length);
+  [[nodiscard]] int unlockRange(std::int64_t start,
+                                std::int64_t length);  // exactly as it was locked
 
   // ---- About the file ----
   [[nodiscard]] const ZoFileName& name() const;  // as it was opened; empty for a taken-over handle
@@ -130,9 +171,9 @@ class ZO_COM_API ZoFile {
   [[nodiscard]] FILETIME creationTime() const;
   [[nodiscard]] FILETIME lastAccessTime() const;
   [[nodiscard]] FILETIME lastWriteTime() const;
-  int setCreationTime(FILETIME time);
-  int setLastAccessTime(FILETIME time);
-  int setLastWriteTime(FILETIME time);
+  [[nodiscard]] int setCreationTime(FILETIME time);
+  [[nodiscard]] int setLastAccessTime(FILETIME time);
+  [[nodiscard]] int setLastWriteTime(FILETIME time);
 
   // ---- Handing the handle over ----
   // A stdio stream that owns the file from then on, at the same position; this object has no file
@@ -141,6 +182,7 @@ class ZO_COM_API ZoFile {
   [[nodiscard]] std::FILE* getCFileHandle(bool text, bool writable);
   // The same with a mode of stdio as it stands; null for what is no mode. "w" empties nothing.
   [[nodiscard]] std::FILE* getCFileHandle(const wchar_t* mode);
+  std::FILE* getCFileHandle(const wchar_t*, bool) = delete;  // the mode says all: L"rb+"
   // The platform's handle, all bits set when there is none. `give` hands it over to the caller, who
   // closes it; this object has no file then.
   [[nodiscard]] void* handle(bool give = false);

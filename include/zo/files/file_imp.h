@@ -24,7 +24,7 @@ class FileBuffer;
 
 class ZO_COM_API ZoFileImp {
  public:
-  // Failures are reported to the service, by default the one that is in force then.
+  // Failures are reported to the service, by default the one that is in force then, if any is.
   explicit ZoFileImp(ZoFileSystem* service = nullptr) noexcept;
   explicit ZoFileImp(void* handle, ZoFileSystem* service = nullptr) noexcept;
   ZoFileImp(const ZoFileImp& other);
@@ -36,21 +36,21 @@ class ZO_COM_API ZoFileImp {
   [[nodiscard]] virtual ZoFileImp* clone() const;
   [[nodiscard]] virtual ZoFileImp* cloneFor(unsigned int access) const;
 
-  virtual int open(const ZoFileName& name, int access, ZoFile::CreationMode mode, int share,
-                   int flags);
-  virtual int createTemp(ZoFileName& name, int access, ZoFile::CreationMode mode, int share,
-                         int flags);
+  [[nodiscard]] virtual int open(const ZoFileName& name, int access, ZoFile::CreationMode mode,
+                                 int share, int flags);
+  [[nodiscard]] virtual int createTemp(ZoFileName& name, int access, ZoFile::CreationMode mode,
+                                       int share, int flags);
   [[nodiscard]] virtual bool isOpen() const noexcept;
-  virtual int close();
+  [[nodiscard]] virtual int close();
 
-  virtual unsigned int read(void* buffer, unsigned int count);
-  virtual unsigned int write(const void* data, unsigned int count);
-  virtual std::int64_t seek(std::int64_t offset, ZoFile::MoveMethod method);
+  [[nodiscard]] virtual unsigned int read(void* buffer, unsigned int count);
+  [[nodiscard]] virtual unsigned int write(const void* data, unsigned int count);
+  [[nodiscard]] virtual std::int64_t seek(std::int64_t offset, ZoFile::MoveMethod method);
   [[nodiscard]] virtual std::int64_t size();
-  virtual int setEndOfFile();
-  virtual int flush();
-  virtual int lockRange(std::int64_t start, std::int64_t length);
-  virtual int unlockRange(std::int64_t start, std::int64_t length);
+  [[nodiscard]] virtual int setEndOfFile();
+  [[nodiscard]] virtual int flush();
+  [[nodiscard]] virtual int lockRange(std::int64_t start, std::int64_t length);
+  [[nodiscard]] virtual int unlockRange(std::int64_t start, std::int64_t length);
 
   [[nodiscard]] virtual const ZoFileName& name() const noexcept;
   [[nodiscard]] virtual unsigned int accessMode() const noexcept;
@@ -59,9 +59,9 @@ class ZO_COM_API ZoFileImp {
   [[nodiscard]] virtual FILETIME creationTime();
   [[nodiscard]] virtual FILETIME lastAccessTime();
   [[nodiscard]] virtual FILETIME lastWriteTime();
-  virtual int setCreationTime(FILETIME time);
-  virtual int setLastAccessTime(FILETIME time);
-  virtual int setLastWriteTime(FILETIME time);
+  [[nodiscard]] virtual int setCreationTime(FILETIME time);
+  [[nodiscard]] virtual int setLastAccessTime(FILETIME time);
+  [[nodiscard]] virtual int setLastWriteTime(FILETIME time);
 
   [[nodiscard]] virtual std::FILE* getCFileHandle(bool text, bool writable);
   [[nodiscard]] virtual std::FILE* getCFileHandle(const wchar_t* mode);
@@ -84,10 +84,15 @@ class ZO_COM_API ZoFileImp {
  protected:
   // Reports the platform's last error. Returns 1, so that a failed operation can end with it.
   int report(const wchar_t* operation) const;
+  // The same for an error that the platform did not give.
+  int report(const wchar_t* operation, unsigned long error) const;
   // For classes that serve a name and modes of their own.
   void setModes(const ZoFileName& name, unsigned int access, unsigned int share);
 
  private:
+  // Whether a file is open; reports if not.
+  bool mayUse(const wchar_t* operation) const;
+  std::FILE* noStream(unsigned long error) const;  // reports, and is null
   void adopt(void* handle, const ZoFileName& name, int access, int share);
   int lockOrUnlock(bool lock, std::int64_t start, std::int64_t length, const wchar_t* operation);
   int setTime(FILETIME time, unsigned int which, const wchar_t* operation);

@@ -32,7 +32,8 @@
 //          the value is unknown it is $macro'path. A path below a macro begins with a delimiter. An
 //          empty macro ($'path) is none.
 //
-// Errors:  operations that change a name return 0 or a code of zo/files/name_results.h. Only
+// Errors:  operations that change a name return 0 or a code of zo/files/name_results.h; those
+//          that always return 0 may go unlooked at. Only
 //          std::bad_alloc is thrown, and then the name is as it was.
 // Threads: copies share their parts, and the count of sharers is not atomic: one thread at a time
 //          per name, and per group of copies. Give another thread a deepCopy().
@@ -43,6 +44,8 @@
 
 #include <zo/config.h>
 #include <zo/files/name_results.h>
+#include <zo/files/name_text.h>
+#include <zo/files/not_a_flag.h>
 #include <zo/text/string.h>
 #include <zo/text/text_forms.h>
 
@@ -90,13 +93,14 @@ class ZO_COM_API ZoFileName {
   };
 
   // Texts are parsed with all options false; null counts as empty. What the parse found is to be
-  // had from setFullName.
+  // had from setFullName. Where a name is taken, std::wstring and std::filesystem::path are, too.
   ZoFileName();
+  ZoFileName(std::nullptr_t) : ZoFileName() {}
   ZoFileName(const wchar_t* text);
   ZoFileName(const ZoString& text);
   explicit ZoFileName(std::wstring_view text);
-  template <zo::WidePath Path>
-  explicit ZoFileName(const Path& path) : ZoFileName(std::wstring_view(path.native())) {}
+  template <zo::NameSource Source>  // std::wstring, std::filesystem::path
+  ZoFileName(const Source& source) : ZoFileName(std::wstring_view(zo::wideOf(source))) {}
   ZoFileName(const ZoFileName& other) noexcept;
   ZoFileName(ZoFileName&& other) noexcept;  // the other name is empty then
   virtual ~ZoFileName();
@@ -106,6 +110,10 @@ class ZO_COM_API ZoFileName {
   ZoFileName& operator=(const wchar_t* text);
   ZoFileName& operator=(const ZoString& text);
   ZoFileName& operator=(std::wstring_view text);
+  template <zo::NameSource Source>
+  ZoFileName& operator=(const Source& source) {
+    return *this = std::wstring_view(zo::wideOf(source));
+  }
   void swap(ZoFileName& other) noexcept { std::swap(imp_, other.imp_); }
 
   // A name that shares nothing, with options, macro value and local alias: what another thread may
@@ -120,9 +128,18 @@ class ZO_COM_API ZoFileName {
   // - wildcards: * and ? may stand in file name and extension;
   // - anyDrive: any character before a colon in second place is a drive.
   // The delimiter becomes / for URL and disc names and \ for all others; the local alias goes.
-  virtual int setFullName(const wchar_t* text, bool ownDelimiters = false, bool asDirectory = false,
-                          bool wildcards = false, bool anyDrive = false);
-  virtual int empty();
+  [[nodiscard]] virtual int setFullName(const wchar_t* text, bool ownDelimiters = false,
+                                        bool asDirectory = false, bool wildcards = false,
+                                        bool anyDrive = false);
+  [[nodiscard]] int setFullName(const zo::NameText& text, bool ownDelimiters = false,
+                                bool asDirectory = false, bool wildcards = false,
+                                bool anyDrive = false) {
+    return setFullName(text.get(), ownDelimiters, asDirectory, wildcards, anyDrive);
+  }
+  template <class Text, class... Options>
+    requires(zo::NotAFlag<Options> || ...)
+  int setFullName(const Text&, const Options&...) = delete;  // one text: makePath joins texts
+  virtual int empty();                                       // returns 0
   [[nodiscard]] virtual bool isEmpty() const noexcept;
 
   // Texts are valid until the name is changed or destroyed.
@@ -130,13 +147,18 @@ class ZO_COM_API ZoFileName {
   [[nodiscard]] virtual unsigned int fullNameSize() const noexcept;
   [[nodiscard]] virtual operator ZoString() const;
   [[nodiscard]] virtual operator const wchar_t*() const noexcept;
-  // Where several conversions fit (std::wstring s(name)), say name.view() or name.fullName().
+  // Makes std::wstring and std::filesystem::path, too. Where several conversions fit, say
+  // name.view() or name.fullName().
   [[nodiscard]] std::wstring_view view() const noexcept { return {fullName(), fullNameSize()}; }
   operator std::wstring_view() const noexcept { return view(); }
   template <zo::WidePath Path>
-  explicit operator Path() const {
+  operator Path() const {
     return Path(std::wstring(view()));
   }
+  // As a pointer the text is always true, and moves with a number.
+  explicit operator bool() const = delete;  // write isEmpty()
+  template <std::integral Number>
+  friend void operator+(const ZoFileName& name, Number number) = delete;  // write name.view()
   // The character at that place of the whole name, 0 past its end.
   [[nodiscard]] virtual wchar_t operator[](unsigned int i) const noexcept;
 
@@ -161,14 +183,24 @@ class ZO_COM_API ZoFileName {
   // bare volume counts as a directory. The local alias goes.
   // Return the code of the parse. When it is 1, or 7 because the part has a character that may not
   // stand there, or no name comes of it, the name stays as it was.
-  virtual int setDrive(const wchar_t* text);
-  virtual int setDirectory(const wchar_t* text);
-  virtual int setFileName(const wchar_t* text);
-  virtual int setExtension(const wchar_t* text);
-  virtual int setFileNameExt(const wchar_t* text);
+  [[nodiscard]] virtual int setDrive(const wchar_t* text);
+  [[nodiscard]] virtual int setDirectory(const wchar_t* text);
+  [[nodiscard]] virtual int setFileName(const wchar_t* text);
+  [[nodiscard]] virtual int setExtension(const wchar_t* text);
+  [[nodiscard]] virtual int setFileNameExt(const wchar_t* text);
   // The name of all four at once, below the macro that the name has, if any.
-  virtual int makePath(const wchar_t* drive, const wchar_t* directory, const wchar_t* fileName,
-                       const wchar_t* extension);
+  [[nodiscard]] virtual int makePath(const wchar_t* drive, const wchar_t* directory,
+                                     const wchar_t* fileName, const wchar_t* extension);
+  // The same from std::wstring, std::filesystem::path and std::wstring_view.
+  [[nodiscard]] int setDrive(const zo::NameText& text) { return setDrive(text.get()); }
+  [[nodiscard]] int setDirectory(const zo::NameText& text) { return setDirectory(text.get()); }
+  [[nodiscard]] int setFileName(const zo::NameText& text) { return setFileName(text.get()); }
+  [[nodiscard]] int setExtension(const zo::NameText& text) { return setExtension(text.get()); }
+  [[nodiscard]] int setFileNameExt(const zo::NameText& text) { return setFileNameExt(text.get()); }
+  [[nodiscard]] int makePath(const zo::NameText& drive, const zo::NameText& directory,
+                             const zo::NameText& fileName, const zo::NameText& extension) {
+    return makePath(drive.get(), directory.get(), fileName.get(), extension.get());
+  }
 
   [[nodiscard]] virtual wchar_t delimiter() const noexcept;
   // Delimiter for levels that are added later; the text stays as it is. Returns 0.
@@ -179,11 +211,14 @@ class ZO_COM_API ZoFileName {
   // Levels stand behind drive or volume; several delimiters in a row count as one.
   // Adds a level (or several, when the text holds delimiters) behind the last one; 1 when the text
   // is empty but for delimiters, 7 as with setDirectory.
-  virtual int appendDirectory(const wchar_t* text);
-  virtual int removeLastDir();  // 1 when there is no level
+  [[nodiscard]] virtual int appendDirectory(const wchar_t* text);
+  [[nodiscard]] int appendDirectory(const zo::NameText& text) {
+    return appendDirectory(text.get());
+  }
+  [[nodiscard]] virtual int removeLastDir();  // 1 when there is no level
   // All levels in order, in the place of what the sequence held. Returns the code of the sequence
   // when that refuses or has no memory.
-  virtual int getDirParts(ZoSequence<ZoString>& levels) const;
+  [[nodiscard]] virtual int getDirParts(ZoSequence<ZoString>& levels) const;
   // The levels one by one, null behind the last; true starts again. The text is valid until the
   // next call or change. The place in the walk belongs to the name: copies walk on their own, and
   // any change starts again.
@@ -194,10 +229,14 @@ class ZO_COM_API ZoFileName {
   // place, a plain one or one that has a macro is taken as the path below it. A null or empty value
   // is unknown. 1 without a macro name, or for any other absolute name; 7 when the macro name holds
   // an apostrophe. The name then stays as it was.
-  virtual int setMacro(const wchar_t* macro, const wchar_t* value);
+  [[nodiscard]] virtual int setMacro(const wchar_t* macro, const wchar_t* value);
+  [[nodiscard]] int setMacro(const zo::NameText& macro, const zo::NameText& value) {
+    return setMacro(macro.get(), value.get());
+  }
   // Removes the macro and puts a text in its place: null stands for the value that setMacro gave,
   // and an empty text leaves the path alone. 1 without a macro.
-  virtual int resetMacro(const wchar_t* text = nullptr);
+  [[nodiscard]] virtual int resetMacro(const wchar_t* text = nullptr);
+  [[nodiscard]] int resetMacro(const zo::NameText& text) { return resetMacro(text.get()); }
   [[nodiscard]] virtual bool hasMacro() const noexcept;
 
   // ---- Local alias ----
@@ -220,6 +259,7 @@ class ZO_COM_API ZoFileName {
   // Whether a text can be split, with this name's options, and holds no forbidden character; null
   // stands for the name itself.
   [[nodiscard]] virtual bool isValid(const wchar_t* text = nullptr) const;
+  [[nodiscard]] bool isValid(const zo::NameText& text) const { return isValid(text.get()); }
   [[nodiscard]] virtual bool hasWildcards() const noexcept;  // ? or * in file name or extension
   // Whether a file of this name can be there, as far as its text tells: not empty, no forbidden
   // character or wildcard, the volume complete; and, but in a URL, each component at most 255
@@ -246,15 +286,16 @@ class ZO_COM_API ZoFileName {
   // it is the user; from there to an @ it is the password, and behind that the host, whose port is
   // dropped. Without the @ a port is not told from a password: the whole authority is the host, and
   // its beginning is the user, too. On purpose; callers rely on it.
-  virtual int parseURL(int& protocol, ZoString& host, ZoString& path, ZoString& user,
-                       ZoString& password) const;
-  virtual int parseURL(int& protocol, ZoString& host, ZoString& path, ZoString& user) const;
-  virtual int parseURL(int& protocol, ZoString& host, ZoString& path) const;
-  virtual int parseURL(int& protocol, ZoString& host) const;
+  [[nodiscard]] virtual int parseURL(int& protocol, ZoString& host, ZoString& path, ZoString& user,
+                                     ZoString& password) const;
+  [[nodiscard]] virtual int parseURL(int& protocol, ZoString& host, ZoString& path,
+                                     ZoString& user) const;
+  [[nodiscard]] virtual int parseURL(int& protocol, ZoString& host, ZoString& path) const;
+  [[nodiscard]] virtual int parseURL(int& protocol, ZoString& host) const;
   // The first volumePrefixLength() characters of the path, and the rest of it with its first
   // delimiter. 1 when the name is no network or no disc name, and then nothing is changed.
-  virtual int parseUNC(ZoString& volume, ZoString& rest) const;
-  virtual int parseCD(ZoString& volume, ZoString& rest) const;
+  [[nodiscard]] virtual int parseUNC(ZoString& volume, ZoString& rest) const;
+  [[nodiscard]] virtual int parseCD(ZoString& volume, ZoString& rest) const;
 
   // ---- Names computed from texts alone; the disk is never asked ----
   // Without levels "." and, as far as a level precedes them, ".."; at a root, ".." goes. Delimiters
@@ -271,6 +312,8 @@ class ZO_COM_API ZoFileName {
   // ---- Comparing whole names: an empty one precedes all others ----
   [[nodiscard]] virtual bool isEqual(const ZoFileName& other,
                                      bool caseSensitive = false) const noexcept;
+  template <zo::NotAFlag T>
+  bool isEqual(const ZoFileName& other, const T& caseSensitive) const = delete;  // true or false
   [[nodiscard]] virtual bool operator==(const ZoFileName& other) const noexcept;
   [[nodiscard]] virtual bool operator<(const ZoFileName& other) const noexcept;
   [[nodiscard]] virtual bool operator>(const ZoFileName& other) const noexcept;
@@ -279,6 +322,10 @@ class ZO_COM_API ZoFileName {
   [[nodiscard]] bool operator==(std::wstring_view text) const noexcept;
   [[nodiscard]] bool operator==(const ZoString& text) const noexcept {
     return *this == text.view();
+  }
+  template <zo::NameSource Source>
+  [[nodiscard]] bool operator==(const Source& source) const noexcept {
+    return *this == std::wstring_view(zo::wideOf(source));
   }
   [[nodiscard]] bool operator==(const wchar_t* text) const noexcept {
     return *this == (text ? std::wstring_view(text) : std::wstring_view());

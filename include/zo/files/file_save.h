@@ -11,7 +11,7 @@
 //          URL. After any failure the target is as it was, and the temporary file is removed. A
 //          process that is killed leaves the target old or complete, and perhaps the temporary
 //          file.
-// Threads: one, while the library is attached.
+// Threads: one.
 // Cost:    commit waits for the disk, unless told otherwise.
 #pragma once
 
@@ -25,7 +25,7 @@ class ZO_COM_API ZoFileSave {
   ~ZoFileSave();  // cancels what was not committed
 
   // Begins to save, cancelling what was begun before. The target's folder must exist.
-  int open(const ZoFileName& target);
+  [[nodiscard]] int open(const ZoFileName& target);
   // What is to become the target: open for reading and writing, empty. It may be closed, or handed
   // to a stream that is closed before the commit.
   [[nodiscard]] ZoFile& file() noexcept { return file_; }
@@ -33,7 +33,9 @@ class ZO_COM_API ZoFileSave {
   // write, seek or flush of it has failed, even if the caller did not look, or an archive over it
   // could not hand over what it holds; when it was cancelled; when nothing was opened; or when the
   // target is read-only. Without `toDisk` a loss of power may undo it.
-  int commit(bool toDisk = true);
+  [[nodiscard]] int commit(bool toDisk = true);
+  template <zo::NotAFlag T>
+  int commit(const T& toDisk) = delete;  // the target is that of open; here true or false
   // Removes what was written.
   void cancel();
 

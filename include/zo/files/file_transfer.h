@@ -15,7 +15,7 @@
 // Errors:  add answers 0, addTree also 1 when a folder could not be read. run answers 0 when all is
 //          done, 1 when nothing is, 4 when a part is; failures() says what and why. What is done
 //          leaves the list: another run tries the rest.
-// Threads: one per object, while the library is attached.
+// Threads: one per object.
 #pragma once
 
 #include <zo/files/file_name.h>
@@ -41,7 +41,7 @@ class ZO_COM_API ZoFileTransfer {
   struct Failure {
     ZoFileName source, target;
     int code;         // of the operation that failed
-    ZoString reason;  // the system's message
+    ZoString reason;  // what errorTxt() said
   };
 
   ZoFileTransfer();
@@ -53,7 +53,7 @@ class ZO_COM_API ZoFileTransfer {
   int add(const ZoFileName& source, const ZoFileName& target);
   // The files that a pattern finds in its folder and those below, each to the same place below a
   // folder (zo/files/find_file.h has the pattern's rules).
-  int addTree(const ZoFileName& pattern, const ZoFileName& targetFolder);
+  [[nodiscard]] int addTree(const ZoFileName& pattern, const ZoFileName& targetFolder);
   [[nodiscard]] unsigned int entries() const noexcept;
   void clear() noexcept;
 
@@ -61,7 +61,9 @@ class ZO_COM_API ZoFileTransfer {
   void onProgress(Watcher watcher);
   // Whether targets that exist are refused; at first they are replaced.
   void refuseExisting(bool refuse) noexcept;
-  int run(Mode mode);
+  template <zo::NotAFlag T>
+  void refuseExisting(const T& refuse) = delete;  // true or false
+  [[nodiscard]] int run(Mode mode);
   [[nodiscard]] bool wasCancelled() const noexcept;                 // the last run
   [[nodiscard]] const ZoArray<Failure>& failures() const noexcept;  // of the last run
 

@@ -21,7 +21,7 @@
 //          any other URL. A folder below that cannot be read is left out, and result() is 1 in the
 //          end; the reason of the last one is to be had from the file-system service's errorTxt().
 //          Nothing throws but std::bad_alloc.
-// Threads: one per object, while the library is attached.
+// Threads: one per object.
 // Cost:    one open search per level of folders, no list of names; for a server one connection, and
 //          a list per level. name() is made when it is asked for.
 #pragma once
@@ -51,17 +51,23 @@ class ZO_COM_API ZoFindFile {
   void setAttributes(unsigned int required, unsigned int excluded = 0) noexcept;
   // Only files of these kinds, a sum of kind(...); 0, as at first, for all.
   void setKinds(unsigned int kinds) noexcept;
+  void setKinds(ZoFileName::FileKind) = delete;  // a sum: ZoFindFile::kind(...) | ...
 
   // ---- The search ----
   // Begins, in the folder of the pattern's name or else the current one.
-  int open(const ZoFileName& pattern, bool subfolders = false);
+  [[nodiscard]] int open(const ZoFileName& pattern, bool subfolders = false);
+  template <zo::NotAFlag T>
+  int open(const ZoFileName& pattern, const T& subfolders) = delete;  // one pattern: folder\\*.ext
   // Goes to the next entry; false when there is none.
-  bool next();
+  [[nodiscard]] bool next();
   // Ends the search before its end.
   void close() noexcept;
   [[nodiscard]] int result() const noexcept;
   // All at once, behind what `names` holds; what result() would be, or 2 without memory.
-  int findAll(const ZoFileName& pattern, ZoSequence<ZoFileName>& names, bool subfolders = false);
+  [[nodiscard]] int findAll(const ZoFileName& pattern, ZoSequence<ZoFileName>& names,
+                            bool subfolders = false);
+  template <zo::NotAFlag T>
+  int findAll(const ZoFileName&, ZoSequence<ZoFileName>&, const T& subfolders) = delete;  // a bool
 
   // ---- The entry; only after next() gave true, and until it is called again ----
   [[nodiscard]] const ZoFileName& name();        // with the folder, as the pattern has it

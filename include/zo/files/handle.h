@@ -25,6 +25,10 @@ class ZO_COM_API ZoHnd {
 
   ZoHnd() noexcept = default;
   explicit ZoHnd(const wchar_t* text) { setHandle(text); }  // null counts as empty
+  template <std::same_as<std::wstring> Text>
+  explicit ZoHnd(const Text& text) {
+    setHandle(text.c_str());
+  }
   // Any integer, so that ZoHnd(0) is an id and not a null text.
   template <std::integral Integer>
   explicit ZoHnd(Integer id) noexcept {
@@ -60,6 +64,10 @@ class ZO_COM_API ZoHnd {
 
   // Replaces the text; null or empty removes it. The id stays. Returns 0.
   int setHandle(const wchar_t* text);
+  template <std::same_as<std::wstring> Text>
+  int setHandle(const Text& text) {
+    return setHandle(text.c_str());
+  }
   // Replaces the id; 0 removes it. The text stays. Returns 0.
   int setId(std::int64_t id) noexcept;
 

@@ -54,7 +54,7 @@ class ZO_COM_API CFile {
   CFile& operator=(const CFile&) = delete;
   virtual ~CFile();  // closes
 
-  // False for a failure; this alone does not throw.
+  // In the place of what is open. False for a failure; this alone does not throw.
   [[nodiscard]] virtual int Open(const wchar_t* name, unsigned int flags,
                                  CFileException* = nullptr);
   virtual unsigned int Read(void* buffer, unsigned int count);

@@ -26,5 +26,7 @@ class ZO_COM_API CStdioFile : public CFile {
   std::FILE* m_pStream;
 
  private:
+  void letGo() noexcept;  // of the stream, which is closed if this opened it
+
   bool closeOnDelete_;
 };

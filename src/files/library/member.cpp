@@ -126,7 +126,7 @@ int LibraryMember::finish() {
   if (!timesOf(file_, all)) return ZoResult::refused;
   all = withThoseSet(all);
   const int code = core_->add(source, name_, all, true, mode_, ZoLibrary::kNormal);
-  file_.cancel();
+  file_.cancel();  // what it held has its place now
   return code;
 }
 

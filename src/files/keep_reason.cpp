@@ -1,0 +1,28 @@
+#include "files/keep_reason.h"
+
+#include <zo/system/file_system.h>
+
+#include "system/service_or_null.h"
+
+namespace zo {
+
+std::atomic<DWORD> keptError = ERROR_SUCCESS;
+
+int keepReason(const wchar_t* operation, ZoFileSystem* service) {
+  return keepReason(operation, GetLastError(), ZoResult::refused, service);
+}
+
+int keepReason(const wchar_t* operation, DWORD error, int code, ZoFileSystem* service) {
+  if (error == ERROR_SUCCESS) error = ERROR_GEN_FAILURE;
+  if (!service) service = serviceOrNull<ZoFileSystem>();
+  SetLastError(error);
+  if (service) {
+    service->errorIO(operation);
+  } else {
+    keptError = error;
+  }
+  SetLastError(error);
+  return code;
+}
+
+}  // namespace zo

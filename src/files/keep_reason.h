@@ -1,0 +1,24 @@
+// The reason of a failure, for errorTxt().
+#pragma once
+
+#include <windows.h>
+#include <zo/results.h>
+
+#include <atomic>
+
+class ZoFileSystem;
+
+namespace zo {
+
+// The platform's error of the last failure in the process; what the standard service keeps.
+extern std::atomic<DWORD> keptError;
+
+// Has a service, by default the one in force, keep the thread's last error as the reason why an
+// operation failed; without any service it is kept here. A failure without an error gets one, so
+// that no reason is "Success". The last error stays for the caller. Returns 1.
+int keepReason(const wchar_t* operation, ZoFileSystem* service = nullptr);
+// The same for an error that the platform did not give. `code` is returned.
+int keepReason(const wchar_t* operation, DWORD error, int code = ZoResult::refused,
+               ZoFileSystem* service = nullptr);
+
+}  // namespace zo
