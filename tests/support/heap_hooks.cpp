@@ -11,6 +11,7 @@
 #include <cwchar>
 #include <iterator>
 
+#include "support/failing_memory.h"
 #include "support/guarded_heap_engine.h"
 #include "support/raw_print.h"
 
@@ -37,6 +38,7 @@ struct {
 }
 
 void* __cdecl hookMalloc(std::size_t size) {
+  if (isMemoryRefused()) return nullptr;
   void* block = allocate(size, 1);
   return block ? block : runtime.malloc(size);
 }
@@ -47,6 +49,7 @@ void __cdecl hookFree(void* block) {
 
 void* __cdecl hookCalloc(std::size_t count, std::size_t size) {
   if (size && count > static_cast<std::size_t>(-1) / size) return nullptr;
+  if (isMemoryRefused()) return nullptr;
   void* block = allocate(count * size, 1);
   if (!block) block = runtime.malloc(count * size);
   if (block) std::memset(block, 0, count * size);
@@ -64,6 +67,7 @@ void* __cdecl hookRealloc(void* old, std::size_t size) {
     hookFree(old);
     return nullptr;
   }
+  if (isMemoryRefused()) return nullptr;
   void* block = allocate(size, 1);
   if (!block) block = runtime.malloc(size);
   if (block && old) {
@@ -74,6 +78,7 @@ void* __cdecl hookRealloc(void* old, std::size_t size) {
 }
 
 void* __cdecl hookAlignedMalloc(std::size_t size, std::size_t alignment) {
+  if (isMemoryRefused()) return nullptr;
   void* block = allocate(size, alignment);
   return block ? block : runtime.alignedMalloc(size, alignment);
 }
