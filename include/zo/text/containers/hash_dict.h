@@ -276,9 +276,12 @@ class ZoHashDict : public ZoDict<T, K> {
     const ZoVHashTable* const table = hash_.table_;
     if (!table) return nullptr;
     const zo::HashedKey hashed = hashOf(key);
-    if (table->isIndexed()) return findIndexed(key, hashed, fingerprintOf(key));
     ZoVHashNode* node = *table->chain(table->bucketOf(hashed.hash()));
-    while (node && !matches(node, key, hashed)) node = node->next;
+    if (!node || matches(node, key, hashed)) return static_cast<Node*>(node);
+    if (table->isIndexed()) return findIndexed(key, hashed, fingerprintOf(key));
+    do {
+      node = node->next;
+    } while (node && !matches(node, key, hashed));
     return static_cast<Node*>(node);
   }
 
