@@ -35,7 +35,7 @@ TEST_F(FileArchive, GoesThroughItsBufferAndGivesTheFileBackInPlace) {
   writeAll(whole);
   const auto opened = created();
   ZoFile& file = *opened;
-  file.write("head", 4);
+  ASSERT_EQ(file.write("head", 4), 4U);
   {
     ZoFileWriteArchive archive(file);
     for (int i = 0; i < 100; ++i) writeAll(archive);
@@ -43,8 +43,8 @@ TEST_F(FileArchive, GoesThroughItsBufferAndGivesTheFileBackInPlace) {
     archive.flush();
     EXPECT_EQ(file.currentPos(), static_cast<std::int64_t>(4 + 100 * whole.bytes.size() + 200004));
   }
-  file.write("tail", 4);
-  file.seek(4);
+  ASSERT_EQ(file.write("tail", 4), 4U);
+  EXPECT_EQ(file.seek(4), 4);
   {
     ZoFileReadArchive archive(file);
     for (int i = 0; i < 100 && !HasFailure(); ++i) expectAll(archive);
@@ -58,7 +58,7 @@ TEST_F(FileArchive, GoesThroughItsBufferAndGivesTheFileBackInPlace) {
 
   FaultyFiles faulty;
   faulty.arm({.fault = Fault::fail, .call = "read"});
-  file.seek(0);
+  EXPECT_EQ(file.seek(0), 0);
   ZoFileReadArchive unreadable(file);
   EXPECT_EQ(thrown([&] { unreadable.readBin(tail, 4); }), L"0 The archive's file cannot be read");
   faulty.arm({.fault = Fault::fail, .call = "write"});
@@ -82,7 +82,7 @@ TEST_F(FileArchive, SharesThePositionOfItsFileWithAllOthers) {
   ZoFileReadArchive from(*file);
   int number = 0;
   char tail[5] = {};
-  file->seek(0);
+  EXPECT_EQ(file->seek(0), 0);
   from >> number;
   EXPECT_EQ(number, 1);
   EXPECT_EQ(file->read(tail, 4), 4U);
@@ -93,7 +93,7 @@ TEST_F(FileArchive, SharesThePositionOfItsFileWithAllOthers) {
   EXPECT_EQ(file->currentPos(), 16);
   EXPECT_EQ(from.offset(), 8U);
   EXPECT_EQ(one.offset(), 16U);
-  file->seek(8);
+  EXPECT_EQ(file->seek(8), 8);
   from >> number;
   EXPECT_EQ(number, 7);
 }
@@ -115,7 +115,7 @@ TEST_F(FileArchive, EndsWithItsFileAndLosesNothing) {
       },
       [](Owner& file, ZoFileName other) {
         EXPECT_EQ(file->createTemp(other), 0);
-        file->close();
+        EXPECT_EQ(file->close(), 0);
         DeleteFileW(other.fullName());
       },
   };
@@ -125,7 +125,7 @@ TEST_F(FileArchive, EndsWithItsFileAndLosesNothing) {
     ZoFileWriteArchive to(*file);
     ZoFileReadArchive from(*file);
     to << 1 << 2;
-    file->seek(0);
+    EXPECT_EQ(file->seek(0), 0);
     int number = 0;
     from >> number;
     to << 3;

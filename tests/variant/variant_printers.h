@@ -32,8 +32,8 @@ inline ZoVariant nested(unsigned int levels, ZoVariant value = ZoVariant(L"inner
       value = inDict(std::move(value));
     } else if (level % 3 == 2) {
       ZoList<ZoVariant> list;
-      list.emplace(1);
-      list.append(std::move(value));
+      EXPECT_EQ(list.emplace(1), 0);
+      EXPECT_EQ(list.append(std::move(value)), 0);
       value = ZoVariant(std::move(list));
     } else {
       value = inSequence(std::move(value));

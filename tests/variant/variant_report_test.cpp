@@ -109,7 +109,7 @@ TEST(VariantReport, LooksAtEachPairOfElementsOnce) {
   EXPECT_TRUE(ZoVariantReport(nested(250, 1), nested(250, 1), anyOrder).isEmpty());
   ZoArray<ZoVariant> up, down;
   for (int i = 0; i < 5'000; ++i) {
-    up.emplace(i);
+    ASSERT_EQ(up.emplace(i), 0);
     ASSERT_EQ(down.prepend(i), 0);
   }
   EXPECT_TRUE(ZoVariantReport(up, down, anyOrder).isEmpty());

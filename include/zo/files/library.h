@@ -82,7 +82,8 @@ class ZO_COM_API ZoLibrary {
                          ZoFile::CreationMode mode = ZoFile::kOpenExisting,
                          unsigned int lockTimeOut = 5000);
   template <class Access, class TimeOut = unsigned int>
-    requires(!std::same_as<Access, int> || std::same_as<TimeOut, bool>)
+    requires((!std::same_as<Access, int> && !std::same_as<Access, ZoFile::Access>) ||
+             std::same_as<TimeOut, bool>)
   int open(const ZoFileName&, Access, ZoFile::CreationMode = ZoFile::kOpenExisting,
            TimeOut = 0) = delete;  // the access comes first: ZoFile::kReadWrite, then the mode
   // Members that are open as files are closed for good: they read and write nothing any more.
@@ -132,7 +133,7 @@ class ZO_COM_API ZoLibrary {
   [[nodiscard]] int getFile(ZoFile& file, const ZoFileName& member, int access = ZoFile::kRead,
                             compMode mode = kCompress);
   template <class Access>
-    requires(!std::same_as<Access, int>)
+    requires(!std::same_as<Access, int> && !std::same_as<Access, ZoFile::Access>)
   int getFile(ZoFile&, const ZoFileName&, Access,
               compMode = kCompress) = delete;  // the access comes first, then the compMode
   // Opens a member for reading as a stdio stream in binary mode, which the caller closes; null
@@ -140,7 +141,7 @@ class ZO_COM_API ZoLibrary {
   [[nodiscard]] int getCFile(std::FILE** stream, const ZoFileName& member,
                              int access = ZoFile::kRead, compMode mode = kCompress);
   template <class Access>
-    requires(!std::same_as<Access, int>)
+    requires(!std::same_as<Access, int> && !std::same_as<Access, ZoFile::Access>)
   int getCFile(std::FILE**, const ZoFileName&, Access,
                compMode = kCompress) = delete;  // the access comes first, then the compMode
 

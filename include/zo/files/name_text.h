@@ -5,18 +5,13 @@
 // Cost:    only a std::wstring_view is copied, as it need not end in a zero.
 #pragma once
 
+#include <zo/text/text_forms.h>
+
 #include <concepts>
 #include <string>
 #include <string_view>
 
 namespace zo {
-
-// std::filesystem::path where its characters are wide.
-template <class Path>
-concept WidePath = requires(const Path& path) {
-  { path.native() } -> std::same_as<const std::wstring&>;
-  { path.lexically_normal() } -> std::same_as<Path>;
-};
 
 // These types themselves, none that converts to them: so no call becomes ambiguous.
 template <class Text>

@@ -78,4 +78,11 @@ class ZoHashValue<_GUID> {
     for (const unsigned word : words) hash = (hash ^ word) * 0x9E3779B1u;
     return hash ^ hash >> 15;
   }
+  [[nodiscard]] virtual unsigned fingerprint(const _GUID& key) const {
+    unsigned words[4];
+    std::memcpy(words, &key, sizeof words);
+    unsigned print = 0x85EBCA6Bu;
+    for (const unsigned word : words) print = (print << 13 ^ print >> 19) * 5 + word * 0xCC9E2D51u;
+    return print ^ print >> 16;
+  }
 };
