@@ -1,11 +1,12 @@
-// File objects and searches beside the platform's calls, and buffered files beside stdio.
+// File objects and searches beside the platform's calls, and archives over files beside stdio.
 //
 // All work is on one file of the temporary folder, in the system's cache: what is measured is the
 // way to the platform, not the disk.
 #include <benchmark/benchmark.h>
 #include <windows.h>
+#include <zo/attach/life_cycle.h>
 #include <zo/files.h>
-#include <zo/system/life_cycle.h>
+#include <zo/persist/file_archive.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -14,8 +15,6 @@
 #include <fstream>
 #include <memory>
 #include <string>
-
-#include "files/buffered_file.h"
 
 namespace {
 
@@ -115,10 +114,10 @@ void readBuffered(benchmark::State& state) {
   if (file.open(folder().file())) return state.SkipWithError("open");
   for (auto _ : state) {
     if (file.seekToBegin() != 0) return state.SkipWithError("seek");
-    zo::FileReader reader(file);
+    ZoFileReadArchive archive(file);
     unsigned int sum = 0, value = 0;
     for (unsigned int i = 0; i < kSmallOnes; ++i) {
-      if (reader.read(&value, 4) != 4) return state.SkipWithError("short");
+      archive.readBin(&value, 4);
       sum += value;
     }
     benchmark::DoNotOptimize(sum);
@@ -128,7 +127,7 @@ void readBuffered(benchmark::State& state) {
 void readStdio(benchmark::State& state) {
   makeFile(4 * std::int64_t{kSmallOnes} + kPiece);
   std::FILE* const file = _wfopen(folder().file().c_str(), L"rb");
-  std::setvbuf(file, nullptr, _IOFBF, zo::kFileBuffer);
+  std::setvbuf(file, nullptr, _IOFBF, kPiece);
   for (auto _ : state) {
     std::rewind(file);
     unsigned int sum = 0, value = 0;
@@ -147,15 +146,15 @@ void writeBuffered(benchmark::State& state) {
   if (file.open(folder().file(), ZoFile::kWrite)) return state.SkipWithError("open");
   for (auto _ : state) {
     if (file.seekToBegin() != 0) return state.SkipWithError("seek");
-    zo::FileWriter writer(file);
-    for (unsigned int i = 0; i < kSmallOnes; ++i) writer.write(&i, 4);
-    if (!writer.flush()) return state.SkipWithError("failed");
+    ZoFileWriteArchive archive(file);
+    for (unsigned int i = 0; i < kSmallOnes; ++i) archive.writeBin(&i, 4, nullptr);
+    archive.flush();
   }
 }
 
 void writeStdio(benchmark::State& state) {
   std::FILE* const file = _wfopen(folder().file().c_str(), L"wb");
-  std::setvbuf(file, nullptr, _IOFBF, zo::kFileBuffer);
+  std::setvbuf(file, nullptr, _IOFBF, kPiece);
   for (auto _ : state) {
     std::rewind(file);
     for (unsigned int i = 0; i < kSmallOnes; ++i) std::fwrite(&i, 4, 1, file);

@@ -9,8 +9,8 @@
 #include <7zCrc.h>
 #include <LzmaDec.h>
 #include <LzmaEnc.h>
+#include <zo/attach/life_cycle.h>
 #include <zo/files.h>
-#include <zo/system/life_cycle.h>
 #include <zo/text/containers/array.h>
 
 #include <cstdlib>

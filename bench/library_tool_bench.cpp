@@ -6,8 +6,8 @@
 // script also makes the data, in the folder that ZO_BENCH_DATA names.
 #include <benchmark/benchmark.h>
 #include <windows.h>
-#include <zo/files/library.h>
-#include <zo/system/life_cycle.h>
+#include <zo/attach/life_cycle.h>
+#include <zo/library/library.h>
 
 #include <cstdlib>
 #include <filesystem>

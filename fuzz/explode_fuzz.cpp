@@ -3,9 +3,9 @@
 #include <zo/persist/blast_membuf.h>
 #include <zo/persist/lzma_utils.h>
 
+#include "bytes/crc32.h"
+#include "bytes/little_endian.h"
 #include "fuzz.h"
-#include "persist/crc32.h"
-#include "persist/little_endian.h"
 
 using namespace zo;
 using namespace zo::test;

@@ -1,7 +1,7 @@
 // Any bytes as a library: the scan keeps within the file, entries follow one another, what it reads
 // is written back the same, a redo leads it nowhere else, and the search behind a damage ends.
-#include "files/library/entry_search.h"
 #include "fuzz.h"
+#include "library/entry_search.h"
 
 using namespace zo;
 using namespace zo::test;

@@ -3,14 +3,14 @@
 
 #include <zo/files/file.h>
 #include <zo/files/file_imp.h>
-#include <zo/files/file_name.h>
 #include <zo/files/file_save.h>
 #include <zo/files/file_transfer.h>
 #include <zo/files/find_file.h>
 #include <zo/files/forward_file_system.h>
-#include <zo/files/handle.h>
-#include <zo/files/lib_file.h>
-#include <zo/files/library.h>
-#include <zo/files/name_results.h>
 #include <zo/files/std_file_system.h>
+#include <zo/library/lib_file.h>
+#include <zo/library/library.h>
+#include <zo/names/file_name.h>
+#include <zo/names/handle.h>
+#include <zo/names/name_results.h>
 #include <zo/system/file_system.h>

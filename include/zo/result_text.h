@@ -21,10 +21,10 @@ enum class ZoResultFamily : int {
   containers,     // of any kind
   variants,       // and their text and OLE forms
   geometry,       // zo/geometry/status.h
-  names,          // ZoFileName: zo/files/name_results.h
+  names,          // ZoFileName: zo/names/name_results.h
   files,          // ZoFile, ZoFileSave, searches
   fileSystem,     // ZoFileSystem, ZoFileTransfer
-  libraries,      // ZoLibrary: zo/files/library_results.h
+  libraries,      // ZoLibrary: zo/library/library_results.h
   compression,    // ZoCompress, ZoExplode
   lzma,           // LzmaUtils::Status
   services,       // the registry's services, the dispatcher, attaching and detaching

@@ -6,6 +6,7 @@
 //   zoComDllDetach();
 #pragma once
 
+#include <zo/attach/life_cycle.h>
 #include <zo/files/std_file_open.h>
 #include <zo/files/std_file_search.h>
 #include <zo/files/std_file_system.h>
@@ -22,7 +23,6 @@
 #include <zo/system/file_system.h>
 #include <zo/system/guard.h>
 #include <zo/system/layer.h>
-#include <zo/system/life_cycle.h>
 #include <zo/system/macro_lib.h>
 #include <zo/system/message.h>
 #include <zo/system/reactor.h>

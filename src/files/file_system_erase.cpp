@@ -4,9 +4,9 @@
 
 #include "files/folder_search.h"
 #include "files/ftp.h"
-#include "files/name_parser.h"
 #include "files/std_file_system_imp.h"
-#include "files/wildcard.h"
+#include "names/name_parser.h"
+#include "names/wildcard.h"
 #include "platform/system_path.h"
 
 namespace {

@@ -9,9 +9,9 @@
 #include "files/ftp.h"
 #include "files/make_folders.h"
 #include "files/std_file_system_imp.h"
-#include "platform/collation.h"
 #include "platform/open_file.h"
 #include "platform/system_path.h"
+#include "text/collation.h"
 
 namespace {
 

@@ -13,8 +13,8 @@
 
 #include "files/folder_search.h"
 #include "files/keep_reason.h"
-#include "files/name_parser.h"
 #include "files/replace_file.h"
+#include "names/name_parser.h"
 #include "platform/file_api.h"
 #include "platform/system_path.h"
 #include "system/service_or_null.h"

@@ -9,7 +9,7 @@
 
 #include "files/folder_search.h"
 #include "files/ftp.h"
-#include "files/wildcard.h"
+#include "names/wildcard.h"
 
 struct ZoFindFile::Imp {
   // A folder that is being searched, and how much of the path it is.

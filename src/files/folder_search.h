@@ -6,7 +6,7 @@
 #pragma once
 
 #include <windows.h>
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 
 #include <string>
 #include <string_view>

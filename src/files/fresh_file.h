@@ -1,7 +1,7 @@
 // Files that did not exist before, under names that nobody else has.
 #pragma once
 
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 
 #include <string>
 #include <string_view>

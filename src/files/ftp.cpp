@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "files/name_compare.h"
+#include "names/name_compare.h"
 #include "platform/open_file.h"
 
 namespace zo {

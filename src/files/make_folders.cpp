@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "files/ftp.h"
-#include "files/name_parser.h"
+#include "names/name_parser.h"
 #include "platform/open_file.h"
 #include "platform/system_path.h"
 

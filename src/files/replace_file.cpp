@@ -1,7 +1,7 @@
 #include "files/replace_file.h"
 
 #include "files/fresh_file.h"
-#include "files/name_compare.h"
+#include "names/name_compare.h"
 #include "platform/open_file.h"
 #include "platform/system_path.h"
 

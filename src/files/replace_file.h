@@ -3,7 +3,7 @@
 // Errors: false leaves the reason in the last error.
 #pragma once
 
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 
 #include <string>
 

@@ -2,8 +2,8 @@
 // what needs more than archive_layout.h.
 #pragma once
 
-#include <zo/files/file_name.h>
-#include <zo/files/handle.h>
+#include <zo/names/file_name.h>
+#include <zo/names/handle.h>
 #include <zo/persist/buffered_archive.h>
 #include <zo/text/string.h>
 

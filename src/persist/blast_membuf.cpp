@@ -5,9 +5,9 @@
 #include <cstring>
 #include <new>
 
+#include "bytes/little_endian.h"
 #include "persist/container.h"
 #include "persist/legacy_reader.h"
-#include "persist/little_endian.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <array>
 
+#include "bytes/crc32.h"
+#include "bytes/little_endian.h"
 #include "persist/container.h"
-#include "persist/crc32.h"
-#include "persist/little_endian.h"
 #include "persist/lzma_encoder.h"
 #include "persist/sdk_memory.h"
 

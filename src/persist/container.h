@@ -12,8 +12,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "bytes/byte_stream.h"
 #include "persist/block.h"
-#include "persist/byte_stream.h"
 
 namespace zo {
 

@@ -1,5 +1,5 @@
-#include <zo/files/file_name.h>
-#include <zo/files/handle.h>
+#include <zo/names/file_name.h>
+#include <zo/names/handle.h>
 #include <zo/persist/dump_archive.h>
 
 #include <charconv>

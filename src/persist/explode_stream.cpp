@@ -4,10 +4,10 @@
 
 #include <array>
 
+#include "bytes/crc32.h"
+#include "bytes/little_endian.h"
 #include "persist/container.h"
-#include "persist/crc32.h"
 #include "persist/legacy_reader.h"
-#include "persist/little_endian.h"
 #include "persist/lzma_decoder.h"
 #include "persist/part_source.h"
 

@@ -10,7 +10,7 @@
 #include <array>
 #include <cstdint>
 
-#include "persist/byte_stream.h"
+#include "bytes/byte_stream.h"
 #include "persist/implode_tables.h"
 
 namespace zo {

@@ -6,8 +6,8 @@
 
 #include <cstdint>
 
-#include "persist/byte_stream.h"
-#include "persist/crc32.h"
+#include "bytes/byte_stream.h"
+#include "bytes/crc32.h"
 #include "persist/implode_decoder.h"
 
 namespace zo {

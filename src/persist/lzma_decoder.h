@@ -13,8 +13,8 @@
 
 #include <cstdint>
 
+#include "bytes/byte_stream.h"
 #include "persist/block.h"
-#include "persist/byte_stream.h"
 
 namespace zo {
 

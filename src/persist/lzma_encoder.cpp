@@ -2,9 +2,9 @@
 
 #include <zo/persist/lzma_utils.h>
 
+#include "bytes/crc32.h"
+#include "bytes/little_endian.h"
 #include "persist/container.h"
-#include "persist/crc32.h"
-#include "persist/little_endian.h"
 
 namespace zo {
 

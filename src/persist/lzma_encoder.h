@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "persist/byte_stream.h"
+#include "bytes/byte_stream.h"
 
 namespace zo {
 

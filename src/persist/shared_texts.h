@@ -10,7 +10,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "text/units.h"
+#include "text/code_units.h"
 
 namespace zo {
 

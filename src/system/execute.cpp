@@ -1,5 +1,5 @@
 #include <windows.h>
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 #include <zo/system/execute.h>
 
 #include <shellapi.h>

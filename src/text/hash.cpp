@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "text/units.h"
+#include "text/code_units.h"
 
 namespace zo {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <bit>
 
+#include "text/code_units.h"
 #include "text/unit_set.h"
-#include "text/units.h"
 
 namespace zo {
 namespace {

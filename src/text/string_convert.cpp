@@ -1,5 +1,5 @@
 // ZoString: conversion to and from the ANSI code page, and streams.
-#include <zo/host/char_formatter.h>
+#include <zo/text/char_formatter.h>
 #include <zo/text/string.h>
 
 #include <cstring>

@@ -7,9 +7,9 @@
 #include <cstring>
 #include <cwchar>
 
-#include "platform/collation.h"
+#include "text/code_units.h"
+#include "text/collation.h"
 #include "text/search.h"
-#include "text/units.h"
 
 // ---- Searching ----
 

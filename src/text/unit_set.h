@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "text/units.h"
+#include "text/code_units.h"
 
 namespace zo {
 

@@ -1,5 +1,5 @@
 // ZoVariant: what it owns, and its elements.
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 #include <zo/variant/variant.h>
 
 #include "variant/containers.h"

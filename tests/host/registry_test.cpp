@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 #include <windows.h>
-#include <zo/host/registry.h>
+#include <zo/host/sec_registry.h>
 
 #include <string>
 #include <vector>

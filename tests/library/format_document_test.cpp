@@ -1,9 +1,9 @@
 // The hexdump of docs/formats/library.md is what the code writes and reads.
 #include <sstream>
 
-#include "files/library/format.h"
-#include "files/library/write_lock.h"
+#include "library/format.h"
 #include "library/library_fixture.h"
+#include "library/write_lock.h"
 #include "support/file_bytes.h"
 
 using namespace zo::test;

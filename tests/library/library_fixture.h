@@ -2,7 +2,7 @@
 // bytes of members, and library files built by hand, field by field.
 #pragma once
 
-#include <zo/files/library.h>
+#include <zo/library/library.h>
 
 #include <cstdlib>
 #include <functional>
@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "file_io/file_fixture.h"
+#include "files/file_fixture.h"
 #include "platform/file_api.h"
 
 namespace zo::test {

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <zo/files/library.h>
+#include <zo/library/library.h>
 #include <zo/text/containers/array.h>
 
 #include <cstdio>
@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "persist/crc32.h"
+#include "bytes/crc32.h"
 
 namespace zo::test {
 

@@ -1,5 +1,5 @@
 // Members as file objects, read and written.
-#include <zo/files/lib_file.h>
+#include <zo/library/lib_file.h>
 
 #include "library/library_fixture.h"
 #include "library/listing.h"

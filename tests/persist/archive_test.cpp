@@ -1,8 +1,8 @@
 // Archives: what each type of value is in bytes and in the dump, over every archive there is.
 #include <gtest/gtest.h>
 #include <windows.h>
-#include <zo/files/file_name.h>
 #include <zo/host/mfc.h>
+#include <zo/names/file_name.h>
 
 #include <algorithm>
 #include <cstdarg>

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "persist/little_endian.h"
+#include "bytes/little_endian.h"
 #include "persist/memory_watch.h"
 #include "persist/persist_support.h"
 #include "persist/sdk_memory.h"

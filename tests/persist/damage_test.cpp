@@ -4,8 +4,8 @@
 
 #include <random>
 
-#include "persist/crc32.h"
-#include "persist/little_endian.h"
+#include "bytes/crc32.h"
+#include "bytes/little_endian.h"
 #include "persist/memory_watch.h"
 #include "persist/persist_support.h"
 

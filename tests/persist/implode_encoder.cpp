@@ -2,9 +2,9 @@
 
 #include <unordered_map>
 
-#include "persist/crc32.h"
+#include "bytes/crc32.h"
+#include "bytes/little_endian.h"
 #include "persist/implode_tables.h"
-#include "persist/little_endian.h"
 
 namespace zo::test {
 

@@ -8,7 +8,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "persist/little_endian.h"
+#include "bytes/little_endian.h"
 
 namespace zo::test {
 

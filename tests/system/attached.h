@@ -2,7 +2,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <zo/system/life_cycle.h>
+#include <zo/attach/life_cycle.h>
 #include <zo/system/registry.h>
 
 #include "system/service_slots.h"

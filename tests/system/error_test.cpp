@@ -1,5 +1,5 @@
 #include <gtest/gtest.h>
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 #include <zo/results.h>
 #include <zo/system/err_log.h>
 #include <zo/system/exception.h>

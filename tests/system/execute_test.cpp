@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 #include <windows.h>
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 #include <zo/results.h>
 #include <zo/system/execute.h>
 

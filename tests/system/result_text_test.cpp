@@ -1,5 +1,5 @@
 // Result codes as texts: one table, which the headers' constants and docs/results.md must match.
-#include "system/result_table.h"
+#include "attach/result_table.h"
 
 #include <gtest/gtest.h>
 #include <zo/text/string.h>

@@ -1,5 +1,5 @@
 #include <gtest/gtest.h>
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 #include <zo/system/sys_str.h>
 #include <zo/text/printf.h>
 #include <zo/text/string.h>

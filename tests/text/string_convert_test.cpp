@@ -1,7 +1,7 @@
 // Text on its way in and out: code pages, UTF-8, streams, texts of other libraries.
 #include <gtest/gtest.h>
-#include <zo/host/char_formatter.h>
 #include <zo/strings.h>
+#include <zo/text/char_formatter.h>
 
 #include <filesystem>
 #include <memory>

@@ -1,6 +1,6 @@
 // The variant as a value: kinds, codes, flags, references, copies, comparison, elements.
 #include <gtest/gtest.h>
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 #include <zo/variant/variant.h>
 
 #include <cmath>

@@ -1,7 +1,7 @@
 // create, add, update: packing.
 #include <windows.h>
-#include <zo/files/library.h>
-#include <zo/files/library_results.h>
+#include <zo/library/library.h>
+#include <zo/library/library_results.h>
 
 #include "cancel.h"
 #include "names.h"

@@ -1,6 +1,6 @@
 // delete, recover, rename: members that stay where they are.
 #include <windows.h>
-#include <zo/files/library_results.h>
+#include <zo/library/library_results.h>
 
 #include <algorithm>
 #include <unordered_map>

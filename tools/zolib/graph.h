@@ -1,8 +1,8 @@
 // A library as a picture: its folders as clusters, its members with their sizes, deleted ones grey.
 #pragma once
 
-#include <zo/files/library_entry.h>
 #include <zo/graph.h>
+#include <zo/library/library_entry.h>
 
 #include <string>
 #include <vector>

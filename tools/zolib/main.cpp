@@ -2,7 +2,7 @@
 #include <windows.h>
 
 #include <shellapi.h>
-#include <zo/system/life_cycle.h>
+#include <zo/attach/life_cycle.h>
 
 #include <exception>
 #include <memory>

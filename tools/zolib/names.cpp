@@ -1,7 +1,7 @@
 #include "names.h"
 
 #include <windows.h>
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 
 #include <vector>
 
@@ -27,8 +27,7 @@ std::vector<std::wstring_view> levelsOf(std::wstring_view path) {
 std::wstring shellPath(std::wstring_view path) {
   if (!path.starts_with(L'/') || path.starts_with(L"//")) return std::wstring(path);
   std::wstring root(GetEnvironmentVariableW(L"ZOLIB_ROOT", nullptr, 0), L'\0');
-  root.resize(
-      GetEnvironmentVariableW(L"ZOLIB_ROOT", root.data(), static_cast<DWORD>(root.size())));
+  root.resize(GetEnvironmentVariableW(L"ZOLIB_ROOT", root.data(), static_cast<DWORD>(root.size())));
   return root.append(path);
 }
 

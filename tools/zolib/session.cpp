@@ -1,7 +1,7 @@
 #include "session.h"
 
 #include <windows.h>
-#include <zo/files/library_results.h>
+#include <zo/library/library_results.h>
 #include <zo/system/file_system.h>
 #include <zo/system/registry.h>
 

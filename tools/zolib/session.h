@@ -1,7 +1,7 @@
 // A library that a verb works on: opened with the messages and exit codes that all verbs share.
 #pragma once
 
-#include <zo/files/library.h>
+#include <zo/library/library.h>
 
 #include <functional>
 #include <string>

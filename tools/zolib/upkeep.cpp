@@ -1,5 +1,5 @@
 // reorganize, salvage: a library written anew.
-#include <zo/files/library_results.h>
+#include <zo/library/library_results.h>
 #include <zo/system/file_system.h>
 #include <zo/system/registry.h>
 

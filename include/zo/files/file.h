@@ -25,7 +25,7 @@
 #pragma once
 
 #include <zo/config.h>
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 #include <zo/platform_types.h>
 
 #include <cstdint>

@@ -18,7 +18,7 @@
 // Threads: one per object.
 #pragma once
 
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 #include <zo/text/containers/array.h>
 
 #include <cstdint>

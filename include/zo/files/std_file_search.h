@@ -8,7 +8,7 @@
 // Cost:    a search asks the platform about each folder in turn.
 #pragma once
 
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 #include <zo/system/file_search.h>
 #include <zo/system/reactor.h>
 #include <zo/text/containers/list.h>

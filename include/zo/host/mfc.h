@@ -5,8 +5,8 @@
 #if defined(ZO_WITH_MFC)
 #include <afx.h>
 #else
-#include <zo/host/archive.h>
-#include <zo/host/file.h>
+#include <zo/host/c_archive.h>
+#include <zo/host/c_file.h>
 #include <zo/host/stdio_file.h>
 #endif
 

@@ -2,7 +2,7 @@
 // stream, as text or binary.
 #pragma once
 
-#include <zo/host/file.h>
+#include <zo/host/c_file.h>
 
 #include <cstdio>
 

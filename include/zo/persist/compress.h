@@ -11,7 +11,7 @@
 #pragma once
 
 #include <zo/config.h>
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 #include <zo/persist/zip.h>
 
 class ZoCompressImp;

@@ -26,7 +26,7 @@
 //          the one that another thread is about to ask for.
 #pragma once
 
-#include <zo/files/file_name.h>
+#include <zo/names/file_name.h>
 #include <zo/results.h>
 #include <zo/system/sys_obj.h>
 #include <zo/text/string.h>

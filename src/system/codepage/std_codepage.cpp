@@ -1,7 +1,7 @@
 #include <windows.h>
-#include <zo/host/char_formatter.h>
 #include <zo/results.h>
 #include <zo/system/codepage.h>
+#include <zo/text/char_formatter.h>
 
 #include <cstring>
 

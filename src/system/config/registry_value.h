@@ -1,7 +1,7 @@
 // Settings as registry values: docs/configuration.md, "Types".
 #pragma once
 
-#include <zo/host/registry.h>
+#include <zo/host/sec_registry.h>
 #include <zo/variant/variant.h>
 
 namespace zo {

@@ -1,5 +1,5 @@
 #include <windows.h>
-#include <zo/host/registry.h>
+#include <zo/host/sec_registry.h>
 #include <zo/results.h>
 #include <zo/system/cfg.h>
 

@@ -7,10 +7,10 @@
 #include <exception>
 #include <random>
 
-#include "platform/case_map.h"
-#include "platform/collation.h"
+#include "text/case_map.h"
+#include "text/code_units.h"
+#include "text/collation.h"
 #include "text/hash.h"
-#include "text/units.h"
 
 namespace zo {
 namespace {

@@ -1,0 +1,207 @@
+// Libraries: one file that holds many, each under a name of its own, compressed or as it is.
+//
+//   ZoLibrary library;
+//   if (const int code = library.open(L"parts.lib", ZoFile::kReadWrite, ZoFile::kOpenAlways))
+//     return code;
+//   if (const int code = library.addFile(L"C:\\parts\\bolt.dwg", L"bolts/m8.dwg", true)) return code;
+//   return library.extractFile(L"bolts/m8.dwg", L"C:\\out\\m8.dwg");
+//
+// Names    are kept as they are given, and compared ignoring case. They must have a form in the
+//          system's ANSI code page, of 1 to 65535 bytes; others are refused, never mangled. If
+//          a file holds more than one live member of a name, the first counts.
+// Promise  after a killed process, a full disk, an I/O error or a cancelled call at any instant,
+//          every member that was complete before the call is intact, and the call is wholly done
+//          or wholly absent. docs/formats/library.md has the order of writes that keeps it.
+// Damage   of a file makes nothing worse: a library that does not end as this library leaves it, be
+//          its writer killed, refuses every change with 1 and stays as it is, until its members are
+//          salvaged into another.
+// Deleted  members stay in the file, and match nothing but recoverFile, until reorganize.
+//
+// Errors:  0, or: 1 not open, a read or write that failed or came short, no such member, or another
+//          failure; 3 a URL as a member's name; 1001 a live member has the name; 1002 no such
+//          member, where a mark in the file ended the search; 1004 not open for writing; 1005
+//          another writer kept the library for longer than the time-out. A failure of the
+//          platform is to be had from the file-system service's errorTxt(). Nothing throws but
+//          std::bad_alloc, and then nothing is changed.
+// Threads: any, also on one object: one call runs at a time in a process, and others wait for it,
+//          isOpen() and name() too. Only moving and destroying are for one thread. The thread that opened a
+//          library for writing closes it (the platform ties the lock to it). Other processes read
+//          while one writes.
+// Cost:    the first search goes over the file up to the member; the second makes an index of all,
+//          with which finding is O(1). Both begin anew when another process has changed the file.
+//          Adding does not depend on what is there.
+// Stored:  docs/formats/library.md.
+#pragma once
+
+#include <zo/config.h>
+#include <zo/files/file.h>
+#include <zo/library/library_entry.h>
+#include <zo/library/library_results.h>
+
+#include <concepts>
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <memory>
+
+template <class T>
+class ZoSequence;
+
+namespace zo {
+class LibraryCore;
+}
+
+class ZO_COM_API ZoLibrary {
+ public:
+  enum compMode : unsigned int {
+    kStore = 0,
+    kCompress = 1,
+    kAutomatic = 2,  // compressed, unless that is no smaller
+  };
+  // How hard a member is compressed; anything else counts as normal. They reach the file.
+  static constexpr int kFast = 1024, kNormal = 2048, kBest = 4096;
+
+  // Called before a long call begins, within it at intervals of at most some hundred KiB, and at
+  // its end; bytes of the members (reorganize: of the file). False cancels the call, which then
+  // answers 1 and leaves everything as it was; so does an exception.
+  using Watcher = std::function<bool(std::uint64_t done, std::uint64_t total)>;
+
+  ZoLibrary();
+  ZoLibrary(const ZoLibrary&) = delete;
+  ZoLibrary& operator=(const ZoLibrary&) = delete;
+  ZoLibrary(ZoLibrary&& other) noexcept;
+  ZoLibrary& operator=(ZoLibrary&& other) noexcept;
+  ~ZoLibrary();  // closes, and drops a batch that was not ended
+
+  // ---- Opening and closing ----
+  // Opens or makes a library. With kWrite in access the write lock is taken first, waiting for it
+  // at most lockTimeOut ms: a mutex for this machine, and a lock far behind the end of the file for
+  // all others. What a killed writer had begun is then finished or undone. A file that is new or
+  // empty becomes a library without members; any other opens whatever it holds, see isLibrary.
+  [[nodiscard]] int open(const ZoFileName& name, int access = ZoFile::kRead,
+                         ZoFile::CreationMode mode = ZoFile::kOpenExisting,
+                         unsigned int lockTimeOut = 5000);
+  template <class Access, class TimeOut = unsigned int>
+    requires((!std::same_as<Access, int> && !std::same_as<Access, ZoFile::Access>) ||
+             std::same_as<TimeOut, bool>)
+  int open(const ZoFileName&, Access, ZoFile::CreationMode = ZoFile::kOpenExisting,
+           TimeOut = 0) = delete;  // the access comes first: ZoFile::kReadWrite, then the mode
+  // Members that are open as files are closed for good: they read and write nothing any more.
+  [[nodiscard]] int close();
+  [[nodiscard]] bool isOpen() const noexcept;
+  [[nodiscard]] bool isWritable() const noexcept;
+  [[nodiscard]] ZoFileName name() const;  // as it was opened; empty when closed
+
+  // ---- Members ----
+  // Adds a file with its three times. `replace` lets it take the place of a live member of that
+  // name, which is refused otherwise. `level` is kFast, kNormal or kBest.
+  [[nodiscard]] int addFile(const ZoFileName& source, const ZoFileName& member,
+                            bool replace = false, compMode mode = kCompress, int level = kNormal);
+  // The same from a file object, from its position to its end.
+  [[nodiscard]] int addFile(ZoFile& source, const ZoFileName& member, bool replace = false,
+                            compMode mode = kCompress, int level = kNormal);
+  template <class Source, class Replace, class Mode = compMode, class Level = int>
+    requires(!std::same_as<Replace, bool> || !std::same_as<Level, int>)
+  int addFile(Source&&, const ZoFileName&, Replace, Mode = kCompress,
+              Level = kNormal) = delete;  // bool replace, compMode, int level: in this order
+  // Between these two addFile does not wait for the disk, and all that it adds becomes visible in
+  // one step at the end, here too: adding thousands of members so takes a part of the time. Any
+  // other change and close() end a batch; a second member of a name ends it and begins another. A
+  // killed process, and a library that is destroyed instead of closed, leave nothing of it.
+  [[nodiscard]] int beginBatch();
+  [[nodiscard]] int endBatch();
+  int cancelBatch();  // none of it is added
+  // Writes a member out with its three times, in one step: a target that exists is replaced when
+  // the member was read as a whole and its check value holds, and is as it was otherwise.
+  [[nodiscard]] int extractFile(const ZoFileName& member, const ZoFileName& target);
+  [[nodiscard]] int renameFile(const ZoFileName& member, const ZoFileName& newName);
+  // Marks a member as deleted, or removes it physically, which rewrites the file beside itself and
+  // replaces it in one step. 1 when the header's counter says that no member was ever added.
+  [[nodiscard]] int deleteFile(const ZoFileName& member, bool physically = false);
+  template <class Physically>
+    requires(!std::same_as<Physically, bool>)
+  int deleteFile(const ZoFileName&, Physically) = delete;  // one member, bool physically
+  // Undoes a deletion by mark, of the first deleted member of that name. 1001 when a live member
+  // has the name.
+  [[nodiscard]] int recoverFile(const ZoFileName& member);
+  // The same for one of several deleted members of a name: an entry as forEachEntry gives it. 1
+  // when it is no deleted member.
+  [[nodiscard]] int recoverFile(const ZoLibEntry& entry);
+  // Opens a member as a file object (zo/library/lib_file.h): to read it, or with kWrite in access to
+  // write it anew; it is then added, replacing what has the name, when close() is called. `mode` is
+  // how it is added, with kNormal as the level.
+  [[nodiscard]] int getFile(ZoFile& file, const ZoFileName& member, int access = ZoFile::kRead,
+                            compMode mode = kCompress);
+  template <class Access>
+    requires(!std::same_as<Access, int> && !std::same_as<Access, ZoFile::Access>)
+  int getFile(ZoFile&, const ZoFileName&, Access,
+              compMode = kCompress) = delete;  // the access comes first, then the compMode
+  // Opens a member for reading as a stdio stream in binary mode, which the caller closes; null
+  // after a failure. Access for writing is refused: closing a stream could not report a failure.
+  [[nodiscard]] int getCFile(std::FILE** stream, const ZoFileName& member,
+                             int access = ZoFile::kRead, compMode mode = kCompress);
+  template <class Access>
+    requires(!std::same_as<Access, int> && !std::same_as<Access, ZoFile::Access>)
+  int getCFile(std::FILE**, const ZoFileName&, Access,
+               compMode = kCompress) = delete;  // the access comes first, then the compMode
+
+  // ---- What is there ----
+  // Adds the names to the sequence, and the times of the last change and the sizes of the members
+  // to the others where given (a size from 4 GiB as 0xFFFFFFFF), in the order of the file.
+  [[nodiscard]] int getFileNames(ZoSequence<ZoFileName>& names, bool withDeleted = false,
+                                 ZoSequence<FILETIME>* times = nullptr,
+                                 ZoSequence<unsigned int>* sizes = nullptr);
+  template <class WithDeleted>
+    requires(!std::same_as<WithDeleted, bool>)
+  int getFileNames(ZoSequence<ZoFileName>&, WithDeleted, ZoSequence<FILETIME>* = nullptr,
+                   ZoSequence<unsigned int>* = nullptr) = delete;  // bool withDeleted, then times
+  // Visits all that the file says of its members, in its order; false from the visitor ends it.
+  // Entries without a name are no members. No call on this library from within.
+  [[nodiscard]] int forEachEntry(const std::function<bool(const ZoLibEntry&)>& visit,
+                                 bool withDeleted = false);
+  template <class WithDeleted>
+    requires(!std::same_as<WithDeleted, bool>)
+  int forEachEntry(const std::function<bool(const ZoLibEntry&)>&,
+                   WithDeleted) = delete;  // bool withDeleted
+  // A live member's entry.
+  [[nodiscard]] int getEntry(const ZoFileName& member, ZoLibEntry& entry);
+  [[nodiscard]] bool contains(const ZoFileName& member);
+
+  // ---- The file as a whole ----
+  // Rewrites the file without deleted members, beside itself, and replaces it in one step. Where
+  // the platform replaces no file that another process has open, it answers 1 and leaves all as it
+  // was; elsewhere such a process keeps the old file until it opens the library again.
+  [[nodiscard]] int reorganize();
+  // The 64-bit value that a library keeps for its users. checkSum answers 0 when it is not open.
+  [[nodiscard]] std::uint64_t checkSum();
+  [[nodiscard]] int setCheckSum(std::uint64_t value);
+  // Whether the file begins with a library's mark.
+  [[nodiscard]] bool isLibrary();
+  // The counter in the header: raised by every addFile, never lowered.
+  [[nodiscard]] std::uint32_t counter();
+  // How the members end: 0 with the end of the file, or where another one is being added; else the
+  // number of bytes that follow the last member and are none. They are what a killed writer left, or
+  // damage, or stand behind a mark that ends the members before the file does.
+  [[nodiscard]] std::uint64_t trailingBytes();
+  // Reads a member as a whole: 0 when it is as it was added, 1000 when its check value is not that
+  // of its bytes, or its sizes differ that should not, 1 when it cannot be read. One without
+  // protection gives 0 when it can be read.
+  [[nodiscard]] int verify(const ZoLibEntry& entry);
+  // Copies every member that can be read from a damaged library into another one, deleted ones as
+  // such: first all that a reader gets, then such behind a damage, or in what a damaged entry
+  // swallowed, as far as check values or the entries that follow prove them. The report names what
+  // was found, as it was read, and its code as by verify; members are copied when that is 0. With
+  // 1001 a live one was copied as a deleted one, since another has its name: recoverFile brings it
+  // back. A place where the source cannot be read is reported with 1 and no name. Needs no scan that
+  // holds; answers 0 when it was not stopped by the report or a failure. Takes time in proportion
+  // to the file and what it decompresses to, whatever it holds.
+  [[nodiscard]] int salvageInto(
+      ZoLibrary& target, const std::function<bool(const ZoLibEntry&, int code)>& report = {});
+
+  // ---- Long calls ----
+  void onProgress(Watcher watcher);
+  [[nodiscard]] bool wasCancelled() const;  // the last call that could be
+
+ private:
+  std::shared_ptr<zo::LibraryCore> core_;  // shared with the members that are open as files
+};

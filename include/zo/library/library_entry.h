@@ -1,0 +1,31 @@
+// What a library says of one member: its entry, with the fields named.
+//
+// Stored: docs/formats/library.md.
+#pragma once
+
+#include <zo/files/file_time.h>
+#include <zo/names/file_name.h>
+
+#include <cstdint>
+
+struct ZoLibEntry {
+  // Bits of flags. They are part of the format: never renumber.
+  enum Flag : unsigned short { kScanEnds = 0x0080, kCompressed = 0x0100, kDeleted = 0x0200 };
+
+  ZoFileName name;               // empty when the file holds one that no file name can be
+  std::uint64_t position = 0;    // of the entry in the library file; the name and the data follow
+  std::uint64_t storedSize = 0;  // bytes of data as they lie in the library
+  // Bytes of the member itself. Taken from the data for a compressed member; from the entry, or
+  // else the stored size, for any other.
+  std::uint64_t size = 0;
+  ZoFileTime created, accessed, written;
+  std::uint32_t number = 0;  // the library's counter when the member was added; a hint
+  std::uint32_t crc = 0;     // of the uncompressed bytes, where isProtected
+  unsigned short mode = 0;   // 0 stored, else 1024, 2048 or 4096; a hint
+  unsigned short flags = 0;
+  // Whether a damage of the data can be told: false only for stored members of other makers.
+  bool isProtected = false;
+
+  [[nodiscard]] bool isCompressed() const noexcept { return (flags & kCompressed) != 0; }
+  [[nodiscard]] bool isDeleted() const noexcept { return (flags & kDeleted) != 0; }
+};

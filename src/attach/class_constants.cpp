@@ -1,0 +1,38 @@
+// Gives the constants of exported classes their place in the DLL, where an unoptimised client that
+// binds a reference to one looks for it: GCC exports such a constant only where its address is
+// taken. The package's consumer tests find the one that is missing here.
+#include <zo/files/find_file.h>
+#include <zo/graph/dotty_elements.h>
+#include <zo/library/library.h>
+#include <zo/persist/zip_streambuf.h>
+#include <zo/system/codepage.h>
+#include <zo/text/containers/vhash.h>
+#include <zo/text/string.h>
+#include <zo/text/string_ref.h>
+#include <zo/text/sub_string.h>
+#include <zo/variant/variant.h>
+
+namespace zo {
+
+extern const void* const kClassConstants[];
+const void* const kClassConstants[] = {
+    &ZoCodepage::kDefault,
+    &ZoCodepage::kUtf16,
+    &ZoCodepage::kUtf16BigEndian,
+    &ZoCodepage::kUtf8,
+    &ZoDottyNode::noCluster,
+    &ZoFindFile::kDirectory,
+    &ZoLibrary::kBest,
+    &ZoLibrary::kFast,
+    &ZoLibrary::kNormal,
+    &ZoString::npos,
+    &ZoStringRef::npos,
+    &ZoSubString::npos,
+    &ZoVHash::kDefaultBuckets,
+    &ZoVHash::kDefaultLoadFactor,
+    &ZoVHashTable::kLongChain,
+    &ZoVariant::kMaxDepth,
+    &ZoZIPStreambuf::endOfFile,
+};
+
+}  // namespace zo

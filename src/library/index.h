@@ -1,0 +1,66 @@
+// What a library holds, in memory: its entries in the order of the file, found by name.
+//
+// Threads: one at a time.
+// Cost:    finding a name is O(1) and the number of entries of that name; a place is found by
+//          bisection.
+#pragma once
+
+#include "library/scan.h"
+
+namespace zo {
+
+struct IndexEntry {
+  std::uint64_t position = 0;
+  EntryRecord record;
+  ContentTrailer trailer;
+  std::size_t nameBegin = 0, nameSize = 0;  // among the names
+  std::size_t hash = 0;                     // of the name
+  std::size_t before = 0;                   // the next older entry in its bucket, counted from 1
+
+  [[nodiscard]] std::uint64_t dataPosition() const {
+    return position + kRecordSize + record.nameLength;
+  }
+  [[nodiscard]] std::uint64_t end() const { return dataPosition() + record.storedSize; }
+};
+
+class LibraryIndex {
+ public:
+  void clear();
+  // Makes room for so many.
+  void reserve(std::size_t count);
+  // Entries come in the order of the file.
+  void add(const RawEntry& raw);
+  // A new record and name for the entry at that position.
+  void replace(const RawEntry& raw);
+  void clearFlags(std::uint64_t position, std::uint16_t flags);
+  void removeLast();
+
+  [[nodiscard]] const std::vector<IndexEntry>& entries() const { return entries_; }
+  [[nodiscard]] std::wstring_view name(const IndexEntry& entry) const;
+  // The first of them; null for none.
+  [[nodiscard]] const IndexEntry* findLive(std::wstring_view wanted) const {
+    return findFirst(wanted, true);
+  }
+  [[nodiscard]] const IndexEntry* findDeleted(std::wstring_view wanted) const {
+    return findFirst(wanted, false);
+  }
+  [[nodiscard]] std::vector<const IndexEntry*> allLive(std::wstring_view wanted) const;
+  [[nodiscard]] const IndexEntry* at(std::uint64_t position) const;
+
+ private:
+  [[nodiscard]] const IndexEntry* findFirst(std::wstring_view wanted, bool isLive) const;
+  [[nodiscard]] std::size_t& bucket(std::size_t hash);
+  [[nodiscard]] std::size_t newest(std::size_t hash) const;
+  [[nodiscard]] bool isNamed(const IndexEntry& entry, std::wstring_view wanted,
+                             std::size_t hash) const;
+  void keepName(IndexEntry& entry, std::string_view bytes);
+  void link(std::size_t number);
+  void unlink(std::size_t number);
+  void makeBuckets(std::size_t count);
+
+  std::vector<IndexEntry> entries_;
+  std::wstring names_;
+  std::vector<std::size_t> buckets_;  // the newest entry of each, counted from 1
+};
+
+}  // namespace zo

@@ -1,0 +1,122 @@
+#include "library/library_file.h"
+
+#include <zo/system/file_system.h>
+#include <zo/system/registry.h>
+
+#include <algorithm>
+
+#include "library/time_value.h"
+#include "platform/system_path.h"
+
+namespace zo {
+namespace {
+
+constexpr std::size_t kLargestCall = std::size_t{1} << 30;  // a call's size has 32 bits
+constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
+constexpr std::uint64_t kLockAt = std::uint64_t{1} << 62;  // where no file has bytes
+
+}  // namespace
+
+bool reportFailure(const wchar_t* operation) noexcept {
+  try {
+    ZoSystem::fileSystem().errorIO(operation);
+  } catch (...) {  // NOLINT(bugprone-empty-catch): without memory only the reason is lost
+  }
+  return false;
+}
+
+bool LibraryFile::open(const std::wstring& path, DWORD access, DWORD share, DWORD disposition) {
+  take(OpenFile(fileApi().create(SystemPath(path.c_str()), access, share, disposition,
+                                 FILE_FLAG_RANDOM_ACCESS)));
+  return isOpen();
+}
+
+void LibraryFile::take(OpenFile file) noexcept {
+  file_ = std::move(file);
+  seen_ = {};
+  position_ = kUnknown;
+}
+
+bool LibraryFile::close() { return file_.close() || reportFailure(L"close"); }
+
+bool LibraryFile::look(Signature& signature) noexcept {
+  std::int64_t size = 0;
+  FILETIME written;
+  if (!fileApi().size(file_.get(), size) ||
+      !fileApi().times(file_.get(), nullptr, nullptr, &written)) {
+    return reportFailure(L"size");
+  }
+  seen_ = {.size = static_cast<std::uint64_t>(size), .written = timeValue(written)};
+  signature = seen_;
+  return true;
+}
+
+void LibraryFile::touch() noexcept {
+  FILETIME now;
+  GetSystemTimeAsFileTime(&now);
+  const std::uint64_t time = std::max(timeValue(now), seen_.written + 1);
+  now = fileTime(time);
+  // What fails here is noticed later by other processes, and not lost.
+  if (fileApi().setTimes(file_.get(), nullptr, nullptr, &now)) seen_.written = time;
+}
+
+bool LibraryFile::seek(std::uint64_t offset) noexcept {
+  if (offset == position_) return true;
+  std::int64_t reached = 0;
+  position_ = kUnknown;
+  if (!fileApi().seek(file_.get(), static_cast<std::int64_t>(offset), FILE_BEGIN, reached)) {
+    return reportFailure(L"seek");
+  }
+  position_ = offset;
+  return true;
+}
+
+bool LibraryFile::read(std::uint64_t offset, std::span<unsigned char> to) noexcept {
+  if (!seek(offset)) return false;
+  while (!to.empty()) {
+    DWORD done = 0;
+    const auto part = static_cast<DWORD>(std::min(to.size(), kLargestCall));
+    const bool succeeded = fileApi().read(file_.get(), to.data(), part, done);
+    if (succeeded && done == 0) SetLastError(ERROR_HANDLE_EOF);
+    if (!succeeded || done == 0) {
+      position_ = kUnknown;
+      return reportFailure(L"read");
+    }
+    position_ += done;
+    to = to.subspan(done);
+  }
+  return true;
+}
+
+bool LibraryFile::write(std::uint64_t offset, Bytes bytes) noexcept {
+  if (!seek(offset)) return false;
+  while (!bytes.empty()) {
+    DWORD done = 0;
+    const auto part = static_cast<DWORD>(std::min(bytes.size(), kLargestCall));
+    const bool succeeded = fileApi().write(file_.get(), bytes.data(), part, done);
+    if (succeeded && done == 0) SetLastError(ERROR_WRITE_FAULT);
+    if (!succeeded || done == 0) {
+      position_ = kUnknown;
+      return reportFailure(L"write");
+    }
+    position_ += done;
+    seen_.size = std::max(seen_.size, position_);
+    bytes = bytes.subspan(done);
+  }
+  return true;
+}
+
+bool LibraryFile::cut(std::uint64_t size) noexcept {
+  if (!seek(size)) return false;
+  if (!fileApi().setEnd(file_.get())) return reportFailure(L"setEndOfFile");
+  seen_.size = size;
+  return true;
+}
+
+bool LibraryFile::flush() noexcept {
+  return fileApi().flush(file_.get()) || reportFailure(L"flush");
+}
+
+bool LibraryFile::lock() noexcept { return fileApi().lock(file_.get(), kLockAt, 1); }
+
+}  // namespace zo

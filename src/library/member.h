@@ -1,0 +1,67 @@
+// A member that is open as a file: what the copies of a ZoLibFile share.
+//
+// Threads: under the process-wide lock, which the callers hold.
+#pragma once
+
+#include <memory>
+
+#include "library/library_core.h"
+
+namespace zo {
+
+class LibraryMember {
+ public:
+  // Opens a member of the library; null with a code of zo/library/library.h.
+  static std::shared_ptr<LibraryMember> openToRead(const std::shared_ptr<LibraryCore>& core,
+                                                   const ZoFileName& name, int& code);
+  static std::shared_ptr<LibraryMember> openToWrite(const std::shared_ptr<LibraryCore>& core,
+                                                    const ZoFileName& name,
+                                                    ZoLibrary::compMode mode, int& code);
+  ~LibraryMember();
+  LibraryMember(const LibraryMember&) = delete;
+  LibraryMember& operator=(const LibraryMember&) = delete;
+
+  [[nodiscard]] bool isUsable() const noexcept;
+  [[nodiscard]] bool isWriting() const noexcept { return kind_ == Kind::kWritten; }
+  [[nodiscard]] const ZoFileName& name() const noexcept { return name_; }
+  // Adds what was written, unless a write failed or it was dropped. What is destroyed without it is
+  // dropped.
+  int finish();
+  // Gives up what was written, for all that share it.
+  void drop();
+  [[nodiscard]] bool isDropped() const noexcept { return isDropped_; }
+  // The same member from its begin, on its own.
+  [[nodiscard]] std::shared_ptr<LibraryMember> again() const;
+
+  unsigned int read(void* buffer, unsigned int count);
+  unsigned int write(const void* data, unsigned int count);
+  std::int64_t seek(std::int64_t offset, ZoFile::MoveMethod method);
+  [[nodiscard]] std::int64_t size();
+  int setEndOfFile();
+  [[nodiscard]] MemberTimes times();
+  int setTimes(const MemberTimes& times);
+  // What is left to be read, as a temporary file at the same position.
+  [[nodiscard]] bool copyTo(ZoFile& file);
+
+ private:
+  enum class Kind { kStored, kInMemory, kInFile, kWritten };
+
+  LibraryMember(std::shared_ptr<LibraryCore> core, const ZoFileName& name);
+  bool load();
+  [[nodiscard]] MemberTimes withThoseSet(MemberTimes times) const;
+
+  std::shared_ptr<LibraryCore> core_;
+  unsigned int opening_;
+  ZoFileName name_;
+  Kind kind_ = Kind::kStored;
+  MemberPlace place_;
+  std::int64_t position_ = 0;
+  std::vector<unsigned char> memory_;
+  ZoFile file_;  // the content, or what is written
+  ZoLibrary::compMode mode_ = ZoLibrary::kCompress;
+  bool isIncomplete_ = false;  // a write failed
+  bool isDropped_ = false;
+  MemberTimes times_;  // what was set while writing
+};
+
+}  // namespace zo

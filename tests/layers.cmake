@@ -1,0 +1,6 @@
+# The floors of docs/architecture.md, checked against every include.
+find_program(ZO_PYTHON python3)
+if(ZO_PYTHON)
+  add_test(NAME layers.NoIncludeGoesUp
+           COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/layers.py ${PROJECT_SOURCE_DIR})
+endif()
