@@ -80,6 +80,19 @@ TEST(ErrLog, TakesTextsAndNumbersAsWhatTheyAre) {
   ZoError& service = log;
   EXPECT_EQ(service.trace(nullptr), ZoResult::refused);
   EXPECT_EQ(service.warning(nullptr, 0, nullptr), 0);
+
+  struct Passing : ZoErrLog {
+    using ZoErrLog::ZoErrLog;
+    int trace(const wchar_t* format, ...) override {
+      return ++traces, ZoErrLog::trace(L"<%ls>", format);
+    }
+    int traces = 0;
+  };
+  std::wostringstream passed;
+  Passing passing(&passed);
+  ZoError& derived = passing;
+  EXPECT_EQ(derived.trace(L"%d", 5), 0);
+  EXPECT_EQ(passing.traces, 1) << "it came to itself again";
 }
 
 TEST(ComException, LaysItsFieldsOutInOrderBehindTheVirtualTable) {

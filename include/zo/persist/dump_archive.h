@@ -66,12 +66,12 @@ class ZO_COM_API ZoDumpArchive : public ZoArchive {
 
   virtual ~ZoDumpArchive();
   // Adds an entry, formatted by the runtime's wide printf: "%s" and "%ls" are wide texts, and the
-  // exponents of its numbers have as many digits as the runtime gives them. With arguments, calls
-  // go to the form below, which knows what they are.
+  // exponents of its numbers have as many digits as the runtime gives them.
   virtual void printf(const wchar_t* format, ...);
-  // The same for arguments of all kinds that zo/text/printf.h prints; calls the former.
+  // The same where an argument is a ZoString, a ZoFileName or another object that zo/text/printf.h
+  // prints: calls the former with the finished text.
   template <class... Arguments>
-    requires(sizeof...(Arguments) > 0)
+    requires zo::HasObject<Arguments...>
   void printf(const wchar_t* format, const Arguments&... arguments) {
     print(format, zo::argumentsOf(arguments...));
   }

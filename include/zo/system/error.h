@@ -45,21 +45,21 @@ class ZO_COM_API ZoErrorSlots : public ZoSysObj {
   // Returns 2 where an implementation, like those of this library, has none to show.
   virtual int taskDialog(const wchar_t* text, HWND__* parent, const KeyValue* items, int count) = 0;
 
-  // The typed forms without the compiler's check, for calls of an implementation itself, which says
-  // `using ZoErrorSlots::warning;` beside its own.
+  // The typed forms without the compiler's check, where an argument is an object: for calls of an
+  // implementation itself, which says `using ZoErrorSlots::warning;` beside its own.
   template <class... Arguments>
-    requires(sizeof...(Arguments) > 0)
+    requires zo::HasObject<Arguments...>
   int warning(const wchar_t* fileName, int position, const wchar_t* format,
               const Arguments&... arguments) {
     return printWarning(fileName, position, format, zo::argumentsOf(arguments...));
   }
   template <class... Arguments>
-    requires(sizeof...(Arguments) > 0)
+    requires zo::HasObject<Arguments...>
   int trace(const wchar_t* format, const Arguments&... arguments) {
     return printTrace(format, zo::argumentsOf(arguments...));
   }
   template <class... Arguments>
-    requires(sizeof...(Arguments) > 0)
+    requires zo::HasObject<Arguments...>
   int prompt(const wchar_t* format, const Arguments&... arguments) {
     return printPrompt(format, zo::argumentsOf(arguments...));
   }

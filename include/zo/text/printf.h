@@ -264,6 +264,12 @@ struct ArgumentList {
 
   FormatArgument list[size + 1];  // one more, since none would be no array
 };
+// Whether an argument is an object, which the runtime's printf cannot print. Typed forms beside a
+// virtual variadic function take only such calls: an override that passes a plain text on to its
+// base class reaches that class's function, and not, through a typed form, itself.
+template <class... Arguments>
+concept HasObject = (std::is_class_v<Arguments> || ...);
+
 template <class... Arguments>
 [[nodiscard]] ArgumentList<sizeof...(Arguments)> argumentsOf(const Arguments&... arguments) {
   return {{FormatArgument(arguments)..., FormatArgument()}};
