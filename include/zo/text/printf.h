@@ -35,11 +35,14 @@
 namespace zo {
 
 // What is wrong with a format: the compiler's error names one of these. They do not exist.
+// What the compiler names where a literal format does not fit. They do nothing: that the check comes
+// to one of them, which cannot be called while compiling, is the error.
 namespace formatError {
-void tooFewArguments();   // the format has a conversion without an argument
-void tooManyArguments();  // an argument has no conversion in the format
-void wrongKind();  // %d %x whole numbers, %f %g numbers, %s texts, %c characters, %p pointers
-void unknownConversion();  // no such conversion; a percent sign by itself is %%
+inline void tooFewArguments() {}   // the format has a conversion without an argument
+inline void tooManyArguments() {}  // an argument has no conversion in the format
+// %d %x whole numbers, %f %g numbers, %s texts, %c characters, %p pointers
+inline void wrongKind() {}
+inline void unknownConversion() {}  // no such conversion; a percent sign by itself is %%
 }  // namespace formatError
 
 enum class ArgumentKind : unsigned char {
