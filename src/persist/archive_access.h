@@ -139,11 +139,12 @@ void readHandle(Archive& archive, ZoHnd& value) {
   int id = 0;  // not the 8 bytes that are written, on purpose
   ZoString text;
   archive.read(types);
-  if (types & ZoHnd::kId) {
+  const auto kinds = static_cast<unsigned int>(types);
+  if (kinds & ZoHnd::kId) {
     archive.read(id);
     handle.setId(id);
   }
-  if (types & ZoHnd::kText) {
+  if (kinds & ZoHnd::kText) {
     archive.read(text);
     handle.setHandle(text);
   }
@@ -167,9 +168,9 @@ void readFileName(Archive& archive, ZoFileName& value) {
   if (!ArchiveAccess<Archive>::cameShort(archive)) {
     readText(archive, size, [&](std::wstring_view view) {
       const ZoString text(view);
-      name.setFullName(text);
+      static_cast<void>(name.setFullName(text));  // isEmpty() tells
       // What cannot be split by the usual rules may have been made under wider ones.
-      if (name.isEmpty()) name.setFullName(text, false, false, true, true);
+      if (name.isEmpty()) static_cast<void>(name.setFullName(text, false, false, true, true));
     });
     name.setDelimiter(delimiter);
   }

@@ -1,3 +1,5 @@
+// The decoder of the LZMA SDK, driven step by step over a window of our own: its one-call interface
+// would allocate at once whatever a damaged header asks for.
 #include "persist/lzma_decoder.h"
 
 #include <zo/persist/lzma_utils.h>

@@ -1,3 +1,6 @@
+// The encoder of the LZMA SDK. It is told the size of the content before it begins: then its tables
+// are no larger than the content needs (level 9 would take gigabytes for a single byte), and the
+// stream needs no end mark.
 #include "persist/lzma_encoder.h"
 
 #include <zo/persist/lzma_utils.h>

@@ -1,3 +1,6 @@
+// LZMA containers in vectors of bytes: the public interface over LzmaEncoder and uncompressLzma.
+// It answers for what these need not know: no data, more than a container holds, memory that runs
+// out.
 #include <zo/persist/lzma_utils.h>
 
 #include <new>

@@ -1,3 +1,8 @@
+// The two directions of docs/variant.md's table. What crosses is always a copy, but for interface
+// pointers; whoever holds something of Automation's here is an object that gives it back.
+//
+// An array that comes in is not trusted: its element size, its bounds and its depth are looked at
+// before its data is. Nothing reaches the caller's value before all of it worked.
 #include <zo/variant/ole_variant.h>
 // windows.h before the headers of Automation
 #include <windows.h>

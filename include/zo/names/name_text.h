@@ -17,7 +17,10 @@ namespace zo {
 template <class Text>
 concept NameSource = std::same_as<Text, std::wstring> || WidePath<Text>;
 
-[[nodiscard]] inline const std::wstring& wideOf(const std::wstring& text) noexcept { return text; }
+// For use within the expression of the argument.
+[[nodiscard]] inline const std::wstring& wideOf(const std::wstring& text) noexcept {
+  return text;  // NOLINT(bugprone-return-const-ref-from-parameter): see above
+}
 template <WidePath Path>
 [[nodiscard]] const std::wstring& wideOf(const Path& path) noexcept {
   return path.native();

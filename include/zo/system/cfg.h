@@ -76,7 +76,8 @@ class ZO_COM_API ZoCfg : public ZoSysObj {
   [[nodiscard]] virtual ZoVariant at(const wchar_t* key, const ZoVariant& defaultValue,
                                      bool nested) = 0;
   [[nodiscard]] virtual ZoVariant at(const wchar_t* key, bool nested) = 0;
-  template <class T, class = std::enable_if_t<!std::is_same_v<T, bool>>>
+  template <class T>
+    requires(!std::is_same_v<T, bool>)
   ZoVariant at(const wchar_t* key, const T& otherwise) = delete;  // write get(key, otherwise)
   // The value that the key names, or else the registry key, as a dictionary of its values and, when
   // nested is true, of the keys below it to any depth; otherwise those are left out. Refused when

@@ -106,7 +106,8 @@ class FormatArgument {
     } else if constexpr (argumentKind<T>() == ArgumentKind::Real) {
       real_ = static_cast<double>(value);
     } else if constexpr (argumentKind<T>() == ArgumentKind::Pointer) {
-      pointer_ = (const void*)(value);  // of an object or a function
+      // Of an object or a function, volatile or null: no other cast takes them all.
+      pointer_ = (const void*)(value);  // NOLINT(google-readability-casting)
     } else {
       whole_ = static_cast<std::int64_t>(value);
       size_ = sizeof(value);

@@ -437,7 +437,7 @@ class ZO_COM_API ZoString {
     return order(zo::textOf(other), cmp);
   }
   template <zo::NotText T>
-  int compareTo(T, caseCompare = exact) const = delete;  // write L'c'
+  [[nodiscard]] int compareTo(T, caseCompare = exact) const = delete;  // write L'c'
   // Whether compareTo would give 0, but faster: texts of printable ASCII are decided without asking
   // the platform.
   template <zo::AnyText Text>
@@ -452,7 +452,7 @@ class ZO_COM_API ZoString {
     return collate(ZoString(other));
   }
   template <zo::NotText T>
-  int collate(T) const = delete;  // write L'c'
+  [[nodiscard]] int collate(T) const = delete;  // write L'c'
 
   friend bool operator==(const ZoString& a, const ZoString& b) noexcept {
     return a.data_ == b.data_ || a.view() == b.view();

@@ -24,7 +24,7 @@ class ZO_COM_API ZoStringRef : private ZoRefCount {
   // its count raised, when both are 0. Needs length <= capacity.
   [[nodiscard]] static ZoStringRef* getRep(unsigned int capacity, unsigned int length);
   // The one block that all empty strings share. It is never freed and always counts as shared.
-  [[nodiscard]] static ZoStringRef* emptyRep() noexcept;
+  [[nodiscard]] static inline ZoStringRef* emptyRep() noexcept;
   // Drops one reference and frees the block with the last one.
   void release() noexcept {
     if (removeReference() == 0) freeBlock();

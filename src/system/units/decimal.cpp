@@ -1,3 +1,6 @@
+// A real is printed in a unit with the fewest digits that read back as the same real, and read with
+// one rounding. Units that are powers of ten only move the decimal point, which costs no digit;
+// all others are multiplied in Wide, which keeps more digits than are ever shown.
 #include "system/units/decimal.h"
 
 #include <zo/text/number_text.h>

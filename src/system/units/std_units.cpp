@@ -1,3 +1,5 @@
+// The standard units service: a format for each quantity, and with it the functions of
+// zo/system/unit_text.h.
 #include <zo/results.h>
 #include <zo/system/units.h>
 

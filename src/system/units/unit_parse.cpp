@@ -1,3 +1,6 @@
+// Reads a value with its unit: one number, or a sum that goes on in smaller units (5 ft 3 1/2 in).
+// Everything is added up in Wide and rounded to a real once, at the end; a single decimal keeps its
+// own way through toInternal, so that what was printed reads back as it was.
 #include <zo/results.h>
 #include <zo/system/unit_text.h>
 

@@ -1,3 +1,5 @@
+// Prints a value in the form that its format asks for. A form splits a number that is already
+// rounded to digits: so 59.99 seconds never become 60 beside minutes that were counted before.
 #include <zo/results.h>
 #include <zo/system/unit_text.h>
 

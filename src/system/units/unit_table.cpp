@@ -1,9 +1,10 @@
+// The units themselves, as constants, and how names are found. Factors are whole numbers and powers
+// of ten, as the definitions have them, so that none is rounded before it is used.
+// docs/units.md lists the table for users, with the sources of the factors.
 #include "system/units/unit_table.h"
 
 #include <array>
 #include <cwchar>
-
-// docs/units.md lists the table for users, with the sources of the factors.
 
 namespace zo {
 namespace {
@@ -12,10 +13,10 @@ constexpr std::int64_t kPound = 45359237;             // * 10^-8 kg
 constexpr std::int64_t kPoundForce = 44482216152605;  // * 10^-13 N
 constexpr std::int64_t kKilopond = 980665;            // * 10^-5 N
 
-constexpr Unit kNumber[] = {{{L""}}, {{L"%"}, 1, -2}};
+constexpr Unit kNumber[] = {{{L""}, 1}, {{L"%"}, 1, -2}};
 
 constexpr Unit kLength[] = {
-    {{L"mm"}},
+    {{L"mm"}, 1},
     {{L"um", L"\u00B5m", L"\u03BCm"}, 1, -3},
     {{L"nm"}, 1, -6},
     {{L"cm"}, 1, 1},
@@ -29,7 +30,7 @@ constexpr Unit kLength[] = {
     {{L"mil", L"thou"}, 254, -4},
 };
 constexpr Unit kAngle[] = {
-    {{L"rad"}},
+    {{L"rad"}, 1},
     {{L"mrad"}, 1, -3},
     {{L"deg", L"\u00B0", L"d"}, 1, 0, 180, true, L"'"},
     {{L"'", L"\u2032", L"arcmin"}, 1, 0, 10800, true, L"\""},
@@ -38,7 +39,7 @@ constexpr Unit kAngle[] = {
     {{L"rev", L"turn"}, 2, 0, 1, true},
 };
 constexpr Unit kTime[] = {
-    {{L"s", L"sec"}},
+    {{L"s", L"sec"}, 1},
     {{L"ms"}, 1, -3},
     {{L"us", L"\u00B5s", L"\u03BCs"}, 1, -6},
     {{L"ns"}, 1, -9},
@@ -47,7 +48,7 @@ constexpr Unit kTime[] = {
     {{L"d", L"day"}, 86400, 0, 1, false, L"h"},
 };
 constexpr Unit kMass[] = {
-    {{L"kg"}},
+    {{L"kg"}, 1},
     {{L"g"}, 1, -3},
     {{L"mg"}, 1, -6},
     {{L"t"}, 1, 3},
@@ -55,7 +56,7 @@ constexpr Unit kMass[] = {
     {{L"oz"}, kPound, -8, 16},
 };
 constexpr Unit kArea[] = {
-    {{L"mm2", L"mm\u00B2", L"mm^2"}},
+    {{L"mm2", L"mm\u00B2", L"mm^2"}, 1},
     {{L"cm2", L"cm\u00B2", L"cm^2"}, 1, 2},
     {{L"dm2", L"dm\u00B2", L"dm^2"}, 1, 4},
     {{L"m2", L"m\u00B2", L"m^2"}, 1, 6},
@@ -65,7 +66,7 @@ constexpr Unit kArea[] = {
     {{L"yd2", L"yd\u00B2", L"yd^2"}, 83612736, -2},
 };
 constexpr Unit kVolume[] = {
-    {{L"mm3", L"mm\u00B3", L"mm^3"}},
+    {{L"mm3", L"mm\u00B3", L"mm^3"}, 1},
     {{L"cm3", L"cm\u00B3", L"cm^3", L"ml"}, 1, 3},
     {{L"dm3", L"dm\u00B3", L"dm^3", L"l"}, 1, 6},
     {{L"m3", L"m\u00B3", L"m^3"}, 1, 9},
@@ -74,7 +75,7 @@ constexpr Unit kVolume[] = {
     {{L"gal"}, 3785411784, -3},
 };
 constexpr Unit kForce[] = {
-    {{L"N"}},
+    {{L"N"}, 1},
     {{L"mN"}, 1, -3},
     {{L"daN"}, 1, 1},
     {{L"kN"}, 1, 3},
@@ -84,7 +85,7 @@ constexpr Unit kForce[] = {
     {{L"kip"}, kPoundForce, -10},
 };
 constexpr Unit kSpringRate[] = {
-    {{L"N/mm"}},
+    {{L"N/mm"}, 1},
     {{L"N/m"}, 1, -3},
     {{L"kN/m"}, 1, 0},
     {{L"kN/mm"}, 1, 3},
@@ -93,7 +94,7 @@ constexpr Unit kSpringRate[] = {
     {{L"lbf/ft"}, kPoundForce, -12, 3048},
 };
 constexpr Unit kPressure[] = {
-    {{L"N/mm2", L"N/mm\u00B2", L"N/mm^2"}},
+    {{L"N/mm2", L"N/mm\u00B2", L"N/mm^2"}, 1},
     {{L"MPa"}, 1, 0},
     {{L"Pa", L"N/m2", L"N/m\u00B2", L"N/m^2"}, 1, -6},
     {{L"hPa"}, 1, -4},
@@ -106,7 +107,7 @@ constexpr Unit kPressure[] = {
     {{L"ksi"}, kPoundForce, -8, 64516},
 };
 constexpr Unit kDensity[] = {
-    {{L"kg/mm3", L"kg/mm\u00B3", L"kg/mm^3"}},
+    {{L"kg/mm3", L"kg/mm\u00B3", L"kg/mm^3"}, 1},
     {{L"kg/dm3", L"kg/dm\u00B3", L"kg/dm^3", L"kg/l"}, 1, -6},
     {{L"kg/m3", L"kg/m\u00B3", L"kg/m^3"}, 1, -9},
     {{L"g/cm3", L"g/cm\u00B3", L"g/cm^3"}, 1, -6},
@@ -115,7 +116,7 @@ constexpr Unit kDensity[] = {
     {{L"lb/ft3", L"lb/ft\u00B3", L"lb/ft^3"}, kPound, -5, 28316846592},
 };
 constexpr Unit kSpeed[] = {
-    {{L"mm/s"}},
+    {{L"mm/s"}, 1},
     {{L"mm/min"}, 1, -1, 6},
     {{L"m/s"}, 1, 3},
     {{L"m/min"}, 1, 2, 6},
@@ -128,7 +129,7 @@ constexpr Unit kSpeed[] = {
     {{L"kn"}, 1852, 1, 36},
 };
 constexpr Unit kPower[] = {
-    {{L"W"}},
+    {{L"W"}, 1},
     {{L"mW"}, 1, -3},
     {{L"kW"}, 1, 3},
     {{L"MW"}, 1, 6},
@@ -136,7 +137,7 @@ constexpr Unit kPower[] = {
     {{L"hp"}, 74569987158227022, -14},
 };
 constexpr Unit kTorque[] = {
-    {{L"Nmm", L"N*mm", L"N\u00B7mm"}},
+    {{L"Nmm", L"N*mm", L"N\u00B7mm"}, 1},
     {{L"Ncm", L"N*cm", L"N\u00B7cm"}, 1, 1},
     {{L"Nm", L"N*m", L"N\u00B7m"}, 1, 3},
     {{L"kNm", L"kN*m", L"kN\u00B7m"}, 1, 6},
@@ -145,7 +146,7 @@ constexpr Unit kTorque[] = {
     {{L"lbf*ft", L"lbf\u00B7ft", L"ft*lbf"}, kPoundForce * 3048, -14},
 };
 constexpr Unit kLinearDensity[] = {
-    {{L"kg/mm"}},
+    {{L"kg/mm"}, 1},
     {{L"kg/m"}, 1, -3},
     {{L"g/mm"}, 1, -3},
     {{L"g/m"}, 1, -6},
@@ -153,19 +154,19 @@ constexpr Unit kLinearDensity[] = {
     {{L"lb/ft"}, kPound, -7, 3048},
 };
 constexpr Unit kVoltage[] = {
-    {{L"V"}},
+    {{L"V"}, 1},
     {{L"uV", L"\u00B5V", L"\u03BCV"}, 1, -6},
     {{L"mV"}, 1, -3},
     {{L"kV"}, 1, 3},
 };
 constexpr Unit kCurrent[] = {
-    {{L"A"}},
+    {{L"A"}, 1},
     {{L"uA", L"\u00B5A", L"\u03BCA"}, 1, -6},
     {{L"mA"}, 1, -3},
     {{L"kA"}, 1, 3},
 };
 constexpr Unit kResistance[] = {
-    {{L"Ohm", L"\u2126", L"\u03A9"}},
+    {{L"Ohm", L"\u2126", L"\u03A9"}, 1},
     {{L"mOhm", L"m\u2126", L"m\u03A9"}, 1, -3},
     {{L"kOhm", L"k\u2126", L"k\u03A9"}, 1, 3},
     {{L"MOhm", L"M\u2126", L"M\u03A9"}, 1, 6},

@@ -1,3 +1,5 @@
+// What both directions need first: whether a format is one, and which unit it means. And what needs
+// neither: converting between units, and their names.
 #include <zo/results.h>
 #include <zo/system/unit_text.h>
 

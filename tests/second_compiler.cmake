@@ -1,0 +1,11 @@
+# The library and the tool once more, by clang: syntax and warnings only.
+find_program(ZO_CLANG clang++-19)
+find_program(ZO_PYTHON python3)
+if(ZO_CLANG AND ZO_PYTHON AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+  add_test(NAME second_compiler.ClangTakesEverySourceWithoutAWarning
+           COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/second_compiler.py ${ZO_CLANG} ${PROJECT_BINARY_DIR}
+                   ${PROJECT_SOURCE_DIR})
+  set_tests_properties(second_compiler.ClangTakesEverySourceWithoutAWarning PROPERTIES TIMEOUT 600 PROCESSORS 2)
+else()
+  message(STATUS "No second compiler is tried: clang++-19 is missing (scripts/setup test)")
+endif()
