@@ -6,6 +6,7 @@
 #include "names/name_check.h"
 #include "names/name_compare.h"
 #include "names/name_levels.h"
+#include "text/code_units.h"
 
 using zo::NameKind;
 using zo::NameParts;

@@ -15,6 +15,7 @@
 #include <string_view>
 #include <utility>
 
+#include "text/code_units.h"
 #include "variant/code_names.h"
 
 namespace zo {
@@ -105,12 +106,7 @@ class TextFormParser {
  private:
   // ---- Characters ----
   [[nodiscard]] wchar_t peek() const noexcept { return at_ < text_.size() ? text_[at_] : L'\0'; }
-  static constexpr bool isWhite(wchar_t c) noexcept {
-    return c == L' ' || (c >= L'\t' && c <= L'\r');
-  }
-  static constexpr bool isWordCharacter(wchar_t c) noexcept {
-    return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z') || c == L'_';
-  }
+  static constexpr bool isWordCharacter(wchar_t c) noexcept { return isLetter(c) || c == L'_'; }
   void skipWhite() noexcept {
     while (isWhite(peek())) ++at_;
   }
@@ -135,15 +131,9 @@ class TextFormParser {
     out = 0;
     const size_t first = at_;
     for (; at_ - first < digits; ++at_) {
-      const wchar_t c = peek();
-      const wchar_t letter = c | 0x20;
-      if (c >= L'0' && c <= L'9') {
-        out = out << 4 | static_cast<std::uint64_t>(c - L'0');
-      } else if (letter >= L'a' && letter <= L'f') {
-        out = out << 4 | static_cast<std::uint64_t>(letter - L'a' + 10);
-      } else {
-        break;
-      }
+      const unsigned int digit = hexDigit(peek());
+      if (digit > 15) break;
+      out = out << 4 | digit;
     }
     return at_ > first;
   }

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "text/code_units.h"
 #include "variant/text_form.h"
 
 static_assert(ZoVariant::kGuid == static_cast<unsigned int>(zo::FormKind::Guid));
@@ -163,8 +164,9 @@ class FormWriter {
 
   // At least four digits.
   void writeCode(unsigned int code) {
-    for (int shift = code >> 16 ? 28 : 12; shift >= 0; shift -= 4)
-      out_ += L"0123456789ABCDEF"[code >> shift & 15];
+    const int digits = code >> 16 ? 8 : 4;
+    zo::writeHex(out_.room(8), code, digits);
+    out_.advance(static_cast<size_t>(digits));
   }
 
   void writeQuoted(std::wstring_view text) {
@@ -190,12 +192,8 @@ class FormWriter {
   }
   // Halves of a surrogate pair that stand alone, which no other encoding keeps, and DEL.
   static bool mustBeEscaped(std::wstring_view text, size_t i) noexcept {
-    const auto isHigh = [&](size_t at) {
-      return at < text.size() && (text[at] & 0xFC00) == 0xD800;
-    };
-    const auto isLow = [&](size_t at) { return at < text.size() && (text[at] & 0xFC00) == 0xDC00; };
-    if (isHigh(i)) return !isLow(i + 1);
-    if (isLow(i)) return i == 0 || !isHigh(i - 1);
+    if (zo::isHighSurrogate(text[i])) return zo::firstCharacter(text.substr(i)).size() == 1;
+    if (zo::isLowSurrogate(text[i])) return i == 0 || !zo::isHighSurrogate(text[i - 1]);
     return text[i] == 0x7F;
   }
   static wchar_t* writeEscaped(wchar_t c, wchar_t* to) noexcept {
@@ -216,7 +214,7 @@ class FormWriter {
         break;
       default:
         *to++ = L'u';
-        for (int shift = 12; shift >= 0; shift -= 4) *to++ = L"0123456789ABCDEF"[c >> shift & 15];
+        to = zo::writeHex(to, c, 4);
         break;
     }
     return to;
