@@ -13,12 +13,12 @@
 #include "text/code_units.h"
 #include "variant/text_form.h"
 
-static_assert(ZoVariant::kGuid == static_cast<unsigned int>(zo::FormKind::Guid));
+static_assert(ZoVariant::kGuid == static_cast<unsigned int>(zo::VariantKind::Guid));
 
 namespace {
 
 using zo::FormHead;
-using zo::FormKind;
+using zo::VariantKind;
 
 // ---- Writing ----
 
@@ -127,10 +127,10 @@ class FormWriter {
     } else {
       for (const wchar_t c : word) out_ += c == L' ' ? L'_' : c;
     }
-    const auto kind = static_cast<FormKind>(value.type());
+    const auto kind = static_cast<VariantKind>(value.type());
     if (kind != zo::kindOfCode(value.code())) {
       out_ += L'(';
-      out_ += zo::kFormKinds[value.type()];
+      out_ += zo::kKinds[value.type()].name;
       out_ += L')';
     }
   }
@@ -256,7 +256,7 @@ class FormWriter {
 
 // ---- Reading ----
 
-struct VariantBuilder {
+struct FormBuilder {
   using Value = ZoVariant;
 
   static ZoVariant::Type typeOf(const FormHead& head) noexcept {
@@ -268,7 +268,7 @@ struct VariantBuilder {
            ZoVariant::isFitting(head.code, typeOf(head));
   }
   static void makeEmpty(ZoVariant& out, const FormHead& head) {
-    if (head.kind == FormKind::Dict) {
+    if (head.kind == VariantKind::Dict) {
       // A text of many small dictionaries must not take many large tables.
       constexpr unsigned int kFirstBuckets = 8;
       out = ZoVariant(ZoHashDict<ZoVariant, ZoString>(kFirstBuckets), head.code, head.flags);
@@ -284,7 +284,7 @@ struct VariantBuilder {
     out = ZoVariant(ZoString(text), head.code, head.flags);
   }
   static void make(ZoVariant& out, const FormHead& head, const double (&c)[3]) {
-    out = head.kind == FormKind::Point
+    out = head.kind == VariantKind::Point
               ? ZoVariant(ZoPoint(c[0], c[1], c[2]), head.code, head.flags)
               : ZoVariant(ZoVector(c[0], c[1], c[2]), head.code, head.flags);
   }
@@ -301,7 +301,7 @@ struct VariantBuilder {
   static ZoString key(std::wstring_view text) { return ZoString(text); }
   static bool addEntry(ZoVariant& dict, ZoString&& key, ZoVariant&& value) {
     const int result = dict.asDict()->insertAt(std::move(key), std::move(value));
-    if (result == ZoResult::outOfMemory) throw std::bad_alloc();
+    zo::throwIfNoMemory(result);
     return result == ZoResult::ok;
   }
   static void addElement(ZoVariant& sequence, ZoVariant&& value) {
@@ -341,9 +341,9 @@ ZoString ZoVariant::printFlags() const {
 }
 
 int ZoVariant::parse(std::wstring_view text, unsigned int* end) {
-  VariantBuilder builder;
+  FormBuilder builder;
   ZoVariant read;
-  zo::TextFormParser<VariantBuilder> parser(text, builder, kMaxDepth);
+  zo::TextFormParser<FormBuilder> parser(text, builder, kMaxDepth);
   const bool ok = parser.parse(read);
   if (end) *end = static_cast<unsigned int>(parser.position());
   if (!ok) return ZoResult::refused;
