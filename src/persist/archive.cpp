@@ -23,9 +23,6 @@ bool ArchiveAccess<ZoArchive>::enter(const ZoArchive&) {
 
 void beginElement() noexcept { readState().cameShort = false; }
 bool isElementShort() noexcept { return readState().cameShort; }
-void checkAdded(int code) {
-  if (code == ZoResult::outOfMemory) throw std::bad_alloc();
-}
 
 namespace {
 
@@ -177,7 +174,7 @@ ZoArchive& operator>>(ZoArchive& archive, ZoDict<ZoVariant, ZoString>& dict) {
   dict.removeAll(true);
   if (!read.asDict()) return archive;
   for (auto [key, value] : *read.asDict())
-    zo::checkAdded(dict.insertAt(ZoString(key), std::move(value)));
+    zo::throwIfNoMemory(dict.insertAt(ZoString(key), std::move(value)));
   return archive;
 }
 
@@ -186,6 +183,7 @@ ZoArchive& operator>>(ZoArchive& archive, ZoSequence<ZoVariant>& sequence) {
   archive.read(read);
   sequence.removeAll(true);
   if (!read.asSequence()) return archive;
-  for (ZoVariant& element : *read.asSequence()) zo::checkAdded(sequence.append(std::move(element)));
+  for (ZoVariant& element : *read.asSequence())
+    zo::throwIfNoMemory(sequence.append(std::move(element)));
   return archive;
 }
