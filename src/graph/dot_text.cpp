@@ -117,7 +117,7 @@ int ZoDottyGraph::writeGraph(const wchar_t* fileName) const {
 std::wostream& operator<<(std::wostream& out, const ZoDottyGraph& graph) {
   zo::TextBuffer text;
   writeText(text, graph);
-  return out << text.text();
+  return out << text.view();
 }
 
 ZoString ZoDottyGraph::escapedLabel(std::wstring_view text) {

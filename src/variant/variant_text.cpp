@@ -5,12 +5,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <ostream>
 #include <string_view>
 #include <vector>
 
 #include "text/code_units.h"
+#include "text/text_buffer.h"
 #include "variant/text_form.h"
 
 static_assert(ZoVariant::kGuid == static_cast<unsigned int>(zo::VariantKind::Guid));
@@ -21,46 +21,6 @@ using zo::FormHead;
 using zo::VariantKind;
 
 // ---- Writing ----
-
-// A text that grows at its end.
-class GrowingText {
- public:
-  // Room for n more characters; what was written there becomes part of the text by advance().
-  wchar_t* room(size_t n) {
-    if (n > capacity_ - size_) grow(n);
-    return text_.get() + size_;
-  }
-  void advance(size_t n) noexcept { size_ += n; }
-
-  GrowingText& operator+=(wchar_t c) {
-    *room(1) = c;
-    advance(1);
-    return *this;
-  }
-  GrowingText& operator+=(std::wstring_view text) {
-    text.copy(room(text.size()), text.size());
-    advance(text.size());
-    return *this;
-  }
-  void append(size_t n, wchar_t c) {
-    std::fill_n(room(n), n, c);
-    advance(n);
-  }
-  [[nodiscard]] std::wstring_view view() const noexcept { return {text_.get(), size_}; }
-
- private:
-  void grow(size_t n) {
-    const size_t wanted = std::max(size_ + n, 2 * capacity_ + 250);
-    auto larger = std::make_unique_for_overwrite<wchar_t[]>(wanted);
-    view().copy(larger.get(), size_);
-    text_ = std::move(larger);
-    capacity_ = wanted;
-  }
-
-  std::unique_ptr<wchar_t[]> text_;
-  size_t size_ = 0;
-  size_t capacity_ = 0;
-};
 
 struct KeyedValue {
   std::uint64_t rank;  // the first units behind what all keys begin with, as a number
@@ -109,12 +69,12 @@ class FormWriter {
       case ZoVariant::kSequence:
         return depthLeft > 0 && writeSequence(*value.asSequence(), tabs, depthLeft - 1);
       default:
-        out_ += L' ';
+        out_ << L' ';
         writeScalar(value);
         return true;
     }
   }
-  void writeTabs(unsigned int tabs) { out_.append(tabs, L'\t'); }
+  void writeTabs(unsigned int tabs) { out_.append(L'\t', tabs); }
   void writeHead(const ZoVariant& value) {
     writeType(value);
     writeFlags(value.flags());
@@ -122,23 +82,23 @@ class FormWriter {
   void writeType(const ZoVariant& value) {
     const std::wstring_view word = zo::wordOfCode(value.code());
     if (word.empty()) {
-      out_ += L'#';
+      out_ << L'#';
       writeCode(static_cast<unsigned int>(value.code()));
     } else {
-      for (const wchar_t c : word) out_ += c == L' ' ? L'_' : c;
+      for (const wchar_t c : word) out_ << (c == L' ' ? L'_' : c);
     }
     const auto kind = static_cast<VariantKind>(value.type());
     if (kind != zo::kindOfCode(value.code())) {
-      out_ += L'(';
-      out_ += zo::kKinds[value.type()].name;
-      out_ += L')';
+      out_ << L'(';
+      out_ << zo::kKinds[value.type()].name;
+      out_ << L')';
     }
   }
   void writeFlags(unsigned int flags) {
     if (flags == 0) return;
-    out_ += L':';
+    out_ << L':';
     for (unsigned int bit = 0; bit < 26; ++bit) {
-      if (flags >> bit & 1) out_ += static_cast<wchar_t>(L'A' + bit);
+      if (flags >> bit & 1) out_ << static_cast<wchar_t>(L'A' + bit);
     }
   }
   [[nodiscard]] std::wstring_view text() const noexcept { return out_.view(); }
@@ -157,7 +117,7 @@ class FormWriter {
         writeQuoted(value.asString().view());
         break;
       default:  // their conversions to text are what stands in text forms too
-        out_ += value.asString().view();
+        out_ << value.asString().view();
         break;
     }
   }
@@ -170,11 +130,11 @@ class FormWriter {
   }
 
   void writeQuoted(std::wstring_view text) {
-    out_ += L'"';
+    out_ << L'"';
     constexpr size_t kPiece = 256;
     for (size_t i = 0; i < text.size(); i += kPiece)
       writePiece(text, i, std::min(i + kPiece, text.size()));
-    out_ += L'"';
+    out_ << L'"';
   }
   void writePiece(std::wstring_view text, size_t from, size_t end) {
     // No character takes more than the six of an escape.
@@ -221,37 +181,37 @@ class FormWriter {
   }
 
   void startLine(unsigned int tabs) {
-    out_ += L'\n';
+    out_ << L'\n';
     writeTabs(tabs);
   }
 
   bool writeSequence(const ZoVariant::Sequence& sequence, unsigned int tabs,
                      unsigned int depthLeft) {
-    out_ += L" [";
+    out_ << L" [";
     for (const ZoVariant& element : sequence) {
       startLine(tabs + 1);
       if (!write(element, tabs + 1, depthLeft)) return false;
     }
     if (!sequence.isEmpty()) startLine(tabs);
-    out_ += L']';
+    out_ << L']';
     return true;
   }
 
   bool writeDict(const ZoVariant::Dict& dict, unsigned int tabs, unsigned int depthLeft) {
     const std::vector<KeyedValue> entries = inOrderOfKeys(dict);
-    out_ += L" {";
+    out_ << L" {";
     for (const KeyedValue& entry : entries) {
       startLine(tabs + 1);
       writeQuoted(entry.key);
-      out_ += L" = ";
+      out_ << L" = ";
       if (!write(*entry.value, tabs + 1, depthLeft)) return false;
     }
     if (!entries.empty()) startLine(tabs);
-    out_ += L'}';
+    out_ << L'}';
     return true;
   }
 
-  GrowingText out_;
+  zo::TextBuffer out_;
 };
 
 // ---- Reading ----
