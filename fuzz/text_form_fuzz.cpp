@@ -24,7 +24,7 @@ struct Builder {
   using Key = std::wstring;
 
   bool head(const FormHead& head) {
-    ZO_FUZZ_CHECK(static_cast<unsigned int>(head.kind) < std::size(kFormKinds));
+    ZO_FUZZ_CHECK(static_cast<unsigned int>(head.kind) < std::size(kKinds));
     return static_cast<unsigned int>(head.code) != 0x1BAD;
   }
   template <class Payload>

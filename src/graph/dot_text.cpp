@@ -1,6 +1,8 @@
 // The graph as text in the dot language.
 #include <zo/graph/dotty_graph.h>
+#include <zo/text/number_text.h>
 
+#include <cstdint>
 #include <ostream>
 
 #include "platform/output_file.h"
@@ -28,28 +30,19 @@ constexpr std::wstring_view kNodeAttributes =
     L"    fontsize=13,\n"
     L"  ];\n\n";
 
-// A number in decimal digits, whatever a stream's locale would make of it.
-class Decimal {
+// The digits of a node's or a cluster's number, whatever a stream's locale would make of it.
+class IndexText {
  public:
-  explicit Decimal(size_t number) noexcept {
-    do {
-      *--first_ = static_cast<wchar_t>(L'0' + number % 10);
-      number /= 10;
-    } while (number != 0);
-  }
-  explicit Decimal(int index) noexcept : Decimal(static_cast<size_t>(index)) {}
-  Decimal(const Decimal&) = delete;
-  Decimal& operator=(const Decimal&) = delete;
+  template <class Index>
+  explicit IndexText(Index index) noexcept
+      : length_(ZoIntToStr(static_cast<std::int64_t>(index), text_)) {}
 
-  // Valid as long as the number.
-  [[nodiscard]] std::wstring_view view() const noexcept {
-    return {first_, static_cast<size_t>(digits_ + kDigits - first_)};
-  }
+  // Valid as long as this object.
+  [[nodiscard]] std::wstring_view view() const noexcept { return {text_, length_}; }
 
  private:
-  static constexpr size_t kDigits = 20;  // of 2^64 - 1
-  wchar_t digits_[kDigits];
-  wchar_t* first_ = digits_ + kDigits;
+  wchar_t text_[ZoNumberTextSize];
+  size_t length_;
 };
 
 template <class Out>
@@ -62,14 +55,14 @@ void writeNotes(Out& out, const std::vector<ZoString>& notes) {
 
 template <class Out>
 void writeNode(Out& out, size_t index, const ZoDottyNode& node) {
-  out << L"  node_" << Decimal(index).view() << L" [" << node.attributes().view() << L"];\n";
+  out << L"  node_" << IndexText(index).view() << L" [" << node.attributes().view() << L"];\n";
 }
 
 template <class Out>
 void writeCluster(Out& out, size_t index, const ZoDottyCluster& cluster) {
-  out << L"  subgraph cluster_" << Decimal(index).view() << L" {\n";
+  out << L"  subgraph cluster_" << IndexText(index).view() << L" {\n";
   out << L"    label=\"" << cluster.label().view() << L"\";\n";
-  for (const int node : cluster.nodes()) out << L" node_" << Decimal(node).view() << L";";
+  for (const int node : cluster.nodes()) out << L" node_" << IndexText(node).view() << L";";
   out << L"\n  }\n\n";
 }
 
@@ -77,8 +70,8 @@ template <class Out>
 void writeLink(Out& out, const ZoDottyLink& link) {
   const std::wstring_view attributes = link.attributes().view();
   const std::wstring_view label = link.label().view();
-  out << L"  node_" << Decimal(link.source()).view() << L" -> node_"
-      << Decimal(link.target()).view();
+  out << L"  node_" << IndexText(link.source()).view() << L" -> node_"
+      << IndexText(link.target()).view();
   if (!attributes.empty() || !label.empty()) {
     out << L" [" << attributes;
     if (!attributes.empty() && !label.empty()) out << L",";
@@ -124,7 +117,7 @@ int ZoDottyGraph::writeGraph(const wchar_t* fileName) const {
 std::wostream& operator<<(std::wostream& out, const ZoDottyGraph& graph) {
   zo::TextBuffer text;
   writeText(text, graph);
-  return out << text.text();
+  return out << text.view();
 }
 
 ZoString ZoDottyGraph::escapedLabel(std::wstring_view text) {

@@ -1,16 +1,15 @@
 #include <zo/graph/dotty_graph.h>
 
+#include <algorithm>
+#include <string>
 #include <utility>
 
-#include "text/text_buffer.h"
-
-namespace {
-
-std::wstring_view viewOf(const wchar_t* text) {
-  return text ? std::wstring_view(text) : std::wstring_view();
+bool ZoDottyCluster::removeNode(int index) noexcept {
+  const auto found = std::find(nodes_.begin(), nodes_.end(), index);
+  if (found == nodes_.end()) return false;
+  nodes_.erase(found);
+  return true;
 }
-
-}  // namespace
 
 int ZoDottyGraph::indexOf(const void* key) const {
   const auto found = index_.find(key);
@@ -29,9 +28,9 @@ void ZoDottyGraph::addNode(const void* key, const wchar_t* attributes) {
 }
 
 void ZoDottyGraph::addNode(const void* key, const wchar_t* label, const wchar_t* color) {
-  zo::TextBuffer attributes;
-  attributes << L"label=\"" << viewOf(label) << L"\",color=" << viewOf(color);
-  addNode(key, attributes.text().c_str());
+  std::wstring attributes(L"label=\"");
+  attributes.append(zo::textOf(label)).append(L"\",color=").append(zo::textOf(color));
+  addNode(key, attributes.c_str());
 }
 
 bool ZoDottyGraph::addLink(const void* from, const void* to, const wchar_t* label,

@@ -16,8 +16,6 @@ bool succeeded(LSTATUS status) noexcept {
   return status == ERROR_SUCCESS;
 }
 
-std::wstring_view viewOf(const wchar_t* text) noexcept { return text ? text : L""; }
-
 // Asks for the name at an index; the buffer holds the longest that there can be.
 template <class Ask>
 bool enumerate(DWORD longest, ZoString& name, Ask ask) {
@@ -39,15 +37,15 @@ bool SECRegistry::Connect(HKEY root) noexcept {
 bool SECRegistry::Open(const wchar_t* path, CreatePermissions access) {
   Close();
   return succeeded(
-      RegOpenKeyExW(root_, zo::withoutEmptyLevels(viewOf(path)).c_str(), 0, access, &m_hKey));
+      RegOpenKeyExW(root_, zo::withoutEmptyLevels(zo::textOf(path)).c_str(), 0, access, &m_hKey));
 }
 
 bool SECRegistry::Create(const wchar_t* path, const wchar_t* className, CreateOptions options,
                          CreatePermissions access) {
   Close();
   // The platform takes a class name that it does not change through a pointer to variable text.
-  std::wstring name(viewOf(className));
-  return succeeded(RegCreateKeyExW(root_, zo::withoutEmptyLevels(viewOf(path)).c_str(), 0,
+  std::wstring name(zo::textOf(className));
+  return succeeded(RegCreateKeyExW(root_, zo::withoutEmptyLevels(zo::textOf(path)).c_str(), 0,
                                    className ? name.data() : nullptr, options, access, nullptr,
                                    &m_hKey, nullptr));
 }
@@ -96,7 +94,7 @@ bool SECRegistry::EnumerateValues(unsigned long index, ZoString& name, KeyValueT
 }
 
 bool SECRegistry::DeleteKey(const wchar_t* path, bool recursive) {
-  const std::wstring key = zo::withoutEmptyLevels(viewOf(path));
+  const std::wstring key = zo::withoutEmptyLevels(zo::textOf(path));
   if (key.empty()) return succeeded(ERROR_INVALID_PARAMETER);
   return succeeded(recursive ? RegDeleteTreeW(root_, key.c_str())
                              : RegDeleteKeyW(root_, key.c_str()));

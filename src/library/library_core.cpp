@@ -7,7 +7,6 @@
 #include "platform/ansi.h"
 #include "platform/system_path.h"
 #include "system/process_locks.h"
-#include "text/case_fold.h"
 
 namespace zo {
 namespace {

@@ -1,6 +1,7 @@
 // ZoFileName: sharing, and forwarding to the implementation.
 #include <zo/names/file_name.h>
 
+#include <algorithm>
 #include <memory>
 #include <ostream>
 #include <utility>
@@ -9,12 +10,47 @@
 #include "names/name_check.h"
 #include "names/name_compare.h"
 #include "names/name_levels.h"
-#include "names/url.h"
 
 namespace {
 
-std::wstring_view viewOf(const wchar_t* text) noexcept {
-  return text ? std::wstring_view(text) : std::wstring_view();
+// ---- What a connection needs of a URL: the rules stand in zo/names/file_name.h ----
+
+constexpr size_t npos = std::wstring_view::npos;
+
+struct UrlParts {
+  static constexpr int kOther = -1;
+  int protocol = kOther;  // 0 ftp, 1 http, 2 gopher
+  std::wstring_view host, path, user, password;
+};
+
+int protocolOf(std::wstring_view name) noexcept {
+  if (zo::beginsWith(name, L"ftp")) return 0;
+  if (zo::beginsWith(name, L"http")) return 1;
+  return zo::beginsWith(name, L"gopher") ? 2 : UrlParts::kOther;
+}
+
+// name is the whole name of a URL: two delimiters follow its first colon. Any other text is safe,
+// and gives some stretches of it.
+UrlParts splitUrl(std::wstring_view name) noexcept {
+  UrlParts url;
+  url.protocol = protocolOf(name);
+  const size_t colon = name.find(L':');
+  if (colon == npos) return url;
+  const std::wstring_view rest = name.substr(std::min(colon + 3, name.size()));
+  const size_t slash = std::min(rest.find(L'/'), rest.size());
+  url.path = rest.substr(slash);
+  url.host = rest.substr(0, slash);
+
+  const size_t second = url.host.find(L':');
+  if (second == npos) return url;
+  url.user = url.host.substr(0, second);
+  const size_t at = url.host.find(L'@', second);
+  // A port without a user: the host is taken for the user and keeps its port. Not to be mended.
+  if (at == npos) return url;
+  url.password = url.host.substr(second + 1, at - second - 1);
+  url.host = url.host.substr(at + 1);
+  url.host = url.host.substr(0, url.host.find(L':', 1));
+  return url;
 }
 
 }  // namespace
@@ -22,7 +58,7 @@ std::wstring_view viewOf(const wchar_t* text) noexcept {
 // ---- Sharing ----
 
 ZoFileName::ZoFileName() : imp_(new ZoFileNameImp) {}
-ZoFileName::ZoFileName(const wchar_t* text) : ZoFileName(viewOf(text)) {}
+ZoFileName::ZoFileName(const wchar_t* text) : ZoFileName(zo::textOf(text)) {}
 ZoFileName::ZoFileName(const ZoString& text) : ZoFileName(text.view()) {}
 ZoFileName::ZoFileName(std::wstring_view text) : imp_(new ZoFileNameImp(text)) {}
 
@@ -45,7 +81,7 @@ ZoFileName& ZoFileName::operator=(ZoFileName&& other) noexcept {
   return *this;
 }
 
-ZoFileName& ZoFileName::operator=(const wchar_t* text) { return *this = viewOf(text); }
+ZoFileName& ZoFileName::operator=(const wchar_t* text) { return *this = zo::textOf(text); }
 ZoFileName& ZoFileName::operator=(const ZoString& text) { return *this = text.view(); }
 
 ZoFileName& ZoFileName::operator=(std::wstring_view text) {
@@ -71,7 +107,7 @@ int ZoFileName::setFullName(const wchar_t* text, bool ownDelimiters, bool asDire
                             bool wildcards, bool anyDrive) {
   const zo::NameOptions options = {
       .ownDelimiters = ownDelimiters, .wildcards = wildcards, .anyDrive = anyDrive};
-  return own().parse(viewOf(text), options, asDirectory);
+  return own().parse(zo::textOf(text), options, asDirectory);
 }
 
 int ZoFileName::empty() { return own().empty(); }
@@ -165,8 +201,8 @@ int ZoFileName::parseURL(int& protocol, ZoString& host, ZoString& path, ZoString
                          ZoString& password) const {
   if (!isURL()) return ZoResult::refused;
   const ZoString whole = imp_->fullName();  // stays, should a result be this name's own text
-  const zo::UrlParts url = zo::splitUrl(whole.view());
-  if (url.protocol != zo::UrlParts::kOther) protocol = url.protocol;
+  const UrlParts url = splitUrl(whole.view());
+  if (url.protocol != UrlParts::kOther) protocol = url.protocol;
   host = url.host;
   path = url.path;
   user = url.user;

@@ -6,15 +6,12 @@
 #include "names/name_check.h"
 #include "names/name_compare.h"
 #include "names/name_levels.h"
+#include "text/code_units.h"
 
 using zo::NameKind;
 using zo::NameParts;
 
 namespace {
-
-std::wstring_view viewOf(const wchar_t* text) noexcept {
-  return text ? std::wstring_view(text) : std::wstring_view();
-}
 
 bool holdsDelimiter(std::wstring_view text) noexcept {
   return text.find_first_of(L"\\/") != std::wstring_view::npos;
@@ -82,36 +79,36 @@ int ZoFileNameImp::recompose(const Pieces& pieces) {
 
 int ZoFileNameImp::setDrive(const wchar_t* text) {
   Pieces changed = pieces();
-  if (!changed.putDrive(viewOf(text), state_.options.anyDrive)) return ZoResult::nameInvalid;
+  if (!changed.putDrive(zo::textOf(text), state_.options.anyDrive)) return ZoResult::nameInvalid;
   if (!changed.drive.empty()) changed.directory.erase(0, state_.volumePrefixLength);
   return recompose(changed);
 }
 
 int ZoFileNameImp::setDirectory(const wchar_t* text) {
-  if (!mayBeDirectory(viewOf(text))) return ZoResult::nameInvalid;
+  if (!mayBeDirectory(zo::textOf(text))) return ZoResult::nameInvalid;
   Pieces changed = pieces();
-  changed.putDirectory(viewOf(text), state_.delimiter);
+  changed.putDirectory(zo::textOf(text), state_.delimiter);
   return recompose(changed);
 }
 
 int ZoFileNameImp::setFileName(const wchar_t* text) {
-  if (!mayBeFileName(viewOf(text), parts().kind, state_.options.wildcards)) {
+  if (!mayBeFileName(zo::textOf(text), parts().kind, state_.options.wildcards)) {
     return ZoResult::nameInvalid;
   }
   Pieces changed = pieces();
-  changed.fileName = viewOf(text);
+  changed.fileName = zo::textOf(text);
   return recompose(changed);
 }
 
 int ZoFileNameImp::setExtension(const wchar_t* text) {
-  if (!mayBeExtension(viewOf(text), state_.options.wildcards)) return ZoResult::nameInvalid;
+  if (!mayBeExtension(zo::textOf(text), state_.options.wildcards)) return ZoResult::nameInvalid;
   Pieces changed = pieces();
-  changed.putExtension(viewOf(text));
+  changed.putExtension(zo::textOf(text));
   return recompose(changed);
 }
 
 int ZoFileNameImp::setFileNameExt(const wchar_t* text) {
-  const std::wstring_view both = viewOf(text);
+  const std::wstring_view both = zo::textOf(text);
   const size_t dot = std::min(both.rfind(L'.'), both.size());
   const bool wildcards = state_.options.wildcards;
   if (!mayBeFileName(both.substr(0, dot), parts().kind, wildcards) ||
@@ -128,17 +125,17 @@ int ZoFileNameImp::makePath(const wchar_t* drive, const wchar_t* directory, cons
                             const wchar_t* extension) {
   const bool wildcards = state_.options.wildcards;
   // Of all forms only a URL has a colon in its directory, and may have one in its file name.
-  const std::wstring_view levels = viewOf(directory);
+  const std::wstring_view levels = zo::textOf(directory);
   const bool isURL = levels.find(L':') != std::wstring_view::npos;
   Pieces made;
-  if (!made.putDrive(viewOf(drive), state_.options.anyDrive) || !mayBeDirectory(levels) ||
-      !mayBeFileName(viewOf(fileName), isURL ? NameKind::Url : NameKind::Plain, wildcards) ||
-      !mayBeExtension(viewOf(extension), wildcards)) {
+  if (!made.putDrive(zo::textOf(drive), state_.options.anyDrive) || !mayBeDirectory(levels) ||
+      !mayBeFileName(zo::textOf(fileName), isURL ? NameKind::Url : NameKind::Plain, wildcards) ||
+      !mayBeExtension(zo::textOf(extension), wildcards)) {
     return ZoResult::nameInvalid;
   }
   made.putDirectory(levels, isURL ? L'/' : L'\\');
-  made.fileName = viewOf(fileName);
-  made.putExtension(viewOf(extension));
+  made.fileName = zo::textOf(fileName);
+  made.putExtension(zo::textOf(extension));
   return recompose(made);
 }
 
@@ -171,7 +168,7 @@ int ZoFileNameImp::toUpper() {
 // ---- Directory levels ----
 
 int ZoFileNameImp::appendDirectory(const wchar_t* text) {
-  std::wstring_view level = viewOf(text);
+  std::wstring_view level = zo::textOf(text);
   level = zo::withoutFinalDelimiters(level);
   while (!level.empty() && zo::isDelimiter(level.front())) level.remove_prefix(1);
   if (level.empty()) return ZoResult::refused;
@@ -220,12 +217,12 @@ bool beginsWithLevels(std::wstring_view path, std::wstring_view value) {
 }  // namespace
 
 int ZoFileNameImp::setMacro(const wchar_t* macro, const wchar_t* value) {
-  const std::wstring_view name = viewOf(macro);
+  const std::wstring_view name = zo::textOf(macro);
   if (name.empty()) return ZoResult::refused;
   if (name.find(L'\'') != std::wstring_view::npos) return ZoResult::nameInvalid;
   std::wstring_view below = path();
   if (state_.macro.isEmpty()) {
-    const std::wstring_view folder = zo::withoutFinalDelimiters(viewOf(value));
+    const std::wstring_view folder = zo::withoutFinalDelimiters(zo::textOf(value));
     if (beginsWithLevels(below, folder)) {
       below = below.substr(folder.size());
     } else if (parts().kind != NameKind::Plain) {

@@ -10,6 +10,7 @@
 #include "names/name_compare.h"
 #include "names/name_levels.h"
 #include "platform/ansi.h"
+#include "text/code_units.h"
 
 using zo::NameKind;
 using zo::NameParts;
@@ -151,14 +152,11 @@ bool ZoFileNameImp::isValid(const wchar_t* text) const {
 }
 
 bool ZoFileNameImp::isAnsi() const noexcept {
-  const std::wstring_view text = fullName().view();
-  const auto isSurrogate = [&](size_t i, wchar_t first) {
-    return i < text.size() && (text[i] & 0xFC00) == first;
-  };
-  for (size_t i = 0; i < text.size();) {
-    const size_t units = isSurrogate(i, 0xD800) && isSurrogate(i + 1, 0xDC00) ? 2 : 1;
-    if (text[i] >= 0x80 && !zo::fitsCodePage(text.substr(i, units))) return false;
-    i += units;
+  std::wstring_view text = fullName().view();
+  while (!text.empty()) {
+    const std::wstring_view character = zo::firstCharacter(text);
+    if (character[0] >= 0x80 && !zo::fitsCodePage(character)) return false;
+    text.remove_prefix(character.size());
   }
   return true;
 }

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+#include "text/code_units.h"
+
 namespace zo {
 namespace {
 
@@ -40,7 +42,7 @@ std::wstring_view testedDirectory(const NameParts& name) noexcept {
 
 bool isScheme(std::wstring_view text) noexcept {
   return !text.empty() && isLetter(text[0]) && std::all_of(text.begin(), text.end(), [](wchar_t c) {
-    return isLetter(c) || (c >= L'0' && c <= L'9') || c == L'+' || c == L'-' || c == L'.';
+    return isLetter(c) || isDigit(c) || c == L'+' || c == L'-' || c == L'.';
   });
 }
 

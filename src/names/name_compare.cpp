@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "text/case_fold.h"
-#include "text/code_units.h"
+#include "text/eight_units.h"
+#include "text/letter_case.h"
 
 namespace zo {
 namespace {
@@ -23,7 +23,7 @@ size_t firstDifference(const wchar_t* a, const wchar_t* b, size_t n) noexcept {
     }
     const size_t end = std::min(i + kLane, n);
     for (; i < end; ++i) {
-      if (a[i] != b[i] && lowerFold(a[i]) != lowerFold(b[i])) return i;
+      if (a[i] != b[i] && lowerCase(a[i]) != lowerCase(b[i])) return i;
     }
   }
   return n;
@@ -55,13 +55,13 @@ bool equalOfSize(const wchar_t* a, const wchar_t* b, size_t size) noexcept {
 int orderNames(std::wstring_view a, std::wstring_view b) noexcept {
   const size_t common = std::min(a.size(), b.size());
   const size_t at = a.data() == b.data() ? common : firstDifference(a.data(), b.data(), common);
-  if (at < common) return lowerFold(a[at]) < lowerFold(b[at]) ? -1 : 1;
+  if (at < common) return lowerCase(a[at]) < lowerCase(b[at]) ? -1 : 1;
   return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
 }
 
 std::size_t hashName(std::wstring_view name) noexcept {
   std::uint64_t h = 0xCBF29CE484222325;  // FNV-1a, a unit at a time
-  for (const wchar_t c : name) h = (h ^ lowerFold(c)) * 0x100000001B3;
+  for (const wchar_t c : name) h = (h ^ lowerCase(c)) * 0x100000001B3;
   return static_cast<std::size_t>(h ^ (h >> 32));
 }
 

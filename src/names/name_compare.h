@@ -1,4 +1,4 @@
-// How file names compare: unit by unit after lowerFold, so ignoring case, in every locale alike.
+// How file names compare: unit by unit after lowerCase, so ignoring case, in every locale alike.
 #pragma once
 
 #include <cstddef>

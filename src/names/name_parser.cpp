@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "names/name_check.h"
+#include "text/code_units.h"
 
 namespace zo {
 namespace {
@@ -121,7 +122,7 @@ NameParts parseMacro(std::wstring_view text, const NameOptions& options, bool as
 bool beginsWith(std::wstring_view text, std::wstring_view lowerPrefix) noexcept {
   if (text.size() < lowerPrefix.size()) return false;
   for (size_t i = 0; i < lowerPrefix.size(); ++i) {
-    const wchar_t c = isLetter(text[i]) ? static_cast<wchar_t>(text[i] | 0x20) : text[i];
+    const wchar_t c = lowerAscii(text[i]);
     if (c != lowerPrefix[i]) return false;
   }
   return true;

@@ -40,9 +40,6 @@ struct NameParts {
 };
 
 [[nodiscard]] constexpr bool isDelimiter(wchar_t c) noexcept { return c == L'\\' || c == L'/'; }
-[[nodiscard]] constexpr bool isLetter(wchar_t c) noexcept {
-  return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z');
-}
 // Whether text begins with a prefix of lower-case letters and signs, in any case of its letters.
 [[nodiscard]] bool beginsWith(std::wstring_view text, std::wstring_view lowerPrefix) noexcept;
 [[nodiscard]] constexpr wchar_t delimiterOf(NameKind kind) noexcept {

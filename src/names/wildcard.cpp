@@ -1,6 +1,6 @@
 #include "names/wildcard.h"
 
-#include "text/case_fold.h"
+#include "text/letter_case.h"
 
 namespace zo {
 namespace {
@@ -15,7 +15,7 @@ bool fits(std::wstring_view name, std::wstring_view pattern) noexcept {
       star = p++;
       taken = n;
     } else if (p < pattern.size() &&
-               (pattern[p] == L'?' || lowerFold(pattern[p]) == lowerFold(name[n]))) {
+               (pattern[p] == L'?' || lowerCase(pattern[p]) == lowerCase(name[n]))) {
       ++p;
       ++n;
     } else if (star != npos) {

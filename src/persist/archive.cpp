@@ -1,10 +1,39 @@
 #include <zo/persist/archive.h>
 #include <zo/system/exception.h>
 
-#include "persist/lent_variant.h"
 #include "persist/variant_layout.h"
 
 namespace zo {
+
+// A container as the variant that holds it, without a copy: it stays its owner's.
+class LentVariant {
+ public:
+  explicit LentVariant(const ZoVariant::Dict& dict) {
+    if (!dynamic_cast<const ZoHashDict<ZoVariant, ZoString>*>(&dict)) {
+      variant_ = ZoVariant(dict);  // of a type that no variant has
+      return;
+    }
+    variant_.payload_.dict = const_cast<ZoVariant::Dict*>(&dict);
+    variant_.become(ZoVariant::kDict, ZoTypeCode::Dict, 0);
+    isLent_ = true;
+  }
+  explicit LentVariant(const ZoVariant::Sequence& sequence) {
+    variant_.payload_.sequence = const_cast<ZoVariant::Sequence*>(&sequence);
+    variant_.become(ZoVariant::kSequence, ZoTypeCode::Sequence, 0);
+    isLent_ = true;
+  }
+  LentVariant(const LentVariant&) = delete;
+  LentVariant& operator=(const LentVariant&) = delete;
+  ~LentVariant() {
+    if (isLent_) variant_.become(ZoVariant::kEmpty, ZoTypeCode::NoType, 0);
+  }
+
+  [[nodiscard]] const ZoVariant& get() const noexcept { return variant_; }
+
+ private:
+  ZoVariant variant_;
+  bool isLent_ = false;
+};
 
 ReadState& readState() noexcept {
   static thread_local ReadState state;
@@ -23,9 +52,6 @@ bool ArchiveAccess<ZoArchive>::enter(const ZoArchive&) {
 
 void beginElement() noexcept { readState().cameShort = false; }
 bool isElementShort() noexcept { return readState().cameShort; }
-void checkAdded(int code) {
-  if (code == ZoResult::outOfMemory) throw std::bad_alloc();
-}
 
 namespace {
 
@@ -177,7 +203,7 @@ ZoArchive& operator>>(ZoArchive& archive, ZoDict<ZoVariant, ZoString>& dict) {
   dict.removeAll(true);
   if (!read.asDict()) return archive;
   for (auto [key, value] : *read.asDict())
-    zo::checkAdded(dict.insertAt(ZoString(key), std::move(value)));
+    zo::throwIfNoMemory(dict.insertAt(ZoString(key), std::move(value)));
   return archive;
 }
 
@@ -186,6 +212,7 @@ ZoArchive& operator>>(ZoArchive& archive, ZoSequence<ZoVariant>& sequence) {
   archive.read(read);
   sequence.removeAll(true);
   if (!read.asSequence()) return archive;
-  for (ZoVariant& element : *read.asSequence()) zo::checkAdded(sequence.append(std::move(element)));
+  for (ZoVariant& element : *read.asSequence())
+    zo::throwIfNoMemory(sequence.append(std::move(element)));
   return archive;
 }

@@ -17,6 +17,8 @@
 #include <cstdint>
 #include <string>
 
+#include "variant/kinds.h"
+
 namespace zo {
 
 // What the layout asks of an archive beside its own functions; specialised for each that reads:
@@ -211,20 +213,6 @@ struct VariantHead {
   unsigned int typeWord = 0;
 };
 
-// The kinds. Do not change: part of the format.
-enum class StoredKind : unsigned int {
-  Int = 1,
-  BigInt,
-  Real,
-  String,
-  Pointer,
-  Point,
-  Vector,
-  Dict,
-  Sequence,
-  Guid
-};
-
 template <class Payload, class Archive, class Builder, class Value>
 void readPayload(Archive& archive, Builder& builder, Value& value, const VariantHead& head) {
   Payload payload{};
@@ -248,27 +236,27 @@ void readVariant(Archive& archive, Builder& builder, Value& value, bool shortPoi
   VariantHead head;
   archive.read(head.code);
   archive.read(head.typeWord);
-  const auto kind = static_cast<StoredKind>(head.typeWord & kKindBits);
+  const auto kind = static_cast<VariantKind>(head.typeWord & kKindBits);
   switch (kind) {
-    case StoredKind::Int:
+    case VariantKind::Int:
       return readPayload<int>(archive, builder, value, head);
-    case StoredKind::BigInt:
+    case VariantKind::BigInt:
       return readPayload<std::int64_t>(archive, builder, value, head);
-    case StoredKind::Real:
+    case VariantKind::Real:
       return readPayload<double>(archive, builder, value, head);
-    case StoredKind::String:
+    case VariantKind::String:
       return builder.readText(value, head, archive);
-    case StoredKind::Pointer:
+    case VariantKind::Pointer:
       if (shortPointers) return readPayload<unsigned int>(archive, builder, value, head);
       return readPayload<std::uint64_t>(archive, builder, value, head);
-    case StoredKind::Point:
+    case VariantKind::Point:
       return readPayload<ZoPoint>(archive, builder, value, head);
-    case StoredKind::Vector:
+    case VariantKind::Vector:
       return readPayload<ZoVector>(archive, builder, value, head);
-    case StoredKind::Guid:
+    case VariantKind::Guid:
       return builder.readGuid(value, head, archive);
-    case StoredKind::Dict:
-    case StoredKind::Sequence:
+    case VariantKind::Dict:
+    case VariantKind::Sequence:
       break;
     default:
       return builder.makeEmpty(value, head);
@@ -278,7 +266,7 @@ void readVariant(Archive& archive, Builder& builder, Value& value, bool shortPoi
   if (!deeper) return;
   unsigned int entries = 0;
   for (archive.read(entries); entries > 0; --entries) {
-    if (kind == StoredKind::Dict) {
+    if (kind == VariantKind::Dict) {
       builder.readEntry(value, archive);
     } else {
       builder.readElement(value, archive);

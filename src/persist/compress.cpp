@@ -6,9 +6,24 @@
 #include <cstring>
 #include <new>
 
-#include "persist/compress_imp.h"
 #include "persist/file_streams.h"
 #include "persist/part_source.h"
+
+// What the handle holds.
+class ZoCompressImp {
+ public:
+  explicit ZoCompressImp(ZoZip::compressMode mode) noexcept : mode_(mode) {}
+
+  int setMode(ZoZip::compressMode mode) noexcept;
+  [[nodiscard]] bool compressFast() const noexcept { return mode_ == ZoZip::fast; }
+  int operator()(const char* in, char*& out, unsigned int& outSize) const noexcept;
+  int operator()(ZoFile& in, ZoFile& out) const noexcept;
+
+ private:
+  ZoZip::compressMode mode_;
+};
+
+static_assert(sizeof(ZoCompressImp) == 4);
 
 // ---- The handle ----
 

@@ -8,6 +8,7 @@
 #include <span>
 
 #include "persist/variant_layout.h"
+#include "text/code_units.h"
 
 namespace {
 
@@ -157,9 +158,9 @@ void ZoDumpArchive::writeBin(const void* data, unsigned int size, const wchar_t*
   Entry entry(name, L"Hex");
   entry << L" ";
   const auto* const bytes = static_cast<const unsigned char*>(data);
-  constexpr std::wstring_view kDigits = L"0123456789ABCDEF";
   for (unsigned int i = 0; i < size && i < 512; ++i) {
-    entry << kDigits.substr(bytes[i] >> 4, 1) << kDigits.substr(bytes[i] & 0xF, 1);
+    wchar_t digits[2];
+    entry << std::wstring_view(digits, zo::writeHex(digits, bytes[i], 2));
   }
   entry.sendTo(*this);
 }

@@ -3,8 +3,15 @@
 
 #include <new>
 
-#include "persist/explode_imp.h"
 #include "persist/file_streams.h"
+
+// What the handle holds: nothing but its operations.
+class ZoExplodeImp {
+ public:
+  int operator()(const char* in, unsigned int inSize, char*& out,
+                 unsigned int& outSize) const noexcept;
+  int operator()(ZoFile& in, ZoFile& out) const noexcept;
+};
 
 // ---- The handle ----
 

@@ -4,6 +4,9 @@
 // stored word is compared with the register as it stands and with its inversion.
 #pragma once
 
+#include <zo/persist/zip.h>
+#include <zo/results.h>
+
 #include <cstdint>
 
 #include "bytes/byte_stream.h"
@@ -30,7 +33,16 @@ class LegacyReader {
 
   // After the end: 0, 1000 for a check value that does not match, 1 for a body that breaks the
   // format. A body whose end code is missing has delivered all bytes when the check value says so.
-  [[nodiscard]] int result() const noexcept;
+  [[nodiscard]] int result() const noexcept {
+    switch (decoder_.state()) {
+      case ImplodeDecoder::State::complete:
+        return checkHolds() ? ZoResult::ok : ZoZip::checkMismatch;
+      case ImplodeDecoder::State::cut:
+        return checkHolds() ? ZoResult::ok : ZoResult::refused;
+      default:
+        return ZoResult::refused;
+    }
+  }
 
  private:
   ImplodeDecoder decoder_;

@@ -10,7 +10,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "text/code_units.h"
+#include "text/eight_units.h"
 
 namespace zo {
 

@@ -3,7 +3,6 @@
 
 #include <zo/variant/variant.h>
 
-#include <new>
 #include <string_view>
 #include <utility>
 
@@ -11,7 +10,7 @@
 
 namespace zo {
 
-static_assert(ZoVariant::kGuid == static_cast<unsigned int>(StoredKind::Guid));
+static_assert(ZoVariant::kGuid == static_cast<unsigned int>(VariantKind::Guid));
 
 inline bool isContainer(const ZoVariant& value) noexcept {
   return value.isTypeOf(ZoVariant::kDict) || value.isTypeOf(ZoVariant::kSequence);
@@ -149,7 +148,7 @@ struct VariantBuilder {
     ZoVariant element;
     archive.read(element);
     if (ArchiveAccess<Archive>::cameShort(archive)) return;
-    check(list.asSequence()->append(std::move(element)));
+    throwIfNoMemory(list.asSequence()->append(std::move(element)));
   }
   template <class Archive>
   static void readEntry(ZoVariant& dict, Archive& archive) {
@@ -158,13 +157,8 @@ struct VariantBuilder {
     readKey(archive, key);
     archive.read(value);
     if (ArchiveAccess<Archive>::cameShort(archive)) return;
-    check(dict.asDict()->insertAt(std::move(key), std::move(value)));
-  }
-
- private:
-  // A key that is there already refuses the second value.
-  static void check(int status) {
-    if (status == ZoResult::outOfMemory) throw std::bad_alloc();
+    // A key that is there already refuses the second value.
+    throwIfNoMemory(dict.asDict()->insertAt(std::move(key), std::move(value)));
   }
 };
 

@@ -26,7 +26,8 @@ class SystemPath {
 };
 
 // What a call of the platform writes whose result is a count of characters: asked with the size of
-// a buffer and the buffer, it gives what it wrote, or the size it needs, or 0 for a failure.
+// a buffer and the buffer, it gives what it wrote, or a size that is not smaller (the one it needs,
+// or the one it was given), or 0 for a failure.
 // Nothing comes of a failure, and GetLastError() is then as the call left it.
 template <class Call>
 std::wstring textOf(Call call) {
@@ -38,7 +39,8 @@ std::wstring textOf(Call call) {
       text.resize(count);
       return text;
     }
-    text.resize(count + 1);
+    // No larger than needed: some calls keep sizes in 16 bits.
+    text.resize(count > size ? count : 2 * size);
   }
 }
 

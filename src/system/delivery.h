@@ -48,7 +48,7 @@ class Delivery {
 
   // An entry is about to leave its list: no delivery may stand on it.
   template <class Reactor>
-  static void leave(Delivery* innermost, ListIterator<Reactor*> entry) noexcept {
+  static void leave(Delivery* innermost, ListRangeIterator<Reactor*> entry) noexcept {
     for (Delivery* delivery = innermost; delivery; delivery = delivery->outer_)
       if (delivery->told<Reactor>() == entry) --delivery->told<Reactor>();
   }
@@ -62,7 +62,7 @@ class Delivery {
   // Where the walk over the reactors of a kind stands: on the one told last; at the end before the
   // first.
   template <class Reactor>
-  ListIterator<Reactor*>& told() noexcept {
+  ListRangeIterator<Reactor*>& told() noexcept {
     if constexpr (std::is_same_v<Reactor, ZoSystemReactor>)
       return toldSystem_;
     else
@@ -70,7 +70,7 @@ class Delivery {
   }
   template <class Reactor>
   bool advance(ZoList<Reactor*>& reactors) noexcept {
-    ListIterator<Reactor*>& entry = told<Reactor>();
+    ListRangeIterator<Reactor*>& entry = told<Reactor>();
     const bool before = entry == reactors.end();
     entry = before ? reactors.begin() : std::next(entry);
     return entry != reactors.end();
@@ -78,8 +78,8 @@ class Delivery {
 
   ZoStdSysDisp* dispatcher_;  // null when the guard was not obtained, or the dispatcher has ended
   Delivery* outer_ = nullptr;
-  ListIterator<ZoSystemReactor*> toldSystem_;
-  ListIterator<ZoCustomReactor*> toldCustom_;
+  ListRangeIterator<ZoSystemReactor*> toldSystem_;
+  ListRangeIterator<ZoCustomReactor*> toldCustom_;
   FirstFailure failure_;
 };
 

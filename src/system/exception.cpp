@@ -8,8 +8,19 @@
 #include <new>
 #include <string_view>
 
-#include "platform/constant_memory.h"
 #include "system/service_or_null.h"
+
+namespace {
+
+// Whether the memory is part of a loaded module and cannot be written to: a literal lies there, and
+// stays as long as its module.
+bool isConstantMemory(const void* memory) noexcept {
+  MEMORY_BASIC_INFORMATION region;
+  if (VirtualQuery(memory, &region, sizeof region) == 0 || region.Type != MEM_IMAGE) return false;
+  return region.Protect == PAGE_READONLY || region.Protect == PAGE_EXECUTE_READ;
+}
+
+}  // namespace
 
 ZoComException::~ZoComException() = default;
 
@@ -39,7 +50,7 @@ std::shared_ptr<const wchar_t[]> ZoComException::keepTexts() noexcept {
   const wchar_t** const texts[] = {&fileName_, &funcName_, &text_};
   std::size_t size = 0;
   for (int i = 0; i < 3; ++i) {
-    if (!*texts[i] || zo::isConstantMemory(*texts[i])) continue;
+    if (!*texts[i] || isConstantMemory(*texts[i])) continue;
     kept[i] = *texts[i];
     size += kept[i].size() + 1;
   }

@@ -9,6 +9,8 @@
 #include <zo/results.h>
 #include <zo/system/sys_obj.h>
 
+#include <cwchar>
+
 namespace zo {
 
 template <auto wait, auto done>
@@ -36,7 +38,9 @@ using Reading = ServiceScope<&ZoSysObj::waitToRead, static_cast<Done>(&ZoSysObj:
 using Writing = ServiceScope<&ZoSysObj::waitToWrite, static_cast<Done>(&ZoSysObj::doneWriting)>;
 
 // Whether a released module is this library, "zo_com" in any case. Null is not.
-[[nodiscard]] bool isThisLibrary(const wchar_t* module) noexcept;
+[[nodiscard]] inline bool isThisLibrary(const wchar_t* module) noexcept {
+  return module && _wcsicmp(module, L"zo_com") == 0;
+}
 
 // How the standard services answer release(module): one of this library goes with the library.
 template <class Service>

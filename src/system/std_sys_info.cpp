@@ -4,33 +4,28 @@
 #include <zo/results.h>
 #include <zo/system/dll_version.h>
 #include <zo/system/sys_info.h>
+#include <zo/version.h>
 
 #include <bit>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/system_path.h"
 #include "system/service_scope.h"
 
 namespace {
 
-// Fills a text by a call that takes a buffer and its size and answers the text's length, or, when
-// it does not fit, a size that is not smaller than the one given; 0 is a failure unless mayBeEmpty.
+// Fills a text by a call as zo::textOf makes it; an empty text is a failure unless mayBeEmpty.
 template <class Call>
 int fill(ZoString& text, Call call, bool mayBeEmpty = false) {
-  std::wstring buffer(MAX_PATH, L'\0');
-  for (;;) {
-    const auto size = static_cast<DWORD>(buffer.size());
+  const std::wstring found = zo::textOf([call](DWORD size, wchar_t* buffer) {
     SetLastError(ERROR_SUCCESS);
-    const DWORD length = call(buffer.data(), size);
-    if (length == 0 && !(mayBeEmpty && GetLastError() == ERROR_SUCCESS)) return ZoResult::refused;
-    if (length < size) {
-      text = std::wstring_view(buffer.data(), length);
-      return ZoResult::ok;
-    }
-    // No larger than needed: some calls keep sizes in 16 bits.
-    buffer.resize(length > size ? size_t{length} : size_t{2} * size);
-  }
+    return call(buffer, size);
+  });
+  if (found.empty() && !(mayBeEmpty && GetLastError() == ERROR_SUCCESS)) return ZoResult::refused;
+  text = std::wstring_view(found);
+  return ZoResult::ok;
 }
 
 // For calls that answer a BOOL and put the size into a variable.
@@ -110,6 +105,8 @@ int findFolder(ZoSysInfo::Folder which, ZoString& path) {
 }
 
 }  // namespace
+
+const char* zoComVersion() noexcept { return ZO_COM_VERSION; }
 
 int ZoStdSysInfo::release(const wchar_t* module) { return zo::releaseWithLibrary(this, module); }
 

@@ -4,17 +4,16 @@
 #include <string_view>
 
 #include "platform/ansi.h"
+#include "text/code_units.h"
 
 namespace {
 
 constexpr std::wstring_view kPrefix = L"\\U+";
 constexpr unsigned int kEscapeLength = 7;
-constexpr std::wstring_view kDigits = L"0123456789ABCDEF";
 
 wchar_t* writeEscape(wchar_t unit, wchar_t* out) noexcept {
   out = std::copy(kPrefix.begin(), kPrefix.end(), out);
-  for (int shift = 12; shift >= 0; shift -= 4) *out++ = kDigits[(unit >> shift) & 0xF];
-  return out;
+  return zo::writeHex(out, unit, 4);
 }
 
 // Reads one escape; false when text does not start with one.
@@ -22,16 +21,12 @@ bool readEscape(std::wstring_view text, wchar_t& unit) noexcept {
   if (text.size() < kEscapeLength || !text.starts_with(kPrefix)) return false;
   unsigned int value = 0;
   for (const wchar_t c : text.substr(kPrefix.size(), 4)) {
-    const size_t digit = kDigits.find(c);
+    const size_t digit = zo::kHexDigits.find(c);
     if (digit == std::wstring_view::npos) return false;
     value = value * 16 + static_cast<unsigned int>(digit);
   }
   unit = static_cast<wchar_t>(value);
   return true;
-}
-
-bool isPair(std::wstring_view text) noexcept {
-  return text.size() >= 2 && (text[0] & 0xFC00) == 0xD800 && (text[1] & 0xFC00) == 0xDC00;
 }
 
 }  // namespace
@@ -40,7 +35,7 @@ unsigned int TvCharFormatter::wcharNonNativeToCIF(const wchar_t* text, unsigned 
                                                   wchar_t* out) {
   const wchar_t* const begin = out;
   for (std::wstring_view rest(text, length); !rest.empty();) {
-    const std::wstring_view character = rest.substr(0, isPair(rest) ? 2 : 1);
+    const std::wstring_view character = zo::firstCharacter(rest);
     if (character[0] < 0x80 || zo::fitsCodePage(character)) {
       out = std::copy(character.begin(), character.end(), out);
     } else {

@@ -1,65 +1,56 @@
-// Eight UTF-16 units at a time: the vector steps that searching, comparing and hashing share.
-//
-// ASCII case is folded here; what is not ASCII is left to the caller. SSE2 is part of every 64-bit
-// x86 processor.
+// UTF-16 units one at a time: the classes, case and digits of ASCII, and the halves of pairs. No
+// locale is asked.
 #pragma once
 
-#include <emmintrin.h>
-
 #include <cstddef>
-#include <cstring>
-#include <cwchar>
-#include <cwctype>
+#include <cstdint>
+#include <string_view>
 
 namespace zo {
 
-inline constexpr size_t kLane = 8;  // units in one vector
-
-inline __m128i load8(const wchar_t* at) noexcept {
-  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+[[nodiscard]] constexpr bool isDigit(wchar_t c) noexcept { return c >= L'0' && c <= L'9'; }
+[[nodiscard]] constexpr bool isLetter(wchar_t c) noexcept {
+  return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z');
 }
-inline __m128i fill8(wchar_t c) noexcept { return _mm_set1_epi16(static_cast<short>(c)); }
-
-// 0xFFFF where low <= unit <= high, compared as unsigned numbers.
-inline __m128i between8(__m128i v, wchar_t low, wchar_t high) noexcept {
-  const __m128i outside =
-      _mm_or_si128(_mm_subs_epu16(fill8(low), v), _mm_subs_epu16(v, fill8(high)));
-  return _mm_cmpeq_epi16(outside, _mm_setzero_si128());
-}
-inline __m128i lowerAscii8(__m128i v) noexcept {
-  return _mm_or_si128(v, _mm_and_si128(between8(v, L'A', L'Z'), fill8(0x20)));
-}
-inline __m128i upperAscii8(__m128i v) noexcept {
-  return _mm_andnot_si128(_mm_and_si128(between8(v, L'a', L'z'), fill8(0x20)), v);
-}
-inline unsigned int mask8(__m128i v) noexcept {
-  return static_cast<unsigned int>(_mm_movemask_epi8(v));
+[[nodiscard]] constexpr bool isWhite(wchar_t c) noexcept {
+  return c == L' ' || (c >= L'\t' && c <= L'\r');
 }
 
-inline wchar_t lowerAscii(wchar_t c) noexcept {
+[[nodiscard]] constexpr wchar_t lowerAscii(wchar_t c) noexcept {
   return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c | 0x20) : c;
 }
-inline wchar_t upperAscii(wchar_t c) noexcept {
+[[nodiscard]] constexpr wchar_t upperAscii(wchar_t c) noexcept {
   return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c & ~0x20) : c;
 }
-// How searching folds: the runtime is asked only about what is not ASCII.
-inline wchar_t foldForSearch(wchar_t c) noexcept {
-  return c < 0x80 ? lowerAscii(c) : static_cast<wchar_t>(std::towlower(c));
+
+// ---- Hexadecimal digits ----
+
+inline constexpr std::wstring_view kHexDigits = L"0123456789ABCDEF";
+
+// The value of a digit in either case; 16 for any other unit.
+[[nodiscard]] constexpr unsigned int hexDigit(wchar_t c) noexcept {
+  if (isDigit(c)) return static_cast<unsigned int>(c - L'0');
+  const wchar_t upper = upperAscii(c);
+  return upper >= L'A' && upper <= L'F' ? static_cast<unsigned int>(upper - L'A') + 10 : 16;
 }
 
-inline bool equalUnits(const wchar_t* a, const wchar_t* b, size_t n) noexcept {
-  if (n < kLane) {
-    for (size_t i = 0; i < n; ++i) {
-      if (a[i] != b[i]) return false;
-    }
-    return true;
-  }
-  size_t i = 0;
-  for (; i + kLane <= n; i += kLane) {
-    if (mask8(_mm_cmpeq_epi16(load8(a + i), load8(b + i))) != 0xFFFF) return false;
-  }
-  // The last vector may overlap what was compared already.
-  return i == n || mask8(_mm_cmpeq_epi16(load8(a + n - kLane), load8(b + n - kLane))) == 0xFFFF;
+// Writes the lowest `count` digits of the value; returns the end of what it wrote.
+constexpr wchar_t* writeHex(wchar_t* to, std::uint64_t value, int count,
+                            std::wstring_view digits = kHexDigits) noexcept {
+  for (int shift = 4 * (count - 1); shift >= 0; shift -= 4) *to++ = digits[value >> shift & 15];
+  return to;
+}
+
+// ---- Surrogates ----
+
+[[nodiscard]] constexpr bool isHighSurrogate(wchar_t c) noexcept { return (c & 0xFC00) == 0xD800; }
+[[nodiscard]] constexpr bool isLowSurrogate(wchar_t c) noexcept { return (c & 0xFC00) == 0xDC00; }
+[[nodiscard]] constexpr bool isSurrogate(wchar_t c) noexcept { return (c & 0xF800) == 0xD800; }
+
+// The units of the first character of a text that is not empty: a pair, or one unit.
+[[nodiscard]] constexpr std::wstring_view firstCharacter(std::wstring_view text) noexcept {
+  const bool isPair = text.size() > 1 && isHighSurrogate(text[0]) && isLowSurrogate(text[1]);
+  return text.substr(0, isPair ? 2 : 1);
 }
 
 }  // namespace zo

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "text/code_units.h"
+#include "text/eight_units.h"
 
 namespace zo {
 namespace {

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "text/code_units.h"
+#include "text/eight_units.h"
 
 namespace zo {
 namespace {

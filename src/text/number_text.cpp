@@ -6,11 +6,14 @@
 #include <cstring>
 #include <limits>
 
+#include "text/code_units.h"
+
 namespace {
 
-bool isDigit(wchar_t c) noexcept { return c >= L'0' && c <= L'9'; }
+using zo::isDigit;
+using zo::isWhite;
+
 unsigned int digitOf(wchar_t c) noexcept { return static_cast<unsigned int>(c - L'0'); }
-bool isWhite(wchar_t c) noexcept { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
 
 // Walks over a text; past its end stand zero characters.
 class Scanner {

@@ -2,12 +2,19 @@
 
 #include <algorithm>
 #include <bit>
+#include <cwctype>
 
 #include "text/code_units.h"
+#include "text/eight_units.h"
 #include "text/unit_set.h"
 
 namespace zo {
 namespace {
+
+// The runtime is asked only about what is not ASCII.
+wchar_t foldForSearch(wchar_t c) noexcept {
+  return c < 0x80 ? lowerAscii(c) : static_cast<wchar_t>(std::towlower(c));
+}
 
 // What the search loops ask of a matcher:
 //   candidates(at)  two bits for each of eight positions from at that can start a match

@@ -15,11 +15,11 @@ inline constexpr size_t kNotFound = static_cast<size_t>(-1);
 // The first or last position of a pattern that is not empty.
 [[nodiscard]] size_t find(std::wstring_view text, std::wstring_view pattern) noexcept;
 [[nodiscard]] size_t findBack(std::wstring_view text, std::wstring_view pattern) noexcept;
-// The same after foldForSearch of both.
+// The same ignoring case, unit by unit as the runtime's towlower has it.
 [[nodiscard]] size_t findFolded(std::wstring_view text, std::wstring_view pattern) noexcept;
 [[nodiscard]] size_t findBackFolded(std::wstring_view text, std::wstring_view pattern) noexcept;
 
-// Whether two texts of one length are the same after foldForSearch of both.
+// Whether two texts of one length are the same so compared.
 [[nodiscard]] bool equalFolded(std::wstring_view a, std::wstring_view b) noexcept;
 
 // The first position of any unit of a set.

@@ -205,7 +205,7 @@ ZoString& ZoString::replaceEach(std::wstring_view what, std::wstring_view by, ca
     rest.remove_prefix(at + what.size());
   }
   text << rest;
-  return replace(0, npos, std::wstring_view(text.text()));
+  return replace(0, npos, text.view());
 }
 
 ZoString& ZoString::insertChars(unsigned int pos, wchar_t c, unsigned int count) {

@@ -53,9 +53,9 @@ std::wostream& operator<<(std::wostream& out, const ZoSubString& text) {
 }
 
 std::wistream& operator>>(std::wistream& in, ZoString& text) {
-  zo::TextBuffer token;
-  in >> token.text();
-  text = token.toString();
+  std::wstring token;
+  in >> token;
+  text = std::wstring_view(token);
   return in;
 }
 
@@ -81,8 +81,8 @@ std::wistream& ZoString::readLine(std::wistream& in, bool skipWhite) {
 }
 
 std::wistream& ZoString::readToDelim(std::wistream& in, wchar_t delim) {
-  zo::TextBuffer text;
-  std::getline(in, text.text(), delim);
-  *this = text.toString();
+  std::wstring text;
+  std::getline(in, text, delim);
+  *this = std::wstring_view(text);
   return in;
 }

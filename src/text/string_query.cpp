@@ -7,7 +7,6 @@
 #include <cstring>
 #include <cwchar>
 
-#include "text/code_units.h"
 #include "text/collation.h"
 #include "text/search.h"
 

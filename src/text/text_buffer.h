@@ -4,32 +4,53 @@
 
 #include <zo/text/string.h>
 
-#include <string>
+#include <algorithm>
+#include <memory>
 #include <string_view>
+#include <utility>
 
 namespace zo {
 
 class TextBuffer {
  public:
+  // Room for n more characters; what was written there becomes part of the text by advance().
+  [[nodiscard]] wchar_t* room(size_t n) {
+    if (n > capacity_ - size_) grow(n);
+    return text_.get() + size_;
+  }
+  void advance(size_t n) noexcept { size_ += n; }
+
   TextBuffer& operator<<(std::wstring_view text) {
-    text_ += text;
+    text.copy(room(text.size()), text.size());
+    advance(text.size());
     return *this;
   }
   TextBuffer& operator<<(wchar_t c) {
-    text_ += c;
+    *room(1) = c;
+    advance(1);
     return *this;
   }
   TextBuffer& append(wchar_t c, size_t count) {
-    text_.append(count, c);
+    std::fill_n(room(count), count, c);
+    advance(count);
     return *this;
   }
 
-  [[nodiscard]] size_t size() const noexcept { return text_.size(); }
-  [[nodiscard]] std::wstring& text() noexcept { return text_; }
-  [[nodiscard]] ZoString toString() const { return ZoString(std::wstring_view(text_)); }
+  [[nodiscard]] std::wstring_view view() const noexcept { return {text_.get(), size_}; }
+  [[nodiscard]] ZoString toString() const { return ZoString(view()); }
 
  private:
-  std::wstring text_;
+  void grow(size_t n) {
+    const size_t wanted = std::max(size_ + n, 2 * capacity_ + 250);
+    auto larger = std::make_unique_for_overwrite<wchar_t[]>(wanted);
+    view().copy(larger.get(), size_);
+    text_ = std::move(larger);
+    capacity_ = wanted;
+  }
+
+  std::unique_ptr<wchar_t[]> text_;
+  size_t size_ = 0;
+  size_t capacity_ = 0;
 };
 
 }  // namespace zo

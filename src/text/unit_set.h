@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "text/code_units.h"
+#include "text/eight_units.h"
 
 namespace zo {
 

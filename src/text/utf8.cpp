@@ -1,5 +1,7 @@
 #include "text/utf8.h"
 
+#include "text/code_units.h"
+
 namespace zo {
 namespace {
 
@@ -8,12 +10,11 @@ constexpr char32_t kReplacement = 0xFFFD;
 // Takes the units of the first character off the front and returns it.
 char32_t takeCharacter(std::wstring_view& text) noexcept {
   const char32_t first = text[0];
-  text.remove_prefix(1);
-  if ((first & 0xF800) != 0xD800) return first;
-  if ((first & 0x0400) != 0 || text.empty() || (text[0] & 0xFC00) != 0xDC00) return kReplacement;
-  const char32_t second = text[0];
-  text.remove_prefix(1);
-  return 0x10000 + ((first & 0x3FF) << 10) + (second & 0x3FF);
+  const std::size_t units = firstCharacter(text).size();
+  const char32_t second = text[units - 1];
+  text.remove_prefix(units);
+  if (units == 2) return 0x10000 + ((first & 0x3FF) << 10) + (second & 0x3FF);
+  return isSurrogate(static_cast<wchar_t>(first)) ? kReplacement : first;
 }
 
 // How many bytes follow a first byte, and what the next of them may be: the bounds rule out what

@@ -5,6 +5,8 @@
 #include <optional>
 #include <ostream>
 
+#include "text/code_units.h"
+
 namespace {
 
 struct Name {
@@ -24,13 +26,9 @@ constexpr Name names[] = {
     {"darkgrey", ZoColor::kDarkGray},
 };
 
-constexpr wchar_t lower(wchar_t c) noexcept {
-  return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
-}
-
 bool equalIgnoringCase(std::wstring_view text, std::string_view lowerCase) noexcept {
   return std::equal(text.begin(), text.end(), lowerCase.begin(), lowerCase.end(),
-                    [](wchar_t a, char b) { return lower(a) == static_cast<wchar_t>(b); });
+                    [](wchar_t a, char b) { return zo::lowerAscii(a) == static_cast<wchar_t>(b); });
 }
 
 // The number that all of `digits` spell, of which there are 1 to `maxDigits`. Eight hexadecimal
@@ -40,10 +38,7 @@ std::optional<unsigned int> parse(std::wstring_view digits, unsigned int base,
   if (digits.empty() || digits.size() > maxDigits) return std::nullopt;
   unsigned int number = 0;
   for (const wchar_t c : digits) {
-    const wchar_t l = lower(c);
-    unsigned int digit = base;
-    if (l >= L'0' && l <= L'9') digit = static_cast<unsigned int>(l - L'0');
-    if (l >= L'a' && l <= L'f') digit = static_cast<unsigned int>(l - L'a') + 10;
+    const unsigned int digit = zo::hexDigit(c);
     if (digit >= base) return std::nullopt;
     number = number * base + digit;
   }
@@ -80,12 +75,12 @@ class Text {
     for (const char c : text) text_[size_++] = static_cast<Char>(c);
   }
   void addNumber(unsigned int number, unsigned int base, std::size_t minDigits) noexcept {
-    std::array<char, 8> digits{};
+    std::array<Char, 8> digits{};
     std::size_t count = 0;
     for (; number != 0 || count < minDigits; number /= base) {
-      digits[count++] = "0123456789ABCDEF"[number % base];
+      digits[count++] = static_cast<Char>(zo::kHexDigits[number % base]);
     }
-    while (count > 0) text_[size_++] = static_cast<Char>(digits[--count]);
+    while (count > 0) text_[size_++] = digits[--count];
   }
 
   std::array<Char, 12> text_{};

@@ -4,15 +4,9 @@
 #include <cstring>
 #include <cwchar>
 
+#include "text/code_units.h"
+
 namespace {
-
-constexpr wchar_t kUpper[] = L"0123456789ABCDEF";
-constexpr wchar_t kLower[] = L"0123456789abcdef";
-
-wchar_t* writeHex(wchar_t* to, unsigned long value, int digits, const wchar_t* alphabet) noexcept {
-  for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) *to++ = alphabet[value >> shift & 15];
-  return to;
-}
 
 // Reads the group that stands between two delimiters; group 0 stands in front of the first dash.
 bool readGroup(const wchar_t* text, int group, _GUID& guid) noexcept {
@@ -43,14 +37,14 @@ bool readGroup(const wchar_t* text, int group, _GUID& guid) noexcept {
 
 void ZoGuid2String(const _GUID& guid, wchar_t* buffer, bool braces) noexcept {
   if (braces) *buffer++ = L'{';
-  buffer = writeHex(buffer, guid.Data1, 8, kUpper);
+  buffer = zo::writeHex(buffer, guid.Data1, 8);
   *buffer++ = L'-';
-  buffer = writeHex(buffer, guid.Data2, 4, kUpper);
+  buffer = zo::writeHex(buffer, guid.Data2, 4);
   *buffer++ = L'-';
-  buffer = writeHex(buffer, guid.Data3, 4, kLower);
+  buffer = zo::writeHex(buffer, guid.Data3, 4, L"0123456789abcdef");
   for (int i = 0; i < 8; ++i) {
     if (i == 0 || i == 2) *buffer++ = L'-';
-    buffer = writeHex(buffer, guid.Data4[i], 2, kUpper);
+    buffer = zo::writeHex(buffer, guid.Data4[i], 2);
   }
   if (braces) *buffer++ = L'}';
   *buffer = 0;

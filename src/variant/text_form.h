@@ -15,64 +15,18 @@
 #include <string_view>
 #include <utility>
 
+#include "text/code_units.h"
 #include "variant/code_names.h"
+#include "variant/kinds.h"
 
 namespace zo {
 
-// The kinds of values by their numbers in archives.
-enum class FormKind : unsigned int {
-  Empty,
-  Int,
-  BigInt,
-  Real,
-  String,
-  Pointer,
-  Point,
-  Vector,
-  Dict,
-  Sequence,
-  Guid
-};
-
-// The names of the kinds in text forms.
-inline constexpr std::wstring_view kFormKinds[] = {L"Empty",  L"Int",      L"BigInt", L"Real",
-                                                   L"String", L"Pointer",  L"Point",  L"Vector",
-                                                   L"Dict",   L"Sequence", L"GUID"};
-
 // What stands in front of every value.
 struct FormHead {
-  FormKind kind = FormKind::Empty;
+  VariantKind kind = VariantKind::Empty;
   ZoTypeCode code = ZoTypeCode::NoType;
   unsigned int flags = 0;
 };
-
-// The kind that a code stands for when no other is named.
-constexpr FormKind kindOfCode(ZoTypeCode code) noexcept {
-  switch (ZoType::baseCode(code)) {
-    case ZoTypeCode::Int:
-      return FormKind::Int;
-    case ZoTypeCode::BigInt:
-      return FormKind::BigInt;
-    case ZoTypeCode::Real:
-      return FormKind::Real;
-    case ZoTypeCode::String:
-      return FormKind::String;
-    case ZoTypeCode::Pointer:
-      return FormKind::Pointer;
-    case ZoTypeCode::Point:
-      return FormKind::Point;
-    case ZoTypeCode::Vector:
-      return FormKind::Vector;
-    case ZoTypeCode::Dict:
-      return FormKind::Dict;
-    case ZoTypeCode::Sequence:
-      return FormKind::Sequence;
-    case ZoTypeCode::Guid:
-      return FormKind::Guid;
-    default:
-      return FormKind::Empty;
-  }
-}
 
 inline constexpr size_t kGuidTextLength = 38;
 
@@ -105,12 +59,7 @@ class TextFormParser {
  private:
   // ---- Characters ----
   [[nodiscard]] wchar_t peek() const noexcept { return at_ < text_.size() ? text_[at_] : L'\0'; }
-  static constexpr bool isWhite(wchar_t c) noexcept {
-    return c == L' ' || (c >= L'\t' && c <= L'\r');
-  }
-  static constexpr bool isWordCharacter(wchar_t c) noexcept {
-    return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z') || c == L'_';
-  }
+  static constexpr bool isWordCharacter(wchar_t c) noexcept { return isLetter(c) || c == L'_'; }
   void skipWhite() noexcept {
     while (isWhite(peek())) ++at_;
   }
@@ -135,15 +84,9 @@ class TextFormParser {
     out = 0;
     const size_t first = at_;
     for (; at_ - first < digits; ++at_) {
-      const wchar_t c = peek();
-      const wchar_t letter = c | 0x20;
-      if (c >= L'0' && c <= L'9') {
-        out = out << 4 | static_cast<std::uint64_t>(c - L'0');
-      } else if (letter >= L'a' && letter <= L'f') {
-        out = out << 4 | static_cast<std::uint64_t>(letter - L'a' + 10);
-      } else {
-        break;
-      }
+      const unsigned int digit = hexDigit(peek());
+      if (digit > 15) break;
+      out = out << 4 | digit;
     }
     return at_ > first;
   }
@@ -167,11 +110,11 @@ class TextFormParser {
     at_ = first;
     return false;
   }
-  bool kind(FormKind& out) noexcept {
+  bool kind(VariantKind& out) noexcept {
     const std::wstring_view name = word();
-    for (unsigned int i = 0; i < std::size(kFormKinds); ++i) {
-      if (name != kFormKinds[i]) continue;
-      out = static_cast<FormKind>(i);
+    for (unsigned int i = 0; i < std::size(kKinds); ++i) {
+      if (name != kKinds[i].name) continue;
+      out = static_cast<VariantKind>(i);
       return true;
     }
     return false;
@@ -187,37 +130,37 @@ class TextFormParser {
     FormHead head_;
     skipWhite();
     if (!head(head_)) return false;
-    if (head_.kind == FormKind::Empty) {
+    if (head_.kind == VariantKind::Empty) {
       builder_.makeEmpty(out, head_);
       return at_ == text_.size() || isWhite(peek()) || peek() == L']' || peek() == L'}';
     }
     skipWhite();
     switch (head_.kind) {
-      case FormKind::Int:
-      case FormKind::BigInt:
+      case VariantKind::Int:
+      case VariantKind::BigInt:
         return integer(out, head_);
-      case FormKind::Real: {
+      case VariantKind::Real: {
         double number = 0;
         if (!real(number)) return false;
         builder_.make(out, head_, number);
         return atEndOfNumber();
       }
-      case FormKind::String: {
+      case VariantKind::String: {
         std::wstring_view text;
         if (!quoted(text)) return false;
         builder_.make(out, head_, text);
         return true;
       }
-      case FormKind::Pointer: {
+      case VariantKind::Pointer: {
         std::uint64_t address = 0;
         if (!take(L'0') || !take(L'x') || !hex(16, address)) return false;
         builder_.make(out, head_, reinterpret_cast<void*>(static_cast<std::uintptr_t>(address)));
         return atEndOfNumber();
       }
-      case FormKind::Point:
-      case FormKind::Vector:
+      case VariantKind::Point:
+      case VariantKind::Vector:
         return components(out, head_);
-      case FormKind::Guid: {
+      case VariantKind::Guid: {
         const std::wstring_view text = text_.substr(at_, kGuidTextLength);
         if (text.size() != kGuidTextLength || !builder_.makeGuid(out, head_, text)) return false;
         at_ += kGuidTextLength;
@@ -232,7 +175,7 @@ class TextFormParser {
     std::int64_t number = 0;
     unsigned int length = 0;
     if (ZoStrToInt(text_.substr(at_), number, &length) != ZoResult::ok) return false;
-    if (head_.kind == FormKind::BigInt) {
+    if (head_.kind == VariantKind::BigInt) {
       builder_.make(out, head_, number);
     } else {
       if (!std::in_range<int>(number)) return false;
@@ -262,7 +205,7 @@ class TextFormParser {
   }
 
   bool container(Value& out, const FormHead& head_) {
-    const bool isDict = head_.kind == FormKind::Dict;
+    const bool isDict = head_.kind == VariantKind::Dict;
     if (depthLeft_ == 0 || !take(isDict ? L'{' : L'[')) return false;
     --depthLeft_;
     builder_.makeEmpty(out, head_);

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string>
 
+#include "text/code_units.h"
 #include "variant/code_names.h"
 #include "variant/type_texts.h"
 
@@ -13,6 +14,7 @@ namespace {
 
 using zo::CodeNames;
 using zo::findCode;
+using zo::hexDigit;
 
 // The row of the code, or of its base where it has none.
 const CodeNames& rowOf(ZoTypeCode code) noexcept {
@@ -62,13 +64,6 @@ unsigned int writeLetters(unsigned int flags, wchar_t* buffer) noexcept {
   }
   buffer[length] = 0;
   return length;
-}
-
-// The value of a hexadecimal digit; 16 for any other character.
-unsigned int hexDigit(wchar_t c) noexcept {
-  if (c >= L'0' && c <= L'9') return static_cast<unsigned int>(c - L'0');
-  const auto letter = static_cast<unsigned int>((c | 0x20) - L'a');
-  return letter < 6 ? letter + 10 : 16;
 }
 
 }  // namespace
@@ -129,10 +124,7 @@ ZoString& ZoType::chunkToString(const void* bytes, unsigned int size, ZoString& 
   if (!bytes || size > ZoString::maxLength() / 2) size = 0;
   const auto* const from = static_cast<const unsigned char*>(bytes);
   std::wstring digits(size_t{size} * 2, L'0');
-  for (size_t i = 0; i < size; ++i) {
-    digits[2 * i] = L"0123456789ABCDEF"[from[i] >> 4];
-    digits[2 * i + 1] = L"0123456789ABCDEF"[from[i] & 15];
-  }
+  for (size_t i = 0; i < size; ++i) zo::writeHex(&digits[2 * i], from[i], 2);
   return text = ZoString(digits);
 }
 

@@ -7,13 +7,13 @@
 #include <cmath>
 #include <limits>
 
-namespace {
+#include "text/code_units.h"
 
-constexpr bool isBlank(wchar_t c) noexcept { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
+namespace {
 
 bool onlyBlanks(std::wstring_view text) noexcept {
   for (const wchar_t c : text) {
-    if (!isBlank(c)) return false;
+    if (!zo::isWhite(c)) return false;
   }
   return true;
 }
@@ -62,7 +62,7 @@ int toInt(std::int64_t value, int& out) noexcept {
 int toComponents(std::wstring_view text, double (&out)[3]) noexcept {
   double read[3] = {};
   const auto take = [&](wchar_t wanted) noexcept {
-    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && zo::isWhite(text.front())) text.remove_prefix(1);
     if (text.empty() || text.front() != wanted) return false;
     text.remove_prefix(1);
     return true;
@@ -95,8 +95,7 @@ ZoString textOf(double x, double y, double z) {
 
 ZoString textOf(const void* pointer) {
   wchar_t buffer[] = L"0x0000000000000000";
-  auto address = reinterpret_cast<std::uintptr_t>(pointer);
-  for (int i = 17; i > 1; --i, address >>= 4) buffer[i] = L"0123456789ABCDEF"[address & 15];
+  zo::writeHex(buffer + 2, reinterpret_cast<std::uintptr_t>(pointer), 16);
   return ZoString(buffer);
 }
 

@@ -5,61 +5,22 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <ostream>
 #include <string_view>
 #include <vector>
 
+#include "text/code_units.h"
+#include "text/text_buffer.h"
 #include "variant/text_form.h"
 
-static_assert(ZoVariant::kGuid == static_cast<unsigned int>(zo::FormKind::Guid));
+static_assert(ZoVariant::kGuid == static_cast<unsigned int>(zo::VariantKind::Guid));
 
 namespace {
 
 using zo::FormHead;
-using zo::FormKind;
+using zo::VariantKind;
 
 // ---- Writing ----
-
-// A text that grows at its end.
-class GrowingText {
- public:
-  // Room for n more characters; what was written there becomes part of the text by advance().
-  wchar_t* room(size_t n) {
-    if (n > capacity_ - size_) grow(n);
-    return text_.get() + size_;
-  }
-  void advance(size_t n) noexcept { size_ += n; }
-
-  GrowingText& operator+=(wchar_t c) {
-    *room(1) = c;
-    advance(1);
-    return *this;
-  }
-  GrowingText& operator+=(std::wstring_view text) {
-    text.copy(room(text.size()), text.size());
-    advance(text.size());
-    return *this;
-  }
-  void append(size_t n, wchar_t c) {
-    std::fill_n(room(n), n, c);
-    advance(n);
-  }
-  [[nodiscard]] std::wstring_view view() const noexcept { return {text_.get(), size_}; }
-
- private:
-  void grow(size_t n) {
-    const size_t wanted = std::max(size_ + n, 2 * capacity_ + 250);
-    auto larger = std::make_unique_for_overwrite<wchar_t[]>(wanted);
-    view().copy(larger.get(), size_);
-    text_ = std::move(larger);
-    capacity_ = wanted;
-  }
-
-  std::unique_ptr<wchar_t[]> text_;
-  size_t size_ = 0;
-  size_t capacity_ = 0;
-};
 
 struct KeyedValue {
   std::uint64_t rank;  // the first units behind what all keys begin with, as a number
@@ -108,12 +69,12 @@ class FormWriter {
       case ZoVariant::kSequence:
         return depthLeft > 0 && writeSequence(*value.asSequence(), tabs, depthLeft - 1);
       default:
-        out_ += L' ';
+        out_ << L' ';
         writeScalar(value);
         return true;
     }
   }
-  void writeTabs(unsigned int tabs) { out_.append(tabs, L'\t'); }
+  void writeTabs(unsigned int tabs) { out_.append(L'\t', tabs); }
   void writeHead(const ZoVariant& value) {
     writeType(value);
     writeFlags(value.flags());
@@ -121,23 +82,23 @@ class FormWriter {
   void writeType(const ZoVariant& value) {
     const std::wstring_view word = zo::wordOfCode(value.code());
     if (word.empty()) {
-      out_ += L'#';
+      out_ << L'#';
       writeCode(static_cast<unsigned int>(value.code()));
     } else {
-      for (const wchar_t c : word) out_ += c == L' ' ? L'_' : c;
+      for (const wchar_t c : word) out_ << (c == L' ' ? L'_' : c);
     }
-    const auto kind = static_cast<FormKind>(value.type());
+    const auto kind = static_cast<VariantKind>(value.type());
     if (kind != zo::kindOfCode(value.code())) {
-      out_ += L'(';
-      out_ += zo::kFormKinds[value.type()];
-      out_ += L')';
+      out_ << L'(';
+      out_ << zo::kKinds[value.type()].name;
+      out_ << L')';
     }
   }
   void writeFlags(unsigned int flags) {
     if (flags == 0) return;
-    out_ += L':';
+    out_ << L':';
     for (unsigned int bit = 0; bit < 26; ++bit) {
-      if (flags >> bit & 1) out_ += static_cast<wchar_t>(L'A' + bit);
+      if (flags >> bit & 1) out_ << static_cast<wchar_t>(L'A' + bit);
     }
   }
   [[nodiscard]] std::wstring_view text() const noexcept { return out_.view(); }
@@ -156,23 +117,24 @@ class FormWriter {
         writeQuoted(value.asString().view());
         break;
       default:  // their conversions to text are what stands in text forms too
-        out_ += value.asString().view();
+        out_ << value.asString().view();
         break;
     }
   }
 
   // At least four digits.
   void writeCode(unsigned int code) {
-    for (int shift = code >> 16 ? 28 : 12; shift >= 0; shift -= 4)
-      out_ += L"0123456789ABCDEF"[code >> shift & 15];
+    const int digits = code >> 16 ? 8 : 4;
+    zo::writeHex(out_.room(8), code, digits);
+    out_.advance(static_cast<size_t>(digits));
   }
 
   void writeQuoted(std::wstring_view text) {
-    out_ += L'"';
+    out_ << L'"';
     constexpr size_t kPiece = 256;
     for (size_t i = 0; i < text.size(); i += kPiece)
       writePiece(text, i, std::min(i + kPiece, text.size()));
-    out_ += L'"';
+    out_ << L'"';
   }
   void writePiece(std::wstring_view text, size_t from, size_t end) {
     // No character takes more than the six of an escape.
@@ -190,12 +152,8 @@ class FormWriter {
   }
   // Halves of a surrogate pair that stand alone, which no other encoding keeps, and DEL.
   static bool mustBeEscaped(std::wstring_view text, size_t i) noexcept {
-    const auto isHigh = [&](size_t at) {
-      return at < text.size() && (text[at] & 0xFC00) == 0xD800;
-    };
-    const auto isLow = [&](size_t at) { return at < text.size() && (text[at] & 0xFC00) == 0xDC00; };
-    if (isHigh(i)) return !isLow(i + 1);
-    if (isLow(i)) return i == 0 || !isHigh(i - 1);
+    if (zo::isHighSurrogate(text[i])) return zo::firstCharacter(text.substr(i)).size() == 1;
+    if (zo::isLowSurrogate(text[i])) return i == 0 || !zo::isHighSurrogate(text[i - 1]);
     return text[i] == 0x7F;
   }
   static wchar_t* writeEscaped(wchar_t c, wchar_t* to) noexcept {
@@ -216,49 +174,49 @@ class FormWriter {
         break;
       default:
         *to++ = L'u';
-        for (int shift = 12; shift >= 0; shift -= 4) *to++ = L"0123456789ABCDEF"[c >> shift & 15];
+        to = zo::writeHex(to, c, 4);
         break;
     }
     return to;
   }
 
   void startLine(unsigned int tabs) {
-    out_ += L'\n';
+    out_ << L'\n';
     writeTabs(tabs);
   }
 
   bool writeSequence(const ZoVariant::Sequence& sequence, unsigned int tabs,
                      unsigned int depthLeft) {
-    out_ += L" [";
+    out_ << L" [";
     for (const ZoVariant& element : sequence) {
       startLine(tabs + 1);
       if (!write(element, tabs + 1, depthLeft)) return false;
     }
     if (!sequence.isEmpty()) startLine(tabs);
-    out_ += L']';
+    out_ << L']';
     return true;
   }
 
   bool writeDict(const ZoVariant::Dict& dict, unsigned int tabs, unsigned int depthLeft) {
     const std::vector<KeyedValue> entries = inOrderOfKeys(dict);
-    out_ += L" {";
+    out_ << L" {";
     for (const KeyedValue& entry : entries) {
       startLine(tabs + 1);
       writeQuoted(entry.key);
-      out_ += L" = ";
+      out_ << L" = ";
       if (!write(*entry.value, tabs + 1, depthLeft)) return false;
     }
     if (!entries.empty()) startLine(tabs);
-    out_ += L'}';
+    out_ << L'}';
     return true;
   }
 
-  GrowingText out_;
+  zo::TextBuffer out_;
 };
 
 // ---- Reading ----
 
-struct VariantBuilder {
+struct FormBuilder {
   using Value = ZoVariant;
 
   static ZoVariant::Type typeOf(const FormHead& head) noexcept {
@@ -270,7 +228,7 @@ struct VariantBuilder {
            ZoVariant::isFitting(head.code, typeOf(head));
   }
   static void makeEmpty(ZoVariant& out, const FormHead& head) {
-    if (head.kind == FormKind::Dict) {
+    if (head.kind == VariantKind::Dict) {
       // A text of many small dictionaries must not take many large tables.
       constexpr unsigned int kFirstBuckets = 8;
       out = ZoVariant(ZoHashDict<ZoVariant, ZoString>(kFirstBuckets), head.code, head.flags);
@@ -286,7 +244,7 @@ struct VariantBuilder {
     out = ZoVariant(ZoString(text), head.code, head.flags);
   }
   static void make(ZoVariant& out, const FormHead& head, const double (&c)[3]) {
-    out = head.kind == FormKind::Point
+    out = head.kind == VariantKind::Point
               ? ZoVariant(ZoPoint(c[0], c[1], c[2]), head.code, head.flags)
               : ZoVariant(ZoVector(c[0], c[1], c[2]), head.code, head.flags);
   }
@@ -303,7 +261,7 @@ struct VariantBuilder {
   static ZoString key(std::wstring_view text) { return ZoString(text); }
   static bool addEntry(ZoVariant& dict, ZoString&& key, ZoVariant&& value) {
     const int result = dict.asDict()->insertAt(std::move(key), std::move(value));
-    if (result == ZoResult::outOfMemory) throw std::bad_alloc();
+    zo::throwIfNoMemory(result);
     return result == ZoResult::ok;
   }
   static void addElement(ZoVariant& sequence, ZoVariant&& value) {
@@ -343,9 +301,9 @@ ZoString ZoVariant::printFlags() const {
 }
 
 int ZoVariant::parse(std::wstring_view text, unsigned int* end) {
-  VariantBuilder builder;
+  FormBuilder builder;
   ZoVariant read;
-  zo::TextFormParser<VariantBuilder> parser(text, builder, kMaxDepth);
+  zo::TextFormParser<FormBuilder> parser(text, builder, kMaxDepth);
   const bool ok = parser.parse(read);
   if (end) *end = static_cast<unsigned int>(parser.position());
   if (!ok) return ZoResult::refused;

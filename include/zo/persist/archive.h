@@ -34,6 +34,7 @@
 
 #include <zo/config.h>
 #include <zo/platform_types.h>
+#include <zo/text/containers/elements.h>
 #include <zo/variant/color.h>
 
 #include <concepts>
@@ -272,7 +273,6 @@ concept TypedDict = std::is_base_of_v<ZoDict<typename C::mapped_type, typename C
 // Whether the data ended within the element, where the archive does not throw then.
 ZO_COM_API void beginElement() noexcept;
 ZO_COM_API bool isElementShort() noexcept;
-ZO_COM_API void checkAdded(int code);  // throws std::bad_alloc
 
 // Calls readOne for as many elements as the archive has.
 template <class ReadOne>
@@ -303,7 +303,7 @@ ZoArchive& operator>>(ZoArchive& archive, C& sequence) {
     typename C::value_type element{};
     archive >> element;
     if (zo::isElementShort()) return false;
-    zo::checkAdded(read.append(std::move(element)));
+    zo::throwIfNoMemory(read.append(std::move(element)));
     return true;
   });
   sequence = std::move(read);
@@ -325,7 +325,7 @@ ZoArchive& operator>>(ZoArchive& archive, C& dict) {
     typename C::mapped_type value{};
     archive >> key >> value;
     if (zo::isElementShort()) return false;
-    zo::checkAdded(read.insertAt(std::move(key), std::move(value)));
+    zo::throwIfNoMemory(read.insertAt(std::move(key), std::move(value)));
     return true;
   });
   dict = std::move(read);

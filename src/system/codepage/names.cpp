@@ -5,6 +5,8 @@
 
 #include <utility>
 
+#include "text/code_units.h"
+
 namespace zo {
 namespace {
 
@@ -43,7 +45,7 @@ std::wstring plain(std::wstring_view name) {
   std::wstring result;
   for (const wchar_t c : name) {
     if (c == L'-' || c == L'_' || c == L' ') continue;
-    result += c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c | 0x20) : c;
+    result += lowerAscii(c);
   }
   return result;
 }

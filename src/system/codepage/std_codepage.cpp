@@ -9,6 +9,7 @@
 #include "system/codepage/detect.h"
 #include "system/codepage/names.h"
 #include "system/service_scope.h"
+#include "text/code_units.h"
 
 namespace {
 
@@ -55,23 +56,17 @@ std::wstring unescaped(std::wstring text) {
   return text;
 }
 
-std::wstring_view characterAt(std::wstring_view text, size_t i) noexcept {
-  const bool isPair =
-      i + 1 < text.size() && (text[i] & 0xFC00) == 0xD800 && (text[i + 1] & 0xFC00) == 0xDC00;
-  return text.substr(i, isPair ? 2 : 1);
-}
-
 void appendEscape(std::wstring& text, wchar_t unit) {
-  constexpr std::wstring_view kDigits = L"0123456789ABCDEF";
-  text += L"\\U+";
-  for (int shift = 12; shift >= 0; shift -= 4) text += kDigits[(unit >> shift) & 0xF];
+  wchar_t escape[] = L"\\U+0000";
+  zo::writeHex(escape + 3, unit, 4);
+  text += escape;
 }
 
 // The text with escapes for what the code page cannot hold; false when that is refused instead.
 bool fitted(std::wstring_view text, unsigned int codepage, bool escape, std::wstring& result) {
-  for (size_t i = 0; i < text.size();) {
-    const std::wstring_view character = characterAt(text, i);
-    i += character.size();
+  while (!text.empty()) {
+    const std::wstring_view character = zo::firstCharacter(text);
+    text.remove_prefix(character.size());
     if (character[0] < 0x80 || zo::fitsCodePage(character, codepage)) {
       result += character;
     } else if (!escape) {

@@ -58,8 +58,7 @@ bool isPossible(const Split& full) noexcept {
 
 // What cannot be kept must not be missing without a word.
 void enter(ZoVariant::Dict& entries, ZoString name, ZoVariant value) {
-  if (entries.insertAt(std::move(name), std::move(value)) == ZoResult::outOfMemory)
-    throw std::bad_alloc();
+  zo::throwIfNoMemory(entries.insertAt(std::move(name), std::move(value)));
 }
 
 // Does something however a function is left.

@@ -9,12 +9,12 @@
 
 #include "system/units/decimal.h"
 #include "system/units/unit_format.h"
+#include "text/code_units.h"
 
 namespace zo {
 namespace {
 
-bool isWhite(wchar_t c) noexcept { return c == L' ' || (c >= L'\t' && c <= L'\r') || c == 0xA0; }
-bool isDigit(wchar_t c) noexcept { return c >= L'0' && c <= L'9'; }
+bool isBlank(wchar_t c) noexcept { return isWhite(c) || c == 0xA0; }
 
 // One number as it was read.
 struct Number {
@@ -49,7 +49,7 @@ class Parser {
  private:
   [[nodiscard]] wchar_t at(size_t i) const noexcept { return i < rest_.size() ? rest_[i] : L'\0'; }
   void skipWhite() noexcept {
-    while (!rest_.empty() && isWhite(rest_[0])) rest_.remove_prefix(1);
+    while (!rest_.empty() && isBlank(rest_[0])) rest_.remove_prefix(1);
   }
 
   bool magnitude(double& value) noexcept {
@@ -115,7 +115,7 @@ class Parser {
 
   bool number(Number& result) noexcept {
     result = {};
-    if (rest_.empty() || isWhite(rest_[0]) || rest_[0] == L'-' || rest_[0] == L'+') return false;
+    if (rest_.empty() || isBlank(rest_[0]) || rest_[0] == L'-' || rest_[0] == L'+') return false;
     unsigned int end = 0;
     if (ZoStrToReal(rest_, result.value, &end, format_.decimal, format_.grouping) ==
         ZoResult::refused)
@@ -141,7 +141,7 @@ class Parser {
     }
     size_t start = at(0) == L'-' ? 1 : 0;
     if (start == 0) {
-      while (isWhite(at(start))) ++start;
+      while (isBlank(at(start))) ++start;
     }
     size_t slash = start;
     while (isDigit(at(slash))) ++slash;

@@ -6,6 +6,8 @@
 #include <array>
 #include <cwchar>
 
+#include "text/code_units.h"
+
 namespace zo {
 namespace {
 
@@ -194,19 +196,14 @@ static_assert(std::size(kTable) == kQuantities);
 static_assert(static_cast<int>(ZoTypeCode::Resistance) - static_cast<int>(ZoTypeCode::Real) + 1 ==
               kQuantities);
 
-constexpr wchar_t folded(wchar_t c) noexcept {
-  return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c | 0x20) : c;
-}
-constexpr bool isLetter(wchar_t c) noexcept {
-  return (folded(c) >= L'a' && folded(c) <= L'z') || c >= 0x370;
-}
+constexpr bool isWordCharacter(wchar_t c) noexcept { return isLetter(c) || c >= 0x370; }
 
 enum class Match { None, Folded, Exact };
 
 Match frontMatch(std::wstring_view text, const wchar_t* name) noexcept {
   Match match = Match::Exact;
   for (size_t i = 0; name[i] != 0; ++i) {
-    if (i == text.size() || folded(text[i]) != folded(name[i])) return Match::None;
+    if (i == text.size() || lowerAscii(text[i]) != lowerAscii(name[i])) return Match::None;
     if (text[i] != name[i]) match = Match::Folded;
   }
   return match;
@@ -225,8 +222,8 @@ NamedUnit longestAt(const Quantity& quantity, std::wstring_view text) noexcept {
       const Match match = frontMatch(text, name);
       if (match == Match::None) continue;
       const size_t length = std::wcslen(name);
-      const bool cutsWord = length > 0 && length < text.size() && isLetter(text[length]) &&
-                            isLetter(name[length - 1]);
+      const bool cutsWord = length > 0 && length < text.size() && isWordCharacter(text[length]) &&
+                            isWordCharacter(name[length - 1]);
       if (cutsWord || length < bestLength || (length == bestLength && match < bestMatch)) continue;
       ambiguous = length == bestLength && match == bestMatch && best.unit != &quantity.units[i];
       best = {.unit = &quantity.units[i], .factor = quantity.factors[i], .name = name};

@@ -7,10 +7,11 @@
 #include <exception>
 #include <random>
 
-#include "text/case_map.h"
 #include "text/code_units.h"
 #include "text/collation.h"
+#include "text/eight_units.h"
 #include "text/hash.h"
+#include "text/letter_case.h"
 
 namespace zo {
 namespace {

@@ -1,4 +1,5 @@
 #include <zo/results.h>
+#include <zo/text/containers/elements.h>
 #include <zo/text/containers/varray.h>
 
 #include <algorithm>
@@ -26,7 +27,7 @@ ZoVArray::ZoVArray(const ZoVArray& other) : growSize_(other.growSize_) {
   table_ = other.table_->makeNew();
   if (!table_) throw std::bad_alloc();
   try {
-    if (copyFrom(other) == ZoResult::outOfMemory) throw std::bad_alloc();
+    zo::throwIfNoMemory(copyFrom(other));
   } catch (...) {
     delete table_;
     throw;

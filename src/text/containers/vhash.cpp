@@ -1,4 +1,5 @@
 #include <zo/results.h>
+#include <zo/text/containers/elements.h>
 #include <zo/text/containers/vhash.h>
 
 #include <algorithm>
@@ -99,7 +100,7 @@ ZoVHash::ZoVHash(const ZoVHash& other) : ZoVHash(nullptr, 0, other.loadFactor_) 
     for (ZoVHashNode* node = other.table_->first(b); node; other.table_->next(node)) {
       const int status =
           copy.table_->newNode(other.table_->key(node), other.table_->value(node), *link);
-      if (status == ZoResult::outOfMemory) throw std::bad_alloc();
+      zo::throwIfNoMemory(status);
       if (status != ZoResult::ok) return;  // elements that cannot be copied: an empty table
       ZoVHashNode* const made = *link;
       made->hash = node->hash;

@@ -1,4 +1,5 @@
 #include <zo/results.h>
+#include <zo/text/containers/elements.h>
 #include <zo/text/containers/vlist.h>
 
 #include <algorithm>
@@ -16,7 +17,8 @@ ZoVListMem::~ZoVListMem() = default;
 ZoVList::ZoVList(const ZoVList& other) {
   if (!other.mem_) return;
   ZoVList copy(other.mem_->makeNew());
-  if (!copy.mem_ || copy.append(other) == ZoResult::outOfMemory) throw std::bad_alloc();
+  if (!copy.mem_) throw std::bad_alloc();
+  zo::throwIfNoMemory(copy.append(other));
   swap(copy);
 }
 

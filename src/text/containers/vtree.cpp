@@ -1,9 +1,9 @@
 #include <zo/results.h>
+#include <zo/text/containers/elements.h>
 #include <zo/text/containers/vtree.h>
 
 #include <algorithm>
 #include <cstdlib>
-#include <new>
 #include <utility>
 
 namespace {
@@ -45,7 +45,7 @@ ZoVTree::ZoVTree(ZoVTreeMem* mem, const ZoVTree& other, const ZoVTreeCompare* co
     const void* const value = other.mem_->value(node->element);
     // The constructor delegated, so the destructor runs and nothing leaks.
     const int status = insertAt(key, value == node->element ? nullptr : value, compare);
-    if (status == ZoResult::outOfMemory) throw std::bad_alloc();
+    zo::throwIfNoMemory(status);
   }
 }
 

@@ -33,12 +33,12 @@ class ZoArray : public ZoSequence<T> {
   }
   ZoArray(std::initializer_list<T> values) : ZoArray() {
     zo::assertCopyable<T>();
-    check(resize(static_cast<unsigned>(values.size())));
-    for (const T& value : values) check(append(value));
+    zo::throwIfNoMemory(resize(static_cast<unsigned>(values.size())));
+    for (const T& value : values) zo::throwIfNoMemory(append(value));
   }
   explicit ZoArray(const ZoSequence<T>& other) : ZoArray() {
     zo::assertCopyable<T>();
-    check(append(other));
+    zo::throwIfNoMemory(append(other));
   }
   // Copies throw std::bad_alloc when there is no memory; moves leave the other array empty and
   // usable.
@@ -57,7 +57,7 @@ class ZoArray : public ZoSequence<T> {
   }
   ZoArray& operator=(const ZoSequence<T>& other) {
     zo::assertCopyable<T>();
-    check(copyFrom(other));
+    zo::throwIfNoMemory(copyFrom(other));
     return *this;
   }
   ~ZoArray() override = default;
@@ -190,9 +190,6 @@ class ZoArray : public ZoSequence<T> {
   int take(unsigned i, T* out) final { return array_.removeAt(i, out); }
 
  private:
-  static void check(int status) {
-    if (status == ZoResult::outOfMemory) throw std::bad_alloc();
-  }
   [[nodiscard]] Table* table() const noexcept { return static_cast<Table*>(array_.table_); }
   [[nodiscard]] T* cells() const noexcept { return array_.table_ ? table()->data() : nullptr; }
 

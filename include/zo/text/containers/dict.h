@@ -33,7 +33,7 @@ struct DictCursor {
 };
 
 template <class Dict, class T, class K>
-class DictIterator {
+class DictRangeIterator {
  public:
   using iterator_concept = std::forward_iterator_tag;
   using iterator_category = std::input_iterator_tag;
@@ -42,22 +42,24 @@ class DictIterator {
   using pointer = void;
   using reference = DictEntry<T, K>;
 
-  DictIterator() = default;
-  explicit DictIterator(const Dict& dict) : dict_(&dict) { dict.walk(cursor_); }
+  DictRangeIterator() = default;
+  explicit DictRangeIterator(const Dict& dict) : dict_(&dict) { dict.walk(cursor_); }
 
   reference operator*() const {
     return {*static_cast<const K*>(cursor_.key), *static_cast<T*>(cursor_.value)};
   }
-  DictIterator& operator++() {
+  DictRangeIterator& operator++() {
     dict_->walk(cursor_);
     return *this;
   }
-  DictIterator operator++(int) {
-    DictIterator before = *this;
+  DictRangeIterator operator++(int) {
+    DictRangeIterator before = *this;
     ++*this;
     return before;
   }
-  bool operator==(const DictIterator& other) const { return cursor_.node == other.cursor_.node; }
+  bool operator==(const DictRangeIterator& other) const {
+    return cursor_.node == other.cursor_.node;
+  }
 
  private:
   const Dict* dict_ = nullptr;
@@ -108,10 +110,10 @@ class ZoDict : public ZoContainer<T> {
     return ZoResult::ok;
   }
 
-  [[nodiscard]] auto begin() { return zo::DictIterator<ZoDict, T, K>(*this); }
-  [[nodiscard]] auto end() { return zo::DictIterator<ZoDict, T, K>(); }
-  [[nodiscard]] auto begin() const { return zo::DictIterator<ZoDict, const T, K>(*this); }
-  [[nodiscard]] auto end() const { return zo::DictIterator<ZoDict, const T, K>(); }
+  [[nodiscard]] auto begin() { return zo::DictRangeIterator<ZoDict, T, K>(*this); }
+  [[nodiscard]] auto end() { return zo::DictRangeIterator<ZoDict, T, K>(); }
+  [[nodiscard]] auto begin() const { return zo::DictRangeIterator<ZoDict, const T, K>(*this); }
+  [[nodiscard]] auto end() const { return zo::DictRangeIterator<ZoDict, const T, K>(); }
 
   // One step of a walk, for iterators: from a fresh cursor to the first entry.
   virtual void walk(zo::DictCursor& cursor) const = 0;

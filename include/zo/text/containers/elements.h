@@ -5,6 +5,7 @@
 #pragma once
 
 #include <zo/results.h>
+#include <zo/text/containers/node_pool.h>
 
 #include <cstddef>
 #include <cstring>
@@ -46,6 +47,33 @@ int asStatus(Action&& action) {
   } catch (const std::bad_alloc&) {
     return ZoResult::outOfMemory;
   }
+}
+
+// The way back, for what has no status to return; any other status counts for nothing.
+inline void throwIfNoMemory(int status) {
+  if (status == ZoResult::outOfMemory) throw std::bad_alloc();
+}
+
+// A node of the pool, made from the arguments; null together with any status but 0.
+template <class Node, class Link, class... Arguments>
+[[nodiscard]] int makeNode(NodePool& pool, Link*& node, Arguments&&... arguments) {
+  node = nullptr;
+  void* const place = pool.allocate();
+  if (!place) return ZoResult::outOfMemory;
+  if constexpr (std::is_nothrow_constructible_v<Node, Arguments...>) {
+    node = ::new (place) Node(std::forward<Arguments>(arguments)...);
+  } else {
+    try {
+      node = ::new (place) Node(std::forward<Arguments>(arguments)...);
+    } catch (const std::bad_alloc&) {
+      pool.release(place);
+      return ZoResult::outOfMemory;
+    } catch (...) {
+      pool.release(place);
+      throw;
+    }
+  }
+  return ZoResult::ok;
 }
 
 // Assigns *from to *to.

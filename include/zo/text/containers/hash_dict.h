@@ -30,7 +30,7 @@ concept LookUpForm = requires(const Q& key) { H::lookUpForm(key); };
 // Range-for iterator of a hash dictionary: holds until its entry is removed. Growing changes what
 // comes next.
 template <class T, class K>
-class HashIterator {
+class HashRangeIterator {
  public:
   using iterator_concept = std::forward_iterator_tag;
   using iterator_category = std::input_iterator_tag;
@@ -39,8 +39,8 @@ class HashIterator {
   using pointer = void;
   using reference = DictEntry<T, K>;
 
-  HashIterator() = default;
-  explicit HashIterator(const ZoVHash& hash) noexcept : hash_(&hash) {
+  HashRangeIterator() = default;
+  explicit HashRangeIterator(const ZoVHash& hash) noexcept : hash_(&hash) {
     if (hash.table()) findFrom(0);
   }
 
@@ -48,18 +48,18 @@ class HashIterator {
     auto* const node = static_cast<HashNode<std::remove_const_t<T>, K>*>(node_);
     return {node->key, node->value};
   }
-  HashIterator& operator++() noexcept {
+  HashRangeIterator& operator++() noexcept {
     const unsigned bucket = hash_->table()->bucketOf(node_->hash);
     node_ = node_->next;
     if (!node_) findFrom(bucket + 1);
     return *this;
   }
-  HashIterator operator++(int) noexcept {
-    HashIterator before = *this;
+  HashRangeIterator operator++(int) noexcept {
+    HashRangeIterator before = *this;
     ++*this;
     return before;
   }
-  bool operator==(const HashIterator& other) const noexcept { return node_ == other.node_; }
+  bool operator==(const HashRangeIterator& other) const noexcept { return node_ == other.node_; }
 
  private:
   void findFrom(unsigned bucket) noexcept {
@@ -89,11 +89,11 @@ class ZoHashDict : public ZoDict<T, K> {
   ZoHashDict(std::initializer_list<std::pair<K, T>> entries) : ZoHashDict() {
     zo::assertCopyable<K, T>();
     for (const auto& [key, value] : entries)
-      check(insertAt(key, value));  // the first of equal keys stays
+      zo::throwIfNoMemory(insertAt(key, value));  // the first of equal keys stays
   }
   explicit ZoHashDict(const ZoDict<T, K>& other) : ZoHashDict() {
     zo::assertCopyable<K, T>();
-    check(this->insertAll(other));
+    zo::throwIfNoMemory(this->insertAll(other));
   }
   // Copies throw std::bad_alloc when there is no memory; moves leave the other dictionary empty and
   // usable.
@@ -128,10 +128,10 @@ class ZoHashDict : public ZoDict<T, K> {
   [[nodiscard]] double collisionRatio() const { return hash_.collisionRatio(); }
   [[nodiscard]] ZoHashStats stats() const { return hash_.stats(); }
 
-  [[nodiscard]] auto begin() noexcept { return zo::HashIterator<T, K>(hash_); }
-  [[nodiscard]] auto end() noexcept { return zo::HashIterator<T, K>(); }
-  [[nodiscard]] auto begin() const noexcept { return zo::HashIterator<const T, K>(hash_); }
-  [[nodiscard]] auto end() const noexcept { return zo::HashIterator<const T, K>(); }
+  [[nodiscard]] auto begin() noexcept { return zo::HashRangeIterator<T, K>(hash_); }
+  [[nodiscard]] auto end() noexcept { return zo::HashRangeIterator<T, K>(); }
+  [[nodiscard]] auto begin() const noexcept { return zo::HashRangeIterator<const T, K>(hash_); }
+  [[nodiscard]] auto end() const noexcept { return zo::HashRangeIterator<const T, K>(); }
 
   [[nodiscard]] T* at(const K& key) { return valueOf(find(formOf(key))); }
   [[nodiscard]] const T* at(const K& key) const { return valueOf(find(formOf(key))); }
@@ -238,9 +238,6 @@ class ZoHashDict : public ZoDict<T, K> {
   using Node = zo::HashNode<T, K>;
   static constexpr unsigned kAhead = 12;  // buckets
 
-  static void check(int status) {
-    if (status == ZoResult::outOfMemory) throw std::bad_alloc();
-  }
   [[nodiscard]] static T* valueOf(Node* node) noexcept { return node ? &node->value : nullptr; }
 
   // The policy's own functions, not those of a class derived from it.

@@ -55,19 +55,7 @@ class ZoHashTable final : public ZoVHashTable {
 
   template <class Key, class Value>
   [[nodiscard]] int makeNode(ZoVHashNode*& node, Key&& key, Value&& value) {
-    node = nullptr;
-    void* const place = pool_.allocate();
-    if (!place) return ZoResult::outOfMemory;
-    try {
-      node = ::new (place) Node(std::forward<Key>(key), std::forward<Value>(value));
-      return ZoResult::ok;
-    } catch (const std::bad_alloc&) {
-      pool_.release(place);
-      return ZoResult::outOfMemory;
-    } catch (...) {
-      pool_.release(place);
-      throw;
-    }
+    return zo::makeNode<Node>(pool_, node, std::forward<Key>(key), std::forward<Value>(value));
   }
 
  private:

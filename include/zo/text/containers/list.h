@@ -19,7 +19,9 @@
 template <class T>
 struct ZoListNode : ZoVListNode {
   template <class... Arguments>
-  explicit ZoListNode(Arguments&&... arguments) : element(std::forward<Arguments>(arguments)...) {}
+  explicit ZoListNode(Arguments&&... arguments) noexcept(
+      std::is_nothrow_constructible_v<T, Arguments...>)
+      : element(std::forward<Arguments>(arguments)...) {}
   T element;
 };
 
@@ -53,23 +55,7 @@ class ZoListMem final : public ZoVListMem {
   // A node whose element is made from the arguments.
   template <class... Arguments>
   [[nodiscard]] int make(ZoVListNode*& node, Arguments&&... arguments) {
-    node = nullptr;
-    void* const place = pool_.allocate();
-    if (!place) return ZoResult::outOfMemory;
-    if constexpr (std::is_nothrow_constructible_v<T, Arguments...>) {
-      node = ::new (place) Node(std::forward<Arguments>(arguments)...);
-    } else {
-      try {
-        node = ::new (place) Node(std::forward<Arguments>(arguments)...);
-      } catch (const std::bad_alloc&) {
-        pool_.release(place);
-        return ZoResult::outOfMemory;
-      } catch (...) {
-        pool_.release(place);
-        throw;
-      }
-    }
-    return ZoResult::ok;
+    return zo::makeNode<Node>(pool_, node, std::forward<Arguments>(arguments)...);
   }
 };
 
@@ -77,7 +63,7 @@ namespace zo {
 
 // Range-for iterator of a list: holds until its element is removed.
 template <class T>
-class ListIterator {
+class ListRangeIterator {
  public:
   using iterator_concept = std::bidirectional_iterator_tag;
   using iterator_category = std::bidirectional_iterator_tag;
@@ -86,10 +72,10 @@ class ListIterator {
   using pointer = T*;
   using reference = T&;
 
-  ListIterator() = default;
-  ListIterator(ZoVListNode* node, const ZoVList* list) noexcept : node_(node), list_(list) {}
+  ListRangeIterator() = default;
+  ListRangeIterator(ZoVListNode* node, const ZoVList* list) noexcept : node_(node), list_(list) {}
   // Implicit, as with pointers. NOLINTNEXTLINE(google-explicit-constructor)
-  operator ListIterator<const T>() const noexcept
+  operator ListRangeIterator<const T>() const noexcept
     requires(!std::is_const_v<T>)
   {
     return {node_, list_};
@@ -97,25 +83,25 @@ class ListIterator {
 
   T& operator*() const noexcept { return static_cast<ZoListNode<value_type>*>(node_)->element; }
   T* operator->() const noexcept { return &**this; }
-  ListIterator& operator++() noexcept {
+  ListRangeIterator& operator++() noexcept {
     node_ = node_->next;
     return *this;
   }
-  ListIterator operator++(int) noexcept {
-    ListIterator before = *this;
+  ListRangeIterator operator++(int) noexcept {
+    ListRangeIterator before = *this;
     ++*this;
     return before;
   }
-  ListIterator& operator--() noexcept {
+  ListRangeIterator& operator--() noexcept {
     node_ = node_ ? node_->prev : list_->lastNode();
     return *this;
   }
-  ListIterator operator--(int) noexcept {
-    ListIterator before = *this;
+  ListRangeIterator operator--(int) noexcept {
+    ListRangeIterator before = *this;
     --*this;
     return before;
   }
-  bool operator==(const ListIterator& other) const noexcept { return node_ == other.node_; }
+  bool operator==(const ListRangeIterator& other) const noexcept { return node_ == other.node_; }
 
  private:
   ZoVListNode* node_ = nullptr;  // null at the end
@@ -130,11 +116,11 @@ class ZoList : public ZoSequence<T> {
   ZoList() noexcept : list_(nullptr) {}
   ZoList(std::initializer_list<T> values) : ZoList() {
     zo::assertCopyable<T>();
-    for (const T& value : values) check(append(value));
+    for (const T& value : values) zo::throwIfNoMemory(append(value));
   }
   explicit ZoList(const ZoSequence<T>& other) : ZoList() {
     zo::assertCopyable<T>();
-    check(append(other));
+    zo::throwIfNoMemory(append(other));
   }
   // Copies throw std::bad_alloc when there is no memory; moves leave the other list empty and
   // usable.
@@ -153,19 +139,21 @@ class ZoList : public ZoSequence<T> {
   }
   ZoList& operator=(const ZoSequence<T>& other) {
     zo::assertCopyable<T>();
-    check(copyFrom(other));
+    zo::throwIfNoMemory(copyFrom(other));
     return *this;
   }
   ~ZoList() override = default;
 
   [[nodiscard]] unsigned entries() const noexcept final { return list_.entries_; }
 
-  [[nodiscard]] auto begin() noexcept { return zo::ListIterator<T>(list_.first_, &list_); }
-  [[nodiscard]] auto end() noexcept { return zo::ListIterator<T>(nullptr, &list_); }
+  [[nodiscard]] auto begin() noexcept { return zo::ListRangeIterator<T>(list_.first_, &list_); }
+  [[nodiscard]] auto end() noexcept { return zo::ListRangeIterator<T>(nullptr, &list_); }
   [[nodiscard]] auto begin() const noexcept {
-    return zo::ListIterator<const T>(list_.first_, &list_);
+    return zo::ListRangeIterator<const T>(list_.first_, &list_);
   }
-  [[nodiscard]] auto end() const noexcept { return zo::ListIterator<const T>(nullptr, &list_); }
+  [[nodiscard]] auto end() const noexcept {
+    return zo::ListRangeIterator<const T>(nullptr, &list_);
+  }
 
   [[nodiscard]] int append(const T& value) final { return insertCopy(nullptr, value); }
   [[nodiscard]] int append(T&& value) final { return insertBefore(nullptr, std::move(value)); }
@@ -243,9 +231,6 @@ class ZoList : public ZoSequence<T> {
   template <class E>
   friend class ZoListCIterator;
 
-  static void check(int status) {
-    if (status == ZoResult::outOfMemory) throw std::bad_alloc();
-  }
   [[nodiscard]] static T* elementOf(ZoVListNode* node) noexcept {
     return node ? &static_cast<ZoListNode<T>*>(node)->element : nullptr;
   }

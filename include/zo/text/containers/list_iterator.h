@@ -12,7 +12,7 @@ namespace zo {
 
 // What both kinds share.
 template <class T, class Base>
-class ListWalker : public Base {
+class ListIteratorBase : public Base {
  public:
   void reset() final { walk_.reset(); }
   bool toFirst() final { return walk_.toFirst(); }
@@ -31,7 +31,7 @@ class ListWalker : public Base {
   [[nodiscard]] auto operator()() const noexcept { return current(); }
 
  protected:
-  explicit ListWalker(ZoVList& list) noexcept : walk_(list) {}
+  explicit ListIteratorBase(ZoVList& list) noexcept : walk_(list) {}
 
   [[nodiscard]] const T* element() const final { return place(); }
   [[nodiscard]] T* place() const noexcept {
@@ -45,12 +45,12 @@ class ListWalker : public Base {
 }  // namespace zo
 
 template <class T>
-class ZoListIterator final : public zo::ListWalker<T, ZoSeqIterator<T>> {
+class ZoListIterator final : public zo::ListIteratorBase<T, ZoSeqIterator<T>> {
  public:
   explicit ZoListIterator(ZoList<T>& list) noexcept
-      : zo::ListWalker<T, ZoSeqIterator<T>>(list.list_), list_(&list) {}
+      : zo::ListIteratorBase<T, ZoSeqIterator<T>>(list.list_), list_(&list) {}
 
-  using zo::ListWalker<T, ZoSeqIterator<T>>::reset;
+  using zo::ListIteratorBase<T, ZoSeqIterator<T>>::reset;
   void reset(ZoList<T>& list) noexcept {
     list_ = &list;
     this->walk_.reset(list.list_);
@@ -71,13 +71,13 @@ class ZoListIterator final : public zo::ListWalker<T, ZoSeqIterator<T>> {
 };
 
 template <class T>
-class ZoListCIterator final : public zo::ListWalker<T, ZoSeqCIterator<T>> {
+class ZoListCIterator final : public zo::ListIteratorBase<T, ZoSeqCIterator<T>> {
  public:
   // The engine's iterator can change its list; this class does not let it.
   explicit ZoListCIterator(const ZoList<T>& list) noexcept
-      : zo::ListWalker<T, ZoSeqCIterator<T>>(const_cast<ZoVList&>(list.list_)) {}
+      : zo::ListIteratorBase<T, ZoSeqCIterator<T>>(const_cast<ZoVList&>(list.list_)) {}
 
-  using zo::ListWalker<T, ZoSeqCIterator<T>>::reset;
+  using zo::ListIteratorBase<T, ZoSeqCIterator<T>>::reset;
   void reset(const ZoList<T>& list) noexcept {
     this->walk_.reset(const_cast<ZoVList&>(list.list_));
   }

@@ -25,7 +25,7 @@ struct SequenceCursor {
 };
 
 template <class Sequence, class T>
-class SequenceIterator {
+class SequenceRangeIterator {
  public:
   using iterator_concept = std::forward_iterator_tag;
   using iterator_category = std::forward_iterator_tag;
@@ -34,23 +34,23 @@ class SequenceIterator {
   using pointer = T*;
   using reference = T&;
 
-  SequenceIterator() = default;
-  explicit SequenceIterator(const Sequence& sequence) : sequence_(&sequence) {
+  SequenceRangeIterator() = default;
+  explicit SequenceRangeIterator(const Sequence& sequence) : sequence_(&sequence) {
     sequence.walk(cursor_);
   }
 
   T& operator*() const { return *static_cast<T*>(cursor_.element); }
   T* operator->() const { return static_cast<T*>(cursor_.element); }
-  SequenceIterator& operator++() {
+  SequenceRangeIterator& operator++() {
     sequence_->walk(cursor_);
     return *this;
   }
-  SequenceIterator operator++(int) {
-    SequenceIterator before = *this;
+  SequenceRangeIterator operator++(int) {
+    SequenceRangeIterator before = *this;
     ++*this;
     return before;
   }
-  bool operator==(const SequenceIterator& other) const {
+  bool operator==(const SequenceRangeIterator& other) const {
     return cursor_.element == other.cursor_.element;
   }
 
@@ -133,10 +133,10 @@ class ZoSequence : public ZoContainer<T> {
   [[nodiscard]] int sort() { return sort(ZoCompare<T>()); }
   [[nodiscard]] virtual int reverse() = 0;
 
-  [[nodiscard]] auto begin() { return zo::SequenceIterator<ZoSequence, T>(*this); }
-  [[nodiscard]] auto end() { return zo::SequenceIterator<ZoSequence, T>(); }
-  [[nodiscard]] auto begin() const { return zo::SequenceIterator<ZoSequence, const T>(*this); }
-  [[nodiscard]] auto end() const { return zo::SequenceIterator<ZoSequence, const T>(); }
+  [[nodiscard]] auto begin() { return zo::SequenceRangeIterator<ZoSequence, T>(*this); }
+  [[nodiscard]] auto end() { return zo::SequenceRangeIterator<ZoSequence, T>(); }
+  [[nodiscard]] auto begin() const { return zo::SequenceRangeIterator<ZoSequence, const T>(*this); }
+  [[nodiscard]] auto end() const { return zo::SequenceRangeIterator<ZoSequence, const T>(); }
 
   // One step of a walk, for iterators: from a fresh cursor to the first element.
   virtual void walk(zo::SequenceCursor& cursor) const = 0;

@@ -34,7 +34,7 @@ struct TreeNode : ZoVTreeNode {
 
 // Range-for iterator of a tree.
 template <class T, class K>
-class TreeIterator {
+class TreeRangeIterator {
  public:
   using iterator_concept = std::forward_iterator_tag;
   using iterator_category = std::input_iterator_tag;
@@ -43,24 +43,24 @@ class TreeIterator {
   using pointer = void;
   using reference = DictEntry<T, K>;
 
-  TreeIterator() = default;
-  explicit TreeIterator(ZoVTreeNode* root) noexcept { path_.descendLeft(root); }
+  TreeRangeIterator() = default;
+  explicit TreeRangeIterator(ZoVTreeNode* root) noexcept { path_.descendLeft(root); }
 
   reference operator*() const noexcept {
     auto* const entry =
         static_cast<TreeEntry<std::remove_const_t<T>, K>*>(path_.current()->element);
     return {entry->key, entry->value};
   }
-  TreeIterator& operator++() noexcept {
+  TreeRangeIterator& operator++() noexcept {
     path_.advance();
     return *this;
   }
-  TreeIterator operator++(int) noexcept {
-    TreeIterator before = *this;
+  TreeRangeIterator operator++(int) noexcept {
+    TreeRangeIterator before = *this;
     ++*this;
     return before;
   }
-  bool operator==(const TreeIterator& other) const noexcept {
+  bool operator==(const TreeRangeIterator& other) const noexcept {
     return path_.current() == other.path_.current();
   }
   bool operator==(std::default_sentinel_t) const noexcept { return !path_.current(); }
@@ -104,19 +104,7 @@ class ZoTreeMem final : public ZoVTreeMem {
 
   template <class Key, class Value>
   [[nodiscard]] int makeNode(ZoVTreeNode*& node, Key&& key, Value&& value) {
-    node = nullptr;
-    void* const place = pool_.allocate();
-    if (!place) return ZoResult::outOfMemory;
-    try {
-      node = ::new (place) Node(std::forward<Key>(key), std::forward<Value>(value));
-      return ZoResult::ok;
-    } catch (const std::bad_alloc&) {
-      pool_.release(place);
-      return ZoResult::outOfMemory;
-    } catch (...) {
-      pool_.release(place);
-      throw;
-    }
+    return zo::makeNode<Node>(pool_, node, std::forward<Key>(key), std::forward<Value>(value));
   }
 };
 
@@ -127,17 +115,17 @@ class ZoTree : public ZoDict<T, K> {
   ZoTree(std::initializer_list<std::pair<K, T>> entries) : ZoTree() {
     zo::assertCopyable<K, T>();
     for (const auto& [key, value] : entries)
-      check(insertAt(key, value));  // the first of equal keys stays
+      zo::throwIfNoMemory(insertAt(key, value));  // the first of equal keys stays
   }
   explicit ZoTree(const ZoDict<T, K>& other) : ZoTree() {
     zo::assertCopyable<K, T>();
-    check(this->insertAll(other));
+    zo::throwIfNoMemory(this->insertAll(other));
   }
   // Copies throw std::bad_alloc when there is no memory; moves leave the other tree empty and
   // usable.
   ZoTree(const ZoTree& other) : ZoDict<T, K>(other), tree_(nullptr), compare_(other.compare_) {
     zo::assertCopyable<K, T>();
-    check(this->insertAll(other));
+    zo::throwIfNoMemory(this->insertAll(other));
   }
   ZoTree(ZoTree&& other) noexcept
       : ZoDict<T, K>(), tree_(std::move(other.tree_)), compare_(other.compare_) {}
@@ -154,8 +142,10 @@ class ZoTree : public ZoDict<T, K> {
 
   [[nodiscard]] unsigned entries() const noexcept final { return tree_.count(); }
 
-  [[nodiscard]] auto begin() noexcept { return zo::TreeIterator<T, K>(tree_.root_); }
-  [[nodiscard]] auto begin() const noexcept { return zo::TreeIterator<const T, K>(tree_.root_); }
+  [[nodiscard]] auto begin() noexcept { return zo::TreeRangeIterator<T, K>(tree_.root_); }
+  [[nodiscard]] auto begin() const noexcept {
+    return zo::TreeRangeIterator<const T, K>(tree_.root_);
+  }
   [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
 
   // The smallest and the largest key; null when empty.
@@ -221,9 +211,6 @@ class ZoTree : public ZoDict<T, K> {
     Make make_;
   };
 
-  static void check(int status) {
-    if (status == ZoResult::outOfMemory) throw std::bad_alloc();
-  }
   [[nodiscard]] static const K* keyOf(const void* element) noexcept {
     return element ? &static_cast<const Entry*>(element)->key : nullptr;
   }

@@ -1,11 +1,27 @@
-#include "text/case_map.h"
+#include "text/letter_case.h"
 
 #include <windows.h>
 
+#include <array>
 #include <cstddef>
 
 namespace zo {
 namespace {
+
+using Table = std::array<wchar_t, 0x10000>;
+
+// Every unit there is, asked for once.
+struct LowerTable {
+  Table lower;
+  LowerTable() noexcept {
+    static Table units;
+    for (unsigned int i = 0; i < units.size(); ++i) units[i] = static_cast<wchar_t>(i);
+    const int size = static_cast<int>(units.size());
+    const int mapped =
+        LCMapStringW(LOCALE_INVARIANT, LCMAP_LOWERCASE, units.data(), size, lower.data(), size);
+    if (mapped != size) lower = units;  // without the platform's help each unit is its own form
+  }
+};
 
 // Units whose folding the platform's invariant casing does not reach.
 constexpr wchar_t kFurther[][2] = {
@@ -18,10 +34,9 @@ constexpr wchar_t kFurther[][2] = {
     {0x212B, 0x00C5}};
 
 struct FoldTable {
-  static constexpr std::size_t kUnits = 0x10000;
-
+  Table units;
   FoldTable() noexcept {
-    for (std::size_t c = 0; c < kUnits; ++c) {
+    for (std::size_t c = 0; c < units.size(); ++c) {
       const auto unit = static_cast<wchar_t>(c);
       wchar_t upper[2];
       const int length = LCMapStringW(LOCALE_INVARIANT, LCMAP_UPPERCASE, &unit, 1, upper, 2);
@@ -29,15 +44,18 @@ struct FoldTable {
     }
     for (const auto& [unit, folded] : kFurther) units[unit] = folded;
   }
-
-  wchar_t units[kUnits];
 };
 
 }  // namespace
 
+wchar_t lowerByPlatform(wchar_t c) noexcept {
+  static const LowerTable table;
+  return table.lower[c];
+}
+
 const wchar_t* foldTable() noexcept {
   static const FoldTable table;
-  return table.units;
+  return table.units.data();
 }
 
 }  // namespace zo
