@@ -101,7 +101,7 @@ void ZoDumpArchive::add(std::wstring_view entry) {
   pending_ += entry;
 }
 
-void ZoDumpArchive::print(const wchar_t* format, const zo::FormatArguments& arguments) {
+void ZoDumpArchive::printArguments(const wchar_t* format, const zo::FormatArguments& arguments) {
   constexpr void (ZoDumpArchive::*slot)(const wchar_t*, ...) = &ZoDumpArchive::printf;
   wchar_t text[1024];
   zo::printTo(text, std::size(text), format, arguments);

@@ -60,8 +60,12 @@ void writeVariantValue(Archive& archive, const ZoVariant& value, const wchar_t* 
       return archive.write(value.asBigInt(), name);
     case ZoVariant::kReal:
       return archive.write(value.asReal(), name);
-    case ZoVariant::kString:
-      return archive.write(value.asString().data(), name);
+    case ZoVariant::kString: {
+      // The bytes are the same; a text given by a pointer ends at its first zero.
+      const ZoString text = value.asString();
+      if (text.contains(L'\0')) return archive.write(text, name);
+      return archive.write(text.data(), name);
+    }
     case ZoVariant::kPointer: {
       const auto word = reinterpret_cast<std::uintptr_t>(value.asPointer());
       if (shortPointers) return archive.write(static_cast<unsigned int>(word), name);
@@ -112,17 +116,15 @@ struct VariantBuilder {
                       flags(head));
   }
   static void readText(ZoVariant& value, const VariantHead& head, ZoArchive& archive) {
-    wchar_t* text = nullptr;
+    ZoString text;
     archive.read(text);
-    const std::unique_ptr<wchar_t[]> owner(text);
-    value = ZoVariant(text, code(head), flags(head));
+    value = ZoVariant(std::move(text), code(head), flags(head));
   }
   // The same without the text in between.
   static void readText(ZoVariant& value, const VariantHead& head, ReadArchive& archive) {
     unsigned int count = 0;
     archive.read(count);
     zo::readText(archive, count, [&](std::wstring_view text) {
-      text = text.substr(0, text.find(L'\0'));
       value = ZoVariant(ArchiveAccess<ReadArchive>::sharedText(archive, text.data(), text.size()),
                         code(head), flags(head));
     });

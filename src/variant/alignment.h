@@ -13,14 +13,16 @@ namespace zo {
 // decides for the others. After align(), partnerOf()[i] is the element of the second list that the
 // i-th of the first belongs to, in ascending order, or kNone.
 //
-// Equal ends are taken off; between them the k-th element with a print in one list is a candidate
-// for the k-th with it in the other, the longest ascending run of these is kept, and what lies
-// between two that were kept is aligned likewise. That keeps nearly as much as is possible, in
-// O(n log n) for lists with few edits and O(n * n) at worst.
+// Equal ends are taken off. Between them the shortest edit is searched (E. Myers, "An O(ND)
+// Difference Algorithm and Its Variations", 1986), which keeps as much as is possible, in
+// O(n + edits * edits) on average. Where it takes more than kMostEdits, the k-th element with a
+// print in one list is a candidate for the k-th with it in the other, the longest ascending run of
+// these is kept, and what lies between two that were kept is aligned likewise.
 template <class Equal>
 class Alignment {
  public:
   static constexpr size_t kNone = static_cast<size_t>(-1);
+  static constexpr std::ptrdiff_t kMostEdits = 1000;
 
   Alignment(std::span<const std::uint64_t> before, std::span<const std::uint64_t> after,
             Equal equal)
@@ -60,8 +62,75 @@ class Alignment {
     return gap;
   }
 
+  // After d edits: the furthest places in the first list, on the diagonals -d, -d + 2, ... d (place
+  // in the first minus place in the second); kOut where a diagonal was left.
+  using Row = std::vector<std::ptrdiff_t>;
+  static constexpr std::ptrdiff_t kOut = -1;
+  struct Step {
+    std::ptrdiff_t insertion, removal;  // the place that each edit leads to
+  };
+  static Step stepTo(const std::vector<Row>& rows, std::ptrdiff_t d, std::ptrdiff_t i) {
+    if (d == 0) return {0, kOut};
+    const Row& last = rows[static_cast<size_t>(d - 1)];
+    return {i < d ? last[static_cast<size_t>(i)] : kOut,
+            i > 0 && last[static_cast<size_t>(i - 1)] != kOut
+                ? last[static_cast<size_t>(i - 1)] + 1
+                : kOut};
+  }
+
+  // By prints alone; what is kept is asked in the end. False when it takes too many edits.
+  bool alignByEdits(const Gap& gap) {
+    const auto n = static_cast<std::ptrdiff_t>(gap.beforeEnd - gap.before);
+    const auto m = static_cast<std::ptrdiff_t>(gap.afterEnd - gap.after);
+    std::vector<Row> rows;
+    for (std::ptrdiff_t d = 0; d <= kMostEdits; ++d) {
+      Row row(static_cast<size_t>(d + 1), kOut);
+      for (std::ptrdiff_t i = 0; i <= d; ++i) {
+        const std::ptrdiff_t diagonal = 2 * i - d;
+        auto [insertion, removal] = stepTo(rows, d, i);
+        if (insertion - diagonal > m) insertion = kOut;
+        if (removal > n) removal = kOut;
+        std::ptrdiff_t x = std::max(insertion, removal);
+        if (x == kOut) continue;
+        while (x < n && x - diagonal < m &&
+               before_[gap.before + static_cast<size_t>(x)] ==
+                   after_[gap.after + static_cast<size_t>(x - diagonal)]) {
+          ++x;
+        }
+        row[static_cast<size_t>(i)] = x;
+        if (x < n || x - diagonal < m) continue;
+        rows.push_back(std::move(row));
+        joinAlong(rows, gap, n, m);
+        return true;
+      }
+      rows.push_back(std::move(row));
+    }
+    return false;
+  }
+  // The way back from the end, place x in the first and y in the second list.
+  void joinAlong(const std::vector<Row>& rows, const Gap& gap, std::ptrdiff_t x,
+                 std::ptrdiff_t y) {
+    for (auto d = static_cast<std::ptrdiff_t>(rows.size()) - 1; d >= 0; --d) {
+      const std::ptrdiff_t diagonal = x - y;
+      auto [insertion, removal] = stepTo(rows, d, (diagonal + d) / 2);
+      const auto m = static_cast<std::ptrdiff_t>(gap.afterEnd - gap.after);
+      const auto n = static_cast<std::ptrdiff_t>(gap.beforeEnd - gap.before);
+      if (insertion - diagonal > m) insertion = kOut;
+      if (removal > n) removal = kOut;
+      while (x > std::max(insertion, removal)) {
+        --x, --y;
+        join(gap.before + static_cast<size_t>(x), gap.after + static_cast<size_t>(y));
+      }
+      if (insertion >= removal) {
+        --y;
+      } else {
+        --x;
+      }
+    }
+  }
+
   void alignGap(Gap gap) {
-    if (gap.before == gap.beforeEnd || gap.after == gap.afterEnd) return;
+    if (gap.before == gap.beforeEnd || gap.after == gap.afterEnd || alignByEdits(gap)) return;
     const std::vector<Pair> kept = longestRun(candidates(gap));
     if (kept.empty()) return;
     for (const auto [i, k] : kept) {

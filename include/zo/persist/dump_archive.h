@@ -66,14 +66,21 @@ class ZO_COM_API ZoDumpArchive : public ZoArchive {
 
   virtual ~ZoDumpArchive();
   // Adds an entry, formatted by the runtime's wide printf: "%s" and "%ls" are wide texts, and the
-  // exponents of its numbers have as many digits as the runtime gives them.
+  // exponents of its numbers have as many digits as the runtime gives them. Nobody checks the
+  // arguments: print() does. A class that overrides it says `using ZoDumpArchive::printf;` for the
+  // form below.
   virtual void printf(const wchar_t* format, ...);
   // The same where an argument is a ZoString, a ZoFileName or another object that zo/text/printf.h
   // prints: calls the former with the finished text.
   template <class... Arguments>
     requires zo::HasObject<Arguments...>
   void printf(const wchar_t* format, const Arguments&... arguments) {
-    print(format, zo::argumentsOf(arguments...));
+    printArguments(format, zo::argumentsOf(arguments...));
+  }
+  // The same for any arguments; a literal format is checked by the compiler against them.
+  template <class... Arguments>
+  void print(zo::FormatFor<Arguments...> format, const Arguments&... arguments) {
+    printArguments(format.text(), zo::argumentsOf(arguments...));
   }
   virtual void clear();  // the text, not the depth
   // The text so far. Valid until the archive is changed.
@@ -81,7 +88,7 @@ class ZO_COM_API ZoDumpArchive : public ZoArchive {
 
  private:
   void add(std::wstring_view entry);
-  void print(const wchar_t* format, const zo::FormatArguments& arguments);
+  void printArguments(const wchar_t* format, const zo::FormatArguments& arguments);
 
   unsigned int depth_ = 0;
   ZoString text_;

@@ -121,8 +121,8 @@ class Thrown final : public Exception, public std::exception {
 // Throws a ZoComException, or a class derived from it, for handlers of its own type and of
 // std::exception.
 template <class Exception>
+  requires std::is_base_of_v<ZoComException, Exception>
 [[noreturn]] void zoThrow(const Exception& exception) {
-  static_assert(std::is_base_of_v<ZoComException, Exception>);
   throw zo::Thrown<Exception>(exception);
 }
 
