@@ -8,6 +8,7 @@
 // Cost:    none for short absolute names; a relative one is measured against the current folder.
 #pragma once
 
+#include <concepts>
 #include <string>
 #include <string_view>
 
@@ -28,7 +29,7 @@ class SystemPath {
 // What a call of the platform writes whose result is a count of characters: asked with the size of
 // a buffer and the buffer, it gives what it wrote, or the size it needs, or 0 for a failure.
 // Nothing comes of a failure, and GetLastError() is then as the call left it.
-template <class Call>
+template <std::invocable<unsigned long, wchar_t*> Call>
 std::wstring textOf(Call call) {
   std::wstring text(260, L'\0');
   for (;;) {
