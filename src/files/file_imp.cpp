@@ -2,6 +2,7 @@
 #include <zo/files/file_imp.h>
 #include <zo/results.h>
 
+#include <mutex>
 #include <utility>
 
 #include "files/file_buffer.h"
@@ -21,6 +22,14 @@ DWORD flagsFor(int access, int flags) {
 }
 
 }  // namespace
+
+static_assert(sizeof(SRWLOCK) == sizeof(void*));  // and begins as zero
+void ZoFileImp::Mutex::lock() noexcept {
+  AcquireSRWLockExclusive(reinterpret_cast<SRWLOCK*>(&state_));
+}
+void ZoFileImp::Mutex::unlock() noexcept {
+  ReleaseSRWLockExclusive(reinterpret_cast<SRWLOCK*>(&state_));
+}
 
 ZoFileImp::ZoFileImp(ZoFileSystem* service) noexcept
     : handle_(INVALID_HANDLE_VALUE), service_(service) {}
@@ -94,9 +103,11 @@ void ZoFileImp::setModes(const ZoFileName& name, unsigned int access, unsigned i
   share_ = share;
 }
 
-void ZoFileImp::adopt(void* handle, const ZoFileName& name, int access, int share) {
+void ZoFileImp::adopt(void* handle, ZoFileName&& own, int access, int share) noexcept {
   handle_ = handle;
-  setModes(name, static_cast<unsigned int>(access), static_cast<unsigned int>(share));
+  name_ = std::move(own);
+  access_ = static_cast<unsigned int>(access);
+  share_ = static_cast<unsigned int>(share);
 }
 
 int ZoFileImp::open(const ZoFileName& name, int access, ZoFile::CreationMode mode, int share,
@@ -104,10 +115,11 @@ int ZoFileImp::open(const ZoFileName& name, int access, ZoFile::CreationMode mod
   if (const int code = close()) return code;
   const ZoFileName served = name.isURL() ? name.localAlias() : ZoFileName();
   const zo::SystemPath path(served.isEmpty() ? name.fullName() : served.fullName());
+  ZoFileName own = name.deepCopy();  // once it is open, nothing throws
   HANDLE opened = zo::fileApi().create(path, static_cast<DWORD>(access), static_cast<DWORD>(share),
                                        mode, flagsFor(access, flags));
   if (opened == INVALID_HANDLE_VALUE) return report(L"open");
-  adopt(opened, name, access, share);
+  adopt(opened, std::move(own), access, share);
   return ZoResult::ok;
 }
 
@@ -122,8 +134,10 @@ int ZoFileImp::createTemp(ZoFileName& name, int access, ZoFile::CreationMode mod
   zo::FreshFile fresh = zo::createFresh(stem, zo::temporaryEnding(name), static_cast<DWORD>(access),
                                         static_cast<DWORD>(share), flagsFor(access, flags));
   if (!fresh.file) return report(L"createTemp");
-  name = std::wstring_view(fresh.name);
-  adopt(fresh.file.release(), name, access, share);
+  ZoFileName made(fresh.name);
+  adopt(fresh.file.release(), made.deepCopy(), access, share);
+  fresh.isOurs = false;
+  name = std::move(made);
   return ZoResult::ok;
 }
 

@@ -5,12 +5,15 @@
 #include "files/fresh_file.h"
 #include "files/keep_reason.h"
 #include "files/replace_file.h"
-#include "platform/open_file.h"
 
 // A file that remembers whether all went well: what failed must not become the target, even if the
 // caller did not look.
 class ZoFileSave::Imp : public ZoFileImp {
  public:
+  explicit Imp(zo::FreshFile& fresh) : ZoFileImp(fresh.file.release()) {
+    setModes(ZoFileName(fresh.name), ZoFile::kReadWrite, ZoFile::kShareRead);
+  }
+
   unsigned int write(const void* data, unsigned int count) override {
     const unsigned int done = ZoFileImp::write(data, count);
     if (done == 0 && count > 0) keep();
@@ -57,28 +60,31 @@ int ZoFileSave::fail() {
 int ZoFileSave::open(const ZoFileName& target) {
   cancel();
   if (target.isURL()) return zo::keepReason(L"save", ERROR_NOT_SUPPORTED, ZoResult::invalid);
-  ZoFileName wish(zo::stemBeside(target).append(zo::kEndingBeside));
-  imp_ = new Imp;
+  auto fresh = std::make_unique<zo::FreshFile>(
+      zo::createFresh(zo::stemBeside(target), zo::kEndingBeside, ZoFile::kReadWrite,
+                      ZoFile::kShareRead, ZoFile::kRandomAccess));
+  if (!fresh->file) return zo::keepReason(L"save");
+  imp_ = new Imp(*fresh);
   file_.setImpObj(imp_);
-  if (file_.createTemp(wish, ZoFile::kReadWrite, ZoFile::kCreateNew, ZoFile::kShareRead, 0))
-    return ZoResult::refused;
   target_ = target;
-  beside_ = wish;
+  beside_ = std::move(fresh);
   return ZoResult::ok;
 }
 
 int ZoFileSave::commit(bool toDisk) {
-  const bool isOurs = !beside_.isEmpty() && file_.getImpObj() == imp_;
+  const bool isOurs = beside_ && file_.getImpObj() == imp_;
   if (isOurs) imp_->settleBuffers();  // a failure is kept
   if (const DWORD failure = isOurs ? imp_->failure() : ERROR_INVALID_HANDLE) {
     SetLastError(failure);
     return fail();
   }
   // A stream may have closed it.
-  if (!file_.isOpen() && file_.open(beside_, ZoFile::kWrite, ZoFile::kOpenExisting)) return fail();
+  if (!file_.isOpen() &&
+      file_.open(ZoFileName(beside_->name), ZoFile::kWrite, ZoFile::kOpenExisting))
+    return fail();
   if ((toDisk && file_.flush()) || file_.close()) return fail();
-  if (!zo::putInPlace(beside_.fullName(), target_, false)) return fail();
-  beside_ = ZoFileName();
+  if (!zo::putInPlace(*beside_, zo::SystemPath(target_.fullName()), false)) return fail();
+  beside_.reset();
   return ZoResult::ok;
 }
 
@@ -86,7 +92,5 @@ void ZoFileSave::cancel() {
   if (file_.isOpen()) file_.getImpObj()->dropBuffers();
   file_.setImpObj(nullptr);
   imp_ = nullptr;
-  if (beside_.isEmpty()) return;
-  zo::discard(beside_.fullName());
-  beside_ = ZoFileName();
+  beside_.reset();
 }

@@ -34,15 +34,9 @@ bool pour(HANDLE from, HANDLE to) {
 bool pourIntoNew(HANDLE from, const ZoFileName& target) {
   zo::FreshFile fresh = zo::createFresh(zo::stemBeside(target), zo::kEndingBeside, GENERIC_WRITE, 0,
                                         FILE_ATTRIBUTE_NORMAL);
-  if (!fresh.file) return false;
-  if (pour(from, fresh.file.get()) && fresh.file.close() &&
-      zo::putInPlace(fresh.name, target, true)) {
-    return true;
-  }
-  const zo::KeptError kept;
-  fresh.file.close();
-  zo::discard(fresh.name);
-  return false;
+  const zo::SystemPath place(target.fullName());
+  return fresh.file && pour(from, fresh.file.get()) && fresh.file.close() &&
+         zo::putInPlace(fresh, place, true);
 }
 
 // Adds to the end, or brings the file back to what it was.
@@ -86,8 +80,9 @@ int ZoStdFileSystemImp::move(const ZoFileName& from, const ZoFileName& to) {
   }
   if (zo::rename(from, to)) return ZoResult::ok;
   if (GetLastError() != ERROR_NOT_SAME_DEVICE) return report(L"move");
+  const zo::SystemPath source(from.fullName());
   if (!zo::copyIntoPlace(from, to, true)) return report(L"move");
-  if (zo::fileApi().removeFile(zo::SystemPath(from.fullName()))) return ZoResult::ok;
+  if (zo::fileApi().removeFile(source)) return ZoResult::ok;
   report(L"move");
   return ZoResult::partial;
 }

@@ -22,16 +22,18 @@ int setDirectoryName(ZoFileName& name, const std::wstring& text) {
   return ZoResult::ok;
 }
 
-// Makes an empty file with the first three characters of a prefix; empty when it could not be made.
-std::wstring temporaryFile(const std::wstring& folder, std::wstring_view prefix) {
-  if (folder.size() <= zo::FileApi::kLongestTempFolder) {
-    std::array<wchar_t, MAX_PATH> made{};
-    const bool isMade = zo::fileApi().tempName(folder.c_str(), std::wstring(prefix).c_str(), made);
-    return isMade ? made.data() : L"";
+// Makes an empty file with the first three characters of a prefix, ours when it could be made.
+zo::FreshFile temporaryFile(const std::wstring& folder, std::wstring_view prefix) {
+  if (folder.size() > zo::FileApi::kLongestTempFolder) {
+    return zo::createFresh(folder + std::wstring(prefix.substr(0, 3)), L".tmp", GENERIC_WRITE, 0,
+                           FILE_ATTRIBUTE_NORMAL);
   }
-  zo::FreshFile fresh = zo::createFresh(folder + std::wstring(prefix.substr(0, 3)), L".tmp",
-                                        GENERIC_WRITE, 0, FILE_ATTRIBUTE_NORMAL);
-  return fresh.file && fresh.file.close() ? fresh.name : std::wstring();
+  zo::FreshFile fresh;
+  for (std::wstring* text : {&fresh.name, &fresh.path}) text->reserve(MAX_PATH);
+  std::array<wchar_t, MAX_PATH> made{};
+  fresh.isOurs = zo::fileApi().tempName(folder.c_str(), std::wstring(prefix).c_str(), made);
+  for (std::wstring* text : {&fresh.name, &fresh.path}) text->assign(made.data());
+  return fresh;
 }
 
 }  // namespace
@@ -112,8 +114,9 @@ int ZoStdFileSystemImp::getTempFileName(ZoFileName& name, const ZoFileName& patt
         [](DWORD size, wchar_t* buffer) { return zo::fileApi().tempFolder(size, buffer); });
     if (folder.empty()) return report(L"getTempFileName");
   }
-  std::wstring made = temporaryFile(folder, pattern.fileName());
-  if (made.empty()) return report(L"getTempFileName");
-  name = made;
+  zo::FreshFile made = temporaryFile(folder, pattern.fileName());
+  if (!made.isOurs || !made.file.close()) return report(L"getTempFileName");
+  name = made.name;
+  made.isOurs = false;
   return ZoResult::ok;
 }

@@ -72,10 +72,11 @@ int ZoStdFileSystemImp::getRemote(const ZoFileName& remote, ZoFileName& local, b
     if (missing) {
       if (const int code = createDirectory(folder)) return code;
     }
-    const std::wstring beside = zo::freshName(zo::stemBeside(place), zo::kEndingBeside);
-    if (!server.get(zo::ftpPath(remote), zo::SystemPath(beside.c_str())) ||
-        !zo::putInPlace(beside, place, failIfExists)) {
-      zo::discard(beside);
+    zo::FreshFile beside = zo::nameFresh(zo::stemBeside(place), zo::kEndingBeside);
+    beside.isOurs = true;  // also what came in part
+    const zo::SystemPath target(place.fullName());
+    if (!server.get(zo::ftpPath(remote), beside.path.c_str()) ||
+        !zo::putInPlace(beside, target, failIfExists)) {
       return report(L"getRemote");
     }
     local = std::move(place);

@@ -153,6 +153,17 @@ struct ZoFileTransfer::Imp {
     std::erase_if(items, [](const Item& item) { return item.done; });
   }
 
+  // Without memory for it the item stays in the list all the same, and the result tells.
+  void note(const Item& item, int code) {
+    try {
+      static_cast<void>(failures.append(Failure{.source = item.source,
+                                                .target = item.target,
+                                                .code = code,
+                                                .reason = fileSystem().errorTxt()}));
+    } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): see above
+    }
+  }
+
   void begin() {
     dropDone();
     failures.removeAll();
@@ -170,11 +181,7 @@ struct ZoFileTransfer::Imp {
       const int code = transfer(item, mode);
       item.done = code == ZoResult::ok;
       if (!item.done && !cancelled) {
-        // Without memory for it the item stays in the list all the same, and the result tells.
-        static_cast<void>(failures.append(Failure{.source = item.source,
-                                                  .target = item.target,
-                                                  .code = code,
-                                                  .reason = fileSystem().errorTxt()}));
+        note(item, code);
       }
       ++filesDone;
       bytesDone += item.size;

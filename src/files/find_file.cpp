@@ -39,12 +39,14 @@ struct ZoFindFile::Imp {
                                   ? zo::FolderSearch(*server, zo::ftpPath(ZoFileName(path.c_str())))
                                   : zo::FolderSearch(path, subfolders ? L"*" : pattern);
     if (search.error()) return report(search.error());
+    path.reserve(path.size() + MAX_PATH);  // so that step() needs no memory for what it found
     levels.push_back({.search = std::move(search), .folder = path.size()});
     return ZoResult::ok;
   }
 
   const ZoFileName& currentName() {
-    if (std::exchange(nameIsOld, false)) name = std::wstring_view(path);
+    if (nameIsOld) name = std::wstring_view(path);
+    nameIsOld = false;
     return name;
   }
 
@@ -60,11 +62,13 @@ struct ZoFindFile::Imp {
     return false;
   }
 
-  // The next entry of all.
+  // The next entry of all. Where entering a folder throws, it is entered by the next call.
   bool step() {
-    if (std::exchange(entersNext, false)) {
-      path += server ? L'/' : L'\\';
+    if (entersNext) {
+      path.resize(levels.back().folder);
+      path.append(entry.cFileName).append(1, server ? L'/' : L'\\');
       enter();
+      entersNext = false;
     }
     while (!levels.empty()) {
       Level& level = levels.back();

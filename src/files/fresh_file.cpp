@@ -2,6 +2,7 @@
 
 #include <array>
 #include <atomic>
+#include <utility>
 
 #include "files/folder_search.h"
 #include "platform/file_api.h"
@@ -14,6 +15,13 @@ namespace {
 constexpr size_t kLongestStem = 200;
 
 std::wstring_view shortened(std::wstring_view name) { return name.substr(0, kLongestStem); }
+
+// What is of no use any more, read-only or not.
+void discard(const wchar_t* path) noexcept {
+  if (fileApi().removeFile(path) || GetLastError() != ERROR_ACCESS_DENIED) return;
+  fileApi().setAttributes(path, FILE_ATTRIBUTE_NORMAL);
+  fileApi().removeFile(path);
+}
 
 // Numbers that differ between processes and between calls. They only keep collisions rare: what
 // exists is never touched.
@@ -36,19 +44,36 @@ std::wstring freshName(std::wstring_view stem, std::wstring_view ending) {
   return std::wstring(stem).append(hexadecimal(nextNumber())).append(ending);
 }
 
+FreshFile::FreshFile(FreshFile&& other) noexcept
+    : file(std::move(other.file)),
+      name(std::move(other.name)),
+      path(std::move(other.path)),
+      isOurs(std::exchange(other.isOurs, false)) {}
+
+FreshFile::~FreshFile() {
+  const KeptError kept;
+  file.close();
+  if (isOurs) discard(path.c_str());
+}
+
+FreshFile nameFresh(std::wstring_view stem, std::wstring_view ending) {
+  FreshFile fresh;
+  fresh.name = freshName(stem, ending);
+  fresh.path = static_cast<const wchar_t*>(SystemPath(fresh.name.c_str()));
+  return fresh;
+}
+
 FreshFile createFresh(std::wstring_view stem, std::wstring_view ending, DWORD access, DWORD share,
                       DWORD flags) {
   constexpr int kAttempts = 1000;
-  FreshFile fresh;
-  for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    fresh.name = freshName(stem, ending);
-    fresh.file = OpenFile(
-        fileApi().create(SystemPath(fresh.name.c_str()), access, share, CREATE_NEW, flags));
-    if (fresh.file) break;
+  for (int attempt = 1;; ++attempt) {
+    FreshFile fresh = nameFresh(stem, ending);
+    fresh.file = OpenFile(fileApi().create(fresh.path.c_str(), access, share, CREATE_NEW, flags));
+    fresh.isOurs = static_cast<bool>(fresh.file);
     const DWORD error = GetLastError();
-    if (error != ERROR_FILE_EXISTS && error != ERROR_ALREADY_EXISTS) break;
+    const bool isTaken = error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS;
+    if (fresh.file || !isTaken || attempt == kAttempts) return fresh;
   }
-  return fresh;
 }
 
 std::wstring temporaryStem(const ZoFileName& name) {

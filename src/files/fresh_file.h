@@ -13,11 +13,22 @@ namespace zo {
 // A name that most likely nothing has: stem, eight hexadecimal digits, ending.
 [[nodiscard]] std::wstring freshName(std::wstring_view stem, std::wstring_view ending);
 
+// One of them: closed and removed with this object as long as it is ours. That needs no memory, and
+// keeps the last error.
 struct FreshFile {
+  FreshFile() = default;
+  FreshFile(FreshFile&& other) noexcept;
+  FreshFile& operator=(FreshFile&&) = delete;
+  ~FreshFile();
+
   OpenFile file;  // none when it could not be made; GetLastError() then says why
   std::wstring name;
+  std::wstring path;    // the name as the platform takes it (platform/system_path.h)
+  bool isOurs = false;  // it is there, and is to go; false also keeps it
 };
 
+// A name for one that is yet to be made.
+[[nodiscard]] FreshFile nameFresh(std::wstring_view stem, std::wstring_view ending);
 // Makes one and opens it. The stem begins with the folder.
 [[nodiscard]] FreshFile createFresh(std::wstring_view stem, std::wstring_view ending,
                                     unsigned long access, unsigned long share, unsigned long flags);

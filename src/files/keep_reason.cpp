@@ -17,7 +17,11 @@ int keepReason(const wchar_t* operation, DWORD error, int code, ZoFileSystem* se
   if (!service) service = serviceOrNull<ZoFileSystem>();
   SetLastError(error);
   if (service) {
-    service->errorIO(operation);
+    try {
+      service->errorIO(operation);
+    } catch (const std::bad_alloc&) {
+      keptError = error;  // what failed has failed, and is not to throw
+    }
   } else {
     keptError = error;
   }

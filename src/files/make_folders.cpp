@@ -41,6 +41,22 @@ struct Server {
   FtpConnection& connection;
 };
 
+// What was made on the way, removed again unless all could be made.
+template <class Place>
+struct Made {
+  ~Made() {
+    if (folders.empty()) return;
+    try {
+      const typename Place::Kept kept;
+      for (std::size_t i = folders.size(); i-- > 0;) place.remove(folders[i]);
+    } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): empty folders stay
+    }
+  }
+
+  Place& place;
+  std::vector<std::wstring> folders = {};
+};
+
 // From the folder upwards until one can be made, and down again. Somebody else may make a folder on
 // the way, but not the last one.
 template <class Place>
@@ -54,16 +70,16 @@ bool makeAll(Place place, const std::wstring& path) {
     if (parent.empty() || !place.lacks(parent)) return false;
     missing.push_back(std::move(parent));
   }
-  std::vector<std::wstring> made;
+  Made<Place> made{.place = place};
+  made.folders.reserve(missing.size());
   while (missing.size() > 1) {
-    if (isOurs) made.push_back(std::move(missing.back()));
+    if (isOurs) made.folders.push_back(std::move(missing.back()));
     missing.pop_back();
     isOurs = place.make(missing.back());
     if (isOurs || (missing.size() > 1 && place.isThere(missing.back()))) continue;
-    const typename Place::Kept kept;
-    for (std::size_t i = made.size(); i-- > 0;) place.remove(made[i]);
     return false;
   }
+  made.folders.clear();
   return true;
 }
 

@@ -1,17 +1,15 @@
 #include "files/replace_file.h"
 
-#include "files/fresh_file.h"
 #include "names/name_compare.h"
 #include "platform/open_file.h"
-#include "platform/system_path.h"
 
 namespace zo {
 namespace {
 
 // Refuses what the renaming would refuse in the end, and a read-only target, which some platforms
 // would replace.
-bool mayReplace(const ZoFileName& target, bool failIfExists) {
-  const DWORD attributes = fileApi().attributes(SystemPath(target.fullName()));
+bool mayReplace(const SystemPath& target, bool failIfExists) noexcept {
+  const DWORD attributes = fileApi().attributes(target);
   if (attributes == INVALID_FILE_ATTRIBUTES) return true;  // what is wrong with it, others will say
   const bool readOnly = (attributes & FILE_ATTRIBUTE_READONLY) != 0;
   if (failIfExists || readOnly)
@@ -36,12 +34,12 @@ std::wstring_view lastOf(std::wstring_view path) {
 }
 
 // Whether the file system calls it so, case included; true if that cannot be told.
-bool isCalled(const std::wstring& path) {
+bool isCalled(std::wstring_view name, const SystemPath& path) {
   WIN32_FIND_DATAW entry;
-  HANDLE search = fileApi().findFirst(SystemPath(path.c_str()), entry);
+  HANDLE search = fileApi().findFirst(path, entry);
   if (search == INVALID_HANDLE_VALUE) return true;
   fileApi().findClose(search);
-  return lastOf(path) == entry.cFileName || !equalNames(lastOf(path), entry.cFileName);
+  return name == entry.cFileName || !equalNames(name, entry.cFileName);
 }
 
 }  // namespace
@@ -53,12 +51,14 @@ bool differInCaseAtMost(const ZoFileName& a, const ZoFileName& b) {
 bool rename(const ZoFileName& from, const ZoFileName& to) {
   FileApi& api = fileApi();
   const SystemPath source(from.fullName()), target(to.fullName());
-  if (!api.move(source, target, 0)) return false;
   const std::wstring wanted(bare(to));
   const std::wstring_view before = lastOf(bare(from)), after = lastOf(wanted);
-  if (before == after || !equalNames(before, after) || isCalled(wanted)) return true;
-  const std::wstring between = freshName(stemBeside(ZoFileName(wanted)), kEndingBeside);
-  const SystemPath step(between.c_str());
+  const bool differsInCase = before != after && equalNames(before, after);
+  const std::wstring between =
+      differsInCase ? freshName(stemBeside(ZoFileName(wanted)), kEndingBeside) : std::wstring();
+  const SystemPath step(between.c_str()), found(wanted.c_str());
+  if (!api.move(source, target, 0)) return false;
+  if (!differsInCase || isCalled(after, found)) return true;
   if (!api.move(source, step, 0)) return false;
   if (api.move(step, target, 0)) return true;
   const KeptError kept;
@@ -66,32 +66,25 @@ bool rename(const ZoFileName& from, const ZoFileName& to) {
   return false;
 }
 
-bool putInPlace(const std::wstring& complete, const ZoFileName& target, bool failIfExists) {
+bool putInPlace(FreshFile& complete, const SystemPath& target, bool failIfExists) noexcept {
   if (!mayReplace(target, failIfExists)) return false;
   const DWORD flags = MOVEFILE_WRITE_THROUGH | (failIfExists ? 0 : MOVEFILE_REPLACE_EXISTING);
-  return fileApi().move(SystemPath(complete.c_str()), SystemPath(target.fullName()), flags);
+  complete.isOurs = !fileApi().move(complete.path.c_str(), target, flags);
+  return !complete.isOurs;
 }
 
 bool copyIntoPlace(const ZoFileName& from, const ZoFileName& to, bool failIfExists) {
-  if (!mayReplace(to, failIfExists)) return false;
+  const SystemPath source(from.fullName()), target(to.fullName());
+  if (!mayReplace(target, failIfExists)) return false;
   const std::wstring stem = stemBeside(to);
-  std::wstring beside;
-  bool copied = false;
-  do {
-    beside = freshName(stem, kEndingBeside);
-    copied = fileApi().copy(SystemPath(from.fullName()), SystemPath(beside.c_str()), true);
-  } while (!copied && GetLastError() == ERROR_FILE_EXISTS);
-  if (copied && putInPlace(beside, to, failIfExists)) return true;
-  discard(beside);
-  return false;
-}
-
-void discard(const std::wstring& name) noexcept {
-  const KeptError kept;
-  const SystemPath path(name.c_str());
-  if (fileApi().removeFile(path) || GetLastError() != ERROR_ACCESS_DENIED) return;
-  fileApi().setAttributes(path, FILE_ATTRIBUTE_NORMAL);
-  fileApi().removeFile(path);
+  for (;;) {
+    FreshFile beside = nameFresh(stem, kEndingBeside);
+    beside.isOurs = true;  // also what was copied in part
+    if (fileApi().copy(source, beside.path.c_str(), true))
+      return putInPlace(beside, target, failIfExists);
+    if (GetLastError() != ERROR_FILE_EXISTS) return false;
+    beside.isOurs = false;
+  }
 }
 
 }  // namespace zo

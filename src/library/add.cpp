@@ -5,7 +5,6 @@
 
 #include "bytes/crc32.h"
 #include "library/change.h"
-#include "library/time_value.h"
 
 namespace zo {
 namespace {
@@ -107,6 +106,23 @@ bool writeData(LibraryFile& file, RawEntry& entry, MemberSource& source, Progres
   return file.size() != compressedEnd || entry.end() == compressedEnd || file.cut(entry.end());
 }
 
+// A member among the names of a batch: taken out again unless it is kept.
+class ListedInBatch {
+ public:
+  ListedInBatch(LibraryIndex* batched, const RawEntry& entry) : batched_(batched) {
+    if (batched_) batched_->add(entry);
+  }
+  ListedInBatch(const ListedInBatch&) = delete;
+  ListedInBatch& operator=(const ListedInBatch&) = delete;
+  ~ListedInBatch() {
+    if (batched_) batched_->removeLast();
+  }
+  void keep() noexcept { batched_ = nullptr; }
+
+ private:
+  LibraryIndex* batched_;
+};
+
 }  // namespace
 
 int LibraryCore::add(MemberSource& source, const ZoFileName& member, const MemberTimes& times,
@@ -137,9 +153,7 @@ int LibraryCore::add(MemberSource& source, const ZoFileName& member, const Membe
   Progress watched = progress(source.size());
   entry.position = change.end();
   entry.record.number = change.nextNumber();
-  entry.record.created = timeValue(times.created);
-  entry.record.accessed = timeValue(times.accessed);
-  entry.record.written = timeValue(times.written);
+  times.storeIn(entry.record);
   entry.record.nameLength = static_cast<std::uint16_t>(entry.name.size());
   if (!watched.begin() || !change.reserve() ||
       !writeData(file, entry, source, watched, change.codecMemory(), mode, level) ||
@@ -153,13 +167,15 @@ int LibraryCore::add(MemberSource& source, const ZoFileName& member, const Membe
   // What takes another one's place is hidden until both change in one step.
   RawEntry first = entry;
   if (!gone.empty()) first.record.flags |= kIsDeleted;
+  change.makeRoom(gone.size() + 1);
+  ListedInBatch listed(isBatch ? &batched : nullptr, entry);
   if (!change.append(std::move(first))) return ZoResult::refused;
+  // A batch has it now: nothing throws from here on.
+  listed.keep();
   change.countMember();
   for (RawEntry& old : gone) change.patch(std::move(old));
-  if (!gone.empty()) change.patch(entry);
-  if (!isBatch) return change.commit();
-  batched.add(entry);
-  return ZoResult::ok;
+  if (!gone.empty()) change.patch(std::move(entry));
+  return isBatch ? ZoResult::ok : change.commit();
 }
 
 // ---- Many members in one step ----

@@ -45,6 +45,7 @@ bool Change::reserve() {
 }
 
 bool Change::append(RawEntry entry) {
+  makeRoom(1);
   std::vector<unsigned char> bytes = entry.bytes();
   if (entry.position == begin_) {
     firstEntry_ = bytes;
@@ -54,6 +55,13 @@ bool Change::append(RawEntry entry) {
   end_ = entry.end();
   appended_.push_back(std::move(entry));
   return true;
+}
+
+void Change::makeRoom(std::size_t count) {
+  for (std::vector<RawEntry>* entries : {&appended_, &patches_}) {
+    const std::size_t needed = entries->size() + count;
+    if (needed > entries->capacity()) entries->reserve(std::max(needed, 2 * entries->size()));
+  }
 }
 
 void Change::patch(RawEntry entry) {
@@ -138,13 +146,25 @@ int Change::commit() {
   isCommitted_ = true;
   keepIndex();
   // The change is made, whatever fails from here on: the next writer finishes it.
-  if (redoPosition_) static_cast<void>(core_.settle());
+  if (redoPosition_) core_.settleIfPossible();
   return ZoResult::ok;
 }
 
-void Change::keepIndex() {
+// The change is made: without memory for it, the index is made anew from the file when it is needed.
+void Change::keepIndex() noexcept {
   core_.isIndexed = false;
   core_.header.setCounter(counter_);
+  bool isKept = true;
+  try {
+    updateIndex();
+  } catch (const std::bad_alloc&) {
+    isKept = false;
+  }
+  core_.file.touch();
+  core_.isIndexed = isKept && core_.file.look(core_.indexed);
+}
+
+void Change::updateIndex() {
   if (marked_ && !appended_.empty()) {
     core_.index.clearFlags(marked_, kEndsScan);
   }
@@ -162,8 +182,6 @@ void Change::keepIndex() {
   }
   scan.redoPosition = redoPosition_;
   if (redoPosition_) scan.redo = patches_;
-  core_.file.touch();
-  core_.isIndexed = core_.file.look(core_.indexed);
 }
 
 void Change::takeBack() noexcept {

@@ -29,6 +29,8 @@ class Change {
   [[nodiscard]] bool reserve();
   // Adds an entry at end() whose data has been written.
   [[nodiscard]] bool append(RawEntry entry);
+  // Makes room for so many entries that are appended or patched next.
+  void makeRoom(std::size_t count);
   // Takes the place of the entry at that position, which may be one of the new ones.
   void patch(RawEntry entry);
   // Whether it is time to commit: a redo has a largest size.
@@ -43,7 +45,8 @@ class Change {
   [[nodiscard]] bool clearMark();
   [[nodiscard]] bool openGate();
   int patchInPlace();
-  void keepIndex();
+  void keepIndex() noexcept;
+  void updateIndex();
   void takeBack() noexcept;
 
   LibraryCore& core_;

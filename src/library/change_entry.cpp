@@ -2,7 +2,6 @@
 #include <algorithm>
 
 #include "library/change.h"
-#include "library/time_value.h"
 #include "names/name_compare.h"
 
 namespace zo {
@@ -110,9 +109,7 @@ int LibraryCore::setTimes(std::uint64_t position, const MemberTimes& times) {
   const IndexEntry* const found = index.at(position);
   RawEntry entry;
   if (!found || !load(*found, entry)) return ZoResult::refused;
-  entry.record.created = timeValue(times.created);
-  entry.record.accessed = timeValue(times.accessed);
-  entry.record.written = timeValue(times.written);
+  times.storeIn(entry.record);
   change.patch(std::move(entry));
   return change.commit();
 }

@@ -10,7 +10,6 @@
 #include "library/library_core.h"
 #include "library/member_data.h"
 #include "library/time_value.h"
-#include "platform/system_path.h"
 
 namespace zo {
 namespace {
@@ -44,13 +43,6 @@ class Target final : public ByteSink {
       : name_(name),
         fresh_(createFresh(stemBeside(name), kEndingBeside, GENERIC_READ | GENERIC_WRITE | DELETE,
                            FILE_SHARE_READ, FILE_ATTRIBUTE_NORMAL)) {}
-  ~Target() override {
-    if (fresh_.name.empty()) return;
-    const KeptError kept;
-    const bool wasMade = static_cast<bool>(fresh_.file);
-    fresh_.file.close();
-    if (wasMade || isClosed_) discard(fresh_.name);
-  }
 
   [[nodiscard]] bool isOpen() const { return static_cast<bool>(fresh_.file); }
   bool write(Bytes bytes) noexcept override {
@@ -69,26 +61,21 @@ class Target final : public ByteSink {
                    written = fileTime(record.written);
     if (!fileApi().setTimes(fresh_.file.get(), &created, &accessed, &written)) return false;
     const SystemPath target(name_.fullName());
+    std::wstring renamed(target);
     if (fileApi().rename(fresh_.file.get(), target)) {
-      fresh_.name = target;
-      isClosed_ = true;
-      if (!fresh_.file.close()) return false;
-      fresh_.name.clear();
-      return true;
+      fresh_.path.swap(renamed);
+      fresh_.isOurs = !fresh_.file.close();
+      return !fresh_.isOurs;
     }
     // Something has the name, or the file system cannot do that.
     const bool replaces = fileApi().attributes(target) != INVALID_FILE_ATTRIBUTES;
     if (replaces && !fileApi().flush(fresh_.file.get())) return false;
-    isClosed_ = true;
-    if (!fresh_.file.close() || !putInPlace(fresh_.name, name_, false)) return false;
-    fresh_.name.clear();
-    return true;
+    return fresh_.file.close() && putInPlace(fresh_, target, false);
   }
 
  private:
   const ZoFileName& name_;
   FreshFile fresh_;
-  bool isClosed_ = false;
 };
 
 int copyStored(LibraryFile& file, const RawEntry& entry, ByteSink& out, std::uint32_t& crc) {

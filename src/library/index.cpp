@@ -32,7 +32,7 @@ std::wstring_view LibraryIndex::name(const IndexEntry& entry) const {
   return std::wstring_view(names_).substr(entry.nameBegin, entry.nameSize);
 }
 
-std::size_t& LibraryIndex::bucket(std::size_t hash) {
+std::size_t& LibraryIndex::bucket(std::size_t hash) noexcept {
   return buckets_[hash & (buckets_.size() - 1)];
 }
 
@@ -45,7 +45,7 @@ void LibraryIndex::link(std::size_t number) {
   *place = number;
 }
 
-void LibraryIndex::unlink(std::size_t number) {
+void LibraryIndex::unlink(std::size_t number) noexcept {
   std::size_t* place = &bucket(entries_[number - 1].hash);
   while (*place != number) place = &entries_[*place - 1].before;
   *place = entries_[number - 1].before;
@@ -66,12 +66,9 @@ void LibraryIndex::reserve(std::size_t count) {
 void LibraryIndex::add(const RawEntry& raw) {
   IndexEntry entry{.position = raw.position, .record = raw.record, .trailer = raw.trailer};
   keepName(entry, raw.name);
+  if (entries_.size() == buckets_.size()) makeBuckets(2 * (entries_.size() + 1));
   entries_.push_back(entry);
-  if (entries_.size() > buckets_.size()) {
-    makeBuckets(2 * entries_.size());
-  } else {
-    link(entries_.size());
-  }
+  link(entries_.size());
 }
 
 void LibraryIndex::replace(const RawEntry& raw) {
@@ -91,7 +88,7 @@ void LibraryIndex::clearFlags(std::uint64_t position, std::uint16_t flags) {
   }
 }
 
-void LibraryIndex::removeLast() {
+void LibraryIndex::removeLast() noexcept {
   unlink(entries_.size());
   entries_.pop_back();
 }

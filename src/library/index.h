@@ -28,12 +28,12 @@ class LibraryIndex {
   void clear();
   // Makes room for so many.
   void reserve(std::size_t count);
-  // Entries come in the order of the file.
+  // Entries come in the order of the file. One that cannot be added leaves all as it was.
   void add(const RawEntry& raw);
   // A new record and name for the entry at that position.
   void replace(const RawEntry& raw);
   void clearFlags(std::uint64_t position, std::uint16_t flags);
-  void removeLast();
+  void removeLast() noexcept;
 
   [[nodiscard]] const std::vector<IndexEntry>& entries() const { return entries_; }
   [[nodiscard]] std::wstring_view name(const IndexEntry& entry) const;
@@ -49,13 +49,13 @@ class LibraryIndex {
 
  private:
   [[nodiscard]] const IndexEntry* findFirst(std::wstring_view wanted, bool isLive) const;
-  [[nodiscard]] std::size_t& bucket(std::size_t hash);
+  [[nodiscard]] std::size_t& bucket(std::size_t hash) noexcept;
   [[nodiscard]] std::size_t newest(std::size_t hash) const;
   [[nodiscard]] bool isNamed(const IndexEntry& entry, std::wstring_view wanted,
                              std::size_t hash) const;
   void keepName(IndexEntry& entry, std::string_view bytes);
   void link(std::size_t number);
-  void unlink(std::size_t number);
+  void unlink(std::size_t number) noexcept;
   void makeBuckets(std::size_t count);
 
   std::vector<IndexEntry> entries_;

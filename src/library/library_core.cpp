@@ -5,7 +5,6 @@
 #include "library/change.h"
 #include "library/entry_search.h"
 #include "platform/ansi.h"
-#include "platform/system_path.h"
 #include "system/process_locks.h"
 
 namespace zo {
@@ -63,6 +62,17 @@ bool Progress::finish() { return done_ == total_ ? !cancelled_ : add(total_ - do
 
 // ---- Opening and closing ----
 
+// Leaves nothing open unless the code is 0 in the end.
+struct LibraryCore::ReleaseUnless {
+  ~ReleaseUnless() {
+    const KeptError kept;
+    if (code) core.release();
+  }
+
+  LibraryCore& core;
+  const int& code;
+};
+
 int LibraryCore::open(const ZoFileName& library, int access, ZoFile::CreationMode mode,
                       unsigned int timeOut) {
   if (const int code = close()) return code;
@@ -71,23 +81,32 @@ int LibraryCore::open(const ZoFileName& library, int access, ZoFile::CreationMod
     reportFailure(L"open");
     return ZoResult::refused;
   }
-  if (const int code = openFile(access, mode, timeOut)) {
-    file.take(OpenFile());
-    lock_.release();
-    return code;
-  }
+  int code = ZoResult::refused;
+  const ReleaseUnless opened{*this, code};
   name = library.deepCopy();
+  code = openFile(access, mode, timeOut);
+  if (code) return code;
   ++opening;
   writable = (access & ZoFile::kWrite) != 0;
-  // An open that worked has worked: what is wrong with the content, each call says for itself.
-  if (writable) static_cast<void>(settle(true));
+  if (writable) settleIfPossible(true);
   return ZoResult::ok;
 }
 
+// An open or a change that worked has worked: what is wrong with the content, or left to be done,
+// the next call says or does for itself, with memory for it.
+void LibraryCore::settleIfPossible(bool isOpening) noexcept {
+  try {
+    static_cast<void>(settle(isOpening));
+  } catch (const std::bad_alloc&) {
+    isIndexed = false;
+  }
+}
+
 int LibraryCore::openFile(int access, ZoFile::CreationMode mode, unsigned int timeOut) {
+  const SystemPath system(path.c_str());
   if (!(access & ZoFile::kWrite)) {
     const DWORD allowed = GENERIC_READ;
-    if (file.open(path, allowed, kReaderShare, mode)) return ZoResult::ok;
+    if (file.open(system, allowed, kReaderShare, mode)) return ZoResult::ok;
     reportFailure(L"open");
     return ZoResult::refused;
   }
@@ -98,7 +117,7 @@ int LibraryCore::openFile(int access, ZoFile::CreationMode mode, unsigned int ti
   if (mode == ZoFile::kCreateAlways) disposition = OPEN_ALWAYS;
   if (mode == ZoFile::kTruncateExisting) disposition = OPEN_EXISTING;
   for (;;) {
-    if (file.open(path, GENERIC_READ | GENERIC_WRITE, kWriterShare, disposition)) {
+    if (file.open(system, GENERIC_READ | GENERIC_WRITE, kWriterShare, disposition)) {
       if (file.lock()) return beginNew(mode);
       if (disposition == CREATE_NEW) disposition = OPEN_EXISTING;  // it is there now
     }
@@ -113,8 +132,9 @@ int LibraryCore::openFile(int access, ZoFile::CreationMode mode, unsigned int ti
 }
 
 // The file as it was, after it had to be closed.
-bool LibraryCore::reopen() {
-  return file.open(path, GENERIC_READ | GENERIC_WRITE, kWriterShare, OPEN_EXISTING) && file.lock();
+bool LibraryCore::reopen(const SystemPath& system) noexcept {
+  return file.open(system, GENERIC_READ | GENERIC_WRITE, kWriterShare, OPEN_EXISTING) &&
+         file.lock();
 }
 
 // A file that holds nothing, or no more than what a killed process wrote of a new library.
@@ -137,7 +157,17 @@ int LibraryCore::beginNew(ZoFile::CreationMode mode) {
 
 int LibraryCore::close() {
   if (!isOpen()) return ZoResult::ok;
-  const int code = endBatch();
+  int code = ZoResult::refused;
+  try {
+    code = endBatch();
+  } catch (const std::bad_alloc&) {  // it is closed all the same, without the batch
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    reportFailure(L"close");
+  }
+  return release() ? code : ZoResult::refused;
+}
+
+bool LibraryCore::release() noexcept {
   const bool closed = file.close();
   lock_.release();
   writable = false;
@@ -148,7 +178,7 @@ int LibraryCore::close() {
   name = ZoFileName();
   for (MemberPlace* const place : places) place->isGone = true;
   places.clear();
-  return closed ? code : ZoResult::refused;
+  return closed;
 }
 
 int LibraryCore::mayRead(const ZoFileName* member) const {

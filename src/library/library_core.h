@@ -16,6 +16,7 @@
 
 #include "library/index.h"
 #include "library/library_file.h"
+#include "library/time_value.h"
 #include "library/write_lock.h"
 
 namespace zo {
@@ -34,6 +35,12 @@ class FilesLock {
 
 struct MemberTimes {
   FILETIME created{}, accessed{}, written{};
+
+  void storeIn(EntryRecord& record) const noexcept {
+    record.created = timeValue(created);
+    record.accessed = timeValue(accessed);
+    record.written = timeValue(written);
+  }
 };
 
 // Where the data of a member that is open as a file stands: kept right when the library's file is
@@ -94,6 +101,8 @@ class LibraryCore {
   // The same for a writer, who also finishes or undoes what a killed one began. Opening does so
   // only where nothing can be lost by it.
   int settle(bool isOpening = false);
+  // The same after what has succeeded already.
+  void settleIfPossible(bool isOpening = false) noexcept;
   // Whether what follows the last entry is what a killed writer of this library leaves. Nothing else
   // is ever cut.
   [[nodiscard]] bool isOwnTail();
@@ -194,7 +203,10 @@ class LibraryCore {
   int buildIndex();
   [[nodiscard]] static int notFound(ScanEnd end);
   [[nodiscard]] const FirstFind* findFirst(const ZoFileName& member);
-  [[nodiscard]] bool reopen();
+  [[nodiscard]] bool reopen(const SystemPath& system) noexcept;
+  // Lets go of the file and all that is known of it. Needs no memory.
+  bool release() noexcept;
+  struct ReleaseUnless;
   void movePlaces(const std::function<bool(const IndexEntry&)>& drops);
   int recoverAt(Change& change, const IndexEntry& found);
   int finishRedo();

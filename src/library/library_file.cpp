@@ -6,7 +6,6 @@
 #include <algorithm>
 
 #include "library/time_value.h"
-#include "platform/system_path.h"
 
 namespace zo {
 namespace {
@@ -25,9 +24,9 @@ bool reportFailure(const wchar_t* operation) noexcept {
   return false;
 }
 
-bool LibraryFile::open(const std::wstring& path, DWORD access, DWORD share, DWORD disposition) {
-  take(OpenFile(fileApi().create(SystemPath(path.c_str()), access, share, disposition,
-                                 FILE_FLAG_RANDOM_ACCESS)));
+bool LibraryFile::open(const SystemPath& path, DWORD access, DWORD share,
+                       DWORD disposition) noexcept {
+  take(OpenFile(fileApi().create(path, access, share, disposition, FILE_FLAG_RANDOM_ACCESS)));
   return isOpen();
 }
 
@@ -37,7 +36,7 @@ void LibraryFile::take(OpenFile file) noexcept {
   position_ = kUnknown;
 }
 
-bool LibraryFile::close() { return file_.close() || reportFailure(L"close"); }
+bool LibraryFile::close() noexcept { return file_.close() || reportFailure(L"close"); }
 
 bool LibraryFile::look(Signature& signature) noexcept {
   std::int64_t size = 0;

@@ -6,10 +6,9 @@
 // Cost:    nothing is buffered: a call is a call of the platform, with a seek where needed.
 #pragma once
 
-#include <string>
-
 #include "persist/container.h"
 #include "platform/open_file.h"
+#include "platform/system_path.h"
 
 namespace zo {
 
@@ -25,11 +24,12 @@ class LibraryFile final : public ByteStore {
     bool operator==(const Signature&) const = default;
   };
 
-  // Does not report: an open may be tried again. Takes the name with the platform's prefix, if any.
-  [[nodiscard]] bool open(const std::wstring& path, DWORD access, DWORD share, DWORD disposition);
+  // Does not report: an open may be tried again.
+  [[nodiscard]] bool open(const SystemPath& path, DWORD access, DWORD share,
+                          DWORD disposition) noexcept;
   void take(OpenFile file) noexcept;
   [[nodiscard]] bool isOpen() const noexcept { return static_cast<bool>(file_); }
-  [[nodiscard]] bool close();
+  [[nodiscard]] bool close() noexcept;
 
   // As the file is now.
   [[nodiscard]] bool look(Signature& signature) noexcept;

@@ -223,8 +223,7 @@ int LibraryMember::setTimes(const MemberTimes& times) {
     return ZoResult::ok;
   }
   const int code = core_->setTimes(place_.entry.position, times);
-  const IndexEntry* const entry = core_->index.at(place_.entry.position);
-  if (code == ZoResult::ok && entry) place_.entry.record = entry->record;
+  if (code == ZoResult::ok) times.storeIn(place_.entry.record);
   return code;
 }
 

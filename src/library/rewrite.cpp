@@ -25,31 +25,24 @@ struct Range {
 class Beside {
  public:
   explicit Beside(const std::wstring& path)
-      : fresh_(createFresh(stemBeside(ZoFileName(std::wstring_view(path))), kEndingBeside,
+      : system_(path.c_str()),
+        fresh_(createFresh(stemBeside(ZoFileName(std::wstring_view(path))), kEndingBeside,
                            GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                           FILE_ATTRIBUTE_NORMAL)),
-        wasMade_(static_cast<bool>(fresh_.file)) {}
-  Beside(const Beside&) = delete;
-  Beside& operator=(const Beside&) = delete;
-  ~Beside() {
-    file_.take(OpenFile());
-    if (wasMade_ && !isInPlace_) discard(fresh_.name);
-  }
+                           FILE_ATTRIBUTE_NORMAL)) {}
 
-  [[nodiscard]] bool isOpen() const { return wasMade_; }
-  LibraryFile& file() {
+  [[nodiscard]] bool isOpen() const noexcept { return fresh_.isOurs; }
+  LibraryFile& file() noexcept {
     if (fresh_.file) file_.take(std::move(fresh_.file));
     return file_;
   }
-  bool putInPlaceOf(const std::wstring& path) {
-    isInPlace_ = putInPlace(fresh_.name, ZoFileName(std::wstring_view(path)), false);
-    return isInPlace_;
-  }
+  // That of the library.
+  [[nodiscard]] const SystemPath& systemPath() const noexcept { return system_; }
+  bool putInPlaceOfLibrary() noexcept { return putInPlace(fresh_, system_, false); }
 
  private:
+  SystemPath system_;
   FreshFile fresh_;
-  LibraryFile file_;
-  bool wasMade_, isInPlace_ = false;
+  LibraryFile file_;  // is closed before it is removed
 };
 
 // What stays, as few long ranges: all but what is dropped, entries without a name too.
@@ -123,16 +116,16 @@ int LibraryCore::rewrite(const std::function<bool(const IndexEntry&)>& drops) {
     return ZoResult::refused;
   }
   // The platform replaces no file that is open. The mutex keeps other writers out meanwhile, and
-  // the new file is locked already.
+  // the new file is locked already. Nothing throws until the library has a file again.
   isIndexed = false;
   static_cast<void>(file.close());
-  if (beside.putInPlaceOf(path)) {
+  if (beside.putInPlaceOfLibrary()) {
     file = std::move(copy);
     movePlaces(drops);
     return ZoResult::ok;
   }
   reportFailure(L"reorganize");
-  if (!reopen()) static_cast<void>(close());
+  if (!reopen(beside.systemPath())) release();
   return ZoResult::refused;
 }
 

@@ -57,7 +57,8 @@ UrlParts splitUrl(std::wstring_view name) noexcept {
 
 // ---- Sharing ----
 
-ZoFileName::ZoFileName() : imp_(new ZoFileNameImp) {}
+// Needs no memory: names are emptied where something is closed.
+ZoFileName::ZoFileName() : imp_(ZoFileNameImp::emptyName()) {}
 ZoFileName::ZoFileName(const wchar_t* text) : ZoFileName(zo::textOf(text)) {}
 ZoFileName::ZoFileName(const ZoString& text) : ZoFileName(text.view()) {}
 ZoFileName::ZoFileName(std::wstring_view text) : imp_(new ZoFileNameImp(text)) {}

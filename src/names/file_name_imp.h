@@ -18,7 +18,7 @@ class ZoFileNameImp {
   ZoFileNameImp(const ZoFileNameImp& other) noexcept : state_(other.state_) {}
   ZoFileNameImp& operator=(const ZoFileNameImp&) = delete;
 
-  // The name of all moved-from handles: it counts no holders, and is never changed or freed.
+  // The name of all empty and moved-from handles: counts no holders, is never changed or freed.
   [[nodiscard]] static ZoFileNameImp* emptyName() noexcept;
   void addHolder() noexcept {
     if (holders_ != kNotCounted) ++holders_;

@@ -8,6 +8,7 @@
 // Cost:    none for short absolute names; a relative one is measured against the current folder.
 #pragma once
 
+#include <concepts>
 #include <string>
 #include <string_view>
 
@@ -29,7 +30,7 @@ class SystemPath {
 // a buffer and the buffer, it gives what it wrote, or a size that is not smaller (the one it needs,
 // or the one it was given), or 0 for a failure.
 // Nothing comes of a failure, and GetLastError() is then as the call left it.
-template <class Call>
+template <std::invocable<unsigned long, wchar_t*> Call>
 std::wstring textOf(Call call) {
   std::wstring text(260, L'\0');
   for (;;) {

@@ -15,8 +15,6 @@
 #include <zo/config.h>
 #include <zo/files/file.h>
 
-#include <mutex>
-
 class ZoFileSystem;
 namespace zo {
 class FileBuffer;
@@ -93,12 +91,22 @@ class ZO_COM_API ZoFileImp {
   // Whether a file is open; reports if not.
   bool mayUse(const wchar_t* operation) const;
   std::FILE* noStream(unsigned long error) const;  // reports, and is null
-  void adopt(void* handle, const ZoFileName& name, int access, int share);
+  void adopt(void* handle, ZoFileName&& own, int access, int share) noexcept;
   int lockOrUnlock(bool lock, std::int64_t start, std::int64_t length, const wchar_t* operation);
   int setTime(FILETIME time, unsigned int which, const wchar_t* operation);
   FILETIME time(unsigned int which, const wchar_t* operation);
 
-  mutable std::mutex mutex_;
+  // Needs no memory, as a std::mutex does where its first lock makes it.
+  class Mutex {
+   public:
+    void lock() noexcept;
+    void unlock() noexcept;
+
+   private:
+    void* state_ = nullptr;  // the platform's SRWLOCK
+  };
+
+  mutable Mutex mutex_;
   ZoFileName name_;  // shares its parts with no other name, so that files can go to other threads
   void* handle_;
   unsigned int access_ = 0;

@@ -17,6 +17,12 @@
 
 #include <zo/files/file.h>
 
+#include <memory>
+
+namespace zo {
+struct FreshFile;
+}
+
 class ZO_COM_API ZoFileSave {
  public:
   ZoFileSave();
@@ -46,5 +52,5 @@ class ZO_COM_API ZoFileSave {
   ZoFile file_;
   Imp* imp_ = nullptr;  // file_'s
   ZoFileName target_;
-  ZoFileName beside_;  // empty when nothing is open
+  std::unique_ptr<zo::FreshFile> beside_;  // null when nothing is open
 };

@@ -107,7 +107,8 @@ class ZO_COM_API ZoLibrary {
   // Between these two addFile does not wait for the disk, and all that it adds becomes visible in
   // one step at the end, here too: adding thousands of members so takes a part of the time. Any
   // other change and close() end a batch; a second member of a name ends it and begins another. A
-  // killed process, and a library that is destroyed instead of closed, leave nothing of it.
+  // killed process, a library that is destroyed instead of closed, and an end that fails or throws
+  // leave nothing of it.
   [[nodiscard]] int beginBatch();
   [[nodiscard]] int endBatch();
   int cancelBatch();  // none of it is added
