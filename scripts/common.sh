@@ -37,3 +37,17 @@ zo_build() {
   fi
   zo_quietly "build-$preset" cmake --build --preset "$preset" "${targets[@]}"
 }
+
+# The files that differ from where the branch left main, or on main from the last commit but one; with those that are
+# not yet committed. Fails, and says nothing, where there is no history that tells: a tarball, a shallow clone.
+zo_changed_files() {
+  local main base=''
+  cd "$zo_root" && git rev-parse --verify --quiet HEAD >/dev/null || return 1
+  for main in origin/main main; do
+    base=$(git merge-base HEAD "$main" 2>/dev/null) && break
+  done
+  if [ -z "$base" ] || [ "$base" = "$(git rev-parse HEAD)" ]; then
+    base=$(git rev-parse --verify --quiet HEAD~1) || return 1
+  fi
+  { git diff --name-only --diff-filter=d "$base" && git ls-files --others --exclude-standard; } | sort -u
+}
