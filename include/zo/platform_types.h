@@ -1,5 +1,6 @@
-// The platform's types that public headers name, declared without windows.h and its macros. They are
-// the SDK's own (with STRICT, its default): who looks into one includes windows.h, before or after.
+// The platform's types that public headers name, declared without windows.h and its macros. They
+// are the SDK's own (with STRICT, its default): who looks into one includes windows.h, before or
+// after.
 #pragma once
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the platform's names

@@ -4,8 +4,8 @@
 //     log << zoResultText(code, ZoResultFamily::libraries);
 //
 // A code has its meaning from the family of the operation that gave it: 1000 is a check value that
-// does not match, or a file that the shell did not find. docs/results.md lists all of them. What the
-// platform said of a failure is another matter: the file-system service's errorTxt().
+// does not match, or a file that the shell did not find. docs/results.md lists all of them. What
+// the platform said of a failure is another matter: the file-system service's errorTxt().
 //
 // Errors:  nothing throws but std::bad_alloc.
 // Threads: any.

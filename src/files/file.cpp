@@ -48,13 +48,20 @@ int ZoFile::setImpObj(ZoFileImp* imp) {
   return ZoResult::ok;
 }
 
+// What was not closed is not made effective by opening another file.
+int ZoFile::makeReady() {
+  if (!imp_ || imp_->opensFiles()) return close();
+  cancel();
+  return setImpObj(new ZoFileImp);
+}
+
 int ZoFile::open(const ZoFileName& name, int access, CreationMode mode, int share, int flags) {
-  if (const int code = close()) return code;
+  if (const int code = makeReady()) return code;
   return getImpObj()->open(name, access, mode, share, flags);
 }
 
 int ZoFile::createTemp(ZoFileName& name, int access, CreationMode mode, int share, int flags) {
-  if (const int code = close()) return code;
+  if (const int code = makeReady()) return code;
   return getImpObj()->createTemp(name, access, mode, share, flags);
 }
 

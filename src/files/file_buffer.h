@@ -1,6 +1,6 @@
 // What holds bytes of an open file in a buffer of its own, as an archive over the file does. Before
-// anything else is done with the file it is told to let go of them, so that all of its users see one
-// position, as though there were no buffer.
+// anything else is done with the file it is told to let go of them, so that all of its users see
+// one position, as though there were no buffer.
 //
 // Threads: one, that of the file.
 #pragma once

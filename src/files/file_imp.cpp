@@ -269,6 +269,7 @@ int ZoFileImp::setLastWriteTime(FILETIME time) {
 }
 
 void ZoFileImp::cancel() { static_cast<void>(close()); }
+bool ZoFileImp::opensFiles() const noexcept { return true; }
 
 void* ZoFileImp::handle(bool give) {
   return give ? std::exchange(handle_, INVALID_HANDLE_VALUE) : handle_;

@@ -69,6 +69,30 @@ void Change::patch(RawEntry entry) {
   patches_.push_back(std::move(entry));
 }
 
+// A stored member of another maker may hold by chance a number that this change gives out. It is
+// taken from it: with a number that is given out, its other hints would count as this library's,
+// and what could be read so far would count as damaged.
+bool Change::disownNumbers() {
+  const std::uint32_t before = core_.header.counter();
+  if (core_.index.largestNumber() <= before) return true;
+  for (const IndexEntry& found : core_.index.entries()) {
+    const EntryRecord& record = found.record;
+    if (record.has(kIsCompressed) || record.number <= before || record.number > counter_) continue;
+    const auto patched =
+        std::ranges::find(patches_, found.position, [](const RawEntry& p) { return p.position; });
+    if (patched != patches_.end()) {
+      patched->record.number = 0;
+      continue;
+    }
+    RawEntry entry;
+    if (!core_.load(found, entry)) return false;
+    entry.record.number = 0;
+    makeRoom(1);
+    patch(std::move(entry));
+  }
+  return true;
+}
+
 bool Change::appendRedo() {
   if (patches_.empty()) return true;
   for (RawEntry& entry : patches_) {
@@ -139,6 +163,7 @@ int Change::commit() {
     }
   }
   LibraryFile& file = core_.file;
+  if (!disownNumbers()) return ZoResult::refused;
   // What a member left behind that was begun and not added.
   if (file.size() > end_ && !file.cut(end_)) return ZoResult::refused;
   if (!appendRedo() || !writeHeader() || !file.flush()) return ZoResult::refused;
@@ -150,7 +175,8 @@ int Change::commit() {
   return ZoResult::ok;
 }
 
-// The change is made: without memory for it, the index is made anew from the file when it is needed.
+// The change is made: without memory for it, the index is made anew from the file when it is
+// needed.
 void Change::keepIndex() noexcept {
   core_.isIndexed = false;
   core_.header.setCounter(counter_);

@@ -40,6 +40,7 @@ class Change {
   [[nodiscard]] ReusedMemory& codecMemory() { return codecMemory_; }
 
  private:
+  [[nodiscard]] bool disownNumbers();
   [[nodiscard]] bool appendRedo();
   [[nodiscard]] bool writeHeader();
   [[nodiscard]] bool clearMark();

@@ -12,6 +12,7 @@ void LibraryIndex::clear() {
   entries_.clear();
   names_.clear();
   buckets_.clear();
+  largestNumber_ = 0;
 }
 
 // Every ANSI code page has the ASCII characters in their places.
@@ -69,6 +70,7 @@ void LibraryIndex::add(const RawEntry& raw) {
   if (entries_.size() == buckets_.size()) makeBuckets(2 * (entries_.size() + 1));
   entries_.push_back(entry);
   link(entries_.size());
+  if (!raw.record.has(kIsCompressed)) largestNumber_ = std::max(largestNumber_, raw.record.number);
 }
 
 void LibraryIndex::replace(const RawEntry& raw) {

@@ -46,6 +46,8 @@ class LibraryIndex {
   }
   [[nodiscard]] std::vector<const IndexEntry*> allLive(std::wstring_view wanted) const;
   [[nodiscard]] const IndexEntry* at(std::uint64_t position) const;
+  // No stored member has a larger one.
+  [[nodiscard]] std::uint32_t largestNumber() const { return largestNumber_; }
 
  private:
   [[nodiscard]] const IndexEntry* findFirst(std::wstring_view wanted, bool isLive) const;
@@ -59,6 +61,7 @@ class LibraryIndex {
   void makeBuckets(std::size_t count);
 
   std::vector<IndexEntry> entries_;
+  std::uint32_t largestNumber_ = 0;
   std::wstring names_;
   std::vector<std::size_t> buckets_;  // the newest entry of each, counted from 1
 };

@@ -80,6 +80,8 @@ unsigned int ZoLibFile::read(void* buffer, unsigned int count) {
   return isOpen() && buffer ? member_->read(buffer, count) : 0;
 }
 
+bool ZoLibFile::opensFiles() const noexcept { return false; }
+
 unsigned int ZoLibFile::write(const void* data, unsigned int count) {
   const FilesLock lock;
   return isOpen() && data ? member_->write(data, count) : 0;

@@ -103,8 +103,8 @@ class LibraryCore {
   int settle(bool isOpening = false);
   // The same after what has succeeded already.
   void settleIfPossible(bool isOpening = false) noexcept;
-  // Whether what follows the last entry is what a killed writer of this library leaves. Nothing else
-  // is ever cut.
+  // Whether what follows the last entry is what a killed writer of this library leaves. Nothing
+  // else is ever cut.
   [[nodiscard]] bool isOwnTail();
   // Whether a member is being added behind the last one, or was when its writer was killed.
   [[nodiscard]] bool isBeingAdded() { return tailEnd() == ScanEnd::kClosedGate; }

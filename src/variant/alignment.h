@@ -73,9 +73,8 @@ class Alignment {
     if (d == 0) return {0, kOut};
     const Row& last = rows[static_cast<size_t>(d - 1)];
     return {i < d ? last[static_cast<size_t>(i)] : kOut,
-            i > 0 && last[static_cast<size_t>(i - 1)] != kOut
-                ? last[static_cast<size_t>(i - 1)] + 1
-                : kOut};
+            i > 0 && last[static_cast<size_t>(i - 1)] != kOut ? last[static_cast<size_t>(i - 1)] + 1
+                                                              : kOut};
   }
 
   // By prints alone; what is kept is asked in the end. False when it takes too many edits.
@@ -108,8 +107,7 @@ class Alignment {
     return false;
   }
   // The way back from the end, place x in the first and y in the second list.
-  void joinAlong(const std::vector<Row>& rows, const Gap& gap, std::ptrdiff_t x,
-                 std::ptrdiff_t y) {
+  void joinAlong(const std::vector<Row>& rows, const Gap& gap, std::ptrdiff_t x, std::ptrdiff_t y) {
     for (auto d = static_cast<std::ptrdiff_t>(rows.size()) - 1; d >= 0; --d) {
       const std::ptrdiff_t diagonal = x - y;
       auto [insertion, removal] = stepTo(rows, d, (diagonal + d) / 2);

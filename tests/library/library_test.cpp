@@ -240,6 +240,41 @@ TEST_F(LibraryTest, KeepsTimesSizesAndModes) {
   }
 }
 
+// Numbers that the counter comes to, over fields that are no check value and no size of ours.
+TEST_F(LibraryTest, AMembersNumberByChanceDoesNotMakeItDamaged) {
+  std::string bytes = header();
+  for (unsigned i = 1; i <= 4; ++i) {
+    bytes += HandMade{.name = "m" + std::to_string(i),
+                      .data = "whole " + std::to_string(i),
+                      .number = i,
+                      .crc = i % 2 * 0x12345678,
+                      .size = i % 2 ? 7u : 7777u}
+                 .bytes();
+  }
+  put(path_, bytes);
+  const auto expectWhole = [&](ZoLibrary& library) {
+    for (const wchar_t* name : {L"m1", L"m2", L"m4"})
+      EXPECT_EQ(contentOf(library, name), "whole " + std::string(1, static_cast<char>(name[1])));
+  };
+  {
+    ZoLibrary library;
+    ASSERT_EQ(openForWriting(library), 0);
+    ASSERT_EQ(add(library, L"own 1", "own"), 0);
+    expectWhole(library);
+    ASSERT_EQ(library.beginBatch(), 0);
+    ASSERT_EQ(add(library, L"own 2", "own"), 0);
+    ASSERT_EQ(add(library, L"m3", "replaced", true), 0);
+    ASSERT_EQ(library.endBatch(), 0);
+    expectWhole(library);
+  }
+  ZoLibrary library;
+  ASSERT_EQ(library.open(path_), 0);
+  expectWhole(library);
+  EXPECT_EQ(contentOf(library, L"m3"), "replaced");
+  EXPECT_EQ(contentOf(library, L"own 2"), "own");
+  EXPECT_EQ(library.counter(), 3u);
+}
+
 // Files that other programs made, and what becomes of them when they are written to.
 TEST_F(LibraryTest, ReadsWhateverAFileHolds) {
   const std::string a = HandMade{.name = "a", .data = "first", .number = 77, .crc = 5}.bytes();

@@ -137,6 +137,20 @@ TEST_F(LibraryTest, WhatIsNotClosedIsNotAdded) {
       EXPECT_EQ(file.close(), 0);
       EXPECT_EQ(bytesOf(path_), before);
     }
+    // The object opens another file instead, whether that is there or not.
+    put(source_, "plain");
+    for (const ZoFileName& other : {name(L"missing"), source_}) {
+      ZoFile file;
+      ASSERT_EQ(library.getFile(file, L"member", ZoFile::kWrite), 0);
+      ASSERT_EQ(file.write("half", 4), 4u);
+      EXPECT_EQ(file.open(other) == 0, other == source_);
+      if (file.isOpen()) {
+        char content[8] = {};
+        EXPECT_EQ(file.read(content, 8), 5u);
+        EXPECT_STREQ(content, "plain");
+      }
+      EXPECT_EQ(bytesOf(path_), before);
+    }
     ASSERT_EQ(library.beginBatch(), 0);
     ASSERT_EQ(add(library, L"first of many", "1"), 0);
   }

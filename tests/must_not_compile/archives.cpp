@@ -6,7 +6,8 @@ enum Plain { kPlain };
 enum class Scoped { kOne };
 struct Part { int name; };
 
-void store(ZoArchive& archive, ZoDumpArchive& dump, ZoMemoryWriteArchive& memory, Part* part, float real, char c) {
+void store(ZoArchive& archive, ZoDumpArchive& dump, ZoMemoryWriteArchive& memory, Part* part,
+           float real, char c) {
   archive << "narrow";             // error: a pointer or narrow text: write a wide text
   int numbers[3] = {};
   archive << numbers;              // error: or what it points to

@@ -15,7 +15,8 @@
 namespace zo::test {
 namespace {
 
-// Once more where it throws: what failed for want of memory must not have broken what it belongs to.
+// Once more where it throws: what failed for want of memory must not have broken what it belongs
+// to.
 template <class Try>
 auto twice(Try once) {
   try {

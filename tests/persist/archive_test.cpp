@@ -70,7 +70,8 @@ TEST(Archive, ADumpPrintsTextsAndNumbersAsWhatTheyAre) {
   ZoDumpArchive dump;
   dump.printf(L"%s has %d of %s", ZoString(L"list"), std::size_t{3}, ZoFileName(L"m8.dwg"));
   dump.printf(L"100%%");
-  EXPECT_EQ(dump.dump(), L"\nlist has 3 of m8.dwg\n100%");
+  dump.print(L"%d %s", std::int64_t{1} << 40, std::wstring(L"x"));
+  EXPECT_EQ(dump.dump(), L"\nlist has 3 of m8.dwg\n100%\n1099511627776 x");
 }
 
 TEST(Archive, EveryValueHasItsBytesAndItsEntryAndComesBack) {
@@ -209,6 +210,21 @@ TEST(Archive, ContainersLieAtMostSoDeep) {
 }
 
 // What has no stored type of its own, but one that fits.
+TEST(Archive, AVariantsTextKeepsItsZeros) {
+  const ZoVariant text(ZoString(std::wstring_view(L"a\0b", 3)));
+  PlainArchive plain;
+  ZoMemoryWriteArchive memory;
+  for (ZoArchive* archive : {static_cast<ZoArchive*>(&plain), static_cast<ZoArchive*>(&memory)})
+    *archive << text;
+  ASSERT_EQ(plain.bytes.size(), memory.bytes().size());
+  ZoMemoryReadArchive stored(memory.bytes());
+  for (ZoArchive* archive : {static_cast<ZoArchive*>(&plain), static_cast<ZoArchive*>(&stored)}) {
+    ZoVariant read;
+    *archive >> read;
+    EXPECT_EQ(read, text);
+  }
+}
+
 TEST(Archive, KindredTypesAndContainersComeBack) {
   ZoHashDict<ZoVariant, ZoString> dict;
   ASSERT_EQ(dict.insertAt(L"Key", list()), 0);

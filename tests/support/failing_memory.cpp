@@ -34,8 +34,9 @@ FailingMemory::~FailingMemory() { g_thread = 0; }
 
 bool FailingMemory::failed() const { return g_failed; }
 
-// An exception that finds no memory for itself takes it from the C++ runtime's reserve, and the lock
-// of that reserve is made with memory when it is first taken: here, before memory is gone for good.
+// An exception that finds no memory for itself takes it from the C++ runtime's reserve, and the
+// lock of that reserve is made with memory when it is first taken: here, before memory is gone for
+// good.
 bool FailingMemory::isPossible() {
   const FailingMemory failing(1, kOnce);
   try {

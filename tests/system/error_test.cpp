@@ -165,6 +165,10 @@ TEST(ComException, NamesItsPlaceByItself) {
   };
   const std::wstring here = L"error_test.cpp|" + std::to_wstring(__LINE__ + 1) + L"|";
   EXPECT_EQ(at([] { zoThrow(std::wstring(L"local").c_str()); }), here + L"1|local");
+  EXPECT_TRUE(at([] {
+                wchar_t buffer[] = L"buffer";
+                zoThrow(buffer);
+              }).ends_with(L"|1|buffer"));
   EXPECT_TRUE(at([] { zoThrow(ZoComException::kOutOfMemory); }).ends_with(L"|2|Out of Memory"));
 }
 

@@ -45,6 +45,8 @@ TEST(VariantReport, TellsTheFewestChangesThatCount) {
            {L"Sequence [Int 5 Int 1 Int 5 Int 2 Dict { \"x\" = Int 1 } Int 3 Int 5 Int 4]",
             L"Sequence [Int 1 Int 5 Int 2 Dict { \"x\" = Int 2 } Int 3 Int 5 Int 4 Int 9]",
             L"- 0: Int 5\n* 4/x: Int 1 -> Int 2\n+ 7: Int 9\n"},
+           {L"Sequence [Int 2 Int 3]", L"Sequence [Int 3 Int 2 Int 2 Int 1 Int 3 Int 3 Int 2]",
+            L"+ 0: Int 3\n+ 2: Int 2\n+ 3: Int 1\n+ 5: Int 3\n+ 6: Int 2\n"},
            {L"Sequence [Int 0 Sequence [Int 1 Int 2] Int 3]",
             L"Sequence [Sequence [Int 1 Int 2 Int 4] Int 3]", L"- 0: Int 0\n+ 0/2: Int 4\n"},
            {L"Sequence [Int 9 Int 1 Sequence [Int 2 Int 3]]",

@@ -66,6 +66,7 @@ class ZO_COM_API ZoFile {
   friend constexpr Access operator|(Access a, Access b) noexcept {
     return static_cast<Access>(static_cast<int>(a) | static_cast<int>(b));
   }
+  friend constexpr Access& operator|=(Access& a, Access b) noexcept { return a = a | b; }
   friend constexpr Share operator|(Share a, Share b) noexcept {
     return static_cast<Share>(static_cast<int>(a) | static_cast<int>(b));
   }
@@ -73,11 +74,12 @@ class ZO_COM_API ZoFile {
     return static_cast<Flag>(static_cast<int>(a) | static_cast<int>(b));
   }
 
- private:
   // Whether an argument may stand for one of a kind: a number, or of that kind itself.
   template <class T, class Kind>
   static constexpr bool kMayBe =
       std::is_same_v<T, Kind> || (std::is_integral_v<T> && !std::is_same_v<T, bool>);
+
+ private:
   template <class A, class M, class S, class F>
   static constexpr bool kMixedUp = !(kMayBe<A, Access> && std::is_same_v<M, CreationMode> &&
                                      kMayBe<S, Share> && kMayBe<F, Flag>);
@@ -110,8 +112,9 @@ class ZO_COM_API ZoFile {
   int setImpObj(ZoFileImp* imp);
 
   // ---- Opening and closing ----
-  // Opens a file, after closing the one that is open. A URL with a local alias opens the alias. A
-  // file opened for reading and writing gets the flag kRandomAccess, unless kSequential is given.
+  // Opens a file, after closing the one that is open (a member of a library: after giving it up). A
+  // URL with a local alias opens the alias. A file opened for reading and writing gets the flag
+  // kRandomAccess, unless kSequential is given.
   [[nodiscard]] int open(const ZoFileName& name, int access = kRead,
                          CreationMode mode = kOpenExisting, int share = kShareRead, int flags = 0);
   template <class A, class M = CreationMode, class S = Share, class F = Flag>
@@ -188,6 +191,8 @@ class ZO_COM_API ZoFile {
   [[nodiscard]] void* handle(bool give = false);
 
  private:
+  [[nodiscard]] int makeReady();
+
   ZoFileImp* imp_ = nullptr;  // none in an object that was moved from
 };
 

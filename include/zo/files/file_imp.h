@@ -67,6 +67,9 @@ class ZO_COM_API ZoFileImp {
 
   // As it stands: close(), whose failure is lost. A class that commits on close() drops instead.
   virtual void cancel();
+  // Whether another file can be opened by it. A ZoFile that opens one takes a plain implementation
+  // instead where this is false.
+  [[nodiscard]] virtual bool opensFiles() const noexcept;
 
   // ---- Buffers above the file: archives (zo/persist/file_archive.h) ----
   // A ZoFile calls these before it passes an operation on; classes derived have nothing to do.

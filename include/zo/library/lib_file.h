@@ -16,7 +16,8 @@
 // Library  When it is closed its members answer like closed files, and what was written to them and
 //          not closed is dropped.
 //
-// Errors:  those of zo/files/file.h, and of zo/library/library.h where an entry or member is written.
+// Errors:  those of zo/files/file.h, and of zo/library/library.h where an entry or member is
+//          written.
 // Copies:  of a ZoFile share position and member; it is added when the last one is closed, and
 //          dropped when the last one is destroyed instead, or any of them is cancelled. A copy for
 //          another access can only read, on its own, and only a member that is read.
@@ -62,6 +63,7 @@ class ZO_COM_API ZoLibFile : public ZoFileImp {
   [[nodiscard]] std::FILE* getCFileHandle(bool text, bool writable) override;
   [[nodiscard]] std::FILE* getCFileHandle(const wchar_t* mode) override;
   void cancel() override;
+  [[nodiscard]] bool opensFiles() const noexcept override;  // false: it is for its member alone
 
  private:
   std::shared_ptr<zo::LibraryMember> member_;  // null when closed

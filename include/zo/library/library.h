@@ -3,7 +3,8 @@
 //   ZoLibrary library;
 //   if (const int code = library.open(L"parts.lib", ZoFile::kReadWrite, ZoFile::kOpenAlways))
 //     return code;
-//   if (const int code = library.addFile(L"C:\\parts\\bolt.dwg", L"bolts/m8.dwg", true)) return code;
+//   const int code = library.addFile(L"C:\\parts\\bolt.dwg", L"bolts/m8.dwg", true);
+//   if (code != 0) return code;
 //   return library.extractFile(L"bolts/m8.dwg", L"C:\\out\\m8.dwg");
 //
 // Names    are kept as they are given, and compared ignoring case. They must have a form in the
@@ -24,9 +25,9 @@
 //          platform is to be had from the file-system service's errorTxt(). Nothing throws but
 //          std::bad_alloc, and then nothing is changed.
 // Threads: any, also on one object: one call runs at a time in a process, and others wait for it,
-//          isOpen() and name() too. Only moving and destroying are for one thread. The thread that opened a
-//          library for writing closes it (the platform ties the lock to it). Other processes read
-//          while one writes.
+//          isOpen() and name() too. Only moving and destroying are for one thread. The thread that
+//          opened a library for writing closes it (the platform ties the lock to it). Other
+//          processes read while one writes.
 // Cost:    the first search goes over the file up to the member; the second makes an index of all,
 //          with which finding is O(1). Both begin anew when another process has changed the file.
 //          Adding does not depend on what is there.
@@ -82,8 +83,7 @@ class ZO_COM_API ZoLibrary {
                          ZoFile::CreationMode mode = ZoFile::kOpenExisting,
                          unsigned int lockTimeOut = 5000);
   template <class Access, class TimeOut = unsigned int>
-    requires((!std::same_as<Access, int> && !std::same_as<Access, ZoFile::Access>) ||
-             std::same_as<TimeOut, bool>)
+    requires(!ZoFile::kMayBe<Access, ZoFile::Access> || std::same_as<TimeOut, bool>)
   int open(const ZoFileName&, Access, ZoFile::CreationMode = ZoFile::kOpenExisting,
            TimeOut = 0) = delete;  // the access comes first: ZoFile::kReadWrite, then the mode
   // Members that are open as files are closed for good: they read and write nothing any more.
@@ -128,13 +128,13 @@ class ZO_COM_API ZoLibrary {
   // The same for one of several deleted members of a name: an entry as forEachEntry gives it. 1
   // when it is no deleted member.
   [[nodiscard]] int recoverFile(const ZoLibEntry& entry);
-  // Opens a member as a file object (zo/library/lib_file.h): to read it, or with kWrite in access to
-  // write it anew; it is then added, replacing what has the name, when close() is called. `mode` is
-  // how it is added, with kNormal as the level.
+  // Opens a member as a file object (zo/library/lib_file.h): to read it, or with kWrite in access
+  // to write it anew; it is then added, replacing what has the name, when close() is called. `mode`
+  // is how it is added, with kNormal as the level.
   [[nodiscard]] int getFile(ZoFile& file, const ZoFileName& member, int access = ZoFile::kRead,
                             compMode mode = kCompress);
   template <class Access>
-    requires(!std::same_as<Access, int> && !std::same_as<Access, ZoFile::Access>)
+    requires(!ZoFile::kMayBe<Access, ZoFile::Access>)
   int getFile(ZoFile&, const ZoFileName&, Access,
               compMode = kCompress) = delete;  // the access comes first, then the compMode
   // Opens a member for reading as a stdio stream in binary mode, which the caller closes; null
@@ -142,7 +142,7 @@ class ZO_COM_API ZoLibrary {
   [[nodiscard]] int getCFile(std::FILE** stream, const ZoFileName& member,
                              int access = ZoFile::kRead, compMode mode = kCompress);
   template <class Access>
-    requires(!std::same_as<Access, int> && !std::same_as<Access, ZoFile::Access>)
+    requires(!ZoFile::kMayBe<Access, ZoFile::Access>)
   int getCFile(std::FILE**, const ZoFileName&, Access,
                compMode = kCompress) = delete;  // the access comes first, then the compMode
 
@@ -181,8 +181,8 @@ class ZO_COM_API ZoLibrary {
   // The counter in the header: raised by every addFile, never lowered.
   [[nodiscard]] std::uint32_t counter();
   // How the members end: 0 with the end of the file, or where another one is being added; else the
-  // number of bytes that follow the last member and are none. They are what a killed writer left, or
-  // damage, or stand behind a mark that ends the members before the file does.
+  // number of bytes that follow the last member and are none. They are what a killed writer left,
+  // or damage, or stand behind a mark that ends the members before the file does.
   [[nodiscard]] std::uint64_t trailingBytes();
   // Reads a member as a whole: 0 when it is as it was added, 1000 when its check value is not that
   // of its bytes, or its sizes differ that should not, 1 when it cannot be read. One without
@@ -193,9 +193,9 @@ class ZO_COM_API ZoLibrary {
   // swallowed, as far as check values or the entries that follow prove them. The report names what
   // was found, as it was read, and its code as by verify; members are copied when that is 0. With
   // 1001 a live one was copied as a deleted one, since another has its name: recoverFile brings it
-  // back. A place where the source cannot be read is reported with 1 and no name. Needs no scan that
-  // holds; answers 0 when it was not stopped by the report or a failure. Takes time in proportion
-  // to the file and what it decompresses to, whatever it holds.
+  // back. A place where the source cannot be read is reported with 1 and no name. Needs no scan
+  // that holds; answers 0 when it was not stopped by the report or a failure. Takes time in
+  // proportion to the file and what it decompresses to, whatever it holds.
   [[nodiscard]] int salvageInto(
       ZoLibrary& target, const std::function<bool(const ZoLibEntry&, int code)>& report = {});
 

@@ -22,7 +22,7 @@
 // choice: its readBin throws, or calls cameShort() and leaves the rest of its buffer alone. The
 // base class then gives zeros and empty values and reads on no further in the value at hand;
 // containers that lie too deep end a value likewise. What lies deeper is not written either: a
-// variant that is too deep throws before its first byte.
+// variant that is too deep throws before its first byte (a dump says so where it ends).
 //
 // Errors:  as the archive's readBin and writeBin report them; a ZoComException for a variant that
 //          is too deep to be written; nothing else throws but std::bad_alloc.
@@ -161,7 +161,7 @@ class ZO_COM_API ZoArchive {
   virtual void write(const ZoPoint& value, const wchar_t* name);
   // A name of more than 65535 characters is cut there.
   virtual void write(const ZoFileName& value, const wchar_t* name);
-  // A reference is written as its value, and a variant's text up to its first zero character.
+  // A reference is written as its value.
   virtual void write(const ZoVariant& value, const wchar_t* name);
   virtual void write(const ZoString& value, const wchar_t* name);
   virtual void write(ZoColor& value, const wchar_t* name);

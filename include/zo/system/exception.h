@@ -127,7 +127,8 @@ template <class Exception>
 }
 
 // Throw a ZoComException of this place of the program: its file without folders, function and line.
-// The text may be a local one. The first has the code kInternalError, the second the code's message.
+// The text may be a local one. The first has the code kInternalError, the second the code's
+// message.
 [[noreturn]] inline void zoThrow(
     const wchar_t* text, bool asError = true,
     const std::source_location& place = std::source_location::current()) {

@@ -8,8 +8,8 @@
 
 namespace zo {
 
-// The name behind the last delimiter: what lies before it is the matter of the machine that compiled
-// it.
+// The name behind the last delimiter: what lies before it is the matter of the machine that
+// compiled it.
 consteval const wchar_t* baseName(const wchar_t* path) {
   const std::size_t before = std::wstring_view(path).find_last_of(L"/\\");
   return before == std::wstring_view::npos ? path : path + before + 1;

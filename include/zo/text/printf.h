@@ -1,6 +1,6 @@
 // Formats of the printf family with arguments that keep their types:
 //
-//   ZoSystem::error().warning(ZO_FILE, __LINE__, L"%d parts left out of %s", parts.entries(), name);
+//   ZoSystem::error().warning(ZO_FILE, __LINE__, L"%d parts left out of %s", count, name);
 //
 // A format that is a literal is checked by the compiler: a count or a kind of arguments that does
 // not fit is an error whose text names one of zo::formatError. Any other format is taken at run
@@ -12,7 +12,7 @@
 //                       modifiers (ll, I64, h, ...) are read over
 //   %f %e %g %a %F ...  numbers, whole ones too
 //   %s %S               texts: ZoString and its views, ZoFileName, std::wstring, paths, pointers to
-//                       zero-terminated text (null is "(null)"); narrow ones are in the ANSI code page
+//                       zero-terminated text (null is "(null)"); narrow ones are ANSI text
 //   %c %C               characters, or their codes
 //   %p                  pointers
 //   %%                  a percent sign
@@ -35,8 +35,8 @@
 namespace zo {
 
 // What is wrong with a format: the compiler's error names one of these. They do not exist.
-// What the compiler names where a literal format does not fit. They do nothing: that the check comes
-// to one of them, which cannot be called while compiling, is the error.
+// What the compiler names where a literal format does not fit. They do nothing: that the check
+// comes to one of them, which cannot be called while compiling, is the error.
 namespace formatError {
 inline void tooFewArguments() {}   // the format has a conversion without an argument
 inline void tooManyArguments() {}  // an argument has no conversion in the format

@@ -497,7 +497,7 @@ class ZO_COM_API ZoString {
   // The text in the ANSI code page, zero-terminated; the caller frees it with delete[]. A character
   // that the code page cannot hold becomes \U+XXXX (four hexadecimal digits) per code unit. A text
   // that holds such seven characters itself cannot be told from an escaped one when it is read
-  // back.
+  // back; and a zero character ends what is read of it.
   [[nodiscard]] char* getMBString() const;
   // Takes text in the ANSI code page and undoes the escapes; \U+0000 gives a zero character and
   // does not end the text. Null counts as empty. Returns the string itself.

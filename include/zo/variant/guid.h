@@ -13,7 +13,8 @@
 #include <zo/text/string.h>
 
 // The platform's structure, as guiddef.h declares it and under its guard: that header brings macros
-// as short as FAR. It has the operators of GUIDs; include it, before or after this one, to use them.
+// as short as FAR. It has the operators of GUIDs; include it, before or after this one, to use
+// them.
 #if !defined(GUID_DEFINED)
 #define GUID_DEFINED
 typedef struct _GUID {  // NOLINT(bugprone-reserved-identifier, modernize-use-using)

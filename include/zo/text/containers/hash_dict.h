@@ -1,8 +1,8 @@
 // ZoHashDict<T, K, H>: a dictionary in a hash table. H is the key policy, ZoCIHashValue<K> unless
 // told otherwise: text keys ignore case.
 //
-// Made with 128 buckets and load factor 0.7; it doubles its buckets as it fills. The first insertion
-// makes the buckets, so an empty dictionary takes no memory beside itself. Entries are
+// Made with 128 buckets and load factor 0.7; it doubles its buckets as it fills. The first
+// insertion makes the buckets, so an empty dictionary takes no memory beside itself. Entries are
 // visited bucket by bucket, within a bucket in the order of insertion. Keys and values keep their
 // addresses until they are removed.
 //

@@ -1,7 +1,7 @@
 // Key policies of dictionaries: when keys are equal, and what they hash to.
 //
-// Two keys are one when they hash alike and compare equal: keys that compare equal should hash alike
-// and must have one fingerprint where they do. A dictionary calls the policy of its own
+// Two keys are one when they hash alike and compare equal: keys that compare equal should hash
+// alike and must have one fingerprint where they do. A dictionary calls the policy of its own
 // type H without virtual calls; ZoHashKey<K> shows any policy to the engine. A policy may offer
 // more for look-up (text_keys.h does):
 //   static Form lookUpForm(key)     what is hashed and compared, of a K or of another form of a key

@@ -4,12 +4,12 @@
 // printable ASCII.
 //
 // Two keys of a ZoHashDict are one when they are equal unit by unit after simple case folding and
-// the collation says so, too. A key of ASCII hashes as ZoString::hash(ignoreCase) does. That folds a
-// to z only, so a key with any other unit is hashed folded instead (upper case, and the few that
-// have three forms: final sigma, Kelvin, Angstrom, the digraphs in title case). Collation also takes
-// texts for equal that do not differ in case: sharp s and ss, a letter with an accent and the same in
-// two units, units without a weight. These are two keys of a ZoHashDict and one of a ZoTree, which
-// goes by the order alone. Letters beyond U+FFFF are not folded by either.
+// the collation says so, too. A key of ASCII hashes as ZoString::hash(ignoreCase) does. That folds
+// a to z only, so a key with any other unit is hashed folded instead (upper case, and the few that
+// have three forms: final sigma, Kelvin, Angstrom, the digraphs in title case). Collation also
+// takes texts for equal that do not differ in case: sharp s and ss, a letter with an accent and the
+// same in two units, units without a weight. These are two keys of a ZoHashDict and one of a
+// ZoTree, which goes by the order alone. Letters beyond U+FFFF are not folded by either.
 //
 // Fingerprints (vhash.h) differ between keys that do, but for a chance of length / 2^31 that nobody
 // can prepare: so a dictionary read from foreign data takes time in proportion to the data.

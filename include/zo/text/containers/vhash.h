@@ -19,8 +19,8 @@
 //          object. Whatever the keys, also when all hash alike: a chain that has come to kLongChain
 //          nodes makes the table index its nodes by hash value and fingerprint, and then insertion,
 //          look-up and removal take O(1) on average for keys whose fingerprints differ (text:
-//          always). The index takes 32 to 64 bytes for a node and 8 for a bucket; without memory for
-//          it chains are walked. Order and numbers are the same with and without it.
+//          always). The index takes 32 to 64 bytes for a node and 8 for a bucket; without memory
+//          for it chains are walked. Order and numbers are the same with and without it.
 #pragma once
 
 #include <zo/config.h>
@@ -223,8 +223,8 @@ class ZO_COM_API ZoVHashIterator {
   [[nodiscard]] bool isValid() const noexcept { return node() != nullptr; }
   [[nodiscard]] void* current() const noexcept;    // the value; null when not valid
   [[nodiscard]] const void* key() const noexcept;  // null when not valid
-  // To the next element behind the current one whose key compares equal: the one it stands on is not
-  // looked at, nor is the first by a fresh iterator.
+  // To the next element behind the current one whose key compares equal: the one it stands on is
+  // not looked at, nor is the first by a fresh iterator.
   bool findNext(const void* key, const zo::ElementCompare* compare);
   int remove(void* outValue);  // stands on the following element then
 
