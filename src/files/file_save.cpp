@@ -11,7 +11,8 @@
 class ZoFileSave::Imp : public ZoFileImp {
  public:
   explicit Imp(zo::FreshFile& fresh) : ZoFileImp(fresh.file.release()) {
-    setModes(ZoFileName(fresh.name), ZoFile::kReadWrite, ZoFile::kShareRead);
+    setModes(ZoFileName(fresh.name), static_cast<unsigned int>(ZoFile::kReadWrite),
+             ZoFile::kShareRead);
   }
 
   unsigned int write(const void* data, unsigned int count) override {
@@ -60,9 +61,9 @@ int ZoFileSave::fail() {
 int ZoFileSave::open(const ZoFileName& target) {
   cancel();
   if (target.isURL()) return zo::keepReason(L"save", ERROR_NOT_SUPPORTED, ZoResult::invalid);
-  auto fresh = std::make_unique<zo::FreshFile>(
-      zo::createFresh(zo::stemBeside(target), zo::kEndingBeside, ZoFile::kReadWrite,
-                      ZoFile::kShareRead, ZoFile::kRandomAccess));
+  auto fresh = std::make_unique<zo::FreshFile>(zo::createFresh(
+      zo::stemBeside(target), zo::kEndingBeside, static_cast<DWORD>(ZoFile::kReadWrite),
+      ZoFile::kShareRead, ZoFile::kRandomAccess));
   if (!fresh->file) return zo::keepReason(L"save");
   imp_ = new Imp(*fresh);
   file_.setImpObj(imp_);
