@@ -119,7 +119,7 @@ class Eraser {
     }
   }
 
-  std::wstring withDelimiter(std::wstring folder) const {
+  [[nodiscard]] std::wstring withDelimiter(std::wstring folder) const {
     if (!folder.empty() && !zo::isDelimiter(folder.back())) folder += place_.delimiter;
     return folder;
   }

@@ -54,7 +54,7 @@ struct Made {
   }
 
   Place& place;
-  std::vector<std::wstring> folders = {};
+  std::vector<std::wstring> folders;
 };
 
 // From the folder upwards until one can be made, and down again. Somebody else may make a folder on
@@ -70,7 +70,7 @@ bool makeAll(Place place, const std::wstring& path) {
     if (parent.empty() || !place.lacks(parent)) return false;
     missing.push_back(std::move(parent));
   }
-  Made<Place> made{.place = place};
+  Made<Place> made{.place = place, .folders = {}};
   made.folders.reserve(missing.size());
   while (missing.size() > 1) {
     if (isOurs) made.folders.push_back(std::move(missing.back()));

@@ -59,7 +59,8 @@ std::basic_ostream<Char>& write(std::basic_ostream<Char>& out, const ZoPoint& p)
 template <typename Char>
 std::basic_ostream<Char>& write(std::basic_ostream<Char>& out, const ZoMatrix& m) {
   Text<Char> text(out);
-  for (int row = 0; row < 4; ++row) text.add(row == 0 ? "(" : ", ", m.asDblArray() + 4 * row, 4);
+  for (std::size_t row = 0; row < 4; ++row)
+    text.add(row == 0 ? "(" : ", ", m.asDblArray() + 4 * row, 4);
   return text.add(")").send();
 }
 

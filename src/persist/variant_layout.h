@@ -61,10 +61,13 @@ void writeVariantValue(Archive& archive, const ZoVariant& value, const wchar_t* 
     case ZoVariant::kReal:
       return archive.write(value.asReal(), name);
     case ZoVariant::kString: {
-      // The bytes are the same; a text given by a pointer ends at its first zero.
       const ZoString text = value.asString();
-      if (text.contains(L'\0')) return archive.write(text, name);
-      return archive.write(text.data(), name);
+      // A client's archive is called with a pointer, which ends at the first zero. The bytes of the
+      // two forms are the same, so an archive of our own need not look for one.
+      if constexpr (std::is_same_v<Archive, ZoArchive>) {
+        if (!text.contains(L'\0')) return archive.write(text.data(), name);
+      }
+      return archive.write(text, name);
     }
     case ZoVariant::kPointer: {
       const auto word = reinterpret_cast<std::uintptr_t>(value.asPointer());

@@ -37,7 +37,7 @@ bool isMemoryRefused() noexcept;
 // as long as all is done. The first run has all its memory: it fills caches.
 template <class Make, class Act, class Check>
 void failEveryRequest(const char* what, Make make, Act act, Check check) {
-  if (!FailingMemory::isPossible()) GTEST_SKIP() << "needs the guarded heap";
+  ASSERT_TRUE(FailingMemory::isPossible()) << "start this program on the guarded heap";
   for (const FailingMemory::Then then : {FailingMemory::kOnce, FailingMemory::kForGood}) {
     for (unsigned n = 0;; ++n) {
       SCOPED_TRACE(testing::Message() << what << ", request " << n
