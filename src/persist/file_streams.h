@@ -82,7 +82,7 @@ class FileSink final : public ByteSink {
 // Runs operation(store, sink), which answers as ZoExplode's operations do, between two open files.
 template <class Operation>
 int betweenFiles(ZoFile& in, ZoFile& out, Operation operation) noexcept try {
-  FileStore store(in);
+  FileStore store(in);  // NOLINT(misc-const-correctness): the operation reads on in it
   FileSink sink(out);
   if (!store.isReadable() || !sink.isWritable()) return ZoResult::refused;
   int result = operation(store, sink);
