@@ -95,8 +95,9 @@ double dateOfTicks(std::int64_t ticks) noexcept {
 bool ticksOfDate(double date, std::int64_t& ticks) noexcept {
   if (!(date > -657435.0 && date < 2958466.0)) return false;
   const double days = std::trunc(date);
-  constexpr double kStepsPerDay = static_cast<double>(kTicksPerDay / kTicksPerStep);
-  const std::int64_t steps = std::llround(std::abs(date - days) * kStepsPerDay);
+  constexpr std::int64_t kStepsPerDay = kTicksPerDay / kTicksPerStep;
+  const std::int64_t steps =
+      std::llround(std::abs(date - days) * static_cast<double>(kStepsPerDay));
   ticks = kTicksOfDayZero + static_cast<std::int64_t>(days) * kTicksPerDay + steps * kTicksPerStep;
   return true;
 }
@@ -319,7 +320,7 @@ class ArrayReader {
     // All keys before any value: no value is read twice, whatever becomes of the array.
     std::vector<ZoVariant*> places;
     for (size_t row = 0; row < rows; ++row) {
-      ZoString key(viewOf(keys[row].bstrVal));
+      const ZoString key(viewOf(keys[row].bstrVal));
       const int result = dict.insertAt(key, ZoVariant());
       if (result == ZoResult::refused) return kNoDict;
       if (result != ZoResult::ok) throw std::bad_alloc();

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <ranges>
 #include <string_view>
 
 namespace zo {
@@ -96,10 +97,9 @@ void Outline::addElements(size_t index) {
   nodes_[index].first = first;
   nodes_[index].count = nodes_.size() - first;
   if (!nodes_[index].value->asDict()) return;
-  std::sort(nodes_.begin() + static_cast<std::ptrdiff_t>(first), nodes_.end(),
-            [](const OutlineNode& a, const OutlineNode& b) {
-              return std::less<const ZoVariant*>()(a.value, b.value);
-            });
+  std::sort(
+      nodes_.begin() + static_cast<std::ptrdiff_t>(first), nodes_.end(),
+      [](const OutlineNode& a, const OutlineNode& b) { return std::less<>()(a.value, b.value); });
 }
 
 const OutlineNode* Outline::at(const OutlineNode& dict, const ZoString& key) const {
@@ -108,7 +108,7 @@ const OutlineNode* Outline::at(const OutlineNode& dict, const ZoString& key) con
   const auto entries = elementsOf(dict);
   return &*std::lower_bound(entries.begin(), entries.end(), value,
                             [](const OutlineNode& node, const ZoVariant* wanted) {
-                              return std::less<const ZoVariant*>()(node.value, wanted);
+                              return std::less<>()(node.value, wanted);
                             });
 }
 
@@ -119,16 +119,16 @@ void Outline::addNumbers(NumberRanks& ranks) const {
 
 void Outline::print(const NumberRanks& ranks, const ZoVariantReportOptions& options) {
   // From the end, so that elements come before what holds them.
-  for (auto node = nodes_.rbegin(); node != nodes_.rend(); ++node) {
-    const bool isOrdered = node->value->asSequence() && !options.anyOrder;
-    std::uint64_t sum = node->count;  // in any order
-    for (const OutlineNode& element : elementsOf(*node)) {
+  for (OutlineNode& node : std::views::reverse(nodes_)) {
+    const bool isOrdered = node.value->asSequence() && !options.anyOrder;
+    std::uint64_t sum = node.count;  // in any order
+    for (const OutlineNode& element : elementsOf(node)) {
       const std::uint64_t key =
           element.key ? hashText(element.key->data(), element.key->length()).hash() : 0;
       const std::uint64_t print = joined(element.print, key);
       sum = isOrdered ? joined(sum, print) : sum + print;
     }
-    node->print = joined(printOfLeaf(*node->value, ranks, printOfHead(*node->value, options)), sum);
+    node.print = joined(printOfLeaf(*node.value, ranks, printOfHead(*node.value, options)), sum);
   }
 }
 

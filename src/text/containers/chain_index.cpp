@@ -7,6 +7,7 @@ namespace zo {
 
 template <class T>
 ChainIndex::Block<T> ChainIndex::makeBlock(std::size_t n) noexcept {
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): some elements are pointers
   Block<T> block(static_cast<T*>(allocateBlock(n * sizeof(T), alignof(T))));
   if (block) std::uninitialized_value_construct_n(block.get(), n);
   return block;

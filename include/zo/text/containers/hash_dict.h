@@ -102,7 +102,9 @@ class ZoHashDict : public ZoDict<T, K> {
     zo::assertCopyable<K, T>();
   }
   ZoHashDict(ZoHashDict&& other) noexcept
-      : ZoDict<T, K>(), hash_(std::move(other.hash_)), policy_(other.policy_) {}
+      : ZoDict<T, K>(),
+        hash_(std::move(other.hash_)),
+        policy_(other.policy_) {}  // NOLINT(performance-move-constructor-init): both need one
   ZoHashDict& operator=(const ZoHashDict& other) {
     zo::assertCopyable<K, T>();
     hash_ = other.hash_;
