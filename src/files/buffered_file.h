@@ -27,6 +27,19 @@ inline constexpr std::size_t kFileBuffer = std::size_t{64} << 10;
   return static_cast<unsigned int>(std::min(count, std::size_t{1} << 30));
 }
 
+// Writes all where one call may take only a part. Returns how many bytes were written: fewer only
+// after a failure.
+[[nodiscard]] inline std::size_t writeAll(ZoFile& file, const void* data, std::size_t count) {
+  const auto* const begin = static_cast<const std::byte*>(data);
+  std::size_t written = 0;
+  while (written < count) {
+    const std::size_t moved = file.write(begin + written, pieceOf(count - written));
+    if (moved == 0) break;
+    written += moved;
+  }
+  return written;
+}
+
 class FileReader {
  public:
   explicit FileReader(ZoFile& file, std::size_t capacity = kFileBuffer)
@@ -156,16 +169,11 @@ class FileWriter {
   }
 
   bool store(const std::byte* data, std::size_t count) {
-    while (count > 0 && !failed_) {
-      const std::size_t moved = file_.write(data, pieceOf(count));
-      if (moved == 0) {
-        failed_ = true;
-        capacity_ = 0;  // so that every write comes past here
-      }
-      bufferStart_ += static_cast<std::int64_t>(moved);
-      data += moved;
-      count -= moved;
-    }
+    if (failed_) return false;
+    const std::size_t moved = writeAll(file_, data, count);
+    bufferStart_ += static_cast<std::int64_t>(moved);
+    failed_ = moved < count;
+    if (failed_) capacity_ = 0;  // so that every write comes past here
     return !failed_;
   }
 

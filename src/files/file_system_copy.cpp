@@ -5,6 +5,7 @@
 #include "files/std_file_system_imp.h"
 #include "platform/open_file.h"
 #include "platform/system_path.h"
+#include "platform/write_all.h"
 
 #include <memory>
 
@@ -20,13 +21,7 @@ bool pour(HANDLE from, HANDLE to) {
     DWORD got = 0;
     if (!api.read(from, buffer.get(), kPiece, got)) return false;
     if (got == 0) return true;
-    for (DWORD written = 0, done = 0; written < got; written += done) {
-      if (!api.write(to, buffer.get() + written, got - written, done)) return false;
-      if (done == 0) {
-        SetLastError(ERROR_DISK_FULL);
-        return false;
-      }
-    }
+    if (zo::writeAll(to, buffer.get(), got) != got) return false;
   }
 }
 

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "files/buffered_file.h"
 #include "files/folder_search.h"
 #include "files/keep_reason.h"
 #include "files/replace_file.h"
@@ -96,11 +97,7 @@ struct ZoFileTransfer::Imp {
     for (std::int64_t moved = 0; moved < size;) {
       const unsigned int got = from.read(buffer.get(), kPiece);
       if (got == 0) return from.size() < size ? report(ERROR_HANDLE_EOF) : ZoResult::refused;
-      for (unsigned int written = 0; written < got;) {
-        const unsigned int done = save.file().write(buffer.get() + written, got - written);
-        if (done == 0) return ZoResult::refused;
-        written += done;
-      }
+      if (zo::writeAll(save.file(), buffer.get(), got) != got) return ZoResult::refused;
       moved += got;
       if (moved < size && !tell(item, moved)) return report(ERROR_CANCELLED);
     }

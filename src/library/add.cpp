@@ -1,10 +1,10 @@
 // Adding members: their data goes straight into the library's file.
 #include <zo/persist/zip.h>
 
-#include <vector>
-
-#include "bytes/crc32.h"
-#include "library/change.h"
+#include "library/copy.h"
+#include "library/operations.h"
+#include "library/time_value.h"
+#include "platform/ansi.h"
 
 namespace zo {
 namespace {
@@ -30,32 +30,29 @@ class WatchedSource final : public ByteSource {
   std::uint64_t size_ = 0;
 };
 
-class LibrarySink final : public ByteSink {
- public:
-  LibrarySink(LibraryFile& file, std::uint64_t at) : file_(file), begin_(at), at_(at) {}
-  bool write(Bytes bytes) noexcept override {
-    if (!file_.write(at_, bytes)) return false;
-    at_ += bytes.size();
-    return true;
-  }
-  [[nodiscard]] std::uint64_t size() const { return at_ - begin_; }
-
- private:
-  LibraryFile& file_;
-  std::uint64_t begin_, at_;
-};
-
 // Writes the data of an entry and fills in what follows from it.
 class DataWriter {
  public:
-  DataWriter(LibraryFile& file, MemberSource& source, Progress& progress, ReusedMemory& memory)
-      : file_(file), source_(source), progress_(progress), memory_(memory) {}
+  DataWriter(Change& change, MemberSource& source, Progress& progress)
+      : change_(change), source_(source), progress_(progress) {}
 
+  bool write(RawEntry& entry, ZoLibrary::compMode mode, int level) {
+    // A container has no room for more.
+    const bool mayCompress = mode != ZoLibrary::kStore && source_.size() <= kMaxContent;
+    if (!mayCompress) return store(entry);
+    if (!compress(entry, level)) return false;
+    if (mode != ZoLibrary::kAutomatic || entry.record.storedSize < source_.size()) return true;
+    const std::uint64_t compressedEnd = entry.end();
+    // What is left of the compressed form must not become part of the file.
+    return source_.restart() && store(entry) && change_.shorten(compressedEnd, entry.end());
+  }
+
+ private:
   bool compress(RawEntry& entry, int level) {
     WatchedSource source(source_, progress_);
-    LibrarySink sink(file_, entry.dataPosition());
+    DiskSink sink = change_.dataOf(entry);
     if (compressStream(source, source_.size(), levelOf(static_cast<unsigned>(level)), sink,
-                       &memory_)) {
+                       &change_.codecMemory())) {
       return false;
     }
     // Any other level is written as what it counts as.
@@ -63,53 +60,36 @@ class DataWriter {
     entry.record.mode = static_cast<std::uint16_t>(isKnown ? level : ZoLibrary::kNormal);
     entry.record.flags = kIsCompressed;
     fill(entry, source, sink);
+    entry.trailer = {.size = static_cast<std::uint32_t>(source.size()), .crc = source.crc()};
     return true;
   }
 
   bool store(RawEntry& entry) {
     WatchedSource source(source_, progress_);
-    LibrarySink sink(file_, entry.dataPosition());
-    for (Bytes piece; !(piece = source.next()).empty();) {
-      if (!sink.write(piece)) return false;
-    }
-    if (source.size() != source_.size()) return false;
-    entry.record.mode = 0;
+    DiskSink sink = change_.dataOf(entry);
+    if (!copyAll(source, sink) || source.size() != source_.size()) return false;
+    entry.record.mode = kStoredMode;
     entry.record.flags = 0;
     fill(entry, source, sink);
+    entry.trailer = {};
     return true;
   }
 
- private:
-  void fill(RawEntry& entry, const WatchedSource& source, const LibrarySink& sink) {
+  static void fill(RawEntry& entry, const WatchedSource& source, const DiskSink& sink) {
     entry.record.storedSize = sink.size();
     entry.record.size = source.size();
     entry.record.crc = source.crc();
   }
 
-  LibraryFile& file_;
+  Change& change_;
   MemberSource& source_;
   Progress& progress_;
-  ReusedMemory& memory_;
 };
-
-bool writeData(LibraryFile& file, RawEntry& entry, MemberSource& source, Progress& progress,
-               ReusedMemory& memory, ZoLibrary::compMode mode, int level) {
-  DataWriter writer(file, source, progress, memory);
-  // A container has no room for more.
-  const bool mayCompress = mode != ZoLibrary::kStore && source.size() <= kMaxContent;
-  if (!mayCompress) return writer.store(entry);
-  if (!writer.compress(entry, level)) return false;
-  if (mode != ZoLibrary::kAutomatic || entry.record.storedSize < source.size()) return true;
-  const std::uint64_t compressedEnd = entry.end();
-  if (!source.restart() || !writer.store(entry)) return false;
-  // What is left of the compressed form must not become part of the file.
-  return file.size() != compressedEnd || entry.end() == compressedEnd || file.cut(entry.end());
-}
 
 // A member among the names of a batch: taken out again unless it is kept.
 class ListedInBatch {
  public:
-  ListedInBatch(LibraryIndex* batched, const RawEntry& entry) : batched_(batched) {
+  ListedInBatch(Batch* batch, const RawEntry& entry) : batched_(batch ? &batch->members : nullptr) {
     if (batched_) batched_->add(entry);
   }
   ListedInBatch(const ListedInBatch&) = delete;
@@ -123,82 +103,87 @@ class ListedInBatch {
   LibraryIndex* batched_;
 };
 
-}  // namespace
-
-int LibraryCore::add(MemberSource& source, const ZoFileName& member, const MemberTimes& times,
-                     bool replace, ZoLibrary::compMode mode, int level) {
-  if (const int code = mayWrite(&member)) return code;
-  RawEntry entry;
-  if (!encodeName(member, entry.name)) return ZoResult::refused;
-  const bool isBatch = batch != nullptr;
-  const bool isAgain = isBatch && batched.findLive(member.view());
-  if (isAgain && !replace) return ZoResult::memberExists;
-  if (isAgain || (isBatch && batch->isFull())) {
-    if (const int code = endBatch()) return code;
-    if (const int code = beginBatch()) return code;
-  }
-  Change single(*this);
-  Change& change = isBatch ? *batch : single;
-  if (!isBatch) {
-    if (const int code = change.begin()) return code;
-  }
-  const std::vector<const IndexEntry*> replaced = index.allLive(member.view());
-  if (!replaced.empty() && !replace) return ZoResult::memberExists;
-  std::vector<RawEntry> gone(replaced.size());
+// The live members whose place a new one takes, as deleted ones.
+int loadReplaced(LibraryState& library, const NewMember& member, std::vector<RawEntry>& gone) {
+  const std::vector<const IndexEntry*> replaced = library.index().allLive(member.name.view());
+  if (!replaced.empty() && !member.replaces) return ZoResult::memberExists;
+  gone.resize(replaced.size());
   for (std::size_t i = 0; i < gone.size(); ++i) {
-    if (!load(*replaced[i], gone[i])) return ZoResult::refused;
-    gone[i].record.flags |= kIsDeleted;
+    if (!library.load(*replaced[i], gone[i])) return ZoResult::refused;
+    gone[i].record.set(kIsDeleted);
   }
+  return ZoResult::ok;
+}
 
-  Progress watched = progress(source.size());
+// Puts a member and what it replaces into a change that has begun. A failure leaves the change as
+// it was.
+int addTo(Change& change, LibraryState& library, RawEntry entry, MemberSource& source,
+          const NewMember& member) {
+  std::vector<RawEntry> gone;
+  if (const int code = loadReplaced(library, member, gone)) return code;
+  Progress watched = library.progress(source.size());
   entry.position = change.end();
   entry.record.number = change.nextNumber();
-  times.storeIn(entry.record);
+  member.times.storeIn(entry.record);
   entry.record.nameLength = static_cast<std::uint16_t>(entry.name.size());
   if (!watched.begin() || !change.reserve() ||
-      !writeData(file, entry, source, watched, change.codecMemory(), mode, level) ||
+      !DataWriter(change, source, watched).write(entry, member.mode, member.level) ||
       !watched.finish()) {
     return ZoResult::refused;
   }
-  if (entry.record.has(kIsCompressed)) {
-    entry.trailer = {.size = static_cast<std::uint32_t>(entry.record.size),
-                     .crc = entry.record.crc};
-  }
   // What takes another one's place is hidden until both change in one step.
   RawEntry first = entry;
-  if (!gone.empty()) first.record.flags |= kIsDeleted;
+  if (!gone.empty()) first.record.set(kIsDeleted);
   change.makeRoom(gone.size() + 1);
-  ListedInBatch listed(isBatch ? &batched : nullptr, entry);
+  ListedInBatch listed(library.batch.get(), entry);
   if (!change.append(std::move(first))) return ZoResult::refused;
   // A batch has it now: nothing throws from here on.
   listed.keep();
   change.countMember();
   for (RawEntry& old : gone) change.patch(std::move(old));
   if (!gone.empty()) change.patch(std::move(entry));
-  return isBatch ? ZoResult::ok : change.commit();
-}
-
-// ---- Many members in one step ----
-
-int LibraryCore::beginBatch() {
-  if (const int code = mayWrite()) return code;
-  auto change = std::make_unique<Change>(*this);
-  if (const int code = change->begin()) return code;
-  batch = std::move(change);
   return ZoResult::ok;
 }
 
-int LibraryCore::endBatch() {
-  const std::unique_ptr<Change> change = std::move(batch);
-  const bool isEmpty = batched.entries().empty();
-  batched.clear();
-  return change && !isEmpty ? change->commit() : ZoResult::ok;
+int addToBatch(LibraryState& library, RawEntry entry, MemberSource& source,
+               const NewMember& member) {
+  const bool isAgain = library.batch->members.findLive(member.name.view()) != nullptr;
+  if (isAgain && !member.replaces) return ZoResult::memberExists;
+  if (isAgain || library.batch->change.isFull()) {
+    if (const int code = beginBatch(library)) return code;
+  }
+  return addTo(library.batch->change, library, std::move(entry), source, member);
 }
 
-int LibraryCore::cancelBatch() {
-  if (const int code = mayWrite()) return code;
-  batched.clear();
-  batch.reset();
+}  // namespace
+
+bool encodeName(const ZoFileName& name, std::string& bytes) {
+  const std::wstring_view text = name.view();
+  bytes = toMultiByte(text);
+  return !bytes.empty() && bytes.size() <= kLargestName && fromMultiByte(bytes) == text;
+}
+
+void MemberTimes::storeIn(EntryRecord& record) const noexcept {
+  record.created = timeValue(created);
+  record.accessed = timeValue(accessed);
+  record.written = timeValue(written);
+}
+
+int addMember(LibraryState& library, MemberSource& source, const NewMember& member) {
+  RawEntry entry;
+  if (!encodeName(member.name, entry.name)) return ZoResult::refused;
+  if (library.batch) return addToBatch(library, std::move(entry), source, member);
+  Change change(library);
+  if (const int code = change.begin()) return code;
+  if (const int code = addTo(change, library, std::move(entry), source, member)) return code;
+  return change.commit();
+}
+
+// The one before is committed first.
+int beginBatch(LibraryState& library) {
+  auto batch = std::make_unique<Batch>(library);
+  if (const int code = batch->change.begin()) return code;
+  library.batch = std::move(batch);
   return ZoResult::ok;
 }
 

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "files/replace_file.h"
+
 namespace zo {
 namespace {
-
-constexpr std::uint64_t kFlagsAt = 50;
 
 Bytes part(const std::vector<unsigned char>& bytes, std::size_t begin, std::size_t count) {
   return Bytes(bytes).subspan(begin, count);
@@ -13,35 +13,23 @@ Bytes part(const std::vector<unsigned char>& bytes, std::size_t begin, std::size
 
 }  // namespace
 
-bool copyData(LibraryFile& file, const RawEntry& from, LibraryFile& target, std::uint64_t to,
-              Progress& progress) {
-  std::vector<unsigned char> buffer(static_cast<std::size_t>(
-      std::min<std::uint64_t>(from.record.storedSize, LibraryCore::kPiece)));
-  for (std::uint64_t done = 0; done < from.record.storedSize;) {
-    const auto count = static_cast<std::size_t>(
-        std::min<std::uint64_t>(buffer.size(), from.record.storedSize - done));
-    const std::span<unsigned char> piece(buffer.data(), count);
-    if (!file.read(from.dataPosition() + done, piece) || !target.write(to + done, piece)) {
-      return false;
-    }
-    done += count;
-    if (!progress.add(count)) return false;
-  }
-  return true;
-}
-
 int Change::begin() {
-  if (const int code = core_.settle()) return code;
-  begin_ = end_ = core_.scan.position;
-  counter_ = core_.header.counter();
-  if (core_.scan.end == ScanEnd::kMark) marked_ = core_.scan.lastEntry;
+  if (const int code = endBatch(library_)) return code;
+  if (const int code = settle(library_, Settling::kBeforeChange)) return code;
+  begin_ = end_ = library_.scan_.position;
+  counter_ = library_.header_.counter();
+  if (library_.scan_.end == ScanEnd::kMark) marked_ = library_.scan_.lastEntry;
   isBegun_ = true;
   return ZoResult::ok;
 }
 
 bool Change::reserve() {
   if (end_ != begin_) return true;
-  return core_.file.write(begin_, closedRecord(begin_)) && core_.file.flush();
+  return library_.file_.write(begin_, closedRecord(begin_)) && library_.file_.flush();
+}
+
+bool Change::shorten(std::uint64_t from, std::uint64_t to) {
+  return library_.file_.size() != from || to == from || library_.file_.cut(to);
 }
 
 bool Change::append(RawEntry entry) {
@@ -51,7 +39,7 @@ bool Change::append(RawEntry entry) {
     firstEntry_ = bytes;
     closeGate(gateOf(begin_), bytes);
   }
-  if (!core_.file.write(entry.position, bytes)) return false;
+  if (!library_.file_.write(entry.position, bytes)) return false;
   end_ = entry.end();
   appended_.push_back(std::move(entry));
   return true;
@@ -73,9 +61,9 @@ void Change::patch(RawEntry entry) {
 // taken from it: with a number that is given out, its other hints would count as this library's,
 // and what could be read so far would count as damaged.
 bool Change::disownNumbers() {
-  const std::uint32_t before = core_.header.counter();
-  if (core_.index.largestNumber() <= before) return true;
-  for (const IndexEntry& found : core_.index.entries()) {
+  const std::uint32_t before = library_.header_.counter();
+  if (library_.index_.largestNumber() <= before) return true;
+  for (const IndexEntry& found : library_.index_.entries()) {
     const EntryRecord& record = found.record;
     if (record.has(kIsCompressed) || record.number <= before || record.number > counter_) continue;
     const auto patched =
@@ -85,7 +73,7 @@ bool Change::disownNumbers() {
       continue;
     }
     RawEntry entry;
-    if (!core_.load(found, entry)) return false;
+    if (!library_.load(found, entry)) return false;
     entry.record.number = 0;
     makeRoom(1);
     patch(std::move(entry));
@@ -96,7 +84,7 @@ bool Change::disownNumbers() {
 bool Change::appendRedo() {
   if (patches_.empty()) return true;
   for (RawEntry& entry : patches_) {
-    if (entry.position == marked_) entry.record.flags &= static_cast<std::uint16_t>(~kEndsScan);
+    if (entry.position == marked_) entry.record.clear(kEndsScan);
   }
   if (patchBytes_ > kLargestRedo - kRedoTail) {
     SetLastError(ERROR_NOT_SUPPORTED);
@@ -108,97 +96,97 @@ bool Change::appendRedo() {
   redo.record.flags = kIsDeleted | kIsRedo;
   redo.record.nameLength = static_cast<std::uint16_t>(redo.name.size());
   redoPosition_ = redo.position;
-  return reserve() && core_.file.write(redo.dataPosition(), data) && append(std::move(redo));
+  return reserve() && library_.file_.write(redo.dataPosition(), data) && append(std::move(redo));
 }
 
 bool Change::writeHeader() {
-  if (counter_ == core_.header.counter()) return true;
-  LibraryHeader header = core_.header;
+  if (counter_ == library_.header_.counter()) return true;
+  LibraryHeader header = library_.header_;
   header.setCounter(counter_);
   isHeaderWritten_ = true;
-  return core_.file.write(0, header.bytes());
+  return library_.file_.write(0, header.bytes());
 }
 
 // With the gate behind it closed, a scan ends at the same place with the mark and without it.
 bool Change::clearMark() {
   if (!marked_) return true;
   isMarkTouched_ = true;
-  const auto flags = static_cast<unsigned char>(core_.scan.lastFlags & 0x7F);
-  return core_.file.write(marked_ + kFlagsAt, {&flags, 1}) && core_.file.flush();
+  const unsigned char byte = clearedMarkByte(library_.scan_.lastFlags);
+  return library_.file_.write(marked_ + kMarkAt, {&byte, 1}) && library_.file_.flush();
 }
 
 bool Change::openGate() {
   isGateTouched_ = true;
   const Gate gate = gateOf(begin_);
-  return core_.file.write(begin_ + gate.offset, part(firstEntry_, gate.offset, gate.size));
+  return library_.file_.write(begin_ + gate.offset, part(firstEntry_, gate.offset, gate.size));
 }
 
 // A change of bytes within one sector needs no more than to be written.
-int Change::patchInPlace() {
+Change::InPlace Change::patchInPlace() {
+  if (!appended_.empty() || patches_.size() != 1) return InPlace::kNotPossible;
+  DiskFile& file = library_.file_;
   const RawEntry& entry = patches_.front();
   const std::vector<unsigned char> after = entry.bytes();
   std::vector<unsigned char> before(after.size());
-  if (!core_.file.read(entry.position, before)) return ZoResult::refused;
+  if (!file.read(entry.position, before)) return InPlace::kFailed;
   const auto first = std::mismatch(after.begin(), after.end(), before.begin()).first;
   const auto last = std::mismatch(after.rbegin(), after.rend(), before.rbegin()).first.base();
-  if (first >= last) return ZoResult::ok;
+  if (first >= last) return InPlace::kDone;
   const auto begin = static_cast<std::size_t>(first - after.begin());
   const auto count = static_cast<std::size_t>(last - first);
   const std::uint64_t at = entry.position + begin;
-  if (!inOneSector(at, at + count)) return -1;
-  if (core_.file.write(at, part(after, begin, count)) && core_.file.flush()) return ZoResult::ok;
-  core_.isIndexed = false;
-  static_cast<void>(core_.file.write(at, part(before, begin, count)) && core_.file.flush());
-  return ZoResult::refused;
+  if (!inOneSector(at, at + count)) return InPlace::kNotPossible;
+  if (file.write(at, part(after, begin, count)) && file.flush()) return InPlace::kDone;
+  library_.isIndexed_ = false;
+  static_cast<void>(file.write(at, part(before, begin, count)) && file.flush());
+  return InPlace::kFailed;
+}
+
+// From the last flush on the change is made, and not before.
+bool Change::publish() {
+  DiskFile& file = library_.file_;
+  if (!disownNumbers()) return false;
+  // What a member left behind that was begun and not added.
+  if (file.size() > end_ && !file.cut(end_)) return false;
+  if (!appendRedo() || !writeHeader() || !file.flush()) return false;
+  return clearMark() && openGate() && file.flush();
 }
 
 int Change::commit() {
-  if (appended_.empty() && patches_.size() == 1) {
-    const int code = patchInPlace();
-    if (code == ZoResult::refused) return code;
-    if (code == ZoResult::ok) {
-      isCommitted_ = true;
-      keepIndex();
-      return code;
-    }
-  }
-  LibraryFile& file = core_.file;
-  if (!disownNumbers()) return ZoResult::refused;
-  // What a member left behind that was begun and not added.
-  if (file.size() > end_ && !file.cut(end_)) return ZoResult::refused;
-  if (!appendRedo() || !writeHeader() || !file.flush()) return ZoResult::refused;
-  if (!clearMark() || !openGate() || !file.flush()) return ZoResult::refused;
+  const InPlace inPlace = patchInPlace();
+  if (inPlace == InPlace::kFailed) return ZoResult::refused;
+  if (inPlace == InPlace::kNotPossible && !publish()) return ZoResult::refused;
   isCommitted_ = true;
   keepIndex();
   // The change is made, whatever fails from here on: the next writer finishes it.
-  if (redoPosition_) core_.settleIfPossible();
+  if (redoPosition_) settleQuietly(library_, Settling::kBeforeChange);
   return ZoResult::ok;
 }
 
 // The change is made: without memory for it, the index is made anew from the file when it is
 // needed.
 void Change::keepIndex() noexcept {
-  core_.isIndexed = false;
-  core_.header.setCounter(counter_);
+  library_.isIndexed_ = false;
+  library_.header_.setCounter(counter_);
   bool isKept = true;
   try {
     updateIndex();
   } catch (const std::bad_alloc&) {
     isKept = false;
   }
-  core_.file.touch();
-  core_.isIndexed = isKept && core_.file.look(core_.indexed);
+  library_.file_.touch();
+  library_.isIndexed_ = isKept && library_.file_.look(library_.indexed_);
 }
 
 void Change::updateIndex() {
   if (marked_ && !appended_.empty()) {
-    core_.index.clearFlags(marked_, kEndsScan);
+    library_.index_.clearFlags(marked_, kEndsScan);
   }
   for (const RawEntry& entry : appended_) {
-    if (entry.position != redoPosition_) core_.index.add(entry);
+    if (entry.position != redoPosition_) library_.index_.add(entry);
   }
-  for (const RawEntry& entry : patches_) core_.index.replace(entry);
-  ScanResult& scan = core_.scan;
+  for (const RawEntry& entry : patches_) library_.index_.replace(entry);
+  ScanResult& scan = library_.scan_;
   if (!appended_.empty()) {
     const RawEntry& last = appended_.back();
     scan.end = ScanEnd::kFileEnd;
@@ -212,23 +200,75 @@ void Change::updateIndex() {
 
 void Change::takeBack() noexcept {
   const KeptError kept;
-  LibraryFile& file = core_.file;
-  core_.isIndexed = false;
+  DiskFile& file = library_.file_;
+  library_.isIndexed_ = false;
   if (file.size() > begin_ && !file.cut(begin_) && isGateTouched_) {
     const Gate gate = gateOf(begin_);
     closeGate(gate, firstEntry_);
     static_cast<void>(file.write(begin_ + gate.offset, part(firstEntry_, gate.offset, gate.size)));
   }
-  const auto flags = static_cast<unsigned char>(core_.scan.lastFlags & 0xFF);
-  if (isMarkTouched_) static_cast<void>(file.write(marked_ + kFlagsAt, {&flags, 1}));
-  if (isHeaderWritten_) static_cast<void>(file.write(0, core_.header.bytes()));
+  const unsigned char mark = markByte(library_.scan_.lastFlags);
+  if (isMarkTouched_) static_cast<void>(file.write(marked_ + kMarkAt, {&mark, 1}));
+  if (isHeaderWritten_) static_cast<void>(file.write(0, library_.header_.bytes()));
   static_cast<void>(file.flush());
   file.touch();
 }
 
 Change::~Change() {
-  const bool wrote = core_.file.size() > begin_ || !appended_.empty() || isGateTouched_;
+  const bool wrote = library_.file_.size() > begin_ || !appended_.empty() || isGateTouched_;
   if (isBegun_ && !isCommitted_ && wrote) takeBack();
+}
+
+int endBatch(LibraryState& library) {
+  const std::unique_ptr<Batch> ended = std::move(library.batch);
+  return ended && !ended->members.entries().empty() ? ended->change.commit() : ZoResult::ok;
+}
+
+// ---- Changes of another kind ----
+
+int Change::setValue(std::uint64_t value) {
+  DiskFile& file = library_.file_;
+  LibraryHeader changed = library_.header_;
+  changed.setValue(value);
+  // One write within the first sector.
+  if (!file.write(0, changed.bytes()) || !file.flush()) {
+    library_.isIndexed_ = false;
+    static_cast<void>(file.write(0, library_.header_.bytes()) && file.flush());
+    return ZoResult::refused;
+  }
+  isCommitted_ = true;
+  library_.header_ = changed;
+  file.touch();
+  library_.isIndexed_ = file.look(library_.indexed_);
+  return ZoResult::ok;
+}
+
+int Change::cutTo(std::uint64_t size) {
+  DiskFile& file = library_.file_;
+  if (size == file.size()) return ZoResult::ok;
+  library_.isIndexed_ = false;
+  if (!file.cut(size)) return ZoResult::refused;
+  // It is done and cannot be taken back: a flush that fails leaves it to the platform when.
+  isCommitted_ = true;
+  static_cast<void>(file.flush());
+  file.touch();
+  return ZoResult::ok;
+}
+
+// The platform replaces no file that is open. The mutex keeps other writers out meanwhile, and the
+// new file is locked already. Nothing throws until the library has a file again.
+int Change::replaceBy(DiskFile copy, FreshFile& place, const SystemPath& library) {
+  DiskFile& file = library_.file_;
+  library_.isIndexed_ = false;
+  static_cast<void>(file.close());
+  isCommitted_ = true;  // nothing is to be taken back from either file
+  if (putInPlace(place, library, false)) {
+    file = std::move(copy);
+    return ZoResult::ok;
+  }
+  reportFailure(L"reorganize");
+  if (!file.openToWrite(library, OPEN_EXISTING) || !file.lock()) library_.release();
+  return ZoResult::refused;
 }
 
 }  // namespace zo

@@ -1,7 +1,6 @@
 #include "library/entry_search.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "bytes/crc32.h"
 #include "library/member_data.h"
@@ -14,17 +13,6 @@ constexpr std::size_t kLargestEntry = kRecordSize + kLargestName;  // without it
 constexpr std::size_t kLargestPiece = ReadWindow::kSize - kLargestEntry;
 constexpr std::size_t kSmallOverlap = 4096;  // where not all can be read
 constexpr int kMostFailures = 1000;          // in a row: then the device is gone
-
-template <class T>
-T load(const unsigned char* from) {
-  T value;
-  std::memcpy(&value, from, sizeof value);
-  return value;
-}
-
-bool isPlausibleName(const unsigned char* name, std::size_t length) {
-  return std::none_of(name, name + length, [](unsigned char c) { return c < 0x20; });
-}
 
 // Counts what comes, and has enough at some point.
 class LimitedSink final : public ByteSink {
@@ -93,13 +81,14 @@ std::uint64_t EntrySearch::searchPiece(std::uint64_t begin, std::uint64_t end) {
 // the next, but found it is not.
 void EntrySearch::consider(std::uint64_t position, const unsigned char* at, std::size_t count) {
   const std::uint64_t rest = window_.size() - position - kRecordSize;
-  const auto stored = load<std::uint64_t>(at + 8);
+  const EntrySizes sizes = entrySizes(at);
+  const std::uint64_t stored = sizes.storedSize;
   if (stored > rest) return;
-  const std::size_t nameLength = load<std::uint16_t>(at + 52);
+  const std::size_t nameLength = sizes.nameLength;
   if (nameLength > rest - stored) return;
   const bool isFollowed = knows(position + kRecordSize + nameLength + stored);
   if (nameLength == 0 && !isFollowed) return;
-  if (kRecordSize + nameLength > count || !isPlausibleName(at + kRecordSize, nameLength)) return;
+  if (kRecordSize + nameLength > count || !isPlausibleName({at + kRecordSize, nameLength})) return;
   RawEntry entry{.position = position, .name = std::string(nameLength, ' ')};
   entry.record = decodeRecord(std::span<const unsigned char, kRecordSize>(at, kRecordSize));
   if (entry.record == EntryRecord{} || isClosed(entry.record, position)) return;

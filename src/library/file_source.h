@@ -4,9 +4,10 @@
 #include <zo/files/file.h>
 
 #include <algorithm>
-#include <memory>
+#include <vector>
 
-#include "library/library_core.h"
+#include "library/copy.h"
+#include "library/operations.h"
 
 namespace zo {
 
@@ -27,7 +28,7 @@ class FileSource final : public MemberSource {
   explicit FileSource(ZoFile& file) : file_(file), begin_(file.currentPos()) {
     const std::int64_t end = file.size();
     if (begin_ >= 0 && end >= 0) size_ = static_cast<std::uint64_t>(std::max(end, begin_) - begin_);
-    const std::uint64_t room = std::min<std::uint64_t>(size_, LibraryCore::kPiece);
+    const std::uint64_t room = std::min<std::uint64_t>(size_, kPiece);
     buffer_.resize(std::max<std::size_t>(static_cast<std::size_t>(room), 1));
   }
 

@@ -1,16 +1,21 @@
 // Members by name: through the index; the first one after the file changed, without making it.
 #include <algorithm>
 
-#include "library/library_core.h"
+#include "library/operations.h"
+#include "library/read_member.h"
 #include "library/time_value.h"
 #include "names/name_compare.h"
 #include "platform/ansi.h"
+#include "text/code_units.h"
 
 namespace zo {
 namespace {
 
+// What users see of the flags is what the file has.
+static_assert(ZoLibEntry::kScanEnds == kEndsScan && ZoLibEntry::kCompressed == kIsCompressed &&
+              ZoLibEntry::kDeleted == kIsDeleted && ZoLibrary::kStore == kStoredMode);
+
 bool isAscii(wchar_t unit) { return unit < 0x7F; }
-wchar_t lowerAscii(wchar_t unit) { return unit >= 'A' && unit <= 'Z' ? unit + 32 : unit; }
 
 // Whether an entry's name is the wanted one, which is in ASCII: nearly always told by comparing
 // bytes. Every ANSI code page has the ASCII characters in their places.
@@ -23,14 +28,14 @@ bool isNamed(std::string_view bytes, std::wstring_view wanted) {
   return bytes.size() == wanted.size();
 }
 
-ZoLibEntry describe(std::uint64_t position, const EntryRecord& record,
-                    const ContentTrailer& trailer, std::uint32_t counter) {
+ZoLibEntry describe(const LibraryState& library, std::uint64_t position, const EntryRecord& record,
+                    const ContentTrailer& trailer) {
   const bool isCompressed = record.has(kIsCompressed);
   ZoLibEntry result;
   result.position = position;
   result.storedSize = record.storedSize;
   result.isProtected =
-      isCompressed || record.protectsStored(counter) || record.contradictsItself(counter);
+      isProtected(library, record) || record.contradictsItself(library.header().counter());
   result.size = isCompressed ? trailer.size : record.storedSize;
   result.created = fileTime(record.created);
   result.accessed = fileTime(record.accessed);
@@ -42,94 +47,89 @@ ZoLibEntry describe(std::uint64_t position, const EntryRecord& record,
   return result;
 }
 
-}  // namespace
-
-int LibraryCore::notFound(ScanEnd end) {
-  return end == ScanEnd::kMark ? ZoResult::memberNotFound : ZoResult::refused;
-}
-
-bool LibraryCore::load(const IndexEntry& from, RawEntry& entry) {
-  std::vector<unsigned char> bytes(kRecordSize + from.record.nameLength);
-  if (!file.read(from.position, bytes)) return false;
-  entry.position = from.position;
-  entry.record = decodeRecord(std::span(bytes).first<kRecordSize>());
-  entry.name.assign(bytes.begin() + kRecordSize, bytes.end());
-  entry.trailer = from.trailer;
-  return true;
-}
-
 // Who opens a library to read one member does not wait for an index of all. Null where only the
 // index can tell: for a second name, one that is not in ASCII, and where a redo may have a say.
-const LibraryCore::FirstFind* LibraryCore::findFirst(const ZoFileName& member) {
-  LibraryFile::Signature now;
-  if (batch || !file.look(now) || (isIndexed && indexed == now)) return nullptr;
+const FirstFind* findFirst(LibraryState& library, const ZoFileName& member) {
+  DiskFile::Signature now;
+  if (library.batch || !library.look(now) || library.isIndexOf(now)) return nullptr;
   const std::wstring_view wanted = member.view();
-  if (firstFind_ && firstFind_->signature == now) {
-    return equalNames(firstFind_->name, wanted) ? &*firstFind_ : nullptr;
-  }
-  firstFind_.reset();
+  std::optional<FirstFind>& kept = library.firstFind;
+  if (kept && kept->signature == now) return equalNames(kept->name, wanted) ? &*kept : nullptr;
+  kept.reset();
   if (!std::all_of(wanted.begin(), wanted.end(), isAscii)) return nullptr;
-  if (readHeader() || mayEndInRedo(file, now.size)) return nullptr;
+  if (library.readHeader() || mayEndInRedo(library.bytes(), now.size)) return nullptr;
   FirstFind found{.name = std::wstring(wanted), .signature = now};
-  const ScanResult scanned = scanEntries(file, now.size, [&](const RawEntry& entry) {
+  const auto isOther = [&](const RawEntry& entry) {
     if (!entry.record.isLive() || !isNamed(entry.name, wanted)) return true;
     found.entry = entry;
     return false;
-  });
-  if (scanned.end == ScanEnd::kUnreadable || !file.look(now) || !(now == found.signature)) {
+  };
+  const ScanEnd end = scanEntries(library.bytes(), now.size, isOther).end;
+  if (end == ScanEnd::kUnreadable || !library.look(now) || !(now == found.signature)) {
     return nullptr;
   }
-  if (scanned.end != ScanEnd::kStopped) found.code = notFound(scanned.end);
-  return &firstFind_.emplace(std::move(found));
+  if (end != ScanEnd::kStopped) found.code = notFound(end);
+  return &kept.emplace(std::move(found));
 }
 
-int LibraryCore::find(const ZoFileName& member, RawEntry& entry) {
-  if (const FirstFind* const found = findFirst(member)) {
+}  // namespace
+
+int notFound(ScanEnd end) {
+  return end == ScanEnd::kMark ? ZoResult::memberNotFound : ZoResult::refused;
+}
+
+int findMember(LibraryState& library, const ZoFileName& member, RawEntry& entry) {
+  if (const FirstFind* const found = findFirst(library, member)) {
     entry = found->entry;
     return found->code;
   }
   for (int attempt = 1;; ++attempt) {
-    if (const int code = refresh()) return code;
-    const IndexEntry* const found = index.findLive(member.view());
-    if (!found) return notFound();
-    const bool isRead = load(*found, entry);
+    if (const int code = library.refresh()) return code;
+    const IndexEntry* const found = library.index().findLive(member.view());
+    if (!found) return notFound(library.scan().end);
+    const bool isRead = library.load(*found, entry);
     const bool isSame = isRead && entry.record == found->record;
     // A redo that is not finished has the last word.
-    if (scan.redoPosition) entry.record = found->record;
-    if (isSame || (isRead && scan.redoPosition)) return ZoResult::ok;
-    if (attempt == kAttempts) return ZoResult::refused;
-    isIndexed = false;
+    if (library.scan().redoPosition) entry.record = found->record;
+    if (isSame || (isRead && library.scan().redoPosition)) return ZoResult::ok;
+    if (attempt == LibraryState::kAttempts) return ZoResult::refused;
+    library.forgetIndex();
   }
 }
 
-int LibraryCore::findAt(std::uint64_t position, RawEntry& entry) {
-  LibraryFile::Signature now;
-  if (firstFind_ && !firstFind_->code && firstFind_->entry.position == position && file.look(now) &&
-      firstFind_->signature == now) {
-    entry = firstFind_->entry;
+int findEntryAt(LibraryState& library, std::uint64_t position, RawEntry& entry) {
+  DiskFile::Signature now;
+  const std::optional<FirstFind>& kept = library.firstFind;
+  if (kept && !kept->code && kept->entry.position == position && library.look(now) &&
+      kept->signature == now) {
+    entry = kept->entry;
     return ZoResult::ok;
   }
-  if (const int code = refresh()) return code;
-  const IndexEntry* const found = index.at(position);
-  return found && load(*found, entry) ? ZoResult::ok : ZoResult::refused;
+  if (const int code = library.refresh()) return code;
+  const IndexEntry* const found = library.index().at(position);
+  return found && library.load(*found, entry) ? ZoResult::ok : ZoResult::refused;
 }
 
-bool LibraryCore::encodeName(const ZoFileName& name, std::string& bytes) {
-  const std::wstring_view text = name.view();
-  bytes = toMultiByte(text);
-  return !bytes.empty() && bytes.size() <= kLargestName && fromMultiByte(bytes) == text;
-}
-
-ZoLibEntry LibraryCore::publicEntry(const IndexEntry& entry) const {
-  ZoLibEntry result = describe(entry.position, entry.record, entry.trailer, header.counter());
-  result.name = index.name(entry);
+ZoLibEntry describe(const LibraryState& library, const IndexEntry& entry) {
+  ZoLibEntry result = describe(library, entry.position, entry.record, entry.trailer);
+  result.name = library.index().name(entry);
   return result;
 }
 
-ZoLibEntry LibraryCore::publicEntry(const RawEntry& entry) const {
-  ZoLibEntry result = describe(entry.position, entry.record, entry.trailer, header.counter());
+ZoLibEntry describe(const LibraryState& library, const RawEntry& entry) {
+  ZoLibEntry result = describe(library, entry.position, entry.record, entry.trailer);
   result.name = std::wstring_view(fromMultiByte(entry.name));
   return result;
+}
+
+int visitEntries(LibraryState& library, const std::function<bool(const ZoLibEntry&)>& visit,
+                 bool withDeleted) {
+  if (const int code = library.refresh()) return code;
+  for (const IndexEntry& entry : library.index().entries()) {
+    if (!withDeleted && !entry.record.isLive()) continue;
+    if (!visit(describe(library, entry))) break;
+  }
+  return ZoResult::ok;
 }
 
 }  // namespace zo

@@ -1,18 +1,15 @@
 #include "library/format.h"
 
-#include <algorithm>
 #include <bit>
-#include <cstring>
 
 #include "bytes/crc32.h"
+#include "bytes/little_endian.h"
 
 namespace zo {
 namespace {
 
 constexpr std::array<unsigned char, 16> kMagic = {'Z', 'O', 'R', 'V', 'E', 'X', ' ', 'L',
                                                   'I', 'B', 'R', 'A', 'R', 'Y', 0,   0};
-constexpr std::size_t kCounterAt = 20, kValueAt = 24;
-constexpr std::size_t kStoredSizeAt = 8, kFlagsAt = 50;
 
 static_assert(std::endian::native == std::endian::little);
 
@@ -38,59 +35,65 @@ void append(std::vector<unsigned char>& to, T value) {
 
 LibraryHeader LibraryHeader::fresh() {
   LibraryHeader header;
-  std::copy(kMagic.begin(), kMagic.end(), header.bytes_.begin());
+  std::copy(kMagic.begin(), kMagic.end(), header.bytes_.begin() + HeaderAt::magic);
   return header;
 }
 
 bool LibraryHeader::hasMagic() const {
-  return std::equal(kMagic.begin(), kMagic.end(), bytes_.begin());
+  return std::equal(kMagic.begin(), kMagic.end(), bytes_.begin() + HeaderAt::magic);
 }
 
 std::uint32_t LibraryHeader::counter() const {
-  return load<std::uint32_t>(bytes_.data() + kCounterAt);
+  return load<std::uint32_t>(bytes_.data() + HeaderAt::counter);
 }
 void LibraryHeader::setCounter(std::uint32_t counter) {
-  store(bytes_.data() + kCounterAt, counter);
+  store(bytes_.data() + HeaderAt::counter, counter);
 }
-std::uint64_t LibraryHeader::value() const { return load<std::uint64_t>(bytes_.data() + kValueAt); }
-void LibraryHeader::setValue(std::uint64_t value) { store(bytes_.data() + kValueAt, value); }
+std::uint64_t LibraryHeader::value() const {
+  return load<std::uint64_t>(bytes_.data() + HeaderAt::value);
+}
+void LibraryHeader::setValue(std::uint64_t value) { store(bytes_.data() + HeaderAt::value, value); }
 
 std::array<unsigned char, kHeaderSize> LibraryHeader::bytes() const {
   auto bytes = bytes_;
-  bytes[18] = bytes[19] = 0;
+  store<std::uint16_t>(bytes.data() + HeaderAt::unused, 0);
   return bytes;
 }
 
 bool EntryRecord::protectsStored(std::uint32_t counter) const {
-  return hasNumber(counter) && mode == 0 && size == storedSize && (crc != 0 || size == 0);
+  return hasNumber(counter) && mode == kStoredMode && size == storedSize && (crc != 0 || size == 0);
 }
 
 EntryRecord decodeRecord(std::span<const unsigned char, kRecordSize> bytes) {
   const unsigned char* const at = bytes.data();
-  return {.number = load<std::uint32_t>(at),
-          .crc = load<std::uint32_t>(at + 4),
-          .storedSize = load<std::uint64_t>(at + kStoredSizeAt),
-          .size = load<std::uint64_t>(at + 16),
-          .created = load<std::uint64_t>(at + 24),
-          .accessed = load<std::uint64_t>(at + 32),
-          .written = load<std::uint64_t>(at + 40),
-          .mode = load<std::uint16_t>(at + 48),
-          .flags = load<std::uint16_t>(at + kFlagsAt),
-          .nameLength = load<std::uint16_t>(at + 52)};
+  return {.number = load<std::uint32_t>(at + RecordAt::number),
+          .crc = load<std::uint32_t>(at + RecordAt::crc),
+          .storedSize = load<std::uint64_t>(at + RecordAt::storedSize),
+          .size = load<std::uint64_t>(at + RecordAt::size),
+          .created = load<std::uint64_t>(at + RecordAt::created),
+          .accessed = load<std::uint64_t>(at + RecordAt::accessed),
+          .written = load<std::uint64_t>(at + RecordAt::written),
+          .mode = load<std::uint16_t>(at + RecordAt::mode),
+          .flags = load<std::uint16_t>(at + RecordAt::flags),
+          .nameLength = load<std::uint16_t>(at + RecordAt::nameLength)};
 }
 
 void encodeRecord(const EntryRecord& record, std::span<unsigned char, kRecordSize> to) {
   unsigned char* const at = to.data();
-  store(at, record.number);
-  store(at + 4, record.crc);
-  store(at + kStoredSizeAt, record.storedSize);
-  store(at + 16, record.size);
-  store(at + 24, record.created);
-  store(at + 32, record.accessed);
-  store(at + 40, record.written);
-  store(at + 48, record.mode);
-  store(at + kFlagsAt, record.flags);
-  store(at + 52, record.nameLength);
+  store(at + RecordAt::number, record.number);
+  store(at + RecordAt::crc, record.crc);
+  store(at + RecordAt::storedSize, record.storedSize);
+  store(at + RecordAt::size, record.size);
+  store(at + RecordAt::created, record.created);
+  store(at + RecordAt::accessed, record.accessed);
+  store(at + RecordAt::written, record.written);
+  store(at + RecordAt::mode, record.mode);
+  store(at + RecordAt::flags, record.flags);
+  store(at + RecordAt::nameLength, record.nameLength);
+}
+
+ContentTrailer decodeTrailer(const unsigned char* bytes) {
+  return {.size = load32(bytes + TrailerAt::size), .crc = load32(bytes + TrailerAt::crc)};
 }
 
 std::vector<unsigned char> RawEntry::bytes() const {
@@ -103,14 +106,16 @@ std::vector<unsigned char> RawEntry::bytes() const {
 // ---- Gates ----
 
 Gate gateOf(std::uint64_t entryPosition) {
-  const std::uint64_t flags = entryPosition + kFlagsAt;
-  return inOneSector(flags, flags + 4) ? Gate{kFlagsAt, 4} : Gate{kStoredSizeAt, 8};
+  constexpr Gate kNarrow{RecordAt::flags, 4}, kWide{RecordAt::storedSize, 8};
+  const std::uint64_t begin = entryPosition + kNarrow.offset;
+  return inOneSector(begin, begin + kNarrow.size) ? kNarrow : kWide;
 }
 
 void closeGate(Gate gate, std::span<unsigned char> entry) {
   std::fill_n(entry.begin() + static_cast<std::ptrdiff_t>(gate.offset), gate.size,
               static_cast<unsigned char>(0xFF));
-  if (gate.offset == kFlagsAt) store<std::uint16_t>(entry.data() + kFlagsAt + 2, 0);
+  if (gate.offset != RecordAt::flags) return;
+  store<std::uint16_t>(entry.data() + RecordAt::nameLength, 0);
 }
 
 std::array<unsigned char, kRecordSize> closedRecord(std::uint64_t entryPosition) {
@@ -121,17 +126,20 @@ std::array<unsigned char, kRecordSize> closedRecord(std::uint64_t entryPosition)
 
 // The other fields are zero or an entry's own, so that hardly any other bytes look like it.
 bool isClosed(const EntryRecord& record, std::uint64_t entryPosition) {
-  constexpr std::uint64_t kNoFile = std::uint64_t{1} << 48;  // is as large
-  if (gateOf(entryPosition).offset == kFlagsAt) {
-    return record.flags == 0xFFFF && record.nameLength == 0 && record.storedSize < kNoFile;
+  if (gateOf(entryPosition).offset == RecordAt::flags) {
+    return record.flags == kClosedFlags && record.nameLength == 0 && record.storedSize < kNoFile;
   }
-  return record.storedSize == 0xFFFFFFFFFFFFFFFF && record.flags != 0xFFFF;
+  return record.storedSize == kClosedSize && record.flags != kClosedFlags;
 }
 
 // ---- The redo entry ----
 
 bool isRedo(const EntryRecord& record, std::string_view name) {
   return record.flags == (kIsDeleted | kIsRedo) && name == kRedoName;
+}
+
+std::uint32_t patchBytes(std::span<const unsigned char, kRedoTail> tail) {
+  return load32(tail.data() + RedoTailAt::size);
 }
 
 std::vector<unsigned char> encodeRedo(std::span<const RawEntry> patches) {
@@ -152,13 +160,14 @@ std::optional<std::vector<RawEntry>> decodeRedo(std::span<const unsigned char> d
   if (data.size() < kRedoTail || data.size() > kLargestRedo) return std::nullopt;
   const auto tail = data.last<kRedoTail>();
   data = data.first(data.size() - kRedoTail);
-  if (load<std::uint32_t>(tail.data()) != data.size()) return std::nullopt;
-  if (load<std::uint32_t>(tail.data() + 4) != crc32(data)) return std::nullopt;
+  if (patchBytes(tail) != data.size()) return std::nullopt;
+  if (load32(tail.data() + RedoTailAt::check) != crc32(data)) return std::nullopt;
   std::vector<RawEntry> patches;
   while (!data.empty()) {
     if (data.size() < kPatchHead + kRecordSize) return std::nullopt;
-    RawEntry patch{.position = load<std::uint64_t>(data.data()), .record = {}, .name = {}};
-    const auto length = load<std::uint32_t>(data.data() + 8);
+    RawEntry patch;
+    patch.position = load<std::uint64_t>(data.data() + PatchAt::position);
+    const auto length = load32(data.data() + PatchAt::length);
     data = data.subspan(kPatchHead);
     patch.record = decodeRecord(data.first<kRecordSize>());
     if (length != kRecordSize + patch.record.nameLength || length > data.size()) {

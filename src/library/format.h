@@ -1,12 +1,17 @@
-// The bytes of library files: header, entries, gates. No file, no platform.
+// The bytes of library files: header, entries, gates. No file, no platform. Where a field stands,
+// what a flag means and how large something may be is told here and nowhere else.
 //
-// Format:  docs/formats/library.md. All constants are part of it: do not change.
+// Format:  docs/formats/library.md. All constants are part of it: do not change. The modes of
+//          compression stand in zo/library/library.h, and the flags once more for users in
+//          zo/library/library_entry.h.
 // Errors:  nothing fails: any bytes are some header and some record.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <span>
 #include <string>
@@ -19,11 +24,22 @@ inline constexpr std::size_t kHeaderSize = 32;
 inline constexpr std::size_t kRecordSize = 54;
 inline constexpr std::size_t kLargestName = 0xFFFF;
 inline constexpr std::size_t kSectorSize = 512;  // what a disk writes wholly or not at all
+// The byte that a writer keeps locked, where no file has bytes.
+inline constexpr std::uint64_t kWriterByteAt = std::uint64_t{1} << 62;
+
+struct HeaderAt {
+  static constexpr std::size_t magic = 0, unused = 18, counter = 20, value = 24;
+};
+struct RecordAt {
+  static constexpr std::size_t number = 0, crc = 4, storedSize = 8, size = 16, created = 24,
+                               accessed = 32, written = 40, mode = 48, flags = 50, nameLength = 52;
+};
 
 inline constexpr std::uint16_t kEndsScan = 0x0080;
 inline constexpr std::uint16_t kIsCompressed = 0x0100;
 inline constexpr std::uint16_t kIsDeleted = 0x0200;
 inline constexpr std::uint16_t kIsRedo = 0x0400;
+inline constexpr std::uint16_t kStoredMode = 0;
 
 // What stands at the begin of a library. It is kept as it was read, but for the counter and the
 // value; bytes that a short file does not have count as zero.
@@ -56,6 +72,8 @@ struct EntryRecord {
   std::uint16_t mode = 0, flags = 0, nameLength = 0;
 
   [[nodiscard]] bool has(std::uint16_t flag) const { return (flags & flag) != 0; }
+  void set(std::uint16_t flag) { flags |= flag; }
+  void clear(std::uint16_t flag) { flags &= static_cast<std::uint16_t>(~flag); }
   [[nodiscard]] bool isLive() const { return !has(kIsDeleted); }
   [[nodiscard]] bool hasNumber(std::uint32_t counter) const {
     return number != 0 && number <= counter;
@@ -72,10 +90,41 @@ struct EntryRecord {
 [[nodiscard]] EntryRecord decodeRecord(std::span<const unsigned char, kRecordSize> bytes);
 void encodeRecord(const EntryRecord& record, std::span<unsigned char, kRecordSize> to);
 
-// What a compressed member's data says of its content.
+// What alone tells where an entry ends, of a record that is not yet decoded.
+struct EntrySizes {
+  std::uint64_t storedSize;
+  std::uint16_t nameLength;
+};
+[[nodiscard]] inline EntrySizes entrySizes(const unsigned char* record) {
+  EntrySizes sizes;
+  std::memcpy(&sizes.storedSize, record + RecordAt::storedSize, sizeof sizes.storedSize);
+  std::memcpy(&sizes.nameLength, record + RecordAt::nameLength, sizeof sizes.nameLength);
+  return sizes;
+}
+
+// The one byte of a record that a mark changes.
+inline constexpr std::size_t kMarkAt = RecordAt::flags;
+static_assert(kEndsScan <= 0xFF);
+[[nodiscard]] constexpr unsigned char markByte(std::uint16_t flags) {
+  return static_cast<unsigned char>(flags & 0xFF);
+}
+[[nodiscard]] constexpr unsigned char clearedMarkByte(std::uint16_t flags) {
+  return static_cast<unsigned char>(markByte(flags) & ~kEndsScan);
+}
+
+// Whether the search behind a damage takes it for a name.
+[[nodiscard]] inline bool isPlausibleName(std::span<const unsigned char> name) {
+  return std::ranges::none_of(name, [](unsigned char c) { return c < 0x20; });
+}
+
+// What a compressed member's data says of its content: the end of a container.
 struct ContentTrailer {
   std::uint32_t size = 0, crc = 0;
 };
+struct TrailerAt {
+  static constexpr std::size_t size = 0, crc = 4;
+};
+[[nodiscard]] ContentTrailer decodeTrailer(const unsigned char* bytes);
 
 // An entry as it stands in the file, without its data.
 struct RawEntry {
@@ -100,6 +149,10 @@ struct RawEntry {
 
 // ---- Gates: what makes a new entry visible, by one write within one sector ----
 
+inline constexpr std::uint16_t kClosedFlags = 0xFFFF;
+inline constexpr std::uint64_t kClosedSize = 0xFFFFFFFFFFFFFFFF;
+inline constexpr std::uint64_t kNoFile = std::uint64_t{1} << 48;  // is as large
+
 // Bytes that end a scan while they are closed; opening gives them the entry's own values.
 struct Gate {
   std::size_t offset;  // in the record
@@ -121,11 +174,19 @@ void closeGate(Gate gate, std::span<unsigned char> entry);
 // ---- The redo entry: changes that are committed and perhaps not yet made ----
 
 inline constexpr std::string_view kRedoName = "<zo-redo>";
-inline constexpr std::size_t kPatchHead = 12;         // before a patch: position, length
-inline constexpr std::size_t kRedoTail = 8;           // behind the patches: their size, their check
+struct PatchAt {
+  static constexpr std::size_t position = 0, length = 8, record = 12;
+};
+struct RedoTailAt {  // behind the patches
+  static constexpr std::size_t size = 0, check = 4;
+};
+inline constexpr std::size_t kPatchHead = PatchAt::record;
+inline constexpr std::size_t kRedoTail = 8;
 inline constexpr std::size_t kLargestRedo = 1 << 24;  // of its data
 
 [[nodiscard]] bool isRedo(const EntryRecord& record, std::string_view name);
+// How many bytes of patches a tail tells of.
+[[nodiscard]] std::uint32_t patchBytes(std::span<const unsigned char, kRedoTail> tail);
 // The data of a redo entry: new records and names in the place of old ones.
 [[nodiscard]] std::vector<unsigned char> encodeRedo(std::span<const RawEntry> patches);
 // Nothing when the bytes are no such data.

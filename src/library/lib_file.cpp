@@ -5,34 +5,30 @@
 #include "library/member.h"
 
 using zo::FilesLock;
+using zo::LibraryMember;
 using zo::MemberTimes;
 
 namespace {
 
 constexpr unsigned int kNormalAttributes = 0x80;
 
-}  // namespace
-
-// ---- Opening: ZoLibrary's part ----
-
-int ZoLibrary::getFile(ZoFile& file, const ZoFileName& member, int access, compMode mode) {
-  if (!core_) return ZoResult::refused;
+// Uses the member under the lock of all libraries; a closed one has that answer.
+template <class Answer, class Use>
+Answer with(const std::shared_ptr<LibraryMember>& member, Answer closed, const Use& use) {
   const FilesLock lock;
-  int code = ZoResult::ok;
-  auto opened = access & ZoFile::kWrite ? zo::LibraryMember::openToWrite(core_, member, mode, code)
-                                        : zo::LibraryMember::openToRead(core_, member, code);
-  return opened ? file.setImpObj(new ZoLibFile(std::move(opened))) : code;
+  return member && member->isUsable() ? use(*member) : closed;
 }
 
-int ZoLibrary::getCFile(std::FILE** stream, const ZoFileName& member, int access, compMode mode) {
-  if (!stream) return ZoResult::refused;
-  *stream = nullptr;
-  if (access & ZoFile::kWrite) return ZoResult::refused;
-  ZoFile file;
-  if (const int code = getFile(file, member, access, mode)) return code;
-  *stream = file.getCFileHandle(false, false);
-  return *stream ? ZoResult::ok : ZoResult::refused;
+int setOneTime(const std::shared_ptr<LibraryMember>& member, FILETIME MemberTimes::* which,
+               FILETIME time) {
+  return with(member, int{ZoResult::refused}, [&](LibraryMember& file) {
+    MemberTimes times = file.times();
+    times.*which = time;
+    return file.setTimes(times);
+  });
 }
+
+}  // namespace
 
 // ---- The file object ----
 
@@ -63,8 +59,7 @@ ZoFileImp* ZoLibFile::cloneFor(unsigned int access) const {
 }
 
 bool ZoLibFile::isOpen() const noexcept {
-  const FilesLock lock;
-  return member_ && member_->isUsable();
+  return with(member_, false, [](LibraryMember&) { return true; });
 }
 
 int ZoLibFile::close() {
@@ -76,30 +71,28 @@ int ZoLibFile::close() {
 }
 
 unsigned int ZoLibFile::read(void* buffer, unsigned int count) {
-  const FilesLock lock;
-  return isOpen() && buffer ? member_->read(buffer, count) : 0;
+  return with(member_, 0U,
+              [&](LibraryMember& file) { return buffer ? file.read(buffer, count) : 0; });
 }
 
 bool ZoLibFile::opensFiles() const noexcept { return false; }
 
 unsigned int ZoLibFile::write(const void* data, unsigned int count) {
-  const FilesLock lock;
-  return isOpen() && data ? member_->write(data, count) : 0;
+  return with(member_, 0U, [&](LibraryMember& file) { return data ? file.write(data, count) : 0; });
 }
 
 std::int64_t ZoLibFile::seek(std::int64_t offset, ZoFile::MoveMethod method) {
-  const FilesLock lock;
-  return isOpen() ? member_->seek(offset, method) : -1;
+  return with(member_, std::int64_t{-1},
+              [&](LibraryMember& file) { return file.seek(offset, method); });
 }
 
 std::int64_t ZoLibFile::size() {
-  const FilesLock lock;
-  return isOpen() ? member_->size() : -1;
+  return with(member_, std::int64_t{-1}, [](LibraryMember& file) { return file.size(); });
 }
 
 int ZoLibFile::setEndOfFile() {
-  const FilesLock lock;
-  return isOpen() ? member_->setEndOfFile() : ZoResult::refused;
+  return with(member_, int{ZoResult::refused},
+              [](LibraryMember& file) { return file.setEndOfFile(); });
 }
 
 // What is read is where it belongs, and what is written gets there when it is closed.
@@ -110,42 +103,27 @@ unsigned int ZoLibFile::attributes() { return isOpen() ? kNormalAttributes : 0; 
 // ---- Times ----
 
 FILETIME ZoLibFile::creationTime() {
-  const FilesLock lock;
-  return isOpen() ? member_->times().created : FILETIME{};
+  return with(member_, FILETIME{}, [](LibraryMember& file) { return file.times().created; });
 }
 
 FILETIME ZoLibFile::lastAccessTime() {
-  const FilesLock lock;
-  return isOpen() ? member_->times().accessed : FILETIME{};
+  return with(member_, FILETIME{}, [](LibraryMember& file) { return file.times().accessed; });
 }
 
 FILETIME ZoLibFile::lastWriteTime() {
-  const FilesLock lock;
-  return isOpen() ? member_->times().written : FILETIME{};
+  return with(member_, FILETIME{}, [](LibraryMember& file) { return file.times().written; });
 }
 
 int ZoLibFile::setCreationTime(FILETIME time) {
-  const FilesLock lock;
-  if (!isOpen()) return ZoResult::refused;
-  MemberTimes times = member_->times();
-  times.created = time;
-  return member_->setTimes(times);
+  return setOneTime(member_, &MemberTimes::created, time);
 }
 
 int ZoLibFile::setLastAccessTime(FILETIME time) {
-  const FilesLock lock;
-  if (!isOpen()) return ZoResult::refused;
-  MemberTimes times = member_->times();
-  times.accessed = time;
-  return member_->setTimes(times);
+  return setOneTime(member_, &MemberTimes::accessed, time);
 }
 
 int ZoLibFile::setLastWriteTime(FILETIME time) {
-  const FilesLock lock;
-  if (!isOpen()) return ZoResult::refused;
-  MemberTimes times = member_->times();
-  times.written = time;
-  return member_->setTimes(times);
+  return setOneTime(member_, &MemberTimes::written, time);
 }
 
 // ---- Streams ----

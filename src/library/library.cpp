@@ -1,17 +1,54 @@
-// The public class: each operation under the process-wide lock.
+// The public class: each operation goes through the library's door.
+#include <zo/library/lib_file.h>
 #include <zo/library/library.h>
 #include <zo/text/containers/sequence.h>
 
 #include <algorithm>
 #include <utility>
 
+#include "library/door.h"
 #include "library/file_source.h"
-#include "library/library_core.h"
+#include "library/member.h"
+#include "library/operations.h"
+#include "library/tail.h"
 
+using zo::Access;
 using zo::FilesLock;
-using zo::LibraryCore;
+using zo::LibraryDoor;
+using zo::LibraryMember;
+using zo::LibraryState;
+using zo::run;
 
-ZoLibrary::ZoLibrary() : core_(std::make_shared<LibraryCore>()) {}
+namespace {
+
+int addFrom(LibraryState& library, ZoFile& source, zo::NewMember member) {
+  zo::FileSource bytes(source);
+  if (!bytes.isReadable() || !zo::timesOf(source, member.times)) return ZoResult::refused;
+  return zo::addMember(library, bytes, member);
+}
+
+// A library that was moved from gets a new one.
+LibraryDoor& doorOf(std::shared_ptr<LibraryDoor>& door) {
+  const FilesLock lock;
+  if (!door) door = std::make_shared<LibraryDoor>();
+  return *door;
+}
+
+// What the header of an open library says; 0 when it cannot be asked.
+template <class Question>
+auto askHeader(const std::shared_ptr<LibraryDoor>& door, const Question& question) {
+  decltype(question(zo::LibraryHeader())) answer{};
+  static_cast<void>(run(door, Access::kRead, {}, [&](LibraryState& library) {
+    if (const int code = library.refreshHeader()) return code;
+    answer = question(library.header());
+    return ZoResult::ok;
+  }));
+  return answer;
+}
+
+}  // namespace
+
+ZoLibrary::ZoLibrary() : core_(std::make_shared<LibraryDoor>()) {}
 ZoLibrary::ZoLibrary(ZoLibrary&& other) noexcept = default;
 
 ZoLibrary& ZoLibrary::operator=(ZoLibrary&& other) noexcept {
@@ -21,114 +58,103 @@ ZoLibrary& ZoLibrary::operator=(ZoLibrary&& other) noexcept {
 
 // A batch that nobody ended is not complete.
 ZoLibrary::~ZoLibrary() {
-  if (!core_) return;
-  const FilesLock lock;
-  static_cast<void>(core_->cancelBatch());
-  static_cast<void>(core_->close());
+  if (core_) core_->abandon();
 }
+
+// ---- Opening and closing ----
 
 int ZoLibrary::open(const ZoFileName& name, int access, ZoFile::CreationMode mode,
                     unsigned int lockTimeOut) {
-  const FilesLock lock;
-  if (!core_) core_ = std::make_shared<LibraryCore>();
-  return core_->open(name, access, mode, lockTimeOut);
+  return doorOf(core_).open(name, access, mode, lockTimeOut);
 }
 
-int ZoLibrary::close() {
-  if (!core_) return ZoResult::ok;
-  const FilesLock lock;
-  return core_->close();
-}
+int ZoLibrary::close() { return core_ ? core_->close() : ZoResult::ok; }
 
 bool ZoLibrary::isOpen() const noexcept {
-  const FilesLock lock;
-  return core_ && core_->isOpen();
+  return !run(core_, Access::kRead, {}, [](LibraryState&) { return ZoResult::ok; });
 }
 
 bool ZoLibrary::isWritable() const noexcept {
-  const FilesLock lock;
-  return isOpen() && core_->writable;
+  return !run(core_, Access::kWrite, {}, [](LibraryState&) { return ZoResult::ok; });
 }
 
 // Names share their parts, and these are not for several threads.
 ZoFileName ZoLibrary::name() const {
-  const FilesLock lock;
-  return core_ ? core_->name.deepCopy() : ZoFileName();
+  ZoFileName name;
+  static_cast<void>(run(core_, Access::kRead, {}, [&](LibraryState& library) {
+    name = library.name().deepCopy();
+    return ZoResult::ok;
+  }));
+  return name;
 }
 
 // ---- Members ----
 
 int ZoLibrary::addFile(const ZoFileName& source, const ZoFileName& member, bool replace,
                        compMode mode, int level) {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  if (const int code = core_->mayWrite(&member)) return code;
-  ZoFile file;
-  if (file.open(source, ZoFile::kRead, ZoFile::kOpenExisting, ZoFile::kShareRead,
-                ZoFile::kSequential)) {
-    return ZoResult::refused;
-  }
-  return addFile(file, member, replace, mode, level);
+  return run(core_, Access::kWrite, {&member}, [&](LibraryState& library) {
+    ZoFile file;
+    if (file.open(source, ZoFile::kRead, ZoFile::kOpenExisting, ZoFile::kShareRead,
+                  ZoFile::kSequential)) {
+      return ZoResult::refused;
+    }
+    return addFrom(library, file, {member, {}, replace, mode, level});
+  });
 }
 
 int ZoLibrary::addFile(ZoFile& source, const ZoFileName& member, bool replace, compMode mode,
                        int level) {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  if (const int code = core_->mayWrite(&member)) return code;
-  zo::FileSource bytes(source);
-  zo::MemberTimes times;
-  if (!bytes.isReadable() || !zo::timesOf(source, times)) return ZoResult::refused;
-  return core_->add(bytes, member, times, replace, mode, level);
+  return run(core_, Access::kWrite, {&member}, [&](LibraryState& library) {
+    return addFrom(library, source, {member, {}, replace, mode, level});
+  });
 }
 
-int ZoLibrary::beginBatch() {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  return core_->beginBatch();
-}
-
-int ZoLibrary::endBatch() {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  if (const int code = core_->mayWrite()) return code;
-  return core_->endBatch();
-}
+int ZoLibrary::beginBatch() { return run(core_, Access::kWrite, {}, zo::beginBatch); }
+int ZoLibrary::endBatch() { return run(core_, Access::kWrite, {}, zo::endBatch); }
 
 int ZoLibrary::cancelBatch() {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  return core_->cancelBatch();
+  return run(core_, Access::kWrite, {}, [](LibraryState& library) {
+    library.batch.reset();
+    return ZoResult::ok;
+  });
 }
 
 int ZoLibrary::extractFile(const ZoFileName& member, const ZoFileName& target) {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  return core_->extract(member, target);
+  return run(core_, Access::kRetry, {&member, &target}, zo::extractMember, member, target);
 }
 
 int ZoLibrary::renameFile(const ZoFileName& member, const ZoFileName& newName) {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  return core_->rename(member, newName);
+  return run(core_, Access::kWrite, {&member}, zo::renameMember, member, newName);
 }
 
 int ZoLibrary::deleteFile(const ZoFileName& member, bool physically) {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  return core_->remove(member, physically);
+  return run(core_, Access::kWrite, {&member}, zo::deleteMember, member, physically);
 }
 
 int ZoLibrary::recoverFile(const ZoFileName& member) {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  return core_->recover(member);
+  return run(core_, Access::kWrite, {&member}, zo::recoverMember, member);
 }
 
 int ZoLibrary::recoverFile(const ZoLibEntry& entry) {
-  if (!core_) return ZoResult::refused;
+  return run(core_, Access::kWrite, {}, zo::recoverEntry, entry);
+}
+
+int ZoLibrary::getFile(ZoFile& file, const ZoFileName& member, int access, compMode mode) {
   const FilesLock lock;
-  return core_->recover(entry);
+  std::shared_ptr<LibraryMember> opened;
+  const int code = access & ZoFile::kWrite ? LibraryMember::openToWrite(core_, member, mode, opened)
+                                           : LibraryMember::openToRead(core_, member, opened);
+  return code ? code : file.setImpObj(new ZoLibFile(std::move(opened)));
+}
+
+int ZoLibrary::getCFile(std::FILE** stream, const ZoFileName& member, int access, compMode mode) {
+  if (!stream) return ZoResult::refused;
+  *stream = nullptr;
+  if (access & ZoFile::kWrite) return ZoResult::refused;
+  ZoFile file;
+  if (const int code = getFile(file, member, access, mode)) return code;
+  *stream = file.getCFileHandle(false, false);
+  return *stream ? ZoResult::ok : ZoResult::refused;
 }
 
 // ---- What is there ----
@@ -151,96 +177,85 @@ int ZoLibrary::getFileNames(ZoSequence<ZoFileName>& names, bool withDeleted,
 }
 
 int ZoLibrary::forEachEntry(const std::function<bool(const ZoLibEntry&)>& visit, bool withDeleted) {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  if (const int code = core_->mayRead()) return code;
-  if (const int code = core_->refresh()) return code;
-  for (const zo::IndexEntry& entry : core_->index.entries()) {
-    if (!withDeleted && !entry.record.isLive()) continue;
-    if (!visit(core_->publicEntry(entry))) break;
-  }
-  return ZoResult::ok;
+  return run(core_, Access::kRead, {}, zo::visitEntries, visit, withDeleted);
 }
 
 int ZoLibrary::getEntry(const ZoFileName& member, ZoLibEntry& entry) {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  if (const int code = core_->mayRead(&member)) return code;
-  zo::RawEntry raw;
-  if (const int code = core_->find(member, raw)) return code;
-  entry = core_->publicEntry(raw);
-  return ZoResult::ok;
+  return run(core_, Access::kRead, {&member}, [&](LibraryState& library) {
+    zo::RawEntry raw;
+    if (const int code = zo::findMember(library, member, raw)) return code;
+    entry = zo::describe(library, raw);
+    return ZoResult::ok;
+  });
 }
 
 bool ZoLibrary::contains(const ZoFileName& member) {
-  if (!core_) return false;
-  const FilesLock lock;
-  zo::RawEntry raw;
-  return !core_->mayRead(&member) && !core_->find(member, raw);
+  return !run(core_, Access::kRead, {&member}, [&](LibraryState& library) {
+    zo::RawEntry raw;
+    return zo::findMember(library, member, raw);
+  });
 }
 
 // ---- The file as a whole ----
 
-int ZoLibrary::reorganize() {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  return core_->reorganize();
-}
+int ZoLibrary::reorganize() { return run(core_, Access::kWrite, {}, zo::reorganize); }
 
 std::uint64_t ZoLibrary::checkSum() {
-  if (!core_) return 0;
-  const FilesLock lock;
-  return core_->isOpen() && !core_->refreshHeader() ? core_->header.value() : 0;
+  return askHeader(core_, [](const zo::LibraryHeader& header) { return header.value(); });
 }
 
 int ZoLibrary::setCheckSum(std::uint64_t value) {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  return core_->setValue(value);
+  return run(core_, Access::kWrite, {}, zo::setValue, value);
 }
 
 bool ZoLibrary::isLibrary() {
-  if (!core_) return false;
-  const FilesLock lock;
-  return core_->isOpen() && !core_->refreshHeader() && core_->header.hasMagic();
+  return askHeader(core_, [](const zo::LibraryHeader& header) { return header.hasMagic(); });
 }
 
 std::uint32_t ZoLibrary::counter() {
-  if (!core_) return 0;
-  const FilesLock lock;
-  return core_->isOpen() && !core_->refreshHeader() ? core_->header.counter() : 0;
+  return askHeader(core_, [](const zo::LibraryHeader& header) { return header.counter(); });
 }
 
 std::uint64_t ZoLibrary::trailingBytes() {
-  if (!core_) return 0;
-  const FilesLock lock;
-  if (!core_->isOpen() || core_->refresh() || core_->isBeingAdded()) return 0;
-  const std::uint64_t size = core_->file.size();
-  return size > core_->scan.position ? size - core_->scan.position : 0;
+  std::uint64_t bytes = 0;
+  static_cast<void>(run(core_, Access::kRead, {}, [&](LibraryState& library) {
+    if (const int code = library.refresh()) return code;
+    if (!zo::isBeingAdded(library)) {
+      const std::uint64_t size = library.bytes().size();
+      bytes = std::max(size, library.scan().position) - library.scan().position;
+    }
+    return ZoResult::ok;
+  }));
+  return bytes;
 }
 
 int ZoLibrary::verify(const ZoLibEntry& entry) {
-  if (!core_) return ZoResult::refused;
-  const FilesLock lock;
-  return core_->verify(entry);
+  return run(core_, Access::kRetry, {}, zo::verifyEntry, entry);
 }
 
 int ZoLibrary::salvageInto(ZoLibrary& target,
                            const std::function<bool(const ZoLibEntry&, int code)>& report) {
-  if (!core_ || !target.core_) return ZoResult::refused;
-  const FilesLock lock;
-  return core_->salvageInto(*target.core_, report);
+  return run(core_, Access::kRead, {}, [&](LibraryState& from) {
+    return run(target.core_, Access::kWrite, {},
+               [&](LibraryState& to) { return zo::salvage(from, to, report); });
+  });
 }
 
 // ---- Long calls ----
 
 void ZoLibrary::onProgress(Watcher watcher) {
-  const FilesLock lock;
-  if (!core_) core_ = std::make_shared<LibraryCore>();
-  core_->watcher = std::move(watcher);
+  doorOf(core_);
+  static_cast<void>(run(core_, Access::kKnow, {}, [&](LibraryState& library) {
+    library.watch.watcher = std::move(watcher);
+    return ZoResult::ok;
+  }));
 }
 
 bool ZoLibrary::wasCancelled() const {
-  const FilesLock lock;
-  return core_ && core_->cancelled;
+  bool isCancelled = false;
+  static_cast<void>(run(core_, Access::kKnow, {}, [&](LibraryState& library) {
+    isCancelled = library.watch.isCancelled;
+    return ZoResult::ok;
+  }));
+  return isCancelled;
 }

@@ -4,7 +4,9 @@
 #include <cstring>
 #include <utility>
 
+#include "files/buffered_file.h"
 #include "library/file_source.h"
+#include "library/read_member.h"
 #include "library/time_value.h"
 
 namespace zo {
@@ -41,15 +43,7 @@ class ContentSink final : public ByteSink {
   }
 
  private:
-  bool store(Bytes bytes) {
-    while (!bytes.empty()) {
-      const std::size_t part = std::min<std::size_t>(bytes.size(), 1 << 30);
-      const unsigned int done = file_.write(bytes.data(), static_cast<unsigned int>(part));
-      if (done == 0) return false;
-      bytes = bytes.subspan(done);
-    }
-    return true;
-  }
+  bool store(Bytes bytes) { return writeAll(file_, bytes.data(), bytes.size()) == bytes.size(); }
 
   std::vector<unsigned char>& memory_;
   ZoFile& file_;
@@ -59,60 +53,50 @@ bool isSet(FILETIME time) { return time.dwLowDateTime != 0 || time.dwHighDateTim
 
 }  // namespace
 
-LibraryMember::LibraryMember(std::shared_ptr<LibraryCore> core, const ZoFileName& name)
-    : core_(std::move(core)), opening_(core_->opening), name_(name.deepCopy()) {}
+LibraryMember::LibraryMember(std::shared_ptr<LibraryDoor> door, LibraryState& library,
+                             const ZoFileName& name)
+    : door_(std::move(door)), library_(library), name_(name.deepCopy()), place_(library) {}
 
-LibraryMember::~LibraryMember() { std::erase(core_->places, &place_); }
-
-bool LibraryMember::isUsable() const noexcept {
-  return core_->isOpen() && core_->opening == opening_ && !place_.isGone && !isDropped_;
-}
-
-std::shared_ptr<LibraryMember> LibraryMember::openToRead(const std::shared_ptr<LibraryCore>& core,
-                                                         const ZoFileName& name, int& code) {
-  code = core->mayRead(&name);
-  if (code) return nullptr;
-  const std::shared_ptr<LibraryMember> member(new LibraryMember(core, name));
-  code = core->lookAgain([&] {
-    if (const int missing = core->find(name, member->place_.entry)) return missing;
-    return member->load() ? ZoResult::ok : ZoResult::refused;
+int LibraryMember::openToRead(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& name,
+                              std::shared_ptr<LibraryMember>& opened) {
+  return run(door, Access::kRetry, {&name}, [&](LibraryState& library) {
+    const std::shared_ptr<LibraryMember> member(new LibraryMember(door, library, name));
+    if (const int missing = findMember(library, name, member->place_.entry)) return missing;
+    if (!member->load()) return ZoResult::refused;
+    opened = member;
+    return ZoResult::ok;
   });
-  return code ? nullptr : member;
 }
 
-std::shared_ptr<LibraryMember> LibraryMember::openToWrite(const std::shared_ptr<LibraryCore>& core,
-                                                          const ZoFileName& name,
-                                                          ZoLibrary::compMode mode, int& code) {
-  code = core->mayWrite(&name);
-  if (code) return nullptr;
-  const std::shared_ptr<LibraryMember> member(new LibraryMember(core, name));
-  std::string bytes;
-  member->kind_ = Kind::kWritten;
-  member->mode_ = mode;
-  if (!LibraryCore::encodeName(name, bytes) || !openTemporary(member->file_)) {
-    code = ZoResult::refused;
-  }
-  return code ? nullptr : member;
+int LibraryMember::openToWrite(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& name,
+                               ZoLibrary::compMode mode, std::shared_ptr<LibraryMember>& opened) {
+  return run(door, Access::kWrite, {&name}, [&](LibraryState& library) {
+    const std::shared_ptr<LibraryMember> member(new LibraryMember(door, library, name));
+    std::string bytes;
+    member->kind_ = Kind::kWritten;
+    member->mode_ = mode;
+    if (!encodeName(name, bytes) || !openTemporary(member->file_)) return ZoResult::refused;
+    opened = member;
+    return ZoResult::ok;
+  });
 }
 
+// What is stored stays in the library; anything else comes out of it at once.
 bool LibraryMember::load() {
-  std::erase(core_->places, &place_);
-  core_->places.push_back(&place_);
-  memory_.clear();
-  file_.cancel();
-  if (!place_.entry.record.has(kIsCompressed)) {
-    return !place_.entry.record.contradictsItself(core_->header.counter());
+  const RawEntry& entry = place_.entry;
+  if (!entry.record.has(kIsCompressed)) {
+    return !entry.record.contradictsItself(library_.header().counter());
   }
   ContentSink sink(memory_, file_);
-  Progress watched = core_->progress(place_.entry.contentSize());
-  if (core_->readMember(place_.entry, sink, watched)) return false;
+  Progress watched = library_.progress(entry.contentSize());
+  if (readMember(library_, entry, sink, watched)) return false;
   kind_ = file_.isOpen() ? Kind::kInFile : Kind::kInMemory;
   return true;
 }
 
 std::shared_ptr<LibraryMember> LibraryMember::again() const {
   if (isWriting() || !isUsable()) return nullptr;
-  const std::shared_ptr<LibraryMember> member(new LibraryMember(core_, name_));
+  const std::shared_ptr<LibraryMember> member(new LibraryMember(door_, library_, name_));
   member->place_.entry = place_.entry;
   return member->load() ? member : nullptr;
 }
@@ -124,8 +108,13 @@ int LibraryMember::finish() {
   FileSource source(file_);
   MemberTimes all;
   if (!timesOf(file_, all)) return ZoResult::refused;
-  all = withThoseSet(all);
-  const int code = core_->add(source, name_, all, true, mode_, ZoLibrary::kNormal);
+  const NewMember member{.name = name_,
+                         .times = withThoseSet(all),
+                         .replaces = true,
+                         .mode = mode_,
+                         .level = ZoLibrary::kNormal};
+  const int code = run(door_, Access::kWrite, {&name_},
+                       [&](LibraryState& library) { return addMember(library, source, member); });
   file_.cancel();  // what it held has its place now
   return code;
 }
@@ -158,7 +147,7 @@ unsigned int LibraryMember::read(void* buffer, unsigned int count) {
     std::memcpy(buffer, memory_.data() + position_, count);
   } else {
     const auto at = place_.entry.dataPosition() + static_cast<std::uint64_t>(position_);
-    if (!core_->file.read(at, {static_cast<unsigned char*>(buffer), count})) return 0;
+    if (!library_.bytes().read(at, {static_cast<unsigned char*>(buffer), count})) return 0;
   }
   position_ += count;
   return count;
@@ -222,7 +211,7 @@ int LibraryMember::setTimes(const MemberTimes& times) {
     keep(times_.written, times.written, now.written);
     return ZoResult::ok;
   }
-  const int code = core_->setTimes(place_.entry.position, times);
+  const int code = run(door_, Access::kWrite, {}, zo::setTimes, place_.entry.position, times);
   if (code == ZoResult::ok) times.storeIn(place_.entry.record);
   return code;
 }
@@ -230,7 +219,7 @@ int LibraryMember::setTimes(const MemberTimes& times) {
 bool LibraryMember::copyTo(ZoFile& file) {
   if (isWriting()) return false;
   const std::int64_t position = seek(0, ZoFile::kCurrent);
-  std::vector<unsigned char> buffer(LibraryCore::kPiece);
+  std::vector<unsigned char> buffer(kPiece);
   if (!openTemporary(file) || seek(0, ZoFile::kBegin) != 0) return false;
   for (std::int64_t rest = size(); rest > 0;) {
     const unsigned int got = read(buffer.data(), static_cast<unsigned int>(buffer.size()));

@@ -1,27 +1,29 @@
 // A member that is open as a file: what the copies of a ZoLibFile share.
 //
+// What it does to the library goes through the library's door.
+//
 // Threads: under the process-wide lock, which the callers hold.
 #pragma once
 
 #include <memory>
 
-#include "library/library_core.h"
+#include "library/door.h"
+#include "library/operations.h"
 
 namespace zo {
 
 class LibraryMember {
  public:
-  // Opens a member of the library; null with a code of zo/library/library.h.
-  static std::shared_ptr<LibraryMember> openToRead(const std::shared_ptr<LibraryCore>& core,
-                                                   const ZoFileName& name, int& code);
-  static std::shared_ptr<LibraryMember> openToWrite(const std::shared_ptr<LibraryCore>& core,
-                                                    const ZoFileName& name,
-                                                    ZoLibrary::compMode mode, int& code);
-  ~LibraryMember();
+  // Opens a member of the library behind the door; answers a code of zo/library/library.h.
+  static int openToRead(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& name,
+                        std::shared_ptr<LibraryMember>& opened);
+  static int openToWrite(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& name,
+                         ZoLibrary::compMode mode, std::shared_ptr<LibraryMember>& opened);
+  ~LibraryMember() = default;
   LibraryMember(const LibraryMember&) = delete;
   LibraryMember& operator=(const LibraryMember&) = delete;
 
-  [[nodiscard]] bool isUsable() const noexcept;
+  [[nodiscard]] bool isUsable() const noexcept { return !place_.isGone && !isDropped_; }
   [[nodiscard]] bool isWriting() const noexcept { return kind_ == Kind::kWritten; }
   [[nodiscard]] const ZoFileName& name() const noexcept { return name_; }
   // Adds what was written, unless a write failed or it was dropped. What is destroyed without it is
@@ -46,12 +48,12 @@ class LibraryMember {
  private:
   enum class Kind { kStored, kInMemory, kInFile, kWritten };
 
-  LibraryMember(std::shared_ptr<LibraryCore> core, const ZoFileName& name);
-  bool load();
+  LibraryMember(std::shared_ptr<LibraryDoor> door, LibraryState& library, const ZoFileName& name);
+  [[nodiscard]] bool load();
   [[nodiscard]] MemberTimes withThoseSet(MemberTimes times) const;
 
-  std::shared_ptr<LibraryCore> core_;
-  unsigned int opening_;
+  std::shared_ptr<LibraryDoor> door_;
+  LibraryState& library_;  // behind the door, to be read
   ZoFileName name_;
   Kind kind_ = Kind::kStored;
   MemberPlace place_;

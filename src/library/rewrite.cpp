@@ -4,22 +4,25 @@
 
 #include "files/fresh_file.h"
 #include "files/replace_file.h"
+#include "library/copy.h"
 #include "library/entry_search.h"
-#include "library/library_core.h"
+#include "library/operations.h"
+#include "library/read_member.h"
 
 namespace zo {
 namespace {
 
-constexpr std::size_t kBuffer = LibraryCore::kPiece;
-
 // Whole pages are written, of whole pages: that is a tenth faster.
 struct alignas(4096) Buffer {
-  unsigned char bytes[kBuffer];
+  unsigned char bytes[kPiece];
 };
 
 struct Range {
   std::uint64_t begin, end;
+  [[nodiscard]] std::uint64_t size() const { return end - begin; }
 };
+
+using Drops = std::function<bool(const IndexEntry&)>;
 
 // The file that is to become the library; removed unless it does.
 class Beside {
@@ -31,23 +34,41 @@ class Beside {
                            FILE_ATTRIBUTE_NORMAL)) {}
 
   [[nodiscard]] bool isOpen() const noexcept { return fresh_.isOurs; }
-  LibraryFile& file() noexcept {
-    if (fresh_.file) file_.take(std::move(fresh_.file));
-    return file_;
+  // The header and what stays, on the disk and locked.
+  bool write(LibraryState& library, const std::vector<Range>& ranges, Progress& watched) {
+    file_.take(std::move(fresh_.file));
+    if (!file_.write(0, library.header().bytes()) || !copy(library, ranges, watched) ||
+        !file_.flush()) {
+      return false;
+    }
+    return file_.lock() || reportFailure(L"lockRange");
   }
-  // That of the library.
-  [[nodiscard]] const SystemPath& systemPath() const noexcept { return system_; }
-  bool putInPlaceOfLibrary() noexcept { return putInPlace(fresh_, system_, false); }
+  int putInPlaceOfLibrary(Change& change) {
+    return change.replaceBy(std::move(file_), fresh_, system_);
+  }
 
  private:
-  SystemPath system_;
+  bool copy(LibraryState& library, const std::vector<Range>& ranges, Progress& watched) {
+    const auto buffer = std::make_unique<Buffer>();
+    std::uint64_t at = kHeaderSize;
+    for (const Range& range : ranges) {
+      DiskSink written(file_, at);
+      WatchedSink sink(written, watched);
+      if (!copyPart(library.bytes(), range.begin, range.size(), sink, buffer->bytes, at)) {
+        return false;
+      }
+      at += range.size();
+    }
+    return watched.finish();
+  }
+
+  SystemPath system_;  // that of the library
   FreshFile fresh_;
-  LibraryFile file_;  // is closed before it is removed
+  DiskFile file_;  // is closed before it is removed
 };
 
 // What stays, as few long ranges: all but what is dropped, entries without a name too.
-std::vector<Range> keptRanges(const LibraryIndex& index, std::uint64_t end,
-                              const std::function<bool(const IndexEntry&)>& drops) {
+std::vector<Range> keptRanges(const LibraryIndex& index, std::uint64_t end, const Drops& drops) {
   std::vector<Range> ranges;
   std::uint64_t at = kHeaderSize;
   const auto keepUpTo = [&](std::uint64_t position) {
@@ -62,102 +83,31 @@ std::vector<Range> keptRanges(const LibraryIndex& index, std::uint64_t end,
   return ranges;
 }
 
-bool copyRanges(LibraryFile& from, const std::vector<Range>& ranges, LibraryFile& to,
-                Progress& progress) {
-  const auto buffer = std::make_unique<Buffer>();
-  std::uint64_t at = kHeaderSize;
-  for (const Range& range : ranges) {
-    for (std::uint64_t next = range.begin; next < range.end;) {
-      const auto count = static_cast<std::size_t>(
-          std::min<std::uint64_t>(kBuffer - at % kBuffer, range.end - next));
-      const std::span<unsigned char> piece(buffer->bytes, count);
-      if (!from.read(next, piece) || !to.write(at, piece)) return false;
-      next += count;
-      at += count;
-      if (!progress.add(count)) return false;
-    }
-  }
-  return progress.finish();
-}
-
-}  // namespace
-
-int LibraryCore::rewrite(const std::function<bool(const IndexEntry&)>& drops) {
-  const std::vector<Range> ranges = keptRanges(index, scan.position, drops);
-  std::uint64_t total = 0;
-  for (const Range& range : ranges) total += range.end - range.begin;
-  // What goes at the end goes with one cut.
-  const std::uint64_t kept = kHeaderSize + total;
-  const bool isBegin = ranges.empty() || (ranges.size() == 1 && ranges[0].begin == kHeaderSize);
-  Progress watched = progress(isBegin ? 0 : total);
-  if (!watched.begin() || !mayDrop(drops, watched)) return ZoResult::refused;
-  if (isBegin) {
-    if (kept == file.size()) return ZoResult::ok;
-    isIndexed = false;
-    if (!file.cut(kept)) return ZoResult::refused;
-    // It is done and cannot be taken back: a flush that fails leaves it to the platform when.
-    static_cast<void>(file.flush());
-    file.touch();
-    movePlaces(drops);
-    return ZoResult::ok;
-  }
-
-  Beside beside(path);
-  if (!beside.isOpen()) {
-    reportFailure(L"reorganize");
-    return ZoResult::refused;
-  }
-  LibraryFile& copy = beside.file();
-  if (!copy.write(0, header.bytes()) || !copyRanges(file, ranges, copy, watched) || !copy.flush()) {
-    return ZoResult::refused;
-  }
-  if (!copy.lock()) {
-    reportFailure(L"lockRange");
-    return ZoResult::refused;
-  }
-  // The platform replaces no file that is open. The mutex keeps other writers out meanwhile, and
-  // the new file is locked already. Nothing throws until the library has a file again.
-  isIndexed = false;
-  static_cast<void>(file.close());
-  if (beside.putInPlaceOfLibrary()) {
-    file = std::move(copy);
-    movePlaces(drops);
-    return ZoResult::ok;
-  }
-  reportFailure(L"reorganize");
-  if (!reopen(beside.systemPath())) release();
-  return ZoResult::refused;
-}
-
 // Whether no entry that is to go swallowed others that are not.
-bool LibraryCore::mayDrop(const std::function<bool(const IndexEntry&)>& drops, Progress& watched) {
-  for (const IndexEntry& found : index.entries()) {
+bool mayDrop(LibraryState& library, const Drops& drops, Progress& watched) {
+  for (const IndexEntry& found : library.index().entries()) {
     if (!drops(found)) continue;
     RawEntry entry;
-    if (!load(found, entry)) return false;
-    const bool isSound = extentOf(entry, watched) == Extent::kSound;
-    if (!watched.add(0)) return false;
-    if (isSound || holdsLibrary(entry)) continue;
-    EntrySearch search(file, file.size(), [&] { return watched.add(0); });
+    if (!library.load(found, entry)) return false;
+    const bool isSound = extentOf(library, entry, watched) == Extent::kSound;
+    if (!watched.goesOn()) return false;
+    if (isSound || holdsLibrary(library, entry)) continue;
+    EntrySearch search(library.bytes(), library.bytes().size(), [&] { return watched.goesOn(); });
     search.know(entry.end());
     search.search(entry.position + 1, entry.end());
     if (search.found().empty()) continue;
     SetLastError(ERROR_FILE_CORRUPT);
     return reportFailure(L"reorganize");
   }
-  return watched.add(0);
+  return watched.goesOn();
 }
 
-int LibraryCore::reorganize() {
-  if (const int code = mayWrite()) return code;
-  if (const int code = settle()) return code;
-  return rewrite([](const IndexEntry& entry) { return !entry.record.isLive(); });
-}
-
-void LibraryCore::movePlaces(const std::function<bool(const IndexEntry&)>& drops) {
-  for (MemberPlace* const place : places) {
+// The members that are open as files stay with their entries, which are where the index says.
+void movePlaces(LibraryState& library, const Drops& drops) {
+  for (MemberPlace* const place : library.places) {
+    if (place->isGone) continue;
     std::uint64_t dropped = 0;
-    for (const IndexEntry& entry : index.entries()) {
+    for (const IndexEntry& entry : library.index().entries()) {
       const bool isDropped = drops(entry);
       if (entry.position == place->entry.position) {
         place->isGone = isDropped;
@@ -167,6 +117,38 @@ void LibraryCore::movePlaces(const std::function<bool(const IndexEntry&)>& drops
       if (isDropped) dropped += entry.end() - entry.position;
     }
   }
+}
+
+}  // namespace
+
+int rewrite(LibraryState& library, Change& change, const Drops& drops) {
+  const std::vector<Range> ranges = keptRanges(library.index(), change.end(), drops);
+  std::uint64_t total = 0;
+  for (const Range& range : ranges) total += range.size();
+  // What goes at the end goes with one cut.
+  const bool isBegin = ranges.empty() || (ranges.size() == 1 && ranges[0].begin == kHeaderSize);
+  Progress watched = library.progress(isBegin ? 0 : total);
+  if (!watched.begin() || !mayDrop(library, drops, watched)) return ZoResult::refused;
+  int code = ZoResult::refused;
+  if (isBegin) {
+    code = change.cutTo(kHeaderSize + total);
+  } else {
+    Beside beside(library.path());
+    if (!beside.isOpen()) {
+      reportFailure(L"reorganize");
+      return code;
+    }
+    if (!beside.write(library, ranges, watched)) return code;
+    code = beside.putInPlaceOfLibrary(change);
+  }
+  if (code == ZoResult::ok) movePlaces(library, drops);
+  return code;
+}
+
+int reorganize(LibraryState& library) {
+  Change change(library);
+  if (const int code = change.begin()) return code;
+  return rewrite(library, change, [](const IndexEntry& entry) { return !entry.record.isLive(); });
 }
 
 }  // namespace zo

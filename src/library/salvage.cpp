@@ -4,36 +4,26 @@
 // behind its end, and in the entries that nothing proves: one of a wrong size swallowed others.
 #include <algorithm>
 
-#include "bytes/crc32.h"
-#include "library/change.h"
+#include "library/copy.h"
 #include "library/entry_search.h"
+#include "library/operations.h"
+#include "library/read_member.h"
+#include "library/tail.h"
 
 namespace zo {
 namespace {
 
-class CheckedSink final : public ByteSink {
- public:
-  bool write(Bytes bytes) noexcept override {
-    crc_ = crc32Update(crc_, bytes);
-    return true;
-  }
-  [[nodiscard]] std::uint32_t crc() const { return ~crc_; }
-
- private:
-  std::uint32_t crc_ = kCrcStart;
-};
-
 class Salvage {
  public:
-  Salvage(LibraryCore& from, LibraryCore& to, Progress& progress,
+  Salvage(LibraryState& from, LibraryState& to, Progress& progress,
           const std::function<bool(const ZoLibEntry&, int)>& report)
       : from_(from),
         to_(to),
         progress_(progress),
         report_(report),
         change_(to),
-        window_(from.file, from.file.size()),
-        search_(from.file, from.file.size(), [this] { return progress_.add(0); }) {}
+        window_(from.bytes(), from.bytes().size()),
+        search_(from.bytes(), from.bytes().size(), [this] { return progress_.goesOn(); }) {}
 
   int run() {
     if (const int code = change_.begin()) return code;
@@ -52,8 +42,8 @@ class Salvage {
   };
 
   void takeListed() {
-    listed_.reserve(from_.index.entries().size());
-    for (const IndexEntry& found : from_.index.entries()) {
+    listed_.reserve(from_.index().entries().size());
+    for (const IndexEntry& found : from_.index().entries()) {
       if (isStopped_) return;
       RawEntry entry;
       if (readEntry(window_, found.position, entry) != ScanEnd::kFileEnd) {
@@ -62,36 +52,34 @@ class Salvage {
         listed_.push_back({found.position, found.end(), false});
         continue;
       }
-      for (const RawEntry& patch : from_.scan.redo) {
+      for (const RawEntry& patch : from_.scan().redo) {
         if (patch.position == entry.position) entry = patch;
       }
       entry.trailer = trailerOf(window_, entry);
       const bool isSound = isRedo(entry.record, entry.name) || take(entry) || entry.meetsTrailer();
-      listed_.push_back({entry.position, entry.end(), isSound || from_.holdsLibrary(entry)});
+      listed_.push_back({entry.position, entry.end(), isSound || holdsLibrary(from_, entry)});
     }
   }
 
   // Where a scan ends by damage: an entry that cannot be whole is at least named.
   void takeFirstOfTail() {
     RawEntry entry;
-    const std::uint64_t at = from_.scan.position;
+    const std::uint64_t at = from_.scan().position;
     if (readEntry(window_, at, entry) != ScanEnd::kNoEntry || isStopped_) return;
     const std::size_t length = entry.record.nameLength;
     const unsigned char* const bytes = window_.at(at, kRecordSize + length);
     if (!bytes || length == 0) return;
     entry.name.assign(bytes + kRecordSize, bytes + kRecordSize + length);
-    const bool isName = std::none_of(bytes + kRecordSize, bytes + kRecordSize + length,
-                                     [](unsigned char c) { return c < 0x20; });
-    if (isName) tell(entry, ZoResult::refused);
+    if (isPlausibleName({bytes + kRecordSize, length})) tell(entry, ZoResult::refused);
   }
 
   // From the last to the first, since an entry is known by what follows it.
   void search() {
-    const std::uint64_t size = window_.size(), end = std::min(from_.scan.position, size);
+    const std::uint64_t size = window_.size(), end = std::min(from_.scan().position, size);
     search_.know(size);
     const ScanEnd tail = endAt(window_, end);
     if (tail == ScanEnd::kClosedGate || tail == ScanEnd::kZero) search_.know(end);
-    if (!from_.isOwnTail()) search_.search(end, size);
+    if (!isOwnTail(from_)) search_.search(end, size);
     std::uint64_t next = end;
     for (std::size_t i = listed_.size(); i-- > 0 && !isStopped_;) {
       const Listed& entry = listed_[i];
@@ -120,14 +108,11 @@ class Salvage {
 
   // Copies a member that can be read. Whether its data prove it, and with it where it ends.
   bool take(const RawEntry& entry) {
-    const ZoLibrary::Watcher none;
-    bool ignored = false;
-    Progress unwatched(none, ignored, 0);
+    Progress unwatched;
     CheckedSink sink;
-    int code = from_.readMember(entry, sink, unwatched);
-    const bool isProtected =
-        entry.record.has(kIsCompressed) || entry.record.protectsStored(from_.header.counter());
-    const bool isProven = code == ZoResult::ok && isProtected && entry.contentSize() != 0;
+    int code = readMember(from_, entry, sink, unwatched);
+    const bool isProven =
+        code == ZoResult::ok && isProtected(from_, entry.record) && entry.contentSize() != 0;
     if (code == ZoResult::ok) code = copy(entry, sink.crc());
     tell(entry, code);
     return isProven;
@@ -137,21 +122,15 @@ class Salvage {
   // that another maker left become those of this library: what was read is protected from now on.
   int copy(const RawEntry& entry, std::uint32_t crc) {
     RawEntry copy = entry;
-    copied_.add(entry);
-    const std::wstring name(copied_.name(copied_.entries().back()));
-    copied_.removeLast();
-    const bool isHidden =
-        entry.record.isLive() && (to_.index.findLive(name) || copied_.findLive(name));
+    const bool isHidden = entry.record.isLive() && isTaken(entry);
     copy.position = change_.end();
     copy.record.number = change_.nextNumber();
     copy.record.crc = crc;
     copy.record.size = entry.contentSize();
-    if (!entry.record.has(kIsCompressed)) copy.record.mode = ZoLibrary::kStore;
+    if (!entry.record.has(kIsCompressed)) copy.record.mode = kStoredMode;
     copy.record.flags &= kIsCompressed | kIsDeleted;
-    if (isHidden) copy.record.flags |= kIsDeleted;
-    if (!change_.reserve() ||
-        !copyData(from_.file, entry, to_.file, copy.dataPosition(), progress_) ||
-        !change_.append(copy)) {
+    if (isHidden) copy.record.set(kIsDeleted);
+    if (!change_.reserve() || !copyData(entry, copy) || !change_.append(copy)) {
       isStopped_ = true;
       return ZoResult::refused;
     }
@@ -160,12 +139,26 @@ class Salvage {
     return isHidden ? ZoResult::memberExists : ZoResult::ok;
   }
 
-  void tell(const RawEntry& entry, int code) {
-    if (report_ && !report_(from_.publicEntry(entry), code)) isStopped_ = true;
+  // Whether a live member of the target has the entry's name.
+  bool isTaken(const RawEntry& entry) {
+    copied_.add(entry);
+    const std::wstring name(copied_.name(copied_.entries().back()));
+    copied_.removeLast();
+    return to_.index().findLive(name) || copied_.findLive(name);
   }
 
-  LibraryCore& from_;
-  LibraryCore& to_;
+  bool copyData(const RawEntry& entry, const RawEntry& copy) {
+    DiskSink data = change_.dataOf(copy);
+    WatchedSink sink(data, progress_);
+    return copyPart(from_.bytes(), entry.dataPosition(), entry.record.storedSize, sink);
+  }
+
+  void tell(const RawEntry& entry, int code) {
+    if (report_ && !report_(describe(from_, entry), code)) isStopped_ = true;
+  }
+
+  LibraryState& from_;
+  LibraryState& to_;
   Progress& progress_;
   const std::function<bool(const ZoLibEntry&, int)>& report_;
   Change change_;
@@ -178,16 +171,14 @@ class Salvage {
 
 }  // namespace
 
-int LibraryCore::salvageInto(LibraryCore& target,
-                             const std::function<bool(const ZoLibEntry&, int)>& report) {
-  if (const int refused = mayRead()) return refused;
-  if (const int refused = target.mayWrite()) return refused;
-  if (&target == this) return ZoResult::refused;
-  const int code = refresh();
-  if (code && scan.end != ScanEnd::kUnreadable) return code;
-  Progress watched = progress(file.size());
+int salvage(LibraryState& from, LibraryState& target,
+            const std::function<bool(const ZoLibEntry&, int)>& report) {
+  if (&target == &from) return ZoResult::refused;
+  const int code = from.refresh();
+  if (code && from.scan().end != ScanEnd::kUnreadable) return code;
+  Progress watched = from.progress(from.bytes().size());
   if (!watched.begin()) return ZoResult::refused;
-  return Salvage(*this, target, watched, report).run();
+  return Salvage(from, target, watched, report).run();
 }
 
 }  // namespace zo

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "bytes/little_endian.h"
-
 namespace zo {
 namespace {
 
@@ -114,7 +112,7 @@ ScanEnd endAt(ReadWindow& window, std::uint64_t position) {
 ContentTrailer trailerOf(ReadWindow& window, const RawEntry& entry) {
   if (!entry.record.has(kIsCompressed) || entry.record.storedSize < kTrailerSize) return {};
   const unsigned char* const at = window.at(entry.end() - kTrailerSize, kTrailerSize);
-  return at ? ContentTrailer{.size = load32(at), .crc = load32(at + 4)} : ContentTrailer{};
+  return at ? decodeTrailer(at) : ContentTrailer{};
 }
 
 ScanResult scanEntries(ByteStore& store, std::uint64_t size, const EntryVisitor& visit) {
@@ -148,9 +146,9 @@ bool mayEndInRedo(ByteStore& store, std::uint64_t size) {
   constexpr std::size_t kFixed = kRecordSize + kRedoName.size() + kRedoTail;
   std::array<unsigned char, kFixed> bytes;
   if (size < kHeaderSize + kFixed) return false;
-  const std::span<unsigned char> tail = std::span(bytes).first(kRedoTail);
+  const auto tail = std::span(bytes).first<kRedoTail>();
   if (!store.read(size - kRedoTail, tail)) return true;
-  const std::uint64_t patches = load32(tail.data());
+  const std::uint64_t patches = patchBytes(tail);
   if (patches > size - kHeaderSize - kFixed) return false;
   if (!store.read(size - kFixed - patches, bytes)) return true;
   const EntryRecord record = decodeRecord(recordAt(bytes.data()));

@@ -24,8 +24,10 @@ class WriteLock {
   }
   ~WriteLock() { release(); }
 
-  // 0, 1 or 1005. A writer that died holding it does not hold it any more.
-  [[nodiscard]] int take(const std::wstring& fullPath, unsigned int milliseconds);
+  // 0, 1, or 1005 when another one has it. A writer that died holding it does not hold it any more.
+  [[nodiscard]] int take(const std::wstring& fullPath);
+  // Waits until nobody has it: 0, 1, or 1005 when that took too long.
+  [[nodiscard]] static int await(const std::wstring& fullPath, unsigned int milliseconds);
   void release() noexcept;
 
  private:

@@ -1,5 +1,6 @@
 // What libraries promise: every operation against a model, result codes, names, foreign files.
 #include <atomic>
+#include <future>
 #include <thread>
 
 #include "library/library_fixture.h"
@@ -399,6 +400,57 @@ TEST_F(LibraryTest, AnswersAnyThreadAboutOneObject) {
   isDone = true;
   first.join();
   second.join();
+}
+
+namespace {
+
+// Tells when another thread comes to open the library that all use here.
+class TellsOfOpening : public UnflushedFiles {
+ public:
+  DWORD fullPath(const wchar_t* name, DWORD size, wchar_t* buffer) override {
+    const bool isMet = std::this_thread::get_id() != owner_ && !isTold_.exchange(true);
+    if (isMet) opening_.set_value();
+    return UnflushedFiles::fullPath(name, size, buffer);
+  }
+  void awaitOpening() { opening_.get_future().wait(); }
+
+ private:
+  std::thread::id owner_ = std::this_thread::get_id();
+  std::atomic<bool> isTold_ = false;
+  std::promise<void> opening_;
+};
+
+}  // namespace
+
+TEST_F(LibraryTest, WhoWaitsForAWriterKeepsNobodyWaiting) {
+  put(source_, "bytes");
+  for (const bool isOnAnotherMachine : {false, true}) {
+    SCOPED_TRACE(isOnAnotherMachine);
+    ZoLibrary holder, other, late;
+    ZoFile file;  // without the lock of this machine
+    ASSERT_EQ(openForWriting(holder), 0);
+    if (isOnAnotherMachine) {
+      ASSERT_EQ(holder.close(), 0);
+      ASSERT_EQ(file.open(path_, kReadWrite, ZoFile::kOpenExisting, ZoFile::kShareRead), 0);
+    }
+    TellsOfOpening files;
+    int code = -1;
+    std::thread waiter([&] {
+      code = openForWriting(late, 200'000);
+      EXPECT_EQ(late.close(), 0);
+    });
+    files.awaitOpening();
+    // It gets the library only when this thread has overtaken it with another one, and lets go.
+    EXPECT_EQ(other.open(name(L"other.lib"), kReadWrite, ZoFile::kOpenAlways), 0);
+    EXPECT_EQ(other.addFile(source_, L"member", true), 0);
+    EXPECT_FALSE(late.isOpen());
+    if (!isOnAnotherMachine) {
+      EXPECT_EQ(holder.addFile(source_, L"the last"), 0);
+    }
+    EXPECT_EQ(file.close() + holder.close(), 0);
+    waiter.join();
+    EXPECT_EQ(code, 0);
+  }
 }
 
 TEST_F(LibraryTest, AddsABatchInOneStep) {

@@ -66,6 +66,21 @@ TEST_F(LibraryTest, MembersReadAndSeekAsFiles) {
   EXPECT_EQ(left.setLastWriteTime({1, 1}), 1004);
 }
 
+TEST_F(LibraryTest, AMemberThatWasRemovedBecomesNoOther) {
+  ZoLibrary library;
+  ASSERT_EQ(openForWriting(library), 0);
+  for (const wchar_t* const member : {L"first", L"other", L"third"}) {
+    ASSERT_EQ(add(library, member, pattern(100)), 0);
+  }
+  ZoFile file;
+  ASSERT_EQ(library.getFile(file, L"first"), 0);
+  // Another one comes to its place, and the file is rewritten once more.
+  for (const wchar_t* const member : {L"first", L"third"}) {
+    ASSERT_EQ(library.deleteFile(member, true), 0);
+    EXPECT_FALSE(file.isOpen());
+  }
+}
+
 TEST_F(LibraryTest, MembersAreWrittenAsFiles) {
   std::string bytes = pattern(300'000);
   ZoLibrary library;

@@ -25,9 +25,10 @@
 //          platform is to be had from the file-system service's errorTxt(). Nothing throws but
 //          std::bad_alloc, and then nothing is changed.
 // Threads: any, also on one object: one call runs at a time in a process, and others wait for it,
-//          isOpen() and name() too. Only moving and destroying are for one thread. The thread that
-//          opened a library for writing closes it (the platform ties the lock to it). Other
-//          processes read while one writes.
+//          isOpen() and name() too; but nobody waits for an open() that waits for another writer.
+//          Only moving and destroying are for one thread. The thread that opened a library for
+//          writing closes it (the platform ties the lock to it). Other processes read while one
+//          writes.
 // Cost:    the first search goes over the file up to the member; the second makes an index of all,
 //          with which finding is O(1). Both begin anew when another process has changed the file.
 //          Adding does not depend on what is there.
@@ -49,7 +50,7 @@ template <class T>
 class ZoSequence;
 
 namespace zo {
-class LibraryCore;
+class LibraryDoor;
 }
 
 class ZO_COM_API ZoLibrary {
@@ -204,5 +205,5 @@ class ZO_COM_API ZoLibrary {
   [[nodiscard]] bool wasCancelled() const;  // the last call that could be
 
  private:
-  std::shared_ptr<zo::LibraryCore> core_;  // shared with the members that are open as files
+  std::shared_ptr<zo::LibraryDoor> core_;  // shared with the members that are open as files
 };

@@ -1,18 +1,19 @@
-#include "library/library_file.h"
+#include "library/disk_file.h"
 
 #include <zo/system/file_system.h>
 #include <zo/system/registry.h>
 
 #include <algorithm>
 
+#include "library/format.h"
 #include "library/time_value.h"
+#include "platform/write_all.h"
 
 namespace zo {
 namespace {
 
 constexpr std::size_t kLargestCall = std::size_t{1} << 30;  // a call's size has 32 bits
 constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
-constexpr std::uint64_t kLockAt = std::uint64_t{1} << 62;  // where no file has bytes
 
 }  // namespace
 
@@ -24,21 +25,29 @@ bool reportFailure(const wchar_t* operation) noexcept {
   return false;
 }
 
-bool LibraryFile::open(const SystemPath& path, DWORD access, DWORD share,
-                       DWORD disposition) noexcept {
+bool DiskFile::open(const SystemPath& path, DWORD access, DWORD share, DWORD disposition) noexcept {
   take(OpenFile(fileApi().create(path, access, share, disposition, FILE_FLAG_RANDOM_ACCESS)));
   return isOpen();
 }
 
-void LibraryFile::take(OpenFile file) noexcept {
+bool DiskFile::openToRead(const SystemPath& path, DWORD disposition) noexcept {
+  return open(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+              disposition);
+}
+
+bool DiskFile::openToWrite(const SystemPath& path, DWORD disposition) noexcept {
+  return open(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, disposition);
+}
+
+void DiskFile::take(OpenFile file) noexcept {
   file_ = std::move(file);
   seen_ = {};
   position_ = kUnknown;
 }
 
-bool LibraryFile::close() noexcept { return file_.close() || reportFailure(L"close"); }
+bool DiskFile::close() noexcept { return file_.close() || reportFailure(L"close"); }
 
-bool LibraryFile::look(Signature& signature) noexcept {
+bool DiskFile::look(Signature& signature) noexcept {
   std::int64_t size = 0;
   FILETIME written;
   if (!fileApi().size(file_.get(), size) ||
@@ -50,7 +59,7 @@ bool LibraryFile::look(Signature& signature) noexcept {
   return true;
 }
 
-void LibraryFile::touch() noexcept {
+void DiskFile::touch() noexcept {
   FILETIME now;
   GetSystemTimeAsFileTime(&now);
   const std::uint64_t time = std::max(timeValue(now), seen_.written + 1);
@@ -59,7 +68,7 @@ void LibraryFile::touch() noexcept {
   if (fileApi().setTimes(file_.get(), nullptr, nullptr, &now)) seen_.written = time;
 }
 
-bool LibraryFile::seek(std::uint64_t offset) noexcept {
+bool DiskFile::seek(std::uint64_t offset) noexcept {
   if (offset == position_) return true;
   std::int64_t reached = 0;
   position_ = kUnknown;
@@ -70,7 +79,7 @@ bool LibraryFile::seek(std::uint64_t offset) noexcept {
   return true;
 }
 
-bool LibraryFile::read(std::uint64_t offset, std::span<unsigned char> to) noexcept {
+bool DiskFile::read(std::uint64_t offset, std::span<unsigned char> to) noexcept {
   if (!seek(offset)) return false;
   while (!to.empty()) {
     DWORD done = 0;
@@ -87,35 +96,23 @@ bool LibraryFile::read(std::uint64_t offset, std::span<unsigned char> to) noexce
   return true;
 }
 
-bool LibraryFile::write(std::uint64_t offset, Bytes bytes) noexcept {
+bool DiskFile::write(std::uint64_t offset, Bytes bytes) noexcept {
   if (!seek(offset)) return false;
-  while (!bytes.empty()) {
-    DWORD done = 0;
-    const auto part = static_cast<DWORD>(std::min(bytes.size(), kLargestCall));
-    const bool succeeded = fileApi().write(file_.get(), bytes.data(), part, done);
-    if (succeeded && done == 0) SetLastError(ERROR_WRITE_FAULT);
-    if (!succeeded || done == 0) {
-      position_ = kUnknown;
-      return reportFailure(L"write");
-    }
-    position_ += done;
-    seen_.size = std::max(seen_.size, position_);
-    bytes = bytes.subspan(done);
-  }
-  return true;
+  const std::size_t written = writeAll(file_.get(), bytes.data(), bytes.size());
+  if (written != 0) seen_.size = std::max(seen_.size, offset + written);
+  position_ = written == bytes.size() ? offset + written : kUnknown;
+  return written == bytes.size() || reportFailure(L"write");
 }
 
-bool LibraryFile::cut(std::uint64_t size) noexcept {
+bool DiskFile::cut(std::uint64_t size) noexcept {
   if (!seek(size)) return false;
   if (!fileApi().setEnd(file_.get())) return reportFailure(L"setEndOfFile");
   seen_.size = size;
   return true;
 }
 
-bool LibraryFile::flush() noexcept {
-  return fileApi().flush(file_.get()) || reportFailure(L"flush");
-}
+bool DiskFile::flush() noexcept { return fileApi().flush(file_.get()) || reportFailure(L"flush"); }
 
-bool LibraryFile::lock() noexcept { return fileApi().lock(file_.get(), kLockAt, 1); }
+bool DiskFile::lock() noexcept { return fileApi().lock(file_.get(), kWriterByteAt, 1); }
 
 }  // namespace zo

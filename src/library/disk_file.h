@@ -1,4 +1,5 @@
-// The file that holds a library: bytes read and written at any place.
+// A file on the disk that holds a library: bytes read and written at any place. That of an open
+// library is written by its changes alone (library/change.h).
 //
 // Errors:  false; the platform's reason is reported to the file-system service at once. A read or
 //          write that comes short is a failure.
@@ -15,7 +16,7 @@ namespace zo {
 // Tells the file-system service of the last error. Returns false.
 bool reportFailure(const wchar_t* operation) noexcept;
 
-class LibraryFile final : public ByteStore {
+class DiskFile final : public ByteStore {
  public:
   // What tells whether another process has changed the file: every change of a library moves the
   // time of the last write on, see touch().
@@ -24,9 +25,10 @@ class LibraryFile final : public ByteStore {
     bool operator==(const Signature&) const = default;
   };
 
-  // Does not report: an open may be tried again.
-  [[nodiscard]] bool open(const SystemPath& path, DWORD access, DWORD share,
-                          DWORD disposition) noexcept;
+  // For a reader, who keeps nobody out; for a writer, who keeps other writers out. They do not
+  // report: an open may be tried again.
+  [[nodiscard]] bool openToRead(const SystemPath& path, DWORD disposition) noexcept;
+  [[nodiscard]] bool openToWrite(const SystemPath& path, DWORD disposition) noexcept;
   void take(OpenFile file) noexcept;
   [[nodiscard]] bool isOpen() const noexcept { return static_cast<bool>(file_); }
   [[nodiscard]] bool close() noexcept;
@@ -47,11 +49,29 @@ class LibraryFile final : public ByteStore {
   [[nodiscard]] bool lock() noexcept;
 
  private:
+  [[nodiscard]] bool open(const SystemPath& path, DWORD access, DWORD share,
+                          DWORD disposition) noexcept;
   [[nodiscard]] bool seek(std::uint64_t offset) noexcept;
 
   OpenFile file_;
   Signature seen_;
   std::uint64_t position_ = 0;  // of the platform's file; kUnknown after a failure
+};
+
+// Bytes that go behind one another from a place on.
+class DiskSink final : public ByteSink {
+ public:
+  DiskSink(DiskFile& file, std::uint64_t at) : file_(file), begin_(at), at_(at) {}
+  bool write(Bytes bytes) noexcept override {
+    if (!file_.write(at_, bytes)) return false;
+    at_ += bytes.size();
+    return true;
+  }
+  [[nodiscard]] std::uint64_t size() const { return at_ - begin_; }
+
+ private:
+  DiskFile& file_;
+  std::uint64_t begin_, at_;
 };
 
 }  // namespace zo

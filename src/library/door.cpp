@@ -1,0 +1,166 @@
+#include "library/door.h"
+
+#include <utility>
+
+#include "library/change.h"
+#include "platform/system_path.h"
+#include "system/process_locks.h"
+
+namespace zo {
+namespace {
+
+constexpr DWORD kPollInterval = 20;  // ms: there is no waiting for a file
+
+// Without the platform's prefix for long ones, with which it would be no ZoFileName.
+std::wstring fullPathOf(const ZoFileName& name) {
+  const ZoFileName alias = name.isURL() ? name.localAlias() : ZoFileName();
+  const wchar_t* const path = alias.isEmpty() ? name.fullName() : alias.fullName();
+  return textOf(
+      [&](DWORD size, wchar_t* buffer) { return fileApi().fullPath(path, size, buffer); });
+}
+
+bool isHeldByOthers(DWORD error) {
+  return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+}
+
+// A file is emptied only when it is ours alone.
+DWORD firstDisposition(bool writes, ZoFile::CreationMode mode) {
+  if (writes && mode == ZoFile::kCreateAlways) return OPEN_ALWAYS;
+  if (writes && mode == ZoFile::kTruncateExisting) return OPEN_EXISTING;
+  return mode;
+}
+
+}  // namespace
+
+// ---- The process-wide lock ----
+
+FilesLock::FilesLock() noexcept : taken_(processLocks.attached) {
+  if (taken_) EnterCriticalSection(&processLocks.files);
+}
+
+FilesLock::~FilesLock() {
+  if (taken_) LeaveCriticalSection(&processLocks.files);
+}
+
+// ---- Opening ----
+
+// What an open asks for, and how far it came.
+struct LibraryDoor::Opening {
+  const ZoFileName& name;
+  bool writes;
+  bool empties;
+  DWORD disposition;
+  std::wstring path = {};
+  bool meetsOtherMachine = false;  // another writer has the file, and not the lock
+};
+
+// Leaves nothing open unless the code is 0 in the end.
+struct LibraryDoor::ReleaseUnless {
+  ~ReleaseUnless() {
+    const KeptError kept;
+    if (code) library.release();
+  }
+
+  LibraryState& library;
+  const int& code;
+};
+
+// The write lock is taken under the process-wide lock, without waiting; it is waited for outside of
+// it, and then tried again. So nobody waits for the one lock and holds the other, and the writer
+// that is waited for may be a thread of this process.
+int LibraryDoor::open(const ZoFileName& name, int access, ZoFile::CreationMode mode,
+                      unsigned int timeOut) {
+  const bool writes = (access & ZoFile::kWrite) != 0;
+  const bool empties = mode == ZoFile::kCreateAlways || mode == ZoFile::kTruncateExisting;
+  Opening opening{.name = name,
+                  .writes = writes,
+                  .empties = empties,
+                  .disposition = firstDisposition(writes, mode)};
+  for (const ULONGLONG start = GetTickCount64();;) {
+    if (const int code = openOnce(opening); code != ZoResult::libraryWriteLocked) return code;
+    const ULONGLONG waited = GetTickCount64() - start;
+    if (waited >= timeOut) return ZoResult::libraryWriteLocked;
+    if (opening.meetsOtherMachine) {
+      Sleep(kPollInterval);
+    } else if (const int code =
+                   WriteLock::await(opening.path, static_cast<DWORD>(timeOut - waited))) {
+      return code;
+    }
+  }
+}
+
+// 1005 when another writer has the library.
+int LibraryDoor::openOnce(Opening& opening) {
+  const FilesLock lock;
+  if (const int code = close()) return code;
+  if (opening.path.empty()) opening.path = fullPathOf(opening.name);
+  if (opening.path.empty()) {
+    reportFailure(L"open");
+    return ZoResult::refused;
+  }
+  int code = ZoResult::refused;
+  const ReleaseUnless opened{library_, code};
+  library_.name_ = opening.name.deepCopy();
+  library_.path_ = opening.path;
+  opening.meetsOtherMachine = false;
+  code = opening.writes ? library_.lock_.take(opening.path) : ZoResult::ok;
+  if (code == ZoResult::ok) code = openFile(opening);
+  if (code) return code;
+  library_.isWritable_ = opening.writes;
+  if (opening.writes) Change::settleOpened(library_);
+  return ZoResult::ok;
+}
+
+int LibraryDoor::openFile(Opening& opening) {
+  DiskFile& file = library_.file_;
+  const SystemPath system(opening.path.c_str());
+  const bool isOpened = opening.writes ? file.openToWrite(system, opening.disposition)
+                                       : file.openToRead(system, opening.disposition);
+  if (isOpened && !opening.writes) return ZoResult::ok;
+  if (isOpened) {
+    if (file.lock()) return Change::makeNew(library_, opening.empties);
+    if (opening.disposition == CREATE_NEW) opening.disposition = OPEN_EXISTING;  // it is there now
+  }
+  if (opening.writes && isHeldByOthers(GetLastError())) {
+    file.take(OpenFile());
+    opening.meetsOtherMachine = true;
+    return ZoResult::libraryWriteLocked;
+  }
+  reportFailure(L"open");
+  return ZoResult::refused;
+}
+
+// ---- Closing ----
+
+int LibraryDoor::close() {
+  const FilesLock lock;
+  if (!library_.isOpen()) return ZoResult::ok;
+  int code = ZoResult::refused;
+  try {
+    code = endBatch(library_);
+  } catch (const std::bad_alloc&) {  // it is closed all the same, without the batch
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    reportFailure(L"close");
+  }
+  return library_.release() ? code : ZoResult::refused;
+}
+
+void LibraryDoor::abandon() {
+  const FilesLock lock;
+  library_.batch.reset();
+  static_cast<void>(close());
+}
+
+// ---- Running ----
+
+int LibraryDoor::mayRun(Access access, std::initializer_list<const ZoFileName*> members) const {
+  if (access == Access::kKnow) return ZoResult::ok;
+  if (!library_.isOpen()) return ZoResult::refused;
+  for (const ZoFileName* const member : members) {
+    if (member->isURL()) return ZoResult::invalid;
+  }
+  const bool lacks = access == Access::kWrite && !library_.isWritable();
+  return lacks ? ZoResult::libraryReadOnly : ZoResult::ok;
+}
+
+}  // namespace zo
