@@ -15,9 +15,10 @@ namespace zo {
 namespace {
 
 // Below so many texts the keys cost what they save.
-constexpr std::size_t kFewestTexts = 64;
+constexpr std::size_t kFewestTexts = 16;
 // For so many it pays to learn the locale's order, should that not have happened.
 constexpr std::size_t kWorthLearning = 2000;
+constexpr std::size_t kTextsOfABlock = 1024;
 // Longer texts differ early, and have no key.
 constexpr std::size_t kLongestText = 4096;
 
@@ -33,18 +34,24 @@ struct KeyedText {
   std::uint32_t size;  // of the key, whose bytes follow; 0 when the text has none
 };
 
-// The platform's keys and its comparing were seen to differ for Tibetan and for what lies behind
-// the surrogates: compatibility forms of letters.
-bool hasSoundKey(std::wstring_view text) noexcept {
-  return text.size() <= kLongestText && std::all_of(text.begin(), text.end(), [](wchar_t c) {
-           return c < 0x0F00 || (c >= 0x1000 && c < 0xD800);
-         });
+// Whether the platform's keys were seen to agree with its comparing for texts of such units: Latin,
+// Greek, Cyrillic and Armenian letters, signs and dashes, Han and Hangul. They were seen to differ for
+// others: Tibetan, compatibility forms, marks that combine where controls stand between.
+bool isSound(wchar_t c) noexcept {
+  if (c < 0x300) return (c >= 0x20 && c < 0x7F) || (c >= 0xA0 && c != 0xAD);
+  if (c < 0x588) return c >= 0x370 && (c < 0x483 || c >= 0x48A);
+  if (c < 0x2028) return c >= 0x1E00 && (c < 0x2000 || c >= 0x2010);
+  return (c >= 0x4E00 && c < 0xA000) || (c >= 0xAC00 && c < 0xD7A4);
 }
 
-// Memory that is given back as a whole, in blocks of at least kBlock bytes.
+bool hasSoundKey(std::wstring_view text) noexcept {
+  return text.size() <= kLongestText && std::all_of(text.begin(), text.end(), isSound);
+}
+
+// Memory that is given back as a whole, in blocks of at least so many bytes.
 class KeyMemory {
  public:
-  KeyMemory() = default;
+  explicit KeyMemory(std::size_t block) noexcept : block_(block) {}
   ~KeyMemory() {
     while (Block* const block = blocks_) {
       blocks_ = block->next;
@@ -57,7 +64,7 @@ class KeyMemory {
   // At least n bytes, or null. They are taken by the next take().
   [[nodiscard]] unsigned char* room(std::size_t n) noexcept {
     if (n <= static_cast<std::size_t>(end_ - next_)) return next_;
-    const std::size_t bytes = std::max(n, kBlock);
+    const std::size_t bytes = std::max(n, block_);
     void* const block = allocateBlock(sizeof(Block) + bytes, alignof(Block));
     if (!block) return nullptr;
     blocks_ = ::new (block) Block{blocks_};
@@ -74,8 +81,7 @@ class KeyMemory {
   struct alignas(16) Block {
     Block* next;
   };
-  static constexpr std::size_t kBlock = std::size_t{64} * 1024;
-
+  std::size_t block_;
   Block* blocks_ = nullptr;
   unsigned char* next_ = nullptr;
   unsigned char* end_ = nullptr;
@@ -176,7 +182,7 @@ bool sortTextsByKeys(void** words, std::size_t n, Words kind, const ElementCompa
   const ItemBuffer items(order ? 2 * n : 0);
   if (!order || !items.data()) return false;
 
-  KeyMemory memory;
+  KeyMemory memory(std::min(n, kTextsOfABlock) * 64);
   KeyMaker maker(*order, memory);
   for (std::size_t i = 0; i < n; ++i) {
     const void* const text = kind == Words::kPointers ? words[i] : static_cast<void*>(&words[i]);
