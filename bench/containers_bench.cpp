@@ -1,6 +1,9 @@
 // Containers beside those of the standard library.
+#include <windows.h>
+
 #include <benchmark/benchmark.h>
 #include <zo/containers.h>
+#include <zo/text/split_views.h>
 
 #include <algorithm>
 #include <bit>
@@ -263,9 +266,12 @@ void removePeer(State& state, int64_t n) {
 
 // ---- Tree with text keys, ignoring case ----
 
+// The peers ask the platform at every comparison.
 struct LessIgnoringCase {
   bool operator()(const ZoString& a, const ZoString& b) const {
-    return a.compareTo(b, ZoString::ignoreCase) < 0;
+    return CompareStringW(LOCALE_USER_DEFAULT, NORM_IGNORECASE, a.data(),
+                          static_cast<int>(a.length()), b.data(),
+                          static_cast<int>(b.length())) == CSTR_LESS_THAN;
   }
 };
 using OurTree = ZoTree<int, ZoString>;
@@ -358,6 +364,28 @@ void splitOurs(State& state, int64_t units) {
   }
 }
 
+// The peer of the views: its pieces kept as they come, as by split; and its views, none of them kept.
+void splitViewsOurs(State& state, int64_t units) {
+  const std::wstring text = delimitedText(static_cast<size_t>(units));
+  for (auto _ : state) {
+    size_t sum = 0;
+    for (const std::wstring_view piece : zoSplitViews(text, L",;")) sum += piece.size();
+    benchmark::DoNotOptimize(sum);
+  }
+}
+
+void splitViewsPeer(State& state, int64_t units) {
+  const std::wstring text = delimitedText(static_cast<size_t>(units));
+  const std::wstring_view view = text;
+  for (auto _ : state) {
+    size_t sum = 0, from = 0;
+    for (size_t at; (at = view.find_first_of(L",;", from)) != std::wstring::npos; from = at + 1)
+      sum += view.substr(from, at - from).size();
+    sum += view.substr(from).size();
+    benchmark::DoNotOptimize(sum);
+  }
+}
+
 void splitPeer(State& state, int64_t units) {
   const std::wstring text = delimitedText(static_cast<size_t>(units));
   for (auto _ : state) {
@@ -413,6 +441,11 @@ void pair(const char* work, int64_t n, Ours ours, const char* peerName, Peer pee
   // allocation; a mebicharacter gives pieces of nine, which it does not.
   for (const int64_t units : {512 * 1024, 1024 * 1024})
     pair("Split100000Pieces", units, splitOurs, kVector, splitPeer);
+  for (const int64_t units : {512 * 1024, 1024 * 1024}) {
+    pair("SplitViews100000Pieces", units, splitViewsOurs, kVector, splitPeer);
+    name(per("SplitViews100000Pieces", units, "peer:std::wstring_view"),
+         [=](State& state) { splitViewsPeer(state, units); });
+  }
   pair("TreeFind", k100000, treeFind<OurTree>, kMap, treeFind<PeerTree>);
   pair("TreeIterate", k100000, treeIterate<OurTree>, kMap, treeIterate<PeerTree>);
   return true;

@@ -7,6 +7,7 @@
 #include <zo/text/number_text.h>
 #include <zo/text/printf.h>
 #include <zo/text/ref_count.h>
+#include <zo/text/split_views.h>
 #include <zo/text/string.h>
 #include <zo/text/string_ref.h>
 #include <zo/text/sub_string.h>

@@ -29,27 +29,23 @@ size_t firstDifference(const wchar_t* a, const wchar_t* b, size_t n) noexcept {
   return n;
 }
 
-// Whether texts of n units, 8 to 64, are the same. The number of steps does not depend on n: to
-// foresee where a loop ends, which changes from name to name, would cost the processor more.
-bool sameUpTo64(const wchar_t* a, const wchar_t* b, size_t n) noexcept {
-  const size_t last = n - kLane;
+// Whether texts of n units, 8 or more, are written alike. All is looked at before that is told:
+// names of one length mostly are, and to stop early would cost a branch for each step.
+bool writtenAlike(const wchar_t* a, const wchar_t* b, size_t n) noexcept {
   const auto same = [=](size_t at) noexcept {
-    at = std::min(at, last);
     return _mm_cmpeq_epi16(load8(a + at), load8(b + at));
   };
-  const __m128i front = _mm_and_si128(_mm_and_si128(same(0), same(8)),  //
-                                      _mm_and_si128(same(16), same(24)));
-  const __m128i back = _mm_and_si128(_mm_and_si128(same(32), same(40)),  //
-                                     _mm_and_si128(same(48), same(last)));
-  return mask8(_mm_and_si128(front, back)) == 0xFFFF;
+  const size_t last = n - kLane;
+  __m128i alike = same(last);
+  for (size_t i = 0; i < last; i += kLane) alike = _mm_and_si128(alike, same(i));
+  return mask8(alike) == 0xFFFF;
 }
 
 }  // namespace
 
 bool equalOfSize(const wchar_t* a, const wchar_t* b, size_t size) noexcept {
   // Equal names are mostly written alike, which is seen at a third of the cost.
-  const bool same = size >= kLane && size <= 64 ? sameUpTo64(a, b, size) : equalUnits(a, b, size);
-  return same || firstDifference(a, b, size) == size;
+  return (size >= kLane && writtenAlike(a, b, size)) || firstDifference(a, b, size) == size;
 }
 
 int orderNames(std::wstring_view a, std::wstring_view b) noexcept {

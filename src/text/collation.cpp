@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "text/eight_units.h"
+#include "text/plain_order.h"
 
 namespace zo {
 namespace {
@@ -21,12 +22,14 @@ __m128i loadPartial(const wchar_t* at, size_t n) noexcept {
 // unit.
 struct Findings {
   __m128i printable = _mm_set1_epi16(-1);
-  __m128i same = _mm_set1_epi16(-1);
+  __m128i same = _mm_set1_epi16(-1);   // after folding a to z
+  __m128i alike = _mm_set1_epi16(-1);  // as they stand
 
   void look(__m128i a, __m128i b) noexcept {
     printable =
         _mm_and_si128(printable, _mm_and_si128(between8(a, L' ', L'~'), between8(b, L' ', L'~')));
     same = _mm_and_si128(same, _mm_cmpeq_epi16(lowerAscii8(a), lowerAscii8(b)));
+    alike = _mm_and_si128(alike, _mm_cmpeq_epi16(a, b));
   }
 };
 
@@ -42,15 +45,23 @@ bool printableAscii(std::wstring_view text) noexcept {
   return mask8(found.printable) == 0xFFFF;
 }
 
-}  // namespace
-
-int compareIgnoreCase(std::wstring_view a, std::wstring_view b) noexcept {
+int askPlatform(std::wstring_view a, std::wstring_view b) noexcept {
   constexpr LCID kUserLocale = 0x400;
   const int order =
       CompareStringW(kUserLocale, NORM_IGNORECASE, nonNull(a), static_cast<int>(a.size()),
                      nonNull(b), static_cast<int>(b.size()));
   if (order == CSTR_LESS_THAN) return -1;
   return order == CSTR_EQUAL ? 0 : 1;
+}
+
+}  // namespace
+
+int compareIgnoreCase(std::wstring_view a, std::wstring_view b) noexcept {
+  if (const PlainOrder* const order = PlainOrder::ofUser()) {
+    const int known = order->compare(a, b);
+    if (known != PlainOrder::kUnknown) return known;
+  }
+  return a == b ? 0 : askPlatform(a, b);
 }
 
 bool equalIgnoreCase(std::wstring_view a, std::wstring_view b) noexcept {
@@ -68,8 +79,13 @@ bool equalIgnoreCase(std::wstring_view a, std::wstring_view b) noexcept {
       found.look(loadPartial(a.data(), n), loadPartial(b.data(), n));
     }
   }
-  if (mask8(found.printable) == 0xFFFF) return mask8(found.same) == 0xFFFF;
-  return a == b || compareIgnoreCase(a, b) == 0;
+  if (mask8(found.alike) == 0xFFFF) return true;
+  if (mask8(found.printable) == 0xFFFF) {
+    if (mask8(found.same) != 0xFFFF) return false;
+    const PlainOrder* const order = PlainOrder::ofUser();
+    if (order && order->foldsByLetter()) return true;
+  }
+  return compareIgnoreCase(a, b) == 0;
 }
 
 }  // namespace zo

@@ -5,12 +5,12 @@
 
 namespace zo {
 
-// -1, 0 or 1; 1 also when the platform fails.
+// -1, 0 or 1; 1 also when the platform fails. What the user's locale makes of plain texts is learnt
+// (plain_order.h), for all else the platform is asked.
 [[nodiscard]] int compareIgnoreCase(std::wstring_view a, std::wstring_view b) noexcept;
 
-// Whether compareIgnoreCase gives 0. Printable ASCII is decided here: over it, the platform's
-// answer is "equal" exactly when the texts are the same after folding a to z (the order is another
-// matter).
+// Whether compareIgnoreCase gives 0. Printable ASCII of which one text differs from the other by
+// more than the case of a to z is decided here, whatever the locale.
 [[nodiscard]] bool equalIgnoreCase(std::wstring_view a, std::wstring_view b) noexcept;
 
 }  // namespace zo

@@ -102,9 +102,7 @@ int ZoString::codeUnitOrder(std::wstring_view other) const noexcept {
 }
 
 int ZoString::compareTo(const ZoString& other, caseCompare cmp) const noexcept {
-  if (cmp == ignoreCase) {
-    return isEqual(other.view(), ignoreCase) ? 0 : zo::compareIgnoreCase(view(), other.view());
-  }
+  if (cmp == ignoreCase) return zo::compareIgnoreCase(view(), other.view());
   const unsigned int common = std::min(length(), other.length());
   const int order = std::memcmp(data_, other.data_, size_t{common} * sizeof(wchar_t));
   if (order != 0) return order;
@@ -113,7 +111,7 @@ int ZoString::compareTo(const ZoString& other, caseCompare cmp) const noexcept {
 
 int ZoString::order(std::wstring_view other, caseCompare cmp) const noexcept {
   if (cmp == exact) return codeUnitOrder(other);
-  return isEqual(other, ignoreCase) ? 0 : zo::compareIgnoreCase(view(), other);
+  return zo::compareIgnoreCase(view(), other);
 }
 
 bool ZoString::isEqual(std::wstring_view other, caseCompare cmp) const noexcept {

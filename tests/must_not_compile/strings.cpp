@@ -77,6 +77,10 @@ void strings(ZoString text, const ZoString& constant, ZoSubString part, std::wis
   (void)text.first(0);                          // error: write L'c'
   (void)text.last(5);                           // error: write L'c'
   (void)text.splitNext(0);                      // error: write L'c'
+  (void)zoSplitViews(text, ',');                // error: write L'c'
+  (void)zoSplitViews(text + L"", L",");         // error: keep the string in a variable
+  (void)zoSplitViews(text, ZoString(L","));     // error: keep the string in a variable
+  (void)zoSplitViews(constant.copy(), L',');    // error: keep the string in a variable
   (void)text.compareTo(0);                      // error: write L'c'
   (void)text.equals(nullptr, true);             // error: no matching function
   (void)text.collate(0);                        // error: write L'c'

@@ -103,11 +103,21 @@ TYPED_TEST(OutOfMemoryIn, GrowingCopyingAndAssigningLoseNothing) {
   failEveryRequest(
       "copy", [] { return TypeParam(); }, [&](TypeParam& c) { return c = TypeParam(original), 0; },
       [&](const TypeParam& c, bool done) { EXPECT_EQ(c.entries(), done ? entries : 0u); });
-  if constexpr (requires(TypeParam& c) { c.sort(ZoCompare<ZoString>(), false); })
+  if constexpr (requires(TypeParam& c) { c.sort(ZoCompare<ZoString>(), false); }) {
     failEveryRequest(
         "sort", [&] { return original; },
         [](TypeParam& c) { return c.sort(ZoCompare<ZoString>(), false); },
         [&](const TypeParam& c, bool) { EXPECT_EQ(c.entries(), entries); });
+    TypeParam many;  // so many that they are sorted by keys
+    for (int i = 0; i < 25; ++i) ASSERT_EQ(many.append(original), 0);
+    failEveryRequest(
+        "sort by keys", [&] { return many; },
+        [](TypeParam& c) { return c.sort(ZoCICompare<ZoString>(), false); },
+        [&](const TypeParam& c, bool done) {
+          EXPECT_EQ(c.entries(), many.entries());
+          EXPECT_EQ(*c.first(), done ? *original.last() : *many.first());
+        });
+  }
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <zo/text/containers/text_keys.h>
+#include <zo/text/containers/vtree.h>
 
 #include <algorithm>
 #include <bit>
@@ -12,6 +13,7 @@
 #include "text/eight_units.h"
 #include "text/hash.h"
 #include "text/letter_case.h"
+#include "text/plain_order.h"
 
 namespace zo {
 namespace {
@@ -58,6 +60,14 @@ unsigned fingerprintText(const wchar_t* text, std::size_t length) noexcept {
     value = (value & kPrime) + (value >> 31);
   }
   return static_cast<unsigned>(value % kPrime);
+}
+
+std::uint32_t frontOfText(const wchar_t* text, std::size_t length) noexcept {
+  const PlainOrder* const order = PlainOrder::ofUser();
+  static_assert(PlainOrder::kFrontBits + kFrontKindBits == 32);
+  static_assert(PlainOrder::kLocales < 1u << kFrontKindBits);
+  const std::uint32_t front = order ? order->frontOf({text, length}) : 0;
+  return front != 0 ? front << kFrontKindBits | order->number() : 0;
 }
 
 bool equalTexts(std::wstring_view a, std::wstring_view b) noexcept {

@@ -208,9 +208,13 @@ int ZoVTree::insertNode(ZoVTreeNode*& node, const void* key, zo::TreeNodeMaker& 
   if (!node) {
     const int status = maker.make(node);
     taller = status == ZoResult::ok;
+    if (taller) node->front = maker.front();
     return status;
   }
-  const int order = compare.compare(key, mem_->key(node->element));
+  zo::prefetch(node->left);
+  zo::prefetch(node->right);
+  int order = zo::orderOfFronts(maker.front(), node->front);
+  if (order == 0) order = compare.compare(key, mem_->key(node->element));
   if (order == 0) return ZoResult::refused;
   const int status = insertNode(order < 0 ? node->left : node->right, key, maker, compare, taller);
   if (taller) {

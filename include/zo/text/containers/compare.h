@@ -7,6 +7,7 @@
 
 #include <zo/text/containers/vcallbacks.h>
 
+#include <cstdint>
 #include <utility>
 
 template <class T>
@@ -43,10 +44,17 @@ class TypedCompare : public Base {
   int compare(const void* a, const void* b) const override {
     return compare_->compare(*static_cast<const T*>(a), *static_cast<const T*>(b));
   }
+  [[nodiscard]] const ZoCompare<T>& typed() const noexcept { return *compare_; }
 
  private:
   const ZoCompare<T>* compare_;  // not owned; outlives this
 };
+
+// What a key begins with in the order C, for a tree (vtree.h); 0 where nothing is known.
+template <class K, class C>
+[[nodiscard]] std::uint32_t frontOf(const K&) {
+  return 0;
+}
 
 // Any callable (a, b) -> int as a comparison: `array.sort(zo::compareBy<Part>(byWeight))`.
 template <class T, class F>

@@ -1,7 +1,8 @@
 // Text in containers: the order and the key policy ignoring case.
 //
-// The order is the platform's collation ignoring case (ZoString::compareTo), which decides all but
-// printable ASCII.
+// The order is the platform's collation ignoring case in the user's locale (ZoString::compareTo). What
+// it makes of plain ASCII is learnt once for each locale; for the rest it is asked. A container that
+// was ordered in one locale is not in order when the user takes another (docs/containers.md).
 //
 // Two keys of a ZoHashDict are one when they are equal unit by unit after simple case folding and
 // the collation says so, too. A key of ASCII hashes as ZoString::hash(ignoreCase) does. That folds
@@ -17,7 +18,7 @@
 // Look-up takes const wchar_t*, ZoSubString and std::wstring_view as they are, without making a
 // string.
 //
-// Threads: stateless; any number of threads.
+// Threads: stateless; any number of threads, also while the user's locale changes.
 #pragma once
 
 #include <zo/text/containers/compare.h>
@@ -26,6 +27,7 @@
 #include <zo/text/string.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace zo {
@@ -42,6 +44,9 @@ inline constexpr bool isRelocatable<ZoString> = true;
                                               std::size_t length) noexcept;
 // Whether any two texts are one key.
 [[nodiscard]] ZO_COM_API bool equalTexts(std::wstring_view a, std::wstring_view b) noexcept;
+// What a text begins with, for a tree (vtree.h); 0 when its order is for the platform to tell.
+[[nodiscard]] ZO_COM_API std::uint32_t frontOfText(const wchar_t* text,
+                                                   std::size_t length) noexcept;
 [[nodiscard]] ZO_COM_API unsigned fingerprintText(const wchar_t* text, std::size_t length) noexcept;
 
 }  // namespace zo
@@ -53,6 +58,11 @@ class ZoCICompare<ZoString> : public ZoCompare<ZoString> {
     return a.compareTo(b, ZoString::ignoreCase);
   }
 };
+
+template <>
+inline std::uint32_t zo::frontOf<ZoString, ZoCICompare<ZoString>>(const ZoString& key) {
+  return frontOfText(key.data(), key.length());
+}
 
 template <>
 class ZoCIHashValue<ZoString> final : public ZoHashValue<ZoString> {

@@ -204,7 +204,7 @@ class ZoTree : public ZoDict<T, K> {
   template <class Make>
   class Maker final : public zo::TreeNodeMaker {
    public:
-    explicit Maker(Make make) : make_(make) {}
+    Maker(std::uint32_t front, Make make) : TreeNodeMaker(front), make_(make) {}
     [[nodiscard]] int make(ZoVTreeNode*& node) override { return make_(node); }
 
    private:
@@ -219,19 +219,27 @@ class ZoTree : public ZoDict<T, K> {
   }
 
   [[nodiscard]] ZoVTreeNode* find(const K& key) const {
+    const std::uint32_t front = zo::frontOf<K, C>(key);
     ZoVTreeNode* node = tree_.root_;
     while (node) {
-      const int order = compare_.C::compare(key, *keyOf(node->element));
+      const int order = compare(key, front, *node);
       if (order == 0) break;
       node = order < 0 ? node->left : node->right;
     }
     return node;
   }
+  [[nodiscard]] int compare(const K& key, std::uint32_t front, const ZoVTreeNode& node) const {
+    zo::prefetch(node.left);
+    zo::prefetch(node.right);
+    const int order = zo::orderOfFronts(front, node.front);
+    return order != 0 ? order : compare_.C::compare(key, *keyOf(node.element));
+  }
   // The first node whose key is greater.
   [[nodiscard]] ZoVTreeNode* following(const K& key) const {
+    const std::uint32_t front = zo::frontOf<K, C>(key);
     ZoVTreeNode* found = nullptr;
     for (ZoVTreeNode* node = tree_.root_; node;) {
-      if (compare_.C::compare(key, *keyOf(node->element)) < 0) {
+      if (compare(key, front, *node) < 0) {
         found = node;
         node = node->left;
       } else {
@@ -245,7 +253,7 @@ class ZoTree : public ZoDict<T, K> {
   int insertNew(Key&& key, Value&& value) {
     if (!tree_.mem_) tree_.mem_ = new (std::nothrow) ZoTreeMem<T, K>;
     if (!tree_.mem_) return ZoResult::outOfMemory;
-    Maker maker([&](ZoVTreeNode*& node) {
+    Maker maker(zo::frontOf<K, C>(key), [&](ZoVTreeNode*& node) {
       return static_cast<ZoTreeMem<T, K>*>(tree_.mem_)
           ->makeNode(node, std::forward<Key>(key), std::forward<Value>(value));
     });

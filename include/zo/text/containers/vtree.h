@@ -20,6 +20,7 @@
 #include <zo/text/containers/vcallbacks.h>
 
 #include <cstddef>
+#include <cstdint>
 
 template <class T, class K, class C>
 class ZoTree;
@@ -28,7 +29,8 @@ struct ZoVTreeNode {
   void* element = nullptr;
   ZoVTreeNode* left = nullptr;
   ZoVTreeNode* right = nullptr;
-  int balance = 0;  // height of the right subtree minus that of the left: -1, 0 or +1
+  int balance = 0;          // height of the right subtree minus that of the left: -1, 0 or +1
+  std::uint32_t front = 0;  // what the key begins with (zo::orderOfFronts); 0 when that is unknown
 };
 
 static_assert(offsetof(ZoVTreeNode, element) == 0 && offsetof(ZoVTreeNode, left) == 8 &&
@@ -62,13 +64,30 @@ class ZO_COM_API ZoVTreeMem {
 
 namespace zo {
 
+// What a key begins with, in a few bits that order as the keys do: a walk down the tree then needs
+// to look at few keys, which lie elsewhere in memory. The lowest bits are the kind, from 1: fronts
+// of different kinds (keys of which nothing is known, a locale that the user has left) do not tell.
+inline constexpr unsigned kFrontKindBits = 4;
+
+// -1 or 1 when the fronts of two keys decide their order, else 0.
+[[nodiscard]] constexpr int orderOfFronts(std::uint32_t a, std::uint32_t b) noexcept {
+  constexpr std::uint32_t kKind = (1u << kFrontKindBits) - 1;
+  if (a == b || ((a ^ b) & kKind) != 0 || (a & kKind) == 0) return 0;
+  return a < b ? -1 : 1;
+}
+
 // Makes the node of a new element once the tree knows that its key is not present.
 class ZO_COM_API TreeNodeMaker {
  public:
+  explicit TreeNodeMaker(std::uint32_t front = 0) noexcept : front_(front) {}
   [[nodiscard]] virtual int make(ZoVTreeNode*& node) = 0;
+  [[nodiscard]] std::uint32_t front() const noexcept { return front_; }  // of the key
 
  protected:
   ~TreeNodeMaker() = default;
+
+ private:
+  std::uint32_t front_;
 };
 
 // The way from the root to a node: an AVL tree of 2^32 nodes has at most 46 levels.
