@@ -199,6 +199,7 @@ TEST_F(Cfg, NamesBeyondTheLimitsAreRefusedBeforeAnyLevelIsMade) {
   const std::wstring level(255, L'l'), name(16383, L'n');
   EXPECT_EQ(cfg_.insertAt((level + L"@" + name).c_str(), 2), 0);
   EXPECT_EQ(cfg_.at((L"@" + level + L"@@" + name).c_str(), true).asInt(), 2);
+  EXPECT_EQ(cfg_[L"@"].find(level + L"/" + name)->asInt(), 2) << "and are enumerated";
   EXPECT_EQ(cfg_.insertAt((L"a@" + level + L"l@x").c_str(), 1), 1);
   EXPECT_EQ(cfg_.replaceAt((L"a@" + name + L"n").c_str(), 1), 1);
   EXPECT_FALSE(cfg_.isValid(L"a"));
