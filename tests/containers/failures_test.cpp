@@ -38,6 +38,10 @@ void expectNothingLost(const char* name, const Container& original,
                        const std::function<int(Container&)>& operation, bool mayRefuse = false) {
   enum Way { kThrow, kCopyWithoutMemory, kNoMemory, kNoMemoryOnce };
   const auto before = valuesOf(original);
+  Container done(original);
+  EXPECT_EQ(operation(done), 0) << name;
+  const auto after = valuesOf(done);
+  EXPECT_NE(after, before);
   for (const Way way : {kThrow, kCopyWithoutMemory, kNoMemory, kNoMemoryOnce}) {
     const bool isPoor = way >= kNoMemory;
     if (isPoor && !FailingMemory::isPossible()) continue;
@@ -62,7 +66,7 @@ void expectNothingLost(const char* name, const Container& original,
       }
       telltale::copiesUntilFailure = 0;
       if (!thrown && status == 0) {
-        EXPECT_NE(valuesOf(subject), before);
+        EXPECT_EQ(valuesOf(subject), after);
         break;  // n was past the last copy
       }
       EXPECT_EQ(thrown, way == kThrow);

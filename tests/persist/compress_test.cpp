@@ -122,9 +122,10 @@ TEST(Compress, LackOfMemoryIsRefusedWithoutOutput) {
         });
       },
       isThere);
-  for (const ByteVector& container :
-       {lzmaContainer(content, 5),
-        legacyContainer(imploded(content, Literals::text, 6), content)}) {
+  const ByteVector legacy = legacyContainer(imploded(content, Literals::text, 6), content);
+  ByteVector growing = legacy;  // whose output is larger than it says
+  store32(&growing[growing.size() - 8], 1);
+  for (const ByteVector& container : {lzmaContainer(content, 5), legacy, growing}) {
     failEveryRequest(
         "explode", none,
         [&](Text& text) {

@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <sddl.h>
+#include <zo/host/sec_registry.h>
 #include <zo/results.h>
 #include <zo/system/cfg.h>
 
@@ -212,6 +213,14 @@ TEST_F(Cfg, ARootOfTheCallersIsNeverRemoved) {
   ASSERT_EQ(own.init(L"", &root), 0);
   EXPECT_EQ(own.insertAt(L"a@b", 1), 0);
   EXPECT_EQ(own.removeAt(L"@"), 1);
+  SECRegistry registry;
+  ASSERT_TRUE(registry.Connect(root));
+  for (const wchar_t* path : {L"", L"\\\\", static_cast<const wchar_t*>(nullptr)})
+    EXPECT_FALSE(registry.DeleteKey(path, true) || registry.DeleteKey(path, false));
+  unsigned long size = 0;
+  SECRegistry::KeyValueTypes type{};
+  EXPECT_FALSE(registry.QueryValue(L"a", type, nullptr, size)) << "no key is open";
+  EXPECT_FALSE(registry.SetValue(L"a", 1) || registry.DeleteValue(L"a"));
   RegCloseKey(root);
   EXPECT_EQ(own.insertAt(L"a@x", 1), 1);
   EXPECT_EQ(cfg_.at(L"a@", true).entries(), 1u);
