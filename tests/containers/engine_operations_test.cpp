@@ -68,6 +68,10 @@ void expectSequence(Engine engine, Engine empty, const Compare& compare) {
   EXPECT_FALSE(it.toLast() && it.findPrev(nullptr, &compare));
   it.reset(engine);
   EXPECT_EQ(it.current(), engine.first());
+  if (!FailingMemory::isPossible()) return;
+  const FailingMemory poor(1, FailingMemory::kForGood);
+  EXPECT_EQ(engine.append(empty), 2);
+  EXPECT_EQ(engine.copyFrom(empty), 2);
 }
 
 TEST(SequenceEngines, DoWhatTypedContainersSeldomAsk) {
