@@ -7,6 +7,6 @@ namespace ZoResult {
 inline constexpr int ok = 0;
 inline constexpr int refused = 1;      // not found, failed, or a service guard not obtained in time
 inline constexpr int outOfMemory = 2;  // nothing was lost
-inline constexpr int invalid = 3;      // a null reactor; a URL where none can be served
+inline constexpr int invalid = 3;      // a null reactor; a URL that cannot be served
 inline constexpr int timeOut = 5;      // from the guard's convenience wrappers
 }  // namespace ZoResult

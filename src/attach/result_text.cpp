@@ -30,7 +30,7 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(common, ZoResult::refused,
               L"Refused, not found, or failed; or another thread kept a service for too long."),
     ZO_RESULT(common, ZoResult::outOfMemory, L"Out of memory. Nothing was lost."),
-    ZO_RESULT(common, ZoResult::invalid, L"A null pointer, or a URL where none can be served."),
+    ZO_RESULT(common, ZoResult::invalid, L"A null pointer, or a URL that cannot be served."),
     ZO_RESULT(common, ZoResult::timeOut, L"A service's guard was not obtained in time."),
 
     ZO_RESULT(numbers, ZoResult::refused,
@@ -48,8 +48,8 @@ constexpr zo::ResultEntry kTable[] = {
 
     ZO_RESULT(geometry, ZoResult::invalidArgument, L"The letter names no axis."),
     ZO_RESULT(geometry, ZoResult::degenerate,
-              L"There is no such thing: a length of zero, or parallel, collinear or singular "
-              L"arguments."),
+              L"The result does not exist: a length is zero, or the arguments are parallel, "
+              L"collinear or singular."),
 
     ZO_RESULT(names, ZoResult::refused, L"The operation does not apply to this file name."),
     ZO_RESULT(names, ZoResult::nameTooLong, L"The file name is too long."),
@@ -77,7 +77,7 @@ constexpr zo::ResultEntry kTable[] = {
               L"Another program is writing to the library."),
 
     ZO_RESULT(compression, ZoResult::refused,
-              L"The data are no container or damaged, there is no memory, or a file could not be "
+              L"The data are damaged or no container, there is no memory, or a file could not be "
               L"read or written."),
     ZO_RESULT(compression, ZoZip::checkMismatch,
               L"The data were unpacked, but their check value does not match: they are damaged."),
@@ -89,9 +89,9 @@ constexpr zo::ResultEntry kTable[] = {
               L"The data were unpacked, but their check value does not match: they are damaged."),
     ZO_RESULT(lzma, LzmaUtils::unsupported, L"The data are no container of this library."),
     ZO_RESULT(lzma, LzmaUtils::badParameter,
-              L"A null pointer, 4 GiB or more, or a dictionary of a size that does not serve."),
+              L"A null pointer, 4 GiB or more, or a size of dictionary that is not supported."),
     ZO_RESULT(lzma, LzmaUtils::inputEnded, L"The data end too early."),
-    ZO_RESULT(lzma, LzmaUtils::outputFull, L"The data are longer than they say."),
+    ZO_RESULT(lzma, LzmaUtils::outputFull, L"The data are longer than their header says."),
 
     ZO_RESULT(services, ZoResult::refused,
               L"Another thread kept the service for too long, it has no such reactor, or the "
@@ -133,7 +133,7 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(exceptions, ZoComException::kOutOfMemory, L"Out of memory."),
     ZO_RESULT(exceptions, ZoComException::kInvalidArgument, L"Invalid argument."),
 
-    ZO_RESULT(waits, ZoWait::failed, L"The wait failed: the guard is not a sound one."),
+    ZO_RESULT(waits, ZoWait::failed, L"The wait failed: the guard is not valid."),
     ZO_RESULT(waits, ZoWait::obtained, L"The guard was obtained."),
     ZO_RESULT(waits, ZoWait::abandoned,
               L"The guard was obtained, but from a holder that ended while it held it."),

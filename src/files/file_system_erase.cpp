@@ -184,7 +184,7 @@ class Eraser {
 
 // An empty name, or one that comes to the root of a volume.
 bool isRoot(const ZoFileName& name) {
-  std::wstring full = zo::textOf([&](DWORD size, wchar_t* buffer) {
+  std::wstring full = zo::platformText([&](DWORD size, wchar_t* buffer) {
     return zo::fileApi().fullPath(name.fullName(), size, buffer);
   });
   if (full.starts_with(LR"(\\?\UNC\)")) full.erase(2, 6);

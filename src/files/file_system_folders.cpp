@@ -48,7 +48,7 @@ int ZoStdFileSystemImp::createDirectory(const ZoFileName& name) {
 }
 
 int ZoStdFileSystemImp::getCurrentDirectory(ZoFileName& name) {
-  const std::wstring text = zo::textOf(
+  const std::wstring text = zo::platformText(
       [](DWORD size, wchar_t* buffer) { return zo::fileApi().currentFolder(size, buffer); });
   return text.empty() ? report(L"getCurrentDirectory") : setDirectoryName(name, text);
 }
@@ -59,14 +59,14 @@ int ZoStdFileSystemImp::setCurrentDirectory(const ZoFileName& name) {
 }
 
 int ZoStdFileSystemImp::getTempPath(ZoFileName& name) {
-  const std::wstring text = zo::textOf(
+  const std::wstring text = zo::platformText(
       [](DWORD size, wchar_t* buffer) { return zo::fileApi().tempFolder(size, buffer); });
   return text.empty() ? report(L"getTempPath") : setDirectoryName(name, text);
 }
 
 int ZoStdFileSystemImp::getFullPathName(const ZoFileName& name, ZoFileName& full) {
   if (name.isURL()) return noUse(L"getFullPathName");
-  const std::wstring text = zo::textOf([&](DWORD size, wchar_t* buffer) {
+  const std::wstring text = zo::platformText([&](DWORD size, wchar_t* buffer) {
     return zo::fileApi().fullPath(name.fullName(), size, buffer);
   });
   if (text.empty()) return report(L"getFullPathName");
@@ -98,7 +98,7 @@ int ZoStdFileSystemImp::searchPath(const ZoFileName& file, ZoFileName& found,
                                    const ZoFileName& path) {
   if (file.isURL()) return noUse(L"searchPath");
   const wchar_t* const folders = path.isEmpty() ? nullptr : path.fullName();
-  const std::wstring text = zo::textOf([&](DWORD size, wchar_t* buffer) {
+  const std::wstring text = zo::platformText([&](DWORD size, wchar_t* buffer) {
     return zo::fileApi().searchPath(folders, file.fullName(), size, buffer);
   });
   if (text.empty()) return report(L"searchPath");
@@ -110,7 +110,7 @@ int ZoStdFileSystemImp::getTempFileName(ZoFileName& name, const ZoFileName& patt
   if (pattern.isURL()) return noUse(L"getTempFileName");
   std::wstring folder(zo::folderOf(pattern));
   if (folder.empty()) {
-    folder = zo::textOf(
+    folder = zo::platformText(
         [](DWORD size, wchar_t* buffer) { return zo::fileApi().tempFolder(size, buffer); });
     if (folder.empty()) return report(L"getTempFileName");
   }

@@ -51,7 +51,7 @@ int ZoStdFileSystemImp::isRemote(const ZoFileName& name, ZoFileName& local) {
   if (address.host.empty()) return ZoResult::refused;
   ZoFileName place = name.localAlias();
   if (place.isEmpty()) {
-    const std::wstring folder = zo::textOf(
+    const std::wstring folder = zo::platformText(
         [](DWORD size, wchar_t* buffer) { return zo::fileApi().tempFolder(size, buffer); });
     if (folder.empty()) return report(L"isRemote");
     place = std::wstring_view(placeFor(address, folder));

@@ -74,8 +74,8 @@ ZoFileSystem::DriveType ZoStdFileSystemImp::getDriveType(const ZoFileName& volum
 }
 
 int ZoStdFileSystemImp::getLogicalDrivesStrings(ZoSequence<ZoFileName>& drives) {
-  const std::wstring roots =
-      zo::textOf([](DWORD size, wchar_t* buffer) { return zo::fileApi().drives(size, buffer); });
+  const std::wstring roots = zo::platformText(
+      [](DWORD size, wchar_t* buffer) { return zo::fileApi().drives(size, buffer); });
   constexpr const wchar_t* kDrives = L"getLogicalDrivesStrings";
   if (roots.empty()) return report(kDrives);
   ZoArray<ZoFileName> found;

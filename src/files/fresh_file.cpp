@@ -7,6 +7,7 @@
 #include "files/folder_search.h"
 #include "platform/file_api.h"
 #include "platform/system_path.h"
+#include "text/code_units.h"
 
 namespace zo {
 namespace {
@@ -34,7 +35,7 @@ unsigned int nextNumber() {
 
 std::wstring hexadecimal(unsigned int number) {
   std::wstring text(8, L'0');
-  for (size_t i = text.size(); i-- > 0; number >>= 4) text[i] = L"0123456789abcdef"[number & 15];
+  writeHex(text.data(), number, 8, kLowerHexDigits);
   return text;
 }
 
@@ -79,7 +80,8 @@ FreshFile createFresh(std::wstring_view stem, std::wstring_view ending, DWORD ac
 std::wstring temporaryStem(const ZoFileName& name) {
   std::wstring folder(folderOf(name));
   if (folder.empty()) {
-    folder = textOf([](DWORD size, wchar_t* buffer) { return fileApi().tempFolder(size, buffer); });
+    folder = platformText(
+        [](DWORD size, wchar_t* buffer) { return fileApi().tempFolder(size, buffer); });
     if (folder.empty()) return folder;
   }
   const std::wstring_view own = name.fileName();

@@ -18,7 +18,7 @@ bool mayReplace(const SystemPath& target, bool failIfExists) noexcept {
 }
 
 std::wstring fullPath(const ZoFileName& name) {
-  return textOf([&](DWORD size, wchar_t* buffer) {
+  return platformText([&](DWORD size, wchar_t* buffer) {
     return fileApi().fullPath(name.fullName(), size, buffer);
   });
 }

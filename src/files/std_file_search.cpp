@@ -28,7 +28,7 @@ bool isFile(const ZoFileName& name) { return attributesOf(name) != 0 && !isFolde
 
 // The name as seen from the current directory of its drive.
 ZoFileName absolute(const ZoFileName& name) {
-  return ZoFileName(std::wstring_view(zo::textOf([&](DWORD size, wchar_t* buffer) {
+  return ZoFileName(std::wstring_view(zo::platformText([&](DWORD size, wchar_t* buffer) {
     return zo::fileApi().fullPath(name.fullName(), size, buffer);
   })));
 }

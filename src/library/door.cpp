@@ -15,7 +15,7 @@ constexpr DWORD kPollInterval = 20;  // ms: there is no waiting for a file
 std::wstring fullPathOf(const ZoFileName& name) {
   const ZoFileName alias = name.isURL() ? name.localAlias() : ZoFileName();
   const wchar_t* const path = alias.isEmpty() ? name.fullName() : alias.fullName();
-  return textOf(
+  return platformText(
       [&](DWORD size, wchar_t* buffer) { return fileApi().fullPath(path, size, buffer); });
 }
 

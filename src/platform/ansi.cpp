@@ -19,7 +19,8 @@ bool isUnicode(unsigned int codePage) noexcept {
 }
 
 bool isLoneSurrogate(std::wstring_view character) noexcept {
-  return character.size() == 1 && (character[0] & 0xF800) == 0xD800;
+  return character.size() == 1 &&
+         (IS_HIGH_SURROGATE(character[0]) || IS_LOW_SURROGATE(character[0]));
 }
 
 }  // namespace

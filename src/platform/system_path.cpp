@@ -24,7 +24,7 @@ bool hasPrefix(std::wstring_view name) {
 }
 
 std::wstring fullPath(const wchar_t* name) {
-  return textOf([name](DWORD size, wchar_t* buffer) {
+  return platformText([name](DWORD size, wchar_t* buffer) {
     return GetFullPathNameW(name, size, buffer, nullptr);
   });
 }

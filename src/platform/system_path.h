@@ -31,7 +31,7 @@ class SystemPath {
 // or the one it was given), or 0 for a failure.
 // Nothing comes of a failure, and GetLastError() is then as the call left it.
 template <std::invocable<unsigned long, wchar_t*> Call>
-std::wstring textOf(Call call) {
+std::wstring platformText(Call call) {
   std::wstring text(260, L'\0');
   for (;;) {
     const auto size = static_cast<unsigned long>(text.size());

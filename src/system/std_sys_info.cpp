@@ -16,10 +16,10 @@
 
 namespace {
 
-// Fills a text by a call as zo::textOf makes it; an empty text is a failure unless mayBeEmpty.
+// Fills a text by a call as zo::platformText makes it; an empty text is a failure unless mayBeEmpty.
 template <class Call>
 int fill(ZoString& text, Call call, bool mayBeEmpty = false) {
-  const std::wstring found = zo::textOf([call](DWORD size, wchar_t* buffer) {
+  const std::wstring found = zo::platformText([call](DWORD size, wchar_t* buffer) {
     SetLastError(ERROR_SUCCESS);
     return call(buffer, size);
   });

@@ -9,15 +9,16 @@
 namespace zo {
 
 [[nodiscard]] constexpr bool isDigit(wchar_t c) noexcept { return c >= L'0' && c <= L'9'; }
+[[nodiscard]] constexpr bool isUpper(wchar_t c) noexcept { return c >= L'A' && c <= L'Z'; }
 [[nodiscard]] constexpr bool isLetter(wchar_t c) noexcept {
-  return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z');
+  return (c >= L'a' && c <= L'z') || isUpper(c);
 }
 [[nodiscard]] constexpr bool isWhite(wchar_t c) noexcept {
   return c == L' ' || (c >= L'\t' && c <= L'\r');
 }
 
 [[nodiscard]] constexpr wchar_t lowerAscii(wchar_t c) noexcept {
-  return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c | 0x20) : c;
+  return isUpper(c) ? static_cast<wchar_t>(c | 0x20) : c;
 }
 [[nodiscard]] constexpr wchar_t upperAscii(wchar_t c) noexcept {
   return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c & ~0x20) : c;
@@ -26,6 +27,7 @@ namespace zo {
 // ---- Hexadecimal digits ----
 
 inline constexpr std::wstring_view kHexDigits = L"0123456789ABCDEF";
+inline constexpr std::wstring_view kLowerHexDigits = L"0123456789abcdef";
 
 // The value of a digit in either case; 16 for any other unit.
 [[nodiscard]] constexpr unsigned int hexDigit(wchar_t c) noexcept {

@@ -12,6 +12,7 @@ namespace {
 
 using zo::isDigit;
 using zo::isWhite;
+using zo::lowerAscii;
 
 unsigned int digitOf(wchar_t c) noexcept { return static_cast<unsigned int>(c - L'0'); }
 
@@ -38,7 +39,7 @@ class Scanner {
   // Takes a word of lower-case letters, written in any case.
   bool takeWord(std::wstring_view word) noexcept {
     for (size_t i = 0; i < word.size(); ++i) {
-      if ((peek(i) | 0x20) != word[i]) return false;
+      if (lowerAscii(peek(i)) != word[i]) return false;
     }
     at_ += word.size();
     return true;
@@ -118,7 +119,7 @@ class Significand {
 
 // Takes an exponent if there is a whole one.
 std::int64_t takeExponent(Scanner& in) noexcept {
-  if ((in.peek() | 0x20) != L'e') return 0;
+  if (lowerAscii(in.peek()) != L'e') return 0;
   const bool hasSign = in.peek(1) == L'-' || in.peek(1) == L'+';
   if (!isDigit(in.peek(hasSign ? 2 : 1))) return 0;
   in.advance();

@@ -41,7 +41,7 @@ void ZoGuid2String(const _GUID& guid, wchar_t* buffer, bool braces) noexcept {
   *buffer++ = L'-';
   buffer = zo::writeHex(buffer, guid.Data2, 4);
   *buffer++ = L'-';
-  buffer = zo::writeHex(buffer, guid.Data3, 4, L"0123456789abcdef");
+  buffer = zo::writeHex(buffer, guid.Data3, 4, zo::kLowerHexDigits);
   for (int i = 0; i < 8; ++i) {
     if (i == 0 || i == 2) *buffer++ = L'-';
     buffer = zo::writeHex(buffer, guid.Data4[i], 2);

@@ -121,7 +121,7 @@ class TextFormParser {
   }
   bool flags(unsigned int& out) noexcept {
     const size_t first = at_;
-    for (; peek() >= L'A' && peek() <= L'Z'; ++at_) out |= 1u << (peek() - L'A');
+    for (; isUpper(peek()); ++at_) out |= 1u << (peek() - L'A');
     return at_ > first;
   }
 

@@ -101,7 +101,7 @@ ZoString& ZoType::flagsToString(unsigned int flags, ZoString& out) {
 unsigned int ZoType::stringToFlags(const wchar_t* letters) noexcept {
   unsigned int flags = 0;
   for (; letters && *letters; ++letters) {
-    if (*letters >= L'A' && *letters <= L'Z') flags |= 1u << (*letters - L'A');
+    if (zo::isUpper(*letters)) flags |= 1u << (*letters - L'A');
   }
   return flags;
 }

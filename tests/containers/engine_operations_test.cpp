@@ -6,9 +6,11 @@
 #include <utility>
 #include <vector>
 
-#include "tell_tale.h"
+#include "support/failing_memory.h"
 
 namespace {
+
+using zo::test::FailingMemory;
 
 const ZoCompare<int> kByValue;
 const ZoHashValue<int> kHash;
@@ -66,6 +68,10 @@ void expectSequence(Engine engine, Engine empty, const Compare& compare) {
   EXPECT_FALSE(it.toLast() && it.findPrev(nullptr, &compare));
   it.reset(engine);
   EXPECT_EQ(it.current(), engine.first());
+  if (!FailingMemory::isPossible()) return;
+  const FailingMemory poor(1, FailingMemory::kForGood);
+  EXPECT_EQ(engine.append(empty), 2);
+  EXPECT_EQ(engine.copyFrom(empty), 2);
 }
 
 TEST(SequenceEngines, DoWhatTypedContainersSeldomAsk) {
@@ -112,13 +118,16 @@ TEST(HashEngine, DoesWhatTypedDictionariesSeldomAsk) {
   EXPECT_EQ(hash.removeAt(&four, &out, &kHashKey) + hash.removeAt(&five, nullptr, &kHashKey), 2);
 
   // Only resize() gives everything up when there is no memory, and says so.
-  telltale::requestsUntilFailure = 1;
-  EXPECT_EQ(hash.setCapacity(64, 0.7, &kHashKey), 2);
+  if (!FailingMemory::isPossible()) return;
+  const auto withoutMemory = [](auto operation) {
+    const FailingMemory poor(1, FailingMemory::kForGood);
+    return operation();
+  };
+  EXPECT_EQ(withoutMemory([&] { return hash.setCapacity(64, 0.7, &kHashKey); }), 2);
   EXPECT_EQ(text(), "8 0 1 ");
   EXPECT_EQ(hash.loadFactor(), 9.0);
   it.toFirst();
-  EXPECT_EQ(hash.resize(&kHashKey), 2);
-  telltale::requestsUntilFailure = 0;
+  EXPECT_EQ(withoutMemory([&] { return hash.resize(&kHashKey); }), 2);
   EXPECT_TRUE(hash.isEmpty() && hash.buckets() == 0 && !it.isValid());
   EXPECT_EQ(hash.insertAt(&four, &four, &kHashKey) + hash.resize(&kHashKey), 2);
 }
@@ -188,6 +197,19 @@ TEST(TreeEngine, DoesWhatTypedTreesSeldomAsk) {
   EXPECT_EQ(tree.remove(&one, &descending) + tree.remove(nullptr, &descending) +
                 tree.removeFirst(nullptr, nullptr) + ZoVTree(nullptr).insert(&one, &compare),
             4);
+}
+
+TEST(TreeEngine, IsNotWalkedOnAfterAChange) {
+  const ZoTreeCompare<int> compare(kByValue);
+  ZoVTree tree(new KeyMem);
+  for (int key = 1; key <= 6; ++key) ASSERT_EQ(tree.insert(&key, &compare), 0);
+  const int three = 3;
+  ZoVTreeIterator it(tree);
+  for (const bool removing : {true, false}) {
+    EXPECT_TRUE(it.toFirst() && it.next());
+    EXPECT_EQ(removing ? tree.remove(&three, &compare) : tree.insert(&three, &compare), 0);
+    EXPECT_FALSE(it.isValid() || it.next());
+  }
 }
 
 }  // namespace

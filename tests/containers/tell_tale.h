@@ -1,4 +1,4 @@
-// Elements that tell what a container does with them, and memory that runs out on demand.
+// Elements that tell what a container does with them.
 #pragma once
 
 #include <cstddef>
@@ -85,9 +85,6 @@ class Element {
 using Mover = Element<Moves::kSafely>;
 using Copier = Element<Moves::kNot>;
 using Thrower = Element<Moves::kAsACopy>;
-
-// The n-th request of a container for memory fails, and those after it; 0 means none does.
-inline int requestsUntilFailure = 0;
 
 }  // namespace telltale
 

@@ -3,10 +3,10 @@
 #include <zo/files/file.h>
 #include <zo/files/file_transfer.h>
 
-#include <cstring>
 #include <functional>
 
 #include "files/file_fixture.h"
+#include "support/slots.h"
 
 namespace zo::test {
 namespace {
@@ -142,45 +142,20 @@ TEST_F(FileSystem, ChangingOnlyTheCaseRenamesOrLeavesAllAsItWas) {
   EXPECT_EQ(listing(), (Names{L"Dir\\", L"Dir\\PART.dwg", L"Dir\\sub\\"}));
 }
 
-#if !defined(_MSC_VER)  // which shows slots in another way
+#if !defined(_MSC_VER)
 TEST(FileSystemService, VirtualFunctionsHaveTheirSlots) {
-  std::size_t slot = 6;  // behind those of every service, whose destructor has two here
-  const auto isNext = [&slot](auto function) {
-    std::size_t word = 0;
-    std::memcpy(&word, &function, sizeof word);
-    return word == 1 + sizeof(void*) * slot++;
-  };
   using S = ZoFileSystem;
   using Name = const ZoFileName&;
   using Pair = int (S::*)(Name, Name, bool);
   using Fetch = int (S::*)(Name, ZoFileName&, bool);
   using Label = int (S::*)(const wchar_t*, Name);
-  const bool inOrder[] = {isNext(&S::createDirectory),
-                          isNext(&S::getCurrentDirectory),
-                          isNext(&S::setCurrentDirectory),
-                          isNext(&S::getTempPath),
-                          isNext(&S::getAbsolutePath),
-                          isNext(&S::getFullPathName),
-                          isNext(&S::searchPath),
-                          isNext(static_cast<Pair>(&S::copy)),
-                          isNext(static_cast<Pair>(&S::append)),
-                          isNext(&S::move),
-                          isNext(&S::erase),
-                          isNext(&S::getTempFileName),
-                          isNext(&S::getAttributes),
-                          isNext(&S::subSetAttributes),
-                          isNext(&S::getVolumeInformation),
-                          isNext(&S::getDiskFreeSpace),
-                          isNext(&S::getDriveType),
-                          isNext(&S::getLogicalDrivesStrings),
-                          isNext(static_cast<Label>(&S::setVolumeLabel)),
-                          isNext(&S::getCDRom),
-                          isNext(&S::errorIO),
-                          isNext(&S::errorTxt),
-                          isNext(static_cast<Fetch>(&S::getRemote)),
-                          isNext(&S::putRemote),
-                          isNext(&S::isRemote)};
-  for (const bool& is : inOrder) EXPECT_TRUE(is) << &is - inOrder;
+  expectSlots(
+      6, &S::createDirectory, &S::getCurrentDirectory, &S::setCurrentDirectory, &S::getTempPath,
+      &S::getAbsolutePath, &S::getFullPathName, &S::searchPath, static_cast<Pair>(&S::copy),
+      static_cast<Pair>(&S::append), &S::move, &S::erase, &S::getTempFileName, &S::getAttributes,
+      &S::subSetAttributes, &S::getVolumeInformation, &S::getDiskFreeSpace, &S::getDriveType,
+      &S::getLogicalDrivesStrings, static_cast<Label>(&S::setVolumeLabel), &S::getCDRom,
+      &S::errorIO, &S::errorTxt, static_cast<Fetch>(&S::getRemote), &S::putRemote, &S::isRemote);
 }
 #endif
 

@@ -10,7 +10,6 @@
 #include <utility>
 #include <vector>
 
-#include "graph/failing_new.h"
 #include "graph/samples.h"
 #include "support/child_process.h"
 #include "support/file_bytes.h"
@@ -99,38 +98,6 @@ TEST(DottyGraph, WhatCannotBeWrittenIsReportedByWriteGraphOnly) {
     EXPECT_EQ(threeNodes().writeGraph(name.c_str()), code);
   }
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
-}
-
-TEST(DottyGraph, IsAsItWasWhenMemoryRunsOut) {
-  ZoDottyGraph filled = threeNodes();
-  filled.addCluster(L"0");
-  filled.addCluster(L"1");
-  filled.putNodeToCluster(kA, 0);
-  filled.addLink(kA, kB);
-  ZoDottyMap map;
-  const std::wstring name = L"a name of some length", before = textOf(filled);
-  const std::function<void(ZoDottyGraph&)> changes[] = {
-      [](ZoDottyGraph& graph) { graph.addNode(kUnknown, L"attributes=x"); },
-      [](ZoDottyGraph& graph) { graph.addLink(kB, kA, L"label", L"attributes=x"); },
-      [](ZoDottyGraph& graph) { graph.addCluster(L"label"); },
-      [](ZoDottyGraph& graph) { graph.putNodeToCluster(kA, 1); },
-      [&](ZoDottyGraph& graph) { map.add(graph, name.c_str(), L"red"); }};
-  for (const auto& change : changes) {
-    int failures = 0;
-    for (bool done = false; !done;) {
-      ZoDottyGraph graph(filled);
-      requestsUntilOutOfMemory = ++failures;
-      try {
-        change(graph);
-        done = true;
-      } catch (const std::bad_alloc&) {
-      }
-      requestsUntilOutOfMemory = 0;
-      EXPECT_EQ(textOf(graph) == before, !done);
-      EXPECT_TRUE(done || (!graph.contains(kUnknown) && !map.find(name.c_str())));
-    }
-    EXPECT_GT(failures, 1) << "memory never ran out";
-  }
 }
 
 TEST(DottyMap, NamesAreFoundIgnoringCase) {

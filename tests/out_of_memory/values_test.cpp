@@ -1,14 +1,14 @@
-// Variants, archives, reports and compression when memory runs out.
+// Variants, archives, reports and graphs when memory runs out.
 #include <gtest/gtest.h>
 #include <oaidl.h>
 #include <zo/archive.h>
-#include <zo/compress.h>
 #include <zo/geometry.h>
 #include <zo/graph.h>
 #include <zo/text/number_text.h>
 #include <zo/variant.h>
 
-#include <cstring>
+#include <functional>
+#include <span>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -130,52 +130,44 @@ TEST(OutOfMemory, ArchivesSayThatTheyBrokeOff) {
       });
 }
 
-struct Block {
-  char* bytes = nullptr;
-  unsigned int size = 0;
-  Block() = default;
-  Block(Block&& other) noexcept : bytes(std::exchange(other.bytes, nullptr)), size(other.size) {}
-  ~Block() { std::free(bytes); }
-};
-
-TEST(OutOfMemory, CompressionGivesAllOrNothing) {
-  const std::string text(5000, 'x');
-  const auto isThere = [](const Block& block, bool done) {
-    EXPECT_EQ(block.bytes != nullptr, done);
-  };
-  failEveryRequest(
-      "compress", [] { return Block(); },
-      [&](Block& out) { return ZoCompress(ZoZip::normal)(text.c_str(), out.bytes, out.size); },
-      isThere);
-  Block packed;
-  ASSERT_EQ(ZoCompress(ZoZip::normal)(text.c_str(), packed.bytes, packed.size), 0);
-  failEveryRequest(
-      "decompress", [] { return Block(); },
-      [&](Block& out) { return ZoExplode()(packed.bytes, packed.size, out.bytes); }, isThere);
-  ASSERT_FALSE(HasFailure());
-}
-
-TEST(OutOfMemory, GraphsKeepWhatTheyHold) {
+TEST(OutOfMemory, GraphsAreAsTheyWere) {
   static const int keys[3] = {};
+  struct State {
+    ZoDottyGraph graph;
+    ZoDottyMap map;
+  };
+  ZoDottyGraph filled;
+  for (const int& key : std::span(keys).first(2)) filled.addNode(&key, L"x=y");
+  filled.addCluster(L"0");
+  filled.addCluster(L"1");
+  filled.putNodeToCluster(&keys[0], 0);
+  filled.addLink(&keys[0], &keys[1]);
+  const auto textOf = [](const ZoDottyGraph& graph) {
+    std::wostringstream out;
+    out << graph;
+    return out.good() ? std::move(out).str() : std::wstring();
+  };
+  const std::wstring before = textOf(filled);
+  constexpr const wchar_t* kName = L"a name of some length";
+  const std::function<void(State&)> changes[] = {
+      [](State& s) { s.graph.addNode(&keys[2], L"attributes=x"); },
+      [](State& s) { s.graph.addLink(&keys[1], &keys[0], L"label", L"attributes=x"); },
+      [](State& s) { s.graph.addCluster(L"label"); },
+      [](State& s) { s.graph.putNodeToCluster(&keys[0], 1); },
+      [](State& s) { s.map.add(s.graph, kName, L"red"); }};
+  for (const auto& change : changes) {
+    failEveryRequest(
+        "graph", [&] { return State{.graph = filled, .map = {}}; },
+        [&](State& s) { return change(s), 0; },
+        [&](const State& s, bool done) {
+          EXPECT_EQ(textOf(s.graph) == before, !done);
+          EXPECT_TRUE(done || (!s.graph.contains(&keys[2]) && !s.map.find(kName)));
+        });
+  }
   failEveryRequest(
-      "graph",
-      [] {
-        ZoDottyGraph graph;
-        graph.addNode(&keys[0], L"first", L"red");
-        return graph;
-      },
-      [](ZoDottyGraph& graph) {
-        graph.addNode(&keys[1], L"a node with a long label", L"blue");
-        if (!graph.addLink(&keys[0], &keys[1], L"a link with a long label")) return 1;
-        if (!graph.putNodeToCluster(&keys[1], graph.addCluster(L"cluster"))) return 1;
-        std::wostringstream out;
-        out << graph;
-        return out.good() ? 0 : 1;
-      },
-      [](const ZoDottyGraph& graph, bool) {
-        EXPECT_TRUE(graph.contains(&keys[0]));
-        EXPECT_EQ(graph.contains(&keys[1]), graph.nodes().size() == 2);
-      });
+      "text", [] { return std::wstring(); },
+      [&](std::wstring& text) { return (text = textOf(filled)).empty() ? 1 : 0; },
+      [&](const std::wstring& text, bool done) { EXPECT_EQ(text, done ? before : L""); });
 }
 
 }  // namespace

@@ -169,6 +169,8 @@ inline const std::vector<ArchivedValue>& archivedValues() {
           L"UInt64: 4294967294 (trimmed to 32 bit)"),
       row(ZoVariant(1.0, ZoTypeCode::Length), "01230000 03000000" ONE, L"Real: 1"),
       row(ZoVariant(L"ab"), "00240000 04000000 02000000 6100 6200", L"String: \"ab\""),
+      row(ZoVariant(ZoString(L"a\0b", 3)), "00240000 04000000 03000000 6100 0000 6200",
+          L"String: \"a\""),
       row(ZoVariant(reinterpret_cast<void*>(0x123456789A)), "00290000 05000000 9A78563412000000",
           L"Int64: 878082202 (trimmed to 32 bit)"),
       row(ZoVariant(ZoPoint(1, 2, 3)), "00250000 06000000" ONE TWO THREE, L"Point: (1, 2, 3)"),

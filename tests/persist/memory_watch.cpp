@@ -10,19 +10,10 @@ namespace {
 
 struct Watched {
   bool active = false;
-  bool failed = false;
-  std::size_t failAt = 0;
-  std::size_t requests = 0;
   std::ptrdiff_t live = 0;
   std::ptrdiff_t peak = 0;
 };
 Watched g_watch;
-
-bool refuses() {
-  if (!g_watch.active || g_watch.failAt == 0 || ++g_watch.requests < g_watch.failAt) return false;
-  g_watch.failed = true;
-  return true;
-}
 
 // Of a block that counts.
 std::ptrdiff_t sizeOf(void* block) {
@@ -43,10 +34,9 @@ void* __real_malloc(std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
 void __real_free(void* block);
 
-void* __wrap_malloc(std::size_t size) { return refuses() ? nullptr : added(__real_malloc(size)); }
+void* __wrap_malloc(std::size_t size) { return added(__real_malloc(size)); }
 
 void* __wrap_realloc(void* block, std::size_t size) {
-  if (refuses()) return nullptr;
   const std::ptrdiff_t before = sizeOf(block);
   void* const moved = __real_realloc(block, size);
   if (moved == block) g_watch.live -= before;
@@ -65,7 +55,7 @@ void __wrap_free(void* block) {
 #define __wrap_free std::free
 #endif
 
-// What throws is counted and never refused. The forms for arrays lead here.
+// The other forms lead here.
 void* operator new(std::size_t size) {
   void* const block = __real_malloc(size > 0 ? size : 1);
   if (!block) throw std::bad_alloc();
@@ -75,25 +65,15 @@ void operator delete(void* block) noexcept { __wrap_free(block); }
 void operator delete(void* block, std::size_t) noexcept { __wrap_free(block); }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  if (refuses()) return nullptr;
-  try {
-    return ::operator new(size);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
+  return added(__real_malloc(size > 0 ? size : 1));
 }
 
 namespace zo::test {
 
-MemoryWatch::MemoryWatch(std::size_t failAt) {
-  g_watch = {};
-  g_watch.failAt = failAt;
-  g_watch.active = true;
-}
+MemoryWatch::MemoryWatch() { g_watch = {.active = true}; }
 
 MemoryWatch::~MemoryWatch() { g_watch.active = false; }
 
 std::size_t MemoryWatch::peak() const { return static_cast<std::size_t>(g_watch.peak); }
-bool MemoryWatch::failed() const { return g_watch.failed; }
 
 }  // namespace zo::test

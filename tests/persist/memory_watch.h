@@ -1,8 +1,8 @@
-// Watches the memory that the code under test takes from the C heap, and lets it run out.
+// Watches how much memory the code under test takes from the C heap.
 //
 // It sees malloc and realloc as this program's own objects call them (the linker leads them here),
-// and operator new, of which only that which gives null can run out. With a linker that cannot do
-// this it sees operator new alone. One watch at a time, on one thread.
+// and operator new. With a linker that cannot do this it sees operator new alone. One watch at a
+// time, on one thread. (support/failing_memory.h lets the memory run out.)
 #pragma once
 
 #include <cstddef>
@@ -11,8 +11,7 @@ namespace zo::test {
 
 class MemoryWatch {
  public:
-  // From the request with this number on, counted from 1, there is no memory; 0 for never.
-  explicit MemoryWatch(std::size_t failAt = 0);
+  MemoryWatch();
   ~MemoryWatch();
   MemoryWatch(const MemoryWatch&) = delete;
   MemoryWatch& operator=(const MemoryWatch&) = delete;
@@ -20,7 +19,6 @@ class MemoryWatch {
   // The most bytes that were live at once, of those requested since the watch began. While a block
   // is moved, both count.
   std::size_t peak() const;
-  bool failed() const;  // whether a request was refused
 };
 
 }  // namespace zo::test

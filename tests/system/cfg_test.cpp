@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <sddl.h>
+#include <zo/host/sec_registry.h>
 #include <zo/results.h>
 #include <zo/system/cfg.h>
 
@@ -199,6 +200,7 @@ TEST_F(Cfg, NamesBeyondTheLimitsAreRefusedBeforeAnyLevelIsMade) {
   const std::wstring level(255, L'l'), name(16383, L'n');
   EXPECT_EQ(cfg_.insertAt((level + L"@" + name).c_str(), 2), 0);
   EXPECT_EQ(cfg_.at((L"@" + level + L"@@" + name).c_str(), true).asInt(), 2);
+  EXPECT_EQ(cfg_[L"@"].find(level + L"/" + name)->asInt(), 2) << "and are enumerated";
   EXPECT_EQ(cfg_.insertAt((L"a@" + level + L"l@x").c_str(), 1), 1);
   EXPECT_EQ(cfg_.replaceAt((L"a@" + name + L"n").c_str(), 1), 1);
   EXPECT_FALSE(cfg_.isValid(L"a"));
@@ -211,6 +213,14 @@ TEST_F(Cfg, ARootOfTheCallersIsNeverRemoved) {
   ASSERT_EQ(own.init(L"", &root), 0);
   EXPECT_EQ(own.insertAt(L"a@b", 1), 0);
   EXPECT_EQ(own.removeAt(L"@"), 1);
+  SECRegistry registry;
+  ASSERT_TRUE(registry.Connect(root));
+  for (const wchar_t* path : {L"", L"\\\\", static_cast<const wchar_t*>(nullptr)})
+    EXPECT_FALSE(registry.DeleteKey(path, true) || registry.DeleteKey(path, false));
+  unsigned long size = 0;
+  SECRegistry::KeyValueTypes type{};
+  EXPECT_FALSE(registry.QueryValue(L"a", type, nullptr, size)) << "no key is open";
+  EXPECT_FALSE(registry.SetValue(L"a", 1) || registry.DeleteValue(L"a"));
   RegCloseKey(root);
   EXPECT_EQ(own.insertAt(L"a@x", 1), 1);
   EXPECT_EQ(cfg_.at(L"a@", true).entries(), 1u);

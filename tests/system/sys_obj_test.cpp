@@ -9,6 +9,7 @@
 
 #include <cstring>
 
+#include "support/slots.h"
 #include "system/other_thread.h"
 
 namespace {
@@ -35,21 +36,7 @@ TEST(SysObj, ACopySharesTheGuardOfItsSource) {
   copy.guard() = {};
 }
 
-// Modules that were built before call by position. The two entries of a destructor count as one.
-#if defined(__GNUC__)
-template <class Member>
-std::intptr_t entryOf(Member member) {
-  std::intptr_t words[2];
-  static_assert(sizeof member == sizeof words);
-  std::memcpy(words, &member, sizeof words);
-  return words[0] / static_cast<std::intptr_t>(sizeof(void*));
-}
-
-template <class... Members>
-void expectOrder(std::intptr_t first, Members... members) {
-  for (const std::intptr_t entry : {entryOf(members)...}) EXPECT_EQ(entry, first++);
-}
-
+#if !defined(_MSC_VER)
 struct OpenExecute : ZoExecute {
   using ZoExecute::convertErr;
 };
@@ -65,10 +52,11 @@ struct OpenCfg : ZoCfg {
 };
 
 TEST(Interfaces, KeepTheOrderOfTheirVirtualFunctions) {
-  expectOrder(2, &ZoSysObj::onReactor, &ZoSysObj::release, &ZoSysObj::poolRelease,
+  using zo::test::expectSlots;
+  expectSlots(2, &ZoSysObj::onReactor, &ZoSysObj::release, &ZoSysObj::poolRelease,
               &ZoSysObj::timeOut);
   using Name = const wchar_t*;
-  expectOrder(
+  expectSlots(
       6, static_cast<int (ZoSysDisp::*)(Name, const ZoVariant&)>(&ZoSysDisp::sendNotice),
       static_cast<int (ZoSysDisp::*)(ZoSysNotice, const ZoVariant&)>(&ZoSysDisp::sendNotice),
       &ZoSysDisp::sendRequest,
@@ -77,11 +65,11 @@ TEST(Interfaces, KeepTheOrderOfTheirVirtualFunctions) {
       static_cast<int (ZoSysDisp::*)(ZoCustomReactor*)>(&ZoSysDisp::removeReactor),
       static_cast<int (ZoSysDisp::*)(ZoSystemReactor*)>(&ZoSysDisp::removeReactor));
   using Slots = ZoErrorSlots;
-  expectOrder(6, &Slots::error, static_cast<int (Slots::*)(Name, int, Name, ...)>(&Slots::warning),
+  expectSlots(6, &Slots::error, static_cast<int (Slots::*)(Name, int, Name, ...)>(&Slots::warning),
               static_cast<int (Slots::*)(Name, ...)>(&Slots::trace),
               static_cast<int (Slots::*)(Name, ...)>(&Slots::prompt), &Slots::taskDialog);
   using Change = int (ZoCfg::*)(Name, const ZoVariant&);
-  expectOrder(6, &ZoCfg::operator[],
+  expectSlots(6, &ZoCfg::operator[],
               static_cast<ZoVariant (ZoCfg::*)(Name, const ZoVariant&, bool)>(&ZoCfg::at),
               static_cast<ZoVariant (ZoCfg::*)(Name, bool)>(&ZoCfg::at), &ZoCfg::getAt,
               &ZoCfg::isValid, static_cast<Change>(&ZoCfg::insertAt), &ZoCfg::removeAt,
@@ -89,12 +77,12 @@ TEST(Interfaces, KeepTheOrderOfTheirVirtualFunctions) {
               &ZoCfg::write, &ZoCfg::init, &OpenCfg::insert, &OpenCfg::remove, &OpenCfg::fullKey,
               &OpenCfg::open, &OpenCfg::close, &OpenCfg::isValue, &OpenCfg::isKey,
               &OpenCfg::getValue);
-  expectOrder(6, &ZoExecute::automatic, &ZoExecute::process, &ZoExecute::shell,
+  expectSlots(6, &ZoExecute::automatic, &ZoExecute::process, &ZoExecute::shell,
               &OpenExecute::convertErr);
-  expectOrder(2, &ZoSystemReactor::onNotice, &ZoSystemReactor::priority, &ZoSystemReactor::release);
-  expectOrder(2, &ZoCustomReactor::onNotice, &ZoCustomReactor::priority, &ZoCustomReactor::release,
+  expectSlots(2, &ZoSystemReactor::onNotice, &ZoSystemReactor::priority, &ZoSystemReactor::release);
+  expectSlots(2, &ZoCustomReactor::onNotice, &ZoCustomReactor::priority, &ZoCustomReactor::release,
               &ZoCustomReactor::onRequest);
-  expectOrder(0, &ZoComException::message, &ZoComException::report);
+  expectSlots(0, &ZoComException::message, &ZoComException::report);
 }
 #endif
 

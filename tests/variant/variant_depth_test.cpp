@@ -57,6 +57,7 @@ TEST(VariantDepth, TheLimitIsStoredPrintedAndExchangedAndOneMoreIsRefused) {
     ZoVariant back;
     EXPECT_EQ(back.parse(most.format()), 0);
     EXPECT_EQ(back, most);
+    EXPECT_EQ(back.parse(L"Sequence [" + std::wstring(most.format().view()) + L"]"), 1);
     ZoString text(L"untouched");
     EXPECT_EQ(more.format(text), 1);
     EXPECT_EQ(more.get(text), 1);
@@ -73,7 +74,7 @@ TEST(VariantDepth, TheLimitIsStoredPrintedAndExchangedAndOneMoreIsRefused) {
   }
 }
 
-TEST(VariantDepth, PutGoesNoDeeper) {
+TEST(VariantDepth, PutAndParseGoNoDeeper) {
   std::wstring path = L"a";
   for (unsigned int level = 1; level < kMost; ++level) path += L"/a";
   ZoVariant tree;
@@ -85,8 +86,9 @@ TEST(VariantDepth, PutGoesNoDeeper) {
   EXPECT_EQ(tree.put(L"b", nested(kMost)), 1);
   EXPECT_EQ(tree.put(L"b", nested(kMost - 1)), 0);
   EXPECT_FALSE(tree.isTooDeep());
-  for (int i = 0; i < 100'000; ++i) path += L"/a";
-  EXPECT_EQ(tree.put(path, 1), 1);
+  std::wstring opened;
+  for (int i = 0; i < 100'000; ++i) path += L"/a", opened += L"Sequence [";
+  EXPECT_EQ(tree.put(path, 1) + tree.parse(opened), 2);
 }
 
 }  // namespace

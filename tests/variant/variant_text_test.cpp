@@ -152,22 +152,6 @@ TEST(VariantText, RefusesEverythingElseAndSaysWhere) {
   }
 }
 
-TEST(VariantText, NestingHasALimitInBothDirections) {
-  ZoVariant value(ZoVariant::kSequence);
-  for (unsigned int depth = 1; depth < ZoVariant::kMaxDepth; ++depth)
-    value = depth % 2 ? inSequence(std::move(value)) : inDict(std::move(value));
-  expectRoundTrip(value);
-  const std::wstring deepest(value.format().view());
-  ZoVariant read;
-  EXPECT_EQ(read.parse(L"Sequence [" + deepest + L"]"), 1);
-  const ZoVariant tooDeep = inSequence(std::move(value));
-  ZoString out;
-  EXPECT_EQ(tooDeep.format(out), 1);
-  std::wstring opened;
-  for (int i = 0; i < 100'000; ++i) opened += L"Sequence [";
-  EXPECT_EQ(read.parse(opened), 1);
-}
-
 // Whatever is read from a damaged text can be written and read again.
 TEST(VariantText, DamagedTextsAreRefusedOrReadAsWhatTheyNowSay) {
 #ifdef ZO_GUARDED

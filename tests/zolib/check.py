@@ -205,7 +205,8 @@ def names():
 def hostile():
     """What would leave the folder is refused; the rest comes out."""
     bad = ["../up.txt", "/abs.txt", "\\abs2.txt", "C:\\abs.txt", "Z:rel.txt", "a/../../up.txt", "con", "sub/nul.txt",
-           "file.txt:stream", "dot./x", "blank /x", "end.", "end ", "\\\\server\\share\\x", "sub/"]
+           "file.txt:stream", "dot./x", "blank /x", "end.", "end ", "\\\\server\\share\\x", "sub/", "com1",
+           "a/...", "a/b*c", "a/b\nc", ".."]
     good = ["one.txt", "sub/two.txt", "sub\\three.txt", "x/../four.txt"]
     foreign("h.lib", [(n, b"content", 0) for n in [good[0], *bad, *good[1:]]])
     os.mkdir("inner")

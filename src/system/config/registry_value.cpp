@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "bytes/little_endian.h"
+
 namespace zo {
 namespace {
 
@@ -14,21 +16,20 @@ using Bytes = std::basic_string_view<unsigned char>;
 
 // The bytes as a number, the lowest first; missing ones count as zero.
 std::uint64_t numberOf(Bytes bytes) noexcept {
-  std::uint64_t number = 0;
-  for (size_t i = std::min<size_t>(bytes.size(), sizeof number); i > 0; --i)
-    number = number << 8 | bytes[i - 1];
-  return number;
+  unsigned char all[8] = {};
+  bytes.copy(all, sizeof all);
+  return load64(all);
 }
 
 std::uint64_t bigEndianNumberOf(Bytes bytes) noexcept {
-  std::uint64_t number = 0;
-  for (const unsigned char byte : bytes.substr(0, sizeof number)) number = number << 8 | byte;
-  return number;
+  unsigned char all[8] = {};
+  std::reverse(all, all + bytes.copy(all, sizeof all));
+  return load64(all);
 }
 
 // The bytes as text without the zeros at its end; an odd last byte is the lower half of a
 // character.
-std::wstring textOf(Bytes bytes) {
+std::wstring textIn(Bytes bytes) {
   std::wstring text((bytes.size() + 1) / 2, L'\0');
   std::memcpy(text.data(), bytes.data(), bytes.size());
   while (!text.empty() && text.back() == L'\0') text.pop_back();
@@ -44,12 +45,12 @@ ZoVariant variantOf(SECRegistry::KeyValueTypes type, Bytes bytes) {
     case SECRegistry::typeDoubleWordBigEndian:
       return ZoVariant(ZoString(std::to_wstring(bigEndianNumberOf(bytes)).c_str()));
     case SECRegistry::typeMultipleString: {
-      std::wstring lines = textOf(bytes);
+      std::wstring lines = textIn(bytes);
       std::replace(lines.begin(), lines.end(), L'\0', L'\n');
       return ZoVariant(ZoString(std::wstring_view(lines)));
     }
     default:
-      return ZoVariant(ZoString(std::wstring_view(textOf(bytes))));
+      return ZoVariant(ZoString(std::wstring_view(textIn(bytes))));
   }
 }
 

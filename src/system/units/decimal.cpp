@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <limits>
 
+#include "text/code_units.h"
+
 namespace zo {
 namespace {
 
@@ -158,11 +160,11 @@ Decimal readDecimal(std::wstring_view text, wchar_t decimal) noexcept {
   Decimal number;
   bool fraction = false;
   size_t i = 0;
-  for (; i < text.size() && (text[i] | 0x20) != L'e'; ++i) {
+  for (; i < text.size() && lowerAscii(text[i]) != L'e'; ++i) {
     const wchar_t c = text[i];
     if (c == decimal) {
       fraction = true;
-    } else if (c >= L'0' && c <= L'9') {  // anything else is white space or a grouping character
+    } else if (isDigit(c)) {  // anything else is white space or a grouping character
       if (number.digits < kLimit / 10) {
         number.digits = number.digits * 10 + (c - L'0');
         number.exponent -= fraction;

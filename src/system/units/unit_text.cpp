@@ -8,6 +8,7 @@
 
 #include "system/units/unit_format.h"
 #include "system/units/unit_table.h"
+#include "text/code_units.h"
 
 namespace zo {
 
@@ -46,8 +47,7 @@ bool resolve(ZoTypeCode code, const ZoUnitFormat& format, ResolvedFormat& resolv
 bool ZoIsUnitSeparators(wchar_t decimal, wchar_t grouping) noexcept {
   constexpr std::wstring_view kTaken = L"+-/%^*\"\u00B0\u00B2\u00B3\u00B5\u00B7\u2032\u2033\u2126";
   const auto canPart = [&](wchar_t c) {
-    const wchar_t lower = c | 0x20;
-    return c >= L' ' && (c < L'0' || c > L'9') && (lower < L'a' || lower > L'z') &&
+    return c >= L' ' && !zo::isDigit(c) && !zo::isLetter(c) &&
            kTaken.find(c) == std::wstring_view::npos;
   };
   const bool decimalParts = canPart(decimal) && decimal != L' ' && decimal != L'\'';
