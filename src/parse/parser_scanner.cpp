@@ -77,7 +77,7 @@ TokenRules::Marks TokenRules::listOf(std::wstring_view list) {
     if (length > 0) marks.emplace_back(list.substr(0, length));
     list.remove_prefix(std::min(length + 1, list.size()));
   }
-  std::stable_sort(marks.begin(), marks.end(),
+  std::sort(marks.begin(), marks.end(),
                    [](const auto& a, const auto& b) { return a.size() > b.size(); });
   return marks;
 }

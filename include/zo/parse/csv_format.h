@@ -4,7 +4,7 @@
 #pragma once
 
 struct ZoCsvFormat {
-  static constexpr wchar_t kDetect = 0;   // reading: from the first row; writing: a comma
+  static constexpr wchar_t kDetect = 0;   // reading: it is found; writing: a comma
   static constexpr wchar_t kNoQuote = 0;  // quotes are characters like any other
   enum LineEnd : int { kCrLf, kLf };
   enum Quotes : int { kWhereNeeded, kAlways };
