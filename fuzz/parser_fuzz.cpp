@@ -56,7 +56,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     again.goTo(token);
     const ZoToken same = again.scan();
     ZO_FUZZ_CHECK(same.kind() == token.kind() && same.text().data() == token.text().data() &&
-                  same.text().size() == token.text().size() && same.line() == token.line());
+                  same.text().size() == token.text().size() && same.line() == token.line() &&
+                  same.column() == token.column());
     if (token.isEnd()) break;
     ZO_FUZZ_CHECK(!token.text().empty());
     walk(place, text, token.position(), token.position() + token.text().size());

@@ -13,20 +13,13 @@ const wchar_t* behindLineEnd(const wchar_t* at, const wchar_t* end) noexcept {
   return at + (*at == L'\r' && end - at > 1 && at[1] == L'\n' ? 2 : 1);
 }
 
-// Counts the line ends from `at` on that begin before `to`; lineStart is where the last line begins.
-std::size_t linesBetween(const wchar_t* at, const wchar_t* to, const wchar_t* end,
-                         const wchar_t*& lineStart) noexcept {
+// Counts the line ends between two places; lineStart is where the last line begins.
+std::size_t linesBetween(const wchar_t* at, const wchar_t* to, const wchar_t*& lineStart) noexcept {
+  const FourUnits ends(L'\r', L'\n', L'\r', L'\n');
   std::size_t lines = 0;
-  while (at < to) {
-    const wchar_t* const behind = behindLineEnd(at, end);
-    if (behind == at) {
-      ++at;
-    } else if (behind <= to) {
-      ++lines;
-      at = lineStart = behind;
-    } else {
-      break;
-    }
+  while ((at = ends.find(at, to)) != to) {
+    at = lineStart = behindLineEnd(at, to);
+    ++lines;
   }
   return lines;
 }
@@ -119,7 +112,7 @@ bool CsvScanner::next() {
     if (at != end_ && *at == separator_) continue;
     rowEnd_ = at;
     const wchar_t* lineStart = nullptr;
-    if (hasQuotes) line += linesBetween(row_, at, end_, lineStart);
+    if (hasQuotes) line += linesBetween(row_, at, lineStart);
     break;
   }
   if (!joins_.empty()) resolve();
@@ -180,7 +173,7 @@ void CsvScanner::setFault(Fault fault, const wchar_t* at) noexcept {
 
 CsvScanner::Place CsvScanner::placeOf(const wchar_t* at) const noexcept {
   const wchar_t* lineStart = row_;
-  const std::size_t lines = linesBetween(row_, at, end_, lineStart);
+  const std::size_t lines = linesBetween(row_, at, lineStart);
   return {rowLine_ + lines, static_cast<std::size_t>(at - lineStart) + 1};
 }
 

@@ -55,10 +55,19 @@ wchar_t escapedUnit(std::wstring_view escape, wchar_t quote) noexcept {
   }
 }
 
+// Marks have few units: a loop is quicker than the runtime's comparison.
+bool beginsWith(std::wstring_view text, std::wstring_view mark) noexcept {
+  if (text.size() < mark.size()) return false;
+  for (std::size_t i = 0; i < mark.size(); ++i) {
+    if (text[i] != mark[i]) return false;
+  }
+  return true;
+}
+
 // The length of the longest mark at the front of a text; the marks are sorted so.
 std::size_t markAt(const TokenRules::Marks& marks, std::wstring_view text) noexcept {
   for (const std::wstring& mark : marks) {
-    if (text.starts_with(mark)) return mark.size();
+    if (beginsWith(text, mark)) return mark.size();
   }
   return 0;
 }
@@ -78,7 +87,7 @@ TokenRules::Marks TokenRules::listOf(std::wstring_view list) {
     list.remove_prefix(std::min(length + 1, list.size()));
   }
   std::sort(marks.begin(), marks.end(),
-                   [](const auto& a, const auto& b) { return a.size() > b.size(); });
+            [](const auto& a, const auto& b) { return a.size() > b.size(); });
   return marks;
 }
 
@@ -106,7 +115,7 @@ void TokenRules::classify() {
   for (const wchar_t c : wordFirst) add(c, kWordFirst | kWordPart);
   for (const wchar_t c : wordInside) add(c, kWordPart);
   for (const wchar_t c : quotes) add(c, kQuote);
-  for (const std::wstring& mark : signs) add(mark[0], kSign);
+  for (const std::wstring& mark : signs) add(mark[0], mark.size() > 1 ? kSign | kLongSign : kSign);
   for (const std::wstring& mark : lineComments) add(mark[0], kComment);
   if (!openComment.empty()) add(openComment[0], kComment);
 }
@@ -169,6 +178,9 @@ ZoToken TokenScanner::scan() noexcept {
     skipWhite();
     if (at_ == text_.size()) return make(ZoToken::kEnd, 0);
     const unsigned int classes = rules_.classesOf(text_[at_]);
+    // Most tokens are words and short signs.
+    if (classes == (TokenRules::kWordFirst | TokenRules::kWordPart)) return word();
+    if (classes == TokenRules::kSign) return make(ZoToken::kSign, 1);
     if (classes & TokenRules::kComment) {
       const Comment comment = skipComment();
       if (comment == Comment::Skipped) continue;
@@ -198,7 +210,7 @@ TokenScanner::Comment TokenScanner::skipComment() noexcept {
   const std::wstring_view rest = text_.substr(at_);
   const std::wstring& open = rules_.openComment;
   const std::size_t line = markAt(rules_.lineComments, rest);
-  if (!open.empty() && open.size() >= line && rest.starts_with(open)) {
+  if (!open.empty() && open.size() >= line && beginsWith(rest, open)) {
     const std::size_t close = rules_.closeComment.empty()
                                   ? std::wstring_view::npos
                                   : rest.find(rules_.closeComment, open.size());
@@ -255,12 +267,17 @@ ZoToken TokenScanner::number() noexcept {
       for (end = digits; isDigitAt(end);) ++end;
     }
   }
+  const std::wstring_view digits = text_.substr(at_, end);
+  double real = 0;
+  std::int64_t integer = 0;
+  const int result =
+      isReal ? ZoStrToReal(digits, real, nullptr, rules_.decimal) : ZoStrToInt(digits, integer);
+  if (result != ZoResult::ok) return make(ZoToken::kBad, end, ZoToken::kTooBig);
   ZoToken token = make(isReal ? ZoToken::kReal : ZoToken::kInteger, end);
-  const int result = isReal ? ZoStrToReal(token.text_, token.real_, nullptr, rules_.decimal)
-                            : ZoStrToInt(token.text_, token.integer_);
-  if (result != ZoResult::ok) {
-    token.kind_ = ZoToken::kBad;
-    token.fault_ = ZoToken::kTooBig;
+  if (isReal) {
+    token.real_ = real;
+  } else {
+    token.integer_ = integer;
   }
   return token;
 }

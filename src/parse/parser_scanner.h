@@ -47,6 +47,7 @@ struct TokenRules {
     kComment = 128,
     kNumberSign = 256,  // + or -
     kDecimal = 512,
+    kLongSign = 1024,  // of two units or more, perhaps
   };
   [[nodiscard]] unsigned int classesOf(wchar_t c) const noexcept {
     return c < 128 ? table_[c] : otherClassesOf(c);

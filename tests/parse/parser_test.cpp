@@ -123,6 +123,11 @@ TEST(Parser, Values) {
   EXPECT_EQ(parser.peek().integer(), 0);
   EXPECT_EQ(parser.next().value(), L"word");
   EXPECT_EQ(parser.next().real(), 0.0);
+  for (const wchar_t* const tooBig : {L"99999999999999999999", L"-1e999"}) {
+    parser.setText(tooBig);
+    EXPECT_EQ(parser.peek().integer(), 0);
+    EXPECT_EQ(parser.next().real(), 0.0);
+  }
   const ZoString next = L"'a''b' 'c|'d|'";
   parser.setQuotes(L"'", ZoToken::kDoubled);
   parser.setText(next);

@@ -83,13 +83,15 @@ class ZO_COM_API ZoToken {
  private:
   friend class zo::TokenScanner;
 
-  Kind kind_ = kEnd;
-  Fault fault_ = kNone;
-  Escapes escapes_ = kPlain;
   std::wstring_view text_;
   std::size_t position_ = 0;
   std::size_t line_ = 1;
   std::size_t column_ = 1;
-  std::int64_t integer_ = 0;
-  double real_ = 0;
+  union {
+    std::int64_t integer_ = 0;
+    double real_;  // of kReal
+  };
+  Kind kind_ = kEnd;
+  Fault fault_ = kNone;
+  Escapes escapes_ = kPlain;
 };
