@@ -178,7 +178,7 @@ TEST(Csv, EveryCutOfASampleAndAnyTextReadsAsAPlainReaderDoes) {
     ASSERT_NO_FATAL_FAILURE(expectAsReference(sample.substr(cut), L',', L'"')) << cut;
   }
 #ifdef ZO_GUARDED
-  constexpr int kRounds = 20000;
+  constexpr int kRounds = 5000;
 #else
   constexpr int kRounds = 100000;
 #endif
@@ -253,7 +253,7 @@ TEST(Csv, WhatCannotBeWrittenIsRefusedAsAWholeRow) {
 
 TEST(Csv, WhatIsWrittenReadsBack) {
 #ifdef ZO_GUARDED
-  constexpr int kRounds = 10000;
+  constexpr int kRounds = 3000;
 #else
   constexpr int kRounds = 50000;
 #endif

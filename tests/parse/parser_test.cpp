@@ -280,7 +280,7 @@ TEST(Parser, EveryCutOfASample) {
 
 TEST(Parser, AnyTextIsSound) {
 #ifdef ZO_GUARDED
-  constexpr int kRounds = 3000;
+  constexpr int kRounds = 1500;
 #else
   constexpr int kRounds = 60000;
 #endif
