@@ -8,6 +8,7 @@
 #include <zo/files/find_file.h>
 #include <zo/files/forward_file_system.h>
 #include <zo/files/std_file_system.h>
+#include <zo/files/text_file.h>
 #include <zo/library/lib_file.h>
 #include <zo/library/library.h>
 #include <zo/names/file_name.h>

@@ -4,6 +4,7 @@
 #include <zo/files/find_file.h>
 #include <zo/graph/dotty_elements.h>
 #include <zo/library/library.h>
+#include <zo/parse/csv_reader.h>
 #include <zo/persist/zip_streambuf.h>
 #include <zo/system/codepage.h>
 #include <zo/text/containers/vhash.h>
@@ -16,23 +17,12 @@ namespace zo {
 
 extern const void* const kClassConstants[];
 const void* const kClassConstants[] = {
-    &ZoCodepage::kDefault,
-    &ZoCodepage::kUtf16,
-    &ZoCodepage::kUtf16BigEndian,
-    &ZoCodepage::kUtf8,
-    &ZoDottyNode::noCluster,
-    &ZoFindFile::kDirectory,
-    &ZoLibrary::kBest,
-    &ZoLibrary::kFast,
-    &ZoLibrary::kNormal,
-    &ZoString::npos,
-    &ZoStringRef::npos,
-    &ZoSubString::npos,
-    &ZoVHash::kDefaultBuckets,
-    &ZoVHash::kDefaultLoadFactor,
-    &ZoVHashTable::kLongChain,
-    &ZoVariant::kMaxDepth,
-    &ZoZIPStreambuf::endOfFile,
+    &ZoCodepage::kDefault,     &ZoCodepage::kUtf16,       &ZoCodepage::kUtf16BigEndian,
+    &ZoCodepage::kUtf8,        &ZoCsvReader::npos,        &ZoDottyNode::noCluster,
+    &ZoFindFile::kDirectory,   &ZoLibrary::kBest,         &ZoLibrary::kFast,
+    &ZoLibrary::kNormal,       &ZoString::npos,           &ZoStringRef::npos,
+    &ZoSubString::npos,        &ZoVHash::kDefaultBuckets, &ZoVHash::kDefaultLoadFactor,
+    &ZoVHashTable::kLongChain, &ZoVariant::kMaxDepth,     &ZoZIPStreambuf::endOfFile,
 };
 
 }  // namespace zo

@@ -94,6 +94,11 @@ class Significand {
     // The value lies between 10^(magnitude - 1) and 10^magnitude.
     const std::int64_t magnitude = exponent + static_cast<std::int64_t>(count_);
     if (count_ == 0 || magnitude < -400) return ZoResult::ok;
+    if (count_ <= kExactDigits && exponent >= -kExactPower && exponent <= kExactPower) {
+      // Digits and power are both exact: one rounding makes the nearest.
+      value = exponent < 0 ? digits() / kPowers[-exponent] : digits() * kPowers[exponent];
+      return ZoResult::ok;
+    }
     if (magnitude <= 400) {
       if (restIsNotZero_) {
         text_[count_++] = '1';
@@ -110,6 +115,17 @@ class Significand {
   }
 
  private:
+  [[nodiscard]] double digits() const noexcept {
+    std::int64_t number = 0;
+    for (size_t i = 0; i < count_; ++i) number = number * 10 + (text_[i] - '0');
+    return static_cast<double>(number);
+  }
+
+  static constexpr size_t kExactDigits = 15;
+  static constexpr int kExactPower = 22;
+  static constexpr double kPowers[kExactPower + 1] = {
+      1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+      1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
   static constexpr size_t kDigits = 770;
   char text_[kDigits + 30];
   size_t count_ = 0;
@@ -193,7 +209,8 @@ int ZoStrToInt(std::wstring_view text, std::int64_t& value, unsigned int* end,
   std::uint64_t magnitude = 0;
   bool overflow = false;
   const size_t count = in.takeDigits(grouping, [&](unsigned int digit) noexcept {
-    overflow |= magnitude > (limit - digit) / 10;
+    constexpr std::uint64_t kAlwaysFits = 100'000'000'000'000'000;
+    overflow |= magnitude >= kAlwaysFits && magnitude > (limit - digit) / 10;
     if (!overflow) magnitude = magnitude * 10 + digit;
   });
   if (count == 0) {

@@ -1,0 +1,8 @@
+// Reading and writing texts: tokens (ZoParser), tables (ZoCsvReader, ZoCsvWriter).
+#pragma once
+
+#include <zo/parse/csv_format.h>
+#include <zo/parse/csv_reader.h>
+#include <zo/parse/csv_writer.h>
+#include <zo/parse/parser.h>
+#include <zo/parse/parser_token.h>
