@@ -32,7 +32,7 @@ std::wstring writeLockName(const std::wstring& fullPath) {
   std::wstring name = L"ZoLibrary-";
   const std::size_t begin = name.size();
   name.resize(begin + kDigits);
-  writeHex(name.data() + begin, hashName(fullPath), kDigits, L"0123456789abcdef");
+  writeHex(name.data() + begin, hashName(fullPath), kDigits, kLowerHexDigits);
   return name;
 }
 
