@@ -4,6 +4,8 @@
 #include <zo/files/find_file.h>
 #include <zo/graph/dotty_elements.h>
 #include <zo/library/library.h>
+#include <zo/parse/reg_exp.h>
+#include <zo/parse/search.h>
 #include <zo/persist/zip_streambuf.h>
 #include <zo/system/codepage.h>
 #include <zo/text/containers/vhash.h>
@@ -25,6 +27,9 @@ const void* const kClassConstants[] = {
     &ZoLibrary::kBest,
     &ZoLibrary::kFast,
     &ZoLibrary::kNormal,
+    &ZoRegExp::kMaxPattern,
+    &ZoRegExp::npos,
+    &ZoSearch::npos,
     &ZoString::npos,
     &ZoStringRef::npos,
     &ZoSubString::npos,
