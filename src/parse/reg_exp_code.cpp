@@ -30,6 +30,20 @@ std::uint32_t flagsOf(ZoRegExp::Option options) noexcept {
          (has(ZoRegExp::kExtended) ? PCRE2_EXTENDED : kNone);
 }
 
+// Whether the pattern matches the same when it sees units instead of characters, so that surrogates
+// need no care: what it can match is ASCII, character by character. Escapes, . and [^ are not such,
+// nor are options and look-around after (?.
+bool isUnitwise(std::u16string_view pattern) noexcept {
+  for (std::size_t i = 0; i < pattern.size(); ++i) {
+    const char16_t c = pattern[i], next = i + 1 < pattern.size() ? pattern[i + 1] : u'\0';
+    if (c >= 0x80 || c == u'\\' || c == u'.') return false;
+    if (c == u'[' && (next == u'^' || next == u':')) return false;
+    if (c == u'(' && (next == u'*' || (next == u'?' && pattern.substr(i, 3) != u"(?:")))
+      return false;
+  }
+  return true;
+}
+
 // A wildcard as a pattern: at most two units for one. Stars side by side are one star, which else
 // would be tried in all ways to share a text among them.
 std::size_t translateWildcard(std::u16string_view wildcard, char16_t* to) noexcept {
@@ -103,7 +117,10 @@ const RegExpCode* RegExpCode::make(std::u16string_view pattern, ZoRegExp::Option
 }
 
 bool RegExpCode::compile(std::u16string_view pattern, RegExpError& error) noexcept {
-  const std::uint32_t flags = flagsOf(options_);
+  std::uint32_t flags = flagsOf(options_);
+  if ((flags & (PCRE2_CASELESS | PCRE2_LITERAL)) == 0 && isUnitwise(pattern)) {
+    flags &= ~std::uint32_t{PCRE2_UTF | PCRE2_UCP};
+  }
   code_ = compiled(pattern, flags, error);
   if (!code_) {
     if (error.code == PCRE2_ERROR_HEAP_FAILED) error.code = kNoMemory;

@@ -18,18 +18,19 @@ constexpr std::uint64_t kFast = 8;  // ms for a stretch
 // A copy in which U+FFFD stands for each surrogate that stands alone, as in UTF-8 made of the text.
 // (PCRE2's own mode for such texts reads before their begin, and its two engines differ in it.)
 bool RegExpRun::repairText() noexcept {
+  std::size_t lone = loneSurrogate(text_);
+  if (lone == text_.size()) return true;
   repaired_.reset(new (std::nothrow) char16_t[text_.size()]);
   if (!repaired_) return false;
-  for (std::size_t i = 0; i < text_.size(); ++i) {
-    repaired_[i] = isLoneSurrogate(text_, i) ? u'\xFFFD' : text_[i];
-  }
+  text_.copy(repaired_.get(), text_.size());
+  for (; lone < text_.size(); lone = loneSurrogate(text_, lone + 1)) repaired_[lone] = u'\xFFFD';
   text_ = {repaired_.get(), text_.size()};
   return true;
 }
 
 bool RegExpRun::prepare() noexcept {
   if (scratch_) return true;
-  if (code_.seesPairs() && hasLoneSurrogate(text_) && !repairText()) return false;
+  if (code_.seesPairs() && !repairText()) return false;
   scratch_ = code_.takeScratch();
   if (!scratch_) return false;
   pcre2_match_context* const context = scratch_->context.get();

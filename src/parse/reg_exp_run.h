@@ -36,8 +36,9 @@ class RegExpRun {
   // The time limit is for all following calls together, instead of for each.
   void keepTime() noexcept { keepsTime_ = true; }
 
+  // Of the last match; nowhere before the first.
   [[nodiscard]] std::size_t begin(unsigned group = 0) const noexcept {
-    return group <= code_.groups() ? ovector_[2 * group] : kNowhere;
+    return ovector_ && group <= code_.groups() ? ovector_[2 * group] : kNowhere;
   }
   [[nodiscard]] std::size_t end(unsigned group = 0) const noexcept {
     return ovector_[2 * group + 1];

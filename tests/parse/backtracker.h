@@ -99,7 +99,8 @@ class Backtracker {
       return match(tree->left, group, at,
                    [&](size_t to) { return to == at ? then(to) : repeat(tree, group, to, then); });
     };
-    return tree->kind == '*' ? more() || then(at) : then(at) || more();
+    const bool isLazy = tree->kind == 'L' || tree->kind == 'P';
+    return isLazy ? then(at) || more() : more() || then(at);
   }
 
   std::wstring_view text_;

@@ -6,6 +6,7 @@
 #include <sstream>
 #include <string>
 
+#include "shown.h"
 #include "support/file_bytes.h"
 
 namespace zo::test {
