@@ -11,8 +11,10 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <regex>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {

@@ -12,6 +12,9 @@ std::mutex s_machineCode;
 
 constexpr std::uint32_t kNone = 0;
 
+// Machine code takes as long to make as the interpreter needs for some thousand units.
+constexpr std::size_t kWorthMachineCode = 3000, kUnitsOfSearch = 50;
+
 // \C would match half a pair, and \K in look-around a match that ends before it begins: PCRE2
 // refuses both as it is asked here.
 std::uint32_t flagsOf(ZoRegExp::Option options) noexcept {
@@ -126,8 +129,7 @@ bool RegExpCode::compile(std::u16string_view pattern, RegExpError& error) noexce
     if (error.code == PCRE2_ERROR_HEAP_FAILED) error.code = kNoMemory;
     return false;
   }
-  if ((options_ & ZoRegExp::kNoMachineCode) == 0) makeMachineCode(code_.get());
-  hasMachineCode_ = info<std::size_t>(code_.get(), PCRE2_INFO_JITSIZE) != 0;
+  isTried_ = (options_ & ZoRegExp::kNoMachineCode) != 0;
   learn(pattern);
   return true;
 }
@@ -147,6 +149,30 @@ void RegExpCode::learn(std::u16string_view pattern) noexcept {
   names_ = reinterpret_cast<const char16_t*>(info<PCRE2_SPTR>(code, PCRE2_INFO_NAMETABLE));
 }
 
+RegExpCode::~RegExpCode() {
+  delete spare_.load(std::memory_order_relaxed);
+  Pcre2Free()(machineCode_.load(std::memory_order_relaxed));
+}
+
+bool RegExpCode::make() const noexcept {
+  if (isTried_.exchange(true)) return false;
+  Pcre2<pcre2_code> copy(pcre2_code_copy(code_.get()));
+  if (!copy) return isTried_ = false;  // there may be memory later
+  makeMachineCode(copy.get());
+  if (info<std::size_t>(copy.get(), PCRE2_INFO_JITSIZE) == 0) return false;
+  machineCode_.store(copy.release(), std::memory_order_release);
+  return true;
+}
+
+const pcre2_code* RegExpCode::machineCode(std::size_t units) const noexcept {
+  const pcre2_code* made = machineCode_.load(std::memory_order_acquire);
+  if (made || isTried_.load(std::memory_order_relaxed)) return made;
+  const std::size_t work = units + kUnitsOfSearch;
+  if (searched_.fetch_add(work, std::memory_order_relaxed) + work < kWorthMachineCode)
+    return nullptr;
+  return make() ? machineCode_.load(std::memory_order_acquire) : nullptr;
+}
+
 std::unique_ptr<RegExpScratch> RegExpCode::takeScratch() const noexcept {
   if (RegExpScratch* const spare = spare_.exchange(nullptr, std::memory_order_acquire)) {
     return std::unique_ptr<RegExpScratch>(spare);
@@ -158,9 +184,7 @@ std::unique_ptr<RegExpScratch> RegExpCode::takeScratch() const noexcept {
   return made->data && made->context ? std::move(made) : nullptr;
 }
 
-// What has grown is not kept: a stack, and the interpreter's memory, which the data hold.
-void RegExpCode::giveBack(std::unique_ptr<RegExpScratch> scratch) const noexcept {
-  if (!scratch || scratch->stack || !hasMachineCode_) return;
+void RegExpCode::keep(std::unique_ptr<RegExpScratch> scratch) const noexcept {
   delete spare_.exchange(scratch.release(), std::memory_order_acq_rel);
 }
 

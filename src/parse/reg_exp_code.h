@@ -26,7 +26,7 @@ struct RegExpError {
   std::size_t position = 0;
 };
 
-// Immutable but for its counter and its spare part: all threads share it.
+// Immutable but for what it makes and keeps for itself: all threads share it.
 class RegExpCode {
  public:
   static constexpr int kTooLong = 1, kNoMemory = 2;  // numbers that PCRE2 does not use
@@ -41,7 +41,9 @@ class RegExpCode {
 
   [[nodiscard]] std::u16string_view pattern() const noexcept { return {pattern_.get(), length_}; }
   [[nodiscard]] ZoRegExp::Option options() const noexcept { return options_; }
-  [[nodiscard]] bool hasMachineCode() const noexcept { return hasMachineCode_; }
+  // Makes the machine code if there is none yet. False where there can be none, and as long as
+  // another thread is making it.
+  [[nodiscard]] bool hasMachineCode() const noexcept { return machineCode_.load() || make(); }
   [[nodiscard]] unsigned groups() const noexcept { return groups_; }
   // Calls use(name, number) for each named group, by name and then by number, until that is true.
   template <class Use>
@@ -52,7 +54,10 @@ class RegExpCode {
     return false;
   }
 
-  // Where it sees pairs, it takes texts alone in which no surrogate stands alone.
+  // For a search through so many units: null until the searches so far have been worth the time
+  // that making it takes. It is a copy of get(), and takes the same texts.
+  [[nodiscard]] const pcre2_code* machineCode(std::size_t units) const noexcept;
+  // For the interpreter. Where it sees pairs, it takes texts alone in which no surrogate stands alone.
   [[nodiscard]] const pcre2_code* get() const noexcept { return code_.get(); }
   // Whether a surrogate pair is one character to it.
   [[nodiscard]] bool seesPairs() const noexcept { return seesPairs_; }
@@ -62,16 +67,20 @@ class RegExpCode {
   [[nodiscard]] bool canPause() const noexcept { return canPause_; }
 
   [[nodiscard]] std::unique_ptr<RegExpScratch> takeScratch() const noexcept;  // null: no memory
-  void giveBack(std::unique_ptr<RegExpScratch> scratch) const noexcept;
+  void keep(std::unique_ptr<RegExpScratch> scratch) const noexcept;
 
  private:
   RegExpCode() = default;
-  ~RegExpCode() { delete spare_.load(std::memory_order_relaxed); }
+  ~RegExpCode();
+  bool make() const noexcept;
   [[nodiscard]] bool compile(std::u16string_view pattern, RegExpError& error) noexcept;
   void learn(std::u16string_view pattern) noexcept;
 
   mutable std::atomic<unsigned> references_{1};
   mutable std::atomic<RegExpScratch*> spare_{nullptr};
+  mutable std::atomic<pcre2_code*> machineCode_{nullptr};
+  mutable std::atomic<std::size_t> searched_{0};  // units
+  mutable std::atomic<bool> isTried_{false};
   std::unique_ptr<char16_t[]> pattern_;
   std::size_t length_ = 0;
   ZoRegExp::Option options_ = ZoRegExp::kDefault;
@@ -79,7 +88,7 @@ class RegExpCode {
   unsigned groups_ = 0;
   const char16_t* names_ = nullptr;  // in the code
   unsigned nameCount_ = 0, nameEntrySize_ = 0;
-  bool hasMachineCode_ = false, seesPairs_ = true, canPause_ = true;
+  bool seesPairs_ = true, canPause_ = true;
 };
 
 }  // namespace zo

@@ -45,7 +45,7 @@ bool RegExpRun::prepare() noexcept {
 // loop that is not counted.
 std::uint64_t RegExpRun::costOfPlace(std::size_t from) const noexcept {
   const std::uint64_t most = std::max<std::uint64_t>(text_.size() - from, limits_.steps) + 1;
-  return code_.hasMachineCode() ? most : 8 * most;
+  return machineCode_ ? most : 8 * most;
 }
 
 // The last place to try before the clock is looked at: not one in the middle of what a search
@@ -75,6 +75,7 @@ bool RegExpRun::hasTime(std::uint64_t cost) noexcept {
 
 int RegExpRun::find(std::size_t from, bool notEmpty) noexcept {
   if (from > text_.size()) return ZoResult::refused;
+  if (!scratch_) machineCode_ = code_.machineCode(text_.size());
   if (!prepare()) return ZoResult::outOfMemory;
   if (!keepsTime_) hasStarted_ = false, spent_ = 0;
   for (;;) {
@@ -108,10 +109,10 @@ int resultOf(int found) noexcept {
 // Machine code begins on 32 KiB of the thread's own stack, and is given a larger one when these
 // have not been enough.
 int RegExpRun::tryFrom(std::size_t from, std::uint32_t flags) noexcept {
-  if (!code_.hasMachineCode()) return interpret(from, flags);
+  if (!machineCode_) return interpret(from, flags);
   pcre2_match_context* const context = scratch_->context.get();
   const auto run = [&] {
-    return pcre2_jit_match(code_.get(), units(text_), text_.size(), from, flags,
+    return pcre2_jit_match(machineCode_, units(text_), text_.size(), from, flags,
                            scratch_->data.get(), context);
   };
   const int found = run();
@@ -125,6 +126,7 @@ int RegExpRun::tryFrom(std::size_t from, std::uint32_t flags) noexcept {
 }
 
 int RegExpRun::interpret(std::size_t from, std::uint32_t flags) noexcept {
+  isInterpreted_ = true;
   return resultOf(pcre2_match(code_.get(), units(text_), text_.size(), from,
                               flags | PCRE2_NO_JIT | PCRE2_NO_UTF_CHECK, scratch_->data.get(),
                               scratch_->context.get()));

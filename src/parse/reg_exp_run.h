@@ -26,7 +26,10 @@ class RegExpRun {
       : code_(code), limits_(limits), text_(text) {}
   RegExpRun(const RegExpRun&) = delete;
   RegExpRun& operator=(const RegExpRun&) = delete;
-  ~RegExpRun() { code_.giveBack(std::move(scratch_)); }
+  // What has grown is not kept: a stack, and the interpreter's memory, which the data hold.
+  ~RegExpRun() {
+    if (scratch_ && !scratch_->stack && !isInterpreted_) code_.keep(std::move(scratch_));
+  }
 
   // The first match from a place on: ok; refused: there is none; gaveUp; outOfMemory. `notEmpty`
   // refuses an empty match at that very place.
@@ -64,6 +67,8 @@ class RegExpRun {
   std::unique_ptr<char16_t[]> repaired_;
   std::unique_ptr<RegExpScratch> scratch_;
   const std::size_t* ovector_ = nullptr;
+  const pcre2_code* machineCode_ = nullptr;  // null: it is interpreted
+  bool isInterpreted_ = false;
   bool keepsTime_ = false;
   bool hasStarted_ = false;
   std::uint64_t started_ = 0, lastLook_ = 0;

@@ -99,6 +99,7 @@ void tryPattern(const std::wstring& pattern, Option options = ZoRegExp::kDefault
                         25));
   ZoRegExp made(pattern, options), interpreted(pattern, options | ZoRegExp::kNoMachineCode);
   ASSERT_EQ(made.isValid(), interpreted.isValid());
+  static_cast<void>(made.hasMachineCode());             // makes it
   ASSERT_LE(made.errorPosition(), 2 * pattern.size());  // a wildcard grows
   made.setLimits({10'000, 10'000, 1'000, 1'000});
   interpreted.setLimits(made.limits());
@@ -230,6 +231,7 @@ TEST(RegExp, MatchesAsABacktrackerDoes) {
       const Option how = i % 4 ? ZoRegExp::kDefault : ZoRegExp::kNoMachineCode;
       const ZoRegExp expression(patternOf(trees[i]), how);
       ASSERT_TRUE(expression.isValid()) << shown(patternOf(trees[i]));
+      ASSERT_EQ(expression.hasMachineCode(), how == ZoRegExp::kDefault);
       for (const std::wstring& text : texts) {
         Backtracker model(text, groupsOf(trees[i]));
         const Spans expected = model.find(trees[i], 0);

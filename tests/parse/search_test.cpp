@@ -19,6 +19,7 @@ using Places = std::vector<std::pair<unsigned, unsigned>>;  // start and length
 
 Places placesOf(const ZoRegExp& expression, const ZoString& text, unsigned start = 0) {
   Places places;
+  static_cast<void>(expression.hasMachineCode());  // makes it
   for (const ZoSearch& match : ZoSearch(expression, text, start)) {
     places.emplace_back(match.start(), match.length());
     if (places.size() > 20) break;

@@ -19,10 +19,11 @@
 //          matches nowhere; status() and errorText() say why.
 // Threads: an expression is immutable. Copies share it, and all threads may search with it; only
 //          set(), setLimits() and assigning are for one thread at a time on one object.
-// Cost:    compiling takes some 10 to 100 us, most of it for machine code: keep what you use again.
-//          A search first looks through its text for such surrogates, at some 10 units a ns: use
-//          one ZoSearch for all matches in a long text, not index() for each.
+// Cost:    compiling takes some microseconds, and some 20 to 100 more once it has been used for
+//          some thousand characters: then machine code is made of it. Keep what you use again.
 //          Where the process may not make machine code, searches are some ten times slower.
+//          A search first looks through its text for surrogates that stand alone, at some 10 units
+//          a ns: find all matches in a long text with one ZoSearch, not with index() for each.
 #pragma once
 
 #include <zo/config.h>
@@ -113,6 +114,8 @@ class ZO_COM_API ZoRegExp {
   // The pattern as it was given; valid as long as any copy of the expression.
   [[nodiscard]] std::wstring_view pattern() const noexcept;
   [[nodiscard]] Option options() const noexcept;
+  // Makes the machine code at once where there is none yet, and tells whether there is some. (False
+  // also while another thread is making it.)
   [[nodiscard]] bool hasMachineCode() const noexcept;
   [[nodiscard]] const Limits& limits() const noexcept { return limits_; }
   // For searches that begin later.
