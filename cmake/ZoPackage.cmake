@@ -10,6 +10,8 @@ install(FILES docs/zolib.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES tools/zolib/completion/zolib.bash RENAME zolib
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES ${zo_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
+# What its authors ask to come with programs that hold it.
+install(FILES ${zo_pcre2_licence} DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME LICENCE.pcre2)
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 install(FILES ${PROJECT_BINARY_DIR}/generated/zo/version.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zo)
 install(EXPORT ZoComTargets NAMESPACE ZoCom:: DESTINATION ${zo_package_dir})

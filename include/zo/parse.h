@@ -1,4 +1,5 @@
-// Reading and writing texts: tokens (ZoParser), tables (ZoCsvReader, ZoCsvWriter).
+// Reading and writing texts: tokens (ZoParser), tables (ZoCsvReader, ZoCsvWriter), regular
+// expressions (ZoRegExp, ZoSearch).
 #pragma once
 
 #include <zo/parse/csv_format.h>
@@ -6,3 +7,5 @@
 #include <zo/parse/csv_writer.h>
 #include <zo/parse/parser.h>
 #include <zo/parse/parser_token.h>
+#include <zo/parse/reg_exp.h>
+#include <zo/parse/search.h>

@@ -33,6 +33,7 @@ enum class ZoResultFamily : int {
   execute,        // ZoExecute::Failure
   exceptions,     // ZoComException::Code
   waits,          // ZoWait, cast to int
+  expressions,    // ZoRegExp, ZoSearch: zo/parse/reg_exp.h
 };
 
 // A sentence in English. Of a code that the family does not have, one that tells the number.

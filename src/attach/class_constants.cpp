@@ -5,6 +5,8 @@
 #include <zo/graph/dotty_elements.h>
 #include <zo/library/library.h>
 #include <zo/parse/csv_reader.h>
+#include <zo/parse/reg_exp.h>
+#include <zo/parse/search.h>
 #include <zo/persist/zip_streambuf.h>
 #include <zo/system/codepage.h>
 #include <zo/text/containers/vhash.h>
@@ -20,7 +22,8 @@ const void* const kClassConstants[] = {
     &ZoCodepage::kDefault,     &ZoCodepage::kUtf16,       &ZoCodepage::kUtf16BigEndian,
     &ZoCodepage::kUtf8,        &ZoCsvReader::npos,        &ZoDottyNode::noCluster,
     &ZoFindFile::kDirectory,   &ZoLibrary::kBest,         &ZoLibrary::kFast,
-    &ZoLibrary::kNormal,       &ZoString::npos,           &ZoStringRef::npos,
+    &ZoLibrary::kNormal,       &ZoRegExp::kMaxPattern,    &ZoRegExp::npos,
+    &ZoSearch::npos,           &ZoString::npos,           &ZoStringRef::npos,
     &ZoSubString::npos,        &ZoVHash::kDefaultBuckets, &ZoVHash::kDefaultLoadFactor,
     &ZoVHashTable::kLongChain, &ZoVariant::kMaxDepth,     &ZoZIPStreambuf::endOfFile,
 };

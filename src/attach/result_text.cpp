@@ -2,6 +2,7 @@
 #include <zo/geometry/status.h>
 #include <zo/library/library_results.h>
 #include <zo/names/name_results.h>
+#include <zo/parse/reg_exp.h>
 #include <zo/persist/lzma_utils.h>
 #include <zo/persist/zip.h>
 #include <zo/result_text.h>
@@ -138,6 +139,13 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(waits, ZoWait::abandoned,
               L"The guard was obtained, but from a holder that ended while it held it."),
     ZO_RESULT(waits, ZoWait::timeOut, L"The guard was not obtained in time."),
+
+    ZO_RESULT(expressions, ZoResult::refused,
+              L"There is no expression, it has no such group, or the text would be too long."),
+    ZO_RESULT(expressions, ZoResult::badPattern,
+              L"The pattern is no regular expression, or one that is too large."),
+    ZO_RESULT(expressions, ZoResult::gaveUp,
+              L"The search reached a limit before there was an answer."),
 };
 
 #undef ZO_RESULT

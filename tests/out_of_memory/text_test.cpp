@@ -2,6 +2,7 @@
 // (Containers: containers/failures_test.cpp.)
 #include <gtest/gtest.h>
 #include <zo/containers.h>
+#include <zo/parse.h>
 #include <zo/strings.h>
 
 #include <sstream>
@@ -79,6 +80,44 @@ void sortByKeys() {
 TEST(OutOfMemory, TextsAreSortedOrStayAsTheyWere) {
   sortByKeys<ZoArray<ZoString>>();
   sortByKeys<ZoList<ZoString>>();
+}
+
+TEST(OutOfMemory, ExpressionsAreAsTheyWereAndSearchesSayNo) {
+  const ZoString text = L"one, two";
+  for (const auto how : {ZoRegExp::kDefault, ZoRegExp::kNoMachineCode}) {
+    failEveryRequest(
+        "compile", [] { return ZoRegExp(L"x"); },
+        [&](ZoRegExp& e) { return e.set(L"(?<n>[a-z]+)|\\w", how | ZoRegExp::kExtended); },
+        [&](const ZoRegExp& e, bool done) { EXPECT_EQ(text.index(e), done ? 0 : ZoString::npos); });
+    const ZoRegExp word(L"([a-z])+", how), whole(L"(?:[a-z ]|,)+z?", how);
+    failEveryRequest(
+        "search", [] { return ZoString(); },
+        [&](ZoString& found) {
+          found = L"";
+          ZoSearch search(word, text);
+          while (search.next()) found += search.match(1);
+          if (search.status()) return search.status();
+          return text.index(word) == 0 ? 0 : ZoResult::outOfMemory;
+        },
+        [](const ZoString& found, bool done) {
+          if (done) {
+            EXPECT_EQ(found, L"eo");
+          }
+        });
+    failEveryRequest(
+        "match whole", [] { return 0; },
+        [&](int&) { return text.matches(whole) ? 0 : ZoResult::outOfMemory; }, [](int, bool) {});
+    failEveryRequest(
+        "replace", [&] { return text; },
+        [&](ZoString& s) { return ZoSearch::replaceAll(s, word, L"<$1$0>"); },
+        [&](const ZoString& s, bool done) {
+          EXPECT_EQ(s, done ? L"<eone>, <otwo>" : text.data());
+        });
+    failEveryRequest(
+        "split at matches", [] { return ZoArray<ZoString>(); },
+        [&](ZoArray<ZoString>& out) { return ZoSearch::split(text, word, out); },
+        [](const ZoArray<ZoString>& out, bool done) { EXPECT_EQ(out.entries(), done ? 3u : 0u); });
+  }
 }
 
 }  // namespace

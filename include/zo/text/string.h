@@ -40,6 +40,7 @@
 
 template <class T>
 class ZoSequence;
+class ZoRegExp;
 
 class ZO_COM_API ZoString {
  public:
@@ -145,9 +146,9 @@ class ZO_COM_API ZoString {
   [[nodiscard]] unsigned int first(const wchar_t* set) const noexcept { return pref()->first(set); }
   [[nodiscard]] unsigned int last(wchar_t c) const noexcept { return pref()->last(c); }
   template <zo::NotText T>
-  unsigned int first(T) const = delete;  // write L'c'
+  void first(T) const = delete;  // write L'c'
   template <zo::NotText T>
-  unsigned int last(T) const = delete;  // write L'c'
+  void last(T) const = delete;  // write L'c'
 
   // ---- Editing ----
   // All edits return the string itself; the text given may lie in this very string. A count with a
@@ -281,9 +282,24 @@ class ZO_COM_API ZoString {
     return index(pattern, 0u, cmp);
   }
   template <zo::NotText T>
-  unsigned int index(T, unsigned int = 0, caseCompare = exact) const = delete;  // write L'c'
+  void index(T, unsigned int = 0, caseCompare = exact) const = delete;  // write L'c'
   template <class T, std::same_as<bool> Flag>
-  unsigned int index(const T&, Flag) const = delete;  // write exact or ignoreCase
+  void index(const T&, Flag) const = delete;  // write exact or ignoreCase
+  // Where an expression (zo/parse/reg_exp.h) first matches at or after start, or npos; the length of
+  // the match, 0 if there is none, for who wants it. What stands before start is seen by
+  // look-behind. A search that gave up says npos: ZoSearch (zo/parse/search.h) tells one from the
+  // other, and the groups.
+  [[nodiscard]] unsigned int index(const ZoRegExp& what) const noexcept {
+    return index(what, nullptr, 0u);
+  }
+  template <std::integral Start>
+    requires(!std::same_as<Start, bool>)
+  [[nodiscard]] unsigned int index(const ZoRegExp& what, Start start) const noexcept {
+    return index(what, nullptr, toIndex(start));
+  }
+  [[nodiscard]] unsigned int index(const ZoRegExp& what, unsigned int* matchLength,
+                                   unsigned int start = 0) const noexcept;
+  void index(const ZoRegExp&, caseCompare) const = delete;  // options of the expression
   // The last position at or after start where pattern stands: the same range, searched from its
   // end.
   [[nodiscard]] unsigned int indexBack(const ZoString& pattern, unsigned int start = 0,
@@ -305,15 +321,19 @@ class ZO_COM_API ZoString {
     return indexBack(pattern, 0u, cmp);
   }
   template <zo::NotText T>
-  unsigned int indexBack(T, unsigned int = 0, caseCompare = exact) const = delete;  // write L'c'
+  void indexBack(T, unsigned int = 0, caseCompare = exact) const = delete;  // write L'c'
   template <class T, std::same_as<bool> Flag>
-  unsigned int indexBack(const T&, Flag) const = delete;  // write exact or ignoreCase
+  void indexBack(const T&, Flag) const = delete;  // write exact or ignoreCase
   template <zo::AnyText Text>
   [[nodiscard]] bool contains(const Text& pattern, caseCompare cmp = exact) const noexcept {
     return index(zo::textOf(pattern), 0, cmp) != npos;
   }
   template <zo::NotText T>
-  bool contains(T, caseCompare = exact) const = delete;  // write L'c'
+  void contains(T, caseCompare = exact) const = delete;  // write L'c'
+  // Whether an expression matches somewhere, and whether it matches the whole text.
+  [[nodiscard]] bool contains(const ZoRegExp& what) const noexcept { return index(what) != npos; }
+  void contains(const ZoRegExp&, caseCompare) const = delete;  // options of the expression
+  [[nodiscard]] bool matches(const ZoRegExp& what) const noexcept;
   // Whether the text begins or ends with another, compared as index() does. An empty one stands at
   // both ends.
   template <zo::AnyText Text>
@@ -387,6 +407,13 @@ class ZO_COM_API ZoString {
   }
   template <class T, std::same_as<bool> Flag>
   ZoSubString subString(const T&, Flag) const = delete;  // write exact or ignoreCase
+  // The first match of an expression, as index() finds it, or the null substring.
+  [[nodiscard]] ZoSubString operator()(const ZoRegExp& what, unsigned int start = 0) {
+    return occurrence(what, start);
+  }
+  [[nodiscard]] const ZoSubString operator()(const ZoRegExp& what, unsigned int start = 0) const {
+    return occurrence(what, start);
+  }
 
   // ---- Splitting and joining ----
   // Cuts the text at every character that occurs in delims and replaces the entries of out by the
@@ -399,7 +426,7 @@ class ZO_COM_API ZoString {
     return splitAt(ZoString(delims), out);
   }
   template <zo::NotText T>
-  unsigned int split(T, ZoSequence<ZoString>&) const = delete;  // write L'c'
+  void split(T, ZoSequence<ZoString>&) const = delete;  // write L'c'
   // The first position at or after from of a character that occurs in delims, or npos. No character
   // occurs in an empty or null delims.
   template <zo::AnyText Text>
@@ -407,7 +434,7 @@ class ZO_COM_API ZoString {
     return firstOf(zo::textOf(delims), from);
   }
   template <zo::NotText T>
-  unsigned int splitNext(T, unsigned int = 0) const = delete;  // write L'c'
+  void splitNext(T, unsigned int = 0) const = delete;  // write L'c'
   // Both texts, one after the other: what operator+ gives.
   [[nodiscard]] static ZoString concat(std::wstring_view a, std::wstring_view b);
   // The pieces, any range of texts that can be walked twice, with the separator between each two.
@@ -621,6 +648,7 @@ class ZO_COM_API ZoString {
                               caseCompare cmp) const noexcept;
   [[nodiscard]] ZoSubString occurrence(std::wstring_view pattern, unsigned int start,
                                        caseCompare cmp) const noexcept;
+  [[nodiscard]] ZoSubString occurrence(const ZoRegExp& what, unsigned int start) const noexcept;
   unsigned int splitAt(const ZoString& set, ZoSequence<ZoString>& out) const;
   [[nodiscard]] int codeUnitOrder(std::wstring_view other) const noexcept;
   [[nodiscard]] int order(std::wstring_view other, caseCompare cmp) const noexcept;

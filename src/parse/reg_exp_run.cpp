@@ -1,0 +1,135 @@
+#include "parse/reg_exp_run.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include "parse/reg_exp_units.h"
+#include "platform/clock.h"
+
+namespace zo {
+namespace {
+
+constexpr std::size_t kSmallStack = 32 * 1024;
+constexpr std::uint64_t kFast = 8;  // ms for a stretch
+
+}  // namespace
+
+// A copy in which U+FFFD stands for each surrogate that stands alone, as in UTF-8 made of the text.
+// (PCRE2's own mode for such texts reads before their begin, and its two engines differ in it.)
+bool RegExpRun::repairText() noexcept {
+  std::size_t lone = loneSurrogate(text_);
+  if (lone == text_.size()) return true;
+  repaired_.reset(new (std::nothrow) char16_t[text_.size()]);
+  if (!repaired_) return false;
+  text_.copy(repaired_.get(), text_.size());
+  for (; lone < text_.size(); lone = loneSurrogate(text_, lone + 1)) repaired_[lone] = u'\xFFFD';
+  text_ = {repaired_.get(), text_.size()};
+  return true;
+}
+
+bool RegExpRun::prepare() noexcept {
+  if (scratch_) return true;
+  if (code_.seesPairs() && !repairText()) return false;
+  scratch_ = code_.takeScratch();
+  if (!scratch_) return false;
+  pcre2_match_context* const context = scratch_->context.get();
+  pcre2_set_match_limit(context, limits_.steps);
+  pcre2_set_depth_limit(context, limits_.depth);
+  pcre2_set_heap_limit(context, limits_.heapKiB);
+  ovector_ = pcre2_get_ovector_pointer(scratch_->data.get());
+  return true;
+}
+
+// What trying one place may cost, in units of about a nanosecond: all its steps, or the walk of a
+// loop that is not counted.
+std::uint64_t RegExpRun::costOfPlace(std::size_t from) const noexcept {
+  const std::uint64_t most = std::max<std::uint64_t>(text_.size() - from, limits_.steps) + 1;
+  return machineCode_ ? most : 8 * most;
+}
+
+// The last place to try before the clock is looked at: not one in the middle of what a search
+// steps over as one.
+std::size_t RegExpRun::lastPlace(std::size_t from) const noexcept {
+  const std::size_t rest = text_.size() - from;
+  if (!code_.canPause()) return text_.size();
+  const std::uint64_t places = (stretch_ - std::min(spent_, stretch_)) / costOfPlace(from) + 1;
+  if (places > rest) return text_.size();
+  std::size_t last = from + static_cast<std::size_t>(places) - 1;
+  while (last + 1 < text_.size() && isOneStep(text_[last], text_[last + 1])) ++last;
+  return last;
+}
+
+bool RegExpRun::hasTime(std::uint64_t cost) noexcept {
+  spent_ += cost;
+  if (spent_ < stretch_) return true;
+  spent_ = 0;
+  const std::uint64_t now = millisecondsNow();
+  if (!std::exchange(hasStarted_, true)) {
+    started_ = lastLook_ = now;
+    return true;
+  }
+  if (now - std::exchange(lastLook_, now) < kFast) stretch_ = std::min(4 * stretch_, kLastStretch);
+  return now - started_ < limits_.milliseconds;
+}
+
+int RegExpRun::find(std::size_t from, bool notEmpty) noexcept {
+  if (from > text_.size()) return ZoResult::refused;
+  if (!scratch_) machineCode_ = code_.machineCode(text_.size());
+  if (!prepare()) return ZoResult::outOfMemory;
+  if (!keepsTime_) hasStarted_ = false, spent_ = 0;
+  for (;;) {
+    const std::size_t last = lastPlace(from);
+    pcre2_set_offset_limit(scratch_->context.get(), last < text_.size() ? last : PCRE2_UNSET);
+    const int code = tryFrom(from, notEmpty ? PCRE2_NOTEMPTY_ATSTART : 0);
+    const bool isFound = code == ZoResult::ok;
+    if (!isFound && (code != ZoResult::refused || last >= text_.size())) return code;
+    const std::size_t reached = isFound ? std::max(from, begin()) : last;
+    if (!hasTime((reached - from + 1) * costOfPlace(from)) && (keepsTime_ || !isFound))
+      return ZoResult::gaveUp;
+    if (isFound && (length() != 0 || !isInPair(text_, begin()))) return code;
+    from = isFound ? reached : last + 1;
+    notEmpty = isFound;
+  }
+}
+
+int RegExpRun::matchWhole() noexcept {
+  if (!prepare()) return ZoResult::outOfMemory;
+  return interpret(0, PCRE2_ANCHORED | PCRE2_ENDANCHORED);
+}
+
+namespace {
+int resultOf(int found) noexcept {
+  if (found >= 0) return ZoResult::ok;
+  if (found == PCRE2_ERROR_NOMATCH) return ZoResult::refused;
+  return found == PCRE2_ERROR_NOMEMORY ? ZoResult::outOfMemory : ZoResult::gaveUp;
+}
+}  // namespace
+
+// Machine code begins on 32 KiB of the thread's own stack, and is given a larger one when these
+// have not been enough.
+int RegExpRun::tryFrom(std::size_t from, std::uint32_t flags) noexcept {
+  if (!machineCode_) return interpret(from, flags);
+  pcre2_match_context* const context = scratch_->context.get();
+  const auto run = [&] {
+    return pcre2_jit_match(machineCode_, units(text_), text_.size(), from, flags,
+                           scratch_->data.get(), context);
+  };
+  const int found = run();
+  if (found != PCRE2_ERROR_JIT_STACKLIMIT || scratch_->stack) return resultOf(found);
+  const std::size_t most = std::size_t{limits_.heapKiB} * 1024;
+  if (most <= kSmallStack) return ZoResult::gaveUp;
+  scratch_->stack.reset(pcre2_jit_stack_create(kSmallStack, most, nullptr));
+  if (!scratch_->stack) return ZoResult::outOfMemory;
+  pcre2_jit_stack_assign(context, nullptr, scratch_->stack.get());
+  return resultOf(run());
+}
+
+int RegExpRun::interpret(std::size_t from, std::uint32_t flags) noexcept {
+  isInterpreted_ = true;
+  return resultOf(pcre2_match(code_.get(), units(text_), text_.size(), from,
+                              flags | PCRE2_NO_JIT | PCRE2_NO_UTF_CHECK, scratch_->data.get(),
+                              scratch_->context.get()));
+}
+
+}  // namespace zo

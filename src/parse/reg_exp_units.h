@@ -1,0 +1,39 @@
+// Places of a text that a search must not stop at.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+#include "text/code_units.h"
+#include "text/eight_units.h"
+
+namespace zo {
+
+// The two halves of a pair, or a line's end of two units.
+[[nodiscard]] constexpr bool isOneStep(char16_t first, char16_t second) noexcept {
+  return (isHighSurrogate(first) && isLowSurrogate(second)) || (first == u'\r' && second == u'\n');
+}
+[[nodiscard]] constexpr bool isInPair(std::u16string_view text, std::size_t at) noexcept {
+  return at > 0 && at < text.size() && isHighSurrogate(text[at - 1]) && isLowSurrogate(text[at]);
+}
+[[nodiscard]] constexpr bool isLoneSurrogate(std::u16string_view text, std::size_t at) noexcept {
+  return isSurrogate(text[at]) && !isInPair(text, at) && !isInPair(text, at + 1);
+}
+// The place of the first one from a place on, or the text's length. Quick where there is none.
+[[nodiscard]] inline std::size_t loneSurrogate(std::u16string_view text,
+                                               std::size_t from = 0) noexcept {
+  const auto* const units = reinterpret_cast<const wchar_t*>(text.data());
+  std::size_t i = from;
+  while (i < text.size()) {
+    if (i + kLane <= text.size() && mask8(between8(load8(units + i), 0xD800, 0xDFFF)) == 0) {
+      i += kLane;
+      continue;
+    }
+    for (const std::size_t end = std::min(i + kLane, text.size()); i < end; ++i)
+      if (isLoneSurrogate(text, i)) return i;
+  }
+  return text.size();
+}
+
+}  // namespace zo
