@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "files/fresh_file.h"
-#include "files/replace_file.h"
 #include "library/copy.h"
 #include "library/entry_search.h"
 #include "library/operations.h"

@@ -16,12 +16,8 @@ namespace zo {
 class WriteLock {
  public:
   WriteLock() = default;
-  WriteLock(WriteLock&& other) noexcept = default;
-  WriteLock& operator=(WriteLock&& other) noexcept {
-    release();
-    mutex_ = std::move(other.mutex_);
-    return *this;
-  }
+  WriteLock(const WriteLock&) = delete;
+  WriteLock& operator=(const WriteLock&) = delete;
   ~WriteLock() { release(); }
 
   // 0, 1, or 1005 when another one has it. A writer that died holding it does not hold it any more.
