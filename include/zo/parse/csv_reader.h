@@ -34,7 +34,7 @@
 
 #include <zo/config.h>
 #include <zo/parse/csv_format.h>
-#include <zo/parse/lasting_text.h>
+#include <zo/text/lasting_text.h>
 #include <zo/text/number_text.h>
 #include <zo/text/string.h>
 

@@ -35,7 +35,7 @@
 #pragma once
 
 #include <zo/config.h>
-#include <zo/parse/lasting_text.h>
+#include <zo/text/lasting_text.h>
 #include <zo/parse/parser_token.h>
 
 #include <concepts>

@@ -16,6 +16,7 @@
 //          looked for one by one.
 #pragma once
 
+#include <zo/text/lasting_text.h>
 #include <zo/text/text_forms.h>
 
 #include <concepts>
@@ -23,18 +24,8 @@
 #include <cstdint>
 #include <iterator>
 #include <string_view>
-#include <type_traits>
 
 namespace zo {
-
-// What owns its characters and is about to go.
-template <class T>
-concept TemporaryText = AnyText<std::remove_cvref_t<T>> && !std::is_lvalue_reference_v<T> &&
-                        std::is_class_v<std::remove_cvref_t<T>> &&
-                        !std::is_trivially_destructible_v<std::remove_cvref_t<T>>;
-template <class T>
-concept LastingText = AnyText<std::remove_cvref_t<T>> && !TemporaryText<T> &&
-                      !std::same_as<std::remove_cvref_t<T>, wchar_t>;
 
 class SplitViews {
  public:

@@ -21,4 +21,9 @@ concept LastingText =
      std::same_as<std::remove_cvref_t<Text>, std::wstring_view> ||
      std::same_as<std::remove_cvref_t<Text>, ZoSubString>);
 
+// What owns its characters and is about to go.
+template <class Text>
+concept TemporaryText = AnyText<std::remove_cvref_t<Text>> &&
+                        !std::same_as<std::remove_cvref_t<Text>, wchar_t> && !LastingText<Text>;
+
 }  // namespace zo
