@@ -30,7 +30,6 @@ add_library(zo_pcre2 STATIC ${sources})
 target_include_directories(zo_pcre2 SYSTEM PUBLIC ${generated} PRIVATE ${pcre2}/src)
 target_compile_definitions(zo_pcre2 PUBLIC PCRE2_CODE_UNIT_WIDTH=16 PCRE2_STATIC
                                     PRIVATE HAVE_CONFIG_H SUPPORT_PCRE2_16 SUPPORT_UNICODE SUPPORT_JIT
-                                            NEWLINE_DEFAULT=5  # CR, LF and CRLF
                                             # its lock is made in a race; src/parse has one of its own
                                             SLJIT_SINGLE_THREADED=1)
 if(NOT MSVC)

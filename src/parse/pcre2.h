@@ -14,6 +14,7 @@ struct Pcre2Free {
   void operator()(pcre2_match_context* context) const noexcept {
     pcre2_match_context_free(context);
   }
+  void operator()(pcre2_compile_context* c) const noexcept { pcre2_compile_context_free(c); }
   void operator()(pcre2_jit_stack* stack) const noexcept { pcre2_jit_stack_free(stack); }
 };
 template <class T>
