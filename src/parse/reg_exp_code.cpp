@@ -74,11 +74,16 @@ T info(const pcre2_code* code, std::uint32_t what) noexcept {
   return value;
 }
 
+// Where lines matter, they end in CR, LF or both. PCRE2 then begins no match between CR and LF, and
+// would not find \sx behind them: so only where lines matter.
 Pcre2<pcre2_code> compiled(std::u16string_view pattern, std::uint32_t flags,
                            RegExpError& error) noexcept {
-  const Pcre2<pcre2_compile_context> context(pcre2_compile_context_create(nullptr));
-  if (!context) return error.code = RegExpCode::kNoMemory, nullptr;
-  pcre2_set_newline(context.get(), PCRE2_NEWLINE_ANYCRLF);
+  Pcre2<pcre2_compile_context> context;
+  if ((flags & PCRE2_MULTILINE) != 0) {
+    context.reset(pcre2_compile_context_create(nullptr));
+    if (!context) return error.code = RegExpCode::kNoMemory, nullptr;
+    pcre2_set_newline(context.get(), PCRE2_NEWLINE_ANYCRLF);
+  }
   return Pcre2<pcre2_code>(pcre2_compile(units(pattern), pattern.size(), flags, &error.code,
                                          &error.position, context.get()));
 }

@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::size_t kSmallStack = 32 * 1024;
 constexpr std::uint64_t kFast = 8;  // ms for a stretch
+constexpr std::uint64_t kFirstStretch = std::uint64_t{1} << 29;
+constexpr std::uint64_t kLastStretch = std::uint64_t{1} << 33;
 
 }  // namespace
 
@@ -37,31 +39,33 @@ bool RegExpRun::prepare() noexcept {
   pcre2_set_match_limit(context, limits_.steps);
   pcre2_set_depth_limit(context, limits_.depth);
   pcre2_set_heap_limit(context, limits_.heapKiB);
+  stretch_ = placesIn(kFirstStretch);
   ovector_ = pcre2_get_ovector_pointer(scratch_->data.get());
   return true;
 }
 
-// What trying one place may cost, in units of about a nanosecond: all its steps, or the walk of a
+// So many places may be tried in about `nanoseconds`, if each costs all its steps, or the walk of a
 // loop that is not counted.
-std::uint64_t RegExpRun::costOfPlace(std::size_t from) const noexcept {
-  const std::uint64_t most = std::max<std::uint64_t>(text_.size() - from, limits_.steps) + 1;
-  return machineCode_ ? most : 8 * most;
+std::size_t RegExpRun::placesIn(std::uint64_t nanoseconds) const noexcept {
+  const std::uint64_t most = std::max<std::uint64_t>(text_.size(), limits_.steps) + 1;
+  return static_cast<std::size_t>(nanoseconds / (machineCode_ ? most : 8 * most) + 1);
 }
 
-// The last place to try before the clock is looked at: not one in the middle of what a search
+// Sets the last place to try before the clock is looked at: not one in the middle of what a search
 // steps over as one.
-std::size_t RegExpRun::lastPlace(std::size_t from) const noexcept {
-  const std::size_t rest = text_.size() - from;
-  if (!code_.canPause()) return text_.size();
-  const std::uint64_t places = (stretch_ - std::min(spent_, stretch_)) / costOfPlace(from) + 1;
-  if (places > rest) return text_.size();
-  std::size_t last = from + static_cast<std::size_t>(places) - 1;
-  while (last + 1 < text_.size() && isOneStep(text_[last], text_[last + 1])) ++last;
-  return last;
+void RegExpRun::setLastPlace(std::size_t from) noexcept {
+  const std::size_t places = stretch_ > spent_ ? stretch_ - spent_ : 1;
+  last_ = text_.size();
+  if (code_.canPause() && places <= text_.size() - from) {
+    last_ = from + places - 1;
+    while (last_ + 1 < text_.size() && isOneStep(text_[last_], text_[last_ + 1])) ++last_;
+  }
+  pcre2_set_offset_limit(scratch_->context.get(), last_ < text_.size() ? last_ : PCRE2_UNSET);
+  hasLast_ = true;
 }
 
-bool RegExpRun::hasTime(std::uint64_t cost) noexcept {
-  spent_ += cost;
+bool RegExpRun::hasTime(std::size_t places) noexcept {
+  spent_ += places;
   if (spent_ < stretch_) return true;
   spent_ = 0;
   const std::uint64_t now = millisecondsNow();
@@ -69,7 +73,9 @@ bool RegExpRun::hasTime(std::uint64_t cost) noexcept {
     started_ = lastLook_ = now;
     return true;
   }
-  if (now - std::exchange(lastLook_, now) < kFast) stretch_ = std::min(4 * stretch_, kLastStretch);
+  if (now - std::exchange(lastLook_, now) < kFast) {
+    stretch_ = std::min(4 * stretch_, placesIn(kLastStretch));
+  }
   return now - started_ < limits_.milliseconds;
 }
 
@@ -79,22 +85,21 @@ int RegExpRun::find(std::size_t from, bool notEmpty) noexcept {
   if (!prepare()) return ZoResult::outOfMemory;
   if (!keepsTime_) hasStarted_ = false, spent_ = 0;
   for (;;) {
-    const std::size_t last = lastPlace(from);
-    pcre2_set_offset_limit(scratch_->context.get(), last < text_.size() ? last : PCRE2_UNSET);
+    if (!hasLast_ || from > last_) setLastPlace(from);
     const int code = tryFrom(from, notEmpty ? PCRE2_NOTEMPTY_ATSTART : 0);
     const bool isFound = code == ZoResult::ok;
-    if (!isFound && (code != ZoResult::refused || last >= text_.size())) return code;
-    const std::size_t reached = isFound ? std::max(from, begin()) : last;
-    if (!hasTime((reached - from + 1) * costOfPlace(from)) && (keepsTime_ || !isFound))
-      return ZoResult::gaveUp;
+    if (!isFound && (code != ZoResult::refused || last_ >= text_.size())) return code;
+    const std::size_t reached = isFound ? std::max(from, begin()) : last_;
+    if (!hasTime(reached - from + 1) && (keepsTime_ || !isFound)) return ZoResult::gaveUp;
     if (isFound && (length() != 0 || !isInPair(text_, begin()))) return code;
-    from = isFound ? reached : last + 1;
+    from = isFound ? reached : last_ + 1;
     notEmpty = isFound;
   }
 }
 
 int RegExpRun::matchWhole() noexcept {
   if (!prepare()) return ZoResult::outOfMemory;
+  pcre2_set_offset_limit(scratch_->context.get(), PCRE2_UNSET);
   return interpret(0, PCRE2_ANCHORED | PCRE2_ENDANCHORED);
 }
 

@@ -57,9 +57,9 @@ class RegExpRun {
   [[nodiscard]] bool repairText() noexcept;
   [[nodiscard]] int tryFrom(std::size_t from, std::uint32_t flags) noexcept;
   [[nodiscard]] int interpret(std::size_t from, std::uint32_t flags) noexcept;
-  [[nodiscard]] std::uint64_t costOfPlace(std::size_t from) const noexcept;
-  [[nodiscard]] std::size_t lastPlace(std::size_t from) const noexcept;
-  [[nodiscard]] bool hasTime(std::uint64_t cost) noexcept;
+  [[nodiscard]] std::size_t placesIn(std::uint64_t nanoseconds) const noexcept;
+  void setLastPlace(std::size_t from) noexcept;
+  [[nodiscard]] bool hasTime(std::size_t places) noexcept;
 
   const RegExpCode& code_;
   const ZoRegExp::Limits limits_;
@@ -72,10 +72,9 @@ class RegExpRun {
   bool keepsTime_ = false;
   bool hasStarted_ = false;
   std::uint64_t started_ = 0, lastLook_ = 0;
-  std::uint64_t spent_ = 0;  // since the clock was looked at, as costOfPlace() has it
-  std::uint64_t stretch_ = kFirstStretch;
-  static constexpr std::uint64_t kFirstStretch = std::uint64_t{1} << 29;
-  static constexpr std::uint64_t kLastStretch = std::uint64_t{1} << 33;
+  bool hasLast_ = false;
+  std::size_t last_ = 0;                 // to be tried before the clock is looked at
+  std::size_t spent_ = 0, stretch_ = 1;  // places: since the clock was looked at, and until it is
 };
 
 }  // namespace zo

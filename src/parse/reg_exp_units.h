@@ -23,14 +23,18 @@ namespace zo {
 // The place of the first one from a place on, or the text's length. Quick where there is none.
 [[nodiscard]] inline std::size_t loneSurrogate(std::u16string_view text,
                                                std::size_t from = 0) noexcept {
-  const auto* const units = reinterpret_cast<const wchar_t*>(text.data());
+  const auto surrogatesIn8 = [text](std::size_t at) {
+    const __m128i v = load8(reinterpret_cast<const wchar_t*>(text.data() + at));
+    return _mm_cmpeq_epi16(_mm_and_si128(v, fill8(0xF800)), fill8(0xD800));
+  };
   std::size_t i = from;
   while (i < text.size()) {
-    if (i + kLane <= text.size() && mask8(between8(load8(units + i), 0xD800, 0xDFFF)) == 0) {
-      i += kLane;
+    if (i + 2 * kLane <= text.size() &&
+        mask8(_mm_or_si128(surrogatesIn8(i), surrogatesIn8(i + kLane))) == 0) {
+      i += 2 * kLane;
       continue;
     }
-    for (const std::size_t end = std::min(i + kLane, text.size()); i < end; ++i)
+    for (const std::size_t end = std::min(i + 2 * kLane, text.size()); i < end; ++i)
       if (isLoneSurrogate(text, i)) return i;
   }
   return text.size();

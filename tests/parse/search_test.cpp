@@ -43,7 +43,7 @@ TEST(Search, WalksOverTheMatches) {
       {L"", L"a\xD83D\xDE00z", {{0, 0}, {1, 0}, {3, 0}, {4, 0}}},
       {L"", L"a\xD83D\xDE00z", {{3, 0}, {4, 0}}, 2},
       {L"", L"a\xD83D\xDE00z", {{0, 0}, {1, 0}, {3, 0}, {4, 0}}, 0, ZoRegExp::kIgnoreAsciiCase},
-      {L"", L"\r\n", {{0, 0}, {2, 0}}},
+      {L"", L"\r\n", {{0, 0}, {2, 0}}, 0, ZoRegExp::kMultiLine},
       {L"$", L"a\r\nb\n", {{1, 0}, {4, 0}, {5, 0}}, 0, ZoRegExp::kMultiLine},
       {L"^", L"a\r\nb\n", {{0, 0}, {3, 0}}, 0, ZoRegExp::kMultiLine},
       {L"\\b", L"ab c", {{0, 0}, {2, 0}, {3, 0}, {4, 0}}},

@@ -9,7 +9,8 @@
 //
 // Matches  are the leftmost ones, the first alternative before the second, greedy before less.
 //          Characters beyond U+FFFF are one character; a surrogate that stands alone is taken for
-//          U+FFFD, as in UTF-8 made of the text. A line ends in CR, LF or both.
+//          U+FFFD, as in UTF-8 made of the text. A line ends in LF; with kMultiLine also in CR and
+//          in both.
 // Case:    kIgnoreCase is Unicode's simple folding: it knows umlauts, and that K is also the sign
 //          for Kelvin. ZoString's ignoreCase asks the runtime, unit by unit, which knows a to z
 //          alone until the program sets a locale: kIgnoreAsciiCase is that.

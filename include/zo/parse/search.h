@@ -9,7 +9,7 @@
 // valid as long as the search.
 //
 // Matches  follow each other without overlapping. An empty match is found once at a place, and
-//          never within a surrogate pair or between CR and LF.
+//          never within a surrogate pair, nor with kMultiLine between CR and LF.
 // Errors:  nothing throws, but std::bad_alloc where a ZoString would. next() answers false at the
 //          end and when something is wrong: status() tells which.
 // Threads: a search, as the text, is for one thread at a time; the expression is for all.
