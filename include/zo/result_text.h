@@ -33,7 +33,9 @@ enum class ZoResultFamily : int {
   execute,        // ZoExecute::Failure
   exceptions,     // ZoComException::Code
   waits,          // ZoWait, cast to int
+  messages,       // ZoMessage, ZoMessageMap
 };
 
-// A sentence in English. Of a code that the family does not have, one that tells the number.
+// A sentence, of the message file "zoresult" when the message service has it (docs/messages.md), else
+// in English. Of a code that the family does not have, one that tells the number.
 [[nodiscard]] ZO_COM_API ZoString zoResultText(int code, ZoResultFamily family);

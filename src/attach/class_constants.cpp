@@ -4,8 +4,10 @@
 #include <zo/files/find_file.h>
 #include <zo/graph/dotty_elements.h>
 #include <zo/library/library.h>
+#include <zo/messages/message_map.h>
 #include <zo/persist/zip_streambuf.h>
 #include <zo/system/codepage.h>
+#include <zo/system/message.h>
 #include <zo/text/containers/vhash.h>
 #include <zo/text/string.h>
 #include <zo/text/string_ref.h>
@@ -25,6 +27,12 @@ const void* const kClassConstants[] = {
     &ZoLibrary::kBest,
     &ZoLibrary::kFast,
     &ZoLibrary::kNormal,
+    &ZoMessage::kMaxDepth,
+    &ZoMessage::kMaxLength,
+    &ZoMessage::kMaxRead,
+    &ZoMessageMap::kMaxBytes,
+    &ZoMessageMap::kMaxFaults,
+    &ZoMessageMap::kMaxLength,
     &ZoString::npos,
     &ZoStringRef::npos,
     &ZoSubString::npos,
