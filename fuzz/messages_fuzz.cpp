@@ -45,7 +45,7 @@ struct Source final : MessageSource {
 
 struct Arguments final : MessageArguments {
   bool has(unsigned int number) const override { return number <= 3; }
-  void print(unsigned int number, std::wstring& out) const override { out.append(number, L'%'); }
+  void print(unsigned int number, ExpandedText& out) const override { out.append(number, L'%'); }
   PluralNumber numberOf(unsigned int number) const override {
     return {number < 3, number < 2, number};
   }
@@ -56,7 +56,7 @@ void expand(const MessageData& data) {
   const Arguments arguments;
   for (std::size_t i = 0; i < data.entries.size() && i < 8; ++i) {
     const std::wstring_view text = data.textOf(data.entries[i]);
-    std::wstring first, second, plain;
+    ExpandedText first, second, plain;
     const bool complete =
         MessageExpander(source, &arguments, first).expand({text, L"this", data.rule});
     ZO_FUZZ_CHECK(first.size() <= kMaxExpanded);

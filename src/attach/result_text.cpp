@@ -11,7 +11,6 @@
 #include <zo/system/file_system.h>
 #include <zo/system/guard.h>
 #include <zo/system/message.h>
-#include <zo/text/containers/array.h>
 #include <zo/text/number_text.h>
 #include <zo/text/string.h>
 #include <zo/variant/variant.h>
@@ -194,7 +193,7 @@ ZoString textOf(const zo::ResultEntry& entry) {
 ZoString unknown(int code) {
   ZoString text;
   const bool isTranslated = ask([&](ZoMessage& service) {
-    return service.format(zo::kResultFile, zo::kUnknownResult, ZoArray<ZoVariant>{code}, text);
+    return service.format(zo::kResultFile, zo::kUnknownResult, {code}, text);
   });
   if (isTranslated) return text;
   return ZoString((L"Unknown result code " + std::to_wstring(code) + L".").c_str());

@@ -13,15 +13,19 @@ bool MessageExpander::expand(const FoundMessage& message) {
 }
 
 void MessageExpander::run(const FoundMessage& message) {
-  open_.push_back(message.text.data());
+  open_[depth_++] = message.text.data();
   MarkupReader reader(message.text);
   std::vector<Level> levels;
   while (!full_) {
     const MarkupReader::Piece piece = reader.next();
     if (piece.kind == MarkupReader::kEnd) break;
-    place(piece, message, reader, levels);
+    if (piece.kind == MarkupReader::kText && levels.empty()) {
+      append(piece.text);
+    } else {
+      place(piece, message, reader, levels);
+    }
   }
-  open_.pop_back();
+  --depth_;
 }
 
 void MessageExpander::place(const MarkupReader::Piece& piece, const FoundMessage& message,
@@ -54,9 +58,8 @@ void MessageExpander::place(const MarkupReader::Piece& piece, const FoundMessage
 
 void MessageExpander::argument(const MarkupReader::Piece& piece) {
   if (arguments_ && arguments_->has(piece.number)) {
-    std::wstring text;
-    arguments_->print(piece.number, text);
-    append(text);
+    arguments_->print(piece.number, out_);
+    cut();
     return;
   }
   complete_ = complete_ && !arguments_;
@@ -66,10 +69,9 @@ void MessageExpander::argument(const MarkupReader::Piece& piece) {
 void MessageExpander::reference(const MarkupReader::Piece& piece, const FoundMessage& message) {
   FoundMessage found;
   const bool isSound =
-      open_.size() < kMaxReferences &&
+      depth_ < kMaxReferences &&
       source_.find(piece.file.empty() ? message.file : piece.file, piece.number, found) &&
-      std::ranges::find(open_, found.text.data()) == open_.end() &&
-      read_ + found.text.size() <= kMaxExpandRead;
+      !isOpen(found) && read_ + found.text.size() <= kMaxExpandRead;
   if (isSound) {
     read_ += found.text.size();
     run(found);
@@ -77,6 +79,11 @@ void MessageExpander::reference(const MarkupReader::Piece& piece, const FoundMes
   }
   complete_ = false;
   append(piece.text);
+}
+
+bool MessageExpander::isOpen(const FoundMessage& message) const noexcept {
+  return std::ranges::find(open_.begin(), open_.begin() + depth_, message.text.data()) !=
+         open_.begin() + depth_;
 }
 
 // Without its argument the whole plural stays as it is written.
@@ -94,14 +101,16 @@ void MessageExpander::plural(const MarkupReader::Piece& piece, const FoundMessag
 }
 
 void MessageExpander::append(std::wstring_view text) {
-  std::size_t room = kMaxExpanded - out_.size();
-  if (text.size() > room) {
-    complete_ = false;
-    full_ = true;
-    if (room > 0 && isHighSurrogate(text[room - 1])) --room;  // no half of a pair
-    text = text.substr(0, room);
-  }
   out_ += text;
+  cut();
+}
+
+// To the bound, without leaving half of a surrogate pair.
+void MessageExpander::cut() {
+  if (out_.size() <= kMaxExpanded) return;
+  complete_ = false;
+  full_ = true;
+  out_.resize(isHighSurrogate(out_[kMaxExpanded - 1]) ? kMaxExpanded - 1 : kMaxExpanded);
 }
 
 }  // namespace zo

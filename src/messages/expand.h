@@ -2,7 +2,9 @@
 // arguments and forms by number in theirs. Needs no platform.
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +17,9 @@ namespace zo {
 inline constexpr unsigned int kMaxReferences = 16;      // open in one another
 inline constexpr std::size_t kMaxExpanded = 65536;      // units of the result
 inline constexpr std::size_t kMaxExpandRead = 1048576;  // units of messages read for it
+
+// What a text is collected in: of most of them in memory of the look-up's own.
+using ExpandedText = std::pmr::wstring;
 
 struct FoundMessage {
   std::wstring_view text;
@@ -36,7 +41,8 @@ class MessageArguments {
  public:
   virtual ~MessageArguments() = default;
   [[nodiscard]] virtual bool has(unsigned int number) const = 0;
-  virtual void print(unsigned int number, std::wstring& out) const = 0;
+  // Appends it.
+  virtual void print(unsigned int number, ExpandedText& out) const = 0;
   [[nodiscard]] virtual PluralNumber numberOf(unsigned int number) const = 0;
 };
 
@@ -44,7 +50,7 @@ class MessageExpander {
  public:
   // Null arguments: their places stay as they are written, and nothing is missing.
   MessageExpander(const MessageSource& source, const MessageArguments* arguments,
-                  std::wstring& out) noexcept
+                  ExpandedText& out) noexcept
       : source_(source), arguments_(arguments), out_(out) {}
 
   // Appends the text. False when something in it could not be filled in.
@@ -64,14 +70,18 @@ class MessageExpander {
   void plural(const MarkupReader::Piece& piece, const FoundMessage& message, MarkupReader& reader,
               std::vector<Level>& levels);
   void append(std::wstring_view text);
+  void cut();
+  [[nodiscard]] bool isOpen(const FoundMessage& message) const noexcept;
 
   const MessageSource& source_;
   const MessageArguments* arguments_;
-  std::wstring& out_;
+  ExpandedText& out_;
   std::size_t read_ = 0;
   bool complete_ = true;
-  bool full_ = false;                 // something was cut off
-  std::vector<const wchar_t*> open_;  // the texts that are being read, each at a place of its own
+  bool full_ = false;  // something was cut off
+  // The texts that are being read, each at a place of its own.
+  unsigned int depth_ = 0;
+  std::array<const wchar_t*, kMaxReferences> open_{};
 };
 
 }  // namespace zo

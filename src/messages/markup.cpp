@@ -27,12 +27,6 @@ std::optional<unsigned int> messageNumber(std::wstring_view text) noexcept {
   return static_cast<unsigned int>(number);
 }
 
-MarkupReader::Piece MarkupReader::take(Kind kind, std::size_t length) noexcept {
-  const Piece piece{kind, text_.substr(at_, length)};
-  at_ += piece.text.size();
-  return piece;
-}
-
 bool MarkupReader::isSpecial(wchar_t c) const noexcept {
   return c == L'%' || (depth_ > 0 && (c == L'|' || c == L'}'));
 }
@@ -63,13 +57,11 @@ MarkupReader::Piece MarkupReader::mark() noexcept {
 }
 
 unsigned int MarkupReader::argumentNumber(std::size_t at, std::size_t& end) const noexcept {
-  const auto digitAt = [&](std::size_t i) {
-    return i < text_.size() && isDigit(text_[i]) ? static_cast<int>(text_[i] - L'0') : -1;
-  };
-  const int first = digitAt(at), second = digitAt(at + 1);
-  if (first < 0) return 0;
-  end = at + (second < 0 ? 1 : 2);
-  return static_cast<unsigned int>(second < 0 ? first : first * 10 + second);
+  if (at >= text_.size() || !isDigit(text_[at])) return 0;
+  unsigned int number = text_[at] - L'0';
+  end = at + 1;
+  if (end < text_.size() && isDigit(text_[end])) number = number * 10 + (text_[end++] - L'0');
+  return number;
 }
 
 MarkupReader::Piece MarkupReader::argument() noexcept {

@@ -39,7 +39,11 @@ class MarkupReader {
   void skipForms() noexcept;
 
  private:
-  Piece take(Kind kind, std::size_t length) noexcept;
+  Piece take(Kind kind, std::size_t length) noexcept {
+    const Piece piece{kind, {text_.data() + at_, length}};
+    at_ += length;
+    return piece;
+  }
   Piece mark() noexcept;
   Piece argument() noexcept;
   Piece reference() noexcept;

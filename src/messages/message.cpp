@@ -1,6 +1,10 @@
 #include <zo/results.h>
 #include <zo/system/message.h>
+#include <zo/text/containers/sequence.h>
 #include <zo/text/string.h>
+#include <zo/variant/variant.h>
+
+#include <vector>
 
 #include "messages/expand.h"
 #include "messages/interned.h"
@@ -19,18 +23,29 @@ class NoReferences final : public zo::MessageSource {
 
 }  // namespace
 
-int ZoMessage::format(const ZoString& file, int number, const ZoSequence<ZoVariant>& arguments,
-                      ZoString& text) {
+int ZoMessage::formatWith(const ZoString& file, int number, std::span<const ZoVariant> arguments,
+                          ZoString& text) {
   ZoString given;
   const int result = getText(file, number, given);
   if (result != ZoResult::ok && result != ZoResult::incomplete) return result;
-  std::wstring filled;
+  zo::ExpandedText filled;
   const zo::VariantArguments values(arguments);
   const NoReferences nothing;
   zo::MessageExpander expander(nothing, &values, filled);
   const bool isComplete = expander.expand({given.view(), {}, &zo::pluralRule({})});
   text = std::wstring_view(filled);
   return isComplete ? result : ZoResult::incomplete;
+}
+
+int ZoMessage::format(const ZoString& file, int number, std::initializer_list<ZoVariant> arguments,
+                      ZoString& text) {
+  return formatWith(file, number, {arguments.begin(), arguments.size()}, text);
+}
+
+int ZoMessage::format(const ZoString& file, int number, const ZoSequence<ZoVariant>& arguments,
+                      ZoString& text) {
+  const std::vector<ZoVariant> inARow(arguments.begin(), arguments.end());
+  return formatWith(file, number, inARow, text);
 }
 
 int ZoMessage::load(const ZoFileName&, const wchar_t*) { return ZoResult::refused; }

@@ -34,7 +34,8 @@ bool isLanguageTag(std::wstring_view tag) noexcept {
 // To the next line; false at the end.
 bool MessageParser::nextLine() {
   if (rest_.empty()) return false;
-  const std::size_t end = std::min(rest_.find_first_of(L"\r\n"), rest_.size());
+  std::size_t end = 0;
+  while (end < rest_.size() && rest_[end] != L'\n' && rest_[end] != L'\r') ++end;
   whole_ = left_ = rest_.substr(0, end);
   rest_.remove_prefix(end);
   if (rest_.starts_with(L"\r\n")) {
@@ -71,6 +72,7 @@ void MessageParser::fault(ZoMessageFault::Reason reason, unsigned int line, unsi
 // ---- The file ----
 
 bool MessageParser::parse() {
+  data_.texts.reserve(rest_.size());
   if (!parseHead()) return false;
   while (nextLine()) {
     if (!skipBlanks() || left_.front() == L'#') continue;

@@ -3,12 +3,17 @@
 #include <zo/results.h>
 #include <zo/text/containers/array.h>
 
+#include <algorithm>
+#include <cstddef>
+
 #include "messages/message_parser.h"
 #include "messages/message_store.h"
 #include "messages/variant_arguments.h"
 #include "system/service_scope.h"
 
 namespace {
+
+constexpr std::size_t kShortText = 480;
 
 int lookUp(const zo::MessageStore& store, const ZoString& file, int number,
            const zo::MessageArguments* arguments, ZoString& text) {
@@ -20,7 +25,10 @@ int lookUp(const zo::MessageStore& store, const ZoString& file, int number,
     text = found.text;
     return ZoResult::ok;
   }
-  std::wstring expanded;
+  std::byte room[1024];
+  std::pmr::monotonic_buffer_resource memory(room, sizeof room);
+  zo::ExpandedText expanded(&memory);
+  expanded.reserve(std::max(kShortText, found.text.size() + found.text.size() / 4));
   zo::MessageExpander expander(*catalogues, arguments, expanded);
   const bool isComplete = expander.expand(found);
   text = std::wstring_view(expanded);
@@ -46,8 +54,8 @@ int ZoStdMessage::getText(const ZoString& file, int number, ZoString& text) {
   return lookUp(*store_, file, number, nullptr, text);
 }
 
-int ZoStdMessage::format(const ZoString& file, int number, const ZoSequence<ZoVariant>& arguments,
-                         ZoString& text) {
+int ZoStdMessage::formatWith(const ZoString& file, int number, std::span<const ZoVariant> arguments,
+                             ZoString& text) {
   const zo::VariantArguments values(arguments);
   return lookUp(*store_, file, number, &values, text);
 }

@@ -12,15 +12,19 @@ namespace {
 
 // Whether the units service had a text for it: in the user's unit, with the user's decimals.
 bool printUnits(const ZoVariant& value, ZoString& text) {
-  if (ZoType::baseCode(value.code()) != ZoTypeCode::Real) return false;
+  if (!value.isNumber() || ZoType::baseCode(value.code()) != ZoTypeCode::Real) return false;
   auto* const units = serviceOrNull<ZoUnits>();
   return units && units->print(value.asReal(), value.code(), text) == ZoResult::ok;
 }
 
 }  // namespace
 
-void VariantArguments::print(unsigned int number, std::wstring& out) const {
+void VariantArguments::print(unsigned int number, ExpandedText& out) const {
   const ZoVariant& value = values_[number - 1];
+  if (value.isTypeOf(ZoVariant::kInt) || value.isTypeOf(ZoVariant::kBigInt)) {
+    out += std::to_wstring(value.asBigInt());  // as asString() has it
+    return;
+  }
   ZoString text;
   if (!printUnits(value, text)) text = value.asString();
   out += text.view();

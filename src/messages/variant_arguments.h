@@ -1,10 +1,9 @@
 // Variants as the arguments of a message.
 #pragma once
 
-#include <zo/text/containers/sequence.h>
 #include <zo/variant/variant.h>
 
-#include <string>
+#include <span>
 
 #include "messages/expand.h"
 
@@ -12,14 +11,14 @@ namespace zo {
 
 class VariantArguments final : public MessageArguments {
  public:
-  explicit VariantArguments(const ZoSequence<ZoVariant>& values) noexcept : values_(values) {}
+  explicit VariantArguments(std::span<const ZoVariant> values) noexcept : values_(values) {}
 
-  bool has(unsigned int number) const override { return number <= values_.entries(); }
-  void print(unsigned int number, std::wstring& out) const override;
+  bool has(unsigned int number) const override { return number <= values_.size(); }
+  void print(unsigned int number, ExpandedText& out) const override;
   PluralNumber numberOf(unsigned int number) const override;
 
  private:
-  const ZoSequence<ZoVariant>& values_;
+  std::span<const ZoVariant> values_;
 };
 
 }  // namespace zo

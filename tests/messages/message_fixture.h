@@ -40,10 +40,9 @@ class MessageTest : public testing::Test {
     ZoString got;
     return shown(service().getText(file, number, got), got);
   }
-  std::wstring format(int number, const ZoArray<ZoVariant>& arguments,
-                      const wchar_t* file = L"parts") {
+  std::wstring format(int number, std::initializer_list<ZoVariant> arguments) {
     ZoString got;
-    return shown(service().format(file, number, arguments, got), got);
+    return shown(service().format(L"parts", number, arguments, got), got);
   }
   static std::wstring shown(int code, const ZoString& got) {
     if (code == ZoResult::refused) return L"";

@@ -51,6 +51,9 @@ TEST_F(MessageTest, PutsReferencesAndArgumentsInTheirPlaces) {
   EXPECT_EQ(format(7, {2, -2}), L"many b y");
   EXPECT_EQ(format(8, {1, 2}), L"4: %{?3 a|b}");
   EXPECT_EQ(format(77, {1}), L"");
+  ZoString text;
+  EXPECT_EQ(service().format(L"parts", 6, ZoList<ZoVariant>(ZoArray<ZoVariant>{1, 2, 3}), text), 0);
+  EXPECT_EQ(text, L"2 1 212 3");
 }
 
 TEST_F(MessageTest, PrintsValuesAsTheUserWantsThem) {
@@ -70,11 +73,11 @@ TEST_F(MessageTest, PrintsValuesAsTheUserWantsThem) {
                {ZoVariant(&variable), L"7", L"many"},
                {ZoVariant(true), L"1", L"one"},
                {ZoVariant(L"\u00E4"), L"\u00E4", L"many"},
-               {ZoVariant(), L"", L"many"},
+               {ZoVariant(ZoVariant::kEmpty, ZoTypeCode::Length), L"", L"many"},
                {ZoVariant(-0x1p63), L"-9223372036854776000", L"many"}};
   for (const auto& [value, printed, form] : table) {
-    EXPECT_EQ(format(1, ZoArray<ZoVariant>{value}), printed);
-    EXPECT_EQ(format(2, ZoArray<ZoVariant>{value}), form) << printed;
+    EXPECT_EQ(format(1, {value}), printed);
+    EXPECT_EQ(format(2, {value}), form) << printed;
   }
 }
 
@@ -263,7 +266,7 @@ TEST(OwnMessages, NeedNoMoreThanGetText) {
   Own own;
   ZoSystem::setMessage(&own);
   ZoString text(L"old");
-  EXPECT_EQ(own.format(L"zotype", 12, ZoArray<ZoVariant>{L"a"}, text), 0);
+  EXPECT_EQ(own.format(L"zotype", 12, {L"a"}, text), 0);
   EXPECT_EQ(text, L"Ta12") << "a place of two digits";
   EXPECT_EQ(own.load(ZoFileName(L"x"), L"m"), ZoResult::refused);
   EXPECT_EQ(own.reload(), ZoResult::refused);

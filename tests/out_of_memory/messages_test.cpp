@@ -26,9 +26,7 @@ TEST_F(MessagesOutOfMemory, FilesAreLoadedOrNot) {
       [&](int, bool) { EXPECT_EQ(known(), L"\u00E4"); });
   failEveryRequest(
       "format", [] { return ZoString(L"old"); },
-      [this](ZoString& got) {
-        return service().format(L"parts", 2, ZoArray<ZoVariant>{12345678}, got);
-      },
+      [this](ZoString& got) { return service().format(L"parts", 2, {12345678}, got); },
       [](const ZoString& got, bool done) {
         EXPECT_EQ(got, done ? L"12345678 of \u00E4" : L"old");
       });

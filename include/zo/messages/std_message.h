@@ -27,8 +27,8 @@ class ZO_COM_API ZoStdMessage : public ZoMessage {
   void poolRelease(const wchar_t* module) override;
 
   int getText(const ZoString& file, int number, ZoString& text) override;
-  int format(const ZoString& file, int number, const ZoSequence<ZoVariant>& arguments,
-             ZoString& text) override;
+  int formatWith(const ZoString& file, int number, std::span<const ZoVariant> arguments,
+                 ZoString& text) override;
   int load(const ZoFileName& file, const wchar_t* module) override;
   int setLanguages(const ZoSequence<ZoString>& languages) override;
   int getLanguages(ZoSequence<ZoString>& languages) override;

@@ -2,7 +2,7 @@
 // brings its own text for what is not found.
 //
 //   ZoString text(L"%1 has %2 holes");
-//   ZoSystem::message().format(L"parts", 17, ZoArray<ZoVariant>{name, holes}, text);
+//   ZoSystem::message().format(L"parts", 17, {name, holes}, text);
 //
 // A message file is named by its name without folder, language and extension ("parts" for
 // parts.de.msg), in any case. What stands in it, and in which order languages are tried:
@@ -24,6 +24,9 @@
 
 #include <zo/config.h>
 #include <zo/system/sys_obj.h>
+
+#include <initializer_list>
+#include <span>
 
 class ZoFileName;
 class ZoString;
@@ -50,8 +53,8 @@ class ZO_COM_API ZoMessage : public ZoSysObj {
   // printed by the units service; all else as ZoVariant::asString() has it. Arguments are never
   // looked at for references or places. Here: fills in what getText gives, with the forms for one
   // and many that most languages have.
-  [[nodiscard]] virtual int format(const ZoString& file, int number,
-                                   const ZoSequence<ZoVariant>& arguments, ZoString& text);
+  [[nodiscard]] virtual int formatWith(const ZoString& file, int number,
+                                       std::span<const ZoVariant> arguments, ZoString& text);
   // Takes in a message file, "parts" or "parts.msg" or a full name of that form, in all languages
   // in which it is found, until the module is released. Names are looked for by the file search
   // service. Loading what the module has loaded already reads it anew; of several files that have a
@@ -67,6 +70,12 @@ class ZO_COM_API ZoMessage : public ZoSysObj {
   // Reads all files anew. Refused when one of them is no longer found in any language: it then
   // keeps the texts that it had. Here: refused.
   [[nodiscard]] virtual int reload();
+
+  // formatWith for arguments in braces, {name, holes}, and in a sequence.
+  [[nodiscard]] int format(const ZoString& file, int number,
+                           std::initializer_list<ZoVariant> arguments, ZoString& text);
+  [[nodiscard]] int format(const ZoString& file, int number, const ZoSequence<ZoVariant>& arguments,
+                           ZoString& text);
 
   // The text as getText gives it, or the default when that does not succeed or throws. Both stay
   // valid as long as the library is loaded, whatever becomes of file, language and service: a text
