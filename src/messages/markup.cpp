@@ -41,7 +41,11 @@ MarkupReader::Piece MarkupReader::next() noexcept {
     return take(kClose, 1);
   }
   std::size_t end = at_ + 1;
-  while (end < text_.size() && !isSpecial(text_[end])) ++end;
+  if (depth_ == 0) {
+    while (end < text_.size() && text_[end] != L'%') ++end;
+  } else {
+    while (end < text_.size() && !isSpecial(text_[end])) ++end;
+  }
   return take(kText, end - at_);
 }
 
@@ -67,10 +71,7 @@ unsigned int MarkupReader::argumentNumber(std::size_t at, std::size_t& end) cons
 MarkupReader::Piece MarkupReader::argument() noexcept {
   std::size_t end = at_;
   const unsigned int number = argumentNumber(at_ + 1, end);
-  if (number == 0) return take(kText, 1);
-  Piece piece = take(kArgument, end - at_);
-  piece.number = number;
-  return piece;
+  return number == 0 ? take(kText, 1) : take(kArgument, end - at_, number);
 }
 
 MarkupReader::Piece MarkupReader::reference() noexcept {
@@ -88,10 +89,7 @@ MarkupReader::Piece MarkupReader::reference() noexcept {
   if (!number) return bad(false);
   const std::wstring_view file =
       colon == std::wstring_view::npos ? L"" : text_.substr(at_ + 2, colon - at_ - 2);
-  Piece piece = take(kReference, at + 1 - at_);
-  piece.number = *number;
-  piece.file = file;
-  return piece;
+  return take(kReference, at + 1 - at_, *number, file);
 }
 
 MarkupReader::Piece MarkupReader::plural() noexcept {
@@ -99,10 +97,8 @@ MarkupReader::Piece MarkupReader::plural() noexcept {
   const unsigned int number = argumentNumber(at_ + 3, end);
   if (number == 0 || end >= text_.size() || text_[end] != L' ' || depth_ == kMaxPluralDepth)
     return bad(true);
-  Piece piece = take(kPlural, end + 1 - at_);
-  piece.number = number;
   ++depth_;
-  return piece;
+  return take(kPlural, end + 1 - at_, number);
 }
 
 MarkupReader::Piece MarkupReader::bad(bool plural) noexcept {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace zo {
 
@@ -39,10 +40,10 @@ class MarkupReader {
   void skipForms() noexcept;
 
  private:
-  Piece take(Kind kind, std::size_t length) noexcept {
-    const Piece piece{kind, {text_.data() + at_, length}};
-    at_ += length;
-    return piece;
+  Piece take(Kind kind, std::size_t length, unsigned int number = 0,
+             std::wstring_view file = {}) noexcept {
+    const std::size_t at = std::exchange(at_, at_ + length);
+    return {kind, {text_.data() + at, length}, number, file};
   }
   Piece mark() noexcept;
   Piece argument() noexcept;

@@ -112,6 +112,7 @@ Decoded decode(std::string_view bytes) {
   if (form == ByteForm::Utf16BigEndian)
     return {fromUtf16(bytes, true), ZoCodepage::kUtf16BigEndian};
   const std::string_view name = markLength == 0 ? namedCodepage(bytes) : std::string_view();
+  if (name.empty() && form == ByteForm::Ascii) return {widened(bytes), ZoCodepage::kUtf8};
   if (name.empty() && form != ByteForm::Other) return {fromUtf8(bytes), ZoCodepage::kUtf8};
 
   const Codepages codepages;
