@@ -36,6 +36,6 @@ enum class ZoResultFamily : int {
   messages,       // ZoMessage, ZoMessageMap
 };
 
-// A sentence, of the message file "zoresult" when the message service has it (docs/messages.md), else
-// in English. Of a code that the family does not have, one that tells the number.
+// A sentence, from the message file "zoresult" when the message service has it (docs/messages.md),
+// else in English. Of a code that the family does not have, one that tells the number.
 [[nodiscard]] ZO_COM_API ZoString zoResultText(int code, ZoResultFamily family);

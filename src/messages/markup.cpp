@@ -32,7 +32,7 @@ bool MarkupReader::isSpecial(wchar_t c) const noexcept {
 }
 
 MarkupReader::Piece MarkupReader::next() noexcept {
-  if (at_ >= text_.size()) return {kEnd, {}};
+  if (at_ >= text_.size()) return {kEnd, {}, 0, {}};
   const wchar_t c = text_[at_];
   if (c == L'%') return mark();
   if (isSpecial(c)) {

@@ -23,7 +23,7 @@ class MarkupReader {
     Kind kind;
     std::wstring_view text;  // what it stands for where it is text; else as it is written
     unsigned int number = 0;
-    std::wstring_view file = {};
+    std::wstring_view file;
     bool plural = false;  // of kBad: it looks like a plural
   };
 

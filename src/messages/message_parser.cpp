@@ -144,7 +144,7 @@ void MessageParser::parseMessage() {
     return;
   }
   data_.entries.push_back(
-      {*number, begin.offset, static_cast<unsigned int>(text.size()), begin.line});
+      {number.value_or(0), begin.offset, static_cast<unsigned int>(text.size()), begin.line});
   data_.texts += L'\0';
 }
 

@@ -6,6 +6,7 @@
 #include <zo/system/sys_info.h>
 
 #include <algorithm>
+#include <ranges>
 #include <tuple>
 #include <utility>
 
@@ -181,16 +182,17 @@ Catalogue MessageStore::catalogueOf(const std::vector<const Load*>& loads) {
 // Puts the next state in the place of the current one; whoever still looks up in that keeps it.
 void MessageStore::publish(Loads loads) {
   std::vector<std::vector<const Load*>> groups;  // of one name each
-  for (auto load = loads.rbegin(); load != loads.rend(); ++load) {
+  for (const Load& load : std::views::reverse(loads)) {
     const auto group = std::ranges::find_if(
-        groups, [&](const auto& other) { return equalIgnoreCase(other[0]->name, load->name); });
+        groups, [&](const auto& other) { return equalIgnoreCase(other[0]->name, load.name); });
     if (group == groups.end()) {
-      groups.push_back({&*load});
+      groups.push_back({&load});
     } else {
-      group->push_back(&*load);
+      group->push_back(&load);
     }
   }
   std::vector<Catalogue> catalogues;
+  catalogues.reserve(groups.size());
   for (const auto& group : groups) catalogues.push_back(catalogueOf(group));
   auto next = std::make_shared<const Catalogues>(std::move(catalogues));
   loads_ = std::move(loads);

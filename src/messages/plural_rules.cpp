@@ -16,80 +16,82 @@ constexpr bool within(Number n, Number first, Number last) noexcept {
 
 // Forms in the order zero, one, two, few, many, other, as far as a language has them.
 constexpr PluralRule kRules[] = {
-    {2, [](Number n) noexcept { return n == 1 ? 0u : 1u; }, 0, L""},
-    {1, [](Number) noexcept { return 0u; }, 0,
+    {2, 0, [](Number n) noexcept { return n == 1 ? 0u : 1u; }, L""},
+    {1, 0, [](Number) noexcept { return 0u; },
      L" bo dz id ig ja jv km ko lo ms my su th vi wo yo yue zh "},
     // 0 and 1
-    {2, [](Number n) noexcept { return n < 2 ? 0u : 1u; }, 2, L" fr hy kab pt "},
-    {2, [](Number n) noexcept { return n < 2 ? 0u : 1u; }, 1, L" am as bn fa gu hi kn zu "},
-    {2, [](Number n) noexcept { return n % 10 == 1 && n % 100 != 11 ? 0u : 1u; }, 0, L" is mk "},
-    {3,
+    {2, 2, [](Number n) noexcept { return n < 2 ? 0u : 1u; }, L" fr hy kab pt "},
+    {2, 1, [](Number n) noexcept { return n < 2 ? 0u : 1u; }, L" am as bn fa gu hi kn zu "},
+    {2, 0, [](Number n) noexcept { return n % 10 == 1 && n % 100 != 11 ? 0u : 1u; }, L" is mk "},
+    {3, 0,
      [](Number n) noexcept {
        if (n % 10 == 1 && n % 100 != 11) return 0u;
        return within(n % 10, 2, 4) && !within(n % 100, 12, 14) ? 1u : 2u;
      },
-     0, L" be bs hr ru sh sr uk "},
-    {3,
+     L" be bs hr ru sh sr uk "},
+    {3, 0,
      [](Number n) noexcept {
        if (n == 1) return 0u;
        return within(n % 10, 2, 4) && !within(n % 100, 12, 14) ? 1u : 2u;
      },
-     0, L" pl "},
-    {3, [](Number n) noexcept { return n == 1            ? 0u
-                                       : within(n, 2, 4) ? 1u
-                                                         : 2u; }, 0, L" cs sk "},
-    {4,
+     L" pl "},
+    {3, 0, [](Number n) noexcept { return n == 1            ? 0u
+                                          : within(n, 2, 4) ? 1u
+                                                            : 2u; }, L" cs sk "},
+    {4, 0,
      [](Number n) noexcept {
        const Number last = n % 100;
        return last == 1 ? 0u : last == 2 ? 1u : within(last, 3, 4) ? 2u : 3u;
      },
-     0, L" dsb hsb sl "},
-    {3,
+     L" dsb hsb sl "},
+    {3, 0,
      [](Number n) noexcept {
        if (within(n % 100, 11, 19) || n % 10 == 0) return 2u;
        return n % 10 == 1 ? 0u : 1u;
      },
-     0, L" lt "},
-    {3,
+     L" lt "},
+    {3, 0,
      [](Number n) noexcept {
        if (within(n % 100, 11, 19) || n % 10 == 0) return 0u;
        return n % 10 == 1 ? 1u : 2u;
      },
-     0, L" lv "},
-    {3, [](Number n) noexcept { return n == 1                             ? 0u
-                                       : n == 0 || within(n % 100, 1, 19) ? 1u
-                                                                          : 2u; },
-     0, L" mo ro "},
-    {3, [](Number n) noexcept { return n == 1   ? 0u
-                                       : n == 2 ? 1u
-                                                : 2u; }, 0, L" he iw "},
-    {4,
+     L" lv "},
+    {3, 0,
+     [](Number n) noexcept { return n == 1                             ? 0u
+                                    : n == 0 || within(n % 100, 1, 19) ? 1u
+                                                                       : 2u; },
+     L" mo ro "},
+    {3, 0, [](Number n) noexcept { return n == 1   ? 0u
+                                          : n == 2 ? 1u
+                                                   : 2u; }, L" he iw "},
+    {4, 0,
      [](Number n) noexcept {
        if (n == 1) return 0u;
        return n == 0 || within(n % 100, 2, 10) ? 1u : within(n % 100, 11, 19) ? 2u : 3u;
      },
-     0, L" mt "},
-    {4,
+     L" mt "},
+    {4, 0,
      [](Number n) noexcept {
        if (n == 1 || n == 11) return 0u;
        return n == 2 || n == 12 ? 1u : within(n, 3, 19) ? 2u : 3u;
      },
-     0, L" gd "},
-    {5,
+     L" gd "},
+    {5, 0,
      [](Number n) noexcept {
        return n == 1 ? 0u : n == 2 ? 1u : within(n, 3, 6) ? 2u : within(n, 7, 10) ? 3u : 4u;
      },
-     0, L" ga "},
-    {6, [](Number n) noexcept { return n < 4    ? static_cast<unsigned int>(n)
-                                       : n == 6 ? 4u
-                                                : 5u; },
-     0, L" cy "},
-    {6,
+     L" ga "},
+    {6, 0,
+     [](Number n) noexcept { return n < 4    ? static_cast<unsigned int>(n)
+                                    : n == 6 ? 4u
+                                             : 5u; },
+     L" cy "},
+    {6, 0,
      [](Number n) noexcept {
        if (n < 3) return static_cast<unsigned int>(n);
        return within(n % 100, 3, 10) ? 3u : n % 100 >= 11 ? 4u : 5u;
      },
-     0, L" ar "},
+     L" ar "},
 };
 
 constexpr std::size_t kLongest = 8;

@@ -8,10 +8,10 @@ namespace zo {
 
 struct PluralRule {
   unsigned int forms;
+  unsigned int oneBelow;  // numbers below it that are not whole go with the first form
   // The form of a whole number, less than `forms`.
   unsigned int (*formOf)(std::uint64_t number) noexcept;
-  unsigned int oneBelow;  // numbers below it that are not whole go with the first form
-  const wchar_t* tags;    // languages with blanks around each, in lower case
+  const wchar_t* tags;  // languages with blanks around each, in lower case
 };
 
 // The rule of a language's tag, of which the language counts, and the region where that differs;

@@ -13,9 +13,9 @@ class VariantArguments final : public MessageArguments {
  public:
   explicit VariantArguments(std::span<const ZoVariant> values) noexcept : values_(values) {}
 
-  bool has(unsigned int number) const override { return number <= values_.size(); }
+  [[nodiscard]] bool has(unsigned int number) const override { return number <= values_.size(); }
   void print(unsigned int number, ExpandedText& out) const override;
-  PluralNumber numberOf(unsigned int number) const override;
+  [[nodiscard]] PluralNumber numberOf(unsigned int number) const override;
 
  private:
   std::span<const ZoVariant> values_;

@@ -1,5 +1,5 @@
-// The message files that are installed: the English ones are what stands in the code, and the others
-// have the same numbers and marks.
+// The message files that are installed: the English ones are what stands in the code, and the
+// others have the same numbers and marks.
 #include <zo/system.h>
 
 #include <cstdlib>
