@@ -1,5 +1,5 @@
-# The installed package: DLL with its runtime, import library, headers, and what find_package(ZoCom) reads; the tool with
-# its manual page and completion, where a shell on Linux looks for those of a command zolib.
+# The installed package: DLL with its runtime, import library, headers, message files, and what find_package(ZoCom)
+# reads; the tool with its manual page and completion, where a shell on Linux looks for those of a command zolib.
 include(CMakePackageConfigHelpers)
 
 set(zo_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZoCom)
@@ -9,6 +9,8 @@ install(TARGETS zolib RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES docs/zolib.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES tools/zolib/completion/zolib.bash RENAME zolib
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+# Where the message service looks for them, seen from the DLL.
+install(DIRECTORY share/messages/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zo_com/messages FILES_MATCHING PATTERN "*.msg")
 install(FILES ${zo_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
 # What its authors ask to come with programs that hold it.
 install(FILES ${zo_pcre2_licence} DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME LICENCE.pcre2)

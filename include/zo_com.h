@@ -14,6 +14,7 @@
 #include <zo/files.h>
 #include <zo/geometry.h>
 #include <zo/graph.h>
+#include <zo/messages.h>
 #include <zo/parse.h>
 #include <zo/result_text.h>
 #include <zo/results.h>

@@ -37,6 +37,12 @@ void errorsAndMessages() {
   ZoString text(L"%1 parts were left out");  // for want of a message file
   expect(ZoSystem::message().getText(L"parts", 17, text) != 0 && text == L"%1 parts were left out",
          "the text that the caller brought");
+
+  // The library's own texts, in German: message files that lie in the package.
+  ZoMessage& messages = ZoSystem::message();
+  expect(messages.setLanguages(ZoArray<ZoString>{L"de", L"en"}) == 0, "languages");
+  expect(messages.load(L"zotype", L"client") == 0, "the names of types");
+  expect(ZoString(L"L\u00E4nge") == ZoType::codeToLocString(ZoTypeCode::Length), "a type's name");
 }
 
 void settings() {

@@ -34,7 +34,9 @@ enum class ZoResultFamily : int {
   exceptions,     // ZoComException::Code
   waits,          // ZoWait, cast to int
   expressions,    // ZoRegExp, ZoSearch: zo/parse/reg_exp.h
+  messages,       // ZoMessage, ZoMessageMap
 };
 
-// A sentence in English. Of a code that the family does not have, one that tells the number.
+// A sentence, from the message file "zoresult" when the message service has it (docs/messages.md),
+// else in English. Of a code that the family does not have, one that tells the number.
 [[nodiscard]] ZO_COM_API ZoString zoResultText(int code, ZoResultFamily family);

@@ -10,6 +10,7 @@
 #include <zo/files/std_file_open.h>
 #include <zo/files/std_file_search.h>
 #include <zo/files/std_file_system.h>
+#include <zo/messages/std_message.h>
 #include <zo/system/cad.h>
 #include <zo/system/cfg.h>
 #include <zo/system/codepage.h>

@@ -4,11 +4,13 @@
 #include <zo/files/find_file.h>
 #include <zo/graph/dotty_elements.h>
 #include <zo/library/library.h>
+#include <zo/messages/message_map.h>
 #include <zo/parse/csv_reader.h>
 #include <zo/parse/reg_exp.h>
 #include <zo/parse/search.h>
 #include <zo/persist/zip_streambuf.h>
 #include <zo/system/codepage.h>
+#include <zo/system/message.h>
 #include <zo/text/containers/vhash.h>
 #include <zo/text/string.h>
 #include <zo/text/string_ref.h>
@@ -22,7 +24,9 @@ const void* const kClassConstants[] = {
     &ZoCodepage::kDefault,     &ZoCodepage::kUtf16,       &ZoCodepage::kUtf16BigEndian,
     &ZoCodepage::kUtf8,        &ZoCsvReader::npos,        &ZoDottyNode::noCluster,
     &ZoFindFile::kDirectory,   &ZoLibrary::kBest,         &ZoLibrary::kFast,
-    &ZoLibrary::kNormal,       &ZoRegExp::kMaxPattern,    &ZoRegExp::npos,
+    &ZoLibrary::kNormal,       &ZoMessage::kMaxDepth,     &ZoMessage::kMaxLength,
+    &ZoMessage::kMaxRead,      &ZoMessageMap::kMaxBytes,  &ZoMessageMap::kMaxFaults,
+    &ZoMessageMap::kMaxLength, &ZoRegExp::kMaxPattern,    &ZoRegExp::npos,
     &ZoSearch::npos,           &ZoString::npos,           &ZoStringRef::npos,
     &ZoSubString::npos,        &ZoVHash::kDefaultBuckets, &ZoVHash::kDefaultLoadFactor,
     &ZoVHashTable::kLongChain, &ZoVariant::kMaxDepth,     &ZoZIPStreambuf::endOfFile,

@@ -11,13 +11,17 @@
 #include <zo/system/execute.h>
 #include <zo/system/file_system.h>
 #include <zo/system/guard.h>
+#include <zo/system/message.h>
 #include <zo/text/number_text.h>
 #include <zo/text/string.h>
+#include <zo/variant/variant.h>
 
 #include <algorithm>
+#include <new>
 #include <string>
 
 #include "attach/result_table.h"
+#include "system/service_or_null.h"
 
 namespace {
 
@@ -146,6 +150,12 @@ constexpr zo::ResultEntry kTable[] = {
               L"The pattern is no regular expression, or one that is too large."),
     ZO_RESULT(expressions, ZoResult::gaveUp,
               L"The search reached a limit before there was an answer."),
+
+    ZO_RESULT(messages, ZoResult::refused,
+              L"No such text, file or language, or another thread kept the messages for too long."),
+    ZO_RESULT(messages, ZoResult::invalid, L"The file is no message file."),
+    ZO_RESULT(messages, ZoResult::incomplete,
+              L"The text was given, but a reference or an argument in it could not be filled in."),
 };
 
 #undef ZO_RESULT
@@ -166,6 +176,37 @@ bool isApart(ZoResultFamily family) noexcept {
   return family == lzma || family == exceptions || family == waits;
 }
 
+// What the message service makes of it, unless it fails; any service, so whatever it throws but for
+// want of memory.
+template <class Ask>
+bool ask(Ask ask) {
+  auto* const service = zo::serviceOrNull<ZoMessage>();
+  try {
+    return service && ask(*service) == ZoResult::ok;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (...) {
+    return false;
+  }
+}
+
+ZoString textOf(const zo::ResultEntry& entry) {
+  ZoString text;
+  const bool isTranslated = ask([&](ZoMessage& service) {
+    return service.getText(zo::kResultFile, zo::resultNumber(entry.code, entry.family), text);
+  });
+  return isTranslated ? text : ZoString(entry.text);
+}
+
+ZoString unknown(int code) {
+  ZoString text;
+  const bool isTranslated = ask([&](ZoMessage& service) {
+    return service.format(zo::kResultFile, zo::kUnknownResult, {code}, text);
+  });
+  if (isTranslated) return text;
+  return ZoString((L"Unknown result code " + std::to_wstring(code) + L".").c_str());
+}
+
 }  // namespace
 
 std::span<const zo::ResultEntry> zo::resultTable() noexcept { return kTable; }
@@ -173,6 +214,5 @@ std::span<const zo::ResultEntry> zo::resultTable() noexcept { return kTable; }
 ZoString zoResultText(int code, ZoResultFamily family) {
   const zo::ResultEntry* entry = find(family, code);
   if (!entry && !isApart(family)) entry = find(common, code);
-  if (entry) return ZoString(entry->text);
-  return ZoString((L"Unknown result code " + std::to_wstring(code) + L".").c_str());
+  return entry ? textOf(*entry) : unknown(code);
 }

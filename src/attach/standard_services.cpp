@@ -2,6 +2,7 @@
 #include <zo/files/std_file_open.h>
 #include <zo/files/std_file_search.h>
 #include <zo/files/std_file_system.h>
+#include <zo/messages/std_message.h>
 #include <zo/results.h>
 #include <zo/system/cad.h>
 #include <zo/system/cfg.h>
@@ -9,7 +10,6 @@
 #include <zo/system/execute.h>
 #include <zo/system/layer.h>
 #include <zo/system/macro_lib.h>
-#include <zo/system/message.h>
 #include <zo/system/registry.h>
 #include <zo/system/standard_mgr.h>
 #include <zo/system/std_error.h>

@@ -1,7 +1,6 @@
 // Standard services of which nothing can be done without a host: they say so in their contracts.
 #include <zo/system/layer.h>
 #include <zo/system/macro_lib.h>
-#include <zo/system/message.h>
 #include <zo/system/standard_mgr.h>
 
 #include "system/service_scope.h"
@@ -13,9 +12,6 @@ bool ZoStdLayer::exists(const ZoString&) { return false; }
 
 int ZoStdMacroLib::release(const wchar_t* module) { return zo::releaseWithLibrary(this, module); }
 int ZoStdMacroLib::getMacro(const ZoString&, ZoString&) { return ZoResult::refused; }
-
-int ZoStdMessage::release(const wchar_t* module) { return zo::releaseWithLibrary(this, module); }
-int ZoStdMessage::getText(const ZoString&, int, ZoString&) { return ZoResult::refused; }
 
 int ZoStdStandardMgr::release(const wchar_t* module) {
   return zo::releaseWithLibrary(this, module);

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <cwchar>
-#include <iterator>
+#include <span>
 #include <string>
 
 #include "text/code_units.h"
@@ -14,6 +14,7 @@ namespace {
 
 using zo::CodeNames;
 using zo::findCode;
+using zo::FlagText;
 using zo::hexDigit;
 
 // The row of the code, or of its base where it has none.
@@ -23,35 +24,18 @@ const CodeNames& rowOf(ZoTypeCode code) noexcept {
 }
 
 const wchar_t* userNameOf(const CodeNames& row) noexcept {
-  return zo::lookUpText(zo::TextList::TypeNames, static_cast<unsigned int>(row.code), row.userName);
+  return zo::lookUpText(zo::kTypeNameFile, static_cast<unsigned int>(row.code), row.userName);
 }
 
-struct FlagText {
-  unsigned int flag;
-  const wchar_t* text;
-};
-
-// In the order in which messageToFlag searches; "No Flag" is answered for what is not here.
-constexpr FlagText kFlags[] = {
-    {ZoFlagNone, L"No Flag"},
-    {ZoFlagCreateList, L"Create List"},
-    {ZoFlagVisible, L"Visible in Browser"},
-    {ZoFlagConstant, L"Constant Value"},
-    {ZoFlagGlobal, L"Global Value"},
-    {ZoFlagInvisible, L"Invisible in Browser"},
-    {ZoFlagInfopoint, L"Infopoint Value"},
-    {ZoFlagPreProcessor, L"Pre Processor"},
-    {ZoFlagMidProcessor, L"Mid Processor"},
-    {ZoFlagPostProcessor, L"Post Processor"},
-    {ZoFlagObjecterType, L"Objecter Type"},
-    {ZoFlagParameter, L"Parameter"},
-    {ZoFlagReturnValue, L"Return Value"},
-    {ZoFlagSystem, L"System Value"},
-    {ZoFlagUserInput, L"User Input"},
-};
-
 const wchar_t* textOf(const FlagText& row) noexcept {
-  return zo::lookUpText(zo::TextList::FlagTexts, row.flag, row.text);
+  return zo::lookUpText(zo::kFlagTextFile, row.number, row.text);
+}
+
+// "No Flag" first, which is answered for what is not here.
+std::span<const FlagText> flagsWithTexts() noexcept {
+  const auto texts = zo::flagTexts();
+  const auto end = std::ranges::find(texts, zo::kFirstWithoutFlag, &FlagText::number);
+  return {texts.begin(), end};
 }
 
 constexpr unsigned int kLetters = 26;
@@ -107,15 +91,15 @@ unsigned int ZoType::stringToFlags(const wchar_t* letters) noexcept {
 }
 
 const wchar_t* ZoType::flagToMessage(unsigned int flag) noexcept {
-  const auto* const found = std::find_if(std::begin(kFlags), std::end(kFlags),
-                                         [&](const FlagText& row) { return row.flag == flag; });
-  return textOf(found == std::end(kFlags) ? kFlags[0] : *found);
+  const auto texts = flagsWithTexts();
+  const auto found = std::ranges::find(texts, flag, &FlagText::number);
+  return textOf(found == texts.end() ? texts.front() : *found);
 }
 
 unsigned int ZoType::messageToFlag(const wchar_t* text) noexcept {
   if (!text) return 0;
-  for (const FlagText& row : kFlags) {
-    if (row.flag != 0 && _wcsicmp(text, textOf(row)) == 0) return row.flag;
+  for (const FlagText& row : flagsWithTexts().subspan(1)) {
+    if (_wcsicmp(text, textOf(row)) == 0) return row.number;
   }
   return 0;
 }

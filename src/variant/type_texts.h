@@ -1,22 +1,29 @@
-// The seam through which type names and flag texts are translated.
-//
-// Until a lookup is installed, every text is its default. The lookup gets the type code or the flag
-// as the number of the text, and the default, and returns a text that stays valid until another
-// lookup is installed, or null for the default.
+// The texts of type codes and flags for users: where the defaults stand, and who translates them.
 #pragma once
 
 #include <zo/config.h>
 
+#include <span>
+
 namespace zo {
 
-enum class TextList { TypeNames, FlagTexts };
+// Message files of the names of type codes, numbered by code, and of the texts of flags, numbered
+// by flag.
+inline constexpr const wchar_t* kTypeNameFile = L"zotype";
+inline constexpr const wchar_t* kFlagTextFile = L"zoflag";
 
-using TextLookup = const wchar_t* (*)(TextList list, unsigned int number, const wchar_t* byDefault);
+struct FlagText {
+  unsigned int number;  // the flag; from kFirstWithoutFlag on a number for the file only
+  const wchar_t* text;
+};
+inline constexpr unsigned int kFirstWithoutFlag = 0x80000001;
 
-// Returns the lookup that was installed before; null stands for none.
-ZO_COM_API TextLookup setTextLookup(TextLookup lookup) noexcept;
+// The flags in the order in which they are searched, "No Flag" first; behind them what has none.
+[[nodiscard]] std::span<const FlagText> flagTexts() noexcept;
 
-[[nodiscard]] const wchar_t* lookUpText(TextList list, unsigned int number,
+// The text in the user's language, valid as long as the library is loaded; the default, while there
+// is no other. Stands on the floor of the messages, above this one.
+[[nodiscard]] const wchar_t* lookUpText(const wchar_t* file, unsigned int number,
                                         const wchar_t* byDefault) noexcept;
 
 }  // namespace zo

@@ -1,22 +1,85 @@
 // The message service: texts for users by message file and number, in the user's language. A caller
 // brings its own text for what is not found.
 //
-// Errors:  0 success; 1 no such text, or the guard was not obtained in time; the text then stays as
-//          it was.
-// Threads: any.
+//   ZoString text(L"%1 has %2 holes");
+//   ZoSystem::message().format(L"parts", 17, {name, holes}, text);
+//
+// A message file is named by its name without folder, language and extension ("parts" for
+// parts.de.msg), in any case. What stands in it, and in which order languages are tried:
+// docs/messages.md and docs/formats/message-file.md.
+//
+// A text may refer to others, which are put in its place. It may do so 16 texts deep; what comes of
+// it has kMaxLength units at most, and is made from no more than kMaxRead units of messages.
+//
+// Errors:  0 success. ZoResult::refused: no such text, file or language, or the guard was not
+//          obtained within timeOut(); nothing has changed then, and the text is as it was.
+//          ZoResult::incomplete: the text was given, but a reference leads nowhere or in a circle,
+//          or a bound was met, or an argument is missing; its place in the text is as it was
+//          written. ZoResult::invalid: as said. Nothing throws but std::bad_alloc, and then nothing
+//          has changed.
+// Threads: any. Looking up never waits for the guard: what is looked up is a whole state of the
+//          service, while another thread puts the next one in its place.
+// Cost:    a look-up takes well under a microsecond; loading reads files.
 #pragma once
 
+#include <zo/config.h>
 #include <zo/system/sys_obj.h>
+
+#include <initializer_list>
+#include <span>
+
+class ZoFileName;
+class ZoString;
+class ZoVariant;
+template <class T>
+class ZoSequence;
+
+namespace ZoResult {
+inline constexpr int incomplete = 4;  // a message that could not be filled in wholly
+}  // namespace ZoResult
 
 class ZO_COM_API ZoMessage : public ZoSysObj {
  public:
+  static constexpr unsigned int kMaxDepth = 16;
+  static constexpr unsigned int kMaxLength = 65536;
+  static constexpr unsigned int kMaxRead = 1048576;
+
+  // ---- What a service of one's own must give; the rest has a meaning already ----
+  // The text with what it refers to; places of arguments stay as they are written.
   [[nodiscard]] virtual int getText(const ZoString& file, int number, ZoString& text) = 0;
-};
 
-// Reads no message files yet: every text is unknown.
-class ZO_COM_API ZoStdMessage : public ZoMessage {
- public:
-  int release(const wchar_t* module) override;
+  // ---- The order of the virtual functions is part of the interface ----
+  // The text with its arguments, %1 being the first of them. Numbers of physical type codes are
+  // printed by the units service; all else as ZoVariant::asString() has it. Arguments are never
+  // looked at for references or places. Here: fills in what getText gives, with the forms for one
+  // and many that most languages have.
+  [[nodiscard]] virtual int formatWith(const ZoString& file, int number,
+                                       std::span<const ZoVariant> arguments, ZoString& text);
+  // Takes in a message file, "parts" or "parts.msg" or a full name of that form, in all languages
+  // in which it is found, until the module is released. Names are looked for by the file search
+  // service. Loading what the module has loaded already reads it anew; of several files that have a
+  // name in common, the one loaded last comes first. ZoResult::invalid: what was found are no
+  // message files. Here: refused.
+  [[nodiscard]] virtual int load(const ZoFileName& file, const wchar_t* module);
+  // The languages, the one wanted most first ("de-AT", "fr"), and reads all files anew as reload()
+  // does. None: those of the setting "messages@language" (one or several, with blanks, commas or
+  // semicolons between), and then the user's; that is how it is at first. Here: refused.
+  [[nodiscard]] virtual int setLanguages(const ZoSequence<ZoString>& languages);
+  // The languages in the order in which they are tried. Here: refused.
+  [[nodiscard]] virtual int getLanguages(ZoSequence<ZoString>& languages);
+  // Reads all files anew. Refused when one of them is no longer found in any language: it then
+  // keeps the texts that it had. Here: refused.
+  [[nodiscard]] virtual int reload();
 
-  int getText(const ZoString& file, int number, ZoString& text) override;
+  // formatWith for arguments in braces, {name, holes}, and in a sequence.
+  [[nodiscard]] int format(const ZoString& file, int number,
+                           std::initializer_list<ZoVariant> arguments, ZoString& text);
+  [[nodiscard]] int format(const ZoString& file, int number, const ZoSequence<ZoVariant>& arguments,
+                           ZoString& text);
+
+  // The text as getText gives it, or the default when that does not succeed or throws. Both stay
+  // valid as long as the library is loaded, whatever becomes of file, language and service: a text
+  // that was given once is kept for good, once in the process. Null for the file is an empty name.
+  [[nodiscard]] const wchar_t* lasting(const wchar_t* file, int number,
+                                       const wchar_t* byDefault) noexcept;
 };

@@ -1,7 +1,7 @@
 // Names of type codes and type flags, the base of a code, and raw bytes as text.
 //
 // A code has two names: a fixed one, which stored texts carry (codeToString), and one for users
-// (codeToLocString), which like the texts of the flags may be translated.
+// (codeToLocString), translated as the texts of flags are (docs/messages.md) and valid for good.
 //
 // Errors:  nothing throws but std::bad_alloc.
 // Threads: any, but for flagsToString(flags), whose result lies in one buffer for the whole
