@@ -4,7 +4,6 @@
 
 #include <bit>
 #include <cwchar>
-#include <mutex>
 #include <string_view>
 #include <utility>
 
@@ -63,7 +62,7 @@ unsigned short toPort(std::wstring_view text) {
 
 // What a server said to its last refusal.
 struct Words {
-  std::mutex mutex;
+  SRWLOCK lock = SRWLOCK_INIT;  // a std::mutex would need memory for its first lock
   std::wstring text;
 };
 
@@ -72,8 +71,16 @@ Words& words() {
   return kept;
 }
 
+class WordsLock {
+ public:
+  WordsLock() noexcept { AcquireSRWLockExclusive(&words().lock); }
+  WordsLock(const WordsLock&) = delete;
+  WordsLock& operator=(const WordsLock&) = delete;
+  ~WordsLock() { ReleaseSRWLockExclusive(&words().lock); }
+};
+
 std::wstring exchangeWords(std::wstring text) {
-  const std::scoped_lock lock(words().mutex);
+  const WordsLock lock;
   return std::exchange(words().text, std::move(text));
 }
 
@@ -160,7 +167,7 @@ bool sameServer(const ZoFileName& a, const ZoFileName& b) {
 }
 
 KeptReason::KeptReason() : error_(GetLastError()) {
-  const std::scoped_lock lock(words().mutex);
+  const WordsLock lock;
   words_ = words().text;
 }
 
@@ -240,7 +247,7 @@ bool FtpConnection::list(const std::wstring& folder, std::vector<WIN32_FIND_DATA
 
 std::wstring serverWords(DWORD error) {
   if (!isRefusal(error)) return {};
-  const std::scoped_lock lock(words().mutex);
+  const WordsLock lock;
   return words().text;
 }
 

@@ -1,14 +1,26 @@
 #include "parse/reg_exp_code.h"
 
-#include <algorithm>
+#include <atomic>
 #include <cstdint>
-#include <mutex>
 #include <new>
+#include <thread>
 
 namespace zo {
 namespace {
 
-std::mutex s_machineCode;
+// For what makes and frees machine code, some 50 microseconds at a time. A std::mutex would need
+// memory for its first lock, which here might be while something is destroyed.
+std::atomic_flag s_machineCode;
+
+class MachineCodeLock {
+ public:
+  MachineCodeLock() noexcept {
+    while (s_machineCode.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
+  }
+  MachineCodeLock(const MachineCodeLock&) = delete;
+  MachineCodeLock& operator=(const MachineCodeLock&) = delete;
+  ~MachineCodeLock() { s_machineCode.clear(std::memory_order_release); }
+};
 
 constexpr std::uint32_t kNone = 0;
 
@@ -91,12 +103,12 @@ Pcre2<pcre2_code> compiled(std::u16string_view pattern, std::uint32_t flags,
 }  // namespace
 
 void Pcre2Free::operator()(pcre2_code* code) const noexcept {
-  const std::scoped_lock lock(s_machineCode);
+  const MachineCodeLock lock;
   pcre2_code_free(code);
 }
 
 void makeMachineCode(pcre2_code* code) noexcept {
-  const std::scoped_lock lock(s_machineCode);
+  const MachineCodeLock lock;
   pcre2_jit_compile(code, PCRE2_JIT_COMPLETE);  // where it fails, there is none
 }
 
