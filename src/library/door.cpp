@@ -50,7 +50,7 @@ struct LibraryDoor::Opening {
   bool writes;
   bool empties;
   DWORD disposition;
-  std::wstring path = {};
+  std::wstring path;
   bool meetsOtherMachine = false;  // another writer has the file, and not the lock
 };
 
@@ -75,7 +75,8 @@ int LibraryDoor::open(const ZoFileName& name, int access, ZoFile::CreationMode m
   Opening opening{.name = name,
                   .writes = writes,
                   .empties = empties,
-                  .disposition = firstDisposition(writes, mode)};
+                  .disposition = firstDisposition(writes, mode),
+                  .path = {}};
   for (const ULONGLONG start = GetTickCount64();;) {
     if (const int code = openOnce(opening); code != ZoResult::libraryWriteLocked) return code;
     const ULONGLONG waited = GetTickCount64() - start;

@@ -51,7 +51,7 @@ int beginBatch(LibraryState& library);  // endBatch: library/change.h
 int renameMember(LibraryState& library, const ZoFileName& member, const ZoFileName& newName);
 int deleteMember(LibraryState& library, const ZoFileName& member, bool physically);
 int recoverMember(LibraryState& library, const ZoFileName& member);
-int recoverEntry(LibraryState& library, const ZoLibEntry& entry);
+int recoverEntry(LibraryState& library, const ZoLibEntry& wanted);
 int setTimes(LibraryState& library, std::uint64_t position, const MemberTimes& times);
 int setValue(LibraryState& library, std::uint64_t value);
 

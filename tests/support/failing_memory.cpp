@@ -42,7 +42,11 @@ bool FailingMemory::isPossible() {
   try {
     throw std::bad_alloc();
   } catch (const std::bad_alloc&) {
-    return failing.failed();
+    const bool refused = failing.failed();
+#ifdef ZO_GUARDED
+    EXPECT_TRUE(refused) << "start this program on the guarded heap";
+#endif
+    return refused;
   }
 }
 
