@@ -23,8 +23,9 @@ bool isHeldByOthers(DWORD error) {
   return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
 }
 
-// A file is emptied only when it is ours alone.
+// A file is emptied only when it is ours alone; who reads makes and empties none.
 DWORD firstDisposition(bool writes, ZoFile::CreationMode mode) {
+  if (!writes && mode == ZoFile::kOpenAlways) return OPEN_EXISTING;
   if (writes && mode == ZoFile::kCreateAlways) return OPEN_ALWAYS;
   if (writes && mode == ZoFile::kTruncateExisting) return OPEN_EXISTING;
   return mode;
@@ -114,6 +115,11 @@ int LibraryDoor::openOnce(Opening& opening) {
 
 int LibraryDoor::openFile(Opening& opening) {
   DiskFile& file = library_.file_;
+  if (!opening.writes && opening.disposition != OPEN_EXISTING) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    reportFailure(L"open");
+    return ZoResult::refused;
+  }
   const SystemPath system(opening.path.c_str());
   const bool isOpened = opening.writes ? file.openToWrite(system, opening.disposition)
                                        : file.openToRead(system, opening.disposition);

@@ -73,7 +73,7 @@ class MessageStore::Finder {
     if (!readBytes(name, bytes)) return nullptr;
     sawFile_ = true;
     std::vector<ZoMessageFault> faults;  // a checker's business
-    return readMessages(bytes, faults);
+    return readMessages(bytes, faults, tag);
   }
   bool readBytes(const std::wstring& name, std::string& bytes) const {
     ZoFileName file(load_.folder + name);

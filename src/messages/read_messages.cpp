@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
+#include <string>
 
 #include "messages/message_parser.h"
+#include "messages/plural_rules.h"
 #include "system/codepage/detect.h"
 #include "system/service_or_null.h"
 #include "text/utf8.h"
@@ -47,6 +49,19 @@ std::string_view namedCodepage(std::string_view bytes) noexcept {
     return line.substr(0, line.find_first_of(kBlanks));
   }
   return {};
+}
+
+// A file begins with "@messages", which tells UTF-16 in any script. A zero among other bytes is a
+// fault of its line and says nothing of the others.
+ByteForm formOfFile(std::string_view bytes) {
+  using namespace std::string_view_literals;
+  if (bytes.starts_with("@\0"sv)) return ByteForm::Utf16;
+  if (bytes.starts_with("\0@"sv)) return ByteForm::Utf16BigEndian;
+  const ByteForm form = formOf(bytes);
+  if (form != ByteForm::Other || bytes.find('\0') == std::string_view::npos) return form;
+  std::string others(bytes);
+  std::erase(others, '\0');
+  return formOf(others);
 }
 
 std::wstring widened(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
@@ -107,7 +122,7 @@ Decoded decode(std::string_view bytes) {
   unsigned int markLength = 0;
   ByteForm form = markedForm(bytes, markLength);
   bytes.remove_prefix(markLength);
-  if (markLength == 0) form = formOf(bytes);
+  if (markLength == 0) form = formOfFile(bytes);
   if (form == ByteForm::Utf16) return {fromUtf16(bytes, false), ZoCodepage::kUtf16};
   if (form == ByteForm::Utf16BigEndian)
     return {fromUtf16(bytes, true), ZoCodepage::kUtf16BigEndian};
@@ -133,7 +148,8 @@ Decoded decode(std::string_view bytes) {
 }  // namespace
 
 std::shared_ptr<const MessageData> readMessages(std::string_view bytes,
-                                                std::vector<ZoMessageFault>& faults) {
+                                                std::vector<ZoMessageFault>& faults,
+                                                std::wstring_view language) {
   if (bytes.size() > kMaxMessageBytes) {
     faults.push_back({1, 1, ZoMessageFault::kTooLong});
     return nullptr;
@@ -142,7 +158,9 @@ std::shared_ptr<const MessageData> readMessages(std::string_view bytes,
   auto data = std::make_shared<MessageData>();
   data->codepage = decoded.codepage;
   MessageParser parser(decoded.text, decoded.knowsCodepage, *data, faults);
-  return parser.parse() ? data : nullptr;
+  if (!parser.parse()) return nullptr;
+  if (data->language.empty()) data->rule = &pluralRule(language);
+  return data;
 }
 
 }  // namespace zo

@@ -15,8 +15,10 @@ namespace zo {
 
 inline constexpr std::size_t kMaxMessageBytes = 0x4000000;
 
-// Null when the bytes are no message file, or too many; the faults, which come empty, tell.
+// Null when the bytes are no message file, or too many; the faults, which come empty, tell. The
+// language is that of the file's name, for the plural forms of a file that does not say its own.
 [[nodiscard]] std::shared_ptr<const MessageData> readMessages(std::string_view bytes,
-                                                              std::vector<ZoMessageFault>& faults);
+                                                              std::vector<ZoMessageFault>& faults,
+                                                              std::wstring_view language = {});
 
 }  // namespace zo

@@ -67,9 +67,11 @@ int ZoStdMessage::load(const ZoFileName& file, const wchar_t* module) {
 
 int ZoStdMessage::setLanguages(const ZoSequence<ZoString>& languages) {
   std::vector<std::wstring> wanted;
-  for (const ZoString& tag : languages) {
-    if (!zo::isLanguageTag(tag.view())) return ZoResult::refused;
-    wanted.emplace_back(tag.view());
+  for (const ZoString& language : languages) {
+    std::wstring tag(language.view());
+    std::ranges::replace(tag, L'_', L'-');
+    if (!zo::isLanguageTag(tag)) return ZoResult::refused;
+    wanted.push_back(std::move(tag));
   }
   const zo::Writing writing(*this);
   return writing ? store_->setLanguages(std::move(wanted)) : ZoResult::refused;

@@ -80,6 +80,9 @@ class ZO_COM_API ZoLibrary {
   // at most lockTimeOut ms: a mutex for this machine, and a lock far behind the end of the file for
   // all others. What a killed writer had begun is then finished or undone. A file that is new or
   // empty becomes a library without members; any other opens whatever it holds, see isLibrary.
+  // Without kWrite nothing is made or emptied: kOpenAlways opens what is there, and the modes that
+  // can only make or empty are refused. While one thread waits here, another must not open or close
+  // the same object.
   [[nodiscard]] int open(const ZoFileName& name, int access = ZoFile::kRead,
                          ZoFile::CreationMode mode = ZoFile::kOpenExisting,
                          unsigned int lockTimeOut = 5000);

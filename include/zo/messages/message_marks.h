@@ -6,6 +6,7 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/text/lasting_text.h>
 
 #include <string_view>
 #include <vector>
@@ -33,3 +34,6 @@ struct ZoMessageMark {
 
 // In the order of the text; a plural comes before the marks in it. The text as ZoMessageMap has it.
 [[nodiscard]] ZO_COM_API std::vector<ZoMessageMark> zoMessageMarks(std::wstring_view text);
+template <class Text>
+  requires zo::TemporaryText<Text>
+std::vector<ZoMessageMark> zoMessageMarks(Text&&) = delete;  // marks look into a text with a name

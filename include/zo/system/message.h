@@ -8,8 +8,9 @@
 // parts.de.msg), in any case. What stands in it, and in which order languages are tried:
 // docs/messages.md and docs/formats/message-file.md.
 //
-// A text may refer to others, which are put in its place. It may do so 16 texts deep; what comes of
-// it has kMaxLength units at most, and is made from no more than kMaxRead units of messages.
+// A text may refer to others, which are put in its place: kMaxDepth texts within one another, the
+// first one counted; what comes of it has kMaxLength units at most, and is made from no more than
+// kMaxRead units of messages.
 //
 // Errors:  0 success. ZoResult::refused: no such text, file or language, or the guard was not
 //          obtained within timeOut(); nothing has changed then, and the text is as it was.
@@ -27,6 +28,7 @@
 
 #include <initializer_list>
 #include <span>
+#include <type_traits>
 
 class ZoFileName;
 class ZoString;
@@ -45,7 +47,9 @@ class ZO_COM_API ZoMessage : public ZoSysObj {
   static constexpr unsigned int kMaxRead = 1048576;
 
   // ---- What a service of one's own must give; the rest has a meaning already ----
-  // The text with what it refers to; places of arguments stay as they are written.
+  // The text with what it refers to, for users to read: %% has become %, and places of arguments
+  // stay as they are written. A service that asks another one overrides formatWith, too, and passes
+  // it on: in a text that was filled in once, %1 may have been %%1.
   [[nodiscard]] virtual int getText(const ZoString& file, int number, ZoString& text) = 0;
 
   // ---- The order of the virtual functions is part of the interface ----
@@ -63,7 +67,8 @@ class ZO_COM_API ZoMessage : public ZoSysObj {
   [[nodiscard]] virtual int load(const ZoFileName& file, const wchar_t* module);
   // The languages, the one wanted most first ("de-AT", "fr"), and reads all files anew as reload()
   // does. None: those of the setting "messages@language" (one or several, with blanks, commas or
-  // semicolons between), and then the user's; that is how it is at first. Here: refused.
+  // semicolons between), and then the user's; that is how it is at first. "de_AT" is "de-AT". Here:
+  // refused.
   [[nodiscard]] virtual int setLanguages(const ZoSequence<ZoString>& languages);
   // The languages in the order in which they are tried. Here: refused.
   [[nodiscard]] virtual int getLanguages(ZoSequence<ZoString>& languages);
@@ -77,9 +82,13 @@ class ZO_COM_API ZoMessage : public ZoSysObj {
   [[nodiscard]] int format(const ZoString& file, int number, const ZoSequence<ZoVariant>& arguments,
                            ZoString& text);
 
-  // The text as getText gives it, or the default when that does not succeed or throws. Both stay
-  // valid as long as the library is loaded, whatever becomes of file, language and service: a text
-  // that was given once is kept for good, once in the process. Null for the file is an empty name.
+  // The text as getText gives it, or the caller's default, as it is, when that does not succeed or
+  // throws. The text stays valid as long as the library is loaded, whatever becomes of file,
+  // language and service: one that was given once is kept for good, once in the process. Null for
+  // the file is an empty name.
   [[nodiscard]] const wchar_t* lasting(const wchar_t* file, int number,
                                        const wchar_t* byDefault) noexcept;
+  template <class Text>
+    requires std::is_class_v<Text>
+  const wchar_t* lasting(const wchar_t*, int, const Text&) = delete;  // a text that lasts: L"..."
 };
