@@ -56,7 +56,7 @@ int decode(std::string_view bytes, unsigned int codepage, ZoString& text) {
   ByteForm form = zo::markedForm(bytes, mark);
   bytes.remove_prefix(mark);
   if (mark == 0) {
-    form = zo::formOf(bytes);
+    form = zo::formOfWhole(bytes);
     if (form == ByteForm::Utf8 && endsInside(bytes)) form = ByteForm::Other;
   }
   std::wstring wide;

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
-#include <string>
 
 #include "messages/message_parser.h"
 #include "messages/plural_rules.h"
@@ -57,11 +56,7 @@ ByteForm formOfFile(std::string_view bytes) {
   using namespace std::string_view_literals;
   if (bytes.starts_with("@\0"sv)) return ByteForm::Utf16;
   if (bytes.starts_with("\0@"sv)) return ByteForm::Utf16BigEndian;
-  const ByteForm form = formOf(bytes);
-  if (form != ByteForm::Other || bytes.find('\0') == std::string_view::npos) return form;
-  std::string others(bytes);
-  std::erase(others, '\0');
-  return formOf(others);
+  return formOfWhole(bytes);
 }
 
 std::wstring widened(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }

@@ -11,11 +11,21 @@ CsvText::CsvText(const ZoCsvFormat& format) noexcept
   if (format.separator == ZoCsvFormat::kDetect) format_.separator = kSeparators[0];
 }
 
+namespace {
+
+// What a reader would take for a byte order mark, or for the begin of a line that says the
+// separator.
+bool isAnnouncement(std::wstring_view first) noexcept {
+  return first.starts_with(L'\xFEFF') || first == L"sep=";
+}
+
+}  // namespace
+
 bool CsvText::needsQuotes(std::wstring_view field) const noexcept {
   const wchar_t* const end = field.data() + field.size();
   if (special_.find(field.data(), end) != end) return true;
   if (showsSeparator_) return false;
-  return (text_.empty() && field.starts_with(L'\xFEFF')) ||
+  return (text_.empty() && isAnnouncement(field)) ||
          field.find_first_of(kSeparators) != std::wstring_view::npos;
 }
 
@@ -38,8 +48,7 @@ void CsvText::add(std::wstring_view field) {
   ++fields_;
   if (format_.quote == 0) {
     const wchar_t* const end = field.data() + field.size();
-    isRefused_ |=
-        special_.find(field.data(), end) != end || (before == 0 && field.starts_with(L'\xFEFF'));
+    isRefused_ |= special_.find(field.data(), end) != end || (before == 0 && isAnnouncement(field));
   }
 }
 

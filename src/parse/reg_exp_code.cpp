@@ -1,9 +1,12 @@
 #include "parse/reg_exp_code.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <new>
 #include <thread>
+
+#include "parse/reg_exp_units.h"
 
 namespace zo {
 namespace {
@@ -131,7 +134,10 @@ const RegExpCode* RegExpCode::make(std::u16string_view pattern, ZoRegExp::Option
   } else {
     const std::unique_ptr<char16_t[]> text(new (std::nothrow) char16_t[2 * pattern.size() + 1]);
     if (!text) return nullptr;
-    if (!made->compile({text.get(), translateWildcard(pattern, text.get())}, error)) return nullptr;
+    if (!made->compile({text.get(), translateWildcard(pattern, text.get())}, error)) {
+      error.position = std::min(error.position, pattern.size());
+      return nullptr;
+    }
   }
   return made.release();
 }
@@ -140,6 +146,17 @@ bool RegExpCode::compile(std::u16string_view pattern, RegExpError& error) noexce
   std::uint32_t flags = flagsOf(options_);
   if ((flags & (PCRE2_CASELESS | PCRE2_LITERAL)) == 0 && isUnitwise(pattern)) {
     flags &= ~std::uint32_t{PCRE2_UTF | PCRE2_UCP};
+  }
+  // As in texts, U+FFFD stands for each surrogate that stands alone.
+  std::unique_ptr<char16_t[]> repaired;
+  if (std::size_t lone = loneSurrogate(pattern);
+      (flags & PCRE2_UTF) != 0 && lone < pattern.size()) {
+    repaired.reset(new (std::nothrow) char16_t[pattern.size()]);
+    if (!repaired) return false;
+    pattern.copy(repaired.get(), pattern.size());
+    for (; lone < pattern.size(); lone = loneSurrogate(pattern, lone + 1))
+      repaired[lone] = u'\xFFFD';
+    pattern = {repaired.get(), pattern.size()};
   }
   code_ = compiled(pattern, flags, error);
   if (!code_) {

@@ -17,6 +17,14 @@ namespace zo {
 [[nodiscard]] constexpr bool isInPair(std::u16string_view text, std::size_t at) noexcept {
   return at > 0 && at < text.size() && isHighSurrogate(text[at - 1]) && isLowSurrogate(text[at]);
 }
+// Where a search that is to begin at a place does so: not within a pair, nor, where lines matter,
+// within a line's end.
+[[nodiscard]] constexpr std::size_t firstPlace(std::u16string_view text, std::size_t start,
+                                               bool hasLines) noexcept {
+  const bool isInLineEnd = hasLines && start > 0 && start < text.size() &&
+                           text[start - 1] == u'\r' && text[start] == u'\n';
+  return start + (isInLineEnd || isInPair(text, start));
+}
 [[nodiscard]] constexpr bool isLoneSurrogate(std::u16string_view text, std::size_t at) noexcept {
   return isSurrogate(text[at]) && !isInPair(text, at) && !isInPair(text, at + 1);
 }

@@ -9,7 +9,8 @@
 ZoSearch::ZoSearch(const ZoRegExp& what, const ZoString& text, unsigned int start) noexcept
     : what_(what),
       text_(text),
-      from_(start + zo::isInPair(zo::unitsOf(text.view()), start)),
+      from_(static_cast<unsigned int>(
+          zo::firstPlace(zo::unitsOf(text.view()), start, what.options() & ZoRegExp::kMultiLine))),
       status_(ZoResult::badPattern) {
   if (!what.isValid()) return;
   run_.reset(new (std::nothrow)
@@ -42,7 +43,7 @@ unsigned int ZoSearch::length(unsigned int group) const noexcept {
   return run_ ? static_cast<unsigned int>(run_->length(group)) : 0;
 }
 
-const ZoSubString ZoSearch::match(unsigned int group) const noexcept {
+const ZoSubString ZoSearch::match(unsigned int group) const& noexcept {
   const unsigned int at = start(group);
   return text_(at, length(group));
 }
@@ -64,6 +65,6 @@ unsigned int ZoSearch::start(std::wstring_view group) const noexcept {
 unsigned int ZoSearch::length(std::wstring_view group) const noexcept {
   return length(numberOf(group));
 }
-const ZoSubString ZoSearch::match(std::wstring_view group) const noexcept {
+const ZoSubString ZoSearch::match(std::wstring_view group) const& noexcept {
   return match(numberOf(group));
 }

@@ -2,7 +2,9 @@
 #include <zo/parse/search.h>
 #include <zo/text/containers/array.h>
 
+#include <algorithm>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "parse/reg_exp_run.h"
@@ -37,21 +39,22 @@ class Replacement {
   void write(std::wstring_view text, const zo::RegExpRun& run, zo::TextBuffer& out) const {
     for (const Piece& piece : pieces_) {
       out << piece.text;
-      if (piece.group != ZoRegExp::npos && run.begin(piece.group) != run.kNowhere) {
-        out << text.substr(run.begin(piece.group), run.length(piece.group));
-      }
+      const auto group = std::ranges::find_if(
+          piece.groups, [&](unsigned int number) { return run.begin(number) != run.kNowhere; });
+      if (group != piece.groups.end()) out << text.substr(run.begin(*group), run.length(*group));
     }
   }
 
  private:
   struct Piece {
     std::wstring_view text;
-    unsigned int group;  // behind it; npos: none
+    std::vector<unsigned int> groups;  // behind it the first of these that took part
   };
   struct Reference {
-    std::size_t length = 0;  // with the $; 0: it is none
-    unsigned int group = ZoRegExp::npos;
+    std::size_t length = 0;            // with the $; 0: it is none
+    std::vector<unsigned int> groups;  // of one number or name; none: there is no such group
   };
+  static std::vector<unsigned int> groupsOf(const ZoRegExp& what, unsigned int number);
   static Reference referenceAt(const ZoRegExp& what, std::wstring_view with);
 
   std::vector<Piece> pieces_;
@@ -66,18 +69,29 @@ unsigned int numberIn(std::wstring_view digits) {
   return digits.empty() ? ZoRegExp::npos : number;
 }
 
+std::vector<unsigned int> Replacement::groupsOf(const ZoRegExp& what, unsigned int number) {
+  if (number > what.groups()) return {};
+  return {number};
+}
+
 // `with` begins with a $.
 Replacement::Reference Replacement::referenceAt(const ZoRegExp& what, std::wstring_view with) {
   if (with.size() > 1 && zo::isDigit(with[1])) {
     const unsigned int two = with.size() > 2 ? numberIn(with.substr(1, 2)) : ZoRegExp::npos;
-    if (two <= what.groups()) return {3, two};
-    return {2, numberIn(with.substr(1, 1))};
+    if (two <= what.groups()) return {3, {two}};
+    return {2, groupsOf(what, numberIn(with.substr(1, 1)))};
   }
   const std::size_t close = with.find(L'}');
   if (with.size() < 2 || with[1] != L'{' || close == with.npos) return {};
   const std::wstring_view name = with.substr(2, close - 2);
   const unsigned int number = numberIn(name);
-  return {close + 1, number != ZoRegExp::npos ? number : what.group(name)};
+  if (number != ZoRegExp::npos) return {close + 1, groupsOf(what, number)};
+  Reference named{close + 1, {}};
+  what.code()->eachName([&](std::u16string_view group, unsigned int of) {
+    if (group == zo::unitsOf(name)) named.groups.push_back(of);
+    return false;
+  });
+  return named;
 }
 
 int Replacement::set(const ZoRegExp& what, std::wstring_view with) {
@@ -85,17 +99,17 @@ int Replacement::set(const ZoRegExp& what, std::wstring_view with) {
   for (std::size_t at = 0; (at = with.find(L'$', at)) != with.npos;) {
     const std::wstring_view before = with.substr(from, at - from);
     if (with.substr(at).starts_with(L"$$")) {
-      pieces_.push_back({with.substr(from, at - from + 1), ZoRegExp::npos});
+      pieces_.push_back({with.substr(from, at - from + 1), {}});
       from = at += 2;
-    } else if (const Reference reference = referenceAt(what, with.substr(at)); reference.length) {
-      if (reference.group > what.groups()) return ZoResult::refused;
-      pieces_.push_back({before, reference.group});
+    } else if (Reference reference = referenceAt(what, with.substr(at)); reference.length) {
+      if (reference.groups.empty()) return ZoResult::refused;
+      pieces_.push_back({before, std::move(reference.groups)});
       from = at += reference.length;
     } else {
       ++at;
     }
   }
-  pieces_.push_back({with.substr(from), ZoRegExp::npos});
+  pieces_.push_back({with.substr(from), {}});
   return ZoResult::ok;
 }
 

@@ -13,7 +13,8 @@ unsigned int ZoString::index(const ZoRegExp& what, unsigned int* matchLength,
   if (!what.isValid()) return npos;
   const std::u16string_view text = zo::unitsOf(view());
   zo::RegExpRun run(*what.code(), what.limits(), text);
-  if (run.find(start + zo::isInPair(text, start), false) != ZoResult::ok) return npos;
+  const bool hasLines = what.options() & ZoRegExp::kMultiLine;
+  if (run.find(zo::firstPlace(text, start, hasLines), false) != ZoResult::ok) return npos;
   if (matchLength) *matchLength = static_cast<unsigned int>(run.length());
   return static_cast<unsigned int>(run.begin());
 }

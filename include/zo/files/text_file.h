@@ -34,3 +34,8 @@ int zoReadText(const ZoFileName&, ZoString&, T) = delete;  // a code page by its
 // In one step (zo/files/file_save.h). A surrogate that stands alone becomes U+FFFD in UTF-8.
 [[nodiscard]] ZO_COM_API int zoSaveText(const ZoFileName& name, std::wstring_view text,
                                         ZoTextForm form = ZoTextForm::utf8Marked);
+template <zo::PointedText Text>
+[[nodiscard]] int zoSaveText(const ZoFileName& name, const Text& text,
+                             ZoTextForm form = ZoTextForm::utf8Marked) {
+  return zoSaveText(name, zo::textOf(text), form);
+}

@@ -59,6 +59,8 @@ class ZO_COM_API ZoCsvWriter {
     return endRow();
   }
   // The elements of a range.
+  template <zo::AnyText Text>
+  int rowOf(const Text&) = delete;  // row(text): this would be a row of characters
   template <class Range>
   [[nodiscard]] int rowOf(const Range& fields) {
     const Pending pending(*this);

@@ -35,8 +35,8 @@
 #pragma once
 
 #include <zo/config.h>
-#include <zo/text/lasting_text.h>
 #include <zo/parse/parser_token.h>
+#include <zo/text/lasting_text.h>
 
 #include <concepts>
 #include <cstdint>

@@ -31,6 +31,7 @@
 #include <zo/results.h>
 #include <zo/text/text_forms.h>
 
+#include <concepts>
 #include <cstddef>
 #include <functional>
 #include <iosfwd>
@@ -68,7 +69,8 @@ class ZO_COM_API ZoRegExp {
     return static_cast<Option>(static_cast<unsigned int>(a) | static_cast<unsigned int>(b));
   }
 
-  // What one search may cost; then it ends with gaveUp. 0 is "at once", not "without limit".
+  // What one search may cost; then it ends with gaveUp. 0 is "at once", not "without limit"; of
+  // the time, as soon as the clock is looked at.
   struct Limits {
     unsigned int steps = 10'000'000;     // tries from one place of the text
     unsigned int depth = 1'000'000;      // choices that are open at a time, without machine code
@@ -103,6 +105,10 @@ class ZO_COM_API ZoRegExp {
   // Compiles a pattern: 0, badPattern, 2. If it fails, the expression is what it was before, and
   // status() and the error are those of this pattern.
   [[nodiscard]] int set(std::wstring_view pattern, Option options = kDefault) noexcept;
+  template <zo::PointedText Text>
+  [[nodiscard]] int set(const Text& pattern, Option options = kDefault) noexcept {
+    return set(zo::textOf(pattern), options);
+  }
 
   [[nodiscard]] bool isValid() const noexcept { return code_ != nullptr; }
   explicit operator bool() const = delete;  // write isValid()
@@ -126,12 +132,22 @@ class ZO_COM_API ZoRegExp {
   [[nodiscard]] unsigned int groups() const noexcept;
   // The number of a name, the first one where more groups have it; npos if there is none.
   [[nodiscard]] unsigned int group(std::wstring_view name) const noexcept;
+  template <zo::PointedText Text>
+  [[nodiscard]] unsigned int group(const Text& name) const noexcept {
+    return group(zo::textOf(name));
+  }
   // The name of a group, empty if it has none.
   [[nodiscard]] ZoString groupName(unsigned int group) const;
+  template <std::same_as<bool> T>
+  ZoString groupName(T) const = delete;  // write a number
 
   // A pattern that matches just this text, also amid another pattern and with any option but
   // kLiteral and kWildcard.
   [[nodiscard]] static ZoString escape(std::wstring_view text);
+  template <zo::PointedText Text, class Result = ZoString>  // which is not complete here
+  [[nodiscard]] static Result escape(const Text& text) {
+    return escape(zo::textOf(text));
+  }
 
   // The same pattern and options; limits do not count.
   [[nodiscard]] friend bool operator==(const ZoRegExp& a, const ZoRegExp& b) noexcept {

@@ -37,9 +37,14 @@ class ZO_COM_API ZoSearch {
  public:
   static constexpr unsigned int npos = 0xFFFFFFFF;
 
+  template <class T>
+  static constexpr bool kIsNoGroup = std::is_same_v<T, bool> || std::is_same_v<T, wchar_t>;
+
   // Searches from start on; what stands before start is seen by ^, \b and look-behind. A start in
   // a surrogate pair counts as behind it. Past the end of the text there is nothing to find.
   ZoSearch(const ZoRegExp& what, const ZoString& text, unsigned int start = 0) noexcept;
+  template <std::same_as<bool> T>
+  ZoSearch(const ZoRegExp&, const ZoString&, T) = delete;  // write a position
   ZoSearch(const ZoSearch&) = delete;
   ZoSearch& operator=(const ZoSearch&) = delete;
   ~ZoSearch();
@@ -57,12 +62,32 @@ class ZO_COM_API ZoSearch {
   [[nodiscard]] unsigned int length(unsigned int group = 0) const noexcept;
   [[nodiscard]] unsigned int start(std::wstring_view group) const noexcept;
   [[nodiscard]] unsigned int length(std::wstring_view group) const noexcept;
-  // The null substring when there is none.
-  [[nodiscard]] const ZoSubString match(unsigned int group = 0) const noexcept;
-  [[nodiscard]] const ZoSubString match(std::wstring_view group) const noexcept;
+  template <zo::PointedText Text>
+  [[nodiscard]] unsigned int start(const Text& group) const noexcept {
+    return start(zo::textOf(group));
+  }
+  template <zo::PointedText Text>
+  [[nodiscard]] unsigned int length(const Text& group) const noexcept {
+    return length(zo::textOf(group));
+  }
   template <class T>
-    requires std::same_as<T, bool> || (zo::NotText<T> && std::is_pointer_v<T>)
-  const ZoSubString match(T) const = delete;  // a number or a name: L"name"
+    requires kIsNoGroup<T>
+  unsigned int start(T) const = delete;  // a number or a name: L"name"
+  template <class T>
+    requires kIsNoGroup<T>
+  unsigned int length(T) const = delete;  // a number or a name: L"name"
+  // The null substring when there is none.
+  [[nodiscard]] const ZoSubString match(unsigned int group = 0) const& noexcept;
+  [[nodiscard]] const ZoSubString match(std::wstring_view group) const& noexcept;
+  template <zo::PointedText Text>
+  [[nodiscard]] const ZoSubString match(const Text& group) const& noexcept {
+    return match(zo::textOf(group));
+  }
+  template <class T>
+    requires kIsNoGroup<T>
+  const ZoSubString match(T) const& = delete;  // a number or a name: L"name"
+  template <class... T>
+  const ZoSubString match(const T&...) const&& = delete;  // the search must outlive what it gives
 
   [[nodiscard]] const ZoRegExp& expression() const noexcept { return what_; }
   [[nodiscard]] const ZoString& text() const noexcept { return text_; }
@@ -96,6 +121,11 @@ class ZO_COM_API ZoSearch {
   // as it was, and the count 0.
   [[nodiscard]] static int replaceAll(ZoString& text, const ZoRegExp& what, std::wstring_view with,
                                       unsigned int* count = nullptr) noexcept;
+  template <zo::PointedText Text>
+  [[nodiscard]] static int replaceAll(ZoString& text, const ZoRegExp& what, const Text& with,
+                                      unsigned int* count = nullptr) noexcept {
+    return replaceAll(text, what, zo::textOf(with), count);
+  }
   // Replaces the entries of out by the pieces between the matches, in order, empty ones included: n
   // matches give n + 1 pieces, an empty text gives none. An empty match at either end of the text
   // does not cut. Codes as above; on failure out is empty. What out is:

@@ -328,6 +328,8 @@ class ZO_COM_API ZoString {
   [[nodiscard]] bool contains(const Text& pattern, caseCompare cmp = exact) const noexcept {
     return index(zo::textOf(pattern), 0, cmp) != npos;
   }
+  template <std::same_as<bool> T>
+  ZoSubString operator()(const ZoRegExp&, T) const = delete;  // write a position
   template <zo::NotText T>
   void contains(T, caseCompare = exact) const = delete;  // write L'c'
   // Whether an expression matches somewhere, and whether it matches the whole text.

@@ -37,6 +37,12 @@ concept ViewedText = std::is_class_v<T> && requires(const T& text) {
 template <class T>
 concept AnyText = ViewedText<T> || OtherText<T> || std::is_convertible_v<const T&, const wchar_t*>;
 
+// What is no view yet: beside a parameter that is one, for null pointers, which are empty texts here
+// and which a view made of them would read.
+template <class T>
+concept PointedText =
+    AnyText<T> && !std::same_as<T, std::wstring_view> && !std::same_as<T, wchar_t>;
+
 // What C++ would make a character or a null pointer of, and texts of other characters: numbers,
 // truth values, enumerators, narrow characters and texts.
 template <class T>

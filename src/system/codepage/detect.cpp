@@ -1,5 +1,6 @@
 #include "system/codepage/detect.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -63,6 +64,15 @@ ByteForm formOf(std::string_view bytes) noexcept {
     return ByteForm::Other;
   }
   if (isAscii) return ByteForm::Ascii;
+  return isUtf8(bytes) ? ByteForm::Utf8 : ByteForm::Other;
+}
+
+ByteForm formOfWhole(std::string_view bytes) noexcept {
+  const ByteForm form = bytes.size() % 2 == 0 ? formOf(bytes) : ByteForm::Other;
+  if (form != ByteForm::Other) return form;
+  if (std::ranges::all_of(bytes, [](unsigned char byte) { return byte < 0x80; })) {
+    return ByteForm::Ascii;
+  }
   return isUtf8(bytes) ? ByteForm::Utf8 : ByteForm::Other;
 }
 
