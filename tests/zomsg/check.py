@@ -165,6 +165,11 @@ def extract():
     value = answer("extract", "a.msg", "--language", "de", "--output", "new ä.msg")
     assert (value["count"], value["translated"], value["superfluous"]) == (2, 1, 1)
     assert pathlib.Path("new ä.msg").read_bytes() == first
+    for changed in ("x", "y"):  # what was translated stays to be seen, until the translator has taken it away
+        write("a.msg", f"0x10 {changed}\n2 a", "en")
+        run("extract", "a.msg", "--language", "de", "--force", err=".*, 1 translated, 1 from another original, and 1 .*")
+        text = f"#: {changed}\n# Grüße\n#: Before: b  c\\u0020\n0x10\tÜ\\u0020\n"
+        assert text in pathlib.Path("a.de.msg").read_text(), pathlib.Path("a.de.msg").read_text()
 
 
 def failed_writes():
@@ -202,7 +207,7 @@ def exit_codes():
         (["show", "a.msg", "x"], 7, "x is no number of a message"), (["show", "a.msg", "4294967296"], 7, ".*no number.*"),
         (["show", "a.msg", "1", "--language", "d e"], 7, ".*no language.*"), (["extract", "a.msg"], 7, ".*--language.*"),
         (["extract", "a.de.msg", "--language", "de"], 10, "cannot find .*"),
-        (["extract", "a.msg", "--language", "de", "-o", "A.MSG"], 7, "a.msg is the original; .*"),
+        (["extract", "a.msg", "--language", "de", "--force", "-o", "./A.MSG"], 7, "a.msg is the original; .*"),
         (["extract", "a.msg", "--language", "x/../y"], 7, ".*no language.*"),
         (["check", "none"], 10, "cannot find the folder none.*"), (["check", "a.msg"], 10, "cannot find the folder a.msg.*"),
         (["check", "empty"], 10, "empty has no message files"), (["show", "none.msg", "1"], 10, "cannot find none.msg.*"),

@@ -15,6 +15,9 @@ namespace {
 
 // Before the comments that are made anew each time.
 constexpr std::wstring_view kOurs = L"#:";
+// The original that a translation was made of, where it has changed; stays until the translator
+// takes it away.
+constexpr std::wstring_view kBefore = L"#: Before: ";
 
 // The messages as they are written in a file, by number.
 std::unordered_map<unsigned int, std::wstring> writtenOf(const ZoMessageMap& map) {
@@ -55,13 +58,14 @@ class NewFile {
     for (unsigned int k = 0; k < to.entries(); ++k) {
       if (from.contains(to.number(k))) continue;
       if (superfluous_++ == 0) line(std::wstring(kOurs) + L" Not in the original:");
-      translation(k, existing_->numberText(k));
+      translation(k, existing_->numberText(k), nullptr);
     }
     return std::move(text_);
   }
 
   [[nodiscard]] std::size_t kept() const noexcept { return kept_; }
   [[nodiscard]] std::size_t superfluous() const noexcept { return superfluous_; }
+  [[nodiscard]] std::size_t changed() const noexcept { return changed_; }
 
  private:
   void line(std::wstring_view text) { (text_ += text) += L'\n'; }
@@ -78,24 +82,36 @@ class NewFile {
   void message(unsigned int i) {
     const unsigned int number = original_.map.number(i);
     text_ += L'\n';
-    line(std::wstring(kOurs) + L' ' + originals_[number]);
+    const std::wstring& original = originals_[number];
+    line(std::wstring(kOurs) + L' ' + original);
     const std::wstring_view word = original_.numberText(i);
     if (existing_ && existing_->map.contains(number)) {
       while (next_ < existing_->map.entries() && existing_->map.number(next_) < number) ++next_;
-      translation(next_, word);
+      translation(next_, word, &original);
     } else {
       line(L'#' + std::wstring(word));
     }
   }
 
   // With the comments that the translator has put above it.
-  void translation(unsigned int k, std::wstring_view word) {
+  void translation(unsigned int k, std::wstring_view word, const std::wstring* original) {
     const Lines& lines = existing_->lines;
     const unsigned int at = existing_->map.line(k);
     unsigned int first = at;
     while (isComment(lines[first - 1])) --first;
-    for (; first < at; ++first)
-      if (isTranslators(lines[first])) line(lines[first]);
+    std::wstring before;
+    for (; first < at; ++first) {
+      const std::wstring_view comment = lines[first];
+      if (isTranslators(comment))
+        line(comment);
+      else if (comment.starts_with(kBefore))
+        before = comment;
+      else if (original && before.empty() && comment.starts_with(L"#: ") &&
+               comment.substr(3) != *original)
+        before = std::wstring(kBefore).append(comment.substr(3));
+    }
+    if (!before.empty()) line(before);
+    changed_ += !before.empty();
     line(std::wstring(word) + L'\t' + translations_[existing_->map.number(k)]);
     ++kept_;
   }
@@ -110,11 +126,18 @@ class NewFile {
   std::unordered_map<unsigned int, std::wstring> originals_, translations_;
   std::wstring text_;
   unsigned int next_ = 0;  // of the existing file: both are sorted
-  std::size_t kept_ = 0, superfluous_ = 0;
+  std::size_t kept_ = 0, superfluous_ = 0, changed_ = 0;
 };
 
 bool exists(const std::wstring& path) {
   return ZoSystem::fileSystem().getAttributes(ZoFileName(zolib::shellPath(path))) != 0;
+}
+
+std::wstring fullPath(const std::wstring& path) {
+  ZoFileName full;
+  const std::wstring shells = zolib::shellPath(path);
+  if (ZoSystem::fileSystem().getFullPathName(ZoFileName(shells), full)) return folded(shells);
+  return folded(full.view());
 }
 
 // What is rewritten must be sound: a faulty line would be lost.
@@ -146,6 +169,21 @@ bool save(const std::wstring& path, const std::string& bytes, Report& report) {
   return false;
 }
 
+void tell(const NewFile& file, std::size_t count, const std::wstring& target, Report& report) {
+  const std::size_t kept = file.kept() - file.superfluous();
+  zolib::Json& json = report.json();
+  json["output"] = toUtf8(target);
+  json["count"] = count;
+  json["translated"] = kept;
+  json["superfluous"] = file.superfluous();
+  json["changed"] = file.changed();
+  std::string text = zolib::counted(count, "message") + ", " + std::to_string(kept) + " translated";
+  if (file.changed()) text += ", " + std::to_string(file.changed()) + " from another original";
+  if (file.superfluous())
+    text += ", and " + std::to_string(file.superfluous()) + " that the original has not";
+  report.note((target == L"-" ? "" : toUtf8(target) + ": ") + text);
+}
+
 }  // namespace
 
 void extract(const Options& options, Report& report) {
@@ -155,7 +193,7 @@ void extract(const Options& options, Report& report) {
   parts.tag = options.language;
   const std::wstring usual = parts.path(), target = options.output.value_or(usual);
   const bool isToOutput = target == L"-";
-  if (folded(usual) == folded(options.file) || folded(target) == folded(options.file))
+  if (fullPath(options.file) == fullPath(usual) || fullPath(options.file) == fullPath(target))
     return report.fail(zolib::kUsage,
                        toUtf8(options.file) + " is the original; name another language");
   if (!isToOutput && !options.force && exists(target))
@@ -175,17 +213,7 @@ void extract(const Options& options, Report& report) {
   } else if (!save(target, bytes, report)) {
     return;
   }
-  const std::size_t count = original.map.entries(), kept = file.kept() - file.superfluous();
-  zolib::Json& json = report.json();
-  json["output"] = toUtf8(target);
-  json["count"] = count;
-  json["translated"] = kept;
-  json["superfluous"] = file.superfluous();
-  report.note((isToOutput ? "" : toUtf8(target) + ": ") + zolib::counted(count, "message") + ", " +
-              std::to_string(kept) + " translated" +
-              (file.superfluous()
-                   ? ", and " + std::to_string(file.superfluous()) + " that the original has not"
-                   : ""));
+  tell(file, original.map.entries(), target, report);
 }
 
 }  // namespace zomsg
