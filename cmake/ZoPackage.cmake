@@ -1,14 +1,16 @@
 # The installed package: DLL with its runtime, import library, headers, message files, and what find_package(ZoCom)
-# reads; the tool with its manual page and completion, where a shell on Linux looks for those of a command zolib.
+# reads; the tools with their manual pages and completions, where a shell on Linux looks for those of a command.
 include(CMakePackageConfigHelpers)
 
 set(zo_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZoCom)
 install(TARGETS zo_com EXPORT ZoComTargets RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(TARGETS zolib RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES docs/zolib.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES tools/zolib/completion/zolib.bash RENAME zolib
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+foreach(tool zolib zomsg)
+  install(TARGETS ${tool} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES docs/${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES tools/${tool}/completion/${tool}.bash RENAME ${tool}
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+endforeach()
 # Where the message service looks for them, seen from the DLL.
 install(DIRECTORY share/messages/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zo_com/messages FILES_MATCHING PATTERN "*.msg")
 install(FILES ${zo_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})

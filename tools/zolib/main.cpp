@@ -1,4 +1,4 @@
-// zolib: the command-line tool for the keepers of part libraries.
+// The main program of each of the command-line tools.
 #include <windows.h>
 
 #include <shellapi.h>
@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "arguments.h"
 #include "cancel.h"
 #include "console.h"
+#include "program.h"
 #include "text.h"
 
 namespace {
@@ -37,9 +37,10 @@ int wmain() {
     try {
       code = zolib::runCommandLine(arguments(), console);
     } catch (const std::bad_alloc&) {
-      console.err("zolib: out of memory; what was complete before is intact");
+      console.err(std::string(zolib::kProgram) +
+                  ": out of memory; what was complete before is intact");
     } catch (const std::exception& error) {
-      console.err(std::string("zolib: ") + error.what());
+      console.err(std::string(zolib::kProgram) + ": " + error.what());
     }
   }
   zoComDllDetach();

@@ -18,9 +18,14 @@ enum class Recover { kLatest, kFirst, kAll };  // of several deleted members of 
 
 enum class Mode { kNormal, kFast, kBest, kStore, kAuto };
 
-struct Options {
-  std::string verb;  // its full name
-  std::wstring library;
+// What every tool needs to know to tell what it did.
+struct TalkOptions {
+  std::string verb;      // its full name
+  std::wstring library;  // that it is about, if any
+  bool dryRun = false, quiet = false, verbose = false, json = false;
+};
+
+struct Options : TalkOptions {
   std::vector<std::wstring> names;  // what follows the library
   std::vector<std::wstring> include, exclude;
   std::optional<std::wstring> filesFrom;  // "-" is standard input
@@ -31,7 +36,6 @@ struct Options {
   Overwrite overwrite = Overwrite::kUnsaid;
   Recover recover = Recover::kLatest;
   double lockSeconds = 5;
-  bool dryRun = false, quiet = false, verbose = false, json = false;
   bool deleted = false, physically = false, namesOnly = false;
 };
 

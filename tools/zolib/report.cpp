@@ -4,6 +4,7 @@
 #include <zo/system/file_system.h>
 #include <zo/system/registry.h>
 
+#include "program.h"
 #include "text.h"
 
 namespace zolib {
@@ -13,9 +14,9 @@ constexpr int kJsonVersion = 1;
 
 }  // namespace
 
-Report::Report(const Options& options, Console& console)
+Report::Report(const TalkOptions& options, Console& console)
     : options_(options), console_(console), members_(Json::array()) {
-  json_["zolib"] = kJsonVersion;
+  json_[kProgram] = kJsonVersion;
   json_["verb"] = options.verb;
   if (!options.library.empty()) json_["library"] = toUtf8(options.library);
   json_["exit"] = 0;
@@ -26,7 +27,8 @@ Report::Report(const Options& options, Console& console)
 void Report::message(std::string_view level, std::string_view text) {
   if (options_.json) json_["messages"].push_back({{"level", level}, {"text", text}});
   if (level != "note" || !options_.quiet)
-    console_.err((level == "note" ? "" : "zolib: ") + std::string(text));
+    console_.err((level == "note" ? std::string() : kProgram + std::string(": ")) +
+                 std::string(text));
 }
 
 void Report::note(std::string_view text) { message("note", text); }
@@ -73,7 +75,7 @@ ExitCode Report::finish() {
   if (!console_.flush()) {
     code_ = graver(code_, kFailed);
     if (!console_.readerLeft())
-      console_.err("zolib: cannot write the output (error " +
+      console_.err(std::string(kProgram) + ": cannot write the output (error " +
                    std::to_string(console_.outputError()) + "); is the disk full?");
   }
   return code_;
@@ -85,7 +87,7 @@ std::string counted(std::size_t count, std::string_view noun) {
 
 void forgetReason() {
   SetLastError(ERROR_SUCCESS);
-  ZoSystem::fileSystem().errorIO(L"zolib");
+  ZoSystem::fileSystem().errorIO(toWide(kProgram).c_str());
 }
 
 namespace {

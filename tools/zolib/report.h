@@ -1,5 +1,5 @@
 // What a run has to tell: messages, what became of each member, the exit code. As lines, or with
-// --json as one object on standard output, whose "zolib" is the version of its form:
+// --json as one object on standard output, whose first key, the tool's name, has the version of its form:
 //
 //   { "zolib": 1, "verb": "test", "library": "parts.lib", "exit": 13,
 //     "messages": [ { "level": "error", "text": "..." } ], "members": [ ... ], ... }
@@ -20,13 +20,15 @@ using Json = nlohmann::ordered_json;
 
 class Report {
  public:
-  Report(const Options& options, Console& console);
+  Report(const TalkOptions& options, Console& console);
 
   // Talk, which --quiet leaves out.
   void note(std::string_view text);
   // Something was left out by a rule; ends with kWarnings at least.
   void warn(std::string_view text);
   void fail(ExitCode code, std::string_view text);
+  // Ends with this code at least; what there is to say is said elsewhere.
+  void raise(ExitCode code) noexcept { code_ = graver(code_, code); }
   // What became of a member: "added", "extracted". A line with --verbose, and with --dry-run, where
   // it reads "would be added". Gives its JSON object to add to.
   Json& member(std::wstring_view name, std::string_view action);
@@ -44,7 +46,7 @@ class Report {
  private:
   void message(std::string_view level, std::string_view text);
 
-  const Options& options_;
+  const TalkOptions& options_;
   Console& console_;
   Json json_, members_, unused_;
   std::map<std::string, std::size_t, std::less<>> counts_;

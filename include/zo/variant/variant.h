@@ -378,8 +378,8 @@ class ZO_COM_API ZoVariant {
   [[nodiscard]] const ZoVariant* at(std::wstring_view key) const;
 
   // All of them, for a range-for (zo/variant/variant_elements.h).
-  [[nodiscard]] zo::VariantElements<ZoVariant> elements() & noexcept;
-  [[nodiscard]] zo::VariantElements<const ZoVariant> elements() const& noexcept;
+  [[nodiscard]] inline zo::VariantElements<ZoVariant> elements() & noexcept;
+  [[nodiscard]] inline zo::VariantElements<const ZoVariant> elements() const& noexcept;
   void elements() && = delete;
   void elements() const&& = delete;
 

@@ -1,0 +1,66 @@
+// The command line as the tools of this library have it: the verb first, then names and options;
+// `help`, `version`, and what is said of a wrong one.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+#include "exit_code.h"
+#include "options.h"
+#include "report.h"
+
+namespace zolib {
+
+// A name that begins with a bracket reaches the parser with a mark in front. Who takes names from
+// it takes them through these.
+std::wstring wide(const std::string& text);
+std::vector<std::wstring> wide(const std::vector<std::string>& texts);
+
+// What is wrong with an empty text; nothing with another.
+std::string emptiness(const std::string& text);
+// A text that must not be empty: a script's variable that is not set is no name.
+CLI::Option* addText(CLI::App& app, const char* name, std::string& text, const char* help,
+                     const char* type);
+// One text each time it is given.
+void addTexts(CLI::App& app, const char* name, std::vector<std::string>& texts, const char* help,
+              const char* type);
+// --json, --quiet, --verbose.
+void addTalkOptions(CLI::App& app, TalkOptions& options, const char* verboseHelp);
+
+// One command line. Who derives from it adds verbs to app() and, behind them, addHelp().
+class CommandLine {
+ public:
+  // The options need not be made yet.
+  CommandLine(Console& console, TalkOptions& options, const char* purpose, const char* generalHelp);
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+  virtual ~CommandLine() = default;
+
+  ExitCode run(const std::vector<std::string>& arguments);
+
+ protected:
+  // The verb that TalkOptions::verb names, with its options filled.
+  virtual ExitCode runVerb(const CLI::App& sub) = 0;
+
+  void addHelp(const char* verboseHelp);
+  ExitCode wrong(const std::string& text);
+  [[nodiscard]] CLI::App& app() noexcept { return app_; }
+  [[nodiscard]] Console& console() noexcept { return console_; }
+
+ private:
+  [[nodiscard]] CLI::App* verbOf(const std::string& word);
+  [[nodiscard]] std::string unknownVerb(const std::string& word) const;
+  [[nodiscard]] std::string unexpected() const;
+  ExitCode showHelp();
+  ExitCode show(const char* key, const std::string& text, const std::string& line);
+
+  Console& console_;
+  TalkOptions& options_;
+  std::string topic_;
+  CLI::App app_;
+  bool json_ = false;  // is asked for, whatever else is wrong
+  const std::string version_;
+};
+
+}  // namespace zolib

@@ -1,0 +1,15 @@
+// What zomsg can do, one function per verb. Each reports all it has to tell.
+#pragma once
+
+#include "../zolib/report.h"
+#include "options.h"
+
+namespace zomsg {
+
+using zolib::Report;
+
+void check(const Options& options, Report& report);
+void show(const Options& options, Report& report);
+void extract(const Options& options, Report& report);
+
+}  // namespace zomsg
