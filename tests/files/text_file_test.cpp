@@ -35,6 +35,8 @@ TEST_F(TextFile, IsReadAsItsBytesSay) {
        0, L"a\xFFFD"},
       {"\xFE\xFF\0a\x20\xAC"s, 0, L"a\x20AC"},
       {"a\0;\0b\0"s, 1252, L"a;b"},
+      {"\xC3\xA4 bcdefg\0hi"s, 1252, L"\x00E4 bcdefg\0hi"s},
+      {"ab\0cd"s, 1252, L"ab\0cd"s},
   };
   const ZoFileName file = name(L"t.csv");
   for (const auto& [bytes, codepage, expected] : kCases) {
@@ -74,6 +76,9 @@ TEST_F(TextFile, WhatIsSavedReadsBack) {
   }
   EXPECT_EQ(listing(), Names{L"t.csv"});
   EXPECT_EQ(zoSaveText(ZoFileName(L"ftp://host/file"), L"a"), 3);
+  constexpr const wchar_t* kNothing = nullptr;
+  EXPECT_EQ(zoSaveText(file, kNothing, ZoTextForm::utf8), 0);
+  EXPECT_EQ(bytesOf(file), "");
   EXPECT_EQ(zoSaveText(name(L"absent\\t.csv"), L"a"), 1);
 }
 

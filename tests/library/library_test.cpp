@@ -368,6 +368,25 @@ TEST_F(LibraryTest, RecoversAnyOfTheDeletedMembersOfAName) {
   EXPECT_EQ(library.recoverFile(deleted[2]), 1) << "not that one";
 }
 
+TEST_F(LibraryTest, WhoReadsMakesAndEmptiesNothing) {
+  constexpr ZoFile::CreationMode kModes[] = {ZoFile::kCreateNew, ZoFile::kCreateAlways,
+                                             ZoFile::kTruncateExisting, ZoFile::kOpenAlways};
+  const ZoFileName absent = name(L"absent.lib");
+  for (const bool isHeld : {false, true}) {
+    for (const ZoFile::CreationMode mode : kModes) {
+      ZoLibrary writer, reader;
+      ASSERT_EQ(openForWriting(writer), 0);
+      if (!isHeld) {
+        ASSERT_EQ(writer.close(), 0);
+      }
+      EXPECT_EQ(reader.open(path_, ZoFile::kRead, mode, 0), mode == ZoFile::kOpenAlways ? 0 : 1);
+      EXPECT_EQ(std::filesystem::file_size(path_.fullName()), 32u);
+      EXPECT_EQ(reader.open(absent, ZoFile::kRead, mode, 0), 1);
+      EXPECT_FALSE(std::filesystem::exists(absent.fullName()));
+    }
+  }
+}
+
 TEST_F(LibraryTest, DeletesNothingWhereTheHeaderCountsNothing) {
   put(path_, header() + HandMade{.name = "a", .data = "data"}.bytes());
   const std::string before = bytesOf(path_);

@@ -136,7 +136,10 @@ TEST(MessageMap, KnowsTheEncodingsOfPlainEditors) {
       {"@messages 1\n@codepage none\n1 \xC3\xA4", 65001, L"1=\u00E4!2:1:4"},
       {"\xEF\xBB\xBF@messages 1\n1 \xE4z\n2 b\xC3", 65001, L"!2:3:2!3:4:2"},
       {"@messages 1\n@codepage cp932\n1 \x82\xA0\n2 \x82\n3 c", 932, L"1=\u3042|3=c!4:1:2"},
-      {std::string("@messages 1\n1 a\0b\n2 b", 21), ZoStdCodepage().ansi(), L"2=b!2:4:2"},
+      {std::string("@messages 1\n1 a\0b\n2 b", 21), 65001, L"2=b!2:4:2"},
+      {std::string("@messages 1\n1 a\0b\n2 \xC3\xA4", 22), 65001, L"2=\u00E4!2:4:2"},
+      {utf16(L"@messages 1\n1 \u4E00\u4E8C\u4E09\u56DB\u4E94\u516D\u4E03\u516B", false), 1200,
+       L"1=\u4E00\u4E8C\u4E09\u56DB\u4E94\u516D\u4E03\u516B"},
   };
   for (int round = 0; round < 2; ++round) {
     std::unique_ptr<zo::test::Attached> attached;

@@ -117,6 +117,7 @@ TEST_F(MessageTest, TriesEveryLanguageForEveryReference) {
   write("parts.de-AT.msg", "@language de-AT\n1 at %{2} %{3}\n");
   write("parts.pl.msg", "@language pl\n@fallback cs\n1 pl\n4 %{?1 a|b|c}\n");
   write("parts.cs.msg", "@fallback pl\n1 cs\n2 dva\n");
+  write("parts.ru.msg", "4 %{?1 odna|dve|pyat}\n");  // its name says the language
   ASSERT_EQ(load(L"parts"), 0);
   for (const auto& [languages, one, two] :
        std::vector<std::tuple<std::vector<ZoString>, const wchar_t*, const wchar_t*>>{
@@ -134,8 +135,10 @@ TEST_F(MessageTest, TriesEveryLanguageForEveryReference) {
     EXPECT_EQ(text(L"parts", 1), one);
     EXPECT_EQ(text(L"parts", 2), two);
   }
-  setLanguages({L"pl"});
+  setLanguages({L"pl_PL"});
   EXPECT_EQ(format(4, {5}), L"c");
+  setLanguages({L"ru"});
+  EXPECT_EQ(format(4, {21}), L"odna");
   setLanguages({L"de"});
   EXPECT_EQ(format(4, {5}), L"other") << "the rule of the language that the text is in";
   ZoArray<ZoString> now;

@@ -15,6 +15,8 @@ void copies(ZoStdMessage& messages) {
 }
 
 void maps(ZoMessageMap& map, const ZoMessageMap& other) {
+  static_cast<void>(other.find(true));                                     // error: write a number
+  static_cast<void>(zoMessageMarks(std::wstring(L"%1")));                  // error: text with a name
   map.parse("@messages 1");                                                // error: nodiscard
   static_cast<void>(map.parse(L"@messages 1"));                            // error: cannot convert
   *const_cast<wchar_t*>(other.find(1)) = L'x', *other.find(1) = L'x';      // error: read-only

@@ -27,6 +27,11 @@ void expressions(const ZoString& text, ZoRegExp expression, const ZoRegExp& cons
   ZoSearch copy(search);                            // error: deleted
   (void)search.match(true);                         // error: a number or a name
   (void)search.match("name");                       // error: a number or a name
+  (void)search.start(true);                         // error: a number or a name
+  (void)search.match(L'c');                         // error: a number or a name
+  (void)ZoSearch(constant, text).match();           // error: must outlive
+  (void)text(expression, true);                     // error: write a position
+  (void)expression.groupName(true);                 // error: write a number
   ZoSearch::replaceAll(text, constant, L"");        // error: nodiscard
   (void)ZoSearch::replaceAll(text, constant, L"");  // error: discards qualifiers
 }

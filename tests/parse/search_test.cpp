@@ -64,6 +64,22 @@ TEST(Search, WalksOverTheMatches) {
   }
 }
 
+TEST(Search, BeginsAndEndsBetweenWholeCharactersAndLines) {
+  const ZoString lines = L"a\r\nb";
+  const ZoRegExp begin(L"^", ZoRegExp::kMultiLine);
+  EXPECT_EQ(lines.index(begin, 2), 3u);
+  EXPECT_EQ(placesOf(begin, lines, 2), placesOf(begin, lines, 3));
+  const ZoString odd = L"a\xD800z";
+  for (const Option how : {ZoRegExp::kDefault, ZoRegExp::kLiteral, ZoRegExp::kWildcard})
+    EXPECT_TRUE(odd.matches(ZoRegExp(odd, how))) << how;
+  EXPECT_TRUE(odd.matches(ZoRegExp(ZoRegExp::escape(odd))));
+  const wchar_t* const nothing = nullptr;
+  ZoRegExp empty;
+  EXPECT_EQ(empty.set(nothing), 0);
+  EXPECT_EQ(empty.group(nothing), ZoRegExp::npos);
+  EXPECT_EQ(ZoRegExp::escape(nothing), L"");
+}
+
 TEST(Search, TellsItsGroups) {
   ZoString text = L"M8x20 M10";
   const ZoRegExp thread(L"M(?<size>[0-9]+)(?:x(?<length>[0-9]+))?(?<size2>(?J)(?<length>y))?");
@@ -176,6 +192,8 @@ TEST(Search, ReplacesAllOrNothing) {
       {L"a", L"a", L"${4294967296}", L"a", ZoResult::refused},
       {L"(a", L"a", L"", L"a", ZoResult::badPattern},
       {L"(?<=a)b|a", L"abab", L"", L""},
+      {L"(?J)(?<n>a)|(?<n>b)", L"ab", L"[${n}]", L"[a][b]"},
+      {L"a", L"a", nullptr, L""},
   };
   for (const auto& [pattern, text, with, result, code] : cases) {
     ZoString changed = text;

@@ -38,7 +38,8 @@ class ZO_COM_API ZoSearch {
   static constexpr unsigned int npos = 0xFFFFFFFF;
 
   template <class T>
-  static constexpr bool kIsNoGroup = std::is_same_v<T, bool> || std::is_same_v<T, wchar_t>;
+  static constexpr bool kIsNoGroup = std::is_same_v<T, bool> || std::is_same_v<T, wchar_t> ||
+                                     (zo::NotText<T> && std::is_pointer_v<T>);
 
   // Searches from start on; what stands before start is seen by ^, \b and look-behind. A start in
   // a surrogate pair counts as behind it. Past the end of the text there is nothing to find.
