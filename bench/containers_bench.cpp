@@ -364,7 +364,8 @@ void splitOurs(State& state, int64_t units) {
   }
 }
 
-// The peer of the views: its pieces kept as they come, as by split; and its views, none of them kept.
+// The peer of the views: its pieces kept as they come, as by split; and its views, none of them
+// kept.
 void splitViewsOurs(State& state, int64_t units) {
   const std::wstring text = delimitedText(static_cast<size_t>(units));
   for (auto _ : state) {

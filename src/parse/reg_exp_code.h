@@ -57,7 +57,8 @@ class RegExpCode {
   // For a search through so many units: null until the searches so far have been worth the time
   // that making it takes. It is a copy of get(), and takes the same texts.
   [[nodiscard]] const pcre2_code* machineCode(std::size_t units) const noexcept;
-  // For the interpreter. Where it sees pairs, it takes texts alone in which no surrogate stands alone.
+  // For the interpreter. Where it sees pairs, it takes texts alone in which no surrogate stands
+  // alone.
   [[nodiscard]] const pcre2_code* get() const noexcept { return code_.get(); }
   // Whether a surrogate pair is one character to it.
   [[nodiscard]] bool seesPairs() const noexcept { return seesPairs_; }

@@ -16,7 +16,8 @@
 
 namespace {
 
-// Fills a text by a call as zo::platformText makes it; an empty text is a failure unless mayBeEmpty.
+// Fills a text by a call as zo::platformText makes it; an empty text is a failure unless
+// mayBeEmpty.
 template <class Call>
 int fill(ZoString& text, Call call, bool mayBeEmpty = false) {
   const std::wstring found = zo::platformText([call](DWORD size, wchar_t* buffer) {

@@ -11,8 +11,8 @@
 namespace zo::test {
 
 struct Node {
-  char
-      kind;  // 'a', 'b', '.'; '|', '&' of two; '*', '+', '?' of one; 'L', 'P', 'Q' lazy; '(' a group
+  // 'a', 'b', '.'; '|', '&' of two; '*', '+', '?' of one; 'L', 'P', 'Q' lazy; '(' a group
+  char kind;
   std::shared_ptr<const Node> left, right;
 };
 using Tree = std::shared_ptr<const Node>;

@@ -268,7 +268,8 @@ TEST(Parser, EveryCutOfASample) {
       const std::wstring front = sample.substr(0, cut);
       ASSERT_NO_FATAL_FAILURE(expectSound(front, rules)) << cut;
       ASSERT_NO_FATAL_FAILURE(expectSound(sample.substr(cut), rules)) << cut;
-      // All but the last four ("1.5", "e", "-" and the end of a number that is cut) are those of the whole.
+      // All but the last four ("1.5", "e", "-" and the end of a number that is cut) are those of
+      // the whole.
       std::wstring tokens = tokensOf(front, rules);
       for (int i = 0; i < 4; ++i) tokens.resize(std::min(tokens.rfind(L'|'), tokens.size()));
       if (tokens.find(L'|') != std::wstring::npos && tokens.find(L"B") == std::wstring::npos) {

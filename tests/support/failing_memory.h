@@ -2,8 +2,8 @@
 //
 // Every request counts that a module of the program makes of the C runtime: malloc, realloc and all
 // that stands on them, the operator new of the program and of the C++ runtime too. What the system
-// takes for itself does not count. Works on the guarded heap only: isPossible() tells, and fails the
-// test where a guarded build has none.
+// takes for itself does not count. Works on the guarded heap only: isPossible() tells, and fails
+// the test where a guarded build has none.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 // What a run has to tell: messages, what became of each member, the exit code. As lines, or with
-// --json as one object on standard output, whose first key, the tool's name, has the version of its form:
+// --json as one object on standard output, whose first key, the tool's name, has the version of its
+// form:
 //
 //   { "zolib": 1, "verb": "test", "library": "parts.lib", "exit": 13,
 //     "messages": [ { "level": "error", "text": "..." } ], "members": [ ... ], ... }

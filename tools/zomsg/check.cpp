@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <string_view>
 
 #include "../zolib/cancel.h"
 #include "verbs.h"
@@ -81,10 +82,10 @@ void checkEncoding(const MessageFile& file, Findings& findings) {
 // What the name and the file say of its language.
 void checkLanguage(const MessageFile& file, bool hasPlurals, Findings& findings) {
   const std::wstring named = folded(file.parts.tag), said = folded(file.map.language().view());
-  const auto primary = [](const std::wstring& tag) { return tag.substr(0, tag.find(L'-')); };
+  const auto primary = [](std::wstring_view tag) { return tag.substr(0, tag.find(L'-')); };
   if (said.empty() && (!named.empty() || hasPlurals))
     findings.add({&file, 1, 0, Level::kWarning, "language",
-                  "has no @language; plurals then have the forms of English"});
+                  "has no @language; its plurals are then checked as if they were English"});
   else if (!named.empty() && primary(named) != primary(said))
     findings.add({&file, directiveOf(file.lines, L"@language").line, 0, Level::kError, "language",
                   "is of the language " + toUtf8(said) + ", but its name says " + toUtf8(named)});

@@ -27,7 +27,8 @@
 //
 // Errors:  int results are 0; ZoResult::refused where there is no such field, or no number that is
 //          all of it but for blanks; ZoResult::overflow for a number that is too large. Values stay
-//          as they were then. Nothing throws but std::bad_alloc, and then the row is still the next.
+//          as they were then. Nothing throws but std::bad_alloc, and then the row is still the
+//          next.
 // Threads: one at a time per object.
 // Cost:    linear; a row allocates only what its fields need more than those before.
 #pragma once

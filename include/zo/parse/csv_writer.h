@@ -7,9 +7,9 @@
 //
 // A field gets quotes where it holds the separator, a quote or a line end, and where else it would
 // read back otherwise: a first field that begins with a byte order mark, a row of one empty field,
-// another separator where the first one of the table is still to come, which could be mistaken for it. ZoCsvReader then
-// reads back exactly what was written, with the same format or, where the separator is one that it
-// detects, with none.
+// another separator where the first one of the table is still to come, which could be mistaken for
+// it. ZoCsvReader then reads back exactly what was written, with the same format or, where the
+// separator is one that it detects, with none.
 //
 // Nothing is done about fields that a spreadsheet takes for formulas ("=1+1"): a program that gives
 // tables with foreign texts to spreadsheets must decide that itself.

@@ -285,8 +285,8 @@ class ZO_COM_API ZoString {
   void index(T, unsigned int = 0, caseCompare = exact) const = delete;  // write L'c'
   template <class T, std::same_as<bool> Flag>
   void index(const T&, Flag) const = delete;  // write exact or ignoreCase
-  // Where an expression (zo/parse/reg_exp.h) first matches at or after start, or npos; the length of
-  // the match, 0 if there is none, for who wants it. What stands before start is seen by
+  // Where an expression (zo/parse/reg_exp.h) first matches at or after start, or npos; the length
+  // of the match, 0 if there is none, for who wants it. What stands before start is seen by
   // look-behind. A search that gave up says npos: ZoSearch (zo/parse/search.h) tells one from the
   // other, and the groups.
   [[nodiscard]] unsigned int index(const ZoRegExp& what) const noexcept {

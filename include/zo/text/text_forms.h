@@ -37,8 +37,8 @@ concept ViewedText = std::is_class_v<T> && requires(const T& text) {
 template <class T>
 concept AnyText = ViewedText<T> || OtherText<T> || std::is_convertible_v<const T&, const wchar_t*>;
 
-// What is no view yet: beside a parameter that is one, for null pointers, which are empty texts here
-// and which a view made of them would read.
+// What is no view yet: beside a parameter that is one, for null pointers, which are empty texts
+// here and which a view made of them would read.
 template <class T>
 concept PointedText =
     AnyText<T> && !std::same_as<T, std::wstring_view> && !std::same_as<T, wchar_t>;

@@ -35,8 +35,8 @@ struct KeyedText {
 };
 
 // Whether the platform's keys were seen to agree with its comparing for texts of such units: Latin,
-// Greek, Cyrillic and Armenian letters, signs and dashes, Han and Hangul. They were seen to differ for
-// others: Tibetan, compatibility forms, marks that combine where controls stand between.
+// Greek, Cyrillic and Armenian letters, signs and dashes, Han and Hangul. They were seen to differ
+// for others: Tibetan, compatibility forms, marks that combine where controls stand between.
 bool isSound(wchar_t c) noexcept {
   if (c < 0x300) return (c >= 0x20 && c < 0x7F) || (c >= 0xA0 && c != 0xAD);
   if (c < 0x588) return c >= 0x370 && (c < 0x483 || c >= 0x48A);

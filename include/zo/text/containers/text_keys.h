@@ -1,8 +1,9 @@
 // Text in containers: the order and the key policy ignoring case.
 //
-// The order is the platform's collation ignoring case in the user's locale (ZoString::compareTo). What
-// it makes of plain ASCII is learnt once for each locale; for the rest it is asked. A container that
-// was ordered in one locale is not in order when the user takes another (docs/containers.md).
+// The order is the platform's collation ignoring case in the user's locale (ZoString::compareTo).
+// What it makes of plain ASCII is learnt once for each locale; for the rest it is asked. A
+// container that was ordered in one locale is not in order when the user takes another
+// (docs/containers.md).
 //
 // Two keys of a ZoHashDict are one when they are equal unit by unit after simple case folding and
 // the collation says so, too. A key of ASCII hashes as ZoString::hash(ignoreCase) does. That folds
