@@ -40,7 +40,6 @@ TEST(RegExp, TellsWhatIsWrongAndWhere) {
       {L"\\1", 1, L"Reference to non-existent subpattern."},
       {L"(?<n>a)(?<n>b)", 12, L"Two named subpatterns have the same name"},
       {L"a\\Cb", 3, L"Using \\C is disabled by the application."},
-      {L"a\xD800", 1, L"UTF-16 error: missing low surrogate at end."},
       {std::wstring(251, L'(') + std::wstring(251, L')'), 251,
        L"Parentheses are too deeply nested."},
       {std::wstring(65536, L'a'), 65535, L"The pattern is longer than 65535 characters."},

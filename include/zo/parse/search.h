@@ -25,21 +25,23 @@
 #include <iterator>
 #include <memory>
 #include <string_view>
+#include <type_traits>
 
 template <class T>
 class ZoSequence;
 
 namespace zo {
 class RegExpRun;
-}
+
+// What C++ would take for the number or the name of a group.
+template <class T>
+concept NoGroup =
+    std::same_as<T, bool> || std::same_as<T, wchar_t> || (NotText<T> && std::is_pointer_v<T>);
+}  // namespace zo
 
 class ZO_COM_API ZoSearch {
  public:
   static constexpr unsigned int npos = 0xFFFFFFFF;
-
-  template <class T>
-  static constexpr bool kIsNoGroup = std::is_same_v<T, bool> || std::is_same_v<T, wchar_t> ||
-                                     (zo::NotText<T> && std::is_pointer_v<T>);
 
   // Searches from start on; what stands before start is seen by ^, \b and look-behind. A start in
   // a surrogate pair counts as behind it. Past the end of the text there is nothing to find.
@@ -71,11 +73,9 @@ class ZO_COM_API ZoSearch {
   [[nodiscard]] unsigned int length(const Text& group) const noexcept {
     return length(zo::textOf(group));
   }
-  template <class T>
-    requires kIsNoGroup<T>
+  template <zo::NoGroup T>
   unsigned int start(T) const = delete;  // a number or a name: L"name"
-  template <class T>
-    requires kIsNoGroup<T>
+  template <zo::NoGroup T>
   unsigned int length(T) const = delete;  // a number or a name: L"name"
   // The null substring when there is none.
   [[nodiscard]] const ZoSubString match(unsigned int group = 0) const& noexcept;
@@ -84,8 +84,7 @@ class ZO_COM_API ZoSearch {
   [[nodiscard]] const ZoSubString match(const Text& group) const& noexcept {
     return match(zo::textOf(group));
   }
-  template <class T>
-    requires kIsNoGroup<T>
+  template <zo::NoGroup T>
   const ZoSubString match(T) const& = delete;  // a number or a name: L"name"
   template <class... T>
   const ZoSubString match(const T&...) const&& = delete;  // the search must outlive what it gives
