@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "../tools/zolib/arguments.h"
 #include "../tools/zolib/console.h"
+#include "../tools/zolib/program.h"
 
 namespace {
 
