@@ -2,6 +2,7 @@
 
 #include <zo/results.h>
 #include <zo/system/units.h>
+#include <zo/text/number_text.h>
 
 #include <cmath>
 
@@ -22,7 +23,8 @@ bool printUnits(const ZoVariant& value, ZoString& text) {
 void VariantArguments::print(unsigned int number, ExpandedText& out) const {
   const ZoVariant& value = values_[number - 1];
   if (value.isTypeOf(ZoVariant::kInt) || value.isTypeOf(ZoVariant::kBigInt)) {
-    out += std::to_wstring(value.asBigInt());  // as asString() has it
+    wchar_t digits[ZoNumberTextSize];
+    out.append(digits, ZoIntToStr(value.asBigInt(), digits));  // as asString() has it
     return;
   }
   ZoString text;
