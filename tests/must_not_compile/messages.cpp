@@ -8,6 +8,8 @@ void service(ZoMessage& messages, ZoString& text, const ZoArray<ZoVariant>& argu
   static_cast<void>(messages.load(L"parts"));                              // error: no matching function
   static_cast<void>(messages.format(L"parts", 1, L"bolt", text));          // error: cannot convert
   static_cast<void>(messages.format(L"parts", 1, arguments, L"default"));  // error: cannot bind
+  static_cast<void>(messages.format(L"parts", true, {L"bolt"}, text));     // error: takes the number
+  static_cast<void>(messages.getText(L"parts", true, text));               // error: takes the number
 }
 
 void copies(ZoStdMessage& messages) {

@@ -3,7 +3,7 @@
 // Reading goes by what the bytes say. A byte order mark tells UTF-8 or UTF-16 and is left out of
 // the text; without one, what has the form of UTF-8 or UTF-16 (ZoCodepage::detect) is taken as it,
 // and all else as text in an 8-bit code page. Line ends stay as they are. What is broken becomes
-// U+FFFD.
+// U+FFFD; but a surrogate that stands alone in UTF-16 is kept, as strings may hold it.
 //
 // Errors:  0, or 1 after a failure whose reason the file-system service's errorTxt() gives: also
 //          for a text of more than ZoString::maxLength() characters and for a code page that the

@@ -25,6 +25,8 @@
 //
 // Nothing is copied: the text must outlive the reader. A temporary string does not compile.
 //
+// Numbers are those of ZoStrToReal: "nan" and "inf" among them, which std::isfinite tells.
+//
 // Errors:  int results are 0; ZoResult::refused where there is no such field, or no number that is
 //          all of it but for blanks; ZoResult::overflow for a number that is too large. Values stay
 //          as they were then. Nothing throws but std::bad_alloc, and then the row is still the

@@ -26,6 +26,7 @@
 #include <zo/config.h>
 #include <zo/system/sys_obj.h>
 
+#include <concepts>
 #include <initializer_list>
 #include <span>
 #include <type_traits>
@@ -76,11 +77,17 @@ class ZO_COM_API ZoMessage : public ZoSysObj {
   // keeps the texts that it had. Here: refused.
   [[nodiscard]] virtual int reload();
 
+  template <std::same_as<bool> T>
+  int getText(const ZoString&, T, ZoString&) = delete;  // takes the number of a message
+
   // formatWith for arguments in braces, {name, holes}, and in a sequence.
   [[nodiscard]] int format(const ZoString& file, int number,
                            std::initializer_list<ZoVariant> arguments, ZoString& text);
   [[nodiscard]] int format(const ZoString& file, int number, const ZoSequence<ZoVariant>& arguments,
                            ZoString& text);
+  template <std::same_as<bool> T>
+  int format(const ZoString&, T, std::initializer_list<ZoVariant>,
+             ZoString&) = delete;  // takes the number of a message
 
   // The text as getText gives it, or the caller's default, as it is, when that does not succeed or
   // throws. The text stays valid as long as the library is loaded, whatever becomes of file,
