@@ -3,7 +3,9 @@
 # Warnings as errors for our own code.
 function(zo_compile_options target)
   if(MSVC)
-    target_compile_options(${target} PRIVATE /W4 /WX /utf-8 /permissive-)
+    # 4251, 4275: members and base classes of exported classes are not exported, since DLL and clients share the C++
+    # runtime. 4996: the C runtime would have its own replacements for standard functions.
+    target_compile_options(${target} PRIVATE /W4 /WX /wd4251 /wd4275 /wd4996 /utf-8 /permissive- /Zc:__cplusplus)
   else()
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wcast-qual
                                              -Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi)

@@ -1,5 +1,5 @@
 # Each public header compiles alone, twice, and leaves no macro of the platform behind; all together compile before
-# windows.h and after it, with all of its macros. One file per header is generated; building them is the test.
+# windows.h and after it, with all of its macros, and with those of the Windows SDK that mingw's lacks for C++. One file per header is generated; building them is the test.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/include/*.h)
 set(generated ${CMAKE_CURRENT_BINARY_DIR}/headers)
 set(alone)
@@ -13,9 +13,16 @@ foreach(header ${headers})
 endforeach()
 file(CONFIGURE OUTPUT ${generated}/before_windows.cpp CONTENT "${all}#include <windows.h>\n")
 file(CONFIGURE OUTPUT ${generated}/after_windows.cpp CONTENT "#include <windows.h>\n${all}")
+# The standard library's own headers come first: GCC's, unlike Visual C++'s, do not bear the macros.
+file(CONFIGURE OUTPUT ${generated}/with_min_and_max.cpp
+     CONTENT "#include <bits/stdc++.h>\n#include <windows.h>\n#define min(a, b) (((a) < (b)) ? (a) : (b))\n\
+#define max(a, b) (((a) > (b)) ? (a) : (b))\n${all}")
+set(together ${generated}/before_windows.cpp ${generated}/after_windows.cpp)
+if(NOT MSVC)
+  list(APPEND together ${generated}/with_min_and_max.cpp)
+endif()
 
-add_library(header_tests OBJECT EXCLUDE_FROM_ALL ${alone} ${generated}/before_windows.cpp
-                                                 ${generated}/after_windows.cpp)
+add_library(header_tests OBJECT EXCLUDE_FROM_ALL ${alone} ${together})
 target_include_directories(header_tests PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_BINARY_DIR}/generated
                                                 ${CMAKE_CURRENT_SOURCE_DIR}/headers)
 if(NOT MSVC)

@@ -1,4 +1,5 @@
-# The library and the tool once more, by clang: syntax and warnings only.
+# The library and its tools once more, by clang: syntax and warnings only; and the slots of virtual functions under
+# Visual C++'s rules, which clang knows.
 find_program(ZO_CLANG clang++-19)
 find_program(ZO_PYTHON python3)
 if(ZO_CLANG AND ZO_PYTHON AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
@@ -6,6 +7,10 @@ if(ZO_CLANG AND ZO_PYTHON AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
            COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/second_compiler.py ${ZO_CLANG} ${PROJECT_BINARY_DIR}
                    ${PROJECT_SOURCE_DIR})
   set_tests_properties(second_compiler.ClangTakesEverySourceWithoutAWarning PROPERTIES TIMEOUT 600 PROCESSORS 2)
+  add_test(NAME second_compiler.SlotsAreTheSameUnderVisualCppsRules
+           COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/slots/check.py ${ZO_CLANG} ${CMAKE_CXX_COMPILER}
+                   ${CMAKE_CURRENT_SOURCE_DIR}/slots/classes.cpp ${PROJECT_SOURCE_DIR}/include
+                   ${PROJECT_BINARY_DIR}/generated)
 else()
   message(STATUS "No second compiler is tried: clang++-19 is missing (scripts/setup test)")
 endif()

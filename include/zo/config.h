@@ -15,3 +15,9 @@ static_assert(sizeof(void*) == 8, "zo_com is a 64-bit library");
 #else
 #define ZO_COM_API __declspec(dllimport)
 #endif
+
+// Visual C++ gives overloads of one name their slots from the last declaration to the first. Where
+// modules that were built before call by slot, such overloads are declared twice, for either rule.
+#if defined(_MSC_VER)
+#define ZO_OVERLOADS_BACKWARDS
+#endif

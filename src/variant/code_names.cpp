@@ -128,11 +128,12 @@ std::wstring_view wordOfCode(ZoTypeCode code) noexcept {
 
 bool codeOfWord(std::wstring_view word, ZoTypeCode& code) noexcept {
   const auto* const found =
-      std::lower_bound(kByWord.begin(), kByWord.end(), word,
+      std::lower_bound(kByWord.data(), kByWord.data() + kByWord.size(), word,
                        [](unsigned char row, std::wstring_view wanted) noexcept {
                          return compareWord(wanted, wordOf(kCodes[row])) > 0;
                        });
-  if (found == kByWord.end() || compareWord(word, wordOf(kCodes[*found])) != 0) return false;
+  if (found == kByWord.data() + kByWord.size() || compareWord(word, wordOf(kCodes[*found])) != 0)
+    return false;
   code = kCodes[*found].code;
   return true;
 }

@@ -31,7 +31,10 @@ struct {
 } runtime;
 
 // Notes who called the hook that calls this.
-[[gnu::noinline]] void* allocate(std::size_t size, std::size_t alignment) {
+#if defined(__GNUC__)
+[[gnu::noinline]]
+#endif
+void* allocate(std::size_t size, std::size_t alignment) {
   void* frames[Block::kFrames] = {};
   RtlCaptureStackBackTrace(2, Block::kFrames, frames, nullptr);
   return heapEngine.allocate(size, alignment, frames);
@@ -183,7 +186,8 @@ void startHeap() {
   watchModules();
 }
 
-// Ahead of the constructors of all other objects of the program.
+// Ahead of the constructors of all other objects of the program. (Visual C++ needs the guarded heap of
+// its own runtime instead: this one is for GCC.)
 struct Starter {
   Starter() { startHeap(); }
 };

@@ -6,7 +6,10 @@
 namespace zo::test {
 
 // Writes one formatted text of at most 1,000 characters to standard error, past all buffers.
-[[gnu::format(gnu_printf, 1, 2)]] void rawPrint(const char* format, ...);
+#if defined(__GNUC__)
+[[gnu::format(gnu_printf, 1, 2)]]
+#endif
+void rawPrint(const char* format, ...);
 
 // "module.exe+0x1234" for an address of code, the bare address where no module is. For addr2line
 // add the module's image base (0x140000000 for programs).

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <cwctype>
 #include <random>
 #include <string>
 #include <vector>

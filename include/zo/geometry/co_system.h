@@ -1,10 +1,10 @@
 // Coordinate systems: an origin and three perpendicular unit axes, right-handed.
 //
-// Set-up from x and y: X is the unit vector of x, Z that of X × y, Y = Z × X; so X keeps its
+// Set-up from x and y: X is the unit vector of x, Z that of X x y, Y = Z x X; so X keeps its
 // direction and y says only on which side Y lies. Set-up from z alone: Z is its unit vector, and X
 // and Y follow the arbitrary-axis rule of drawing interchange files: where Z is within 1/64 of the
-// world's Z axis in both of its other components, X is along world Y × Z, otherwise along
-// world Z × Z; Y = Z × X. The same normal so always gives the same system.
+// world's Z axis in both of its other components, X is along world Y x Z, otherwise along
+// world Z x Z; Y = Z x X. The same normal so always gives the same system.
 //
 // Errors:  set returns ZoResult codes and changes nothing unless it returns 0. A constructor whose
 //          axes are degenerate makes the world's system and marks it: degeneracy() is then

@@ -1,8 +1,8 @@
-// Matrices: 4×4 homogeneous transformations.
+// Matrices: 4x4 homogeneous transformations.
 //
 // Points and vectors are columns, multiplied from the right: (a * b) * p does b first. The
 // translation is the fourth column; elements lie row by row. A point is divided by the weight that
-// a projective matrix gives it; a vector takes the upper left 3×3 part only. Angles are radians,
+// a projective matrix gives it; a vector takes the upper left 3x3 part only. Angles are radians,
 // turns follow the right-hand rule; docs/geometry.md holds the formulas.
 //
 // Errors:  nothing throws. The setters replace the whole matrix and return it; where what they are
@@ -165,7 +165,7 @@ class ZoMatrix {
   struct Uninitialized {};
   constexpr explicit ZoMatrix(Uninitialized) noexcept {}
 
-  // The 2×2 determinants of the upper and the lower two rows, columns 01 02 03 12 13 23.
+  // The 2x2 determinants of the upper and the lower two rows, columns 01 02 03 12 13 23.
   struct Minors {
     constexpr explicit Minors(const double* e) noexcept {
       constexpr unsigned int left[6] = {0, 0, 0, 1, 1, 2};
@@ -293,7 +293,7 @@ constexpr int ZoMatrix::inverse(ZoMatrix& out) const noexcept {
   const double noise = 8.0 * std::numeric_limits<double>::epsilon() * minors.terms();
   const double reciprocal = determinant == 0.0 ? 0.0 : 1.0 / determinant;
   if (!(zo::magnitude(determinant) > noise) || zo::magnitude(reciprocal) == 0.0 ||
-      !(zo::magnitude(reciprocal) <= std::numeric_limits<double>::max())) {
+      !(zo::magnitude(reciprocal) <= (std::numeric_limits<double>::max)())) {
     return ZoResult::degenerate;
   }
   // The adjugate over the determinant.

@@ -26,11 +26,11 @@ class ZoPlane {
   // A normal of zero length becomes +Z.
   constexpr ZoPlane(const ZoPoint& p, const ZoVector& n) noexcept
       : ref_(p.x, p.y, p.z), normal_(n.isZeroLength() ? ZoVector::s_zAxis : n) {}
-  // Normal (p2 - p1) × (p3 - p1), where a first difference of zero length counts as +X and a second
+  // Normal (p2 - p1) x (p3 - p1), where a first difference of zero length counts as +X and a second
   // one as +Y.
   constexpr ZoPlane(const ZoPoint& p1, const ZoPoint& p2, const ZoPoint& p3) noexcept
       : ZoPlane(p1, orAxis(p2 - p1, ZoVector::s_xAxis), orAxis(p3 - p1, ZoVector::s_yAxis)) {}
-  // Normal u × v.
+  // Normal u x v.
   constexpr ZoPlane(const ZoPoint& p, const ZoVector& u, const ZoVector& v) noexcept
       : ref_(p.x, p.y, p.z), normal_(u.crossProduct(v)) {}
 
@@ -57,7 +57,7 @@ class ZoPlane {
     ZoVector unit = normal_ / zo::squareRoot(squaredLength);
     const double distance = (q - ref_).dotProduct(unit);
     const bool usual = squaredLength >= zo::squared(ZoTol::s_default.getVecTol()) &&
-                       squaredLength <= std::numeric_limits<double>::max();
+                       squaredLength <= (std::numeric_limits<double>::max)();
     if (usual) [[likely]]
       return distance;
     return normal_.normal(unit) == ZoResult::ok ? (q - ref_).dotProduct(unit) : 0.0;
@@ -80,9 +80,9 @@ class ZoPlane {
   // Parallel to the normal under the default tolerance.
   [[nodiscard]] bool isNormal(const ZoVector& v) const noexcept { return v.isParallelTo(normal_); }
 
-  // The projection onto the plane along `direction`: q - d (q - ref)·n / d·n, and for a vector
-  // v - d v·n / d·n, with unit direction d and normal n. The result always lies in the plane: a
-  // direction of zero length, or parallel to the plane (|d·n| at most the default vector
+  // The projection onto the plane along `direction`: q - d (q - ref).n / d.n, and for a vector
+  // v - d v.n / d.n, with unit direction d and normal n. The result always lies in the plane: a
+  // direction of zero length, or parallel to the plane (|d.n| at most the default vector
   // tolerance), projects along the normal. Without a normal the argument comes back.
   [[nodiscard]] ZO_COM_API ZoPoint getProjection(const ZoPoint& q,
                                                  const ZoVector& direction) const noexcept;
@@ -90,7 +90,7 @@ class ZoPlane {
                                                   const ZoVector& direction) const noexcept;
 
   // The line that both planes share: its point nearest to this plane's reference point, and the
-  // unit vector along n1 × n2. False, with both out-parameters as they were, when the normals are
+  // unit vector along n1 x n2. False, with both out-parameters as they were, when the normals are
   // parallel under `tol`.
   [[nodiscard]] ZO_COM_API bool intersectWith(const ZoPlane& other, ZoPoint& point,
                                               ZoVector& direction,

@@ -94,24 +94,24 @@ class ZoVector {
   // The same, into `out`, which on 1 stays as it was.
   [[nodiscard]] int normal(ZoVector& out) const noexcept;
 
-  // A vector perpendicular to this one: (z² - y, z² + x, -(x + y) z). Kept on purpose, though it is
+  // A vector perpendicular to this one: (z^2 - y, z^2 + x, -(x + y) z). Kept on purpose, though it is
   // zero for some vectors, such as (-1, 1, 1): test the length of the result.
   [[nodiscard]] constexpr ZoVector perpend() const noexcept {
     return {z * z - y, z * z + x, -(x + y) * z};
   }
 
-  // 0 to π: |atan2(|a × b|, a · b)|; 0 when one of them is zero.
+  // 0 to pi: |atan2(|a x b|, a . b)|; 0 when one of them is zero.
   [[nodiscard]] double angleTo(const ZoVector& v) const noexcept {
     return std::abs(std::atan2(crossProduct(v).length(), dotProduct(v)));
   }
-  // 0 to 2π, measured around `reference`: more than π when the shorter turn from this to `v` is
-  // against it, (a × b) · reference < -1e-10.
+  // 0 to 2 pi, measured around `reference`: more than pi when the shorter turn from this to `v` is
+  // against it, (a x b) . reference < -1e-10.
   [[nodiscard]] double dirAngleTo(const ZoVector& v, const ZoVector& reference) const noexcept {
     const double angle = angleTo(v);
     const bool against = crossProduct(v).dotProduct(reference) < -ZoTol::s_default.getVecTol();
     return against ? 2.0 * std::numbers::pi - angle : angle;
   }
-  // π/2 - angleTo(plane.normal()): positive on the normal's side.
+  // pi/2 - angleTo(plane.normal()): positive on the normal's side.
   [[nodiscard]] ZO_COM_API double angleToPlane(const ZoPlane& plane) const noexcept;
 
   // What the matrix of the same name makes of this vector (zo/geometry/matrix.h). A mirror of
@@ -125,7 +125,7 @@ class ZoVector {
   [[nodiscard]] constexpr bool isZeroLength(const ZoTol& tol = ZoTol::s_default) const noexcept {
     return zo::withinPntTol(lengthSqrd(), tol);
   }
-  // |length² - 1| at most twice the point tolerance; the square is meant.
+  // |length^2 - 1| at most twice the point tolerance; the square is meant.
   [[nodiscard]] constexpr bool isUnitLength(const ZoTol& tol = ZoTol::s_default) const noexcept {
     return zo::magnitude(lengthSqrd() - 1.0) <= 2.0 * tol.getPntTol();
   }
@@ -149,7 +149,7 @@ class ZoVector {
     if (normal(a) != ZoResult::ok || v.normal(b) != ZoResult::ok) return true;
     return a.isEqualTo(a.dotProduct(b) < 0.0 ? -b : b, tol);
   }
-  // The angle to `v` is off π/2 by at most the vector tolerance.
+  // The angle to `v` is off pi/2 by at most the vector tolerance.
   [[nodiscard]] bool isPerpendTo(const ZoVector& v,
                                  const ZoTol& tol = ZoTol::s_default) const noexcept {
     return zo::magnitude(std::numbers::pi / 2.0 - angleTo(v)) <= tol.getVecTol();
@@ -194,7 +194,7 @@ ZO_COM_API std::wostream& operator<<(std::wostream& out, const ZoVector& v);
 inline int ZoVector::normal(ZoVector& out) const noexcept {
   const double squaredLength = lengthSqrd();
   if (squaredLength < zo::squared(ZoTol::s_default.getVecTol())) return ZoResult::refused;
-  if (squaredLength > std::numeric_limits<double>::max()) {
+  if (squaredLength > (std::numeric_limits<double>::max)()) {
     // The square overflows: divide by a power of two first, which loses nothing.
     const ZoVector scaled = *this * 0x1p-600;
     out = scaled / scaled.length();

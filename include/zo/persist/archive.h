@@ -101,8 +101,8 @@ class ZO_COM_API ZoArchive {
   ZoArchive& operator=(const ZoArchive&) = default;
   ZoArchive& operator=(ZoArchive&&) = default;
 
-  // The order of the virtual functions is part of the interface. (Visual Studio lays overloads of
-  // one name out backwards; a build that must fit binaries of that compiler has to turn them.)
+  // The order of the virtual functions is part of the interface. Overloads of one name
+  // stand twice: zo/config.h.
   virtual bool isStoring() = 0;
   virtual void flush();
   // A scope groups what is written up to its end, for archives that show it.
@@ -111,6 +111,7 @@ class ZO_COM_API ZoArchive {
 
   // Exactly so many bytes.
   virtual void readBin(void* buffer, unsigned int size) = 0;
+#ifndef ZO_OVERLOADS_BACKWARDS
   virtual void read(_GUID& value);
   // The id as 4 bytes, although it is written as 8: the next 4 bytes are read as what follows. Kept
   // on purpose; stored data relies on where a reader stands.
@@ -143,6 +144,31 @@ class ZO_COM_API ZoArchive {
   virtual void read(unsigned char& value);
   virtual void read(signed char& value);
   virtual void read(bool& value);  // true for any byte but 0
+#else
+  virtual void read(bool& value);
+  virtual void read(signed char& value);
+  virtual void read(unsigned char& value);
+  virtual void read(short& value);
+  virtual void read(unsigned short& value);
+  virtual void read(int& value);
+  virtual void read(unsigned int& value);
+  virtual void read(std::uint64_t& value);
+  virtual void read(std::int64_t& value);
+  virtual void read(double& value);
+  virtual void read(wchar_t*& value);
+  virtual void read(ZoColor& value);
+  virtual void read(ZoString& value);
+  virtual void read(ZoVariant& value);
+  virtual void read(ZoFileName& value);
+  virtual void read(ZoPoint& value);
+  virtual void read(ZoVector& value);
+  virtual void read(ZoPlane& value);
+  virtual void read(ZoMatrix& value);
+  virtual void read(ZoCoSystem& value);
+  virtual void read(ZoTol& value);
+  virtual void read(ZoHnd& value);
+  virtual void read(_GUID& value);
+#endif
   template <zo::ShortLong T>
   void read(T& value) {
     std::conditional_t<std::is_signed_v<T>, int, unsigned int> number = 0;
@@ -151,6 +177,7 @@ class ZO_COM_API ZoArchive {
   }
 
   virtual void writeBin(const void* data, unsigned int size, const wchar_t* name) = 0;
+#ifndef ZO_OVERLOADS_BACKWARDS
   virtual void write(const _GUID& value, const wchar_t* name);
   virtual void write(const ZoHnd& value, const wchar_t* name);
   virtual void write(const ZoTol& value, const wchar_t* name);
@@ -176,6 +203,31 @@ class ZO_COM_API ZoArchive {
   virtual void write(unsigned char value, const wchar_t* name);
   virtual void write(signed char value, const wchar_t* name);
   virtual void write(bool value, const wchar_t* name);
+#else
+  virtual void write(bool value, const wchar_t* name);
+  virtual void write(signed char value, const wchar_t* name);
+  virtual void write(unsigned char value, const wchar_t* name);
+  virtual void write(short value, const wchar_t* name);
+  virtual void write(unsigned short value, const wchar_t* name);
+  virtual void write(int value, const wchar_t* name);
+  virtual void write(unsigned int value, const wchar_t* name);
+  virtual void write(std::uint64_t value, const wchar_t* name);
+  virtual void write(std::int64_t value, const wchar_t* name);
+  virtual void write(double value, const wchar_t* name);
+  virtual void write(const wchar_t* text, const wchar_t* name);
+  virtual void write(ZoColor& value, const wchar_t* name);
+  virtual void write(const ZoString& value, const wchar_t* name);
+  virtual void write(const ZoVariant& value, const wchar_t* name);
+  virtual void write(const ZoFileName& value, const wchar_t* name);
+  virtual void write(const ZoPoint& value, const wchar_t* name);
+  virtual void write(const ZoVector& value, const wchar_t* name);
+  virtual void write(const ZoPlane& value, const wchar_t* name);
+  virtual void write(const ZoMatrix& value, const wchar_t* name);
+  virtual void write(const ZoCoSystem& value, const wchar_t* name);
+  virtual void write(const ZoTol& value, const wchar_t* name);
+  virtual void write(const ZoHnd& value, const wchar_t* name);
+  virtual void write(const _GUID& value, const wchar_t* name);
+#endif
 
   template <zo::ShortLong T>
   void write(T value, const wchar_t* name) {

@@ -16,6 +16,7 @@
 
 #include <zo/platform_types.h>
 #include <zo/results.h>
+#include <zo/config.h>
 #include <zo/system/sys_obj.h>
 #include <zo/text/string.h>
 #include <zo/variant/variant.h>
@@ -73,9 +74,15 @@ class ZO_COM_API ZoCfg : public ZoSysObj {
   // As at(key, true).
   [[nodiscard]] virtual ZoVariant operator[](const wchar_t* key) = 0;
   // What getAt gives; a copy of defaultValue, or an empty variant, when it fails.
+#ifndef ZO_OVERLOADS_BACKWARDS
   [[nodiscard]] virtual ZoVariant at(const wchar_t* key, const ZoVariant& defaultValue,
                                      bool nested) = 0;
   [[nodiscard]] virtual ZoVariant at(const wchar_t* key, bool nested) = 0;
+#else
+  [[nodiscard]] virtual ZoVariant at(const wchar_t* key, bool nested) = 0;
+  [[nodiscard]] virtual ZoVariant at(const wchar_t* key, const ZoVariant& defaultValue,
+                                     bool nested) = 0;
+#endif
   template <class T>
     requires(!std::is_same_v<T, bool>)
   ZoVariant at(const wchar_t* key, const T& otherwise) = delete;  // write get(key, otherwise)

@@ -22,13 +22,14 @@
 // Cost:    a delivery one guard acquisition and one call per reactor (and service); adding sorts.
 #pragma once
 
+#include <zo/config.h>
 #include <zo/system/reactor.h>
 #include <zo/system/sys_obj.h>
 
 class ZO_COM_API ZoSysDisp : public ZoSysObj {
  public:
-  // The order is part of the interface.
-  //
+  // The order is part of the interface. Overloads of one name stand twice: zo/config.h.
+#ifndef ZO_OVERLOADS_BACKWARDS
   // A notice with a name of the clients' own, to the custom reactors.
   [[nodiscard]] virtual int sendNotice(const wchar_t* name, const ZoVariant& data) = 0;
   // To the system reactors, and then to all services in the order of their slots
@@ -36,6 +37,10 @@ class ZO_COM_API ZoSysDisp : public ZoSysObj {
   // drops what it keeps of the module (poolRelease), and each installed one is asked to go
   // (release).
   [[nodiscard]] virtual int sendNotice(ZoSysNotice notice, const ZoVariant& data) = 0;
+#else
+  [[nodiscard]] virtual int sendNotice(ZoSysNotice notice, const ZoVariant& data) = 0;
+  [[nodiscard]] virtual int sendNotice(const wchar_t* name, const ZoVariant& data) = 0;
+#endif
   // As the second, by the bare number; without it, 0 would be taken for a name.
   [[nodiscard]] int sendNotice(int notice, const ZoVariant& data) {
     return sendNotice(ZoSysNotice{notice}, data);
@@ -43,10 +48,17 @@ class ZO_COM_API ZoSysDisp : public ZoSysObj {
   // To the custom reactors, which may answer in the data.
   [[nodiscard]] virtual int sendRequest(const wchar_t* name, ZoVariant& data) = 0;
 
-  // Registers a reactor, which the dispatcher then owns. One that is added twice is told twice.
+  // addReactor registers a reactor, which the dispatcher then owns. One that is added twice is told
+  // twice. removeReactor takes the first registration back, and hands the reactor to the caller.
+#ifndef ZO_OVERLOADS_BACKWARDS
   [[nodiscard]] virtual int addReactor(ZoCustomReactor* reactor) = 0;
   [[nodiscard]] virtual int addReactor(ZoSystemReactor* reactor) = 0;
-  // Takes the first registration of the reactor back, and hands it to the caller.
   [[nodiscard]] virtual int removeReactor(ZoCustomReactor* reactor) = 0;
   [[nodiscard]] virtual int removeReactor(ZoSystemReactor* reactor) = 0;
+#else
+  [[nodiscard]] virtual int addReactor(ZoSystemReactor* reactor) = 0;
+  [[nodiscard]] virtual int addReactor(ZoCustomReactor* reactor) = 0;
+  [[nodiscard]] virtual int removeReactor(ZoSystemReactor* reactor) = 0;
+  [[nodiscard]] virtual int removeReactor(ZoCustomReactor* reactor) = 0;
+#endif
 };

@@ -29,7 +29,7 @@ struct ZoUnitFormat {
   enum Form : int {
     Decimal,           // 1.5 mm
     Fraction,          // 3 5/8"       whole units and halves, quarters, ... down to 1/1024
-    DegMinSec,         // 12°34'56.7"  angles
+    DegMinSec,         // 12d34'56.7"    angles, with U+00B0 for the d
     FeetInch,          // 5'-3.5"      lengths
     FeetInchFraction,  // 5'-3 1/2"    lengths
   };
@@ -70,7 +70,7 @@ struct ZoUnitFormat {
 //   number   = a real (zo/text/number_text.h) | whole ["-" | white space] whole "/" whole
 //            | whole "/" whole
 //
-// More than one term is taken where units follow one another: 12° 34' 56", 5'-3 1/2", 1 h 30 min,
+// More than one term is taken where units follow one another: 12deg 34' 56", 5'-3 1/2", 1 h 30 min,
 // 2 d 4 h, 3 lb 4 oz. The last of them may leave its unit out: it is the next smaller one. Unit
 // names may be written in other case where that leaves no choice. Of a number's digits the first 18
 // count, and in the internal unit all.

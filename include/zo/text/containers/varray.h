@@ -164,8 +164,14 @@ class ZO_COM_API ZoVArrayIterator {
 
   // The order of these is part of the interface. Movements tell whether the iterator is valid
   // afterwards.
-  virtual void reset();                 // to the first element
-  virtual void reset(ZoVArray& array);  // to the first element of another array
+  // To the first element, of another array.
+#ifndef ZO_OVERLOADS_BACKWARDS
+  virtual void reset();
+  virtual void reset(ZoVArray& array);
+#else
+  virtual void reset(ZoVArray& array);
+  virtual void reset();
+#endif
   [[nodiscard]] virtual bool isValid() const;
   [[nodiscard]] virtual void* current() const;  // null when not valid
   [[nodiscard]] virtual bool atFirst() const;
