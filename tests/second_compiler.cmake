@@ -11,6 +11,11 @@ if(ZO_CLANG AND ZO_PYTHON AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
            COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/slots/check.py ${ZO_CLANG} ${CMAKE_CXX_COMPILER}
                    ${CMAKE_CURRENT_SOURCE_DIR}/slots/classes.cpp ${PROJECT_SOURCE_DIR}/include
                    ${PROJECT_BINARY_DIR}/generated)
+  # For this machine, since only its own libc++ has std::format; it is compiled, not run.
+  add_test(NAME second_compiler.ClangTakesStdFormat
+           COMMAND ${ZO_CLANG} -stdlib=libc++ -std=c++20 -fshort-wchar -Wall -Wextra -Werror -fsyntax-only
+                   -I${PROJECT_SOURCE_DIR}/include -I${PROJECT_BINARY_DIR}/generated
+                   ${CMAKE_CURRENT_SOURCE_DIR}/format/uses.cpp)
 else()
   message(STATUS "No second compiler is tried: clang++-19 is missing (scripts/setup test)")
 endif()
