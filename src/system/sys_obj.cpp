@@ -1,5 +1,8 @@
+#include <windows.h>
 #include <zo/results.h>
 #include <zo/system/sys_obj.h>
+
+#include <atomic>
 
 namespace {
 
@@ -8,14 +11,33 @@ int toResult(unsigned long wait) noexcept {
   return wait == ZoWait::timeOut ? ZoResult::timeOut : ZoResult::refused;
 }
 
+// In place of the mutex while the guard has not been made: no handle, and as one refused by waits.
+void* const kNotMade = reinterpret_cast<void*>(1);
+
 }  // namespace
 
-ZoSysObj::ZoSysObj() noexcept {
-  // A refused guard's fields hold handles that are closed already.
-  if (!zoSWMRGInitialize(&guard_, nullptr)) guard_ = {};
+ZoSysObj::ZoSysObj() noexcept : guard_{kNotMade, nullptr, nullptr} {}
+
+// What comes first is set last: whoever sees the mutex sees the others. One that cannot be made is
+// tried again the next time.
+ZoSingleWriterMultiReaderGuard& ZoSysObj::guardMade() const noexcept {
+  static SRWLOCK making = SRWLOCK_INIT;
+  const std::atomic_ref<void*> mutex(guard_.mutexNoWriter);
+  if (mutex.load(std::memory_order_acquire) != kNotMade) return guard_;
+  AcquireSRWLockExclusive(&making);
+  ZoSingleWriterMultiReaderGuard made;
+  if (mutex.load(std::memory_order_relaxed) == kNotMade && zoSWMRGInitialize(&made, nullptr)) {
+    guard_.eventNoReaders = made.eventNoReaders;
+    guard_.semNumReaders = made.semNumReaders;
+    mutex.store(made.mutexNoWriter, std::memory_order_release);
+  }
+  ReleaseSRWLockExclusive(&making);
+  return guard_;
 }
 
-ZoSysObj::~ZoSysObj() { zoSWMRGDelete(&guard_); }
+ZoSysObj::~ZoSysObj() {
+  if (guard_.mutexNoWriter != kNotMade) zoSWMRGDelete(&guard_);
+}
 
 void ZoSysObj::onReactor(ZoSysNotice, const ZoVariant&) {}
 int ZoSysObj::release(const wchar_t*) { return ZoResult::refused; }
@@ -23,11 +45,11 @@ void ZoSysObj::poolRelease(const wchar_t*) {}
 int ZoSysObj::timeOut() { return 1000; }
 
 int ZoSysObj::waitToWrite() {
-  return toResult(zoSWMRGWaitToWrite(&guard_, static_cast<unsigned long>(timeOut())));
+  return toResult(zoSWMRGWaitToWrite(&guardMade(), static_cast<unsigned long>(timeOut())));
 }
 
 int ZoSysObj::waitToRead() {
-  return toResult(zoSWMRGWaitToRead(&guard_, static_cast<unsigned long>(timeOut())));
+  return toResult(zoSWMRGWaitToRead(&guardMade(), static_cast<unsigned long>(timeOut())));
 }
 
 void ZoSysObj::doneWriting() noexcept { zoSWMRGDoneWriting(&guard_); }

@@ -7,7 +7,10 @@
 #include <zo/system/sys_disp.h>
 #include <zo/system/sys_obj.h>
 
+#include <atomic>
 #include <cstring>
+#include <thread>
+#include <vector>
 
 #include "support/slots.h"
 #include "system/other_thread.h"
@@ -29,11 +32,34 @@ TEST(SysObj, WaitsAnswerObtainedOrTimeOut) {
   service.doneWriting();
 }
 
+// Threads that wait at once for a guard that is not there yet must get the same one.
+TEST(SysObj, FirstWaitsOfManyThreadsMeetOneGuard) {
+  for (int round = 0; round < 50; ++round) {
+    Service service;
+    std::atomic<int> inside = 0, met = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+      threads.emplace_back([&] {
+        while (service.waitToWrite() != ZoResult::ok) {
+        }
+        met += inside++ != 0;
+        std::this_thread::yield();
+        --inside;
+        service.doneWriting();
+      });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(met, 0);
+  }
+}
+
 TEST(SysObj, ACopySharesTheGuardOfItsSource) {
   Service source;
   Service copy(source);
   EXPECT_EQ(std::memcmp(&copy.guard(), &source.guard(), sizeof source.guard()), 0);
   copy.guard() = {};
+  EXPECT_EQ(copy.waitToWrite(), ZoResult::refused) << "given up";
+  EXPECT_EQ(source.waitToWrite(), ZoResult::ok);
+  source.doneWriting();
 }
 
 #if !defined(_MSC_VER)

@@ -6,15 +6,17 @@
 //     return doneReading(ZoResult::ok);
 //   }
 //
+// The guard is made when it is first waited for, or asked for by guard() or a copy.
+//
 // A copy shares its source's guard: it holds the same three handles, and no kernel objects are
-// made. Each destructor closes what its object holds, so all copies but one must give the handles
+// made but for a source that had none yet. Each destructor closes what its object holds, so all copies but one must give the handles
 // up first (guard() = {}), and the source must outlive the use of them. An assignment forgets the
 // handles of its target, without closing them.
 //
-// Errors:  a constructor whose guard cannot be made leaves one without handles, on which every wait
-//          answers ZoResult::refused. Nothing here throws.
+// Errors:  a wait for a guard that cannot be made answers ZoResult::refused, and so does every one
+//          where the handles were given up. Nothing here throws.
 // Threads: what its guard does (zo/system/guard.h); a service guards its own state.
-// Cost:    three kernel objects each; a wait is one kernel call or more.
+// Cost:    three kernel objects each, once used; a wait is one kernel call or more.
 #pragma once
 
 #include <zo/config.h>
@@ -27,8 +29,11 @@ class ZoVariant;
 class ZO_COM_API ZoSysObj {
  public:
   ZoSysObj() noexcept;
-  ZoSysObj(const ZoSysObj&) noexcept = default;
-  ZoSysObj& operator=(const ZoSysObj&) noexcept = default;
+  ZoSysObj(const ZoSysObj& other) noexcept : guard_(other.guardMade()) {}
+  ZoSysObj& operator=(const ZoSysObj& other) noexcept {
+    guard_ = other.guardMade();
+    return *this;
+  }
 
   // ---- Asked by the registry. The order of the virtual functions is part of the interface ----
   virtual ~ZoSysObj();
@@ -68,10 +73,12 @@ class ZO_COM_API ZoSysObj {
   const ZoString& doneReading(const ZoString& value) noexcept;
 
  protected:
-  [[nodiscard]] ZoSingleWriterMultiReaderGuard& guard() noexcept { return guard_; }
+  [[nodiscard]] ZoSingleWriterMultiReaderGuard& guard() noexcept { return guardMade(); }
 
  private:
-  ZoSingleWriterMultiReaderGuard guard_;
+  [[nodiscard]] ZoSingleWriterMultiReaderGuard& guardMade() const noexcept;
+
+  mutable ZoSingleWriterMultiReaderGuard guard_;
 };
 
 static_assert(sizeof(ZoSysObj) == sizeof(void*) + sizeof(ZoSingleWriterMultiReaderGuard));
