@@ -16,6 +16,8 @@
 #include <zo/text/string_ref.h>
 #include <zo/text/sub_string.h>
 #include <zo/variant/variant.h>
+#include <zo/xml/json.h>
+#include <zo/xml/xml_class.h>
 
 namespace zo {
 
@@ -30,6 +32,7 @@ const void* const kClassConstants[] = {
     &ZoSearch::npos,           &ZoString::npos,           &ZoStringRef::npos,
     &ZoSubString::npos,        &ZoVHash::kDefaultBuckets, &ZoVHash::kDefaultLoadFactor,
     &ZoVHashTable::kLongChain, &ZoVariant::kMaxDepth,     &ZoZIPStreambuf::endOfFile,
+    &ZoJson::kMaxBytes,        &ZoXMLClass::kMaxBytes,    &ZoXMLClass::kMaxDepth,
 };
 
 }  // namespace zo
