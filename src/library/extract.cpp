@@ -47,7 +47,7 @@ class Target final : public ByteSink {
 
 }  // namespace
 
-int extractMember(LibraryState& library, const ZoFileName& member, const ZoFileName& target) {
+int extractMember(LibraryState& library, const MemberRef& member, const ZoFileName& target) {
   RawEntry entry;
   if (const int code = findMember(library, member, entry)) return code;
   Progress watched = library.progress(entry.contentSize());

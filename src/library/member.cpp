@@ -57,11 +57,12 @@ LibraryMember::LibraryMember(std::shared_ptr<LibraryDoor> door, LibraryState& li
                              const ZoFileName& name)
     : door_(std::move(door)), library_(library), name_(name.deepCopy()), place_(library) {}
 
-int LibraryMember::openToRead(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& name,
+int LibraryMember::openToRead(const std::shared_ptr<LibraryDoor>& door, const MemberRef& wanted,
                               std::shared_ptr<LibraryMember>& opened) {
+  const ZoFileName& name = wanted.name ? *wanted.name : wanted.entry->name;
   return run(door, Access::kRetry, {&name}, [&](LibraryState& library) {
     const std::shared_ptr<LibraryMember> member(new LibraryMember(door, library, name));
-    if (const int missing = findMember(library, name, member->place_.entry)) return missing;
+    if (const int missing = findMember(library, wanted, member->place_.entry)) return missing;
     if (!member->load()) return ZoResult::refused;
     opened = member;
     return ZoResult::ok;

@@ -15,7 +15,7 @@ namespace zo {
 class LibraryMember {
  public:
   // Opens a member of the library behind the door; answers a code of zo/library/library.h.
-  static int openToRead(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& name,
+  static int openToRead(const std::shared_ptr<LibraryDoor>& door, const MemberRef& wanted,
                         std::shared_ptr<LibraryMember>& opened);
   static int openToWrite(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& name,
                          ZoLibrary::compMode mode, std::shared_ptr<LibraryMember>& opened);

@@ -5,14 +5,25 @@
 // Errors:  the codes of zo/library/library.h; permission was asked for before.
 #pragma once
 
+#include <span>
+
 #include "library/change.h"
 #include "library/state.h"
 
 namespace zo {
 
+// A member as its caller tells of it: by a name, or by an entry that was listed.
+struct MemberRef {
+  const ZoFileName* name = nullptr;
+  const ZoLibEntry* entry = nullptr;
+};
+
 // ---- find.cpp ----
 // Finds a live member. The entry is as it stands in the file now.
 int findMember(LibraryState& library, const ZoFileName& member, RawEntry& entry);
+int findMember(LibraryState& library, const MemberRef& member, RawEntry& entry);
+// The entry that was listed, in the index as it is; 1 when it is not there any more.
+int findListed(LibraryState& library, const ZoLibEntry& wanted, const IndexEntry*& found);
 // The entry at a position.
 int findEntryAt(LibraryState& library, std::uint64_t position, RawEntry& entry);
 // The answer when a search that came to that end found nothing.
@@ -22,6 +33,8 @@ int findEntryAt(LibraryState& library, std::uint64_t position, RawEntry& entry);
 [[nodiscard]] ZoLibEntry describe(const LibraryState& library, const RawEntry& entry);
 int visitEntries(LibraryState& library, const std::function<bool(const ZoLibEntry&)>& visit,
                  bool withDeleted);
+int visitVersions(LibraryState& library, const ZoFileName& member,
+                  const std::function<bool(const ZoLibEntry&)>& visit);
 
 // ---- add.cpp ----
 // A name's bytes; false for one that has none.
@@ -48,15 +61,26 @@ int addMember(LibraryState& library, MemberSource& source, const NewMember& memb
 int beginBatch(LibraryState& library);  // endBatch: library/change.h
 
 // ---- edit.cpp ----
-int renameMember(LibraryState& library, const ZoFileName& member, const ZoFileName& newName);
-int deleteMember(LibraryState& library, const ZoFileName& member, bool physically);
-int recoverMember(LibraryState& library, const ZoFileName& member);
-int recoverEntry(LibraryState& library, const ZoLibEntry& wanted);
+// All of the members or none. `at` is then the one that was refused, or their number.
+int deleteMembers(LibraryState& library, std::span<const MemberRef> members,
+                  ZoLibrary::Deletion how, std::size_t& at);
+enum class Versions { kFirst, kLatest };  // which of a name's deleted members comes back
+int recoverMembers(LibraryState& library, std::span<const MemberRef> members, Versions which,
+                   bool replaces, std::size_t& at);
 int setTimes(LibraryState& library, std::uint64_t position, const MemberTimes& times);
 int setValue(LibraryState& library, std::uint64_t value);
 
+// ---- rename.cpp ----
+struct Renaming {
+  MemberRef member;
+  const ZoFileName& newName;
+};
+// All of the members or none, as above. They change names at the same instant, so that two may swap
+// them.
+int renameMembers(LibraryState& library, std::span<const Renaming> renamings, std::size_t& at);
+
 // ---- extract.cpp ----
-int extractMember(LibraryState& library, const ZoFileName& member, const ZoFileName& target);
+int extractMember(LibraryState& library, const MemberRef& member, const ZoFileName& target);
 int verifyEntry(LibraryState& library, const ZoLibEntry& entry);
 
 // ---- rewrite.cpp ----

@@ -34,6 +34,7 @@ bool LibraryState::load(const IndexEntry& from, RawEntry& entry) {
   entry.record = decodeRecord(std::span(bytes).first<kRecordSize>());
   entry.name.assign(bytes.begin() + kRecordSize, bytes.end());
   entry.trailer = from.trailer;
+  entry.ordinal = index_.ordinal(from);
   return true;
 }
 

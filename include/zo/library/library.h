@@ -41,10 +41,12 @@
 #include <zo/library/library_results.h>
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <span>
 
 template <class T>
 class ZoSequence;
@@ -129,9 +131,6 @@ class ZO_COM_API ZoLibrary {
   // Undoes a deletion by mark, of the first deleted member of that name. 1001 when a live member
   // has the name.
   [[nodiscard]] int recoverFile(const ZoFileName& member);
-  // The same for one of several deleted members of a name: an entry as forEachEntry gives it. 1
-  // when it is no deleted member.
-  [[nodiscard]] int recoverFile(const ZoLibEntry& entry);
   // Opens a member as a file object (zo/library/lib_file.h): to read it, or with kWrite in access
   // to write it anew; it is then added, replacing what has the name, when close() is called. `mode`
   // is how it is added, with kNormal as the level.
@@ -149,6 +148,41 @@ class ZO_COM_API ZoLibrary {
     requires(!ZoFile::kMayBe<Access, ZoFile::Access>)
   int getCFile(std::FILE**, const ZoFileName&, Access,
                compMode = kCompress) = delete;  // the access comes first, then the compMode
+
+  // ---- Members by entry ----
+  // The same for the one member whose entry was listed: live or deleted, one of several of a name,
+  // or one whose name is none. 1 when that entry is not there any more, or not in that state.
+  [[nodiscard]] int extractFile(const ZoLibEntry& entry, const ZoFileName& target);
+  [[nodiscard]] int renameFile(const ZoLibEntry& entry, const ZoFileName& newName);
+  [[nodiscard]] int deleteFile(const ZoLibEntry& entry, bool physically = false);
+  // `replace` lets it take the place of a live member of that name, which becomes deleted.
+  [[nodiscard]] int recoverFile(const ZoLibEntry& entry, bool replace = false);
+  [[nodiscard]] int getFile(ZoFile& file, const ZoLibEntry& entry);  // for reading
+
+  // ---- Many members in one step ----
+  // Each changes all of the members, or none of them after a refusal, a kill or a loss of power.
+  // `refused` gets the place of the one that could not be changed, or their number. A member that
+  // is named twice counts once; only a second new name for it is refused. One step has room for 16
+  // MiB of records and names, some 180,000 members of usual names; with more it is refused and the
+  // platform's reason is that it is not supported. Physical deletion has no such limit.
+  enum Deletion {
+    kByMark,       // recoverFile brings it back
+    kPhysically,   // and its space is free
+    kAllVersions,  // physically, with what was deleted by mark under its name
+  };
+  [[nodiscard]] int deleteFiles(std::span<const ZoFileName> members, Deletion how = kByMark,
+                                std::size_t* refused = nullptr);
+  [[nodiscard]] int deleteFiles(std::span<const ZoLibEntry> entries, Deletion how = kByMark,
+                                std::size_t* refused = nullptr);
+  // Of each name the member that was added last. `replace` as above; 1001 without it.
+  [[nodiscard]] int recoverFiles(std::span<const ZoFileName> members, bool replace = false,
+                                 std::size_t* refused = nullptr);
+  [[nodiscard]] int recoverFiles(std::span<const ZoLibEntry> entries, bool replace = false,
+                                 std::size_t* refused = nullptr);
+  // At the same instant: members may take each other's names. Who renames a folder of members gives
+  // all that are in it.
+  [[nodiscard]] int renameFiles(std::span<const ZoLibRename> renamings,
+                                std::size_t* refused = nullptr);
 
   // ---- What is there ----
   // Adds the names to the sequence, and the times of the last change and the sizes of the members
@@ -170,6 +204,12 @@ class ZO_COM_API ZoLibrary {
                    WithDeleted) = delete;  // bool withDeleted
   // A live member's entry.
   [[nodiscard]] int getEntry(const ZoFileName& member, ZoLibEntry& entry);
+  // The entry of a member, live or deleted, by its ordinal.
+  [[nodiscard]] int getEntry(std::uint64_t ordinal, ZoLibEntry& entry);
+  // Visits all entries of one name, live and deleted, from the oldest to the newest: its versions.
+  // No call on this library from within.
+  [[nodiscard]] int forEachVersion(const ZoFileName& member,
+                                   const std::function<bool(const ZoLibEntry&)>& visit);
   [[nodiscard]] bool contains(const ZoFileName& member);
 
   // ---- The file as a whole ----
