@@ -1,15 +1,16 @@
 // The public class: each operation goes through the library's door.
 #include <zo/library/lib_file.h>
 #include <zo/library/library.h>
+#include <zo/library/packed_member.h>
 #include <zo/text/containers/sequence.h>
 
 #include <algorithm>
 #include <utility>
 
 #include "library/door.h"
-#include "library/file_source.h"
 #include "library/member.h"
 #include "library/operations.h"
+#include "library/packed_content.h"
 #include "library/tail.h"
 
 using zo::Access;
@@ -18,16 +19,19 @@ using zo::LibraryDoor;
 using zo::LibraryMember;
 using zo::LibraryState;
 using zo::MemberRef;
+using zo::MemberTimes;
 using zo::Renaming;
 using zo::run;
 using zo::Versions;
 
 namespace {
 
-int addFrom(LibraryState& library, ZoFile& source, zo::NewMember member) {
+int addFrom(LibraryState& library, ZoFile& source, zo::NewMember member, ZoLibrary::compMode mode,
+            int level) {
   zo::FileSource bytes(source);
   if (!bytes.isReadable() || !zo::timesOf(source, member.times)) return ZoResult::refused;
-  return zo::addMember(library, bytes, member);
+  zo::PackedOnTheWay content(bytes, mode, level);
+  return zo::addMember(library, content, member);
 }
 
 // A library that was moved from gets a new one.
@@ -138,14 +142,22 @@ int ZoLibrary::addFile(const ZoFileName& source, const ZoFileName& member, bool 
                   ZoFile::kSequential)) {
       return ZoResult::refused;
     }
-    return addFrom(library, file, {member, {}, replace, mode, level});
+    return addFrom(library, file, {member, {}, replace}, mode, level);
   });
 }
 
 int ZoLibrary::addFile(ZoFile& source, const ZoFileName& member, bool replace, compMode mode,
                        int level) {
   return run(core_, Access::kWrite, {&member}, [&](LibraryState& library) {
-    return addFrom(library, source, {member, {}, replace, mode, level});
+    return addFrom(library, source, {member, {}, replace}, mode, level);
+  });
+}
+
+int ZoLibrary::addFile(ZoPackedMember& packed, const ZoFileName& member, bool replace) {
+  return run(core_, Access::kWrite, {&member}, [&](LibraryState& library) -> int {
+    if (packed.isEmpty()) return ZoResult::refused;
+    const MemberTimes times{packed.created(), packed.accessed(), packed.written()};
+    return zo::addMember(library, *packed.content_, {member, times, replace});
   });
 }
 
@@ -160,7 +172,7 @@ int ZoLibrary::cancelBatch() {
 }
 
 int ZoLibrary::extractFile(const ZoFileName& member, const ZoFileName& target) {
-  return run(core_, Access::kRetry, {&member, &target}, zo::extractMember, refTo(member), target);
+  return zo::extractMember(core_, refTo(member), target);
 }
 
 int ZoLibrary::renameFile(const ZoFileName& member, const ZoFileName& newName) {
@@ -178,7 +190,6 @@ int ZoLibrary::recoverFile(const ZoFileName& member) {
 }
 
 int ZoLibrary::getFile(ZoFile& file, const ZoFileName& member, int access, compMode mode) {
-  const FilesLock lock;
   std::shared_ptr<LibraryMember> opened;
   const int code = access & ZoFile::kWrite
                        ? LibraryMember::openToWrite(core_, member, mode, opened)
@@ -199,7 +210,7 @@ int ZoLibrary::getCFile(std::FILE** stream, const ZoFileName& member, int access
 // ---- Members by entry ----
 
 int ZoLibrary::extractFile(const ZoLibEntry& entry, const ZoFileName& target) {
-  return run(core_, Access::kRetry, {&target}, zo::extractMember, refTo(entry), target);
+  return zo::extractMember(core_, refTo(entry), target);
 }
 
 int ZoLibrary::renameFile(const ZoLibEntry& entry, const ZoFileName& newName) {
@@ -216,7 +227,6 @@ int ZoLibrary::recoverFile(const ZoLibEntry& entry, bool replace) {
 }
 
 int ZoLibrary::getFile(ZoFile& file, const ZoLibEntry& entry) {
-  const FilesLock lock;
   std::shared_ptr<LibraryMember> opened;
   const int code = LibraryMember::openToRead(core_, refTo(entry), opened);
   return code ? code : file.setImpObj(new ZoLibFile(std::move(opened)));
@@ -335,9 +345,7 @@ std::uint64_t ZoLibrary::trailingBytes() {
   return bytes;
 }
 
-int ZoLibrary::verify(const ZoLibEntry& entry) {
-  return run(core_, Access::kRetry, {}, zo::verifyEntry, entry);
-}
+int ZoLibrary::verify(const ZoLibEntry& entry) { return zo::verifyEntry(core_, entry); }
 
 int ZoLibrary::salvageInto(ZoLibrary& target,
                            const std::function<bool(const ZoLibEntry&, int code)>& report) {

@@ -5,12 +5,16 @@
 // Errors:  the codes of zo/library/library.h; permission was asked for before.
 #pragma once
 
+#include <memory>
 #include <span>
 
 #include "library/change.h"
+#include "library/pack.h"
 #include "library/state.h"
 
 namespace zo {
+
+class LibraryDoor;
 
 // A member as its caller tells of it: by a name, or by an entry that was listed.
 struct MemberRef {
@@ -44,20 +48,36 @@ struct MemberTimes {
   FILETIME created{}, accessed{}, written{};
   void storeIn(EntryRecord& record) const noexcept;
 };
-// Bytes of a new member, which can be asked for once more.
-class MemberSource : public ByteSource {
+// With one question where the file is one of the platform; false when that is not answered.
+[[nodiscard]] bool timesOf(ZoFile& file, MemberTimes& times);
+// The data of a new member.
+class NewContent {
  public:
-  [[nodiscard]] virtual std::uint64_t size() const = 0;
-  [[nodiscard]] virtual bool restart() = 0;
+  virtual ~NewContent() = default;
+  [[nodiscard]] virtual std::uint64_t size() const = 0;  // of the member itself
+  // Writes the data, and fills in what the entry says of them.
+  [[nodiscard]] virtual bool writeTo(PackTarget& target, Progress& progress, ReusedMemory& memory,
+                                     RawEntry& entry) = 0;
+};
+class PackedOnTheWay final : public NewContent {
+ public:
+  PackedOnTheWay(MemberSource& source, ZoLibrary::compMode mode, int level)
+      : source_(source), mode_(mode), level_(level) {}
+  [[nodiscard]] std::uint64_t size() const override { return source_.size(); }
+  [[nodiscard]] bool writeTo(PackTarget& target, Progress& progress, ReusedMemory& memory,
+                             RawEntry& entry) override;
+
+ private:
+  MemberSource& source_;
+  ZoLibrary::compMode mode_;
+  int level_;
 };
 struct NewMember {
   const ZoFileName& name;
   MemberTimes times;
   bool replaces;
-  ZoLibrary::compMode mode;
-  int level;
 };
-int addMember(LibraryState& library, MemberSource& source, const NewMember& member);
+int addMember(LibraryState& library, NewContent& content, const NewMember& member);
 int beginBatch(LibraryState& library);  // endBatch: library/change.h
 
 // ---- edit.cpp ----
@@ -80,8 +100,10 @@ struct Renaming {
 int renameMembers(LibraryState& library, std::span<const Renaming> renamings, std::size_t& at);
 
 // ---- extract.cpp ----
-int extractMember(LibraryState& library, const MemberRef& member, const ZoFileName& target);
-int verifyEntry(LibraryState& library, const ZoLibEntry& entry);
+// These read without keeping others waiting (library/reading.h).
+int extractMember(const std::shared_ptr<LibraryDoor>& door, const MemberRef& member,
+                  const ZoFileName& target);
+int verifyEntry(const std::shared_ptr<LibraryDoor>& door, const ZoLibEntry& entry);
 
 // ---- rewrite.cpp ----
 // Makes the file one without the entries that `drops` names, in one step, by a change that has

@@ -25,7 +25,10 @@
 //          platform is to be had from the file-system service's errorTxt(). Nothing throws but
 //          std::bad_alloc, and then nothing is changed.
 // Threads: any, also on one object: one call runs at a time in a process, and others wait for it,
-//          isOpen() and name() too; but nobody waits for an open() that waits for another writer.
+//          isOpen() and name() too; but nobody waits for an open() that waits for another writer,
+//          and hardly for who reads a member (extractFile, verify, getFile): that goes on beside
+//          all others, so that as many threads as there are processors read one library. Packing on
+//          all of them: zo/library/packed_member.h. The library starts no threads.
 //          Only moving and destroying are for one thread. The thread that opened a library for
 //          writing closes it (the platform ties the lock to it). Other processes read while one
 //          writes.
@@ -50,6 +53,7 @@
 
 template <class T>
 class ZoSequence;
+class ZoPackedMember;
 
 namespace zo {
 class LibraryDoor;
@@ -60,14 +64,15 @@ class ZO_COM_API ZoLibrary {
   enum compMode : unsigned int {
     kStore = 0,
     kCompress = 1,
-    kAutomatic = 2,  // compressed, unless that is no smaller
+    kAutomatic = 2,  // compressed, unless that is no smaller; by samples where it is large
   };
   // How hard a member is compressed; anything else counts as normal. They reach the file.
   static constexpr int kFast = 1024, kNormal = 2048, kBest = 4096;
 
   // Called before a long call begins, within it at intervals of at most some hundred KiB, and at
   // its end; bytes of the members (reorganize: of the file). False cancels the call, which then
-  // answers 1 and leaves everything as it was; so does an exception.
+  // answers 1 and leaves everything as it was; so does an exception. It is called on the thread of
+  // its call, for one call at a time.
   using Watcher = std::function<bool(std::uint64_t done, std::uint64_t total)>;
 
   ZoLibrary();
@@ -99,13 +104,16 @@ class ZO_COM_API ZoLibrary {
   [[nodiscard]] ZoFileName name() const;  // as it was opened; empty when closed
 
   // ---- Members ----
-  // Adds a file with its three times. `replace` lets it take the place of a live member of that
+  // Adds a file with its three times. What is read of it counts, if its size was another one, as
+  // that of a log that grows. `replace` lets it take the place of a live member of that
   // name, which is refused otherwise. `level` is kFast, kNormal or kBest.
   [[nodiscard]] int addFile(const ZoFileName& source, const ZoFileName& member,
                             bool replace = false, compMode mode = kCompress, int level = kNormal);
   // The same from a file object, from its position to its end.
   [[nodiscard]] int addFile(ZoFile& source, const ZoFileName& member, bool replace = false,
                             compMode mode = kCompress, int level = kNormal);
+  // The same of one that was packed before (zo/library/packed_member.h), which stays as it is.
+  [[nodiscard]] int addFile(ZoPackedMember& packed, const ZoFileName& member, bool replace = false);
   template <class Source, class Replace, class Mode = compMode, class Level = int>
     requires(!std::same_as<Replace, bool> || !std::same_as<Level, int>)
   int addFile(Source&&, const ZoFileName&, Replace, Mode = kCompress,
@@ -245,7 +253,8 @@ class ZO_COM_API ZoLibrary {
 
   // ---- Long calls ----
   void onProgress(Watcher watcher);
-  [[nodiscard]] bool wasCancelled() const;  // the last call that could be
+  // The last call that could be; of several at once, any of them.
+  [[nodiscard]] bool wasCancelled() const;
 
  private:
   std::shared_ptr<zo::LibraryDoor> core_;  // shared with the members that are open as files
