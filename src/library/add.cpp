@@ -3,7 +3,6 @@
 
 #include "library/operations.h"
 #include "library/time_value.h"
-#include "platform/ansi.h"
 
 namespace zo {
 namespace {
@@ -104,12 +103,6 @@ int addToBatch(LibraryState& library, RawEntry entry, NewContent& content,
 }
 
 }  // namespace
-
-bool encodeName(const ZoFileName& name, std::string& bytes) {
-  const std::wstring_view text = name.view();
-  bytes = toMultiByte(text);
-  return !bytes.empty() && bytes.size() <= kLargestName && fromMultiByte(bytes) == text;
-}
 
 bool timesOf(ZoFile& file, MemberTimes& times) {
   if (file.handle() != INVALID_HANDLE_VALUE) {

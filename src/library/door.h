@@ -11,6 +11,7 @@
 
 #include "library/files_lock.h"
 #include "library/state.h"
+#include "platform/system_path.h"
 
 namespace zo {
 
@@ -42,6 +43,7 @@ class LibraryDoor {
   [[nodiscard]] int mayRun(Access access, std::initializer_list<const ZoFileName*> members) const;
   int openOnce(Opening& opening);
   int openFile(Opening& opening);
+  int makeNew(const Opening& opening, const SystemPath& path, bool isMade);
 
   LibraryState library_;
 };
@@ -58,5 +60,11 @@ int run(const std::shared_ptr<LibraryDoor>& door, Access access,
   if (refused) return refused;
   return operation(door->library_, arguments...);
 }
+
+inline constexpr unsigned int kPollInterval = 20;  // ms: there is no waiting for a file
+
+// A change, and again as long as the library's time-out goes while it answers 1006. Nobody waits
+// for this meanwhile.
+int untilReplaced(const std::shared_ptr<LibraryDoor>& door, const std::function<int()>& change);
 
 }  // namespace zo

@@ -5,7 +5,6 @@
 #include "library/read_member.h"
 #include "library/time_value.h"
 #include "names/name_compare.h"
-#include "platform/ansi.h"
 #include "text/code_units.h"
 
 namespace zo {
@@ -18,11 +17,11 @@ static_assert(ZoLibEntry::kScanEnds == kEndsScan && ZoLibEntry::kCompressed == k
 bool isAscii(wchar_t unit) { return unit < 0x7F; }
 
 // Whether an entry's name is the wanted one, which is in ASCII: nearly always told by comparing
-// bytes. Every ANSI code page has the ASCII characters in their places.
+// bytes, up to what may be an escape. Every ANSI code page has the ASCII characters in their places.
 bool isNamed(std::string_view bytes, std::wstring_view wanted) {
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     const wchar_t unit = static_cast<unsigned char>(bytes[i]);
-    if (!isAscii(unit)) return equalNames(fromMultiByte(bytes), wanted);
+    if (!isAscii(unit) || unit == L'\\') return equalNames(decodeName(bytes), wanted);
     if (i == wanted.size() || lowerAscii(unit) != lowerAscii(wanted[i])) return false;
   }
   return bytes.size() == wanted.size();
@@ -74,7 +73,7 @@ const FirstFind* findFirst(LibraryState& library, const ZoFileName& member) {
 
 // Whether an entry is the one that was listed, and not another that stands there now.
 bool isListed(const RawEntry& entry, const ZoLibEntry& wanted) {
-  const ZoFileName name(std::wstring_view(fromMultiByte(entry.name)));
+  const ZoFileName name(std::wstring_view(decodeName(entry.name)));
   return entry.record.number == wanted.number && entry.record.storedSize == wanted.storedSize &&
          equalNames(name.view(), wanted.name.view());
 }
@@ -140,7 +139,7 @@ ZoLibEntry describe(const LibraryState& library, const IndexEntry& entry) {
 ZoLibEntry describe(const LibraryState& library, const RawEntry& entry) {
   ZoLibEntry result = describe(library, entry.position, entry.record, entry.trailer);
   result.ordinal = entry.ordinal;
-  result.name = std::wstring_view(fromMultiByte(entry.name));
+  result.name = std::wstring_view(decodeName(entry.name));
   return result;
 }
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <bit>
 
+#include "library/name_bytes.h"
 #include "names/name_compare.h"
-#include "platform/ansi.h"
 
 namespace zo {
 
@@ -15,15 +15,12 @@ void LibraryIndex::clear() {
   largestNumber_ = 0;
 }
 
-// Every ANSI code page has the ASCII characters in their places.
 void LibraryIndex::keepName(IndexEntry& entry, std::string_view bytes) {
   entry.nameBegin = names_.size();
-  const bool isAscii =
-      std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= 0 && c < 0x7F; });
-  if (isAscii) {
+  if (isPlainName(bytes)) {
     names_.append(bytes.begin(), bytes.end());
   } else {
-    names_ += fromMultiByte(bytes);
+    names_ += decodeName(bytes);
   }
   entry.nameSize = names_.size() - entry.nameBegin;
   entry.hash = hashName(name(entry));

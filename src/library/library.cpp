@@ -22,6 +22,7 @@ using zo::MemberRef;
 using zo::MemberTimes;
 using zo::Renaming;
 using zo::run;
+using zo::untilReplaced;
 using zo::Versions;
 
 namespace {
@@ -58,12 +59,13 @@ int changeAll(const std::shared_ptr<LibraryDoor>& door, std::span<const Member> 
   refs.reserve(members.size());
   for (const Member& member : members) refs.push_back(refTo(member));
   std::size_t at = members.size();
-  const int code = run(door, Access::kWrite, {}, [&](LibraryState& library) -> int {
+  const auto once = [&](LibraryState& library) -> int {
     if (refs.empty()) return ZoResult::ok;
     const auto url = std::ranges::find_if(refs, [](const auto& ref) { return isURL(ref); });
     at = static_cast<std::size_t>(url - refs.begin());
     return url != refs.end() ? ZoResult::invalid : operation(library, refs, arguments..., at);
-  });
+  };
+  const int code = untilReplaced(door, [&] { return run(door, Access::kWrite, {}, once); });
   if (refused) *refused = at;
   return code;
 }
@@ -72,10 +74,11 @@ int changeAll(const std::shared_ptr<LibraryDoor>& door, std::span<const Member> 
 template <class Operation, class Ref, class... Arguments>
 int changeOne(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& member,
               const Operation& operation, const Ref& ref, const Arguments&... arguments) {
-  return run(door, Access::kWrite, {&member}, [&](LibraryState& library) {
+  const auto once = [&](LibraryState& library) {
     std::size_t at = 0;
     return operation(library, std::span(&ref, 1), arguments..., at);
-  });
+  };
+  return untilReplaced(door, [&] { return run(door, Access::kWrite, {&member}, once); });
 }
 
 // What the header of an open library says; 0 when it cannot be asked.
@@ -314,7 +317,9 @@ bool ZoLibrary::contains(const ZoFileName& member) {
 
 // ---- The file as a whole ----
 
-int ZoLibrary::reorganize() { return run(core_, Access::kWrite, {}, zo::reorganize); }
+int ZoLibrary::reorganize() {
+  return untilReplaced(core_, [&] { return run(core_, Access::kWrite, {}, zo::reorganize); });
+}
 
 std::uint64_t ZoLibrary::checkSum() {
   return askHeader(core_, [](const zo::LibraryHeader& header) { return header.value(); });
@@ -343,6 +348,16 @@ std::uint64_t ZoLibrary::trailingBytes() {
     return ZoResult::ok;
   }));
   return bytes;
+}
+
+bool ZoLibrary::hasUnfinishedChange() {
+  bool isUnfinished = false;
+  static_cast<void>(run(core_, Access::kRead, {}, [&](LibraryState& library) {
+    if (const int code = library.refresh()) return code;
+    isUnfinished = library.scan().redoPosition != 0 || zo::isBeingAdded(library);
+    return int{ZoResult::ok};
+  }));
+  return isUnfinished;
 }
 
 int ZoLibrary::verify(const ZoLibEntry& entry) { return zo::verifyEntry(core_, entry); }

@@ -9,6 +9,7 @@
 #include <span>
 
 #include "library/change.h"
+#include "library/name_bytes.h"
 #include "library/pack.h"
 #include "library/state.h"
 
@@ -41,9 +42,6 @@ int visitVersions(LibraryState& library, const ZoFileName& member,
                   const std::function<bool(const ZoLibEntry&)>& visit);
 
 // ---- add.cpp ----
-// A name's bytes; false for one that has none.
-[[nodiscard]] bool encodeName(const ZoFileName& name, std::string& bytes);
-
 struct MemberTimes {
   FILETIME created{}, accessed{}, written{};
   void storeIn(EntryRecord& record) const noexcept;

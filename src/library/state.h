@@ -58,6 +58,8 @@ class LibraryState {
   // ---- The file ----
   [[nodiscard]] bool isOpen() const noexcept { return file_.isOpen(); }
   [[nodiscard]] bool isWritable() const noexcept { return isWritable_; }
+  // How many ms a writer waits for others.
+  [[nodiscard]] unsigned int timeOut() const noexcept { return timeOut_; }
   [[nodiscard]] const ZoFileName& name() const noexcept { return name_; }  // as it was opened
   [[nodiscard]] const std::wstring& path() const noexcept { return path_; }
   // Its bytes, to be read.
@@ -100,6 +102,7 @@ class LibraryState {
   ZoFileName name_;
   std::wstring path_;  // in full
   bool isWritable_ = false;
+  unsigned int timeOut_ = 0;
   WriteLock lock_;
   DiskFile file_;
   LibraryHeader header_;

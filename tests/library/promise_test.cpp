@@ -226,11 +226,29 @@ class LibraryPromise : public LibraryTest {
         EXPECT_TRUE(trouble == Trouble::stop || image.size() <= afterImage_.size());
         disk_.put(image);
         if (onImage_) onImage_(image);
+        if (trouble == Trouble::stop) expectNoDamage(image);
         check(code);
         if (HasFailure()) return;
         if (calls < nth) break;
       }
     }
+  }
+
+  // What a killed writer leaves is an unfinished change, and ends where the members do or does not.
+  static void expectNoDamage(const MemoryDisk::Image& image) {
+    ZoLibrary reader;
+    if (reader.open(kPath)) return;
+    EXPECT_EQ(reader.trailingBytes(), 0u);
+    std::uint64_t end = 32;
+    EXPECT_EQ(reader.forEachEntry(
+                  [&](const ZoLibEntry& entry) {
+                    end = entry.position + 54 + entry.name.fullNameSize() + entry.storedSize;
+                    return true;
+                  },
+                  true),
+              0);
+    const std::uint64_t size = image.at(kPath).size();
+    EXPECT_TRUE(size <= 32 || reader.hasUnfinishedChange() == (end != size)) << end << ' ' << size;
   }
 
   // Whatever part of the writes reaches the disk. Returns the number of cases.

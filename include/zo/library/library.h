@@ -7,9 +7,8 @@
 //   if (code != 0) return code;
 //   return library.extractFile(L"bolts/m8.dwg", L"C:\\out\\m8.dwg");
 //
-// Names    are kept as they are given, and compared ignoring case. They must have a form in the
-//          system's ANSI code page, of 1 to 65535 bytes; others are refused, never mangled. If
-//          a file holds more than one live member of a name, the first counts.
+// Names    are kept as they are given, and compared ignoring case. They have 1 to 65535 bytes in the
+//          system's ANSI code page, with seven for each unit that it does not hold. If a file holds more than one live member of a name, the first counts.
 // Promise  after a killed process, a full disk, an I/O error or a cancelled call at any instant,
 //          every member that was complete before the call is intact, and the call is wholly done
 //          or wholly absent. docs/formats/library.md has the order of writes that keeps it.
@@ -21,7 +20,8 @@
 // Errors:  0, or: 1 not open, a read or write that failed or came short, no such member, or another
 //          failure; 3 a URL as a member's name; 1001 a live member has the name; 1002 no such
 //          member, where a mark in the file ended the search; 1004 not open for writing; 1005
-//          another writer kept the library for longer than the time-out. A failure of the
+//          another writer kept the library for longer than the time-out; 1006 others have the file
+//          open that is to be replaced. A failure of the
 //          platform is to be had from the file-system service's errorTxt(). Nothing throws but
 //          std::bad_alloc, and then nothing is changed.
 // Threads: any, also on one object: one call runs at a time in a process, and others wait for it,
@@ -222,8 +222,10 @@ class ZO_COM_API ZoLibrary {
 
   // ---- The file as a whole ----
   // Rewrites the file without deleted members, beside itself, and replaces it in one step. Where
-  // the platform replaces no file that another process has open, it answers 1 and leaves all as it
-  // was; elsewhere such a process keeps the old file until it opens the library again.
+  // the platform replaces no file that others have open, it waits for them and tries again, as long
+  // as the time-out that the library was opened with, as physical deletion does; 1006 when they have
+  // it even then, and all is as it was. Elsewhere they keep the old file until they open the library
+  // again.
   [[nodiscard]] int reorganize();
   // The 64-bit value that a library keeps for its users. checkSum answers 0 when it is not open.
   [[nodiscard]] std::uint64_t checkSum();
@@ -236,6 +238,9 @@ class ZO_COM_API ZoLibrary {
   // number of bytes that follow the last member and are none. They are what a killed writer left,
   // or damage, or stand behind a mark that ends the members before the file does.
   [[nodiscard]] std::uint64_t trailingBytes();
+  // Whether a change is being made, or was when its writer was killed: no damage. The next writer
+  // finishes or undoes it; the members are those before or after it.
+  [[nodiscard]] bool hasUnfinishedChange();
   // Reads a member as a whole: 0 when it is as it was added, 1000 when its check value is not that
   // of its bytes, or its sizes differ that should not, 1 when it cannot be read. One without
   // protection gives 0 when it can be read.
