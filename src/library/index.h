@@ -1,6 +1,7 @@
 // What a library holds, in memory: its entries in the order of the file, found by name.
 //
 // Threads: one at a time.
+// Memory:  some 100 bytes and the name for each entry: there may be a million of them.
 // Cost:    finding a name is O(1) and the number of entries of that name; a place is found by
 //          bisection.
 #pragma once
@@ -13,9 +14,10 @@ struct IndexEntry {
   std::uint64_t position = 0;
   EntryRecord record;
   ContentTrailer trailer;
-  std::size_t nameBegin = 0, nameSize = 0;  // among the names
-  std::size_t hash = 0;                     // of the name
-  std::size_t before = 0;                   // the next older entry in its bucket, counted from 1
+  std::size_t nameBegin = 0;  // among the names
+  std::uint32_t nameSize = 0;
+  std::uint32_t hash = 0;    // of the name
+  std::uint32_t before = 0;  // the next older entry in its bucket, counted from 1
 
   [[nodiscard]] std::uint64_t dataPosition() const {
     return position + kRecordSize + record.nameLength;
@@ -62,19 +64,19 @@ class LibraryIndex {
   template <class Visitor>
   void visitNamed(std::wstring_view wanted, const Visitor& visit) const;
   [[nodiscard]] const IndexEntry* findFirst(std::wstring_view wanted, bool isLive) const;
-  [[nodiscard]] std::size_t& bucket(std::size_t hash) noexcept;
-  [[nodiscard]] std::size_t newest(std::size_t hash) const;
+  [[nodiscard]] std::uint32_t& bucket(std::uint32_t hash) noexcept;
+  [[nodiscard]] std::uint32_t newest(std::uint32_t hash) const;
   [[nodiscard]] bool isNamed(const IndexEntry& entry, std::wstring_view wanted,
-                             std::size_t hash) const;
+                             std::uint32_t hash) const;
   void keepName(IndexEntry& entry, std::string_view bytes);
-  void link(std::size_t number);
-  void unlink(std::size_t number) noexcept;
+  void link(std::uint32_t number);
+  void unlink(std::uint32_t number) noexcept;
   void makeBuckets(std::size_t count);
 
   std::vector<IndexEntry> entries_;
   std::uint32_t largestNumber_ = 0;
   std::wstring names_;
-  std::vector<std::size_t> buckets_;  // the newest entry of each, counted from 1
+  std::vector<std::uint32_t> buckets_;  // the newest entry of each, counted from 1
 };
 
 }  // namespace zo
