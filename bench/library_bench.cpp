@@ -177,6 +177,18 @@ void openFindRead(benchmark::State& state, unsigned members) {
   }
 }
 
+void openAddOne(benchmark::State& state, unsigned members) {
+  const std::wstring path = libraryOf(L"list" + std::to_wstring(members), members, 100);
+  const ZoFileName source(folder()(L"added").c_str());
+  std::ofstream(fs::path(source.fullName()), std::ios::binary) << noise(1000, 2);
+  for (auto _ : state) {
+    ZoLibrary library;
+    check(library.open(path.c_str(), ZoFile::kReadWrite), "open");
+    check(library.addFile(source, L"added", true, ZoLibrary::kStore), "add");
+    check(library.deleteFile(L"added", true), "delete");  // the last: the file is cut
+  }
+}
+
 void find(benchmark::State& state, unsigned members) {
   const std::wstring path = libraryOf(L"list" + std::to_wstring(members), members, 100);
   ZoLibrary library;
@@ -412,6 +424,13 @@ int registerAll() {
   }
   add("OpenFindRead/100000/ours", [](auto& state) { openFindRead(state, 100'000); });
   add("OpenFindRead/100000/peer:reading_the_file", [](auto& state) { readPlain(state, 100'000); });
+  constexpr unsigned kMany = 1'000'000;
+  add("List/1000000/ours", [](auto& state) { list(state, kMany); });
+  add("List/1000000/peer:reading_the_file", [](auto& state) { readPlain(state, kMany); });
+  add("OpenAddOne/1000000/ours", [](auto& state) { openAddOne(state, kMany); });
+  add("OpenAddOne/1000000/peer:reading_the_file", [](auto& state) { readPlain(state, kMany); });
+  add("OpenFindRead/1000000/ours", [](auto& state) { openFindRead(state, kMany); });
+  add("OpenFindRead/1000000/peer:reading_the_file", [](auto& state) { readPlain(state, kMany); });
   add("Find/100000/ours", [](auto& state) { find(state, 100'000); });
   add("Reorganize/200MB/ours", reorganize);
   add("Reorganize/200MB/peer:CopyFile_flushed", [](auto& state) { copyPlain(state, true); });

@@ -81,6 +81,8 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(libraries, ZoResult::libraryReadOnly, L"The library is not open for writing."),
     ZO_RESULT(libraries, ZoResult::libraryWriteLocked,
               L"Another program is writing to the library."),
+    ZO_RESULT(libraries, ZoResult::libraryInUse,
+              L"Others have the library open, so that it cannot be replaced."),
 
     ZO_RESULT(compression, ZoResult::refused,
               L"The data are damaged or no container, there is no memory, or a file could not be "

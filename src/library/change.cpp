@@ -11,6 +11,13 @@ Bytes part(const std::vector<unsigned char>& bytes, std::size_t begin, std::size
   return Bytes(bytes).subspan(begin, count);
 }
 
+// Keeps the last error, which says so.
+bool isOpenElsewhere(const SystemPath& path) noexcept {
+  const KeptError kept;
+  const OpenFile alone(fileApi().create(path, GENERIC_READ | DELETE, 0, OPEN_EXISTING, 0));
+  return !alone && GetLastError() == ERROR_SHARING_VIOLATION;
+}
+
 }  // namespace
 
 int Change::begin() {
@@ -57,6 +64,18 @@ void Change::patch(RawEntry entry) {
   patches_.push_back(std::move(entry));
 }
 
+bool Change::tryPatch(RawEntry entry) {
+  makeRoom(1);
+  patch(std::move(entry));
+  return fits();
+}
+
+bool Change::fits() {
+  if (patchBytes_ <= kLargestRedo - kRedoTail) return true;
+  SetLastError(ERROR_NOT_SUPPORTED);
+  return reportFailure(L"write");
+}
+
 // A stored member of another maker may hold by chance a number that this change gives out. It is
 // taken from it: with a number that is given out, its other hints would count as this library's,
 // and what could be read so far would count as damaged.
@@ -86,10 +105,7 @@ bool Change::appendRedo() {
   for (RawEntry& entry : patches_) {
     if (entry.position == marked_) entry.record.clear(kEndsScan);
   }
-  if (patchBytes_ > kLargestRedo - kRedoTail) {
-    SetLastError(ERROR_NOT_SUPPORTED);
-    return reportFailure(L"write");
-  }
+  if (!fits()) return false;
   const std::vector<unsigned char> data = encodeRedo(patches_);
   RawEntry redo{.position = end_, .record = {}, .name = std::string(kRedoName)};
   redo.record.storedSize = redo.record.size = data.size();
@@ -266,9 +282,37 @@ int Change::replaceBy(DiskFile copy, FreshFile& place, const SystemPath& library
     file = std::move(copy);
     return ZoResult::ok;
   }
+  const bool isInUse = isOpenElsewhere(library);
   reportFailure(L"reorganize");
-  if (!file.openToWrite(library, OPEN_EXISTING) || !file.lock()) library_.release();
-  return ZoResult::refused;
+  if (!reopen(library)) return ZoResult::refused;
+  return isInUse ? ZoResult::libraryInUse : ZoResult::refused;
+}
+
+// The platform tells only who has no file open there himself. The mutex keeps other writers out.
+int Change::askWhetherInUse(const SystemPath& library, bool& isInUse) {
+  static_cast<void>(library_.file_.close());
+  isInUse = isOpenElsewhere(library);
+  const KeptError kept;
+  return reopen(library) ? ZoResult::ok : ZoResult::refused;
+}
+
+// Who copies the file may lock writers out for a while.
+bool Change::reopen(const SystemPath& library) noexcept {
+  constexpr int kAttempts = 50;
+  constexpr DWORD kPause = 20;  // ms
+  DiskFile& file = library_.file_;
+  for (int attempt = 1; !file.openToWrite(library, OPEN_EXISTING); ++attempt) {
+    if (GetLastError() != ERROR_SHARING_VIOLATION || attempt == kAttempts) {
+      reportFailure(L"open");
+      library_.release();
+      return false;
+    }
+    Sleep(kPause);
+  }
+  DiskFile::Signature now;
+  if (file.lock() && file.look(now)) return true;
+  library_.release();
+  return false;
 }
 
 }  // namespace zo

@@ -46,6 +46,8 @@ class Change {
   void makeRoom(std::size_t count);
   // Takes the place of the entry at that position, which may be one of the new ones.
   void patch(RawEntry entry);
+  // The same, refused when a redo has no room for it.
+  [[nodiscard]] bool tryPatch(RawEntry entry);
   // Whether it is time to commit: a redo has a largest size.
   [[nodiscard]] bool isFull() const { return patchBytes_ > kLargestRedo / 2; }
   [[nodiscard]] int commit();
@@ -56,8 +58,12 @@ class Change {
   [[nodiscard]] int setValue(std::uint64_t value);
   // Cuts the file, which makes all entries from there on go.
   [[nodiscard]] int cutTo(std::uint64_t size);
-  // Puts a complete and locked file, which stands at `place`, where the library's file is.
+  // Puts a complete and locked file, which stands at `place`, where the library's file is. 1006 when
+  // others have that open.
   [[nodiscard]] int replaceBy(DiskFile copy, FreshFile& place, const SystemPath& library);
+  // Whether others have the library's file open, so that it cannot be replaced. The library is
+  // closed when its file cannot be opened again: 1.
+  [[nodiscard]] int askWhetherInUse(const SystemPath& library, bool& isInUse);
 
   // ---- What needs no begin ----
   // Makes a file that was just opened a new library, where it holds nothing, or no more than what a
@@ -74,6 +80,7 @@ class Change {
   static int finishRedo(LibraryState& library);
   static int cutTail(LibraryState& library);
 
+  [[nodiscard]] bool fits();
   [[nodiscard]] bool disownNumbers();
   [[nodiscard]] bool appendRedo();
   [[nodiscard]] bool writeHeader();
@@ -85,6 +92,7 @@ class Change {
   void keepIndex() noexcept;
   void updateIndex();
   void takeBack() noexcept;
+  [[nodiscard]] bool reopen(const SystemPath& library) noexcept;
 
   LibraryState& library_;
   std::uint64_t begin_ = 0, end_ = 0;

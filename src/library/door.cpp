@@ -9,8 +9,6 @@
 namespace zo {
 namespace {
 
-constexpr DWORD kPollInterval = 20;  // ms: there is no waiting for a file
-
 // Without the platform's prefix for long ones, with which it would be no ZoFileName.
 std::wstring fullPathOf(const ZoFileName& name) {
   const ZoFileName alias = name.isURL() ? name.localAlias() : ZoFileName();
@@ -50,6 +48,7 @@ struct LibraryDoor::Opening {
   const ZoFileName& name;
   bool writes;
   bool empties;
+  unsigned int timeOut;
   DWORD disposition;
   std::wstring path;
   bool meetsOtherMachine = false;  // another writer has the file, and not the lock
@@ -76,6 +75,7 @@ int LibraryDoor::open(const ZoFileName& name, int access, ZoFile::CreationMode m
   Opening opening{.name = name,
                   .writes = writes,
                   .empties = empties,
+                  .timeOut = timeOut,
                   .disposition = firstDisposition(writes, mode),
                   .path = {}};
   for (const ULONGLONG start = GetTickCount64();;) {
@@ -109,6 +109,7 @@ int LibraryDoor::openOnce(Opening& opening) {
   if (code == ZoResult::ok) code = openFile(opening);
   if (code) return code;
   library_.isWritable_ = opening.writes;
+  library_.timeOut_ = opening.timeOut;
   if (opening.writes) Change::settleOpened(library_);
   return ZoResult::ok;
 }
@@ -121,11 +122,14 @@ int LibraryDoor::openFile(Opening& opening) {
     return ZoResult::refused;
   }
   const SystemPath system(opening.path.c_str());
+  SetLastError(ERROR_SUCCESS);
   const bool isOpened = opening.writes ? file.openToWrite(system, opening.disposition)
                                        : file.openToRead(system, opening.disposition);
+  const bool isMade = opening.disposition == CREATE_NEW ||
+                      (opening.disposition == OPEN_ALWAYS && GetLastError() == ERROR_SUCCESS);
   if (isOpened && !opening.writes) return ZoResult::ok;
   if (isOpened) {
-    if (file.lock()) return Change::makeNew(library_, opening.empties);
+    if (file.lock()) return makeNew(opening, system, isMade);
     if (opening.disposition == CREATE_NEW) opening.disposition = OPEN_EXISTING;  // it is there now
   }
   if (opening.writes && isHeldByOthers(GetLastError())) {
@@ -135,6 +139,30 @@ int LibraryDoor::openFile(Opening& opening) {
   }
   reportFailure(L"open");
   return ZoResult::refused;
+}
+
+int untilReplaced(const std::shared_ptr<LibraryDoor>& door, const std::function<int()>& change) {
+  for (const ULONGLONG start = GetTickCount64();;) {
+    const int code = change();
+    if (code != ZoResult::libraryInUse) return code;
+    ULONGLONG timeOut = 0;
+    const int refused = run(door, Access::kRead, {}, [&](LibraryState& library) {
+      timeOut = library.timeOut();
+      return ZoResult::ok;
+    });
+    if (refused || GetTickCount64() - start >= timeOut) return code;
+    Sleep(kPollInterval);
+  }
+}
+
+// A file that was made for it goes again when it does not become a library.
+int LibraryDoor::makeNew(const Opening& opening, const SystemPath& path, bool isMade) {
+  const int code = Change::makeNew(library_, opening.empties);
+  if (!code || !isMade) return code;
+  const KeptError kept;
+  static_cast<void>(library_.file_.close());
+  fileApi().removeFile(path);
+  return code;
 }
 
 // ---- Closing ----
@@ -164,7 +192,7 @@ int LibraryDoor::mayRun(Access access, std::initializer_list<const ZoFileName*> 
   if (access == Access::kKnow) return ZoResult::ok;
   if (!library_.isOpen()) return ZoResult::refused;
   for (const ZoFileName* const member : members) {
-    if (member->isURL()) return ZoResult::invalid;
+    if (member && member->isURL()) return ZoResult::invalid;
   }
   const bool lacks = access == Access::kWrite && !library_.isWritable();
   return lacks ? ZoResult::libraryReadOnly : ZoResult::ok;

@@ -9,27 +9,16 @@
 #include <initializer_list>
 #include <memory>
 
+#include "library/files_lock.h"
 #include "library/state.h"
+#include "platform/system_path.h"
 
 namespace zo {
-
-// One operation on libraries at a time in a process.
-class FilesLock {
- public:
-  FilesLock() noexcept;
-  FilesLock(const FilesLock&) = delete;
-  FilesLock& operator=(const FilesLock&) = delete;
-  ~FilesLock();
-
- private:
-  bool taken_;  // not before zoComDllAttach
-};
 
 // What an operation does with a library, and so asks of it.
 enum class Access {
   kKnow,   // only what is known: it may be closed
   kRead,   // it is open
-  kRetry,  // the same; done once more when another process changed the file meanwhile
   kWrite,  // it is open for writing
 };
 
@@ -54,6 +43,7 @@ class LibraryDoor {
   [[nodiscard]] int mayRun(Access access, std::initializer_list<const ZoFileName*> members) const;
   int openOnce(Opening& opening);
   int openFile(Opening& opening);
+  int makeNew(const Opening& opening, const SystemPath& path, bool isMade);
 
   LibraryState library_;
 };
@@ -68,9 +58,13 @@ int run(const std::shared_ptr<LibraryDoor>& door, Access access,
   const FilesLock lock;
   const int refused = door ? door->mayRun(access, members) : ZoResult::refused;
   if (refused) return refused;
-  LibraryState& library = door->library_;
-  const auto once = [&]() -> int { return operation(library, arguments...); };
-  return access == Access::kRetry ? library.lookAgain(once) : once();
+  return operation(door->library_, arguments...);
 }
+
+inline constexpr unsigned int kPollInterval = 20;  // ms: there is no waiting for a file
+
+// A change, and again as long as the library's time-out goes while it answers 1006. Nobody waits
+// for this meanwhile.
+int untilReplaced(const std::shared_ptr<LibraryDoor>& door, const std::function<int()>& change);
 
 }  // namespace zo

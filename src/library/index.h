@@ -1,6 +1,7 @@
 // What a library holds, in memory: its entries in the order of the file, found by name.
 //
 // Threads: one at a time.
+// Memory:  some 100 bytes and the name for each entry: there may be a million of them.
 // Cost:    finding a name is O(1) and the number of entries of that name; a place is found by
 //          bisection.
 #pragma once
@@ -13,9 +14,10 @@ struct IndexEntry {
   std::uint64_t position = 0;
   EntryRecord record;
   ContentTrailer trailer;
-  std::size_t nameBegin = 0, nameSize = 0;  // among the names
-  std::size_t hash = 0;                     // of the name
-  std::size_t before = 0;                   // the next older entry in its bucket, counted from 1
+  std::size_t nameBegin = 0;  // among the names
+  std::uint32_t nameSize = 0;
+  std::uint32_t hash = 0;    // of the name
+  std::uint32_t before = 0;  // the next older entry in its bucket, counted from 1
 
   [[nodiscard]] std::uint64_t dataPosition() const {
     return position + kRecordSize + record.nameLength;
@@ -44,26 +46,37 @@ class LibraryIndex {
   [[nodiscard]] const IndexEntry* findDeleted(std::wstring_view wanted) const {
     return findFirst(wanted, false);
   }
+  [[nodiscard]] const IndexEntry* findLatestDeleted(std::wstring_view wanted) const;
+  // In the order of the file.
   [[nodiscard]] std::vector<const IndexEntry*> allLive(std::wstring_view wanted) const;
+  [[nodiscard]] std::vector<const IndexEntry*> all(std::wstring_view wanted) const;
   [[nodiscard]] const IndexEntry* at(std::uint64_t position) const;
+  // Which of them it is, from 1; null for none.
+  [[nodiscard]] const IndexEntry* nth(std::uint64_t ordinal) const;
+  [[nodiscard]] std::uint64_t ordinal(const IndexEntry& entry) const {
+    return static_cast<std::uint64_t>(&entry - entries_.data()) + 1;
+  }
   // No stored member has a larger one.
   [[nodiscard]] std::uint32_t largestNumber() const { return largestNumber_; }
 
  private:
+  // From the newest to the oldest of a name, until the visitor returns false.
+  template <class Visitor>
+  void visitNamed(std::wstring_view wanted, const Visitor& visit) const;
   [[nodiscard]] const IndexEntry* findFirst(std::wstring_view wanted, bool isLive) const;
-  [[nodiscard]] std::size_t& bucket(std::size_t hash) noexcept;
-  [[nodiscard]] std::size_t newest(std::size_t hash) const;
+  [[nodiscard]] std::uint32_t& bucket(std::uint32_t hash) noexcept;
+  [[nodiscard]] std::uint32_t newest(std::uint32_t hash) const;
   [[nodiscard]] bool isNamed(const IndexEntry& entry, std::wstring_view wanted,
-                             std::size_t hash) const;
+                             std::uint32_t hash) const;
   void keepName(IndexEntry& entry, std::string_view bytes);
-  void link(std::size_t number);
-  void unlink(std::size_t number) noexcept;
+  void link(std::uint32_t number);
+  void unlink(std::uint32_t number) noexcept;
   void makeBuckets(std::size_t count);
 
   std::vector<IndexEntry> entries_;
   std::uint32_t largestNumber_ = 0;
   std::wstring names_;
-  std::vector<std::size_t> buckets_;  // the newest entry of each, counted from 1
+  std::vector<std::uint32_t> buckets_;  // the newest entry of each, counted from 1
 };
 
 }  // namespace zo

@@ -33,6 +33,7 @@ class Beside {
                            FILE_ATTRIBUTE_NORMAL)) {}
 
   [[nodiscard]] bool isOpen() const noexcept { return fresh_.isOurs; }
+  [[nodiscard]] const SystemPath& library() const noexcept { return system_; }
   // The header and what stays, on the disk and locked.
   bool write(LibraryState& library, const std::vector<Range>& ranges, Progress& watched) {
     file_.take(std::move(fresh_.file));
@@ -136,6 +137,14 @@ int rewrite(LibraryState& library, Change& change, const Drops& drops) {
     if (!beside.isOpen()) {
       reportFailure(L"reorganize");
       return code;
+    }
+    // Not after all is copied.
+    bool isInUse = false;
+    if (change.askWhetherInUse(beside.library(), isInUse)) return code;
+    if (isInUse) {
+      SetLastError(ERROR_SHARING_VIOLATION);
+      reportFailure(L"reorganize");
+      return ZoResult::libraryInUse;
     }
     if (!beside.write(library, ranges, watched)) return code;
     code = beside.putInPlaceOfLibrary(change);

@@ -24,8 +24,8 @@ namespace zo {
 struct Batch;
 class LibraryState;
 
-// A member that is open as a file: where its entry stands, also after the library's file was
-// rewritten.
+// A member that is open as a file, or being read: where its entry stands, also after the library's
+// file was rewritten. It comes and goes under the process-wide lock, which it takes.
 class MemberPlace {
  public:
   explicit MemberPlace(LibraryState& library);
@@ -58,6 +58,8 @@ class LibraryState {
   // ---- The file ----
   [[nodiscard]] bool isOpen() const noexcept { return file_.isOpen(); }
   [[nodiscard]] bool isWritable() const noexcept { return isWritable_; }
+  // How many ms a writer waits for others.
+  [[nodiscard]] unsigned int timeOut() const noexcept { return timeOut_; }
   [[nodiscard]] const ZoFileName& name() const noexcept { return name_; }  // as it was opened
   [[nodiscard]] const std::wstring& path() const noexcept { return path_; }
   // Its bytes, to be read.
@@ -80,9 +82,6 @@ class LibraryState {
   void forgetIndex() noexcept { isIndexed_ = false; }
   // An entry as it stands in the file.
   [[nodiscard]] bool load(const IndexEntry& from, RawEntry& entry);
-  // Does a reader's work, and once more when another process has changed the file meanwhile.
-  int lookAgain(const std::function<int()>& work);
-
   [[nodiscard]] Progress progress(std::uint64_t total) { return Progress(watch, total); }
 
   static constexpr int kAttempts = 8;  // to read what another process changes all the time
@@ -103,6 +102,7 @@ class LibraryState {
   ZoFileName name_;
   std::wstring path_;  // in full
   bool isWritable_ = false;
+  unsigned int timeOut_ = 0;
   WriteLock lock_;
   DiskFile file_;
   LibraryHeader header_;

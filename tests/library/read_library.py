@@ -6,6 +6,7 @@ read_library.py --compare FOLDER compares NAME.lib with the listing in NAME.txt,
 """
 import lzma
 import pathlib
+import re
 import struct
 import sys
 import zlib
@@ -103,7 +104,7 @@ def listing(file):
                 setattr(entry, field, getattr(new, field))
     live = set()
     for entry in entries:
-        name = entry.name.decode(CODE_PAGE)
+        name = re.sub(r"\\U\+([0-9A-F]{4})", lambda unit: chr(int(unit[1], 16)), entry.name.decode(CODE_PAGE))
         content = entry.data(file)
         if entry.flags & COMPRESSED:
             is_protected = True

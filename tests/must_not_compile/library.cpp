@@ -3,7 +3,7 @@
 
 // clang-format off
 int wrong(ZoLibrary& library, ZoFile& file, const ZoFileName& name, ZoArray<ZoFileName>& names,
-          ZoArray<FILETIME>& times, std::FILE** stream) {
+          ZoArray<FILETIME>& times, std::FILE** stream, ZoPacker& packer, ZoPackedMember& packed) {
   int code = 0;
   code += library.open(name, ZoFile::kOpenAlways);                          // error: the access comes first
   code += library.open(name, true);                                         // error: the access comes first
@@ -23,6 +23,10 @@ int wrong(ZoLibrary& library, ZoFile& file, const ZoFileName& name, ZoArray<ZoFi
   code += library.getCFile(stream, name, ZoFile::kOpenExisting);            // error: then the compMode
   code += library.getFileNames(names, &times);                              // error: bool withDeleted
   code += library.forEachEntry([](const ZoLibEntry&) { return true; }, 1);  // error: bool withDeleted
+  code += packer.pack(name, packed, ZoLibrary::kBest);                      // error: the compMode, then the int level
+  code += packer.pack(name, packed, ZoLibrary::kCompress, true);            // error: the compMode, then the int level
+  code += library.addFile(packed, name, ZoLibrary::kCompress);              // error: in this order
+  code += library.deleteFiles(names, true);                                 // error: invalid conversion
   library.close();                                                          // error: nodiscard
   library.addFile(name, name);                                              // error: nodiscard
   library.getFile(file, name);                                              // error: nodiscard

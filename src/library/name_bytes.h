@@ -1,0 +1,19 @@
+// Names of members as bytes: in the ANSI code page, with escapes for what that does not hold.
+//
+// Format: docs/formats/library.md, "Name".
+#pragma once
+
+#include <zo/names/file_name.h>
+
+#include <string>
+#include <string_view>
+
+namespace zo {
+
+// False for an empty name, and for one of more than 65535 bytes.
+[[nodiscard]] bool encodeName(const ZoFileName& name, std::string& bytes);
+[[nodiscard]] std::wstring decodeName(std::string_view bytes);
+// Whether the bytes are ASCII and stand for themselves.
+[[nodiscard]] bool isPlainName(std::string_view bytes) noexcept;
+
+}  // namespace zo
