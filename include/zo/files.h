@@ -13,5 +13,6 @@
 #include <zo/library/library.h>
 #include <zo/names/file_name.h>
 #include <zo/names/handle.h>
+#include <zo/names/member_name.h>
 #include <zo/names/name_results.h>
 #include <zo/system/file_system.h>
