@@ -35,6 +35,7 @@ enum class ZoResultFamily : int {
   waits,          // ZoWait, cast to int
   expressions,    // ZoRegExp, ZoSearch: zo/parse/reg_exp.h
   messages,       // ZoMessage, ZoMessageMap
+  search = 0x13,  // ZoFileSearch, ZoMacroLib
 };
 
 // A sentence, from the message file "zoresult" when the message service has it (docs/messages.md),

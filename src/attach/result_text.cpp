@@ -156,6 +156,10 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(messages, ZoResult::invalid, L"The file is no message file."),
     ZO_RESULT(messages, ZoResult::incomplete,
               L"The text was given, but a reference or an argument in it could not be filled in."),
+
+    ZO_RESULT(search, ZoResult::refused,
+              L"No such file, place or macro; or another thread kept the search for too long."),
+    ZO_RESULT(search, ZoResult::invalid, L"A URL, and there is no cache that could serve it."),
 };
 
 #undef ZO_RESULT

@@ -7,40 +7,9 @@
 
 #include <utility>
 
-namespace {
-
-// An iterator together with the list that it walks.
-class OwnNames {
- protected:
-  ZoArray<ZoFileName> names_;
-};
-
-class NameIterator final : OwnNames, public ZoCIterator<ZoFileName> {
- public:
-  NameIterator(ZoFileSearch& search, const ZoFileName& pattern, unsigned int kinds) {
-    if (search.findNames(pattern, names_, kinds) != ZoResult::ok) names_ = {};
-  }
-
-  void reset() override { at_ = 0; }
-  bool toFirst() override {
-    at_ = 0;
-    return isValid();
-  }
-  [[nodiscard]] bool atFirst() const override { return at_ == 0 && isValid(); }
-  [[nodiscard]] bool isValid() const override { return at_ < names_.entries(); }
-  bool next() override {
-    if (isValid()) ++at_;
-    return isValid();
-  }
-
- protected:
-  [[nodiscard]] const ZoFileName* element() const override { return names_.at(at_); }
-
- private:
-  unsigned int at_ = 0;
-};
-
-}  // namespace
+ZoFoundNames::ZoFoundNames(const ZoSequence<ZoFileName>& names) {
+  names_.assign(names.begin(), names.end());
+}
 
 int ZoFileSearch::addFolder(const ZoFileName& folder, const wchar_t* module, int priority,
                             bool below) {
@@ -75,9 +44,9 @@ int ZoFileSearch::toDisk(const ZoFileName& name, ZoFileName& file) { return find
 int ZoFileSearch::explain(const ZoFileName&, ZoString&) { return ZoResult::refused; }
 int ZoFileSearch::refresh() { return ZoResult::refused; }
 
-std::unique_ptr<ZoCIterator<ZoFileName>> ZoFileSearch::findAll(const ZoFileName& pattern,
-                                                               unsigned int kinds) {
-  return std::make_unique<NameIterator>(*this, pattern, kinds);
+ZoFoundNames ZoFileSearch::findAll(const ZoFileName& pattern, unsigned int kinds) {
+  ZoArray<ZoFileName> names;
+  return findNames(pattern, names, kinds) == ZoResult::ok ? ZoFoundNames(names) : ZoFoundNames();
 }
 
 int ZoFileSearch::open(const ZoFileName& name, ZoFile& file) {

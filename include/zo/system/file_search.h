@@ -19,8 +19,8 @@
 //             equal ones the one that was added first; servers come behind all others.
 //          The first place that has it counts.
 // Names    ignore case everywhere, and \ and / are one. A relative name never leaves a place:
-//          one with a drive, a root, "..", a device or a stream (ZoFileName::isContained) is
-//          looked for where it says and nowhere else.
+//          one with a drive, a root or ".." is looked for where it says and nowhere else. Devices
+//          are never found.
 // Places   are added under the name of a module, and go when it is released.
 //
 // Errors:  0 success; 1 not found, or a place that is not there or was added before, an unknown
@@ -38,7 +38,7 @@
 #include <zo/text/containers/iterator.h>
 
 #include <cstdint>
-#include <memory>
+#include <vector>
 
 class ZoFile;
 template <class T>
@@ -62,6 +62,39 @@ struct ZoFound {
   ZoFileName library, member;  // of a member, as the library spells it; else empty
   Place place = kNowhere;
   ZoString module;  // that added the place; empty for none
+};
+
+// Names one by one, from a list of its own: what is added or goes meanwhile changes nothing.
+//
+//   for (const ZoFileName& name : search.findAll(L"*.dwg")) use(name);
+class ZO_COM_API ZoFoundNames final : public ZoCIterator<ZoFileName> {
+ public:
+  ZoFoundNames() = default;
+  explicit ZoFoundNames(const ZoSequence<ZoFileName>& names);
+
+  void reset() override { at_ = 0; }
+  bool toFirst() override {
+    at_ = 0;
+    return isValid();
+  }
+  [[nodiscard]] bool atFirst() const override { return at_ == 0 && isValid(); }
+  [[nodiscard]] bool isValid() const override { return at_ < entries(); }
+  bool next() override {
+    if (isValid()) ++at_;
+    return isValid();
+  }
+  [[nodiscard]] unsigned int entries() const noexcept {
+    return static_cast<unsigned int>(names_.size());
+  }
+
+ protected:
+  [[nodiscard]] const ZoFileName* element() const override {
+    return isValid() ? &names_[at_] : nullptr;
+  }
+
+ private:
+  std::vector<ZoFileName> names_;
+  unsigned int at_ = 0;
 };
 
 class ZO_COM_API ZoFileSearch : public ZoSysObj {
@@ -125,10 +158,8 @@ class ZO_COM_API ZoFileSearch : public ZoSysObj {
                             unsigned int kinds = 0) {
     return findNames(pattern, names, kinds);
   }
-  // The same, one by one: `for (const ZoFileName& name : *search.findAll(L"*.dwg"))`. It has its
-  // own list, so that what is added or goes meanwhile changes nothing; an empty one for a failure.
-  [[nodiscard]] std::unique_ptr<ZoCIterator<ZoFileName>> findAll(const ZoFileName& pattern,
-                                                                 unsigned int kinds = 0);
+  // The same, one by one; none for a failure.
+  [[nodiscard]] ZoFoundNames findAll(const ZoFileName& pattern, unsigned int kinds = 0);
   // access and share as ZoFile::open has them: kRead, and others may read.
   [[nodiscard]] int open(const ZoFileName& name, ZoFile& file);
   [[nodiscard]] int open(const ZoFileName& name, ZoFile& file, int access);
