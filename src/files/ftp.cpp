@@ -1,50 +1,15 @@
 #include "files/ftp.h"
 
-#include <wininet.h>
-
-#include <bit>
 #include <cwchar>
 #include <string_view>
 #include <utility>
 
 #include "names/name_compare.h"
+#include "platform/internet.h"
 #include "platform/open_file.h"
 
 namespace zo {
 namespace {
-
-// The functions of the platform's internet library.
-struct Internet {
-  HMODULE library = LoadLibraryExW(L"wininet.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-
-  template <class Function>
-  Function find(const char* name) const {
-    const FARPROC address = library ? GetProcAddress(library, name) : nullptr;
-    return std::bit_cast<Function>(address);
-  }
-
-// NOLINTNEXTLINE(bugprone-macro-parentheses): the name of a member cannot stand in them
-#define ZO_INTERNET(name) decltype(&::name) name = find<decltype(&::name)>(#name)
-  ZO_INTERNET(InternetOpenW);
-  ZO_INTERNET(InternetConnectW);
-  ZO_INTERNET(InternetCloseHandle);
-  ZO_INTERNET(InternetFindNextFileW);
-  ZO_INTERNET(InternetGetLastResponseInfoW);
-  ZO_INTERNET(FtpCreateDirectoryW);
-  ZO_INTERNET(FtpRemoveDirectoryW);
-  ZO_INTERNET(FtpDeleteFileW);
-  ZO_INTERNET(FtpRenameFileW);
-  ZO_INTERNET(FtpGetFileW);
-  ZO_INTERNET(FtpPutFileW);
-  ZO_INTERNET(FtpFindFirstFileW);
-  ZO_INTERNET(FtpSetCurrentDirectoryW);
-#undef ZO_INTERNET
-};
-
-const Internet& internet() {
-  static const Internet functions;
-  return functions;
-}
 
 constexpr DWORD kTransfer =
     FTP_TRANSFER_TYPE_BINARY | INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE;
