@@ -13,6 +13,7 @@
 #include <zo/library/library.h>
 #include <zo/names/file_name.h>
 #include <zo/names/handle.h>
+#include <zo/names/member_name.h>
 #include <zo/names/name_results.h>
 #include <zo/persist/check_sum.h>
 #include <zo/system/file_system.h>

@@ -7,8 +7,9 @@
 #pragma once
 
 #include <zo/attach/life_cycle.h>
-#include <zo/files/std_file_open.h>
-#include <zo/files/std_file_search.h>
+#include <zo/search/std_file_open.h>
+#include <zo/search/std_file_search.h>
+#include <zo/search/std_macro_lib.h>
 #include <zo/files/std_file_system.h>
 #include <zo/messages/std_message.h>
 #include <zo/system/cad.h>

@@ -1,5 +1,5 @@
 #include <windows.h>
-#include <zo/files/std_file_search.h>
+#include <zo/search/std_file_search.h>
 #include <zo/system/sys_disp.h>
 
 #include <atomic>

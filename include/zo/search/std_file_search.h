@@ -19,6 +19,8 @@ class ZO_COM_API ZoStdFileSearch : public ZoFileSearch {
   int release(const wchar_t* module) override;
   void poolRelease(const wchar_t* module) override;
 
+  using ZoFileSearch::addPath;
+  using ZoFileSearch::find;
   int addPath(const ZoFileName& folder, const wchar_t* module) override;
   int find(const ZoFileName& name, ZoFileName& found) override;
 
