@@ -35,6 +35,7 @@ enum class ZoResultFamily : int {
   waits,          // ZoWait, cast to int
   expressions,    // ZoRegExp, ZoSearch: zo/parse/reg_exp.h
   messages,       // ZoMessage, ZoMessageMap
+  opening = 0x14,  // ZoFileOpen, ZoDownloadCache: zo/system/open_results.h
 };
 
 // A sentence, from the message file "zoresult" when the message service has it (docs/messages.md),

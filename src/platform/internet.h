@@ -16,6 +16,7 @@ struct Internet {
   ZO_FUNCTION_OF(library, InternetCloseHandle);
   ZO_FUNCTION_OF(library, InternetSetOptionW);
   ZO_FUNCTION_OF(library, InternetReadFile);
+  ZO_FUNCTION_OF(library, InternetQueryDataAvailable);
   ZO_FUNCTION_OF(library, InternetFindNextFileW);
   ZO_FUNCTION_OF(library, InternetGetLastResponseInfoW);
   ZO_FUNCTION_OF(library, HttpOpenRequestW);
