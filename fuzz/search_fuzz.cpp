@@ -2,6 +2,8 @@
 // same), lines of macro files, and macros within one another, which end.
 #include "search/macro_text.h"
 
+#include <zo/results.h>
+
 #include <string>
 
 #include "fuzz.h"

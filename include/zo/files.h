@@ -15,4 +15,6 @@
 #include <zo/names/handle.h>
 #include <zo/names/member_name.h>
 #include <zo/names/name_results.h>
+#include <zo/persist/check_sum.h>
+#include <zo/search/download_cache.h>
 #include <zo/system/file_system.h>

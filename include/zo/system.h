@@ -27,6 +27,7 @@
 #include <zo/system/layer.h>
 #include <zo/system/macro_lib.h>
 #include <zo/system/message.h>
+#include <zo/system/open_results.h>
 #include <zo/system/reactor.h>
 #include <zo/system/registry.h>
 #include <zo/system/source_place.h>

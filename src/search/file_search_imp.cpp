@@ -8,6 +8,7 @@
 #include <zo/results.h>
 #include <zo/system/file_system.h>
 #include <zo/system/macro_lib.h>
+#include <zo/system/open_results.h>
 #include <zo/text/containers/array.h>
 
 #include <algorithm>
@@ -17,6 +18,7 @@
 #include "files/folder_search.h"
 #include "files/make_folders.h"
 #include "names/name_compare.h"
+#include "names/name_levels.h"
 #include "platform/file_api.h"
 #include "platform/system_path.h"
 #include "system/service_or_null.h"
@@ -192,9 +194,35 @@ int FileSearchImp::locateMember(const ZoFileName& name, ZoFound& found, SearchRe
   return ZoResult::ok;
 }
 
-int FileSearchImp::fetch(const ZoFileName& url, ZoFound&, SearchReport* report) {
-  tell(report, url, L"there is no cache for it");
-  return ZoResult::invalid;
+// Where a server's file lies on this machine.
+int FileSearchImp::copyOf(const ZoFileName& url, ZoFileName& file, bool asksServer) const {
+  ZoFileName alias = url.localAlias();
+  if (!alias.isEmpty() && isFile(std::wstring(alias.view()))) {
+    file = std::move(alias);
+    return ZoResult::ok;
+  }
+  auto* const files = serviceOrNull<ZoFileSystem>();
+  ZoFileName place;
+  if (files && files->isRemote(url, place) == ZoResult::ok)
+    return asksServer ? files->getRemote(url, file) : ZoResult::refused;
+  const auto cache = cache_.load();
+  if (!cache) return ZoResult::invalid;
+  return asksServer ? cache->downloads.get(url, file) : cache->downloads.find(url, file);
+}
+
+// A report asks no server.
+int FileSearchImp::fetch(const ZoFileName& url, ZoFound& found, SearchReport* report) {
+  ZoFileName file;
+  const int code = copyOf(url, file, !report);
+  const bool isThere = code == ZoResult::ok || code == ZoResult::stale;
+  if (code == ZoResult::invalid)
+    tell(report, url, L"there is no cache for it");
+  else
+    tell(report, url, isThere ? L"found in the cache" : L"not in the cache; would be asked for");
+  if (!isThere) return code;
+  found = foundFile(url.deepCopy(), ZoFound::kDownload);
+  found.name.setLocalAlias(file);
+  return code;
 }
 
 int FileSearchImp::open(const ZoFileName& name, ZoFile& file, int access, int share) {
@@ -217,7 +245,7 @@ int FileSearchImp::toDisk(const ZoFileName& name, ZoFileName& file) {
 }
 
 std::wstring FileSearchImp::folderOfCopies() const {
-  if (const auto folder = cacheFolder_.load()) return *folder + L"members\\";
+  if (const auto cache = cache_.load()) return cache->folder + L"members\\";
   const std::wstring folder =
       platformText([](DWORD size, wchar_t* buffer) { return fileApi().tempFolder(size, buffer); });
   return folder.empty() ? folder : folder + L"zo_members\\";
@@ -249,12 +277,18 @@ int FileSearchImp::copyMember(const ZoFound& member, ZoFileName& file) {
   return ZoResult::ok;
 }
 
-int FileSearchImp::setCache(const ZoFileName& folder, std::uint64_t, unsigned int) {
-  if (folder.isEmpty()) {
-    cacheFolder_.store(nullptr);
-    return ZoResult::ok;
+int FileSearchImp::setCache(const ZoFileName& folder, std::uint64_t limit, unsigned int maxAge) {
+  std::shared_ptr<Cache> cache;
+  if (!folder.isEmpty()) {
+    ZoFileName plain;
+    if (const int code = withoutMacro(folder, plain)) return code;
+    cache = std::make_shared<Cache>();
+    cache->folder = std::wstring(withoutFinalDelimiters(absolute(plain).view())) + L'\\';
+    const ZoDownloadOptions options{.limit = limit, .maxAge = maxAge};
+    if (const int code = cache->downloads.open(ZoFileName(cache->folder), options)) return code;
   }
-  return ZoResult::refused;
+  cache_.store(std::move(cache));
+  return ZoResult::ok;
 }
 
 int FileSearchImp::namesOfMembers(const ZoFileName& pattern, ZoSequence<ZoFileName>& names,

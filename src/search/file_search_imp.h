@@ -5,6 +5,7 @@
 // Threads: any; what changes the cache under the service's guard.
 #pragma once
 
+#include <zo/search/download_cache.h>
 #include <zo/system/file_search.h>
 
 #include <cstdint>
@@ -36,13 +37,18 @@ class FileSearchImp {
   [[nodiscard]] int locateBelow(const ZoFileName& name, ZoFound& found, SearchReport* report);
   [[nodiscard]] int locateMember(const ZoFileName& name, ZoFound& found, SearchReport* report);
   [[nodiscard]] int fetch(const ZoFileName& url, ZoFound& found, SearchReport* report);
+  [[nodiscard]] int copyOf(const ZoFileName& url, ZoFileName& file, bool asksServer) const;
   [[nodiscard]] int namesOfMembers(const ZoFileName& pattern, ZoSequence<ZoFileName>& names,
                                    unsigned int kinds);
   [[nodiscard]] int copyMember(const ZoFound& member, ZoFileName& file);
   [[nodiscard]] std::wstring folderOfCopies() const;
 
   FileFinder finder_;
-  std::atomic<std::shared_ptr<const std::wstring>> cacheFolder_;  // null: none
+  struct Cache {
+    ZoDownloadCache downloads;
+    std::wstring folder;  // with its final delimiter
+  };
+  std::atomic<std::shared_ptr<Cache>> cache_;  // null: none
 };
 
 // The name of a file as it is to be looked for: its macro, if any, replaced. Refused for an unknown

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "search/search_fixture.h"
+#include "support/loopback_server.h"
 
 using zo::test::FileSearchTest;
 
@@ -207,6 +208,52 @@ TEST_F(FileSearchTest, ListsEachNameOnceInTheOrderOfThePlaces) {
   ZoArray<ZoFileName> names{L"old"};
   EXPECT_EQ(search().findAll(L"http://host/*", names), ZoResult::invalid);
   EXPECT_EQ(names.entries(), 1u);
+}
+
+TEST_F(FileSearchTest, AsksServersLastAndThroughTheCache) {
+  zo::test::LoopbackServer server{ZO_HTTP_SERVER_SCRIPT};
+  std::ofstream(server.folder() / "part.dwg") << "from the server";
+  put(L"p\\a.txt");
+  ASSERT_EQ(addPath(L"p", -5), 0);
+  const std::wstring root = L"http://" + server.host() + L"/file/";
+  const ZoFileName url(root + L"part.dwg");
+  ASSERT_EQ(
+      search().addServer(ZoFileName(L"http://user:secret@" + server.host() + L"/file"), L"m", 9),
+      0);
+  ZoFileName disk;
+  EXPECT_EQ(search().find(url, disk), ZoResult::invalid) << "no cache yet";
+  EXPECT_EQ(search().find(L"part.dwg", disk), ZoResult::refused);
+  ASSERT_EQ(search().setCache(path(L"cache"), 1 << 20, 3600), 0);
+  EXPECT_EQ(found(L"a.txt"), L"p\\a.txt");
+  EXPECT_EQ(found(L"..\\part.dwg"), L"-");
+  EXPECT_EQ(server.ask("count"), "0") << "nobody asks a server for what is there";
+  ZoString report;
+  ASSERT_EQ(search().explain(L"part.dwg", report), 0);
+  EXPECT_TRUE(report.view().ends_with(root + L"part.dwg: not in the cache; would be asked for\n"));
+  EXPECT_EQ(server.ask("count"), "0");
+
+  ZoFound what;
+  ASSERT_EQ(search().find(L"Part.dwg", what), ZoResult::refused) << "servers know upper case";
+  ASSERT_EQ(search().find(L"part.dwg", what), 0);
+  EXPECT_EQ(what.place, ZoFound::kDownload);
+  EXPECT_EQ(what.module, ZoString(L"m"));
+  EXPECT_TRUE(what.name.isURL());
+  ZoFile file;
+  char bytes[32];
+  ASSERT_EQ(search().open(url, file), 0);
+  EXPECT_EQ(std::string(bytes, file.read(bytes, sizeof bytes)), "from the server");
+  ASSERT_EQ(file.close(), 0);
+  ASSERT_EQ(search().toDisk(url, disk), 0);
+  EXPECT_TRUE(disk.view().starts_with(path(L"cache").wstring()));
+  EXPECT_EQ(search().open(url, file, ZoFile::kReadWrite), ZoResult::refused);
+  ASSERT_EQ(search().setCache(path(L"cache"), 1 << 20, 0), 0);
+  server.ask("down");
+  EXPECT_EQ(search().toDisk(url, disk), ZoResult::stale);
+  EXPECT_EQ(search().open(url, file), ZoResult::stale);
+  EXPECT_TRUE(file.isOpen());
+  ASSERT_EQ(file.close(), 0);
+  ASSERT_EQ(search().setCache(L"", 0, 0), 0);
+  EXPECT_EQ(search().toDisk(url, disk), ZoResult::invalid);
 }
 
 // The search against a plain loop over the places, while files and folders come and go.

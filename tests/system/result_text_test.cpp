@@ -15,9 +15,10 @@
 namespace {
 
 constexpr const char* kFamilies[] = {
-    "common",     "numbers",    "containers",  "variants",    "geometry", "names",         "files",
-    "fileSystem", "libraries",  "compression", "lzma",        "services", "configuration", "errors",
-    "execute",    "exceptions", "waits",       "expressions", "messages"};
+    "common",        "numbers",    "containers", "variants",    "geometry", "names",
+    "files",         "fileSystem", "libraries",  "compression", "lzma",     "services",
+    "configuration", "errors",     "execute",    "exceptions",  "waits",    "expressions",
+    "messages",      "search",     "opening"};
 
 std::vector<std::string> linesOf(const std::filesystem::path& path) {
   std::ifstream file(path);

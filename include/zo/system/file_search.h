@@ -26,7 +26,8 @@
 // Errors:  0 success; 1 not found, or a place that is not there or was added before, an unknown
 //          macro, or the guard was not obtained within timeOut(); 2 out of memory; 3 a URL, where no
 //          cache was set or its scheme cannot be served. Nothing has changed then, and what was to
-//          be filled stays as it was. What the platform said is to be had from the file-system
+//          be filled stays as it was. ZoResult::stale: done with the cache's older copy, as the
+//          server did not answer; a URL may also give another code of zo/system/open_results.h. What the platform said is to be had from the file-system
 //          service's errorTxt() after open and toDisk.
 //          Nothing throws but std::bad_alloc.
 // Threads: any. Looking up never waits for the guard.
@@ -34,6 +35,7 @@
 
 #include <zo/names/file_name.h>
 #include <zo/results.h>
+#include <zo/system/open_results.h>
 #include <zo/system/sys_obj.h>
 #include <zo/text/containers/iterator.h>
 
@@ -116,7 +118,8 @@ class ZO_COM_API ZoFileSearch : public ZoSysObj {
   [[nodiscard]] virtual int addLibrary(const ZoFileName& library, const wchar_t* module,
                                        int priority = 0);
   // Adds a folder of a server, "https://host/parts/": a relative name is asked for there when all
-  // other places were asked. Needs a cache. Here: refused.
+  // other places were asked, through the cache, or for ftp by the file-system service, which
+  // fetches it each time. Here: refused.
   [[nodiscard]] virtual int addServer(const ZoFileName& url, const wchar_t* module,
                                       int priority = 0);
   // Where copies of servers' files and of members are kept: a folder, which is made; the most bytes
@@ -160,6 +163,10 @@ class ZO_COM_API ZoFileSearch : public ZoSysObj {
   }
   // The same, one by one; none for a failure.
   [[nodiscard]] ZoFoundNames findAll(const ZoFileName& pattern, unsigned int kinds = 0);
+  int findAll(const ZoFileName&, ZoSequence<ZoFileName>&,
+              ZoFileName::FileKind) = delete;  // a sum of ZoFindFile::kind
+  ZoFoundNames findAll(const ZoFileName&,
+                       ZoFileName::FileKind) = delete;  // a sum of ZoFindFile::kind
   // access and share as ZoFile::open has them: kRead, and others may read.
   [[nodiscard]] int open(const ZoFileName& name, ZoFile& file);
   [[nodiscard]] int open(const ZoFileName& name, ZoFile& file, int access);
