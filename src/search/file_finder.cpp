@@ -142,23 +142,20 @@ bool FileFinder::mustRead(const SearchState::At& at) const {
 // true.
 template <class Ask>
 bool FileFinder::askAll(Ask ask) {
-  State state = fresh();
-  const auto askOne = [&](std::shared_ptr<FilePlace> place, const KnownNames* known) {
-    return ask(place, *known);
-  };
-  const auto at = [&](const State& from, std::size_t i) -> const SearchState::At& {
+  const State state = fresh();
+  const auto at = [](const State& from, std::size_t i) -> const SearchState::At& {
     return i == 0 ? from->current : from->places[i - 1];
   };
   for (std::size_t i = 0; i <= state->places.size(); ++i) {
-    const std::shared_ptr<FilePlace> place = at(state, i).place;
-    if (mustRead(at(state, i))) {
-      const State learnt = learn(place);
-      // Others may have added or released places meanwhile; this search keeps those that it had.
-      for (std::size_t k = 0; k <= learnt->places.size(); ++k)
-        if (at(learnt, k).place == place && askOne(place, &at(learnt, k).known)) return true;
-    } else if (askOne(place, &at(state, i).known)) {
-      return true;
+    const SearchState::At& asked = at(state, i);
+    if (!mustRead(asked)) {
+      if (ask(asked.place, asked.known)) return true;
+      continue;
     }
+    // Others may have added or released places meanwhile; this search keeps those that it had.
+    const State learnt = learn(asked.place);
+    for (std::size_t k = 0; k <= learnt->places.size(); ++k)
+      if (at(learnt, k).place == asked.place && ask(asked.place, at(learnt, k).known)) return true;
   }
   return false;
 }

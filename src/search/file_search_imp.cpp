@@ -17,6 +17,7 @@
 
 #include "files/folder_search.h"
 #include "files/make_folders.h"
+#include "names/member_text.h"
 #include "names/name_compare.h"
 #include "names/name_levels.h"
 #include "platform/file_api.h"
@@ -28,24 +29,10 @@ namespace zo {
 namespace {
 
 // The name as seen from the current directory of its drive.
-ZoFileName absolute(const ZoFileName& name) {
-  return ZoFileName(std::wstring_view(platformText([&](DWORD size, wchar_t* buffer) {
+std::wstring absolute(const ZoFileName& name) {
+  return platformText([&](DWORD size, wchar_t* buffer) {
     return fileApi().fullPath(name.fullName(), size, buffer);
-  })));
-}
-
-ZoFound foundFile(ZoFileName name, ZoFound::Place place) {
-  ZoFound found;
-  found.name = std::move(name);
-  found.place = place;
-  return found;
-}
-
-ZoFound foundMember(const ZoFileName& library, const ZoFileName& member) {
-  ZoFound found = foundFile(zoMemberName(library, member), ZoFound::kLibrary);
-  found.library = library;
-  found.member = member;
-  return found;
+  });
 }
 
 // A relative name in the form in which places are asked; empty for one that would leave them.
@@ -57,8 +44,8 @@ std::wstring wantedBelow(const ZoFileName& name) {
 }
 
 // A URL without what a reader of a report is not to see.
-std::wstring withoutPassword(const ZoFileName& url) {
-  std::wstring text(url.view());
+std::wstring withoutPassword(std::wstring_view url) {
+  std::wstring text(url);
   const std::size_t begin = text.find(L"://");
   if (begin == text.npos) return text;
   const std::size_t end = std::min(text.find(L'/', begin + 3), text.size());
@@ -67,7 +54,7 @@ std::wstring withoutPassword(const ZoFileName& url) {
   return text;
 }
 
-void tell(SearchReport* report, const ZoFileName& name, std::wstring_view answer) {
+void tell(SearchReport* report, std::wstring_view name, std::wstring_view answer) {
   if (report) report->tell(withoutPassword(name), answer);
 }
 
@@ -109,30 +96,49 @@ int withoutMacro(const ZoFileName& name, ZoFileName& plain) {
   return ZoResult::ok;
 }
 
-int FileSearchImp::locate(const ZoFileName& name, ZoFound& found, SearchReport* report) {
+ZoFileName Located::name() const {
+  ZoFileName name(member.empty() ? file : joinMemberText(file, member));
+  if (!copy.isEmpty()) name.setLocalAlias(copy);
+  return name;
+}
+
+ZoFound Located::found() const {
+  ZoFound found;
+  found.name = name();
+  found.place = place;
+  if (!member.empty()) {
+    found.library = ZoFileName(file);
+    found.member = ZoFileName(member);
+  }
+  if (at) found.module = std::wstring_view(at->module);
+  return found;
+}
+
+int FileSearchImp::locate(const ZoFileName& name, Located& found, SearchReport* report) {
+  if (!*name.macro()) return locatePlain(name, found, report);
   ZoFileName plain;
   if (const int code = withoutMacro(name, plain)) {
-    if (*name.macro()) tell(report, name, L"the macro is unknown");
+    tell(report, name, L"the macro is unknown");
     return code;
   }
-  const bool hasMacro = *name.macro() != 0;
-  if (hasMacro) tell(report, name, std::wstring(L"is ").append(withoutPassword(plain)));
-  ZoFound result;
-  const int code = zoIsMemberName(plain) ? locateMember(plain, result, report)
-                                         : locateFile(plain, result, report);
-  if (code && result.place == ZoFound::kNowhere) return code;
-  if (hasMacro && result.place == ZoFound::kAsNamed) result.place = ZoFound::kMacro;
-  found = std::move(result);
+  tell(report, name, std::wstring(L"is ").append(withoutPassword(plain)));
+  const int code = locatePlain(plain, found, report);
+  if (found.place == ZoFound::kAsNamed) found.place = ZoFound::kMacro;
   return code;
 }
 
-int FileSearchImp::locateFile(const ZoFileName& name, ZoFound& found, SearchReport* report) {
+int FileSearchImp::locatePlain(const ZoFileName& name, Located& found, SearchReport* report) {
+  if (name.isEmpty()) return ZoResult::refused;
+  return zoIsMemberName(name) ? locateMember(name, found, report) : locateFile(name, found, report);
+}
+
+int FileSearchImp::locateFile(const ZoFileName& name, Located& found, SearchReport* report) {
   if (name.isURL()) return fetch(name, found, report);
   if (name.isCD() || !name.isRelativ()) return locateAsNamed(name, found, report);
   return locateBelow(name, found, report);
 }
 
-int FileSearchImp::locateAsNamed(const ZoFileName& name, ZoFound& found, SearchReport* report) {
+int FileSearchImp::locateAsNamed(const ZoFileName& name, Located& found, SearchReport* report) {
   ZoFileName file = name.deepCopy();
   if (name.isCD()) {
     auto* const files = serviceOrNull<ZoFileSystem>();
@@ -141,57 +147,63 @@ int FileSearchImp::locateAsNamed(const ZoFileName& name, ZoFound& found, SearchR
       return ZoResult::refused;
     }
   }
-  if (file.hasDeviceName() || !isFile(std::wstring(file.view()))) {
-    tell(report, file, L"not there");
-    return ZoResult::refused;
-  }
-  found = foundFile(absolute(file), name.isCD() ? ZoFound::kDisc : ZoFound::kAsNamed);
-  tell(report, found.name, L"found");
+  const bool isThere = !file.hasDeviceName() && isFile(std::wstring(file.view()));
+  tell(report, file, isThere ? L"found" : L"not there");
+  if (!isThere) return ZoResult::refused;
+  found.place = name.isCD() ? ZoFound::kDisc : ZoFound::kAsNamed;
+  found.file = absolute(file);
   return ZoResult::ok;
 }
 
-int FileSearchImp::locateBelow(const ZoFileName& name, ZoFound& found, SearchReport* report) {
+int FileSearchImp::locateBelow(const ZoFileName& name, Located& found, SearchReport* report) {
   const std::wstring wanted = wantedBelow(name);
   if (wanted.empty()) return locateAsNamed(name, found, report);
   std::wstring below;
-  if (const auto place = finder_.find(wanted, below, report)) {
-    if (place->kind == FilePlace::kLibrary) {
-      found = foundMember(ZoFileName(place->path), ZoFileName(below));
-    } else {
-      const bool isNamed = place->asNamed;
-      found = foundFile(ZoFileName(place->path + below),
-                        isNamed ? ZoFound::kAsNamed : ZoFound::kFolder);
-    }
-    found.module = std::wstring_view(place->module);
-    return ZoResult::ok;
+  found.at = finder_.find(wanted, below, report);
+  if (!found.at) return locateOnServers(wanted, found, report);
+  if (found.at->kind == FilePlace::kLibrary) {
+    found.place = ZoFound::kLibrary;
+    found.file = found.at->path;
+    found.member = std::move(below);
+  } else {
+    found.place = found.at->asNamed ? ZoFound::kAsNamed : ZoFound::kFolder;
+    found.file = found.at->path + below;
   }
+  return ZoResult::ok;
+}
+
+int FileSearchImp::locateOnServers(const std::wstring& name, Located& found, SearchReport* report) {
   for (const auto& server : finder_.servers()) {
-    std::wstring url = server->path + wanted;
+    std::wstring url = server->path + name;
     std::ranges::replace(url, L'\\', L'/');
     const int code = fetch(ZoFileName(url), found, report);
-    if (code && found.place == ZoFound::kNowhere) continue;
-    found.module = std::wstring_view(server->module);
+    if (found.place == ZoFound::kNowhere) continue;
+    found.at = server;
     return code;
   }
   return ZoResult::refused;
 }
 
-int FileSearchImp::locateMember(const ZoFileName& name, ZoFound& found, SearchReport* report) {
+int FileSearchImp::locateMember(const ZoFileName& name, Located& found, SearchReport* report) {
   ZoMemberName parts;
   if (zoSplitMemberName(name, parts) != ZoResult::ok) {
     tell(report, name, L"is no name of a member");
     return ZoResult::refused;
   }
-  ZoFound file;
-  if (const int code = locateFile(parts.library, file, report)) return code;
+  Located file;
+  const int code = locateFile(parts.library, file, report);
+  if (file.place == ZoFound::kNowhere) return code;
   ZoLibrary library;
-  const bool isThere = file.place != ZoFound::kLibrary && library.open(file.name) == ZoResult::ok &&
-                       library.isLibrary() && findSpelling(library, parts.member, parts.member);
+  const bool isThere = file.place != ZoFound::kLibrary &&
+                       library.open(file.name()) == ZoResult::ok && library.isLibrary() &&
+                       findSpelling(library, parts.member, parts.member);
   tell(report, name, isThere ? L"found in the library" : L"not in the library");
   if (!isThere) return ZoResult::refused;
-  found = foundMember(file.name, parts.member);
-  found.module = file.module;
-  return ZoResult::ok;
+  found = std::move(file);
+  if (!found.copy.isEmpty()) found.file = std::exchange(found.copy, {}).view();
+  found.place = ZoFound::kLibrary;
+  found.member = parts.member.view();
+  return code;
 }
 
 // Where a server's file lies on this machine.
@@ -211,36 +223,39 @@ int FileSearchImp::copyOf(const ZoFileName& url, ZoFileName& file, bool asksServ
 }
 
 // A report asks no server.
-int FileSearchImp::fetch(const ZoFileName& url, ZoFound& found, SearchReport* report) {
+int FileSearchImp::fetch(const ZoFileName& url, Located& found, SearchReport* report) {
   ZoFileName file;
   const int code = copyOf(url, file, !report);
   const bool isThere = code == ZoResult::ok || code == ZoResult::stale;
-  if (code == ZoResult::invalid)
-    tell(report, url, L"there is no cache for it");
-  else
-    tell(report, url, isThere ? L"found in the cache" : L"not in the cache; would be asked for");
+  const wchar_t* const absent = code == ZoResult::invalid ? L"there is no cache for it"
+                                                          : L"not in the cache; would be asked for";
+  tell(report, url, isThere ? L"found in the cache" : absent);
   if (!isThere) return code;
-  found = foundFile(url.deepCopy(), ZoFound::kDownload);
-  found.name.setLocalAlias(file);
+  found.place = ZoFound::kDownload;
+  found.file = url.view();
+  found.copy = std::move(file);
   return code;
 }
 
 int FileSearchImp::open(const ZoFileName& name, ZoFile& file, int access, int share) {
-  ZoFound found;
+  Located found;
   const int code = locate(name, found);
   if (found.place == ZoFound::kNowhere) return code;
   const bool isOwn = found.place != ZoFound::kLibrary && found.place != ZoFound::kDownload;
   if (!isOwn && (access & ZoFile::kWrite)) return ZoResult::refused;
-  const int opened = file.open(found.name, access, ZoFile::kOpenExisting, share);
+  const int opened = file.open(found.name(), access, ZoFile::kOpenExisting, share);
   return opened ? opened : code;
 }
 
 int FileSearchImp::toDisk(const ZoFileName& name, ZoFileName& file) {
-  ZoFound found;
+  Located found;
   const int code = locate(name, found);
   if (found.place == ZoFound::kNowhere) return code;
-  if (found.place == ZoFound::kLibrary) return copyMember(found, file);
-  file = found.place == ZoFound::kDownload ? found.name.localAlias() : found.name;
+  if (found.place == ZoFound::kLibrary) {
+    const int copied = copyMember(found, file);
+    return copied ? copied : code;
+  }
+  file = found.copy.isEmpty() ? found.name() : found.copy;
   return code;
 }
 
@@ -252,26 +267,26 @@ std::wstring FileSearchImp::folderOfCopies() const {
 }
 
 // A copy is told from those of other libraries, members and states by its folder.
-int FileSearchImp::copyMember(const ZoFound& member, ZoFileName& file) {
-  const FileStamp stamp = stampOf(std::wstring(member.library.view()));
-  const std::wstring last(lastComponent(withBackslashes(member.member.view())));
+int FileSearchImp::copyMember(const Located& member, ZoFileName& file) {
+  const FileStamp stamp = stampOf(member.file);
+  const std::wstring last(lastComponent(withBackslashes(member.member)));
   const std::wstring all = folderOfCopies();
   if (all.empty() || !ZoFileName(last).isContained()) return ZoResult::refused;
-  const std::wstring key = std::wstring(member.name.view()) + L'|' + std::to_wstring(stamp.size) +
-                           L'|' + std::to_wstring(stamp.written);
+  const std::wstring key = joinMemberText(member.file, member.member) + L'|' +
+                           std::to_wstring(stamp.size) + L'|' + std::to_wstring(stamp.written);
   wchar_t digits[16];
   writeHex(digits, hashName(key), 16, kLowerHexDigits);
   const std::wstring folder = all + std::wstring(digits, 16);
   const std::wstring path = folder + L'\\' + last;
+  const ZoFileName name(member.member);
   ZoLibrary library;
   ZoLibEntry entry;
-  if (const int code = library.open(member.library)) return code;
-  if (const int code = library.getEntry(member.member, entry)) return code;
-  const bool isCopied =
-      stampOf(path) == FileStamp{static_cast<std::int64_t>(entry.size), entry.written.ticks};
-  if (!isCopied) {
+  if (const int code = library.open(ZoFileName(member.file))) return code;
+  if (const int code = library.getEntry(name, entry)) return code;
+  const FileStamp copied{static_cast<std::int64_t>(entry.size), entry.written.ticks};
+  if (stampOf(path) != copied) {
     if (!isFolder(folder) && !makeFolders(folder) && !isFolder(folder)) return ZoResult::refused;
-    if (const int code = library.extractFile(member.member, ZoFileName(path))) return code;
+    if (const int code = library.extractFile(name, ZoFileName(path))) return code;
   }
   file = ZoFileName(path);
   return ZoResult::ok;
@@ -283,7 +298,7 @@ int FileSearchImp::setCache(const ZoFileName& folder, std::uint64_t limit, unsig
     ZoFileName plain;
     if (const int code = withoutMacro(folder, plain)) return code;
     cache = std::make_shared<Cache>();
-    cache->folder = std::wstring(withoutFinalDelimiters(absolute(plain).view())) + L'\\';
+    cache->folder = std::wstring(withoutFinalDelimiters(absolute(plain))) + L'\\';
     const ZoDownloadOptions options{.limit = limit, .maxAge = maxAge};
     if (const int code = cache->downloads.open(ZoFileName(cache->folder), options)) return code;
   }
@@ -294,15 +309,17 @@ int FileSearchImp::setCache(const ZoFileName& folder, std::uint64_t limit, unsig
 int FileSearchImp::namesOfMembers(const ZoFileName& pattern, ZoSequence<ZoFileName>& names,
                                   unsigned int kinds) {
   ZoMemberName parts;
-  ZoFound file;
+  Located file;
   if (zoSplitMemberName(pattern, parts) != ZoResult::ok) return ZoResult::refused;
-  if (const int code = locateFile(parts.library, file, nullptr)) return code;
-  if (file.place == ZoFound::kLibrary) return ZoResult::refused;
-  const FilePlace place(FilePlace::kLibrary, std::wstring(file.name.view()));
+  static_cast<void>(locateFile(parts.library, file, nullptr));
+  if (file.place == ZoFound::kNowhere || file.place == ZoFound::kLibrary) return ZoResult::refused;
+  const FilePlace place(FilePlace::kLibrary,
+                        file.copy.isEmpty() ? file.file : std::wstring(file.copy.view()));
   const KnownNames known = readNames(place);
   for (const std::wstring& member : namesBelow(place, known, withBackslashes(parts.member.view())))
     if (hasKind(ZoFileName(member), kinds))
-      if (const int code = names.append(zoMemberName(file.name, ZoFileName(member)))) return code;
+      if (const int code = names.append(ZoFileName(joinMemberText(place.path, member))))
+        return code;
   return ZoResult::ok;
 }
 
@@ -326,8 +343,7 @@ int FileSearchImp::findNames(const ZoFileName& pattern, ZoSequence<ZoFileName>& 
   if (plain.isRelativ() && (start.isEmpty() || !levels.empty())) {
     for (const auto& [place, below] : finder_.findAll(levels + last)) {
       const bool isMember = place->kind == FilePlace::kLibrary;
-      const ZoFileName name = isMember ? zoMemberName(ZoFileName(place->path), ZoFileName(below))
-                                       : ZoFileName(place->path + below);
+      const ZoFileName name(isMember ? joinMemberText(place->path, below) : place->path + below);
       if (hasKind(isMember ? ZoFileName(below) : name, kinds))
         if (const int code = found.append(name)) return code;
     }
@@ -335,7 +351,7 @@ int FileSearchImp::findNames(const ZoFileName& pattern, ZoSequence<ZoFileName>& 
   }
   ZoFindFile find;
   find.setKinds(kinds);
-  if (const int code = find.findAll(absolute(plain), found)) return code;
+  if (const int code = find.findAll(ZoFileName(absolute(plain)), found)) return code;
   if (const int code = found.sort()) return code;
   return names.append(found);
 }

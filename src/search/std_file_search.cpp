@@ -108,14 +108,17 @@ int ZoStdFileSearch::refresh() {
 // ---- Finding ----
 
 int ZoStdFileSearch::find(const ZoFileName& name, ZoFileName& found) {
-  ZoFound result;
-  const int code = imp_->locate(name, result);
-  if (result.place != ZoFound::kNowhere) found = std::move(result.name);
+  zo::Located located;
+  const int code = imp_->locate(name, located);
+  if (located.place != ZoFound::kNowhere) found = located.name();
   return code;
 }
 
 int ZoStdFileSearch::locate(const ZoFileName& name, ZoFound& found) {
-  return imp_->locate(name, found);
+  zo::Located located;
+  const int code = imp_->locate(name, located);
+  if (located.place != ZoFound::kNowhere) found = located.found();
+  return code;
 }
 
 int ZoStdFileSearch::findNames(const ZoFileName& pattern, ZoSequence<ZoFileName>& names,
@@ -133,7 +136,7 @@ int ZoStdFileSearch::toDisk(const ZoFileName& name, ZoFileName& file) {
 
 int ZoStdFileSearch::explain(const ZoFileName& name, ZoString& report) {
   zo::SearchReport told;
-  ZoFound found;
+  zo::Located found;
   static_cast<void>(imp_->locate(name, found, &told));
   report = std::wstring_view(told.text());
   return ZoResult::ok;
