@@ -14,5 +14,8 @@
 #include <zo/library/packed_member.h>
 #include <zo/names/file_name.h>
 #include <zo/names/handle.h>
+#include <zo/names/member_name.h>
 #include <zo/names/name_results.h>
+#include <zo/persist/check_sum.h>
+#include <zo/search/download_cache.h>
 #include <zo/system/file_system.h>

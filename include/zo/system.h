@@ -7,8 +7,9 @@
 #pragma once
 
 #include <zo/attach/life_cycle.h>
-#include <zo/files/std_file_open.h>
-#include <zo/files/std_file_search.h>
+#include <zo/search/std_file_open.h>
+#include <zo/search/std_file_search.h>
+#include <zo/search/std_macro_lib.h>
 #include <zo/files/std_file_system.h>
 #include <zo/messages/std_message.h>
 #include <zo/system/cad.h>
@@ -26,6 +27,7 @@
 #include <zo/system/layer.h>
 #include <zo/system/macro_lib.h>
 #include <zo/system/message.h>
+#include <zo/system/open_results.h>
 #include <zo/system/reactor.h>
 #include <zo/system/registry.h>
 #include <zo/system/source_place.h>

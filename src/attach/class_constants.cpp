@@ -10,6 +10,7 @@
 #include <zo/parse/search.h>
 #include <zo/persist/zip_streambuf.h>
 #include <zo/system/codepage.h>
+#include <zo/system/macro_lib.h>
 #include <zo/system/message.h>
 #include <zo/text/containers/vhash.h>
 #include <zo/text/string.h>
@@ -23,16 +24,37 @@ namespace zo {
 
 extern const void* const kClassConstants[];
 const void* const kClassConstants[] = {
-    &ZoCodepage::kDefault,     &ZoCodepage::kUtf16,       &ZoCodepage::kUtf16BigEndian,
-    &ZoCodepage::kUtf8,        &ZoCsvReader::npos,        &ZoDottyNode::noCluster,
-    &ZoFindFile::kDirectory,   &ZoLibrary::kBest,         &ZoLibrary::kFast,
-    &ZoLibrary::kNormal,       &ZoMessage::kMaxDepth,     &ZoMessage::kMaxLength,
-    &ZoMessage::kMaxRead,      &ZoMessageMap::kMaxBytes,  &ZoMessageMap::kMaxFaults,
-    &ZoMessageMap::kMaxLength, &ZoRegExp::kMaxPattern,    &ZoRegExp::npos,
-    &ZoSearch::npos,           &ZoString::npos,           &ZoStringRef::npos,
-    &ZoSubString::npos,        &ZoVHash::kDefaultBuckets, &ZoVHash::kDefaultLoadFactor,
-    &ZoVHashTable::kLongChain, &ZoVariant::kMaxDepth,     &ZoZIPStreambuf::endOfFile,
-    &ZoJson::kMaxBytes,        &ZoXMLClass::kMaxBytes,    &ZoXMLClass::kMaxDepth,
+    &ZoCodepage::kDefault,
+    &ZoCodepage::kUtf16,
+    &ZoCodepage::kUtf16BigEndian,
+    &ZoCodepage::kUtf8,
+    &ZoCsvReader::npos,
+    &ZoDottyNode::noCluster,
+    &ZoFindFile::kDirectory,
+    &ZoJson::kMaxBytes,
+    &ZoLibrary::kBest,
+    &ZoLibrary::kFast,
+    &ZoLibrary::kNormal,
+    &ZoMacroLib::kMaxDepth,
+    &ZoMessage::kMaxDepth,
+    &ZoMessage::kMaxLength,
+    &ZoMessage::kMaxRead,
+    &ZoMessageMap::kMaxBytes,
+    &ZoMessageMap::kMaxFaults,
+    &ZoMessageMap::kMaxLength,
+    &ZoRegExp::kMaxPattern,
+    &ZoRegExp::npos,
+    &ZoSearch::npos,
+    &ZoString::npos,
+    &ZoStringRef::npos,
+    &ZoSubString::npos,
+    &ZoVHash::kDefaultBuckets,
+    &ZoVHash::kDefaultLoadFactor,
+    &ZoVHashTable::kLongChain,
+    &ZoVariant::kMaxDepth,
+    &ZoXMLClass::kMaxBytes,
+    &ZoXMLClass::kMaxDepth,
+    &ZoZIPStreambuf::endOfFile,
 };
 
 }  // namespace zo

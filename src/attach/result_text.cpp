@@ -12,6 +12,7 @@
 #include <zo/system/file_system.h>
 #include <zo/system/guard.h>
 #include <zo/system/message.h>
+#include <zo/system/open_results.h>
 #include <zo/text/number_text.h>
 #include <zo/text/string.h>
 #include <zo/variant/variant.h>
@@ -159,6 +160,27 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(messages, ZoResult::invalid, L"The file is no message file."),
     ZO_RESULT(messages, ZoResult::incomplete,
               L"The text was given, but a reference or an argument in it could not be filled in."),
+
+    ZO_RESULT(search, ZoResult::refused,
+              L"No such file, place or macro; or another thread kept the search for too long."),
+    ZO_RESULT(search, ZoResult::invalid, L"A URL, and there is no cache that could serve it."),
+
+    ZO_RESULT(opening, ZoResult::refused,
+              L"The file, medium or copy is not there, or could not be read or written."),
+    ZO_RESULT(opening, ZoResult::invalid, L"A URL that cannot be served."),
+    ZO_RESULT(opening, ZoResult::noManifest,
+              L"The medium has no list of what should be on it, so it cannot be checked."),
+    ZO_RESULT(opening, ZoResult::mediaDiffers,
+              L"A file of the medium is missing, or is not what it should be."),
+    ZO_RESULT(opening, ZoResult::manifestDamaged,
+              L"The medium's list of files is damaged, or was made with another key."),
+    ZO_RESULT(opening, ZoResult::cancelled, L"Cancelled."),
+    ZO_RESULT(opening, ZoResult::stale,
+              L"The server did not answer. An older copy of the file was given."),
+    ZO_RESULT(opening, ZoResult::hostNotAllowed, L"The settings do not allow this server."),
+    ZO_RESULT(opening, ZoResult::tooLarge, L"The file is larger than a download may be."),
+    ZO_RESULT(opening, ZoResult::serverRefused,
+              L"The server has no such file, or its answer is none."),
 
     ZO_RESULT(xml, ZoResult::refused,
               L"The document is empty, nothing is there, the platform refused, or the file could "

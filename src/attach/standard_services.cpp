@@ -1,15 +1,15 @@
 // The one file that knows all standard services: it makes and destroys them.
-#include <zo/files/std_file_open.h>
-#include <zo/files/std_file_search.h>
 #include <zo/files/std_file_system.h>
 #include <zo/messages/std_message.h>
 #include <zo/results.h>
+#include <zo/search/std_file_open.h>
+#include <zo/search/std_file_search.h>
+#include <zo/search/std_macro_lib.h>
 #include <zo/system/cad.h>
 #include <zo/system/cfg.h>
 #include <zo/system/codepage.h>
 #include <zo/system/execute.h>
 #include <zo/system/layer.h>
-#include <zo/system/macro_lib.h>
 #include <zo/system/registry.h>
 #include <zo/system/standard_mgr.h>
 #include <zo/system/std_error.h>

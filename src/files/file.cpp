@@ -1,6 +1,11 @@
 #include <windows.h>
 #include <zo/files/file_imp.h>
+#include <zo/names/member_name.h>
 #include <zo/results.h>
+
+#include <memory>
+
+#include "files/open_member.h"
 
 namespace {
 
@@ -57,7 +62,10 @@ int ZoFile::makeReady() {
 
 int ZoFile::open(const ZoFileName& name, int access, CreationMode mode, int share, int flags) {
   if (const int code = makeReady()) return code;
-  return getImpObj()->open(name, access, mode, share, flags);
+  if (!zoIsMemberName(name)) return getImpObj()->open(name, access, mode, share, flags);
+  std::unique_ptr<ZoFileImp> member;
+  if (const int code = zo::openMember(name, access, mode, member)) return code;
+  return setImpObj(member.release());
 }
 
 int ZoFile::createTemp(ZoFileName& name, int access, CreationMode mode, int share, int flags) {

@@ -1,50 +1,15 @@
 #include "files/ftp.h"
 
-#include <wininet.h>
-
-#include <bit>
 #include <cwchar>
 #include <string_view>
 #include <utility>
 
 #include "names/name_compare.h"
+#include "platform/internet.h"
 #include "platform/open_file.h"
 
 namespace zo {
 namespace {
-
-// The functions of the platform's internet library.
-struct Internet {
-  HMODULE library = LoadLibraryExW(L"wininet.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-
-  template <class Function>
-  Function find(const char* name) const {
-    const FARPROC address = library ? GetProcAddress(library, name) : nullptr;
-    return std::bit_cast<Function>(address);
-  }
-
-// NOLINTNEXTLINE(bugprone-macro-parentheses): the name of a member cannot stand in them
-#define ZO_INTERNET(name) decltype(&::name) name = find<decltype(&::name)>(#name)
-  ZO_INTERNET(InternetOpenW);
-  ZO_INTERNET(InternetConnectW);
-  ZO_INTERNET(InternetCloseHandle);
-  ZO_INTERNET(InternetFindNextFileW);
-  ZO_INTERNET(InternetGetLastResponseInfoW);
-  ZO_INTERNET(FtpCreateDirectoryW);
-  ZO_INTERNET(FtpRemoveDirectoryW);
-  ZO_INTERNET(FtpDeleteFileW);
-  ZO_INTERNET(FtpRenameFileW);
-  ZO_INTERNET(FtpGetFileW);
-  ZO_INTERNET(FtpPutFileW);
-  ZO_INTERNET(FtpFindFirstFileW);
-  ZO_INTERNET(FtpSetCurrentDirectoryW);
-#undef ZO_INTERNET
-};
-
-const Internet& internet() {
-  static const Internet functions;
-  return functions;
-}
 
 constexpr DWORD kTransfer =
     FTP_TRANSFER_TYPE_BINARY | INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE;
@@ -127,6 +92,9 @@ constexpr Message kMessages[] = {
     {ERROR_INTERNET_CANNOT_CONNECT, L"The server cannot be reached."},
     {ERROR_INTERNET_CONNECTION_ABORTED, L"The connection to the server broke off."},
     {ERROR_INTERNET_CONNECTION_RESET, L"The server closed the connection."},
+    {ERROR_INTERNET_ITEM_NOT_FOUND, L"The server has no such file."},
+    {ERROR_HTTP_INVALID_SERVER_RESPONSE, L"The server's answer is no file."},
+    {ERROR_HTTP_REDIRECT_FAILED, L"The server leads to where nothing is fetched from."},
     {ERROR_FTP_TRANSFER_IN_PROGRESS, L"The connection to the server is busy."},
     {ERROR_FTP_DROPPED, L"The server ended the transfer."},
     {ERROR_FTP_NO_PASSIVE_MODE, L"The server has no passive mode."},

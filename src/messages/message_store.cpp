@@ -1,11 +1,13 @@
 #include "messages/message_store.h"
 
+#include <zo/files/file.h>
 #include <zo/names/file_name.h>
 #include <zo/results.h>
 #include <zo/system/file_search.h>
 #include <zo/system/sys_info.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <ranges>
 #include <tuple>
 #include <utility>
@@ -28,6 +30,16 @@ std::wstring libraryFolder() {
   ZoString folder;
   if (!system || system->folder(ZoSysInfo::kLibrary, folder) != ZoResult::ok) return {};
   return std::wstring(folder.view()) + L'\\';
+}
+
+// False when it has too many bytes, or cannot be read; the bytes are then as they were.
+bool readAll(ZoFile& file, std::string& bytes) {
+  const std::int64_t size = file.size();
+  if (size < 0 || static_cast<std::uint64_t>(size) > kMaxMessageBytes) return false;
+  std::string read(static_cast<std::size_t>(size), '\0');
+  if (file.read(read.data(), static_cast<unsigned int>(read.size())) != read.size()) return false;
+  bytes = std::move(read);
+  return true;
 }
 
 }  // namespace
@@ -76,11 +88,12 @@ class MessageStore::Finder {
     return readMessages(bytes, faults, tag);
   }
   bool readBytes(const std::wstring& name, std::string& bytes) const {
-    ZoFileName file(load_.folder + name);
-    if (auto* const search = serviceOrNull<ZoFileSearch>()) {
-      ZoFileName found;
-      if (search->find(file, found) == ZoResult::ok) file = found;
-    }
+    const ZoFileName file(load_.folder + name);
+    ZoFile opened;
+    constexpr int kAll = ZoFile::kShareRead | ZoFile::kShareWrite | ZoFile::kShareDelete;
+    auto* const search = serviceOrNull<ZoFileSearch>();
+    if (search) static_cast<void>(search->open(file, opened, ZoFile::kRead, kAll));
+    if (opened.isOpen() && readAll(opened, bytes)) return true;
     if (readWholeFile(file.fullName(), kMaxMessageBytes, bytes)) return true;
     const std::wstring library = load_.folder.empty() ? libraryFolder() : std::wstring();
     if (library.empty()) return false;
@@ -102,7 +115,7 @@ MessageStore::MessageStore() : current_(std::make_shared<const Catalogues>()) {}
 
 int MessageStore::load(std::wstring_view name, std::wstring_view module) {
   Load load;
-  load.folder = name.substr(0, name.find_last_of(L"\\/:") + 1);
+  load.folder = name.substr(0, name.find_last_of(L"\\/:|") + 1);  // also LIBRARY|
   name.remove_prefix(load.folder.size());
   if (name.size() >= kExtension.size() &&
       equalIgnoreCase(name.substr(name.size() - kExtension.size()), kExtension))

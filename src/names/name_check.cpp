@@ -30,7 +30,7 @@ constexpr auto kClasses = [] {
 
 bool isFree(std::wstring_view text, unsigned int forbidden) noexcept {
   return std::none_of(text.begin(), text.end(), [=](wchar_t c) {
-    return c < kClasses.size() && (kClasses[c] & forbidden) != 0;
+    return static_cast<std::size_t>(c) < kClasses.size() && (kClasses[c] & forbidden) != 0;
   });
 }
 

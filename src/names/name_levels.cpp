@@ -85,11 +85,6 @@ std::wstring_view nextLevel(std::wstring_view stretch, size_t& at) noexcept {
   return stretch.substr(std::min(begin, stretch.size()), at - begin);
 }
 
-std::wstring_view withoutFinalDelimiters(std::wstring_view text) noexcept {
-  while (!text.empty() && isDelimiter(text.back())) text.remove_suffix(1);
-  return text;
-}
-
 std::wstring wholeText(std::wstring_view macro, std::wstring_view path) {
   std::wstring text;
   text.reserve(macro.size() + path.size() + 2);

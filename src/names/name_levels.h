@@ -18,7 +18,10 @@ namespace zo {
 // that follow each other count as one.
 [[nodiscard]] std::wstring_view nextLevel(std::wstring_view stretch, size_t& at) noexcept;
 
-[[nodiscard]] std::wstring_view withoutFinalDelimiters(std::wstring_view text) noexcept;
+[[nodiscard]] inline std::wstring_view withoutFinalDelimiters(std::wstring_view text) noexcept {
+  while (!text.empty() && isDelimiter(text.back())) text.remove_suffix(1);
+  return text;
+}
 
 // A name without superfluous levels.
 struct NormalName {

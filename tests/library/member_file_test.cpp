@@ -1,5 +1,6 @@
 // Members as file objects, read and written.
 #include <zo/library/lib_file.h>
+#include <zo/names/member_name.h>
 
 #include "library/library_fixture.h"
 #include "library/listing.h"
@@ -15,6 +16,53 @@ std::string pattern(std::size_t size) {
 }
 
 }  // namespace
+
+// The name of both in one text, which opens the library, too, for as long as the file is open.
+TEST_F(LibraryTest, MembersOpenByOneName) {
+  {
+    ZoLibrary library;
+    ASSERT_EQ(openForWriting(library), 0);
+    ASSERT_EQ(add(library, L"dir/a", "text"), 0);
+    ASSERT_EQ(library.close(), 0);
+  }
+  const auto name = [&](const wchar_t* member) { return zoMemberName(path_, member); };
+  const auto content = [&](const wchar_t* member) {
+    ZoFile file;
+    char bytes[32];
+    if (const int code = file.open(name(member))) return "(" + std::to_string(code) + ")";
+    return std::string(bytes, file.read(bytes, sizeof bytes));
+  };
+  const auto write = [&](const wchar_t* member, ZoFile::CreationMode mode) {
+    ZoFile file;
+    if (const int code = file.open(name(member), ZoFile::kWrite, mode)) return code;
+    EXPECT_EQ(file.write("new", 3), 3u);
+    return file.close();
+  };
+  EXPECT_EQ(content(L"DIR/A"), "text");
+  EXPECT_EQ(content(L"b"), "(1)");
+  EXPECT_EQ(write(L"b", ZoFile::kTruncateExisting), ZoResult::refused);
+  EXPECT_EQ(write(L"b", ZoFile::kOpenAlways), ZoResult::refused) << "would have to keep content";
+  EXPECT_EQ(write(L"b", ZoFile::kCreateNew), 0);
+  EXPECT_EQ(content(L"b"), "new");
+  EXPECT_EQ(write(L"b", ZoFile::kCreateNew), ZoResult::memberExists);
+  EXPECT_EQ(write(L"dir/a", ZoFile::kCreateAlways), 0);
+  EXPECT_EQ(content(L"dir/a"), "new");
+  {
+    ZoFile file, copy;
+    ASSERT_EQ(file.open(name(L"c"), ZoFile::kWrite, ZoFile::kCreateNew), 0);
+    copy = file;
+    file.cancel();
+    EXPECT_EQ(copy.close(), ZoResult::refused);
+  }
+  EXPECT_EQ(content(L"c"), "(1)");
+  ZoFile file;
+  EXPECT_EQ(file.open(zoMemberName(path_, L"a"), ZoFile::kRead, ZoFile::kOpenAlways),
+            ZoResult::refused);
+  EXPECT_EQ(file.open(std::wstring(L"a|b|c")), ZoResult::nameInvalid);
+  EXPECT_EQ(file.open(std::wstring(L"absent.lib|a")), ZoResult::refused);
+  std::filesystem::remove(std::filesystem::path(path_.fullName()));
+  EXPECT_EQ(content(L"b"), "(1)") << "no library stays open";
+}
 
 TEST_F(LibraryTest, MembersReadAndSeekAsFiles) {
   const std::string bytes = pattern(10'000);

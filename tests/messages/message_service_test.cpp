@@ -1,4 +1,5 @@
 // The standard message service over files in a folder.
+#include <zo/library/library.h>
 #include <zo/result_text.h>
 #include <zo/system.h>
 
@@ -161,6 +162,28 @@ TEST_F(MessageTest, BeginsWithTheSettingAndTheUsersLanguages) {
   ASSERT_EQ(service().getLanguages(users), 0);
   EXPECT_EQ(users.entries(), chosen.entries() - 3) << "and behind the setting the user's";
   EXPECT_FALSE(users.isEmpty());
+}
+
+TEST_F(MessageTest, FilesMayLieInALibrary) {
+  write("parts.msg", "@language en\n1 one\n");
+  write("parts.de.msg", "1 eins\n");
+  const ZoFileName library = full(L"app.lib");
+  {
+    ZoLibrary made;
+    ASSERT_EQ(made.open(library, ZoFile::kReadWrite, ZoFile::kCreateNew), 0);
+    for (const wchar_t* name : {L"parts.msg", L"parts.de.msg"})
+      ASSERT_EQ(made.addFile(full(name), name), 0);
+    ASSERT_EQ(made.addFile(full(L"parts.msg"), L"texts/other.msg"), 0);
+  }
+  for (const wchar_t* name : {L"parts.msg", L"parts.de.msg"})
+    std::filesystem::remove(folder_.path() / name);
+  setLanguages({L"de", L"en"});
+  ASSERT_EQ(service().load(L"parts", L"a"), ZoResult::refused);
+  ASSERT_EQ(load(L"app.lib|texts/other", L"a"), 0);
+  EXPECT_EQ(text(L"other", 1), L"one");
+  ASSERT_EQ(ZoSystem::fileSearch().addLibrary(library, L"a"), 0);
+  ASSERT_EQ(service().load(L"parts", L"a"), 0);
+  EXPECT_EQ(text(L"parts", 1), L"eins");
 }
 
 TEST_F(MessageTest, FilesComeThroughTheSearchAndGoWithTheirModule) {

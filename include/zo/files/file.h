@@ -115,6 +115,10 @@ class ZO_COM_API ZoFile {
   // Opens a file, after closing the one that is open (a member of a library: after giving it up). A
   // URL with a local alias opens the alias. A file opened for reading and writing gets the flag
   // kRandomAccess, unless kSequential is given.
+  // LIBRARY|MEMBER (zo/names/member_name.h) opens a member (zo/library/lib_file.h), together with
+  // its library, which close() closes, too: to read it (kOpenExisting), or to write it anew
+  // (kCreateNew, kCreateAlways, kTruncateExisting). Share and flags mean nothing then, and the
+  // codes are those of zo/library/library.h.
   [[nodiscard]] int open(const ZoFileName& name, int access = kRead,
                          CreationMode mode = kOpenExisting, int share = kShareRead, int flags = 0);
   template <class A, class M = CreationMode, class S = Share, class F = Flag>

@@ -62,9 +62,9 @@ class ZO_COM_API ZoMessage : public ZoSysObj {
                                        std::span<const ZoVariant> arguments, ZoString& text);
   // Takes in a message file, "parts" or "parts.msg" or a full name of that form, in all languages
   // in which it is found, until the module is released. Names are looked for by the file search
-  // service. Loading what the module has loaded already reads it anew; of several files that have a
-  // name in common, the one loaded last comes first. ZoResult::invalid: what was found are no
-  // message files. Here: refused.
+  // service, so the files may lie in a library; "app.lib|parts" names one itself. Loading what the
+  // module has loaded already reads it anew; of several files that have a name in common, the one
+  // loaded last comes first. ZoResult::invalid: what was found are no message files. Here: refused.
   [[nodiscard]] virtual int load(const ZoFileName& file, const wchar_t* module);
   // The languages, the one wanted most first ("de-AT", "fr"), and reads all files anew as reload()
   // does. None: those of the setting "messages@language" (one or several, with blanks, commas or

@@ -1,4 +1,4 @@
-#include <zo/files/std_file_open.h>
+#include <zo/search/std_file_open.h>
 
 #include "system/service_scope.h"
 

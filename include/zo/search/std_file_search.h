@@ -1,0 +1,77 @@
+// The standard file search.
+//
+// ZoSysNotice::moduleLoaded with the module "zo_com" makes it register a reactor with the
+// dispatcher, once, which tells the search in force of released modules: so an installed search,
+// too, drops their places.
+//
+// Folders  are asked directly at first, and read once they were asked for some time; from then on
+//          they are asked no more until the platform tells of a change in them, and neither is the
+//          current directory. Folders on a network, and those that the platform does not watch, are
+//          asked each time. A folder that is watched can be removed; where the platform lets it
+//          vanish only when nobody has it open, that is at the next search.
+// Members  that are to be files of the disk are copied to the cache's folder, "members"; without a
+//          cache to "zo_members" in the folder for temporary files. A copy is made once for each
+//          state of its library, and stays.
+//
+// Errors, Threads: as in zo/system/file_search.h.
+// Cost:    what is known is found in some microseconds, however many places there are; what is not,
+//          by one call of the platform for each folder. A library is read once after each change.
+// Bounds:  of a folder with more than 250,000 names none is kept.
+#pragma once
+
+#include <zo/names/file_name.h>
+#include <zo/system/file_search.h>
+#include <zo/system/reactor.h>
+
+#include <memory>
+
+namespace zo {
+class FileSearchImp;
+}
+
+class ZO_COM_API ZoStdFileSearch : public ZoFileSearch {
+ public:
+  ZoStdFileSearch();
+  ~ZoStdFileSearch() override;
+  ZoStdFileSearch(const ZoStdFileSearch&) = delete;
+  ZoStdFileSearch& operator=(const ZoStdFileSearch&) = delete;
+
+  void onReactor(ZoSysNotice notice, const ZoVariant& data) override;
+  int release(const wchar_t* module) override;
+  void poolRelease(const wchar_t* module) override;
+
+  using ZoFileSearch::addPath;
+  using ZoFileSearch::find;
+  int addPath(const ZoFileName& folder, const wchar_t* module) override;
+  int find(const ZoFileName& name, ZoFileName& found) override;
+  int addFolder(const ZoFileName& folder, const wchar_t* module, int priority, bool below) override;
+  int addLibrary(const ZoFileName& library, const wchar_t* module, int priority = 0) override;
+  int addServer(const ZoFileName& url, const wchar_t* module, int priority = 0) override;
+  int setCache(const ZoFileName& folder, std::uint64_t limit, unsigned int maxAge) override;
+  int locate(const ZoFileName& name, ZoFound& found) override;
+  int findNames(const ZoFileName& pattern, ZoSequence<ZoFileName>& names,
+                unsigned int kinds = 0) override;
+  int openFile(const ZoFileName& name, ZoFile& file, int access, int share) override;
+  int toDisk(const ZoFileName& name, ZoFileName& file) override;
+  int explain(const ZoFileName& name, ZoString& report) override;
+  int refresh() override;
+
+ private:
+  std::unique_ptr<zo::FileSearchImp> imp_;
+};
+
+// The library's own reactor.
+class ZO_COM_API ZoFileSearchReactor : public ZoSystemReactor {
+ public:
+  ZoFileSearchReactor() noexcept;
+  ZoFileSearchReactor(const ZoFileSearchReactor&) = delete;
+  ZoFileSearchReactor& operator=(const ZoFileSearchReactor&) = delete;
+  ~ZoFileSearchReactor() override;
+
+  void onNotice(ZoSysNotice notice, const ZoVariant& data) override;
+  double priority() override;  // 1
+  int release(const wchar_t* module) override;
+
+  // Whether one exists.
+  [[nodiscard]] static bool isAlive() noexcept;
+};

@@ -1,0 +1,177 @@
+#include "search/download.h"
+
+#include <wininet.h>
+
+#include <charconv>
+#include <memory>
+#include <utility>
+
+#include "files/keep_reason.h"
+#include "platform/clock.h"
+#include "platform/write_all.h"
+#include "text/code_units.h"
+
+namespace zo {
+namespace {
+
+constexpr int kMostRedirects = 5;
+constexpr DWORD kPiece = 64 * 1024;
+
+bool isRedirect(DWORD status) noexcept {
+  return (status >= 301 && status <= 303) || status == 307 || status == 308;
+}
+
+// What is no ASCII becomes a character that no mark has.
+std::string narrow(std::wstring_view text) {
+  std::string bytes;
+  for (const wchar_t c : text) bytes += c < 0x80 ? static_cast<char>(c) : '\x7F';
+  return bytes;
+}
+
+std::wstring widened(const std::string& text) { return {text.begin(), text.end()}; }
+
+std::string markOf(const HttpRequest& request, DWORD which) {
+  std::string mark = narrow(request.header(which));
+  return isMark(mark) ? mark : std::string();
+}
+
+// Whatever a server sends is an answer 200 to some platforms, after the oldest form of the protocol;
+// but a head that is one has lines.
+bool hasHead(const HttpRequest& request) {
+  const std::wstring head = request.header(HTTP_QUERY_RAW_HEADERS_CRLF);
+  const std::size_t first = head.find(L"\r\n");
+  return first != std::wstring::npos && head.find(L':', first) != std::wstring::npos;
+}
+
+// -1 without a length, -2 for one that is none.
+std::int64_t lengthOf(const HttpRequest& request) {
+  const std::string text = narrow(request.header(HTTP_QUERY_CONTENT_LENGTH));
+  if (text.empty()) return -1;
+  std::int64_t length = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
+  const bool isNumber = error == std::errc() && end == text.data() + text.size() && length >= 0;
+  return isNumber ? length : -2;
+}
+
+// An answer that is a page for people, where a file was wanted: what servers send for errors, and
+// networks that want a login first.
+bool isStrayPage(const HttpRequest& request, const WebAddress& address) {
+  std::wstring type = request.header(HTTP_QUERY_CONTENT_TYPE);
+  for (wchar_t& c : type) c = lowerAscii(c);
+  const std::wstring extension = extensionOf(address);
+  const bool isPage = type.starts_with(L"text/html") || type.starts_with(L"application/xhtml");
+  return isPage && !extension.empty() && extension.find(L"htm") == std::wstring::npos &&
+         extension != L".php" && extension != L".asp" && extension != L".aspx";
+}
+
+std::wstring conditions(const CacheMark* known) {
+  std::wstring lines;
+  if (known && !known->etag.empty()) lines += L"If-None-Match: " + widened(known->etag) + L"\r\n";
+  if (known && !known->modified.empty())
+    lines += L"If-Modified-Since: " + widened(known->modified) + L"\r\n";
+  return lines;
+}
+
+}  // namespace
+
+std::uint64_t timeNow() noexcept {
+  FILETIME now;
+  GetSystemTimeAsFileTime(&now);
+  return std::uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime;
+}
+
+Download::Download(const ZoDownloadOptions& options, std::wstring hosts, const ZoFileName& url,
+                   const ZoDownloadCache::Watcher& watcher)
+    : options_(options),
+      hosts_(std::move(hosts)),
+      url_(url),
+      watcher_(watcher),
+      begun_(millisecondsNow()) {}
+
+Download::Answer Download::fail(int code, DWORD error) {
+  code_ = keepReason(L"download", error, code);
+  return kFailed;
+}
+
+Download::Answer Download::away(DWORD error) {
+  code_ = keepReason(L"download", error);
+  return kAway;
+}
+
+bool Download::isInTime() const noexcept {
+  return millisecondsNow() - begun_ <= std::uint64_t{options_.longest} * 1000;
+}
+
+bool Download::goesOn() const {
+  return !watcher_ ||
+         watcher_(
+             {.url = url_, .bytesDone = static_cast<std::int64_t>(mark_.size), .bytes = length_});
+}
+
+void Download::keepMarks(const HttpRequest& request) {
+  mark_.etag = markOf(request, HTTP_QUERY_ETAG);
+  mark_.modified = markOf(request, HTTP_QUERY_LAST_MODIFIED);
+  mark_.checked = timeNow();
+}
+
+Download::Answer Download::run(WebAddress address, const CacheMark* known,
+                               const std::wstring& stem) {
+  const std::wstring lines = conditions(known);
+  const std::string url = narrow(printWebAddress(address));
+  for (int redirects = 0; redirects <= kMostRedirects; ++redirects) {
+    if (!isHostListed(hosts_, address))
+      return fail(ZoResult::hostNotAllowed, ERROR_ACCESS_DISABLED_BY_POLICY);
+    HttpRequest request;
+    if (!goesOn()) return fail(ZoResult::cancelled, ERROR_CANCELLED);
+    if (!isInTime()) return away(ERROR_INTERNET_TIMEOUT);
+    if (!request.send(address, lines, options_.timeOut)) return away(GetLastError());
+    const DWORD status = request.status();
+    if (status == 304 && !lines.empty()) {
+      mark_ = *known;
+      mark_.checked = timeNow();
+      return kUnchanged;
+    }
+    mark_.url = url;
+    if (!isRedirect(status)) return take(request, address, stem);
+    if (!followRedirect(address, request.header(HTTP_QUERY_LOCATION), address)) break;
+  }
+  return fail(ZoResult::serverRefused, ERROR_HTTP_REDIRECT_FAILED);
+}
+
+Download::Answer Download::take(HttpRequest& request, const WebAddress& from,
+                                const std::wstring& stem) {
+  const DWORD status = request.status();
+  const bool isNone = status == 408 || status == 429 || status >= 500;
+  if (isNone || !hasHead(request)) return away(ERROR_HTTP_INVALID_SERVER_RESPONSE);
+  if (status != 200) return fail(ZoResult::serverRefused, ERROR_INTERNET_ITEM_NOT_FOUND);
+  length_ = lengthOf(request);
+  if (length_ < -1 || isStrayPage(request, from))
+    return fail(ZoResult::serverRefused, ERROR_HTTP_INVALID_SERVER_RESPONSE);
+  if (length_ > 0 && static_cast<std::uint64_t>(length_) > options_.largest)
+    return fail(ZoResult::tooLarge, ERROR_FILE_TOO_LARGE);
+  keepMarks(request);
+  file_.emplace(createFresh(stem, kEndingBeside, GENERIC_WRITE, 0, FILE_FLAG_SEQUENTIAL_SCAN));
+  if (!file_->file) return fail(ZoResult::refused, GetLastError());
+  return takeBody(request);
+}
+
+Download::Answer Download::takeBody(HttpRequest& request) {
+  const auto piece = std::make_unique_for_overwrite<char[]>(kPiece);
+  Sha256 hash;
+  if (!hash.start()) return fail(ZoResult::refused, GetLastError());
+  for (DWORD got = 1; got > 0; mark_.size += got) {
+    if (!goesOn()) return fail(ZoResult::cancelled, ERROR_CANCELLED);
+    if (!isInTime()) return away(ERROR_INTERNET_TIMEOUT);
+    if (!request.read(piece.get(), kPiece, got)) return away(GetLastError());
+    if (got > options_.largest - mark_.size) return fail(ZoResult::tooLarge, ERROR_FILE_TOO_LARGE);
+    if (writeAll(file_->file.get(), piece.get(), got) < got || !hash.add(piece.get(), got))
+      return fail(ZoResult::refused, GetLastError());
+  }
+  if (length_ >= 0 && mark_.size != static_cast<std::uint64_t>(length_))
+    return away(ERROR_INTERNET_CONNECTION_ABORTED);
+  if (!file_->file.close() || !hash.finish(mark_.sum))
+    return fail(ZoResult::refused, GetLastError());
+  return kComplete;
+}
+
+}  // namespace zo

@@ -1,0 +1,228 @@
+#include "search/place.h"
+
+#include <zo/library/library.h>
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+#include "files/folder_search.h"
+#include "names/name_compare.h"
+#include "names/wildcard.h"
+#include "platform/file_api.h"
+#include "platform/open_file.h"
+#include "platform/system_path.h"
+
+namespace zo {
+namespace {
+
+using Name = NameIndex::Name;
+
+constexpr std::size_t kMostNames = 250000;  // of a place that is kept in memory
+
+// 0 for what is not there.
+DWORD attributesOf(const std::wstring& path) {
+  const DWORD attributes = fileApi().attributes(SystemPath(path.c_str()));
+  return attributes == INVALID_FILE_ATTRIBUTES ? 0 : attributes;
+}
+
+std::wstring folderOfFile(const std::wstring& path) {
+  return path.substr(0, path.find_last_of(L"\\/") + 1);
+}
+
+bool canBeWatched(FilePlace::Kind kind, const std::wstring& path) {
+  if (kind == FilePlace::kServer || path.size() < 3 || path[1] != L':') return false;
+  return fileApi().driveType(path.substr(0, 3).c_str()) != DRIVE_REMOTE;
+}
+
+// Visits what is in a folder, with `below` also in those below it but for links to folders; false
+// from the visitor ends it. False when that, or a folder that could not be read, ended it.
+using Visit = std::function<bool(const std::wstring& path, const WIN32_FIND_DATAW& entry)>;
+bool visitFolder(const std::wstring& root, bool below, const Visit& visit) {
+  std::vector<std::wstring> folders{L""};
+  for (std::size_t i = 0; i < folders.size(); ++i) {
+    FolderSearch search(root + folders[i], L"*");
+    WIN32_FIND_DATAW entry;
+    while (search.next(entry)) {
+      const std::wstring path = folders[i] + entry.cFileName;
+      if (!visit(path, entry)) return false;
+      constexpr DWORD kPlain = FILE_ATTRIBUTE_DIRECTORY, kLink = FILE_ATTRIBUTE_REPARSE_POINT;
+      if (below && (entry.dwFileAttributes & (kPlain | kLink)) == kPlain)
+        folders.push_back(path + L'\\');
+    }
+    if (search.error() && i == 0) return false;  // one below may have gone meanwhile
+  }
+  return true;
+}
+
+bool isFolderEntry(const WIN32_FIND_DATAW& entry) {
+  return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+std::shared_ptr<const NameIndex> readFolder(const FilePlace& place) {
+  const bool below = place.kind == FilePlace::kTree;
+  std::vector<Name> names;
+  const bool isRead = visitFolder(place.path, below, [&](const std::wstring& path, const auto& e) {
+    if (!below || !isFolderEntry(e)) names.push_back({path, {}, isFolderEntry(e)});
+    const std::wstring shortName = e.cAlternateFileName;  // by which the platform finds it, too
+    if (!shortName.empty() && shortName != e.cFileName && !(below && isFolderEntry(e)))
+      names.push_back({folderOfFile(path) + shortName, {}, isFolderEntry(e)});
+    return names.size() <= kMostNames;
+  });
+  if (!isRead) return nullptr;
+  if (below) std::ranges::sort(names, comesFirst, &Name::path);
+  return std::make_shared<NameIndex>(std::move(names),
+                                     below ? NameIndex::kLast : NameIndex::kWhole);
+}
+
+// Empty for one that cannot be read: its change will be told like any other.
+std::shared_ptr<const NameIndex> readLibrary(const FilePlace& place) {
+  std::vector<Name> names;
+  ZoLibrary library;
+  if (library.open(ZoFileName(place.path)) == ZoResult::ok && library.isLibrary()) {
+    const int code = library.forEachEntry([&](const ZoLibEntry& entry) {
+      const std::wstring_view given = entry.name.view();
+      std::wstring path = withBackslashes(given);
+      std::wstring other = path == given ? std::wstring() : std::wstring(given);
+      if (!path.empty()) names.push_back({std::move(path), std::move(other), false});
+      return true;
+    });
+    if (code) names.clear();
+  }
+  return std::make_shared<NameIndex>(std::move(names), NameIndex::kWhole);
+}
+
+KnownNames watched(const FilePlace& place) {
+  KnownNames known;
+  const bool isLibrary = place.kind == FilePlace::kLibrary;
+  const std::wstring folder = isLibrary ? folderOfFile(place.path) : place.path;
+  FolderWatch watch;
+  if (place.isWatchable)
+    watch = FolderWatch(folder.c_str(), place.kind == FilePlace::kTree,
+                        isLibrary ? FolderWatch::kFiles : FolderWatch::kNames);
+  if (watch) known.watch = std::make_shared<FolderWatch>(std::move(watch));
+  if (isLibrary) known.stamp = stampOf(place.path);
+  return known;
+}
+
+// Of a tree the first of all that end in the name.
+std::optional<std::wstring> walk(const FilePlace& place, const std::wstring& name) {
+  std::optional<std::wstring> found;
+  visitFolder(place.path, true, [&](const std::wstring& path, const WIN32_FIND_DATAW& entry) {
+    if (!isFolderEntry(entry) && endsInLevels(path, name) && (!found || comesFirst(path, *found)))
+      found = path;
+    return true;
+  });
+  return found;
+}
+
+bool isPlainFile(const NameIndex::Name& name) { return !name.isFolder; }
+
+std::optional<std::wstring> findInFolder(const FilePlace& place, const KnownNames& known,
+                                         const std::wstring& name) {
+  const std::size_t level = name.find(L'\\');
+  if (known.index && level == name.npos)
+    return known.index->find(name, isPlainFile) ? std::optional(name) : std::nullopt;
+  // Of folders below only the first one's name is known.
+  if (known.index) {
+    const auto isThere = [](const Name& entry) { return entry.isFolder; };
+    if (!known.index->find(std::wstring_view(name).substr(0, level), isThere)) return std::nullopt;
+  }
+  return isFile(place.path + name) ? std::optional(name) : std::nullopt;
+}
+
+}  // namespace
+
+FileStamp stampOf(const std::wstring& file) {
+  const OpenFile opened(fileApi().create(SystemPath(file.c_str()), FILE_READ_ATTRIBUTES,
+                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                         OPEN_EXISTING, 0));
+  FileStamp stamp;
+  FILETIME written;
+  if (!opened || !fileApi().size(opened.get(), stamp.size) ||
+      !fileApi().times(opened.get(), nullptr, nullptr, &written))
+    return {};
+  stamp.written = std::uint64_t{written.dwHighDateTime} << 32 | written.dwLowDateTime;
+  return stamp;
+}
+
+bool isFolder(const std::wstring& path) { return attributesOf(path) & FILE_ATTRIBUTE_DIRECTORY; }
+bool isFile(const std::wstring& path) {
+  const DWORD attributes = attributesOf(path);
+  return attributes != 0 && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+FilePlace::FilePlace(Kind kindOfPlace, std::wstring whole, std::wstring owner, int rank)
+    : kind(kindOfPlace),
+      path(std::move(whole)),
+      module(std::move(owner)),
+      priority(rank),
+      isWatchable(canBeWatched(kind, path)) {}
+
+KnownNames readNames(const FilePlace& place) {
+  if (place.kind == FilePlace::kServer) return {};
+  KnownNames known = watched(place);  // before it is read, so that no change is missed
+  if (place.kind == FilePlace::kLibrary) {
+    known.index = readLibrary(place);
+  } else if (known.watch) {
+    known.index = readFolder(place);
+  }
+  if (!known.index) known.watch.reset();
+  return known;
+}
+
+KnownNames readAgain(const FilePlace& place, const KnownNames& before) {
+  if (place.kind != FilePlace::kLibrary) return {};
+  KnownNames known = watched(place);
+  known.index = known.stamp == before.stamp ? before.index : readLibrary(place);
+  return known;
+}
+
+std::optional<std::wstring> findBelow(const FilePlace& place, const KnownNames& known,
+                                      const std::wstring& name) {
+  if (place.kind == FilePlace::kFolder) return findInFolder(place, known, name);
+  if (place.kind == FilePlace::kTree && !known.index) return walk(place, name);
+  if (!known.index) return std::nullopt;
+  const NameIndex::Name* found = nullptr;
+  if (place.kind == FilePlace::kLibrary) {
+    found = known.index->find(name);
+  } else {
+    found = known.index->find(lastComponent(name), [&](const NameIndex::Name& entry) {
+      return endsInLevels(entry.path, name);
+    });
+  }
+  if (!found) return std::nullopt;
+  return found->given.empty() ? found->path : found->given;
+}
+
+std::vector<std::wstring> namesBelow(const FilePlace& place, const KnownNames& known,
+                                     const std::wstring& pattern) {
+  const std::wstring_view last = lastComponent(pattern);
+  const std::wstring levels = pattern.substr(0, pattern.size() - last.size());
+  std::vector<std::wstring> found;
+  const auto take = [&](const std::wstring& path, const std::wstring& given) {
+    const std::wstring_view name = lastComponent(path);
+    if (!fitsWildcard(name, last)) return;
+    const bool isBelow = place.kind == FilePlace::kTree;
+    const std::wstring wanted = std::wstring(levels).append(name);
+    if (isBelow ? endsInLevels(path, wanted) : equalNames(path, wanted)) found.push_back(given);
+  };
+  if (place.kind == FilePlace::kLibrary) {
+    if (!known.index) return found;
+    for (const Name& name : known.index->names())
+      take(name.path, name.given.empty() ? name.path : name.given);
+  } else if (place.kind != FilePlace::kServer) {
+    const bool below = place.kind == FilePlace::kTree;
+    const std::wstring start = below ? std::wstring() : levels;
+    visitFolder(place.path + start, below, [&](const std::wstring& path, const auto& entry) {
+      if (!isFolderEntry(entry)) take(start + path, start + path);
+      return true;
+    });
+  }
+  std::ranges::sort(found, [](const std::wstring& a, const std::wstring& b) {
+    return comesFirst(withBackslashes(a), withBackslashes(b));
+  });
+  return found;
+}
+
+}  // namespace zo

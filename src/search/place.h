@@ -1,0 +1,74 @@
+// A place that relative names are looked for in, and what is known of its names.
+//
+// Threads: any; nothing but the counters ever changes in a place that was added.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/folder_watch.h"
+#include "search/name_index.h"
+
+namespace zo {
+
+// By which a file is known to be the same as before.
+struct FileStamp {
+  std::int64_t size = -1;
+  std::uint64_t written = 0;
+  bool operator==(const FileStamp&) const = default;
+};
+[[nodiscard]] FileStamp stampOf(const std::wstring& file);
+
+[[nodiscard]] bool isFile(const std::wstring& path);
+[[nodiscard]] bool isFolder(const std::wstring& path);
+
+struct FilePlace {
+  enum Kind { kFolder, kTree, kLibrary, kServer };
+  // A folder is read as soon as it was asked so often directly; what was dropped must earn it anew
+  // by as many questions as it has names, which cost about the same.
+  static constexpr unsigned int kFirstAsks = 8;
+
+  FilePlace(Kind kind, std::wstring path, std::wstring module = {}, int priority = 0);
+
+  const Kind kind;
+  const std::wstring path;  // of a folder or server with its final delimiter
+  const std::wstring module;
+  const int priority;
+  const bool isWatchable;  // not on a network
+  bool asNamed = false;    // it is the current directory
+  std::atomic<unsigned int> asks = 0, asksBeforeReading = kFirstAsks;
+};
+
+// What was read of a place, as long as nobody tells of a change.
+struct KnownNames {
+  std::shared_ptr<const NameIndex> index;    // null: ask directly
+  std::shared_ptr<const FolderWatch> watch;  // null: nobody would tell
+  FileStamp stamp;                           // of a library, when it was read
+
+  [[nodiscard]] bool isOld() const {
+    if (!watch) return false;
+    const HANDLE handle = watch->get();
+    return anyChanged({&handle, 1});
+  }
+};
+
+// Reads the names of a place. No index: it cannot be watched or read, or has too many names.
+[[nodiscard]] KnownNames readNames(const FilePlace& place);
+// The same where something changed: a library that is still the same keeps its index.
+[[nodiscard]] KnownNames readAgain(const FilePlace& place, const KnownNames& before);
+
+// A relative name with backslashes, without "." and "..", is looked for in a place: what stands
+// below that, as a member is spelled by its library; nothing when it is not there.
+[[nodiscard]] std::optional<std::wstring> findBelow(const FilePlace& place, const KnownNames& known,
+                                                    const std::wstring& name);
+// All names of a place, as findBelow gives them, that fit a pattern in the last component and have
+// the levels before it; what comes first counts first.
+[[nodiscard]] std::vector<std::wstring> namesBelow(const FilePlace& place, const KnownNames& known,
+                                                   const std::wstring& pattern);
+
+}  // namespace zo
