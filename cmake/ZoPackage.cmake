@@ -12,6 +12,7 @@ foreach(tool zolib zomsg)
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 endforeach()
 # Where the message service looks for them, seen from the DLL.
+install(DIRECTORY share/standards DESTINATION ${CMAKE_INSTALL_DATADIR}/zo_com)
 install(DIRECTORY share/messages/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zo_com/messages FILES_MATCHING PATTERN "*.msg")
 install(FILES ${zo_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
 # What its authors ask to come with programs that hold it.

@@ -3,6 +3,7 @@
 // taken. The package's consumer tests find the one that is missing here.
 #include <zo/files/find_file.h>
 #include <zo/graph/dotty_elements.h>
+#include <zo/headless/headless_cad.h>
 #include <zo/library/library.h>
 #include <zo/messages/message_map.h>
 #include <zo/parse/csv_reader.h>
@@ -21,15 +22,34 @@ namespace zo {
 
 extern const void* const kClassConstants[];
 const void* const kClassConstants[] = {
-    &ZoCodepage::kDefault,     &ZoCodepage::kUtf16,       &ZoCodepage::kUtf16BigEndian,
-    &ZoCodepage::kUtf8,        &ZoCsvReader::npos,        &ZoDottyNode::noCluster,
-    &ZoFindFile::kDirectory,   &ZoLibrary::kBest,         &ZoLibrary::kFast,
-    &ZoLibrary::kNormal,       &ZoMessage::kMaxDepth,     &ZoMessage::kMaxLength,
-    &ZoMessage::kMaxRead,      &ZoMessageMap::kMaxBytes,  &ZoMessageMap::kMaxFaults,
-    &ZoMessageMap::kMaxLength, &ZoRegExp::kMaxPattern,    &ZoRegExp::npos,
-    &ZoSearch::npos,           &ZoString::npos,           &ZoStringRef::npos,
-    &ZoSubString::npos,        &ZoVHash::kDefaultBuckets, &ZoVHash::kDefaultLoadFactor,
-    &ZoVHashTable::kLongChain, &ZoVariant::kMaxDepth,     &ZoZIPStreambuf::endOfFile,
+    &ZoCodepage::kDefault,
+    &ZoCodepage::kUtf16,
+    &ZoCodepage::kUtf16BigEndian,
+    &ZoCodepage::kUtf8,
+    &ZoCsvReader::npos,
+    &ZoDottyNode::noCluster,
+    &ZoFindFile::kDirectory,
+    &ZoHeadlessCad::kMostPrompts,
+    &ZoLibrary::kBest,
+    &ZoLibrary::kFast,
+    &ZoLibrary::kNormal,
+    &ZoMessage::kMaxDepth,
+    &ZoMessage::kMaxLength,
+    &ZoMessage::kMaxRead,
+    &ZoMessageMap::kMaxBytes,
+    &ZoMessageMap::kMaxFaults,
+    &ZoMessageMap::kMaxLength,
+    &ZoRegExp::kMaxPattern,
+    &ZoRegExp::npos,
+    &ZoSearch::npos,
+    &ZoString::npos,
+    &ZoStringRef::npos,
+    &ZoSubString::npos,
+    &ZoVHash::kDefaultBuckets,
+    &ZoVHash::kDefaultLoadFactor,
+    &ZoVHashTable::kLongChain,
+    &ZoVariant::kMaxDepth,
+    &ZoZIPStreambuf::endOfFile,
 };
 
 }  // namespace zo

@@ -11,7 +11,9 @@
 #include <zo/system/execute.h>
 #include <zo/system/file_system.h>
 #include <zo/system/guard.h>
+#include <zo/system/layer.h>
 #include <zo/system/message.h>
+#include <zo/system/standard_mgr.h>
 #include <zo/text/number_text.h>
 #include <zo/text/string.h>
 #include <zo/variant/variant.h>
@@ -156,6 +158,19 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(messages, ZoResult::invalid, L"The file is no message file."),
     ZO_RESULT(messages, ZoResult::incomplete,
               L"The text was given, but a reference or an argument in it could not be filled in."),
+
+    ZO_RESULT(standards, ZoResult::refused,
+              L"No such layer, state, standard, edition, table, size or file; or another thread "
+              L"kept the service for too long."),
+    ZO_RESULT(standards, ZoResult::invalid,
+              L"A name or value that no layer has, or no value of a standard."),
+    ZO_RESULT(standards, ZoResult::layerExists, L"There is a layer of that name already."),
+    ZO_RESULT(standards, ZoResult::layerKept,
+              L"Layer \"0\", the current layer and layers with objects on them stay."),
+    ZO_RESULT(standards, ZoResult::layerFrozen, L"A frozen layer cannot be the current one."),
+    ZO_RESULT(standards, ZoResult::layersLeftOut, L"Done, but some layers were left out."),
+    ZO_RESULT(standards, ZoResult::standardCircle,
+              L"Standards name each other as their successors."),
 };
 
 #undef ZO_RESULT

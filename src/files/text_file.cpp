@@ -118,9 +118,13 @@ int zoReadText(const ZoFileName& name, ZoString& text, unsigned int codepage) {
   if (const int code = file.open(name, ZoFile::kRead, ZoFile::kOpenExisting, ZoFile::kShareRead,
                                  ZoFile::kSequential))
     return code;
+  return zoReadText(file, text, codepage);
+}
+
+int zoReadText(ZoFile& file, ZoString& text, unsigned int codepage) {
   constexpr std::int64_t kLargest = 3 * std::int64_t{ZoString::maxLength()} + 3;
   const std::int64_t size = file.size();
-  if (size < 0) return ZoResult::refused;
+  if (size < 0 || file.seekToBegin() != 0) return ZoResult::refused;
   if (size > kLargest) return refuse(ERROR_FILE_TOO_LARGE);
   const auto total = static_cast<std::size_t>(size);
   const auto bytes = std::make_unique_for_overwrite<char[]>(total);

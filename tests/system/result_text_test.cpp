@@ -15,9 +15,11 @@
 namespace {
 
 constexpr const char* kFamilies[] = {
-    "common",     "numbers",    "containers",  "variants",    "geometry", "names",         "files",
-    "fileSystem", "libraries",  "compression", "lzma",        "services", "configuration", "errors",
-    "execute",    "exceptions", "waits",       "expressions", "messages"};
+    "common",     "numbers",  "containers",    "variants",  "geometry",
+    "names",      "files",    "fileSystem",    "libraries", "compression",
+    "lzma",       "services", "configuration", "errors",    "execute",
+    "exceptions", "waits",    "expressions",   "messages",  "",
+    "",           "",         "standards"};
 
 std::vector<std::string> linesOf(const std::filesystem::path& path) {
   std::ifstream file(path);
