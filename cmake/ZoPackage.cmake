@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 set(zo_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZoCom)
 install(TARGETS zo_com EXPORT ZoComTargets RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-foreach(tool zolib zomsg)
+foreach(tool zolib zomsg zoval)
   install(TARGETS ${tool} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES docs/${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES tools/${tool}/completion/${tool}.bash RENAME ${tool}
