@@ -23,3 +23,4 @@
 #include <zo/variant.h>
 #include <zo/variant/color.h>
 #include <zo/version.h>
+#include <zo/xml.h>

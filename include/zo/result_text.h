@@ -35,6 +35,7 @@ enum class ZoResultFamily : int {
   waits,          // ZoWait, cast to int
   expressions,    // ZoRegExp, ZoSearch: zo/parse/reg_exp.h
   messages,       // ZoMessage, ZoMessageMap
+  xml = 0x15,     // ZoXMLClass, ZoXMLNode, ZoJson: zo/xml/xml_results.h
   // ZoLayer, ZoStandardMgr
   standards = 0x16,
 };

@@ -17,6 +17,8 @@
 #include <zo/text/string_ref.h>
 #include <zo/text/sub_string.h>
 #include <zo/variant/variant.h>
+#include <zo/xml/json.h>
+#include <zo/xml/xml_class.h>
 
 namespace zo {
 
@@ -29,7 +31,6 @@ const void* const kClassConstants[] = {
     &ZoCsvReader::npos,
     &ZoDottyNode::noCluster,
     &ZoFindFile::kDirectory,
-    &ZoHeadlessCad::kMostPrompts,
     &ZoLibrary::kBest,
     &ZoLibrary::kFast,
     &ZoLibrary::kNormal,
@@ -50,6 +51,10 @@ const void* const kClassConstants[] = {
     &ZoVHashTable::kLongChain,
     &ZoVariant::kMaxDepth,
     &ZoZIPStreambuf::endOfFile,
+    &ZoHeadlessCad::kMostPrompts,
+    &ZoJson::kMaxBytes,
+    &ZoXMLClass::kMaxBytes,
+    &ZoXMLClass::kMaxDepth,
 };
 
 }  // namespace zo

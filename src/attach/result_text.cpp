@@ -17,6 +17,7 @@
 #include <zo/text/number_text.h>
 #include <zo/text/string.h>
 #include <zo/variant/variant.h>
+#include <zo/xml/xml_results.h>
 
 #include <algorithm>
 #include <new>
@@ -158,6 +159,23 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(messages, ZoResult::invalid, L"The file is no message file."),
     ZO_RESULT(messages, ZoResult::incomplete,
               L"The text was given, but a reference or an argument in it could not be filled in."),
+
+    ZO_RESULT(xml, ZoResult::refused,
+              L"The document is empty, nothing is there, the platform refused, or the file could "
+              L"not be read or written."),
+    ZO_RESULT(xml, ZoResult::invalid, L"A URL, where only a file of this machine can serve."),
+    ZO_RESULT(xml, ZoResult::notWellFormed, L"The text is no well-formed XML or JSON."),
+    ZO_RESULT(xml, ZoResult::beyondLimits, L"The text is larger, or nested deeper, than allowed."),
+    ZO_RESULT(xml, ZoResult::hasDocumentType,
+              L"The document has a document type, which is not allowed."),
+    ZO_RESULT(xml, ZoResult::wrongEncoding,
+              L"The encoding is not known here, or the bytes are not in it."),
+    ZO_RESULT(xml, ZoResult::unfitForXml, L"XML cannot hold this name or this text."),
+    ZO_RESULT(xml, ZoResult::badXmlPath,
+              L"This is no path of this kind, or its prefix stands for no namespace."),
+    ZO_RESULT(xml, ZoResult::noVariant,
+              L"The text is well-formed, but not what a variant is written as."),
+    ZO_RESULT(xml, ZoResult::noXmlParser, L"This system has no parser for XML."),
 
     ZO_RESULT(standards, ZoResult::refused,
               L"No such layer, state, standard, edition, table, size or file; or another thread "

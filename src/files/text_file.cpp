@@ -5,10 +5,10 @@
 #include <zo/system/codepage.h>
 
 #include <algorithm>
-#include <memory>
 #include <string>
 
 #include "files/keep_reason.h"
+#include "files/read_all.h"
 #include "platform/ansi.h"
 #include "system/codepage/detect.h"
 #include "system/service_or_null.h"
@@ -123,19 +123,9 @@ int zoReadText(const ZoFileName& name, ZoString& text, unsigned int codepage) {
 
 int zoReadText(ZoFile& file, ZoString& text, unsigned int codepage) {
   constexpr std::int64_t kLargest = 3 * std::int64_t{ZoString::maxLength()} + 3;
-  const std::int64_t size = file.size();
-  if (size < 0 || file.seekToBegin() != 0) return ZoResult::refused;
-  if (size > kLargest) return refuse(ERROR_FILE_TOO_LARGE);
-  const auto total = static_cast<std::size_t>(size);
-  const auto bytes = std::make_unique_for_overwrite<char[]>(total);
-  constexpr std::size_t kAtOnce = std::size_t{1} << 30;
-  for (std::size_t done = 0; done < total;) {
-    const auto count = static_cast<unsigned int>(std::min(total - done, kAtOnce));
-    const unsigned int got = file.read(bytes.get() + done, count);
-    if (got == 0) return refuse(GetLastError() ? GetLastError() : ERROR_HANDLE_EOF);
-    done += got;
-  }
-  return decode({bytes.get(), total}, codepage, text);
+  zo::AllBytes all;
+  if (const int code = zo::readAll(file, kLargest, all)) return code;
+  return decode(all.view(), codepage, text);
 }
 
 int zoSaveText(const ZoFileName& name, std::wstring_view text, ZoTextForm form) {

@@ -5,12 +5,11 @@
 
 #include <algorithm>
 #include <cstring>
-#include <optional>
 
 #include "messages/message_parser.h"
 #include "messages/plural_rules.h"
 #include "system/codepage/detect.h"
-#include "system/service_or_null.h"
+#include "system/codepage/in_force.h"
 #include "text/utf8.h"
 
 namespace zo {
@@ -76,19 +75,6 @@ std::wstring fromUtf16(std::string_view bytes, bool bigEndian) {
   return text;
 }
 
-// The code page service in force, or one for the time being.
-class Codepages {
- public:
-  Codepages() : service_(serviceOrNull<ZoCodepage>()) {
-    if (!service_) service_ = &own_.emplace();
-  }
-  ZoCodepage* operator->() const noexcept { return service_; }
-
- private:
-  std::optional<ZoStdCodepage> own_;
-  ZoCodepage* service_;
-};
-
 // Line by line, where the whole is refused: so a bad byte costs its own line only.
 std::wstring byLines(ZoCodepage& service, std::string_view bytes, unsigned int codepage) {
   std::wstring text;
@@ -125,7 +111,7 @@ Decoded decode(std::string_view bytes) {
   if (name.empty() && form == ByteForm::Ascii) return {widened(bytes), ZoCodepage::kUtf8};
   if (name.empty() && form != ByteForm::Other) return {fromUtf8(bytes), ZoCodepage::kUtf8};
 
-  const Codepages codepages;
+  const CodepagesInForce codepages;
   Decoded decoded;
   if (!name.empty())
     decoded.knowsCodepage =
@@ -136,7 +122,7 @@ Decoded decode(std::string_view bytes) {
   }
   decoded.text = decoded.codepage == ZoCodepage::kUtf8
                      ? fromUtf8(bytes)
-                     : fromCodepage(*codepages.operator->(), bytes, decoded.codepage);
+                     : fromCodepage(*codepages, bytes, decoded.codepage);
   return decoded;
 }
 

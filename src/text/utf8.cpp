@@ -1,5 +1,8 @@
 #include "text/utf8.h"
 
+#include <cstdint>
+#include <cstring>
+
 #include "text/code_units.h"
 
 namespace zo {
@@ -55,6 +58,24 @@ char32_t takeCharacter(std::string_view& bytes) noexcept {
   return c;
 }
 
+wchar_t* putCharacter(char32_t c, wchar_t* out) noexcept {
+  if (c < 0x10000) {
+    *out++ = static_cast<wchar_t>(c);
+  } else {
+    *out++ = static_cast<wchar_t>(0xD800 + ((c - 0x10000) >> 10));
+    *out++ = static_cast<wchar_t>(0xDC00 + (c & 0x3FF));
+  }
+  return out;
+}
+
+// Whether the next eight bytes are ASCII.
+bool isAscii8(std::string_view bytes) noexcept {
+  std::uint64_t eight = 0;
+  if (bytes.size() < sizeof eight) return false;
+  std::memcpy(&eight, bytes.data(), sizeof eight);
+  return (eight & 0x80808080'80808080) == 0;
+}
+
 std::size_t utf8SizeOf(char32_t c) noexcept {
   return c < 0x80 ? 1 : (c < 0x800 ? 2 : (c < 0x10000 ? 3 : 4));
 }
@@ -68,15 +89,26 @@ std::size_t utf16Size(std::string_view bytes) noexcept {
 }
 
 void utf8ToUtf16(std::string_view bytes, wchar_t* out) noexcept {
-  while (!bytes.empty()) {
-    const char32_t c = takeCharacter(bytes);
-    if (c < 0x10000) {
-      *out++ = static_cast<wchar_t>(c);
-    } else {
-      *out++ = static_cast<wchar_t>(0xD800 + ((c - 0x10000) >> 10));
-      *out++ = static_cast<wchar_t>(0xDC00 + (c & 0x3FF));
+  while (!bytes.empty()) out = putCharacter(takeCharacter(bytes), out);
+}
+
+std::size_t utf8ToUtf16Strictly(std::string_view bytes, wchar_t* out, std::size_t& units) noexcept {
+  const wchar_t* const first = out;
+  std::string_view rest = bytes;
+  while (!rest.empty()) {
+    for (; isAscii8(rest); rest.remove_prefix(8), out += 8)
+      for (int i = 0; i < 8; ++i) out[i] = static_cast<wchar_t>(rest[static_cast<unsigned int>(i)]);
+    if (rest.empty()) break;
+    const std::string_view before = rest;
+    const char32_t c = takeCharacter(rest);
+    if (c == kReplacement && !before.starts_with("\xEF\xBF\xBD")) {
+      rest = before;
+      break;
     }
+    out = putCharacter(c, out);
   }
+  units = static_cast<std::size_t>(out - first);
+  return bytes.size() - rest.size();
 }
 
 std::size_t utf8Size(std::wstring_view text) noexcept {

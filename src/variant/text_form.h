@@ -16,17 +16,9 @@
 #include <utility>
 
 #include "text/code_units.h"
-#include "variant/code_names.h"
-#include "variant/kinds.h"
+#include "variant/form_head.h"
 
 namespace zo {
-
-// What stands in front of every value.
-struct FormHead {
-  VariantKind kind = VariantKind::Empty;
-  ZoTypeCode code = ZoTypeCode::NoType;
-  unsigned int flags = 0;
-};
 
 inline constexpr size_t kGuidTextLength = 38;
 
@@ -59,7 +51,6 @@ class TextFormParser {
  private:
   // ---- Characters ----
   [[nodiscard]] wchar_t peek() const noexcept { return at_ < text_.size() ? text_[at_] : L'\0'; }
-  static constexpr bool isWordCharacter(wchar_t c) noexcept { return isLetter(c) || c == L'_'; }
   void skipWhite() noexcept {
     while (isWhite(peek())) ++at_;
   }
@@ -67,11 +58,6 @@ class TextFormParser {
     if (at_ >= text_.size() || text_[at_] != c) return false;
     ++at_;
     return true;
-  }
-  std::wstring_view word() noexcept {
-    const size_t first = at_;
-    while (isWordCharacter(peek())) ++at_;
-    return text_.substr(first, at_ - first);
   }
   // What follows a number must not look like a part of it.
   [[nodiscard]] bool atEndOfNumber() const noexcept {
@@ -91,38 +77,12 @@ class TextFormParser {
     return at_ > first;
   }
 
-  // ---- Head: code, kind, flags ----
   bool head(FormHead& out) {
-    const size_t first = at_;
-    if (take(L'#')) {
-      std::uint64_t code = 0;
-      if (!hex(8, code)) return false;
-      // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): a code needs no name
-      out.code = static_cast<ZoTypeCode>(code);
-    } else if (!codeOfWord(word(), out.code)) {
-      at_ = first;
-      return false;
-    }
-    out.kind = kindOfCode(out.code);
-    if (take(L'(') && !(kind(out.kind) && take(L')'))) return false;
-    if (take(L':') && !flags(out.flags)) return false;
-    if (builder_.head(out)) return true;
-    at_ = first;
-    return false;
-  }
-  bool kind(VariantKind& out) noexcept {
-    const std::wstring_view name = word();
-    for (unsigned int i = 0; i < std::size(kKinds); ++i) {
-      if (name != kKinds[i].name) continue;
-      out = static_cast<VariantKind>(i);
-      return true;
-    }
-    return false;
-  }
-  bool flags(unsigned int& out) noexcept {
-    const size_t first = at_;
-    for (; isUpper(peek()); ++at_) out |= 1u << (peek() - L'A');
-    return at_ > first;
+    FormHeadReader reader(text_, at_);
+    const bool isHead = reader.read(out);
+    if (isHead && !builder_.head(out)) return false;
+    at_ = reader.position();
+    return isHead;
   }
 
   // ---- Values ----

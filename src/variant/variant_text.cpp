@@ -11,50 +11,15 @@
 
 #include "text/code_units.h"
 #include "text/text_buffer.h"
+#include "variant/form_builder.h"
+#include "variant/ordered_entries.h"
 #include "variant/text_form.h"
 
 static_assert(ZoVariant::kGuid == static_cast<unsigned int>(zo::VariantKind::Guid));
 
 namespace {
 
-using zo::FormHead;
 using zo::VariantKind;
-
-// ---- Writing ----
-
-struct KeyedValue {
-  std::uint64_t rank;  // the first units behind what all keys begin with, as a number
-  std::wstring_view key;
-  const ZoVariant* value;
-};
-
-// The entries in the order of their keys' code units.
-std::vector<KeyedValue> inOrderOfKeys(const ZoVariant::Dict& dict) {
-  std::vector<KeyedValue> entries;
-  entries.reserve(dict.entries());
-  for (const auto [key, value] : dict) entries.push_back({0, key.view(), &value});
-  if (entries.empty()) return entries;
-
-  // Keys of one dictionary tend to begin alike: most comparisons are then one of two numbers.
-  const std::wstring_view first = entries.front().key;
-  size_t common = first.size();
-  for (const KeyedValue& entry : entries) {
-    const size_t n = std::min(common, entry.key.size());
-    common = static_cast<size_t>(std::mismatch(first.begin(),
-                                               first.begin() + static_cast<std::ptrdiff_t>(n),
-                                               entry.key.begin())
-                                     .first -
-                                 first.begin());
-  }
-  for (KeyedValue& entry : entries) {
-    for (size_t i = common; i < common + 4; ++i)
-      entry.rank = entry.rank << 16 | (i < entry.key.size() ? std::uint64_t{entry.key[i]} : 0);
-  }
-  std::sort(entries.begin(), entries.end(), [](const KeyedValue& a, const KeyedValue& b) {
-    return a.rank != b.rank ? a.rank < b.rank : a.key < b.key;
-  });
-  return entries;
-}
 
 class FormWriter {
  public:
@@ -198,9 +163,9 @@ class FormWriter {
   }
 
   bool writeDict(const ZoVariant::Dict& dict, unsigned int tabs, unsigned int depthLeft) {
-    const std::vector<KeyedValue> entries = inOrderOfKeys(dict);
+    const std::vector<zo::KeyedValue> entries = zo::inOrderOfKeys(dict);
     out_ << L" {";
-    for (const KeyedValue& entry : entries) {
+    for (const zo::KeyedValue& entry : entries) {
       startLine(tabs + 1);
       writeQuoted(entry.key);
       out_ << L" = ";
@@ -212,61 +177,6 @@ class FormWriter {
   }
 
   zo::TextBuffer out_;
-};
-
-// ---- Reading ----
-
-struct FormBuilder {
-  using Value = ZoVariant;
-
-  static ZoVariant::Type typeOf(const FormHead& head) noexcept {
-    return static_cast<ZoVariant::Type>(head.kind);
-  }
-  // Code 0 goes with every kind: it is what a code that does not fit was made into.
-  static bool head(const FormHead& head) {
-    return static_cast<unsigned int>(head.code) == 0 ||
-           ZoVariant::isFitting(head.code, typeOf(head));
-  }
-  static void makeEmpty(ZoVariant& out, const FormHead& head) {
-    if (head.kind == VariantKind::Dict) {
-      // A text of many small dictionaries must not take many large tables.
-      constexpr unsigned int kFirstBuckets = 8;
-      out = ZoVariant(ZoHashDict<ZoVariant, ZoString>(kFirstBuckets), head.code, head.flags);
-    } else {
-      out = ZoVariant(typeOf(head), head.code, head.flags);
-    }
-  }
-  template <class T>
-  static void make(ZoVariant& out, const FormHead& head, T payload) {
-    out = ZoVariant(payload, head.code, head.flags);
-  }
-  static void make(ZoVariant& out, const FormHead& head, std::wstring_view text) {
-    out = ZoVariant(ZoString(text), head.code, head.flags);
-  }
-  static void make(ZoVariant& out, const FormHead& head, const double (&c)[3]) {
-    out = head.kind == VariantKind::Point
-              ? ZoVariant(ZoPoint(c[0], c[1], c[2]), head.code, head.flags)
-              : ZoVariant(ZoVector(c[0], c[1], c[2]), head.code, head.flags);
-  }
-  static bool makeGuid(ZoVariant& out, const FormHead& head, std::wstring_view text) {
-    _GUID guid;
-    ZoString exact;
-    if (ZoString2Guid(ZoString(text), guid) != ZoResult::ok) return false;
-    // Short groups and the like are no GUID here: the text must be what would be written.
-    ZoGuid2String(guid, exact);
-    if (!exact.equals(text, ZoString::ignoreCase)) return false;
-    out = ZoVariant(guid, head.code, head.flags);
-    return true;
-  }
-  static ZoString key(std::wstring_view text) { return ZoString(text); }
-  static bool addEntry(ZoVariant& dict, ZoString&& key, ZoVariant&& value) {
-    const int result = dict.asDict()->insertAt(std::move(key), std::move(value));
-    zo::throwIfNoMemory(result);
-    return result == ZoResult::ok;
-  }
-  static void addElement(ZoVariant& sequence, ZoVariant&& value) {
-    if (sequence.asSequence()->append(std::move(value)) != ZoResult::ok) throw std::bad_alloc();
-  }
 };
 
 }  // namespace
@@ -301,9 +211,9 @@ ZoString ZoVariant::printFlags() const {
 }
 
 int ZoVariant::parse(std::wstring_view text, unsigned int* end) {
-  FormBuilder builder;
+  zo::FormBuilder builder;
   ZoVariant read;
-  zo::TextFormParser<FormBuilder> parser(text, builder, kMaxDepth);
+  zo::TextFormParser<zo::FormBuilder> parser(text, builder, kMaxDepth);
   const bool ok = parser.parse(read);
   if (end) *end = static_cast<unsigned int>(parser.position());
   if (!ok) return ZoResult::refused;

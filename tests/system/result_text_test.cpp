@@ -15,11 +15,10 @@
 namespace {
 
 constexpr const char* kFamilies[] = {
-    "common",     "numbers",  "containers",    "variants",  "geometry",
-    "names",      "files",    "fileSystem",    "libraries", "compression",
-    "lzma",       "services", "configuration", "errors",    "execute",
-    "exceptions", "waits",    "expressions",   "messages",  "",
-    "",           "",         "standards"};
+    "common",        "numbers",    "containers", "variants",    "geometry", "names",
+    "files",         "fileSystem", "libraries",  "compression", "lzma",     "services",
+    "configuration", "errors",     "execute",    "exceptions",  "waits",    "expressions",
+    "messages",      "",           "",           "xml",         "standards"};
 
 std::vector<std::string> linesOf(const std::filesystem::path& path) {
   std::ifstream file(path);

@@ -1,0 +1,246 @@
+#include "xml/json_writer.h"
+
+#include <zo/text/number_text.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <utility>
+
+#include "text/code_units.h"
+#include "xml/json_parser.h"
+#include "xml/real_form.h"
+
+namespace zo {
+
+namespace {
+
+using View = std::wstring_view;
+
+bool hasLoneSurrogate(View text) noexcept {
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (!isSurrogate(text[i])) continue;
+    if (firstCharacter(text.substr(i)).size() == 1) return true;
+    ++i;
+  }
+  return false;
+}
+
+// Whether an object of JSON can have the keys.
+bool areKeysOfObject(const std::vector<KeyedValue>& entries) noexcept {
+  return std::none_of(entries.begin(), entries.end(),
+                      [](const KeyedValue& entry) { return hasLoneSurrogate(entry.key); });
+}
+bool isTypeAmong(const std::vector<KeyedValue>& entries) noexcept {
+  return std::any_of(entries.begin(), entries.end(),
+                     [](const KeyedValue& entry) { return entry.key == kJsonTypeKey; });
+}
+
+// Whether JSON's own form of a value that is no container comes back as this value.
+bool isPlainScalar(const ZoVariant& value) {
+  if (!isPlainType(value)) {
+    return value.isTypeOf(ZoVariant::kInt) && value.code() == ZoTypeCode::Bool &&
+           value.flags() == 0 && static_cast<unsigned int>(value.asInt()) < 2;
+  }
+  switch (value.type()) {
+    case ZoVariant::kEmpty:
+    case ZoVariant::kInt:
+      return true;
+    case ZoVariant::kBigInt:
+      return !std::in_range<int>(value.asBigInt());
+    case ZoVariant::kReal:
+      return std::isfinite(value.asReal());
+    case ZoVariant::kString:
+      return !hasLoneSurrogate(value.asString().view());
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+bool JsonWriter::write(const ZoVariant& value, unsigned int level, unsigned int depthLeft) {
+  const bool isDict = value.isTypeOf(ZoVariant::kDict);
+  const bool isSequence = value.isTypeOf(ZoVariant::kSequence);
+  const Entries entries = isDict ? inOrderOfKeys(*value.asDict()) : Entries();
+  const bool isObject = !isDict || areKeysOfObject(entries);
+  const bool isPlain = isDict       ? isObject && isPlainType(value) && !isTypeAmong(entries)
+                       : isSequence ? isPlainType(value)
+                                    : isPlainScalar(value);
+  if (!isPlain) beginTyped(value);
+  if (!isDict && !isSequence) {
+    if (isPlain && value.code() == ZoTypeCode::Bool) {
+      out_ << (value.asInt() == 0 ? View(L"false") : View(L"true"));
+    } else {
+      writeScalar(value);
+    }
+  } else if (depthLeft == 0 ||
+             !(isDict ? writeDict(entries, isObject, level, depthLeft - 1)
+                      : writeSequence(*value.asSequence(), level, depthLeft - 1))) {
+    return false;
+  }
+  if (!isPlain) endTyped();
+  return true;
+}
+
+bool JsonWriter::writeSequence(const ZoVariant::Sequence& sequence, unsigned int level,
+                               unsigned int depthLeft) {
+  out_ << L'[';
+  bool isFirst = true;
+  for (const ZoVariant& element : sequence) {
+    if (!isFirst) out_ << L',';
+    isFirst = false;
+    startLine(level + 1);
+    if (!write(element, level + 1, depthLeft)) return false;
+  }
+  if (!isFirst) startLine(level);
+  out_ << L']';
+  return true;
+}
+
+bool JsonWriter::writeDict(const Entries& entries, bool isObject, unsigned int level,
+                           unsigned int depthLeft) {
+  out_ << (isObject ? L'{' : L'[');
+  for (const KeyedValue& entry : entries) {
+    if (&entry != entries.data()) out_ << L',';
+    startLine(level + 1);
+    if (!isObject) out_ << L'[';
+    writeText(entry.key);
+    separate(isObject ? L':' : L',');
+    if (!write(*entry.value, level + 1, depthLeft)) return false;
+    if (!isObject) out_ << L']';
+  }
+  if (!entries.empty()) startLine(level);
+  out_ << (isObject ? L'}' : L']');
+  return true;
+}
+
+void JsonWriter::beginTyped(const ZoVariant& value) {
+  out_ << L"{\"$zo\"";
+  separate(L':');
+  out_ << L"[\"";
+  out_ << types_.of(value);  // needs no escapes
+  out_ << L'"';
+  separate(L',');
+}
+
+void JsonWriter::startLine(unsigned int level) {
+  if (!isIndented_) return;
+  out_ << L'\n';
+  out_.append(L' ', 2 * size_t{level});
+}
+
+void JsonWriter::separate(wchar_t sign) {
+  out_ << sign;
+  if (isIndented_) out_ << L' ';
+}
+
+// ---- Values ----
+
+void JsonWriter::writeScalar(const ZoVariant& value) {
+  switch (value.type()) {
+    case ZoVariant::kEmpty:
+      out_ << L"null";
+      break;
+    case ZoVariant::kInt:
+    case ZoVariant::kBigInt:
+      writeInteger(value.asBigInt());
+      break;
+    case ZoVariant::kReal:
+      writeReal(value.asReal());
+      break;
+    case ZoVariant::kString:
+      writeText(value.asString().view());
+      break;
+    case ZoVariant::kPoint: {
+      const ZoPoint point = value.asPoint();
+      writeTriple(point);
+      if (std::bit_cast<std::uint64_t>(point.w) != std::bit_cast<std::uint64_t>(1.0)) {
+        separate(L',');
+        writeReal(point.w);
+      }
+      out_ << L']';
+      break;
+    }
+    case ZoVariant::kVector:
+      writeTriple(value.asVector());
+      out_ << L']';
+      break;
+    default:  // their conversions to text are all that there is to say
+      writeQuoted(value.asString().view());
+      break;
+  }
+}
+
+template <class Geometry>
+void JsonWriter::writeTriple(const Geometry& g) {
+  out_ << L'[';
+  writeReal(g.x);
+  separate(L',');
+  writeReal(g.y);
+  separate(L',');
+  writeReal(g.z);
+}
+
+// A number shows that it is a real.
+void JsonWriter::writeReal(double value) {
+  wchar_t* const text = out_.room(ZoNumberTextSize + 2);
+  if (std::isfinite(value)) {
+    unsigned int length = zo::writeReal(value, text);
+    const View written(text, length);
+    if (written.find_first_of(L".e") == View::npos) {
+      text[length++] = L'.';
+      text[length++] = L'0';
+    }
+    out_.advance(length);
+  } else {
+    text[0] = L'"';
+    const unsigned int length = zo::writeReal(value, text + 1);
+    text[length + 1] = L'"';
+    out_.advance(length + 2);
+  }
+}
+
+void JsonWriter::writeInteger(std::int64_t value) {
+  out_.advance(ZoIntToStr(value, out_.room(ZoNumberTextSize)));
+}
+
+// As a string, or as an array of units where no string of JSON can hold it.
+void JsonWriter::writeText(View text) {
+  if (!hasLoneSurrogate(text)) {
+    writeQuoted(text);
+    return;
+  }
+  out_ << L'[';
+  for (const wchar_t& unit : text) {
+    if (&unit != text.data()) separate(L',');
+    writeInteger(unit);
+  }
+  out_ << L']';
+}
+
+void JsonWriter::writeQuoted(View text) {
+  constexpr size_t kPiece = 256;
+  constexpr View kNamed = L"\"\\\b\f\n\r\t";
+  constexpr View kNames = L"\"\\bfnrt";
+  out_ << L'"';
+  for (; !text.empty(); text.remove_prefix(std::min(kPiece, text.size()))) {
+    // No unit takes more than the six of an escape.
+    wchar_t* const first = out_.room(6 * kPiece);
+    wchar_t* to = first;
+    for (const wchar_t c : text.substr(0, kPiece)) {
+      if (c >= 0x20 && c != L'"' && c != L'\\') {
+        *to++ = c;
+        continue;
+      }
+      *to++ = L'\\';
+      const size_t named = kNamed.find(c);
+      *to++ = named == View::npos ? L'u' : kNames[named];
+      if (named == View::npos) to = writeHex(to, c, 4, kLowerHexDigits);
+    }
+    out_.advance(static_cast<size_t>(to - first));
+  }
+  out_ << L'"';
+}
+
+}  // namespace zo

@@ -1,0 +1,27 @@
+// clang-format off
+#include <zo/variant/variant.h>
+#include <zo/xml.h>
+
+#include <string>
+#include <vector>
+
+void documents(ZoXMLClass& document, ZoVariant& value, std::wstring& text) {
+  ZoXMLClass copy(document);                                       // error: deleted
+  document.allowDocumentType(1);                                   // error: true or false
+  document.load(L"a.xml");                                         // error: nodiscard
+  static_cast<void>(document.parse("<a/>"));                       // error: cannot convert
+  static_cast<void>(document.get(L"a/b", text));                   // error: cannot bind
+  static_cast<void>(ZoXMLClass::fromVariant(document, value));     // error: cannot bind
+}
+
+void nodes(ZoXMLNode node, std::vector<ZoXMLNode>& all) {
+  if (node) return;                                                // error: write isEmpty()
+  static_cast<void>(node.put(L"length", 12.5));                    // error: cannot convert
+  static_cast<void>(node.select(L"//part", all));                  // error: cannot convert
+}
+
+void json(ZoVariant& value, ZoString& text) {
+  static_cast<void>(ZoJson::format(value, text, true));            // error: cannot convert
+  ZoJson::parse(L"1", value);                                      // error: nodiscard
+  ZoJson made;                                                     // error: deleted
+}
