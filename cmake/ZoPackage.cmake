@@ -5,13 +5,14 @@ include(CMakePackageConfigHelpers)
 set(zo_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZoCom)
 install(TARGETS zo_com EXPORT ZoComTargets RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-foreach(tool zolib zomsg)
+foreach(tool zolib zomsg zoval)
   install(TARGETS ${tool} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES docs/${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES tools/${tool}/completion/${tool}.bash RENAME ${tool}
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 endforeach()
 # Where the message service looks for them, seen from the DLL.
+install(DIRECTORY share/standards DESTINATION ${CMAKE_INSTALL_DATADIR}/zo_com)
 install(DIRECTORY share/messages/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zo_com/messages FILES_MATCHING PATTERN "*.msg")
 install(FILES ${zo_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
 # What its authors ask to come with programs that hold it.

@@ -89,7 +89,7 @@ void theAbsentHost() {
   ZoString text;
   ZoVariant standard;
   expect(!ZoSystem::cad().isPresent(), "no host");
-  expect(!ZoSystem::layer().exists(L"0"), "no layers");
+  expect(ZoSystem::layer().ensure({.name = L"Bolts"}) == 0, "a layer");
   expect(ZoSystem::macroLib().getMacro(L"standards", text) != 0, "no macros");
   expect(ZoSystem::standardMgr().getStandard(L"ISO 4014", standard) != 0, "no standards");
 }

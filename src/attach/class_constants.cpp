@@ -3,6 +3,7 @@
 // taken. The package's consumer tests find the one that is missing here.
 #include <zo/files/find_file.h>
 #include <zo/graph/dotty_elements.h>
+#include <zo/headless/headless_cad.h>
 #include <zo/library/library.h>
 #include <zo/messages/message_map.h>
 #include <zo/parse/csv_reader.h>
@@ -31,6 +32,7 @@ const void* const kClassConstants[] = {
     &ZoCsvReader::npos,
     &ZoDottyNode::noCluster,
     &ZoFindFile::kDirectory,
+    &ZoHeadlessCad::kMostPrompts,
     &ZoJson::kMaxBytes,
     &ZoLibrary::kBest,
     &ZoLibrary::kFast,

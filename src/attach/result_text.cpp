@@ -11,8 +11,10 @@
 #include <zo/system/execute.h>
 #include <zo/system/file_system.h>
 #include <zo/system/guard.h>
+#include <zo/system/layer.h>
 #include <zo/system/message.h>
 #include <zo/system/open_results.h>
+#include <zo/system/standard_mgr.h>
 #include <zo/text/number_text.h>
 #include <zo/text/string.h>
 #include <zo/variant/variant.h>
@@ -198,6 +200,19 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(xml, ZoResult::noVariant,
               L"The text is well-formed, but not what a variant is written as."),
     ZO_RESULT(xml, ZoResult::noXmlParser, L"This system has no parser for XML."),
+
+    ZO_RESULT(standards, ZoResult::refused,
+              L"No such layer, state, standard, edition, table, size or file; or another thread "
+              L"kept the service for too long."),
+    ZO_RESULT(standards, ZoResult::invalid,
+              L"A name or value that no layer has, or no value of a standard."),
+    ZO_RESULT(standards, ZoResult::layerExists, L"There is a layer of that name already."),
+    ZO_RESULT(standards, ZoResult::layerKept,
+              L"Layer \"0\", the current layer and layers with objects on them stay."),
+    ZO_RESULT(standards, ZoResult::layerFrozen, L"A frozen layer cannot be the current one."),
+    ZO_RESULT(standards, ZoResult::layersLeftOut, L"Done, but some layers were left out."),
+    ZO_RESULT(standards, ZoResult::standardCircle,
+              L"Standards name each other as their successors."),
 };
 
 #undef ZO_RESULT

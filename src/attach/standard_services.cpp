@@ -1,5 +1,7 @@
 // The one file that knows all standard services: it makes and destroys them.
 #include <zo/files/std_file_system.h>
+#include <zo/headless/std_layer.h>
+#include <zo/headless/std_standard_mgr.h>
 #include <zo/messages/std_message.h>
 #include <zo/results.h>
 #include <zo/search/std_file_open.h>
@@ -9,9 +11,7 @@
 #include <zo/system/cfg.h>
 #include <zo/system/codepage.h>
 #include <zo/system/execute.h>
-#include <zo/system/layer.h>
 #include <zo/system/registry.h>
-#include <zo/system/standard_mgr.h>
 #include <zo/system/std_error.h>
 #include <zo/system/std_sys_disp.h>
 #include <zo/system/sys_info.h>

@@ -9,13 +9,17 @@
 namespace zo {
 
 int readAll(const ZoFileName& name, std::int64_t most, AllBytes& all) {
-  constexpr const wchar_t* kOperation = L"text file";
   ZoFile file;
   if (const int code = file.open(name, ZoFile::kRead, ZoFile::kOpenExisting, ZoFile::kShareRead,
                                  ZoFile::kSequential))
     return code;
+  return readAll(file, most, all);
+}
+
+int readAll(ZoFile& file, std::int64_t most, AllBytes& all) {
+  constexpr const wchar_t* kOperation = L"text file";
   const std::int64_t size = file.size();
-  if (size < 0) return ZoResult::refused;
+  if (size < 0 || file.seekToBegin() != 0) return ZoResult::refused;
   if (size > most) return keepReason(kOperation, ERROR_FILE_TOO_LARGE);
   AllBytes read;
   read.size = static_cast<std::size_t>(size);

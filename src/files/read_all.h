@@ -8,6 +8,8 @@
 #include <memory>
 #include <string_view>
 
+class ZoFile;
+
 namespace zo {
 
 struct AllBytes {
@@ -19,6 +21,7 @@ struct AllBytes {
 
 // 0, or a code of ZoFile whose reason is kept: ERROR_FILE_TOO_LARGE, then the thread's last error,
 // for more than `most` bytes.
+[[nodiscard]] int readAll(ZoFile& file, std::int64_t most, AllBytes& all);  // from its front
 [[nodiscard]] int readAll(const ZoFileName& name, std::int64_t most, AllBytes& all);
 
 }  // namespace zo

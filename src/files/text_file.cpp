@@ -114,9 +114,17 @@ bool writeAll(ZoFile& file, std::string_view bytes) {
 }  // namespace
 
 int zoReadText(const ZoFileName& name, ZoString& text, unsigned int codepage) {
+  ZoFile file;
+  if (const int code = file.open(name, ZoFile::kRead, ZoFile::kOpenExisting, ZoFile::kShareRead,
+                                 ZoFile::kSequential))
+    return code;
+  return zoReadText(file, text, codepage);
+}
+
+int zoReadText(ZoFile& file, ZoString& text, unsigned int codepage) {
   constexpr std::int64_t kLargest = 3 * std::int64_t{ZoString::maxLength()} + 3;
   zo::AllBytes all;
-  if (const int code = zo::readAll(name, kLargest, all)) return code;
+  if (const int code = zo::readAll(file, kLargest, all)) return code;
   return decode(all.view(), codepage, text);
 }
 

@@ -3,11 +3,10 @@
 #include "text/letter_case.h"
 
 namespace zo {
-namespace {
 
 // Each * is tried with as little as it can take; one that fails takes a character more. Only the
 // last one needs to be tried again, so this is O(name * pattern) at most.
-bool fits(std::wstring_view name, std::wstring_view pattern) noexcept {
+bool fitsPattern(std::wstring_view name, std::wstring_view pattern) noexcept {
   constexpr size_t npos = std::wstring_view::npos;
   size_t n = 0, p = 0, star = npos, taken = 0;
   while (n < name.size()) {
@@ -28,14 +27,14 @@ bool fits(std::wstring_view name, std::wstring_view pattern) noexcept {
   return pattern.find_first_not_of(L'*', p) == npos;
 }
 
-}  // namespace
-
 bool fitsWildcard(std::wstring_view name, std::wstring_view pattern) noexcept {
   if (pattern == L"*" || pattern == L"*.*") return true;
   const bool plain = name.find(L'.') == std::wstring_view::npos;
-  if (plain && pattern.ends_with(L".*")) return fits(name, pattern.substr(0, pattern.size() - 2));
-  if (pattern.ends_with(L'.')) return plain && fits(name, pattern.substr(0, pattern.size() - 1));
-  return fits(name, pattern);
+  if (plain && pattern.ends_with(L".*"))
+    return fitsPattern(name, pattern.substr(0, pattern.size() - 2));
+  if (pattern.ends_with(L'.'))
+    return plain && fitsPattern(name, pattern.substr(0, pattern.size() - 1));
+  return fitsPattern(name, pattern);
 }
 
 }  // namespace zo

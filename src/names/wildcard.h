@@ -8,6 +8,9 @@
 
 namespace zo {
 
+// Of any other names: * is any number of any characters, ? any one, the rest itself in either case.
+[[nodiscard]] bool fitsPattern(std::wstring_view name, std::wstring_view pattern) noexcept;
+
 [[nodiscard]] bool fitsWildcard(std::wstring_view name, std::wstring_view pattern) noexcept;
 
 }  // namespace zo

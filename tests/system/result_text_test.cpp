@@ -18,7 +18,7 @@ constexpr const char* kFamilies[] = {
     "common",        "numbers",    "containers", "variants",    "geometry", "names",
     "files",         "fileSystem", "libraries",  "compression", "lzma",     "services",
     "configuration", "errors",     "execute",    "exceptions",  "waits",    "expressions",
-    "messages",      "search",     "opening",    "xml"};
+    "messages",      "search",     "opening",    "xml",         "standards"};
 
 std::vector<std::string> linesOf(const std::filesystem::path& path) {
   std::ifstream file(path);

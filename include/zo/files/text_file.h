@@ -20,6 +20,8 @@
 #include <concepts>
 #include <string_view>
 
+class ZoFile;
+
 // How a text is saved. Spreadsheets take UTF-8 for an 8-bit code page where it bears no mark.
 enum class ZoTextForm : int { utf8Marked, utf8, utf16, utf16BigEndian };  // UTF-16 with a mark
 
@@ -27,6 +29,8 @@ enum class ZoTextForm : int { utf8Marked, utf8, utf16, utf16BigEndian };  // UTF
 // service's default or, without services, the system's.
 [[nodiscard]] ZO_COM_API int zoReadText(const ZoFileName& name, ZoString& text,
                                         unsigned int codepage = 0);
+// The same of a file that is open, from its front to its end: of a member of a library, say.
+[[nodiscard]] ZO_COM_API int zoReadText(ZoFile& file, ZoString& text, unsigned int codepage = 0);
 template <class T>
   requires(!std::integral<T> || std::same_as<T, bool>)
 int zoReadText(const ZoFileName&, ZoString&, T) = delete;  // a code page by its number

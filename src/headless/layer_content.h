@@ -1,0 +1,42 @@
+// Layers, the current one and saved states as a plain value; its rules, and its form as a variant.
+#pragma once
+
+#include <zo/system/layer.h>
+#include <zo/text/containers/hash_dict.h>
+#include <zo/text/containers/text_keys.h>
+
+#include <string_view>
+
+class ZoVariant;
+
+namespace zo {
+
+constexpr const wchar_t* kLayerZero = L"0";
+
+// Of layers, line types and states.
+[[nodiscard]] bool isLayerName(std::wstring_view name) noexcept;
+// Whether a layer can have these values; an empty line type is the usual one. The name does not
+// count.
+[[nodiscard]] bool areLayerValues(const ZoLayerData& values) noexcept;
+
+// The same with texts of its own: what another thread may be given.
+[[nodiscard]] ZoLayerData ownCopy(const ZoLayerData& layer);
+// Gives `layer` the values of the fields. Returns whether anything changed.
+bool assignFields(ZoLayerData& layer, const ZoLayerData& values, ZoLayerData::Fields fields);
+
+using Layers = ZoHashDict<ZoLayerData, ZoString>;
+
+struct LayerState {
+  Layers layers;
+  ZoString current;
+};
+
+struct LayerContent : LayerState {
+  ZoHashDict<LayerState, ZoString> states;
+};
+
+[[nodiscard]] int layersToVariant(const LayerContent& content, ZoVariant& out);
+// Refuses what breaks a rule; `out` may be anything then.
+[[nodiscard]] int layersFromVariant(const ZoVariant& value, LayerContent& out);
+
+}  // namespace zo

@@ -1,0 +1,215 @@
+#!/usr/bin/env python3
+"""check.py ROOT ZOVAL CHECK: runs the tool as a user does, and looks at exit code, output, talk and files.
+
+Every check gets a folder of its own as current folder.
+"""
+import json
+import os
+import pathlib
+import random
+import re
+import struct
+import subprocess
+import sys
+import tempfile
+
+ROOT, TOOL, CHECK = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
+COMMAND = [str(ROOT / "scripts/wine-run"), TOOL]
+os.environ["ZOLIB_ROOT"] = "Z:"
+
+PART = """Part:B {
+\t"bolts" = Sequence [
+\t\tDict {
+\t\t\t"length" = Length:AP 12.5
+\t\t\t"name" = String "M8 \\"x\\" \\u00e4"
+\t\t}
+\t\tPoint (1, 2.5, -3)
+\t]
+\t"count" = Int 3
+\t"empty" = NoType
+}
+""".replace("\\u00e4", "ä")
+
+
+def run(*args, code=0, out=None, err=None, tool=None):
+    """Runs the tool; code, and patterns that output and talk must match as a whole, are compared. Gives the output."""
+    command = COMMAND if tool is None else [COMMAND[0], str(pathlib.Path(TOOL).with_name(tool))]
+    done = subprocess.run(command + list(args), stdin=subprocess.DEVNULL, capture_output=True)
+    said = f"{args}: {done.returncode}\n{done.stdout[-3000:]!r}\n{done.stderr.decode()[-2000:]}"
+    assert done.returncode == code, f"exit code {code} expected\n{said}"
+    for pattern, text in ((out, done.stdout), (err, done.stderr)):
+        assert pattern is None or re.fullmatch(pattern, text.decode().replace("\r\n", "\n"), re.S), \
+            f"{pattern!r} expected\n{said}"
+    return done.stdout
+
+
+def answer(*args, code=0):
+    """The same with --json."""
+    value = json.loads(run(*args, "--json", code=code))
+    assert value["zoval"] == 1 and value["exit"] == code and isinstance(value["messages"], list), value
+    return value
+
+
+def write(name, text):
+    pathlib.Path(name).write_bytes(text if isinstance(text, bytes) else text.encode())
+    return name
+
+
+def values():
+    """What is stored in any form is shown the same, whole and by path."""
+    write("a.txt", PART)
+    write("b.txt", PART.encode("utf-16"))
+    run("convert", "a.txt", "c.zoa", "-v", err="wrote c.zoa\n", out="")
+    run("convert", "c.zoa", "d", "--to", "text")
+    assert pathlib.Path("c.zoa").read_bytes()[:4] == struct.pack("<I", 0x2805)
+    for name in ("a.txt", "b.txt", "c.zoa", "d"):
+        assert run("show", name, err="").decode() == PART, name
+    assert run("convert", "c.zoa", "-", "--to", "text").decode() == PART
+    assert run("convert", "a.txt", "-", "--to", "archive") == pathlib.Path("c.zoa").read_bytes()
+    for path, text in (("bolts/0/length", "12.5"), ("BOLTS/0/name", 'M8 "x" ä'), ("bolts/1", "(1, 2.5, -3)"),
+                       ("count", "3"), ("empty", ""), ("", PART[:-1])):
+        assert run("get", "c.zoa", path).decode() == text + "\n", path
+    shown = answer("get", "c.zoa", "bolts/0/length")
+    assert (shown["file"], shown["form"], shown["type"], shown["flags"], shown["text"]) == \
+        ("c.zoa", "archive", "Length", "AP", "12.5"), shown
+    assert answer("show", "a.txt")["entries"] == 3
+    dot = run("graph", "c.zoa", "--path", "bolts").decode()
+    assert dot.startswith("digraph") and "length\\nLength\\n12.5" in dot and "count" not in dot, dot
+    run("graph", "c.zoa", "-o", "a.dot", out="", err="")
+    assert "count" in pathlib.Path("a.dot").read_text() and "count" in answer("graph", "c.zoa")["dot"]
+    write("many.txt", "Sequence [" + "Int 1 " * 6000 + "]")
+    run("graph", "many.txt", "-o", "b.dot", code=1, err="zoval: only the first 5000 .*")
+
+
+def differences():
+    """Where values differ, and how that ends."""
+    write("a.txt", PART)
+    write("b.txt", PART.replace("12.5", "12.501").replace('"count" = Int 3', '"new" = Int 3'))
+    run("diff", "a.txt", "a.txt", out="", err="")
+    run("diff", "a.txt", "b.txt", code=1, err="", out=re.escape(
+        "* bolts/0/length: Length:AP 12.5 -> Length:AP 12.501\n- count: Int 3\n+ new: Int 3\n"))
+    run("diff", "a.txt", "b.txt", "--tolerance", "0.01", code=1, out=re.escape("- count: Int 3\n+ new: Int 3\n"))
+    changes = answer("diff", "a.txt", "b.txt", code=1)["changes"]
+    assert changes[0] == {"change": "changed", "path": "bolts/0/length", "before": "Length:AP 12.5",
+                          "after": "Length:AP 12.501"}, changes
+    assert [(c["change"], "before" in c, "after" in c) for c in changes[1:]] == \
+        [("removed", True, False), ("added", False, True)], changes
+    assert answer("diff", "a.txt", "a.txt")["changes"] == []
+    write("c.txt", "Sequence [ Int 1 Int 2 ]")
+    write("d.txt", "Sequence [ Short 2 Int 1 ]")
+    for options, code in (([], 1), (["--values"], 1), (["--any-order"], 1), (["--any-order", "--values"], 0)):
+        run("diff", "c.txt", "d.txt", *options, code=code)
+
+
+def changes():
+    """set keeps types, makes what is missing, and leaves the file alone when it cannot be done."""
+    write("a.txt", PART)
+    run("convert", "a.txt", "a.zoa")
+    for name in ("a.txt", "a.zoa"):
+        for path, value, shown in (("bolts/0/length", "30", "Length:AP 30"), ("count", "4", "Int 4"),
+                                   ("count", "Real 0.5", "Real 0.5"), ("bolts/1", "(4, 5, 6)", "Point (4, 5, 6)"),
+                                   ("bolts/0/name", "42", 'String "42"'), ("new/deep", "7", "Int 7"),
+                                   ("big", "5000000000", "BigInt 5000000000"), ("real", "1e3", "Real 1000"),
+                                   ("text", "M8 x 30", 'String "M8 x 30"'), ("bolts/2", "List []", "List []")):
+            run("set", name, path, value, out="", err="")
+            run("convert", name, "x.txt")
+            assert shown in pathlib.Path("x.txt").read_text(), (path, value)
+    run("diff", "a.txt", "a.zoa")
+    before = pathlib.Path("a.txt").read_bytes()
+    assert answer("set", "a.txt", "count", "0.75", "--dry-run")["changed"] is True
+    assert answer("set", "a.txt", "count", "0.5")["changed"] is False
+    run("set", "a.txt", "bolts/0/length", "long", code=7, err="zoval: long is no Length.*")
+    run("set", "a.txt", "count/deep", "1", code=10, err="zoval: no way leads to count/deep in a.txt.*")
+    run("set", "a.txt", "bolts/9", "1", code=10, err=".*no way.*")
+    os.chmod("a.txt", 0o444)
+    run("set", "a.txt", "count", "1", code=2, err="zoval: cannot write a.txt.*")
+    assert pathlib.Path("a.txt").read_bytes() == before
+    run("convert", "a.txt", "none/x.zoa", code=2, err="zoval: cannot write none/x.zoa.*")
+    run("set", "a.zoa", "count", "--", "-5")
+    run("get", "a.zoa", "count", out="-5\n")
+
+
+def libraries():
+    """Members are shown, compared and changed as files are."""
+    write("a.txt", PART)
+    run("convert", "a.txt", "a.zoa")
+    run("create", "p.lib", "a.txt", "a.zoa", tool="zolib.exe")
+    for name in ("a.txt", "a.zoa"):
+        assert run("show", "p.lib", "--member", name).decode() == PART
+    run("set", "p.lib", "-m", "A.ZOA", "count", "9", "-v", err="changed p.lib A.ZOA\n")
+    run("diff", "a.txt", "p.lib", "--member", "a.zoa", code=1, out=r"\* count: Int 3 -> Int 9\n")
+    run("diff", "p.lib", "a.txt", "--member", "a.txt")
+    run("test", "p.lib", tool="zolib.exe")
+    run("show", "p.lib", code=7, err="zoval: p.lib is a library; .*--member\n")
+    run("show", "p.lib", "--member", "none", code=10, err="zoval: p.lib has no member none; .*")
+
+
+def hostile():
+    """Nothing in a file ends the tool: it is a value, or the code says that it is none."""
+    write("a.txt", PART)
+    run("convert", "a.txt", "a.zoa")
+    chance = random.Random(5)
+    for name in ("a.txt", "a.zoa"):
+        whole = pathlib.Path(name).read_bytes()
+        for i in range(12):
+            cut = bytearray(whole[: chance.randrange(len(whole))] if i % 2 else whole)
+            for _ in range(0 if i % 2 else 3):
+                cut[chance.randrange(len(cut))] = chance.randrange(256)
+            write("x", bytes(cut))
+            code = subprocess.run(COMMAND + ["show", "x"], stdin=subprocess.DEVNULL, capture_output=True).returncode
+            assert code in (0, 13), (name, bytes(cut), code)
+    write("x", "Dict {\n\t\"a\" = Nothing\n}")
+    run("show", "x", code=13, err=r"zoval: x:2:8: no value in text form\n")
+    write("x", "Sequence [" * 300 + "]" * 300)
+    run("show", "x", code=13)
+    write("x", struct.pack("<II", 0x2700, 9) * 300)
+    run("show", "x", code=13)
+    write("x", struct.pack("<IIi", 0x2100, 1, 7) * 2)
+    run("show", "x", code=13, err="zoval: x: 12 bytes are left behind the value; .*")
+    for empty in (b"", b"\xef\xbb\xbf", bytes(7)):
+        run("show", write("x", empty), code=13)
+
+
+def exit_codes():
+    write("a.txt", PART)
+    os.mkdir("folder")
+    for args, code, said in (
+        ([], 7, "say what to do"), (["shw", "a.txt"], 7, "there is no verb shw, but show"), (["show"], 7, ".*FILE.*"),
+        (["show", ""], 7, ".*empty.*"), (["show", "a.txt", "--to", "text"], 7, "there is no option --to .*"),
+        (["show", "a.txt", "--from", "x"], 7, ".*x is no form.*"), (["get", "a.txt"], 7, ".*PATH.*"),
+        (["diff", "a.txt", "a.txt", "--tolerance", "-1"], 7, ".*no number.*"),
+        (["convert", "a.txt", "a.xyz"], 7, "say the form of a.xyz by --to"), (["show", "none"], 10, "cannot open none.*"),
+        (["get", "a.txt", "none/x"], 10, "a.txt has no none/x"), (["show", "a.txt", "--from", "archive"], 13, ".*archive.*"),
+        (["convert", "a.txt", "a.txt", "b.zoa"], 7, ".*one name too many"),
+    ):
+        run(*args, code=code, err=rf"zoval: {said}(; see `zoval help`)?\n")
+    assert answer("show", "none", code=10)["messages"][0]["level"] == "error"
+    for args, begin in ((["help"], b"Shows"), (["diff", "--help"], b"Tell"), (["version"], b"zoval 0")):
+        assert run(*args, err="").startswith(begin), args
+    assert pathlib.Path("a.txt").read_text() == PART and sorted(os.listdir()) == ["a.txt", "folder"]
+
+
+def completion():
+    script = f"""
+        source {ROOT}/tools/zoval/completion/zoval.bash
+        zoval() {{ {' '.join(COMMAND)} "$@"; }}
+        try() {{ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); COMPREPLY=(); _zoval; printf '%s\\n' "${{COMPREPLY[@]}}" -; }}
+        try zoval c; try zoval diff a --any; try zoval show a; try zoval convert a b --to t"""
+    write("a.txt", PART)
+    printed = subprocess.run(["bash", "-c", script], capture_output=True, text=True).stdout.split("-\n")
+    assert [p.split() for p in printed[:-1]] == [["convert"], ["--any-order"], ["a.txt"], ["text"]], printed
+
+
+def manual():
+    """The manual has every verb and every option of the help."""
+    text = re.sub(r"\\f[BRIP]", "", (ROOT / "docs/zoval.1").read_text().replace("\\-", "-"))
+    for verb in ("show", "get", "set", "diff", "convert", "graph"):
+        assert f".B zoval {verb} " in text, verb
+        for option in re.findall(r"--[a-z-]+", run("help", verb).decode()):
+            assert option in text, f"{verb} {option}"
+
+
+with tempfile.TemporaryDirectory() as folder:
+    os.chdir(folder)
+    globals()[CHECK]()
+    os.chdir("/")

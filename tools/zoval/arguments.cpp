@@ -1,0 +1,168 @@
+// The command line of zoval: the tool that shows and changes stored values.
+#include <algorithm>
+
+#include "../zolib/command_line.h"
+#include "../zolib/program.h"
+#include "../zolib/text.h"
+#include "value_file.h"
+#include "verbs.h"
+
+namespace zoval {
+namespace {
+
+using zolib::addText;
+using zolib::CommandLine;
+using zolib::Console;
+using zolib::ExitCode;
+
+constexpr const char* kGeneralHelp =
+    "A value lies in a file in text form or as an archive, or in a member of a library.\n"
+    "\n"
+    "Exit codes: 0 ok, 1 values differ, or done with warnings, 2 failed, 7 usage, 10 not found,\n"
+    "11 locked, 13 no value or damaged, 130 cancelled.\n"
+    "\n"
+    "Examples:\n"
+    "  zoval show part.zoa\n"
+    "  zoval get part.zoa bolts/0/length\n"
+    "  zoval diff old.txt new.txt --tolerance 0.001\n"
+    "\n"
+    "`zoval help VERB` has the options and examples of a verb, the manual page zoval(1) all.\n";
+
+constexpr const char* kVerboseHelp = "Name each file that is written";
+
+enum Takes : unsigned int {
+  kPath = 0x1,  // a path in the value
+  kValue = 0x2,
+  kSecond = 0x4,  // another file
+  kWrites = 0x8,
+};
+
+struct Verb {
+  const char* name;
+  const char* summary;
+  void (*run)(const Options&, Report&);
+  unsigned int takes;
+  const char* second;  // its help
+  const char* examples;
+};
+
+constexpr Verb kVerbs[] = {
+    {"show", "Show a value in text form", show, 0, "",
+     "  zoval show part.zoa\n"
+     "  zoval show parts.lib --member bolts/m8.zoa\n"},
+    {"get", "Show the value at a path, for scripts", get, kPath, "",
+     "  zoval get part.zoa bolts/0/length\n"
+     "  zoval get part.zoa name --json                    with its type and flags\n"},
+    {"set", "Put a value at a path, and write the file anew in one step", set,
+     kPath | kValue | kWrites, "",
+     "  zoval set part.zoa bolts/0/length 30               stays a length\n"
+     "  zoval set part.zoa origin 'Point (1, 2, 3)'\n"
+     "  zoval set parts.lib --member m8.zoa name 'M8 x 30'\n"},
+    {"diff", "Tell what differs between two values; ends with 1 where something does", diff,
+     kSecond, "The value that it became",
+     "  zoval diff old.txt new.zoa\n"
+     "  zoval diff old.lib new.lib --member m8.zoa --any-order --json\n"},
+    {"convert", "Write a value in another form", convert, kSecond | kWrites,
+     "The file to write; - is standard output",
+     "  zoval convert part.txt part.zoa\n"
+     "  zoval convert part.zoa - --to text\n"},
+    {"graph", "Draw a value for Graphviz", graph, 0, "",
+     "  zoval graph part.zoa | dot -Tsvg >part.svg\n"
+     "  zoval graph part.zoa --path bolts --output bolts.dot\n"},
+};
+
+// What CLI11 fills: texts in UTF-8.
+struct Raw {
+  std::string file, second, path, value, member, from, to, output;
+};
+
+std::string noForm(const std::string& text) {
+  return formNamed(zolib::toWide(text)) ? std::string() : text + " is no form: text, archive";
+}
+
+std::string noTolerance(const std::string& text) {
+  double value = -1;
+  return CLI::detail::lexical_cast(text, value) && value >= 0 ? std::string()
+                                                              : text + " is no number from 0 on";
+}
+
+class ZovalCommandLine final : public CommandLine {
+ public:
+  explicit ZovalCommandLine(Console& console)
+      : CommandLine(console, options_, "Shows, compares and changes stored values.", kGeneralHelp) {
+    for (const Verb& verb : kVerbs) add(verb);
+    addHelp(kVerboseHelp);
+  }
+
+ private:
+  void add(const Verb& verb) {
+    CLI::App& sub = *app().add_subcommand(verb.name, verb.summary);
+    sub.footer(std::string("Examples:\n") + verb.examples);
+    const std::string_view name = verb.name;
+    addText(sub, "FILE", raw_.file, "The file, or library", "")->required();
+    if (verb.takes & kPath)
+      sub.add_option("PATH", raw_.path, "Keys and positions with slashes between them")
+          ->required()
+          ->type_name("");
+    if (verb.takes & kValue)
+      sub.add_option("VALUE", raw_.value, "A number, a text, or a value in text form")
+          ->required()
+          ->type_name("");
+    if (verb.takes & kSecond) addText(sub, "OTHER", raw_.second, verb.second, "")->required();
+    addText(sub, "-m,--member", raw_.member, "The member, where a file is a library", "NAME");
+    sub.add_option("--from", raw_.from, "The form to read: text, archive; else it is found")
+        ->check(noForm)
+        ->type_name("FORM");
+    if (name == "convert")
+      sub.add_option("--to", raw_.to, "The form to write; else by .txt, .zov, .zoa")
+          ->check(noForm)
+          ->type_name("FORM");
+    if (name == "diff") addDiff(sub);
+    if (name == "graph") {
+      sub.add_option("--path", raw_.path, "Only what lies there")->type_name("PATH");
+      addText(sub, "-o,--output", raw_.output, "The file to write; else standard output", "FILE");
+    }
+    if (verb.takes & kWrites)
+      sub.add_flag("--dry-run", options_.dryRun, "Only show what would be done");
+    zolib::addTalkOptions(sub, options_, kVerboseHelp);
+  }
+
+  void addDiff(CLI::App& sub) {
+    sub.add_flag("--any-order", options_.anyOrder, "The order of sequences does not count");
+    sub.add_flag("--values", options_.valuesOnly, "Types and flags do not count");
+    sub.add_option("--tolerance", options_.tolerance, "How far numbers may be apart (default 0)")
+        ->check(noTolerance)
+        ->type_name("NUMBER");
+  }
+
+  ExitCode runVerb(const CLI::App& sub) override {
+    options_.file = zolib::wide(raw_.file);
+    options_.second = zolib::wide(raw_.second);
+    options_.path = zolib::wide(raw_.path);
+    options_.value = zolib::wide(raw_.value);
+    options_.member = zolib::wide(raw_.member);
+    options_.from = zolib::wide(raw_.from);
+    options_.to = zolib::wide(raw_.to);
+    if (!raw_.output.empty()) options_.output = zolib::wide(raw_.output);
+    Report report(options_, console());
+    for (const Verb& verb : kVerbs)
+      if (sub.get_name() == verb.name) verb.run(options_, report);
+    return report.finish();
+  }
+
+  Options options_;
+  Raw raw_;
+};
+
+}  // namespace
+}  // namespace zoval
+
+namespace zolib {
+
+const char* const kProgram = "zoval";
+
+ExitCode runCommandLine(const std::vector<std::string>& arguments, Console& console) {
+  return zoval::ZovalCommandLine(console).run(arguments);
+}
+
+}  // namespace zolib

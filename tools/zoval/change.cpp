@@ -1,0 +1,83 @@
+// set and convert: values into files.
+#include <cstdint>
+
+#include "../zolib/text.h"
+#include "value_file.h"
+#include "verbs.h"
+
+namespace zoval {
+namespace {
+
+using zolib::toUtf8;
+
+// A value in text form ("Length 12.5", "Point (1, 2, 3)"), a whole number, another number; or else
+// just the text.
+ZoVariant valueOf(const std::wstring& text) {
+  ZoVariant value{ZoString(text)};
+  std::int64_t whole = 0;
+  double real = 0;
+  if (value.get(whole) == 0) {
+    const int small = static_cast<int>(whole);
+    return small == whole ? ZoVariant(small) : ZoVariant(whole);
+  }
+  if (value.get(real) == 0) return {real};
+  ZoVariant parsed;
+  return parsed.parse(text) == 0 ? parsed : value;
+}
+
+}  // namespace
+
+// What is there keeps its type: 13 for a length is a length. Only a value in text form brings its
+// own, and what is new has what it is given.
+void set(const Options& options, Report& report) {
+  ValueFile file;
+  if (!readValue(options.file, options, file, report)) return;
+  ZoVariant* const old = file.value.find(options.path);
+  ZoVariant parsed;
+  const bool isForm = parsed.parse(options.value) == 0;
+  ZoVariant next = isForm ? parsed : old ? *old : valueOf(options.value);
+  if (!isForm && old && next.set(ZoVariant(ZoString(options.value))) != 0)
+    return report.fail(zolib::kUsage, toUtf8(options.value) + " is no " +
+                                          toUtf8(old->printType().view()) +
+                                          "; write a value in text form for another type");
+  const ZoVariant before = old ? *old : ZoVariant();
+  if (file.value.put(options.path, next) != 0)
+    return report.fail(zolib::kNotFound,
+                       "no way leads to " + toUtf8(options.path) + " in " + file.shown);
+  const bool isChange = !old || before != next;
+  report.json()["changed"] = isChange;
+  if (!isChange) return report.note(file.shown + " has that value already");
+  if (options.dryRun) return report.note("would change " + file.shown);
+  if (writeValue(file, report) && options.verbose) report.note("changed " + file.shown);
+}
+
+void convert(const Options& options, Report& report) {
+  ValueFile file;
+  if (!readValue(options.file, options, file, report)) return;
+  const bool isToOutput = options.second == L"-";
+  const auto form = options.to.empty() ? formOf(options.second) : formNamed(options.to);
+  if (!form)
+    return report.fail(zolib::kUsage, "say the form of " + toUtf8(options.second) + " by --to");
+  report.json()["from"] = nameOf(file.form);
+  report.json()["to"] = nameOf(*form);
+  if (isToOutput) {
+    std::string bytes;
+    if (!encode(file.value, *form, bytes, report)) return;
+    if (options.json && *form != Form::kArchive)
+      report.json()["text"] = bytes;
+    else if (options.json)
+      report.fail(zolib::kUsage, "an archive is no text for --json");
+    else
+      report.console().out(bytes);
+    return;
+  }
+  ValueFile target;
+  target.value = std::move(file.value);
+  target.form = *form;
+  target.path = options.second;
+  target.shown = toUtf8(options.second);
+  if (options.dryRun) return report.note("would write " + target.shown);
+  if (writeValue(target, report) && options.verbose) report.note("wrote " + target.shown);
+}
+
+}  // namespace zoval

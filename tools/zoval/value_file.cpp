@@ -1,0 +1,230 @@
+#include "value_file.h"
+
+#include <zo/files/file.h>
+#include <zo/files/file_save.h>
+#include <zo/files/text_file.h>
+#include <zo/library/library.h>
+#include <zo/names/file_name.h>
+#include <zo/persist/memory_archive.h>
+#include <zo/results.h>
+#include <zo/system/exception.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+#include "../zolib/names.h"
+#include "../zolib/text.h"
+
+namespace zoval {
+namespace {
+
+using zolib::because;
+using zolib::toUtf8;
+
+constexpr struct {
+  Form form;
+  const wchar_t* name;
+} kForms[] = {{Form::kText, L"text"}, {Form::kArchive, L"archive"}};
+
+// An archive of a variant begins with its type code, a small number in four bytes; a text, in any
+// encoding, has no two zeros there.
+Form formOf(std::string_view head) {
+  const bool isArchive = head.size() >= 8 && head[2] == 0 && head[3] == 0;
+  return isArchive ? Form::kArchive : Form::kText;
+}
+
+struct Place {
+  unsigned int line = 1, column = 1;
+};
+Place placeOf(std::wstring_view text, unsigned int end) {
+  Place place;
+  for (const wchar_t c : text.substr(0, end)) {
+    ++place.column;
+    if (c == L'\n') place = {place.line + 1, 1};
+  }
+  return place;
+}
+
+bool readText(ZoFile& open, ValueFile& file, Report& report) {
+  ZoString text;
+  unsigned int end = 0;
+  if (zoReadText(open, text) != ZoResult::ok) {
+    report.fail(zolib::kFailed, "cannot read " + file.shown + because());
+    return false;
+  }
+  if (file.value.parse(text, &end) == 0) return true;
+  const Place place = placeOf(text, end);
+  report.fail(zolib::kDamaged, file.shown + ":" + std::to_string(place.line) + ":" +
+                                   std::to_string(place.column) + ": no value in text form");
+  return false;
+}
+
+bool readArchive(ZoFile& open, ValueFile& file, Report& report) {
+  const std::int64_t size = open.size();
+  const auto bytes = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(size));
+  std::int64_t done = 0;
+  while (done < size) {
+    const auto count = static_cast<unsigned int>(std::min<std::int64_t>(size - done, 1 << 30));
+    const unsigned int got = open.read(bytes.get() + done, count);
+    if (got == 0) {
+      report.fail(zolib::kFailed, "cannot read " + file.shown + because());
+      return false;
+    }
+    done += got;
+  }
+  ZoMemoryReadArchive archive(bytes.get(), static_cast<std::size_t>(size));
+  try {
+    archive >> file.value;
+  } catch (const ZoComException&) {
+    report.fail(zolib::kDamaged, file.shown + ": no value in an archive, or one that ends early");
+    return false;
+  }
+  if (archive.rest() == 0) return true;
+  report.fail(zolib::kDamaged, file.shown + ": " + std::to_string(archive.rest()) +
+                                   " bytes are left behind the value; only an archive of one "
+                                   "value can be read");
+  return false;
+}
+
+bool readOpen(ZoFile& open, const Options& options, ValueFile& file, Report& report) {
+  char head[8];
+  const unsigned int got = open.read(head, sizeof head);
+  if (open.seekToBegin() != 0) {
+    report.fail(zolib::kFailed, "cannot read " + file.shown + because());
+    return false;
+  }
+  file.form = formNamed(options.from).value_or(formOf(std::string_view(head, got)));
+  return file.form == Form::kText ? readText(open, file, report) : readArchive(open, file, report);
+}
+
+bool isLibrary(ZoFile& open) {
+  static constexpr char kMark[16] = "ZORVEX LIBRARY";
+  char head[sizeof kMark] = {};
+  const unsigned int got = open.read(head, sizeof head);
+  return open.seekToBegin() == 0 && got == sizeof head && std::memcmp(head, kMark, got) == 0;
+}
+
+bool openLibrary(const ValueFile& file, int access, ZoLibrary& library, Report& report) {
+  zolib::forgetReason();
+  const int code = library.open(ZoFileName(zolib::shellPath(file.path)), access);
+  if (code == ZoResult::ok) return true;
+  report.fail(code == ZoResult::libraryWriteLocked ? zolib::kLocked : zolib::kFailed,
+              "cannot open " + toUtf8(file.path) + because());
+  return false;
+}
+
+bool readMember(const Options& options, ValueFile& file, Report& report) {
+  ZoLibrary library;
+  ZoFile open;
+  if (!openLibrary(file, ZoFile::kRead, library, report)) return false;
+  ZoLibEntry entry;
+  if (library.getEntry(ZoFileName(file.member), entry) != ZoResult::ok) {
+    report.fail(zolib::kNotFound, toUtf8(file.path) + " has no member " + toUtf8(file.member) +
+                                      "; `zolib list` shows what it has");
+    return false;
+  }
+  if (library.getFile(open, ZoFileName(file.member)) != ZoResult::ok) {
+    report.fail(zolib::kDamaged, "cannot read " + file.shown + because());
+    return false;
+  }
+  return readOpen(open, options, file, report);
+}
+
+bool isWritten(ZoFile& file, std::string_view bytes) {
+  constexpr std::size_t kAtOnce = std::size_t{1} << 30;
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(kAtOnce, bytes.size()))) {
+    const auto count = static_cast<unsigned int>(std::min(kAtOnce, bytes.size()));
+    if (file.write(bytes.data(), count) != count) return false;
+  }
+  return true;
+}
+
+// What closes adds the member, in the place of what has its name.
+bool writeMember(const ValueFile& file, std::string_view bytes, Report& report) {
+  ZoLibrary library;
+  ZoFile open;
+  if (!openLibrary(file, ZoFile::kReadWrite, library, report)) return false;
+  if (library.getFile(open, ZoFileName(file.member), ZoFile::kWrite) == ZoResult::ok) {
+    if (isWritten(open, bytes) && open.close() == ZoResult::ok && library.close() == ZoResult::ok)
+      return true;
+    open.cancel();
+  }
+  report.fail(zolib::kFailed, "cannot write " + file.shown + because() + "; it is as it was");
+  return false;
+}
+
+}  // namespace
+
+std::optional<Form> formNamed(std::wstring_view name) {
+  for (const auto& each : kForms)
+    if (name == each.name) return each.form;
+  return std::nullopt;
+}
+
+std::string nameOf(Form form) {
+  for (const auto& each : kForms)
+    if (form == each.form) return toUtf8(each.name);
+  return {};
+}
+
+std::optional<Form> formOf(std::wstring_view fileName) {
+  const std::wstring name = zolib::folded(fileName);
+  if (name.ends_with(L".txt") || name.ends_with(L".zov")) return Form::kText;
+  if (name.ends_with(L".zoa")) return Form::kArchive;
+  return std::nullopt;
+}
+
+bool readValue(const std::wstring& path, const Options& options, ValueFile& file, Report& report) {
+  file.path = path;
+  file.shown = toUtf8(path);
+  zolib::forgetReason();
+  ZoFile open;
+  if (open.open(ZoFileName(zolib::shellPath(path)), ZoFile::kRead, ZoFile::kOpenExisting,
+                ZoFile::kShareRead | ZoFile::kShareWrite) != ZoResult::ok) {
+    report.fail(zolib::kNotFound, "cannot open " + file.shown + because());
+    return false;
+  }
+  if (!isLibrary(open)) return readOpen(open, options, file, report);
+  static_cast<void>(open.close());
+  if (options.member.empty()) {
+    report.fail(zolib::kUsage, file.shown + " is a library; name a value in it by --member");
+    return false;
+  }
+  file.member = options.member;
+  file.shown += " " + toUtf8(options.member);
+  return readMember(options, file, report);
+}
+
+bool encode(const ZoVariant& value, Form form, std::string& bytes, Report& report) {
+  if (form == Form::kText) {
+    ZoString text;
+    if (value.format(text) == 0) {
+      bytes = toUtf8(text.view()) + "\n";
+      return true;
+    }
+  } else if (!value.isTooDeep()) {
+    ZoMemoryWriteArchive archive;
+    archive << value;
+    bytes.assign(reinterpret_cast<const char*>(archive.bytes().data()), archive.bytes().size());
+    return true;
+  }
+  report.fail(zolib::kFailed,
+              "the value lies too deep, or is too long, for the form " + nameOf(form));
+  return false;
+}
+
+bool writeValue(const ValueFile& file, Report& report) {
+  std::string bytes;
+  if (!encode(file.value, file.form, bytes, report)) return false;
+  if (!file.member.empty()) return writeMember(file, bytes, report);
+  zolib::forgetReason();
+  ZoFileSave save;
+  if (save.open(ZoFileName(zolib::shellPath(file.path))) == 0 && isWritten(save.file(), bytes) &&
+      save.commit() == 0)
+    return true;
+  report.fail(zolib::kFailed, "cannot write " + file.shown + because());
+  return false;
+}
+
+}  // namespace zoval

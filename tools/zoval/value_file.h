@@ -1,0 +1,42 @@
+// A value in a file, or in a member of a library: text form or archive.
+#pragma once
+
+#include <zo/variant/variant.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "../zolib/report.h"
+#include "options.h"
+
+namespace zoval {
+
+using zolib::Report;
+
+// The forms in which values are stored, and the words for them.
+enum class Form { kText, kArchive };
+[[nodiscard]] std::optional<Form> formNamed(std::wstring_view name);
+[[nodiscard]] std::string nameOf(Form form);
+// By the extension of a file's name: .txt and .zov are text, .zoa is an archive.
+[[nodiscard]] std::optional<Form> formOf(std::wstring_view fileName);
+
+struct ValueFile {
+  ZoVariant value;
+  Form form = Form::kText;
+  std::wstring path;
+  std::wstring member;  // empty: the file itself
+  std::string shown;    // as it is named in talk
+};
+
+// Reads the file, or its member where it is a library. False when there is no value in it, which is
+// reported.
+bool readValue(const std::wstring& path, const Options& options, ValueFile& file, Report& report);
+// Puts the value in the file's place, or in its member's, in one step; a failure is reported, and
+// all is then as it was.
+bool writeValue(const ValueFile& file, Report& report);
+
+// The bytes of a form. False, and reported: the value lies too deep, or is too long.
+bool encode(const ZoVariant& value, Form form, std::string& bytes, Report& report);
+
+}  // namespace zoval
