@@ -6,7 +6,7 @@ function(zo_compile_options target)
     target_compile_options(${target} PRIVATE /W4 /WX /utf-8 /permissive-)
   else()
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wcast-qual
-                                             -Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi)
+                           "$<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor;-Woverloaded-virtual;-Wextra-semi>")
   endif()
   target_compile_definitions(${target} PRIVATE UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
   zo_guarded_options(${target})

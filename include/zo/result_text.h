@@ -35,6 +35,8 @@ enum class ZoResultFamily : int {
   waits,          // ZoWait, cast to int
   expressions,    // ZoRegExp, ZoSearch: zo/parse/reg_exp.h
   messages,       // ZoMessage, ZoMessageMap
+
+  cInterface = 0x20  // zo_c.h
 };
 
 // A sentence, from the message file "zoresult" when the message service has it (docs/messages.md),
