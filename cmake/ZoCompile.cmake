@@ -41,6 +41,40 @@ function(zo_find_runtime_dlls result)
   set(${result} ${found} PARENT_SCOPE)
 endfunction()
 
+# zo_strip_runtime_dlls(STRIPPED SYMBOLS): the runtime's DLLs for the package, a twelfth of their size, and their debug
+# information in files of its own, which gdb finds beside them.
+function(zo_strip_runtime_dlls stripped symbols)
+  set(files)
+  set(debug)
+  foreach(dll ${zo_runtime_dlls})
+    cmake_path(GET dll FILENAME name)
+    set(file ${PROJECT_BINARY_DIR}/generated/runtime/${name})
+    if(NOT EXISTS ${file}.debug OR ${dll} IS_NEWER_THAN ${file}.debug)
+      file(COPY ${dll} DESTINATION ${PROJECT_BINARY_DIR}/generated/runtime)
+      execute_process(COMMAND ${CMAKE_OBJCOPY} --only-keep-debug ${dll} ${file}.debug COMMAND_ERROR_IS_FATAL ANY)
+      execute_process(COMMAND ${CMAKE_OBJCOPY} --strip-unneeded --add-gnu-debuglink=${file}.debug ${file}
+                      COMMAND_ERROR_IS_FATAL ANY)
+    endif()
+    list(APPEND files ${file})
+    list(APPEND debug ${file}.debug)
+  endforeach()
+  set(${stripped} ${files} PARENT_SCOPE)
+  set(${symbols} ${debug} PARENT_SCOPE)
+endfunction()
+
+# zo_version_resource(TARGET DESCRIPTION): what the platform shows of a program or DLL.
+function(zo_version_resource target description)
+  get_target_property(type ${target} TYPE)
+  set(zo_file_type VFT_APP)
+  set(zo_file_name ${target}.exe)
+  if(type STREQUAL SHARED_LIBRARY)
+    set(zo_file_type VFT_DLL)
+    set(zo_file_name ${target}.dll)
+  endif()
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${PROJECT_BINARY_DIR}/generated/${target}.rc @ONLY)
+  target_sources(${target} PRIVATE ${PROJECT_BINARY_DIR}/generated/${target}.rc)
+endfunction()
+
 # zo_host_headers(TARGET HEADER...): header-only packages of the building machine. Their folder is linked into the
 # build tree, because the folder above it holds the machine's own C library headers, which must stay out.
 function(zo_host_headers target)
