@@ -19,6 +19,7 @@ endfunction()
 zo_client_test(ConsumerBuildsAndRuns ${CMAKE_CURRENT_SOURCE_DIR}/consumer
                -DZO_GTEST_LIBRARY=$<TARGET_FILE:gtest> -DZO_GTEST_INCLUDE=${ZO_GOOGLETEST_DIR}/googletest/include)
 zo_client_test(ExamplesBuildAndRun ${PROJECT_SOURCE_DIR}/examples)
+zo_client_test(TutorialsBuildAndPrintWhatTheySay ${CMAKE_CURRENT_SOURCE_DIR}/tutorial)
 
 # zo_refusal_test(CASE TEXT): a client that cannot use the package hears why.
 function(zo_refusal_test case text)
