@@ -19,3 +19,20 @@ endfunction()
 zo_client_test(ConsumerBuildsAndRuns ${CMAKE_CURRENT_SOURCE_DIR}/consumer
                -DZO_GTEST_LIBRARY=$<TARGET_FILE:gtest> -DZO_GTEST_INCLUDE=${ZO_GOOGLETEST_DIR}/googletest/include)
 zo_client_test(ExamplesBuildAndRun ${PROJECT_SOURCE_DIR}/examples)
+zo_client_test(TutorialsBuildAndPrintWhatTheySay ${CMAKE_CURRENT_SOURCE_DIR}/tutorial)
+
+# zo_refusal_test(CASE TEXT): a client that cannot use the package hears why.
+function(zo_refusal_test case text)
+  string(MAKE_C_IDENTIFIER ${case} name)
+  add_test(NAME package.Refuses_${name}
+           COMMAND ${CMAKE_COMMAND} -DCMAKE_PREFIX_PATH=${package} "-DCASE=${case}"
+                   -P ${CMAKE_CURRENT_SOURCE_DIR}/consumer/refusals.cmake)
+  set_tests_properties(package.Refuses_${name} PROPERTIES FIXTURES_REQUIRED package PASS_REGULAR_EXPRESSION ${text})
+endfunction()
+zo_refusal_test("not for Windows" "is a library for Windows")
+zo_refusal_test("C++17" "needs C\\+\\+20")
+
+# Taken in by add_subdirectory: what tests/subproject asks is answered when it is configured.
+add_test(NAME package.SubprojectTakesNoTestsOfOurs
+         COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_SOURCE_DIR}/subproject -B ${CMAKE_CURRENT_BINARY_DIR}/subproject
+                 -G ${CMAKE_GENERATOR} -DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE} -DZO_DEPS_DIR=${ZO_DEPS_DIR})

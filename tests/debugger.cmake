@@ -8,10 +8,10 @@ if(ZO_GDB AND ZO_GDBSERVER AND ZO_PYTHON)
   # All types described in the program itself: the DLL of this build carries no debug information.
   target_compile_options(debugger_sample PRIVATE -O0 -g -femit-class-debug-always)
   zo_compile_options(debugger_sample)
-  add_test(NAME debugger.PrintersShowStringsAndContainers
+  add_test(NAME debugger.PrintersShowValues
            COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/debugger/check.py ${PROJECT_SOURCE_DIR}/scripts/wine-run
                    ${ZO_GDBSERVER} ${ZO_GDB} ${PROJECT_SOURCE_DIR}/tools/debug/zo_gdb.py $<TARGET_FILE:debugger_sample>)
-  set_tests_properties(debugger.PrintersShowStringsAndContainers PROPERTIES TIMEOUT 300)
+  set_tests_properties(debugger.PrintersShowValues PROPERTIES TIMEOUT 300)
 else()
   message(STATUS "The debugger's printers are not tested: gdb for Windows programs is missing (scripts/setup test)")
 endif()

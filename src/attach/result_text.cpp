@@ -19,6 +19,7 @@
 #include <zo/text/string.h>
 #include <zo/variant/variant.h>
 #include <zo/xml/xml_results.h>
+#include <zo_c.h>
 
 #include <algorithm>
 #include <new>
@@ -213,6 +214,18 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(standards, ZoResult::layersLeftOut, L"Done, but some layers were left out."),
     ZO_RESULT(standards, ZoResult::standardCircle,
               L"Standards name each other as their successors."),
+
+    ZO_RESULT(cInterface, ZOC_BAD_HANDLE, L"The handle is null, or was closed, or never given."),
+    ZO_RESULT(cInterface, ZOC_WRONG_HANDLE,
+              L"The handle is of another kind, or the archive of the other direction."),
+    ZO_RESULT(cInterface, ZOC_WRONG_THREAD,
+              L"Another thread is using the object, or has to close it."),
+    ZO_RESULT(cInterface, ZOC_BAD_ARGUMENT,
+              L"A null pointer, a number, code or encoding that is none, or a text that is too "
+              L"long."),
+    ZO_RESULT(cInterface, ZOC_NOT_ATTACHED, L"The library is not attached."),
+    ZO_RESULT(cInterface, ZOC_ENDED, L"The data of the archive ended, or is no such value."),
+    ZO_RESULT(cInterface, ZOC_FAILURE, L"A failure that was not foreseen."),
 };
 
 #undef ZO_RESULT

@@ -1,8 +1,11 @@
 """check.py WINE_RUN GDBSERVER GDB PRINTERS PROGRAM: stops a real program under gdb and compares what the printers say."""
 
+import pathlib
+import re
 import socket
 import subprocess
 import sys
+import xml.dom.minidom
 
 EXPECTED = {
     "text": 'L"caf\u00e9 \u0416"',
@@ -14,6 +17,25 @@ EXPECTED = {
     "sizes": 'dictionary of 1 in 128 buckets = {[L"width"] = 2.5}',
     "odd": "dictionary of 1 in 128 buckets = {[7] = 70}",
     "ages": 'tree of 2 = {[L"adam"] = 20, [L"Zoe"] = 30}',
+    "file": 'file "C:\\parts\\caf\u00e9.dwg"',
+    "red": "kRed",
+    "mixed": "rgb(1, 2, 255)",
+    "point": "(1, 2.5, -3)",
+    "matrix": "(1, 0, 0, 7; 0, 1, 0, 8; 0, 0, 1, 9; 0, 0, 0, 1)",
+    "plane": "plane through (1, 2.5, -3), normal (0, 1, 0)",
+    "system": "system at (1, 2.5, -3), x (0, 1, 0), y (-1, 0, 0), z (0, 0, 1)",
+    "tolerance": "points 0.001, vectors 1e-06",
+    "guid": "{01234567-89AB-CDEF-0001-020304050607}",
+    "code": "ZoTypeCode::SpringRate",
+    "length": "Length 12.5 flags BC",
+    "nothing_at_all": "NoType empty",
+    "word": 'String "M8"',
+    "id": "Guid {01234567-89AB-CDEF-0001-020304050607}",
+    "where": "Point (1, 2.5, -3)",
+    "counter": "Int -> 42",
+    "array": 'Sequence array of 2 = {[0] = Int 1, [1] = String "two"}',
+    "list": "List list of 1 = {[0] = Real 0.5}",
+    "dict": 'Catalog dictionary of 1 in 128 buckets = {"width" = Sequence array of 2 = {[0] = Int 1, [1] = String "two"}}',
 }
 
 
@@ -42,7 +64,19 @@ def shown(wine_run, gdbserver, gdb, printers, program):
             server.kill()
 
 
+def unknown_members(natvis, headers):
+    """Members and types that the views for Visual Studio name and no header has: nothing else can try them here."""
+    xml.dom.minidom.parse(str(natvis))
+    known = set(re.findall(r"\w+", "".join(path.read_text() for path in headers.rglob("*.h"))))
+    return sorted(set(re.findall(r"\b(?:\w+_|Zo\w+)\b", natvis.read_text())) - known)
+
+
 def main():
+    printers = pathlib.Path(sys.argv[4])
+    unknown = unknown_members(printers.with_name("zo_com.natvis"), printers.parents[2] / "include")
+    if unknown:
+        print("zo_com.natvis names", *unknown)
+        return 1
     output = shown(*sys.argv[1:6])
     lines = [line.split(" = ", 1)[1] for line in output.splitlines() if line.startswith("$")]
     wrong = ["%s: %s, expected %s" % (name, line, text)

@@ -1,8 +1,11 @@
 """Shows the values of zo_com in gdb:  (gdb) source tools/debug/zo_gdb.py
 
-Strings print as text, containers as their elements. Reads memory only; calls nothing in the program. The types must
-be described in the program's debug information: build with the debug preset, or with -femit-class-debug-always.
+Strings and file names print as text, containers as their elements, variants as code, value, flags and elements,
+geometry, colours and GUIDs as their numbers; codes by name. Reads memory only; calls nothing in the program. The types
+must be described in the program's debug information: build with the debug preset, or with -femit-class-debug-always.
 """
+
+import uuid
 
 import gdb
 import gdb.printing
@@ -41,6 +44,171 @@ class SubStringPrinter:
 
     def display_hint(self):
         return "string"
+
+
+def text(data, length):
+    """So many UTF-16 units as the debugger shows a text."""
+    bytes_ = gdb.selected_inferior().read_memory(int(data), 2 * length).tobytes() if length else b""
+    return '"%s"' % bytes_.decode("utf-16-le", "replace")
+
+
+def string_at(address):
+    """The text of a ZoString at an address."""
+    data = int(at(address, gdb.lookup_type("unsigned long long")))
+    return text(data, int(at(data - 4, gdb.lookup_type("unsigned int"))))
+
+
+def number(value):
+    return "%.15g" % (float(value) + 0.0)  # no negative zero
+
+
+def triple(value):
+    return "(%s)" % ", ".join(number(value[part]) for part in "xyz")
+
+
+class FileNamePrinter:
+    """ZoFileName: what it stands on begins with the whole name (src/names/file_name_imp.h)."""
+
+    def __init__(self, value):
+        self.value = value
+
+    def to_string(self):
+        return "file " + string_at(self.value["imp_"])
+
+
+class ColorPrinter:
+    """ZoColor: a palette type, or red, green and blue."""
+
+    def __init__(self, value):
+        self.word = int(value["value_"])
+        self.type = gdb.lookup_type("ZoColor::Type")
+
+    def to_string(self):
+        kind = self.word >> 24
+        if kind == 102:
+            return "rgb(%d, %d, %d)" % (self.word & 255, self.word >> 8 & 255, self.word >> 16 & 255)
+        return name_of(self.type, kind, "color %d" % kind)
+
+
+class TriplePrinter:
+    """Points and vectors."""
+
+    def __init__(self, value):
+        self.value = value
+
+    def to_string(self):
+        return triple(self.value)
+
+
+class MatrixPrinter:
+    def __init__(self, value):
+        self.cells = value["m_"]
+
+    def to_string(self):
+        rows = (", ".join(number(self.cells[row * 4 + column]) for column in range(4)) for row in range(4))
+        return "(%s)" % "; ".join(rows)
+
+
+class PlanePrinter:
+    def __init__(self, value):
+        self.value = value
+
+    def to_string(self):
+        return "plane through %s, normal %s" % (triple(self.value["ref_"]), triple(self.value["normal_"]))
+
+
+class CoSystemPrinter:
+    def __init__(self, value):
+        self.value = value
+
+    def to_string(self):
+        return "system at %s, x %s, y %s, z %s" % tuple(triple(self.value[p]) for p in ("origin_", "x_", "y_", "z_"))
+
+
+class TolPrinter:
+    def __init__(self, value):
+        self.value = value
+
+    def to_string(self):
+        return "points %s, vectors %s" % (number(self.value["pnt_"]), number(self.value["vec_"]))
+
+
+def guid_at(address):
+    raw = gdb.selected_inferior().read_memory(int(address), 16).tobytes()
+    return "{%s}" % str(uuid.UUID(bytes_le=raw)).upper()
+
+
+class GuidPrinter:
+    def __init__(self, value):
+        self.value = value
+
+    def to_string(self):
+        return guid_at(self.value.address)
+
+
+def name_of(enum, wanted, otherwise):
+    """The last word of an enumerator's name."""
+    found = (field.name for field in enum.fields() if field.enumval == wanted)
+    return next(found, otherwise).split("::")[-1]
+
+
+class VariantPrinter:
+    """ZoVariant: the name of its code, its value or number of elements, and its flags as letters."""
+
+    LIST = 0x2702  # the code of lists
+    INT, BIG_INT, REAL, STRING, POINTER, POINT, VECTOR, DICT, SEQUENCE, GUID = range(1, 11)
+
+    def __init__(self, value):
+        self.code, self.word = int(value["code_"]), int(value["word_"])
+        self.kind, self.is_reference = self.word & 31, self.word & 32 != 0
+        self.payload = value["payload_"]
+
+    def to_string(self):
+        name = name_of(gdb.lookup_type("ZoTypeCode"), self.code, "code 0x%X" % self.code)
+        flags = "".join(chr(ord("A") + bit) for bit in range(26) if self.word >> 6 & 1 << bit)
+        return " ".join(part for part in (name, self.shown(), "flags " + flags if flags else "") if part)
+
+    def shown(self):
+        if self.kind == 0:
+            return "empty"
+        if self.is_reference:
+            return "-> " + self.referred()
+        if self.kind == self.STRING:
+            return string_at(self.payload.address)
+        if self.kind == self.GUID:
+            return guid_at(self.payload["guid"])
+        if self.kind in (self.POINT, self.VECTOR):
+            return triple(self.payload["point" if self.kind == self.POINT else "vector"].dereference())
+        if self.kind in (self.DICT, self.SEQUENCE):
+            return self.container().to_string()
+        if self.kind == self.POINTER:
+            return "0x%x" % int(self.payload["pointer"])
+        return number(self.payload["real"]) if self.kind == self.REAL else str(int(self.payload["bigInt"]))
+
+    def referred(self):
+        if self.kind == self.STRING:
+            return '"%s"' % self.payload["textRef"].dereference().string("UTF-16LE")
+        variable = {self.INT: "integerRef", self.BIG_INT: "bigIntRef", self.REAL: "realRef"}[self.kind]
+        return number(self.payload[variable].dereference())
+
+    def container(self):
+        """The printer of what holds the elements: a dictionary, an array, or a list as the object or its code says."""
+        pointer = self.payload["dict" if self.kind == self.DICT else "sequence"]
+        if self.kind == self.DICT:
+            return HashDictPrinter(at(pointer, gdb.lookup_type("ZoHashDict<ZoVariant, ZoString, ZoCIHashValue<ZoString> >")))
+        type_ = str(pointer.dereference().dynamic_type)  # ZoSequence where its DLL has no symbols
+        if "ZoList" in type_ or ("ZoSequence" in type_ and self.code == self.LIST):
+            return ListPrinter(at(pointer, gdb.lookup_type("ZoList<ZoVariant>")))
+        return ArrayPrinter(at(pointer, gdb.lookup_type("ZoArray<ZoVariant, ZoArrayTable<ZoVariant> >")))
+
+    def children(self):
+        if self.kind not in (self.DICT, self.SEQUENCE):
+            return
+        if self.kind == self.SEQUENCE:
+            yield from self.container().children()
+            return
+        for entry in self.container().entries():
+            yield string_at(entry["key"].address), entry["value"]
 
 
 class SequencePrinter:
@@ -145,6 +313,11 @@ def register():
     printers.add_printer("ZoList", "^ZoList<.*>$", ListPrinter)
     printers.add_printer("ZoHashDict", "^ZoHashDict<.*>$", HashDictPrinter)
     printers.add_printer("ZoTree", "^ZoTree<.*>$", TreePrinter)
+    for name, printer in (("ZoFileName", FileNamePrinter), ("ZoColor", ColorPrinter), ("ZoPoint", TriplePrinter),
+                          ("ZoVector", TriplePrinter), ("ZoMatrix", MatrixPrinter), ("ZoPlane", PlanePrinter),
+                          ("ZoCoSystem", CoSystemPrinter), ("ZoTol", TolPrinter), ("_GUID", GuidPrinter),
+                          ("ZoVariant", VariantPrinter)):
+        printers.add_printer(name, "^%s$" % name, printer)
     gdb.printing.register_pretty_printer(None, printers, replace=True)
 
 

@@ -1,0 +1,184 @@
+#include <zo/library/library.h>
+#include <zo/variant/variant.h>
+
+#include <algorithm>
+
+#include "c_interface/call.h"
+#include "c_interface/value.h"
+
+namespace {
+
+using namespace zo::c;
+
+class Library final : public Object {
+ public:
+  static constexpr Kind kKind = Kind::library;
+  static constexpr bool kIsShared = true;
+
+  Library() : Object(kKind) {}
+  // The platform ties a writer's lock to the thread that took it.
+  [[nodiscard]] bool mayClose() noexcept override {
+    return !library.isWritable() || opener_ == currentThread();
+  }
+  [[nodiscard]] int close() override { return library.close(); }
+
+  ZoLibrary library;
+
+ private:
+  unsigned long opener_ = currentThread();
+};
+
+// Calls work for the library behind the handle, and for one of its members.
+template <class Work>
+int with(ZocLibrary handle, const Work& work) noexcept {
+  return call([&] { return work(Use<Library>(handle)->library); });
+}
+template <class Work>
+int withMember(ZocLibrary handle, const ZocText& member, const Work& work) noexcept {
+  return with(handle,
+              [&](ZoLibrary& library) { return work(library, ZoFileName(textOf(member))); });
+}
+
+ZoLibrary::compMode modeOf(int mode) {
+  require(mode >= ZOC_STORE && mode <= ZOC_AUTOMATIC);
+  return static_cast<ZoLibrary::compMode>(mode);
+}
+
+ZoVariant entryOf(const ZoLibEntry& entry) {
+  ZoVariant result(ZoVariant::kDict);
+  const auto put = [&](std::wstring_view key, ZoVariant value) {
+    if (result.put(key, std::move(value))) throw std::bad_alloc();
+  };
+  put(L"name", ZoVariant(entry.name).copy());
+  put(L"size", static_cast<std::int64_t>(entry.size));
+  put(L"stored", static_cast<std::int64_t>(entry.storedSize));
+  put(L"written", static_cast<std::int64_t>(entry.written.ticks));
+  put(L"deleted", entry.isDeleted());
+  put(L"compressed", entry.isCompressed());
+  return result;
+}
+
+// As many bytes as there are, into memory that was checked.
+int readAt(ZoFile& file, std::uint64_t offset, void* bytes, std::uint32_t size,
+           std::uint32_t& got) {
+  const std::int64_t length = file.size();
+  if (length < 0) return ZOC_REFUSED;
+  const auto begin =
+      static_cast<std::int64_t>(std::min(offset, static_cast<std::uint64_t>(length)));
+  if (file.seek(begin, ZoFile::kBegin) != begin) return ZOC_REFUSED;
+  const auto wanted = static_cast<std::uint32_t>(std::min<std::int64_t>(size, length - begin));
+  if (file.read(bytes, wanted) != wanted) return ZOC_REFUSED;
+  got = wanted;
+  return ZOC_OK;
+}
+
+}  // namespace
+
+int zocLibraryOpen(ZocText name, int access, ZocLibrary* out) noexcept {
+  return make<Library>(out, [&](Library& made) {
+    require(access >= ZOC_READ && access <= ZOC_CREATE);
+    return made.library.open(ZoFileName(textOf(name)),
+                             access == ZOC_READ ? ZoFile::kRead : ZoFile::kReadWrite,
+                             access == ZOC_CREATE ? ZoFile::kOpenAlways : ZoFile::kOpenExisting);
+  });
+}
+
+int zocLibraryAddFile(ZocLibrary library, ZocText source, ZocText member, int replace,
+                      int mode) noexcept {
+  return withMember(library, member, [&](ZoLibrary& to, const ZoFileName& name) {
+    return to.addFile(ZoFileName(textOf(source)), name, replace != 0, modeOf(mode));
+  });
+}
+
+int zocLibraryExtract(ZocLibrary library, ZocText member, ZocText target) noexcept {
+  return withMember(library, member, [&](ZoLibrary& from, const ZoFileName& name) {
+    return from.extractFile(name, ZoFileName(textOf(target)));
+  });
+}
+
+int zocLibraryRename(ZocLibrary library, ZocText member, ZocText newName) noexcept {
+  return withMember(library, member, [&](ZoLibrary& in, const ZoFileName& name) {
+    return in.renameFile(name, ZoFileName(textOf(newName)));
+  });
+}
+
+int zocLibraryDelete(ZocLibrary library, ZocText member) noexcept {
+  return withMember(library, member,
+                    [](ZoLibrary& in, const ZoFileName& name) { return in.deleteFile(name); });
+}
+
+int zocLibraryRecover(ZocLibrary library, ZocText member) noexcept {
+  return withMember(library, member,
+                    [](ZoLibrary& in, const ZoFileName& name) { return in.recoverFile(name); });
+}
+
+int zocLibraryReorganize(ZocLibrary library) noexcept {
+  return with(library, [](ZoLibrary& in) { return in.reorganize(); });
+}
+
+int zocLibraryVerify(ZocLibrary library, ZocText member) noexcept {
+  return withMember(library, member, [](ZoLibrary& in, const ZoFileName& name) {
+    ZoLibEntry entry;
+    if (const int code = in.getEntry(name, entry)) return code;
+    return in.verify(entry);
+  });
+}
+
+int zocLibraryBeginBatch(ZocLibrary library) noexcept {
+  return with(library, [](ZoLibrary& in) { return in.beginBatch(); });
+}
+
+int zocLibraryEndBatch(ZocLibrary library) noexcept {
+  return with(library, [](ZoLibrary& in) { return in.endBatch(); });
+}
+
+int zocLibraryCancelBatch(ZocLibrary library) noexcept {
+  return with(library, [](ZoLibrary& in) { return in.cancelBatch(); });
+}
+
+int zocLibraryList(ZocLibrary library, int withDeleted, ZocValue out) noexcept {
+  return with(library, [&](ZoLibrary& in) {
+    const Use<Value> to(out);
+    ZoArray<ZoVariant> entries;
+    const auto add = [&](const ZoLibEntry& entry) {
+      if (entries.append(entryOf(entry))) throw std::bad_alloc();
+      return true;
+    };
+    if (const int code = in.forEachEntry(add, withDeleted != 0)) return code;
+    to->variant = ZoVariant(std::move(entries));
+    return 0;
+  });
+}
+
+int zocLibrarySize(ZocLibrary library, ZocText member, uint64_t* size) noexcept {
+  return withMember(library, member, [&](ZoLibrary& in, const ZoFileName& name) {
+    ZoLibEntry entry;
+    std::uint64_t& target = required(size);
+    if (const int code = in.getEntry(name, entry)) return code;
+    target = entry.size;
+    return 0;
+  });
+}
+
+int zocLibraryRead(ZocLibrary library, ZocText member, uint64_t offset, void* bytes, uint32_t size,
+                   uint32_t* got) noexcept {
+  return withMember(library, member, [&](ZoLibrary& in, const ZoFileName& name) {
+    require(bytes || size == 0);
+    std::uint32_t& count = required(got);
+    ZoFile file;
+    if (const int code = in.getFile(file, name)) return code;
+    return readAt(file, offset, bytes, size, count);
+  });
+}
+
+int zocLibraryWrite(ZocLibrary library, ZocText member, const void* bytes, uint32_t size,
+                    int mode) noexcept {
+  return withMember(library, member, [&](ZoLibrary& in, const ZoFileName& name) {
+    require(bytes || size == 0);
+    ZoFile file;
+    if (const int code = in.getFile(file, name, ZoFile::kWrite, modeOf(mode))) return code;
+    if (file.write(bytes, size) == size) return file.close();
+    file.cancel();
+    return int{ZOC_REFUSED};
+  });
+}

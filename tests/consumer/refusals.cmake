@@ -1,0 +1,10 @@
+# What a client hears that cannot use the package: refusals.cmake in script mode, with -DCMAKE_PREFIX_PATH and -DCASE.
+cmake_minimum_required(VERSION 3.25)
+if(NOT CASE STREQUAL "not for Windows")
+  set(WIN32 TRUE)
+endif()
+if(CASE STREQUAL "C++17")
+  set(CMAKE_CXX_COMPILER_LOADED TRUE)
+  set(CMAKE_CXX_COMPILE_FEATURES cxx_std_11 cxx_std_17)
+endif()
+find_package(ZoCom REQUIRED)
