@@ -20,7 +20,8 @@ class Target final : public ByteSink {
 
   [[nodiscard]] bool isOpen() const { return static_cast<bool>(fresh_.file); }
   bool write(Bytes bytes) noexcept override {
-    return writeAll(fresh_.file.get(), bytes.data(), bytes.size()) == bytes.size();
+    return writeAll(fresh_.file.get(), bytes.data(), bytes.size()) == bytes.size() ||
+           reportFailure(L"extract");
   }
   // Brings it to its name. What it replaces is replaced by bytes that are on the disk.
   bool commit(const EntryRecord& record) {

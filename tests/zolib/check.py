@@ -11,6 +11,7 @@ import os
 import pathlib
 import pty
 import re
+import resource
 import shutil
 import signal
 import struct
@@ -21,6 +22,12 @@ import tempfile
 ROOT, TOOL, CHECK = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
 COMMAND = [str(ROOT / "scripts/wine-run"), TOOL]
 os.environ["ZOLIB_ROOT"] = "Z:"
+
+
+def small_files():
+    """What the disk of the next program is full at: 1 MB in one file."""
+    signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+    resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 20, 1 << 20))
 
 
 def start(*args, **streams):
@@ -82,6 +89,45 @@ def foreign(path, entries, magic=b"ZORVEX LIBRARY"):
     return write(path, content)
 
 
+def english():
+    """The message file that says what stands in the code."""
+    texts = {}
+    for source in sorted((ROOT / "tools/zolib").glob("*.*")):
+        for number, words in re.findall(r'\{\s*(\d+),\s*((?:"(?:\\.|[^"\\])*"\s*)+)\}', source.read_text()):
+            text = "".join(re.findall(r'"((?:\\.|[^"\\])*)"', words)).replace('\\"', '"')
+            text = re.sub("^ | $", r"\\u0020", text)  # blanks at the ends would go; the escapes of C++ are the file's
+            assert texts.setdefault(int(number), text) == text, f"{number} means {text!r} and {texts[int(number)]!r}"
+    lines = [f"{number:<4}{texts[number]}\n" for number in sorted(texts) if number]
+    return "@messages 1\n@language en\n# Texts of the tool zolib; written by its test.\n\n" + "".join(lines)
+
+
+def language():
+    """The texts of the code are those of the English file, and others speak German; answers for programs stay."""
+    path = ROOT / "share/messages/zolib.msg"
+    if os.environ.get("ZO_WRITE_MESSAGES"):
+        path.write_text(english())
+    assert path.read_text() == english(), "to write it: ZO_WRITE_MESSAGES=1 ctest -R zolib.language"
+    tree()
+    run("--language", "de", "create", "a.lib", "parts", err=r"a\.lib: 5 neu; .* auf .* gepackt \(\d+ ?%\)\n", out="")
+    table = run("list", "a.lib", "--language=de-AT").decode().splitlines()
+    assert table[0].split() == ["GRÖSSE", "GEPACKT", "QUOTE", "GEÄNDERT", "ART", "ZUSTAND", "NAME"], table
+    assert len({line.find(name) for line, name in zip(table, ["NAME", "parts/empty", "parts/Gr", "parts/old"])}) == 1, table
+    run("list", "none.lib", "--language", "de", code=10, err="zolib: Die Bibliothek none.lib wurde nicht gefunden.*")
+    assert run("help", "--language", "de").startswith("Verwaltet".encode())
+    for args in (["list", "a.lib"], ["test", "a.lib"], ["help"], ["delete", "a.lib", "*.bak", "--dry-run"]):
+        inGerman, inEnglish = answer(*args, "--language", "de"), answer(*args)
+        for value in inGerman, inEnglish:
+            value["messages"] = value["text"] = []
+        assert inGerman == inEnglish
+    os.environ["ZOLIB_LANGUAGE"] = "de_DE.UTF-8:en"
+    run("test", "a.lib", err=r"a\.lib: 5 Mitglieder in Ordnung\n")
+    for words in (["--language", "C"], ["--language=en"], ["--language", "fr"]):  # no French: the program's own
+        run("test", "a.lib", *words, err=r"a\.lib: 5 members ok\n")
+    os.environ["ZOLIB_LANGUAGE"] = "C"
+    run("test", "a.lib", "--language", "5%", code=7, err="zolib: 5% is no language .*")
+    run("test", "a.lib", "--language", code=7, err="zolib: --language needs a value; .*")
+
+
 def work():
     """A life of a library, with each verb and alias."""
     names = tree()
@@ -127,7 +173,7 @@ def versions():
         run("recover", "v.lib", "v.txt", *options, err=r"v\.lib: 1 member recovered\n")
         assert run("cat", "v.lib", "v.txt") == found
         run("delete", "v.lib", "v.txt", "-q")
-    run("recover", "v.lib", "--all", "--first", "v.txt", code=7)
+    run("recover", "v.lib", "--all", "--first", "v.txt", code=7, err="zolib: only one of these goes: --first, --all; .*")
     run("recover", "v.lib", "v.txt", "--all", err=r"v\.lib: 3 members recovered\n")
     assert run("cat", "v.lib", "v~1.txt", "v~2.txt", "v.txt") == b"firstsecondthird"
     run("recover", "v.lib", "v.txt", code=2, err="zolib: cannot recover v.txt: a member has that name; .*")
@@ -141,12 +187,15 @@ def exit_codes():
     write("utf16.txt", "a.txt".encode("utf-16"))
     run("create", "a.lib", "a.txt", "-q", err="")
     for args, code, said in (
-        ([], 7, "say what to do"), (["frobnicate"], 7, "there is no verb frobnicate"), (["list"], 7, ".*LIBRARY.*"),
+        ([], 7, "say what to do"), (["frobnicate"], 7, "there is no verb frobnicate"), (["list"], 7, "LIBRARY is missing"),
         (["exract", "x"], 7, "there is no verb exract, but extract"), (["-q", "list"], 7, "the verb comes first.*"),
         (["add", "a.lib", "-b.txt"], 7, "there is no option -b.txt .* behind --"), (["list", ""], 7, ".*empty.*"),
         (["reorganize", "a.lib", "b"], 7, "b is one name too many"),
         (["list", "a.lib", "--mode", "best"], 7, ".*"), (["add", "a.lib"], 7, "name what to add"),
-        (["add", "a.lib", "a.txt", "--mode", "harder"], 7, ".*"), (["rename", "a.lib", "a"], 7, ".*"),
+        (["add", "a.lib", "a.txt", "--mode", "ultra"], 7, "--mode: ultra is none of normal, .*, auto"),
+        (["add", "a.lib", "a.txt", "--mode"], 7, "--mode needs a value"), (["rename", "a.lib", "a"], 7, "NAME: there must be 2"),
+        (["extract", "a.lib", "-o=out"], 7, "-o=out: the value .* without ="), (["list", "a.lib", "--json=x"], 7, ".*no value"),
+        (["extract", "a.lib", "-o", "a", "-o", "b"], 7, ".* more than once"),
         (["add", "a.lib", "-"], 7, ".*--name.*"), (["add", "a.lib", "a.txt", "--lock-timeout", "-1"], 7, ".*: -1 .*"),
         (["help", "frobnicate"], 7, ".*"),
         (["list", "none.lib"], 10, r"cannot find the library none\.lib: .*; check its name"),
@@ -217,6 +266,18 @@ def hostile():
     write("in_the_way/one.txt/x")  # a folder where a file should be: a failure, and the rest goes on
     run("extract", "../h.lib", "one.txt", "sub/two.txt", "-o", "in_the_way", code=2, err="zolib: .*one.txt.*1 member ex.*")
     assert pathlib.Path("in_the_way/sub/two.txt").read_bytes() == b"content"
+
+
+def full():
+    """A disk that gets full, and a name that is as long as the file system takes: nothing is said that is not so."""
+    write("large", os.urandom(3 << 20))
+    write("ä" * 120)
+    run("create", "a.lib", "large", "ä" * 120, "--mode", "store")
+    run("extract", "a.lib", "ä" * 120, "-o", "out", err=".*1 member extracted\n")
+    done = subprocess.run(COMMAND + ["extract", "a.lib", "large", "-o", "out"], capture_output=True, preexec_fn=small_files)
+    assert done.returncode == 2 and re.fullmatch("zolib: cannot extract large to out/large: (?!.*not found|it was refused).*\n.*",
+                                                 done.stderr.decode(), re.S), done
+    assert files("out") == ["ä" * 120]
 
 
 def streams():
@@ -406,7 +467,7 @@ def readme():
 
 def verbs():
     text = (ROOT / "tools/zolib/help.cpp").read_text()
-    found = re.findall(r'^    \{"(\w+)", "(\w*)"', text, re.M)
+    found = re.findall(r'^    \{"(\w+)",\s*"(\w*)"', text, re.M)
     assert len(found) > 10
     return found
 

@@ -20,6 +20,9 @@ class Console {
 
   // Text, or any bytes when standard output is no terminal. Collected, and written in large pieces.
   void out(std::string_view utf8);
+  // A line of text. On a terminal its control characters are shown as "?": in a name they could do
+  // whatever the terminal can.
+  void line(std::string_view utf8);
   // Whether all of it could be written so far.
   bool flush();
   [[nodiscard]] bool outputFailed() const noexcept { return error_ != ERROR_SUCCESS; }
@@ -27,7 +30,7 @@ class Console {
   // Whether that was because nobody reads it any more, as behind "| head".
   [[nodiscard]] bool readerLeft() const noexcept;
 
-  // A line to standard error.
+  // The same to standard error.
   void err(std::string_view utf8);
   [[nodiscard]] bool errIsTerminal() const noexcept { return errIsTerminal_; }
   // Replaces the status line, an empty text removes it. Nothing without a terminal.
