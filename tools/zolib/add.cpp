@@ -126,10 +126,11 @@ class Adder {
 
   // Why no file could ever come out of the library under the member's name; empty when one can.
   static std::string refusal(const Source& source, const ZoFileName& member) {
-    const bool isWritable = !member.isEmpty() && member.isAnsi();
-    const std::optional<Text> why =
-        isWritable ? refusalOf(source.member)
-                   : Text{208, "its name has characters that no member's name can have"};
+    std::optional<Text> why = refusalOf(source.member);
+    if (member.isEmpty())
+      why = Text{211, "its name is none that a member can have (a $ in front begins a macro)"};
+    else if (!member.isAnsi())
+      why = Text{208, "its name has characters that no member's name can have"};
     if (!why) return {};
     return say(*why) + (source.path == L"-" ? say({209, "; give another --name"})
                                             : say({210, "; rename the file"}));

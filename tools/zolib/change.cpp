@@ -120,11 +120,14 @@ void rename(const Options& options, Report& report) {
   if (!session.openToWrite()) return;
   const std::wstring& from = options.names[0];
   std::wstring to = options.names[1];
+  const bool isMember = session->contains(ZoFileName(from));
+  while (!isMember && (to.ends_with(L'/') || to.ends_with(L'\\'))) to.pop_back();
+  const std::optional<Text> refusal = refusalOf(to);
+  to = memberName(to);  // "a/./b" is no name that a file can have
   std::vector<std::pair<ZoFileName, std::wstring>> renames;
-  if (session->contains(ZoFileName(from))) {
+  if (isMember) {
     renames.emplace_back(ZoFileName(from), to);
   } else {
-    while (to.ends_with(L'/') || to.ends_with(L'\\')) to.pop_back();
     const std::wstring folder = folded(from) + (folded(from).ends_with(L'/') ? L"" : L"/");
     for (const ZoLibEntry& entry : session.select(Session::kLive, {})) {
       const std::wstring_view name = entry.name.view();
@@ -135,8 +138,9 @@ void rename(const Options& options, Report& report) {
   if (renames.empty())
     report.fail(kNotFound, {109, "%1 has no member %2; `zolib list` shows what it has"},
                 session.name(), from);
-  if (const auto why = refusalOf(to)) {
-    report.fail(kFailed, {305, "cannot rename anything to %1: %2"}, options.names[1], say(*why));
+  if (refusal) {
+    report.fail(kFailed, {305, "cannot rename anything to %1: %2"}, options.names[1],
+                say(*refusal));
     renames.clear();
   }
   for (const auto& [name, newName] : renames) {

@@ -101,10 +101,33 @@ void Console::status(std::string_view utf8) {
   write(err_, true, line);
 }
 
+namespace {
+
+// A line that is typed; Ctrl-Z, or Ctrl-D, at the begin of one ends the input.
+bool readTyped(HANDLE input, char* buffer, DWORD size, DWORD& got) {
+  static bool s_ended = false;
+  std::wstring line(std::min<std::size_t>(size / 4, 2048), L'\0');  // 3 bytes a unit at most
+  DWORD count = 0;
+  if (s_ended) return true;
+  if (!ReadConsoleW(input, line.data(), static_cast<DWORD>(line.size()), &count, nullptr))
+    return false;
+  line.resize(count);
+  s_ended = count > 0 && (line[0] == L'\x1A' || line[0] == L'\x04');
+  if (s_ended) return true;
+  const std::string utf8 = toUtf8(line);
+  std::copy(utf8.begin(), utf8.end(), buffer);
+  got = static_cast<DWORD>(utf8.size());
+  return true;
+}
+
+}  // namespace
+
 bool readInput(void* buffer, DWORD size, DWORD& got) {
   got = 0;
-  return ReadFile(GetStdHandle(STD_INPUT_HANDLE), buffer, size, &got, nullptr) ||
-         GetLastError() == ERROR_BROKEN_PIPE || GetLastError() == ERROR_HANDLE_EOF;
+  const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+  if (isTerminal(input)) return readTyped(input, static_cast<char*>(buffer), size, got);
+  return ReadFile(input, buffer, size, &got, nullptr) || GetLastError() == ERROR_BROKEN_PIPE ||
+         GetLastError() == ERROR_HANDLE_EOF;
 }
 
 }  // namespace zolib

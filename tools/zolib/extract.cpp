@@ -31,7 +31,7 @@ class Extractor {
                    member, say(*why));
       return;
     }
-    const std::wstring target = joined(root_, member);
+    const std::wstring target = joined(root_, memberName(member));  // "a/./b" as a/b
     if (!options_.dryRun && !makeFolder(target)) return;
     if (keepsTarget(entry, target)) {
       report_.member(member, "kept");

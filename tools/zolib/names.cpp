@@ -25,6 +25,7 @@ std::vector<std::wstring_view> levelsOf(std::wstring_view path) {
 }  // namespace
 
 std::wstring shellPath(std::wstring_view path) {
+  if (path.starts_with(L'$')) return L"./" + std::wstring(path);  // no macro of a file name
   if (!path.starts_with(L'/') || path.starts_with(L"//")) return std::wstring(path);
   std::wstring root(GetEnvironmentVariableW(L"ZOLIB_ROOT", nullptr, 0), L'\0');
   root.resize(GetEnvironmentVariableW(L"ZOLIB_ROOT", root.data(), static_cast<DWORD>(root.size())));

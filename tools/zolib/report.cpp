@@ -118,18 +118,25 @@ std::string textOf(DWORD error) {
   return toUtf8({text, length});
 }
 
-}  // namespace
-
-std::string reason() {
-  std::string text = toUtf8(ZoSystem::fileSystem().errorTxt().view());
-  if (text == textOf(ERROR_SUCCESS)) return {};
-  if (text == textOf(ERROR_SHARING_VIOLATION)) return say({53, "another program has it open"});
+// As a part of a line.
+std::string trimmed(std::string text) {
   for (char& c : text) {
     if (c == '\r' || c == '\n') c = ' ';
   }
   while (text.ends_with(' ') || text.ends_with('.')) text.pop_back();
   return text;
 }
+
+}  // namespace
+
+std::string reason() {
+  const std::string text = toUtf8(ZoSystem::fileSystem().errorTxt().view());
+  if (text == textOf(ERROR_SUCCESS)) return {};
+  if (text == textOf(ERROR_SHARING_VIOLATION)) return say({53, "another program has it open"});
+  return trimmed(text);
+}
+
+bool isDamage(const std::string& reason) { return reason == trimmed(textOf(ERROR_FILE_CORRUPT)); }
 
 std::string because() {
   const std::string why = reason();

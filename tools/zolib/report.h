@@ -73,6 +73,8 @@ class Report {
 // forgetReason().
 void forgetReason();
 std::string reason();
+// Whether a reason is that a file is damaged.
+bool isDamage(const std::string& reason);
 // ": " and the reason, or else the text, if any.
 std::string because();
 std::string because(const Text& otherwise);

@@ -96,8 +96,25 @@ std::vector<ZoLibEntry> Session::select(Which which) {
   return select(which, names);
 }
 
+// Those of members, though they look like patterns: who names "[x]" does not mean "x" as well.
+std::unordered_set<std::wstring> Session::wholeNames(Which which,
+                                                     const std::vector<std::wstring>& names) {
+  std::unordered_set<std::wstring> alike, whole;
+  for (const std::wstring& name : names)
+    if (name.find_first_of(L"[{") != std::wstring::npos) alike.insert(folded(name));
+  if (alike.empty()) return whole;
+  static_cast<void>(library_.forEachEntry(  // a failure is that of the search that follows
+      [&](const ZoLibEntry& entry) {
+        const std::wstring name = folded(entry.name.view());
+        if (alike.contains(name)) whole.insert(name);
+        return !isCancelled();
+      },
+      which != kLive));
+  return whole;
+}
+
 std::vector<ZoLibEntry> Session::select(Which which, const std::vector<std::wstring>& names) {
-  Selection selection(names, options_.include, options_.exclude);
+  Selection selection(names, options_.include, options_.exclude, wholeNames(which, names));
   std::vector<ZoLibEntry> entries;
   forgetReason();
   const int code = library_.forEachEntry(
@@ -152,7 +169,8 @@ void Session::reportFailure(std::string_view what, int code, const std::string& 
   if (library_.wasCancelled() || isCancelled()) return report_.cancelled();
   // A change that is refused for a damage has a reason, too.
   const bool mayBeDamaged = why.empty() || (code == ZoResult::refused && library_.isWritable());
-  if (mayBeDamaged && options_.verb != "salvage" && library_.trailingBytes()) {
+  const bool isDamaged = isDamage(why) || (mayBeDamaged && library_.trailingBytes());
+  if (isDamaged && options_.verb != "salvage") {
     report_.fail(kDamaged, {112, "%1: %2 is damaged; get its members with `zolib salvage`"}, what,
                  shown_);
     return;

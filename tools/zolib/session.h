@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "options.h"
@@ -51,6 +52,7 @@ class Session {
   ZoLibrary& operator*() noexcept { return library_; }
 
  private:
+  std::unordered_set<std::wstring> wholeNames(Which which, const std::vector<std::wstring>& names);
   bool open(int access, ZoFile::CreationMode mode);
   bool checkMark();
 
