@@ -13,12 +13,14 @@
 #include <zo/files.h>
 #include <zo/text/containers/array.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -345,6 +347,63 @@ void packSdk(benchmark::State& state) {
   }
 }
 
+// As pack(), with so many threads that pack and one that adds, in order.
+void packByThreads(benchmark::State& state, unsigned threads) {
+  const std::vector<std::wstring> files = sources();
+  for (auto _ : state) {
+    std::vector<ZoPackedMember> packed(files.size());
+    std::vector<std::atomic<bool>> isPacked(files.size());
+    std::atomic<std::size_t> next = 0;
+    std::vector<std::thread> workers;
+    for (unsigned i = 0; i < threads; ++i) {
+      workers.emplace_back([&] {
+        ZoPacker packer;
+        for (std::size_t at; (at = next++) < files.size();) {
+          check(packer.pack(files[at].c_str(), packed[at], ZoLibrary::kCompress, ZoLibrary::kBest),
+                "pack");
+          isPacked[at] = true;
+          isPacked[at].notify_one();
+        }
+      });
+    }
+    ZoLibrary library;
+    check(library.open(folder()(L"threads.lib").c_str(), ZoFile::kReadWrite, ZoFile::kCreateAlways),
+          "open");
+    check(library.beginBatch(), "batch");
+    for (std::size_t at = 0; at < files.size(); ++at) {
+      isPacked[at].wait(false);
+      check(library.addFile(packed[at], std::to_wstring(at).c_str()), "add");
+      packed[at] = ZoPackedMember();
+    }
+    check(library.endBatch(), "batch");
+    for (std::thread& worker : workers) worker.join();
+  }
+}
+
+void verifyByThreads(benchmark::State& state, unsigned threads) {
+  const std::wstring path = packed();
+  for (auto _ : state) {
+    ZoLibrary library;
+    check(library.open(path.c_str()), "open");
+    std::vector<ZoLibEntry> entries;
+    const int code = library.forEachEntry([&](const ZoLibEntry& entry) {
+      entries.push_back(entry);
+      return true;
+    });
+    check(code, "entries");
+    std::atomic<std::size_t> next = 0;
+    std::vector<std::thread> workers;
+    for (unsigned i = 0; i < threads; ++i) {
+      workers.emplace_back([&] {
+        for (std::size_t at; (at = next++) < entries.size();) {
+          check(library.verify(entries[at]), "verify");
+        }
+      });
+    }
+    for (std::thread& worker : workers) worker.join();
+  }
+}
+
 void verifyAll(benchmark::State& state) {
   const std::wstring path = packed();
   for (auto _ : state) {
@@ -420,6 +479,10 @@ int registerAll() {
   add("Extract/10000_small/peer:create_and_rename", makeSmall);
   add("Pack/300_sources_best/ours", pack);
   add("Pack/300_sources_best/peer:SDK_flushed_once", packSdk);
+  add("PackByThreads/two/ours", [](auto& state) { packByThreads(state, 2); });
+  add("PackByThreads/two/peer:one_thread", pack);
+  add("ReadByThreads/two/ours", [](auto& state) { verifyByThreads(state, 2); });
+  add("ReadByThreads/two/peer:one_thread", verifyAll);
   add("Verify/300_sources_best/ours", verifyAll);
   add("Verify/300_sources_best/peer:SDK", decodeSdk);
   return 0;

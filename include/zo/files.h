@@ -12,6 +12,7 @@
 #include <zo/library/check_value.h>
 #include <zo/library/lib_file.h>
 #include <zo/library/library.h>
+#include <zo/library/packed_member.h>
 #include <zo/names/file_name.h>
 #include <zo/names/handle.h>
 #include <zo/names/name_results.h>

@@ -1,7 +1,6 @@
 // Adding members: their data goes straight into the library's file.
-#include <zo/persist/zip.h>
+#include <algorithm>
 
-#include "library/copy.h"
 #include "library/operations.h"
 #include "library/time_value.h"
 #include "platform/ansi.h"
@@ -9,81 +8,29 @@
 namespace zo {
 namespace {
 
-// What passes through on its way into the library: counted, reported, with its check value.
-class WatchedSource final : public ByteSource {
+// The room behind a new entry.
+class EntryData final : public PackTarget {
  public:
-  WatchedSource(MemberSource& source, Progress& progress) : source_(source), progress_(progress) {}
+  EntryData(Change& change, const RawEntry& entry)
+      : change_(change), begin_(entry.dataPosition()), sink_(change.dataOf(entry)) {}
 
-  Bytes next() noexcept override {
-    const Bytes piece = source_.next();
-    crc_ = crc32Update(crc_, piece);
-    size_ += piece.size();
-    return progress_.add(piece.size()) ? piece : Bytes();
+  bool write(Bytes bytes) noexcept override { return sink_.write(bytes); }
+  [[nodiscard]] std::uint64_t size() const override { return sink_.size(); }
+  [[nodiscard]] bool restart() noexcept override {
+    longest_ = std::max(longest_, size());
+    sink_.restart();
+    return true;
   }
-  [[nodiscard]] std::uint32_t crc() const { return ~crc_; }
-  [[nodiscard]] std::uint64_t size() const { return size_; }
-
- private:
-  MemberSource& source_;
-  Progress& progress_;
-  std::uint32_t crc_ = kCrcStart;
-  std::uint64_t size_ = 0;
-};
-
-// Writes the data of an entry and fills in what follows from it.
-class DataWriter {
- public:
-  DataWriter(Change& change, MemberSource& source, Progress& progress)
-      : change_(change), source_(source), progress_(progress) {}
-
-  bool write(RawEntry& entry, ZoLibrary::compMode mode, int level) {
-    // A container has no room for more.
-    const bool mayCompress = mode != ZoLibrary::kStore && source_.size() <= kMaxContent;
-    if (!mayCompress) return store(entry);
-    if (!compress(entry, level)) return false;
-    if (mode != ZoLibrary::kAutomatic || entry.record.storedSize < source_.size()) return true;
-    const std::uint64_t compressedEnd = entry.end();
-    // What is left of the compressed form must not become part of the file.
-    return source_.restart() && store(entry) && change_.shorten(compressedEnd, entry.end());
+  // What is left of a longer form must not become part of the file.
+  [[nodiscard]] bool finish() {
+    return longest_ <= size() || change_.shorten(begin_ + longest_, begin_ + size());
   }
 
  private:
-  bool compress(RawEntry& entry, int level) {
-    WatchedSource source(source_, progress_);
-    DiskSink sink = change_.dataOf(entry);
-    if (compressStream(source, source_.size(), levelOf(static_cast<unsigned>(level)), sink,
-                       &change_.codecMemory())) {
-      return false;
-    }
-    // Any other level is written as what it counts as.
-    const bool isKnown = level == ZoLibrary::kFast || level == ZoLibrary::kBest;
-    entry.record.mode = static_cast<std::uint16_t>(isKnown ? level : ZoLibrary::kNormal);
-    entry.record.flags = kIsCompressed;
-    fill(entry, source, sink);
-    entry.trailer = {.size = static_cast<std::uint32_t>(source.size()), .crc = source.crc()};
-    return true;
-  }
-
-  bool store(RawEntry& entry) {
-    WatchedSource source(source_, progress_);
-    DiskSink sink = change_.dataOf(entry);
-    if (!copyAll(source, sink) || source.size() != source_.size()) return false;
-    entry.record.mode = kStoredMode;
-    entry.record.flags = 0;
-    fill(entry, source, sink);
-    entry.trailer = {};
-    return true;
-  }
-
-  static void fill(RawEntry& entry, const WatchedSource& source, const DiskSink& sink) {
-    entry.record.storedSize = sink.size();
-    entry.record.size = source.size();
-    entry.record.crc = source.crc();
-  }
-
   Change& change_;
-  MemberSource& source_;
-  Progress& progress_;
+  std::uint64_t begin_;
+  DiskSink sink_;
+  std::uint64_t longest_ = 0;
 };
 
 // A member among the names of a batch: taken out again unless it is kept.
@@ -117,17 +64,18 @@ int loadReplaced(LibraryState& library, const NewMember& member, std::vector<Raw
 
 // Puts a member and what it replaces into a change that has begun. A failure leaves the change as
 // it was.
-int addTo(Change& change, LibraryState& library, RawEntry entry, MemberSource& source,
+int addTo(Change& change, LibraryState& library, RawEntry entry, NewContent& content,
           const NewMember& member) {
   std::vector<RawEntry> gone;
   if (const int code = loadReplaced(library, member, gone)) return code;
-  Progress watched = library.progress(source.size());
+  Progress watched = library.progress(content.size());
   entry.position = change.end();
   entry.record.number = change.nextNumber();
   member.times.storeIn(entry.record);
   entry.record.nameLength = static_cast<std::uint16_t>(entry.name.size());
+  EntryData data(change, entry);
   if (!watched.begin() || !change.reserve() ||
-      !DataWriter(change, source, watched).write(entry, member.mode, member.level) ||
+      !content.writeTo(data, watched, change.codecMemory(), entry) || !data.finish() ||
       !watched.finish()) {
     return ZoResult::refused;
   }
@@ -145,14 +93,14 @@ int addTo(Change& change, LibraryState& library, RawEntry entry, MemberSource& s
   return ZoResult::ok;
 }
 
-int addToBatch(LibraryState& library, RawEntry entry, MemberSource& source,
+int addToBatch(LibraryState& library, RawEntry entry, NewContent& content,
                const NewMember& member) {
   const bool isAgain = library.batch->members.findLive(member.name.view()) != nullptr;
   if (isAgain && !member.replaces) return ZoResult::memberExists;
   if (isAgain || library.batch->change.isFull()) {
     if (const int code = beginBatch(library)) return code;
   }
-  return addTo(library.batch->change, library, std::move(entry), source, member);
+  return addTo(library.batch->change, library, std::move(entry), content, member);
 }
 
 }  // namespace
@@ -163,19 +111,35 @@ bool encodeName(const ZoFileName& name, std::string& bytes) {
   return !bytes.empty() && bytes.size() <= kLargestName && fromMultiByte(bytes) == text;
 }
 
+bool timesOf(ZoFile& file, MemberTimes& times) {
+  if (file.handle() != INVALID_HANDLE_VALUE) {
+    return fileApi().times(file.handle(), &times.created, &times.accessed, &times.written) ||
+           reportFailure(L"times");
+  }
+  times = {.created = file.creationTime(),
+           .accessed = file.lastAccessTime(),
+           .written = file.lastWriteTime()};
+  return true;
+}
+
+bool PackedOnTheWay::writeTo(PackTarget& target, Progress& progress, ReusedMemory& memory,
+                             RawEntry& entry) {
+  return packMember(source_, mode_, level_, target, progress, memory, entry);
+}
+
 void MemberTimes::storeIn(EntryRecord& record) const noexcept {
   record.created = timeValue(created);
   record.accessed = timeValue(accessed);
   record.written = timeValue(written);
 }
 
-int addMember(LibraryState& library, MemberSource& source, const NewMember& member) {
+int addMember(LibraryState& library, NewContent& content, const NewMember& member) {
   RawEntry entry;
   if (!encodeName(member.name, entry.name)) return ZoResult::refused;
-  if (library.batch) return addToBatch(library, std::move(entry), source, member);
+  if (library.batch) return addToBatch(library, std::move(entry), content, member);
   Change change(library);
   if (const int code = change.begin()) return code;
-  if (const int code = addTo(change, library, std::move(entry), source, member)) return code;
+  if (const int code = addTo(change, library, std::move(entry), content, member)) return code;
   return change.commit();
 }
 

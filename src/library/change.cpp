@@ -57,6 +57,18 @@ void Change::patch(RawEntry entry) {
   patches_.push_back(std::move(entry));
 }
 
+bool Change::tryPatch(RawEntry entry) {
+  makeRoom(1);
+  patch(std::move(entry));
+  return fits();
+}
+
+bool Change::fits() {
+  if (patchBytes_ <= kLargestRedo - kRedoTail) return true;
+  SetLastError(ERROR_NOT_SUPPORTED);
+  return reportFailure(L"write");
+}
+
 // A stored member of another maker may hold by chance a number that this change gives out. It is
 // taken from it: with a number that is given out, its other hints would count as this library's,
 // and what could be read so far would count as damaged.
@@ -86,10 +98,7 @@ bool Change::appendRedo() {
   for (RawEntry& entry : patches_) {
     if (entry.position == marked_) entry.record.clear(kEndsScan);
   }
-  if (patchBytes_ > kLargestRedo - kRedoTail) {
-    SetLastError(ERROR_NOT_SUPPORTED);
-    return reportFailure(L"write");
-  }
+  if (!fits()) return false;
   const std::vector<unsigned char> data = encodeRedo(patches_);
   RawEntry redo{.position = end_, .record = {}, .name = std::string(kRedoName)};
   redo.record.storedSize = redo.record.size = data.size();

@@ -46,6 +46,8 @@ class Change {
   void makeRoom(std::size_t count);
   // Takes the place of the entry at that position, which may be one of the new ones.
   void patch(RawEntry entry);
+  // The same, refused when a redo has no room for it.
+  [[nodiscard]] bool tryPatch(RawEntry entry);
   // Whether it is time to commit: a redo has a largest size.
   [[nodiscard]] bool isFull() const { return patchBytes_ > kLargestRedo / 2; }
   [[nodiscard]] int commit();
@@ -74,6 +76,7 @@ class Change {
   static int finishRedo(LibraryState& library);
   static int cutTail(LibraryState& library);
 
+  [[nodiscard]] bool fits();
   [[nodiscard]] bool disownNumbers();
   [[nodiscard]] bool appendRedo();
   [[nodiscard]] bool writeHeader();

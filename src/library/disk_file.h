@@ -68,6 +68,8 @@ class DiskSink final : public ByteSink {
     return true;
   }
   [[nodiscard]] std::uint64_t size() const { return at_ - begin_; }
+  // Goes on from the begin, over what it wrote.
+  void restart() noexcept { at_ = begin_; }
 
  private:
   DiskFile& file_;

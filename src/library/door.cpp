@@ -164,7 +164,7 @@ int LibraryDoor::mayRun(Access access, std::initializer_list<const ZoFileName*> 
   if (access == Access::kKnow) return ZoResult::ok;
   if (!library_.isOpen()) return ZoResult::refused;
   for (const ZoFileName* const member : members) {
-    if (member->isURL()) return ZoResult::invalid;
+    if (member && member->isURL()) return ZoResult::invalid;
   }
   const bool lacks = access == Access::kWrite && !library_.isWritable();
   return lacks ? ZoResult::libraryReadOnly : ZoResult::ok;

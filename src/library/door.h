@@ -9,27 +9,15 @@
 #include <initializer_list>
 #include <memory>
 
+#include "library/files_lock.h"
 #include "library/state.h"
 
 namespace zo {
-
-// One operation on libraries at a time in a process.
-class FilesLock {
- public:
-  FilesLock() noexcept;
-  FilesLock(const FilesLock&) = delete;
-  FilesLock& operator=(const FilesLock&) = delete;
-  ~FilesLock();
-
- private:
-  bool taken_;  // not before zoComDllAttach
-};
 
 // What an operation does with a library, and so asks of it.
 enum class Access {
   kKnow,   // only what is known: it may be closed
   kRead,   // it is open
-  kRetry,  // the same; done once more when another process changed the file meanwhile
   kWrite,  // it is open for writing
 };
 
@@ -68,9 +56,7 @@ int run(const std::shared_ptr<LibraryDoor>& door, Access access,
   const FilesLock lock;
   const int refused = door ? door->mayRun(access, members) : ZoResult::refused;
   if (refused) return refused;
-  LibraryState& library = door->library_;
-  const auto once = [&]() -> int { return operation(library, arguments...); };
-  return access == Access::kRetry ? library.lookAgain(once) : once();
+  return operation(door->library_, arguments...);
 }
 
 }  // namespace zo

@@ -1,115 +1,121 @@
-// Changes of what is there: names, marks of deletion, times, the library's value.
+// Changes of what is there: marks of deletion, times, the library's value.
+#include "library/edit.h"
+
 #include <algorithm>
 
-#include "library/copy.h"
 #include "library/operations.h"
-#include "names/name_compare.h"
 
 namespace zo {
 namespace {
 
-// Puts the entries into the change as deleted ones.
+// The entries that a deletion takes.
+int collectDeleted(LibraryState& library, const MemberRef& member, ZoLibrary::Deletion how,
+                   std::vector<const IndexEntry*>& gone) {
+  std::vector<const IndexEntry*> found(1);
+  if (member.entry) {
+    if (const int code = findListed(library, *member.entry, found[0])) return code;
+    if (how == ZoLibrary::kByMark && !found[0]->record.isLive()) return ZoResult::refused;
+    if (how == ZoLibrary::kAllVersions)
+      found = library.index().all(library.index().name(*found[0]));
+  } else {
+    // All of that name: a further one would come to light.
+    found = how == ZoLibrary::kAllVersions ? library.index().all(member.name->view())
+                                           : library.index().allLive(member.name->view());
+  }
+  gone.insert(gone.end(), found.begin(), found.end());
+  return found.empty() ? notFound(library.scan().end) : ZoResult::ok;
+}
+
+void sortOut(std::vector<const IndexEntry*>& entries) {
+  std::sort(entries.begin(), entries.end());
+  entries.erase(std::unique(entries.begin(), entries.end()), entries.end());
+}
+
+// Brings members back, and hides those whose names they take.
+class Recovery {
+ public:
+  Recovery(LibraryState& library, Change& change, bool replaces)
+      : library_(library), change_(change), replaces_(replaces) {}
+
+  int add(const IndexEntry& found) {
+    if (found.record.isLive()) return ZoResult::refused;
+    const std::wstring_view name = library_.index().name(found);
+    if (const IndexEntry* const other = recovered_.findLive(name)) {
+      return other->position == found.position ? ZoResult::ok : ZoResult::memberExists;
+    }
+    const std::vector<const IndexEntry*> hidden = library_.index().allLive(name);
+    if (!hidden.empty() && !replaces_) return ZoResult::memberExists;
+    if (const int code = patchAsDeleted(change_, library_, hidden)) return code;
+    RawEntry entry;
+    if (!library_.load(found, entry)) return ZoResult::refused;
+    entry.record.clear(kIsDeleted);
+    recovered_.add(entry);
+    return change_.tryPatch(std::move(entry)) ? ZoResult::ok : ZoResult::refused;
+  }
+
+ private:
+  LibraryState& library_;
+  Change& change_;
+  bool replaces_;
+  LibraryIndex recovered_;
+};
+
+int findDeleted(LibraryState& library, const MemberRef& member, Versions which,
+                const IndexEntry*& found) {
+  if (member.entry) return findListed(library, *member.entry, found);
+  const std::wstring_view name = member.name->view();
+  found = which == Versions::kFirst ? library.index().findDeleted(name)
+                                    : library.index().findLatestDeleted(name);
+  if (found) return ZoResult::ok;
+  return library.index().findLive(name) ? ZoResult::memberExists : notFound(library.scan().end);
+}
+
+}  // namespace
+
 int patchAsDeleted(Change& change, LibraryState& library,
                    std::span<const IndexEntry* const> entries) {
   for (const IndexEntry* const found : entries) {
     RawEntry entry;
     if (!library.load(*found, entry)) return ZoResult::refused;
     entry.record.set(kIsDeleted);
-    change.patch(std::move(entry));
+    if (!change.tryPatch(std::move(entry))) return ZoResult::refused;
   }
   return ZoResult::ok;
 }
 
-int recover(Change& change, LibraryState& library, const IndexEntry& found) {
-  RawEntry entry;
-  if (!library.load(found, entry)) return ZoResult::refused;
-  entry.record.clear(kIsDeleted);
-  change.patch(std::move(entry));
-  return change.commit();
-}
-
-// A name of another length has no room where the old one stands: the entry is copied behind.
-int moveUnderName(Change& change, LibraryState& library, RawEntry old, RawEntry renamed) {
-  Progress watched = library.progress(old.record.storedSize);
-  renamed.position = change.end();
-  renamed.record.clear(kEndsScan);
-  DiskSink data = change.dataOf(renamed);
-  WatchedSink sink(data, watched);
-  if (!watched.begin() || !change.reserve() ||
-      !copyPart(library.bytes(), old.dataPosition(), old.record.storedSize, sink) ||
-      !watched.finish()) {
-    return ZoResult::refused;
-  }
-  RawEntry hidden = renamed;
-  hidden.record.set(kIsDeleted);
-  old.record.set(kIsDeleted);
-  change.patch(std::move(old));
-  change.patch(std::move(renamed));
-  return change.append(std::move(hidden)) ? change.commit() : ZoResult::refused;
-}
-
-}  // namespace
-
-int renameMember(LibraryState& library, const ZoFileName& member, const ZoFileName& newName) {
-  RawEntry renamed;
-  if (newName.isURL()) return ZoResult::invalid;
-  if (!encodeName(newName, renamed.name)) return ZoResult::refused;
-  Change change(library);
-  if (const int code = change.begin()) return code;
-  const std::vector<const IndexEntry*> found = library.index().allLive(member.view());
-  if (found.empty()) return notFound(library.scan().end);
-  const IndexEntry* const other = library.index().findLive(newName.view());
-  if (other && other != found.front()) return ZoResult::memberExists;
-
-  RawEntry old;
-  if (!library.load(*found.front(), old)) return ZoResult::refused;
-  renamed.record = old.record;
-  renamed.trailer = old.trailer;
-  renamed.record.nameLength = static_cast<std::uint16_t>(renamed.name.size());
-  // Further members of the name would come to light.
-  if (const int code = patchAsDeleted(change, library, std::span(found).subspan(1))) return code;
-  if (renamed.name.size() != old.name.size()) {
-    return moveUnderName(change, library, std::move(old), std::move(renamed));
-  }
-  renamed.position = old.position;
-  change.patch(std::move(renamed));
-  return change.commit();
-}
-
-int deleteMember(LibraryState& library, const ZoFileName& member, bool physically) {
+int deleteMembers(LibraryState& library, std::span<const MemberRef> members,
+                  ZoLibrary::Deletion how, std::size_t& at) {
+  at = members.size();
   Change change(library);
   if (const int code = change.begin()) return code;
   if (library.header().counter() == 0) return ZoResult::refused;  // it says that there is none
-  const std::vector<const IndexEntry*> found = library.index().allLive(member.view());
-  if (found.empty()) return notFound(library.scan().end);
-  // All of that name: a further one would come to light.
-  if (physically) {
-    return rewrite(library, change, [&](const IndexEntry& entry) {
-      return std::find(found.begin(), found.end(), &entry) != found.end();
-    });
+  std::vector<const IndexEntry*> gone;
+  for (std::size_t i = 0; i < members.size(); ++i) {
+    if (const int code = collectDeleted(library, members[i], how, gone)) return at = i, code;
   }
-  if (const int code = patchAsDeleted(change, library, found)) return code;
+  sortOut(gone);
+  if (how == ZoLibrary::kByMark) {
+    const int code = patchAsDeleted(change, library, gone);
+    return code ? code : change.commit();
+  }
+  return rewrite(library, change, [&](const IndexEntry& entry) {
+    return std::binary_search(gone.begin(), gone.end(), &entry);
+  });
+}
+
+int recoverMembers(LibraryState& library, std::span<const MemberRef> members, Versions which,
+                   bool replaces, std::size_t& at) {
+  at = members.size();
+  Change change(library);
+  if (const int code = change.begin()) return code;
+  Recovery recovery(library, change, replaces);
+  for (std::size_t i = 0; i < members.size(); ++i) {
+    const IndexEntry* found = nullptr;
+    int code = findDeleted(library, members[i], which, found);
+    if (!code) code = recovery.add(*found);
+    if (code) return at = i, code;
+  }
   return change.commit();
-}
-
-int recoverMember(LibraryState& library, const ZoFileName& member) {
-  Change change(library);
-  if (const int code = change.begin()) return code;
-  if (library.index().findLive(member.view())) return ZoResult::memberExists;
-  const IndexEntry* const found = library.index().findDeleted(member.view());
-  return found ? recover(change, library, *found) : notFound(library.scan().end);
-}
-
-int recoverEntry(LibraryState& library, const ZoLibEntry& wanted) {
-  Change change(library);
-  if (const int code = change.begin()) return code;
-  const LibraryIndex& index = library.index();
-  const IndexEntry* const found = index.at(wanted.position);
-  if (!found || found->record.isLive() || !equalNames(index.name(*found), wanted.name.view())) {
-    return ZoResult::refused;
-  }
-  if (index.findLive(wanted.name.view())) return ZoResult::memberExists;
-  return recover(change, library, *found);
 }
 
 int setTimes(LibraryState& library, std::uint64_t position, const MemberTimes& times) {
@@ -119,8 +125,7 @@ int setTimes(LibraryState& library, std::uint64_t position, const MemberTimes& t
   RawEntry entry;
   if (!found || !library.load(*found, entry)) return ZoResult::refused;
   times.storeIn(entry.record);
-  change.patch(std::move(entry));
-  return change.commit();
+  return change.tryPatch(std::move(entry)) ? change.commit() : ZoResult::refused;
 }
 
 int setValue(LibraryState& library, std::uint64_t value) {

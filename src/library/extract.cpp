@@ -3,7 +3,7 @@
 #include "files/replace_file.h"
 #include "library/copy.h"
 #include "library/operations.h"
-#include "library/read_member.h"
+#include "library/reading.h"
 #include "library/time_value.h"
 #include "platform/write_all.h"
 
@@ -48,27 +48,32 @@ class Target final : public ByteSink {
 
 }  // namespace
 
-int extractMember(LibraryState& library, const ZoFileName& member, const ZoFileName& target) {
-  RawEntry entry;
-  if (const int code = findMember(library, member, entry)) return code;
-  Progress watched = library.progress(entry.contentSize());
-  Target out(target);
-  if (!out.isOpen()) {
-    reportFailure(L"open");
+int extractMember(const std::shared_ptr<LibraryDoor>& door, const MemberRef& member,
+                  const ZoFileName& target) {
+  const auto find = [&](LibraryState& library, RawEntry& entry) {
+    return findMember(library, member, entry);
+  };
+  return readAside(door, {member.name, &target}, find, [&](Reading& reading) {
+    Target out(target);
+    if (!out.isOpen()) {
+      reportFailure(L"open");
+      return ZoResult::refused;
+    }
+    if (reading.into(out)) return ZoResult::refused;
+    if (out.commit(reading.entry().record)) return ZoResult::ok;
+    reportFailure(L"extract");
     return ZoResult::refused;
-  }
-  if (readMember(library, entry, out, watched)) return ZoResult::refused;
-  if (out.commit(entry.record)) return ZoResult::ok;
-  reportFailure(L"extract");
-  return ZoResult::refused;
+  });
 }
 
-int verifyEntry(LibraryState& library, const ZoLibEntry& entry) {
-  RawEntry raw;
-  if (const int code = findEntryAt(library, entry.position, raw)) return code;
-  Progress watched = library.progress(raw.contentSize());
-  NoSink sink(watched);
-  return readMember(library, raw, sink, watched);
+int verifyEntry(const std::shared_ptr<LibraryDoor>& door, const ZoLibEntry& entry) {
+  const auto find = [&](LibraryState& library, RawEntry& found) {
+    return findEntryAt(library, entry.position, found);
+  };
+  return readAside(door, {}, find, [](Reading& reading) {
+    NoSink sink(reading.progress());
+    return reading.into(sink);
+  });
 }
 
 }  // namespace zo

@@ -72,6 +72,13 @@ const FirstFind* findFirst(LibraryState& library, const ZoFileName& member) {
   return &kept.emplace(std::move(found));
 }
 
+// Whether an entry is the one that was listed, and not another that stands there now.
+bool isListed(const RawEntry& entry, const ZoLibEntry& wanted) {
+  const ZoFileName name(std::wstring_view(fromMultiByte(entry.name)));
+  return entry.record.number == wanted.number && entry.record.storedSize == wanted.storedSize &&
+         equalNames(name.view(), wanted.name.view());
+}
+
 }  // namespace
 
 int notFound(ScanEnd end) {
@@ -97,6 +104,19 @@ int findMember(LibraryState& library, const ZoFileName& member, RawEntry& entry)
   }
 }
 
+int findMember(LibraryState& library, const MemberRef& member, RawEntry& entry) {
+  if (member.name) return findMember(library, *member.name, entry);
+  if (const int code = findEntryAt(library, member.entry->position, entry)) return code;
+  return isListed(entry, *member.entry) ? ZoResult::ok : ZoResult::refused;
+}
+
+int findListed(LibraryState& library, const ZoLibEntry& wanted, const IndexEntry*& found) {
+  found = library.index().at(wanted.position);
+  RawEntry entry;
+  const bool isThere = found && library.load(*found, entry) && isListed(entry, wanted);
+  return isThere ? ZoResult::ok : ZoResult::refused;
+}
+
 int findEntryAt(LibraryState& library, std::uint64_t position, RawEntry& entry) {
   DiskFile::Signature now;
   const std::optional<FirstFind>& kept = library.firstFind;
@@ -112,14 +132,25 @@ int findEntryAt(LibraryState& library, std::uint64_t position, RawEntry& entry) 
 
 ZoLibEntry describe(const LibraryState& library, const IndexEntry& entry) {
   ZoLibEntry result = describe(library, entry.position, entry.record, entry.trailer);
+  result.ordinal = library.index().ordinal(entry);
   result.name = library.index().name(entry);
   return result;
 }
 
 ZoLibEntry describe(const LibraryState& library, const RawEntry& entry) {
   ZoLibEntry result = describe(library, entry.position, entry.record, entry.trailer);
+  result.ordinal = entry.ordinal;
   result.name = std::wstring_view(fromMultiByte(entry.name));
   return result;
+}
+
+int visitVersions(LibraryState& library, const ZoFileName& member,
+                  const std::function<bool(const ZoLibEntry&)>& visit) {
+  if (const int code = library.refresh()) return code;
+  for (const IndexEntry* const entry : library.index().all(member.view())) {
+    if (!visit(describe(library, *entry))) break;
+  }
+  return ZoResult::ok;
 }
 
 int visitEntries(LibraryState& library, const std::function<bool(const ZoLibEntry&)>& visit,

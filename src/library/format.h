@@ -132,6 +132,7 @@ struct RawEntry {
   EntryRecord record = {};
   std::string name;             // record.nameLength bytes of the ANSI code page
   ContentTrailer trailer = {};  // zeros for data that is not compressed
+  std::uint64_t ordinal = 0;    // among the entries with a name, from 1; 0 where that is not known
 
   [[nodiscard]] std::uint64_t dataPosition() const { return position + kRecordSize + name.size(); }
   [[nodiscard]] std::uint64_t end() const { return dataPosition() + record.storedSize; }

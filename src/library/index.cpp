@@ -104,25 +104,51 @@ bool LibraryIndex::isNamed(const IndexEntry& entry, std::wstring_view wanted,
   return entry.hash == hash && equalNames(name(entry), wanted);
 }
 
-std::vector<const IndexEntry*> LibraryIndex::allLive(std::wstring_view wanted) const {
-  std::vector<const IndexEntry*> found;
+template <class Visitor>
+void LibraryIndex::visitNamed(std::wstring_view wanted, const Visitor& visit) const {
   const std::size_t hash = hashName(wanted);
   for (std::size_t number = newest(hash); number; number = entries_[number - 1].before) {
     const IndexEntry& entry = entries_[number - 1];
-    if (entry.record.isLive() && isNamed(entry, wanted, hash)) found.push_back(&entry);
+    if (isNamed(entry, wanted, hash) && !visit(entry)) return;
   }
+}
+
+std::vector<const IndexEntry*> LibraryIndex::all(std::wstring_view wanted) const {
+  std::vector<const IndexEntry*> found;
+  visitNamed(wanted, [&](const IndexEntry& entry) {
+    found.push_back(&entry);
+    return true;
+  });
   std::reverse(found.begin(), found.end());
+  return found;
+}
+
+std::vector<const IndexEntry*> LibraryIndex::allLive(std::wstring_view wanted) const {
+  std::vector<const IndexEntry*> found = all(wanted);
+  std::erase_if(found, [](const IndexEntry* entry) { return !entry->record.isLive(); });
   return found;
 }
 
 const IndexEntry* LibraryIndex::findFirst(std::wstring_view wanted, bool isLive) const {
   const IndexEntry* first = nullptr;
-  const std::size_t hash = hashName(wanted);
-  for (std::size_t number = newest(hash); number; number = entries_[number - 1].before) {
-    const IndexEntry& entry = entries_[number - 1];
-    if (entry.record.isLive() == isLive && isNamed(entry, wanted, hash)) first = &entry;
-  }
+  visitNamed(wanted, [&](const IndexEntry& entry) {
+    if (entry.record.isLive() == isLive) first = &entry;
+    return true;
+  });
   return first;
+}
+
+const IndexEntry* LibraryIndex::findLatestDeleted(std::wstring_view wanted) const {
+  const IndexEntry* latest = nullptr;
+  visitNamed(wanted, [&](const IndexEntry& entry) {
+    if (!entry.record.isLive()) latest = &entry;
+    return !latest;
+  });
+  return latest;
+}
+
+const IndexEntry* LibraryIndex::nth(std::uint64_t ordinal) const {
+  return ordinal - 1 < entries_.size() ? &entries_[static_cast<std::size_t>(ordinal - 1)] : nullptr;
 }
 
 const IndexEntry* LibraryIndex::at(std::uint64_t position) const {

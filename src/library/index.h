@@ -44,12 +44,23 @@ class LibraryIndex {
   [[nodiscard]] const IndexEntry* findDeleted(std::wstring_view wanted) const {
     return findFirst(wanted, false);
   }
+  [[nodiscard]] const IndexEntry* findLatestDeleted(std::wstring_view wanted) const;
+  // In the order of the file.
   [[nodiscard]] std::vector<const IndexEntry*> allLive(std::wstring_view wanted) const;
+  [[nodiscard]] std::vector<const IndexEntry*> all(std::wstring_view wanted) const;
   [[nodiscard]] const IndexEntry* at(std::uint64_t position) const;
+  // Which of them it is, from 1; null for none.
+  [[nodiscard]] const IndexEntry* nth(std::uint64_t ordinal) const;
+  [[nodiscard]] std::uint64_t ordinal(const IndexEntry& entry) const {
+    return static_cast<std::uint64_t>(&entry - entries_.data()) + 1;
+  }
   // No stored member has a larger one.
   [[nodiscard]] std::uint32_t largestNumber() const { return largestNumber_; }
 
  private:
+  // From the newest to the oldest of a name, until the visitor returns false.
+  template <class Visitor>
+  void visitNamed(std::wstring_view wanted, const Visitor& visit) const;
   [[nodiscard]] const IndexEntry* findFirst(std::wstring_view wanted, bool isLive) const;
   [[nodiscard]] std::size_t& bucket(std::size_t hash) noexcept;
   [[nodiscard]] std::size_t newest(std::size_t hash) const;

@@ -53,7 +53,6 @@ void ZoLibFile::cancel() {
 ZoFileImp* ZoLibFile::clone() const { return new ZoLibFile(*this); }
 
 ZoFileImp* ZoLibFile::cloneFor(unsigned int access) const {
-  const FilesLock lock;
   const bool onlyReads = !(access & static_cast<unsigned int>(ZoFile::kWrite));
   return new ZoLibFile(member_ && onlyReads ? member_->again() : nullptr);
 }

@@ -1,15 +1,16 @@
 // The public class: each operation goes through the library's door.
 #include <zo/library/lib_file.h>
 #include <zo/library/library.h>
+#include <zo/library/packed_member.h>
 #include <zo/text/containers/sequence.h>
 
 #include <algorithm>
 #include <utility>
 
 #include "library/door.h"
-#include "library/file_source.h"
 #include "library/member.h"
 #include "library/operations.h"
+#include "library/packed_content.h"
 #include "library/tail.h"
 
 using zo::Access;
@@ -17,14 +18,20 @@ using zo::FilesLock;
 using zo::LibraryDoor;
 using zo::LibraryMember;
 using zo::LibraryState;
+using zo::MemberRef;
+using zo::MemberTimes;
+using zo::Renaming;
 using zo::run;
+using zo::Versions;
 
 namespace {
 
-int addFrom(LibraryState& library, ZoFile& source, zo::NewMember member) {
+int addFrom(LibraryState& library, ZoFile& source, zo::NewMember member, ZoLibrary::compMode mode,
+            int level) {
   zo::FileSource bytes(source);
   if (!bytes.isReadable() || !zo::timesOf(source, member.times)) return ZoResult::refused;
-  return zo::addMember(library, bytes, member);
+  zo::PackedOnTheWay content(bytes, mode, level);
+  return zo::addMember(library, content, member);
 }
 
 // A library that was moved from gets a new one.
@@ -32,6 +39,43 @@ LibraryDoor& doorOf(std::shared_ptr<LibraryDoor>& door) {
   const FilesLock lock;
   if (!door) door = std::make_shared<LibraryDoor>();
   return *door;
+}
+
+MemberRef refTo(const ZoFileName& member) { return {.name = &member, .entry = nullptr}; }
+MemberRef refTo(const ZoLibEntry& entry) { return {.name = nullptr, .entry = &entry}; }
+Renaming refTo(const ZoLibRename& renaming) {
+  return {.member = renaming.entry ? refTo(*renaming.entry) : refTo(renaming.member),
+          .newName = renaming.newName};
+}
+bool isURL(const MemberRef& member) { return member.name && member.name->isURL(); }
+bool isURL(const Renaming& renaming) { return isURL(renaming.member); }
+
+// An operation on all of the members or none.
+template <class Member, class Operation, class... Arguments>
+int changeAll(const std::shared_ptr<LibraryDoor>& door, std::span<const Member> members,
+              std::size_t* refused, const Operation& operation, const Arguments&... arguments) {
+  std::vector<decltype(refTo(members[0]))> refs;
+  refs.reserve(members.size());
+  for (const Member& member : members) refs.push_back(refTo(member));
+  std::size_t at = members.size();
+  const int code = run(door, Access::kWrite, {}, [&](LibraryState& library) -> int {
+    if (refs.empty()) return ZoResult::ok;
+    const auto url = std::ranges::find_if(refs, [](const auto& ref) { return isURL(ref); });
+    at = static_cast<std::size_t>(url - refs.begin());
+    return url != refs.end() ? ZoResult::invalid : operation(library, refs, arguments..., at);
+  });
+  if (refused) *refused = at;
+  return code;
+}
+
+// The same for one member by name, which is looked at before the library is.
+template <class Operation, class Ref, class... Arguments>
+int changeOne(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& member,
+              const Operation& operation, const Ref& ref, const Arguments&... arguments) {
+  return run(door, Access::kWrite, {&member}, [&](LibraryState& library) {
+    std::size_t at = 0;
+    return operation(library, std::span(&ref, 1), arguments..., at);
+  });
 }
 
 // What the header of an open library says; 0 when it cannot be asked.
@@ -98,14 +142,22 @@ int ZoLibrary::addFile(const ZoFileName& source, const ZoFileName& member, bool 
                   ZoFile::kSequential)) {
       return ZoResult::refused;
     }
-    return addFrom(library, file, {member, {}, replace, mode, level});
+    return addFrom(library, file, {member, {}, replace}, mode, level);
   });
 }
 
 int ZoLibrary::addFile(ZoFile& source, const ZoFileName& member, bool replace, compMode mode,
                        int level) {
   return run(core_, Access::kWrite, {&member}, [&](LibraryState& library) {
-    return addFrom(library, source, {member, {}, replace, mode, level});
+    return addFrom(library, source, {member, {}, replace}, mode, level);
+  });
+}
+
+int ZoLibrary::addFile(ZoPackedMember& packed, const ZoFileName& member, bool replace) {
+  return run(core_, Access::kWrite, {&member}, [&](LibraryState& library) -> int {
+    if (packed.isEmpty()) return ZoResult::refused;
+    const MemberTimes times{packed.created(), packed.accessed(), packed.written()};
+    return zo::addMember(library, *packed.content_, {member, times, replace});
   });
 }
 
@@ -120,30 +172,28 @@ int ZoLibrary::cancelBatch() {
 }
 
 int ZoLibrary::extractFile(const ZoFileName& member, const ZoFileName& target) {
-  return run(core_, Access::kRetry, {&member, &target}, zo::extractMember, member, target);
+  return zo::extractMember(core_, refTo(member), target);
 }
 
 int ZoLibrary::renameFile(const ZoFileName& member, const ZoFileName& newName) {
-  return run(core_, Access::kWrite, {&member}, zo::renameMember, member, newName);
+  const Renaming renaming{.member = refTo(member), .newName = newName};
+  return changeOne(core_, member, zo::renameMembers, renaming);
 }
 
 int ZoLibrary::deleteFile(const ZoFileName& member, bool physically) {
-  return run(core_, Access::kWrite, {&member}, zo::deleteMember, member, physically);
+  return changeOne(core_, member, zo::deleteMembers, refTo(member),
+                   physically ? kPhysically : kByMark);
 }
 
 int ZoLibrary::recoverFile(const ZoFileName& member) {
-  return run(core_, Access::kWrite, {&member}, zo::recoverMember, member);
-}
-
-int ZoLibrary::recoverFile(const ZoLibEntry& entry) {
-  return run(core_, Access::kWrite, {}, zo::recoverEntry, entry);
+  return changeOne(core_, member, zo::recoverMembers, refTo(member), Versions::kFirst, false);
 }
 
 int ZoLibrary::getFile(ZoFile& file, const ZoFileName& member, int access, compMode mode) {
-  const FilesLock lock;
   std::shared_ptr<LibraryMember> opened;
-  const int code = access & ZoFile::kWrite ? LibraryMember::openToWrite(core_, member, mode, opened)
-                                           : LibraryMember::openToRead(core_, member, opened);
+  const int code = access & ZoFile::kWrite
+                       ? LibraryMember::openToWrite(core_, member, mode, opened)
+                       : LibraryMember::openToRead(core_, refTo(member), opened);
   return code ? code : file.setImpObj(new ZoLibFile(std::move(opened)));
 }
 
@@ -155,6 +205,57 @@ int ZoLibrary::getCFile(std::FILE** stream, const ZoFileName& member, int access
   if (const int code = getFile(file, member, access, mode)) return code;
   *stream = file.getCFileHandle(false, false);
   return *stream ? ZoResult::ok : ZoResult::refused;
+}
+
+// ---- Members by entry ----
+
+int ZoLibrary::extractFile(const ZoLibEntry& entry, const ZoFileName& target) {
+  return zo::extractMember(core_, refTo(entry), target);
+}
+
+int ZoLibrary::renameFile(const ZoLibEntry& entry, const ZoFileName& newName) {
+  const ZoLibRename one{.member = {}, .newName = newName, .entry = &entry};
+  return renameFiles(std::span(&one, 1));
+}
+
+int ZoLibrary::deleteFile(const ZoLibEntry& entry, bool physically) {
+  return deleteFiles(std::span(&entry, 1), physically ? kPhysically : kByMark);
+}
+
+int ZoLibrary::recoverFile(const ZoLibEntry& entry, bool replace) {
+  return recoverFiles(std::span(&entry, 1), replace);
+}
+
+int ZoLibrary::getFile(ZoFile& file, const ZoLibEntry& entry) {
+  std::shared_ptr<LibraryMember> opened;
+  const int code = LibraryMember::openToRead(core_, refTo(entry), opened);
+  return code ? code : file.setImpObj(new ZoLibFile(std::move(opened)));
+}
+
+// ---- Many members in one step ----
+
+int ZoLibrary::deleteFiles(std::span<const ZoFileName> members, Deletion how,
+                           std::size_t* refused) {
+  return changeAll(core_, members, refused, zo::deleteMembers, how);
+}
+
+int ZoLibrary::deleteFiles(std::span<const ZoLibEntry> entries, Deletion how,
+                           std::size_t* refused) {
+  return changeAll(core_, entries, refused, zo::deleteMembers, how);
+}
+
+int ZoLibrary::recoverFiles(std::span<const ZoFileName> members, bool replace,
+                            std::size_t* refused) {
+  return changeAll(core_, members, refused, zo::recoverMembers, Versions::kLatest, replace);
+}
+
+int ZoLibrary::recoverFiles(std::span<const ZoLibEntry> entries, bool replace,
+                            std::size_t* refused) {
+  return changeAll(core_, entries, refused, zo::recoverMembers, Versions::kLatest, replace);
+}
+
+int ZoLibrary::renameFiles(std::span<const ZoLibRename> renamings, std::size_t* refused) {
+  return changeAll(core_, renamings, refused, zo::renameMembers);
 }
 
 // ---- What is there ----
@@ -187,6 +288,21 @@ int ZoLibrary::getEntry(const ZoFileName& member, ZoLibEntry& entry) {
     entry = zo::describe(library, raw);
     return ZoResult::ok;
   });
+}
+
+int ZoLibrary::getEntry(std::uint64_t ordinal, ZoLibEntry& entry) {
+  return run(core_, Access::kRead, {}, [&](LibraryState& library) -> int {
+    if (const int code = library.refresh()) return code;
+    const zo::IndexEntry* const found = library.index().nth(ordinal);
+    if (!found) return ZoResult::refused;
+    entry = zo::describe(library, *found);
+    return ZoResult::ok;
+  });
+}
+
+int ZoLibrary::forEachVersion(const ZoFileName& member,
+                              const std::function<bool(const ZoLibEntry&)>& visit) {
+  return run(core_, Access::kRead, {&member}, zo::visitVersions, member, visit);
 }
 
 bool ZoLibrary::contains(const ZoFileName& member) {
@@ -229,9 +345,7 @@ std::uint64_t ZoLibrary::trailingBytes() {
   return bytes;
 }
 
-int ZoLibrary::verify(const ZoLibEntry& entry) {
-  return run(core_, Access::kRetry, {}, zo::verifyEntry, entry);
-}
+int ZoLibrary::verify(const ZoLibEntry& entry) { return zo::verifyEntry(core_, entry); }
 
 int ZoLibrary::salvageInto(ZoLibrary& target,
                            const std::function<bool(const ZoLibEntry&, int code)>& report) {

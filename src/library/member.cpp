@@ -1,53 +1,13 @@
 #include "library/member.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
-#include "files/buffered_file.h"
-#include "library/file_source.h"
-#include "library/read_member.h"
+#include "library/reading.h"
 #include "library/time_value.h"
 
 namespace zo {
 namespace {
-
-constexpr std::size_t kMostMemory = std::size_t{64} << 20;
-
-// Gone with its last handle.
-bool openTemporary(ZoFile& file) {
-  ZoFileName name;
-  return file.createTemp(name, ZoFile::kReadWrite, ZoFile::kCreateNew, ZoFile::kShareNone,
-                         ZoFile::kTemporary | ZoFile::kDeleteOnClose) == ZoResult::ok;
-}
-
-// Into memory, or into a file when it is too much for that.
-class ContentSink final : public ByteSink {
- public:
-  ContentSink(std::vector<unsigned char>& memory, ZoFile& file) : memory_(memory), file_(file) {}
-
-  bool write(Bytes bytes) noexcept override {
-    try {
-      if (!file_.isOpen()) {
-        if (memory_.size() + bytes.size() <= kMostMemory) {
-          memory_.insert(memory_.end(), bytes.begin(), bytes.end());
-          return true;
-        }
-        if (!openTemporary(file_) || !store(memory_)) return false;
-        std::vector<unsigned char>().swap(memory_);
-      }
-      return store(bytes);
-    } catch (const std::bad_alloc&) {
-      return false;
-    }
-  }
-
- private:
-  bool store(Bytes bytes) { return writeAll(file_, bytes.data(), bytes.size()) == bytes.size(); }
-
-  std::vector<unsigned char>& memory_;
-  ZoFile& file_;
-};
 
 bool isSet(FILETIME time) { return time.dwLowDateTime != 0 || time.dwHighDateTime != 0; }
 
@@ -57,15 +17,20 @@ LibraryMember::LibraryMember(std::shared_ptr<LibraryDoor> door, LibraryState& li
                              const ZoFileName& name)
     : door_(std::move(door)), library_(library), name_(name.deepCopy()), place_(library) {}
 
-int LibraryMember::openToRead(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& name,
+int LibraryMember::openToRead(const std::shared_ptr<LibraryDoor>& door, const MemberRef& wanted,
                               std::shared_ptr<LibraryMember>& opened) {
-  return run(door, Access::kRetry, {&name}, [&](LibraryState& library) {
-    const std::shared_ptr<LibraryMember> member(new LibraryMember(door, library, name));
-    if (const int missing = findMember(library, name, member->place_.entry)) return missing;
-    if (!member->load()) return ZoResult::refused;
-    opened = member;
-    return ZoResult::ok;
+  std::shared_ptr<LibraryMember> member;
+  const auto find = [&](LibraryState& library, RawEntry& entry) {
+    if (const int missing = findMember(library, wanted, entry)) return missing;
+    member.reset(new LibraryMember(door, library, wanted.name ? *wanted.name : wanted.entry->name));
+    member->place_.entry = entry;
+    return int{ZoResult::ok};
+  };
+  const int code = readAside(door, {wanted.name}, find, [&](Reading& reading) {
+    return member->load(reading) ? ZoResult::ok : ZoResult::refused;
   });
+  if (code == ZoResult::ok) opened = std::move(member);
+  return code;
 }
 
 int LibraryMember::openToWrite(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& name,
@@ -82,23 +47,23 @@ int LibraryMember::openToWrite(const std::shared_ptr<LibraryDoor>& door, const Z
 }
 
 // What is stored stays in the library; anything else comes out of it at once.
-bool LibraryMember::load() {
-  const RawEntry& entry = place_.entry;
-  if (!entry.record.has(kIsCompressed)) {
-    return !entry.record.contradictsItself(library_.header().counter());
-  }
-  ContentSink sink(memory_, file_);
-  Progress watched = library_.progress(entry.contentSize());
-  if (readMember(library_, entry, sink, watched)) return false;
-  kind_ = file_.isOpen() ? Kind::kInFile : Kind::kInMemory;
-  return true;
+bool LibraryMember::load(Reading& reading) {
+  if (!reading.entry().record.has(kIsCompressed)) return !reading.contradictsItself();
+  kind_ = Kind::kUnpacked;
+  return reading.into(unpacked_) == ZoResult::ok;
 }
 
 std::shared_ptr<LibraryMember> LibraryMember::again() const {
-  if (isWriting() || !isUsable()) return nullptr;
-  const std::shared_ptr<LibraryMember> member(new LibraryMember(door_, library_, name_));
-  member->place_.entry = place_.entry;
-  return member->load() ? member : nullptr;
+  std::shared_ptr<LibraryMember> member;
+  std::unique_ptr<Reading> reading;
+  {
+    const FilesLock lock;
+    if (isWriting() || !isUsable()) return nullptr;
+    member.reset(new LibraryMember(door_, library_, name_));
+    member->place_.entry = place_.entry;
+    reading = std::make_unique<Reading>(door_, library_, place_.entry);
+  }
+  return member->load(*reading) ? member : nullptr;
 }
 
 int LibraryMember::finish() {
@@ -108,13 +73,10 @@ int LibraryMember::finish() {
   FileSource source(file_);
   MemberTimes all;
   if (!timesOf(file_, all)) return ZoResult::refused;
-  const NewMember member{.name = name_,
-                         .times = withThoseSet(all),
-                         .replaces = true,
-                         .mode = mode_,
-                         .level = ZoLibrary::kNormal};
+  const NewMember member{.name = name_, .times = withThoseSet(all), .replaces = true};
+  PackedOnTheWay content(source, mode_, ZoLibrary::kNormal);
   const int code = run(door_, Access::kWrite, {&name_},
-                       [&](LibraryState& library) { return addMember(library, source, member); });
+                       [&](LibraryState& library) { return addMember(library, content, member); });
   file_.cancel();  // what it held has its place now
   return code;
 }
@@ -131,24 +93,24 @@ std::int64_t LibraryMember::size() {
   switch (kind_) {
     case Kind::kStored:
       return static_cast<std::int64_t>(place_.entry.record.storedSize);
-    case Kind::kInMemory:
-      return static_cast<std::int64_t>(memory_.size());
+    case Kind::kUnpacked:
+      return static_cast<std::int64_t>(unpacked_.size());
     default:
       return file_.size();
   }
 }
 
 unsigned int LibraryMember::read(void* buffer, unsigned int count) {
-  if (kind_ == Kind::kInFile || kind_ == Kind::kWritten) return file_.read(buffer, count);
+  if (kind_ == Kind::kWritten) return file_.read(buffer, count);
   const std::int64_t rest = size() - position_;
   if (rest <= 0) return 0;
   count = static_cast<unsigned int>(std::min<std::int64_t>(count, rest));
-  if (kind_ == Kind::kInMemory) {
-    std::memcpy(buffer, memory_.data() + position_, count);
-  } else {
-    const auto at = place_.entry.dataPosition() + static_cast<std::uint64_t>(position_);
-    if (!library_.bytes().read(at, {static_cast<unsigned char*>(buffer), count})) return 0;
-  }
+  const std::span<unsigned char> to(static_cast<unsigned char*>(buffer), count);
+  const auto at = static_cast<std::uint64_t>(position_);
+  const bool isRead = kind_ == Kind::kUnpacked
+                          ? unpacked_.read(at, to)
+                          : library_.bytes().read(place_.entry.dataPosition() + at, to);
+  if (!isRead) return 0;
   position_ += count;
   return count;
 }
@@ -161,7 +123,7 @@ unsigned int LibraryMember::write(const void* data, unsigned int count) {
 }
 
 std::int64_t LibraryMember::seek(std::int64_t offset, ZoFile::MoveMethod method) {
-  if (kind_ == Kind::kInFile || kind_ == Kind::kWritten) return file_.seek(offset, method);
+  if (kind_ == Kind::kWritten) return file_.seek(offset, method);
   std::int64_t base = 0;
   if (method == ZoFile::kCurrent) base = position_;
   if (method == ZoFile::kEnd) base = size();
@@ -181,7 +143,7 @@ int LibraryMember::setEndOfFile() {
 // ---- Times ----
 
 MemberTimes LibraryMember::times() {
-  if (!file_.isOpen() || kind_ == Kind::kInFile) {
+  if (kind_ != Kind::kWritten) {
     const EntryRecord& record = place_.entry.record;
     return {.created = fileTime(record.created),
             .accessed = fileTime(record.accessed),

@@ -2,20 +2,23 @@
 //
 // What it does to the library goes through the library's door.
 //
-// Threads: under the process-wide lock, which the callers hold.
+// Threads: under the process-wide lock, which the callers hold but to open it and to open it again.
 #pragma once
 
 #include <memory>
 
 #include "library/door.h"
 #include "library/operations.h"
+#include "library/spool.h"
 
 namespace zo {
+
+class Reading;
 
 class LibraryMember {
  public:
   // Opens a member of the library behind the door; answers a code of zo/library/library.h.
-  static int openToRead(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& name,
+  static int openToRead(const std::shared_ptr<LibraryDoor>& door, const MemberRef& wanted,
                         std::shared_ptr<LibraryMember>& opened);
   static int openToWrite(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& name,
                          ZoLibrary::compMode mode, std::shared_ptr<LibraryMember>& opened);
@@ -46,10 +49,11 @@ class LibraryMember {
   [[nodiscard]] bool copyTo(ZoFile& file);
 
  private:
-  enum class Kind { kStored, kInMemory, kInFile, kWritten };
+  enum class Kind { kStored, kUnpacked, kWritten };
+  static constexpr std::size_t kMostMemory = std::size_t{64} << 20;
 
   LibraryMember(std::shared_ptr<LibraryDoor> door, LibraryState& library, const ZoFileName& name);
-  [[nodiscard]] bool load();
+  [[nodiscard]] bool load(Reading& reading);
   [[nodiscard]] MemberTimes withThoseSet(MemberTimes times) const;
 
   std::shared_ptr<LibraryDoor> door_;
@@ -58,8 +62,8 @@ class LibraryMember {
   Kind kind_ = Kind::kStored;
   MemberPlace place_;
   std::int64_t position_ = 0;
-  std::vector<unsigned char> memory_;
-  ZoFile file_;  // the content, or what is written
+  Spool unpacked_{kMostMemory};
+  ZoFile file_;  // what is written
   ZoLibrary::compMode mode_ = ZoLibrary::kCompress;
   bool isIncomplete_ = false;  // a write failed
   bool isDropped_ = false;

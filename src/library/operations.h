@@ -5,14 +5,29 @@
 // Errors:  the codes of zo/library/library.h; permission was asked for before.
 #pragma once
 
+#include <memory>
+#include <span>
+
 #include "library/change.h"
+#include "library/pack.h"
 #include "library/state.h"
 
 namespace zo {
 
+class LibraryDoor;
+
+// A member as its caller tells of it: by a name, or by an entry that was listed.
+struct MemberRef {
+  const ZoFileName* name = nullptr;
+  const ZoLibEntry* entry = nullptr;
+};
+
 // ---- find.cpp ----
 // Finds a live member. The entry is as it stands in the file now.
 int findMember(LibraryState& library, const ZoFileName& member, RawEntry& entry);
+int findMember(LibraryState& library, const MemberRef& member, RawEntry& entry);
+// The entry that was listed, in the index as it is; 1 when it is not there any more.
+int findListed(LibraryState& library, const ZoLibEntry& wanted, const IndexEntry*& found);
 // The entry at a position.
 int findEntryAt(LibraryState& library, std::uint64_t position, RawEntry& entry);
 // The answer when a search that came to that end found nothing.
@@ -22,6 +37,8 @@ int findEntryAt(LibraryState& library, std::uint64_t position, RawEntry& entry);
 [[nodiscard]] ZoLibEntry describe(const LibraryState& library, const RawEntry& entry);
 int visitEntries(LibraryState& library, const std::function<bool(const ZoLibEntry&)>& visit,
                  bool withDeleted);
+int visitVersions(LibraryState& library, const ZoFileName& member,
+                  const std::function<bool(const ZoLibEntry&)>& visit);
 
 // ---- add.cpp ----
 // A name's bytes; false for one that has none.
@@ -31,33 +48,62 @@ struct MemberTimes {
   FILETIME created{}, accessed{}, written{};
   void storeIn(EntryRecord& record) const noexcept;
 };
-// Bytes of a new member, which can be asked for once more.
-class MemberSource : public ByteSource {
+// With one question where the file is one of the platform; false when that is not answered.
+[[nodiscard]] bool timesOf(ZoFile& file, MemberTimes& times);
+// The data of a new member.
+class NewContent {
  public:
-  [[nodiscard]] virtual std::uint64_t size() const = 0;
-  [[nodiscard]] virtual bool restart() = 0;
+  virtual ~NewContent() = default;
+  [[nodiscard]] virtual std::uint64_t size() const = 0;  // of the member itself
+  // Writes the data, and fills in what the entry says of them.
+  [[nodiscard]] virtual bool writeTo(PackTarget& target, Progress& progress, ReusedMemory& memory,
+                                     RawEntry& entry) = 0;
+};
+class PackedOnTheWay final : public NewContent {
+ public:
+  PackedOnTheWay(MemberSource& source, ZoLibrary::compMode mode, int level)
+      : source_(source), mode_(mode), level_(level) {}
+  [[nodiscard]] std::uint64_t size() const override { return source_.size(); }
+  [[nodiscard]] bool writeTo(PackTarget& target, Progress& progress, ReusedMemory& memory,
+                             RawEntry& entry) override;
+
+ private:
+  MemberSource& source_;
+  ZoLibrary::compMode mode_;
+  int level_;
 };
 struct NewMember {
   const ZoFileName& name;
   MemberTimes times;
   bool replaces;
-  ZoLibrary::compMode mode;
-  int level;
 };
-int addMember(LibraryState& library, MemberSource& source, const NewMember& member);
+int addMember(LibraryState& library, NewContent& content, const NewMember& member);
 int beginBatch(LibraryState& library);  // endBatch: library/change.h
 
 // ---- edit.cpp ----
-int renameMember(LibraryState& library, const ZoFileName& member, const ZoFileName& newName);
-int deleteMember(LibraryState& library, const ZoFileName& member, bool physically);
-int recoverMember(LibraryState& library, const ZoFileName& member);
-int recoverEntry(LibraryState& library, const ZoLibEntry& wanted);
+// All of the members or none. `at` is then the one that was refused, or their number.
+int deleteMembers(LibraryState& library, std::span<const MemberRef> members,
+                  ZoLibrary::Deletion how, std::size_t& at);
+enum class Versions { kFirst, kLatest };  // which of a name's deleted members comes back
+int recoverMembers(LibraryState& library, std::span<const MemberRef> members, Versions which,
+                   bool replaces, std::size_t& at);
 int setTimes(LibraryState& library, std::uint64_t position, const MemberTimes& times);
 int setValue(LibraryState& library, std::uint64_t value);
 
+// ---- rename.cpp ----
+struct Renaming {
+  MemberRef member;
+  const ZoFileName& newName;
+};
+// All of the members or none, as above. They change names at the same instant, so that two may swap
+// them.
+int renameMembers(LibraryState& library, std::span<const Renaming> renamings, std::size_t& at);
+
 // ---- extract.cpp ----
-int extractMember(LibraryState& library, const ZoFileName& member, const ZoFileName& target);
-int verifyEntry(LibraryState& library, const ZoLibEntry& entry);
+// These read without keeping others waiting (library/reading.h).
+int extractMember(const std::shared_ptr<LibraryDoor>& door, const MemberRef& member,
+                  const ZoFileName& target);
+int verifyEntry(const std::shared_ptr<LibraryDoor>& door, const ZoLibEntry& entry);
 
 // ---- rewrite.cpp ----
 // Makes the file one without the entries that `drops` names, in one step, by a change that has

@@ -8,30 +8,35 @@
 namespace zo {
 namespace {
 
-int readStored(LibraryState& library, const RawEntry& entry, ByteSink& out) {
+int readStored(ByteStore& bytes, std::uint32_t counter, const RawEntry& entry, ByteSink& out) {
   CheckedSink sink(&out);
-  if (!copyPart(library.bytes(), entry.dataPosition(), entry.record.storedSize, sink)) {
+  if (!copyPart(bytes, entry.dataPosition(), entry.record.storedSize, sink)) {
     return ZoResult::refused;
   }
-  const bool isChecked = entry.record.protectsStored(library.header().counter());
+  const bool isChecked = entry.record.protectsStored(counter);
   return isChecked && sink.crc() != entry.record.crc ? ZoZip::checkMismatch : ZoResult::ok;
 }
 
-int readCompressed(LibraryState& library, const RawEntry& entry, ByteSink& out) {
-  MemberData data(library.bytes(), entry);
+int readCompressed(ByteStore& bytes, const RawEntry& entry, ByteSink& out) {
+  MemberData data(bytes, entry);
   return explodeStream(data, out);
 }
 
 }  // namespace
 
-int readMember(LibraryState& library, const RawEntry& entry, ByteSink& out, Progress& watched) {
+int readContent(ByteStore& bytes, std::uint32_t counter, const RawEntry& entry, ByteSink& out,
+                Progress& watched) {
   WatchedSink sink(out, watched);
   if (!watched.begin()) return ZoResult::refused;
-  if (entry.record.contradictsItself(library.header().counter())) return ZoZip::checkMismatch;
-  const int code = entry.record.has(kIsCompressed) ? readCompressed(library, entry, sink)
-                                                   : readStored(library, entry, sink);
+  if (entry.record.contradictsItself(counter)) return ZoZip::checkMismatch;
+  const int code = entry.record.has(kIsCompressed) ? readCompressed(bytes, entry, sink)
+                                                   : readStored(bytes, counter, entry, sink);
   if (code == ZoResult::refused) return code;
   return watched.finish() ? code : ZoResult::refused;
+}
+
+int readMember(LibraryState& library, const RawEntry& entry, ByteSink& out, Progress& watched) {
+  return readContent(library.bytes(), library.header().counter(), entry, out, watched);
 }
 
 bool isProtected(const LibraryState& library, const EntryRecord& record) {

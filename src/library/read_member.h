@@ -8,6 +8,9 @@
 
 namespace zo {
 
+// Of the library's bytes; `counter` is its header's.
+int readContent(ByteStore& bytes, std::uint32_t counter, const RawEntry& entry, ByteSink& out,
+                Progress& watched);
 int readMember(LibraryState& library, const RawEntry& entry, ByteSink& out, Progress& watched);
 
 // Whether a damage of the data can be told, other than by sizes that contradict each other.

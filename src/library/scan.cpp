@@ -120,6 +120,7 @@ ScanResult scanEntries(ByteStore& store, std::uint64_t size, const EntryVisitor&
   EntryReader reader(window);
   ScanResult result;
   RawEntry entry;
+  std::uint64_t named = 0;
   while (result.position < size) {
     result.end = reader.read(result.position, entry);
     if (result.end != ScanEnd::kFileEnd) return result;
@@ -135,6 +136,7 @@ ScanResult scanEntries(ByteStore& store, std::uint64_t size, const EntryVisitor&
       }
     }
     entry.trailer = trailerOf(window, entry);
+    if (!entry.name.empty()) entry.ordinal = ++named;
     if (!entry.name.empty() && !visit(entry)) result.end = ScanEnd::kStopped;
     if (isMarked && result.end == ScanEnd::kFileEnd) result.end = ScanEnd::kMark;
     if (result.end != ScanEnd::kFileEnd) return result;

@@ -10,9 +10,13 @@ LibraryState::LibraryState() = default;
 LibraryState::~LibraryState() { batch.reset(); }  // it takes back what it wrote
 
 MemberPlace::MemberPlace(LibraryState& library) : library_(library) {
+  const FilesLock lock;
   library.places.push_back(this);
 }
-MemberPlace::~MemberPlace() { std::erase(library_.places, this); }
+MemberPlace::~MemberPlace() {
+  const FilesLock lock;
+  std::erase(library_.places, this);
+}
 
 bool LibraryState::release() noexcept {
   const bool closed = file_.close();
@@ -34,6 +38,7 @@ bool LibraryState::load(const IndexEntry& from, RawEntry& entry) {
   entry.record = decodeRecord(std::span(bytes).first<kRecordSize>());
   entry.name.assign(bytes.begin() + kRecordSize, bytes.end());
   entry.trailer = from.trailer;
+  entry.ordinal = index_.ordinal(from);
   return true;
 }
 
@@ -53,16 +58,6 @@ int LibraryState::refresh() {
     if (code && indexed_ == now) break;
   }
   return code;
-}
-
-int LibraryState::lookAgain(const std::function<int()>& work) {
-  for (int attempt = 1;; ++attempt) {
-    DiskFile::Signature before, after;
-    if (!isWritable_ && !file_.look(before)) return ZoResult::refused;
-    const int code = work();
-    if (!code || isWritable_ || watch.isCancelled || attempt == kAttempts) return code;
-    if (!file_.look(after) || before == after) return code;
-  }
 }
 
 int LibraryState::readHeader() {

@@ -24,8 +24,8 @@ namespace zo {
 struct Batch;
 class LibraryState;
 
-// A member that is open as a file: where its entry stands, also after the library's file was
-// rewritten.
+// A member that is open as a file, or being read: where its entry stands, also after the library's
+// file was rewritten. It comes and goes under the process-wide lock, which it takes.
 class MemberPlace {
  public:
   explicit MemberPlace(LibraryState& library);
@@ -80,9 +80,6 @@ class LibraryState {
   void forgetIndex() noexcept { isIndexed_ = false; }
   // An entry as it stands in the file.
   [[nodiscard]] bool load(const IndexEntry& from, RawEntry& entry);
-  // Does a reader's work, and once more when another process has changed the file meanwhile.
-  int lookAgain(const std::function<int()>& work);
-
   [[nodiscard]] Progress progress(std::uint64_t total) { return Progress(watch, total); }
 
   static constexpr int kAttempts = 8;  // to read what another process changes all the time

@@ -343,29 +343,147 @@ TEST_F(LibraryTest, ReadsWhateverAFileHolds) {
   }
 }
 
-TEST_F(LibraryTest, RecoversAnyOfTheDeletedMembersOfAName) {
+namespace {
+
+std::vector<ZoLibEntry> entriesOf(ZoLibrary& library) {
+  std::vector<ZoLibEntry> all;
+  EXPECT_EQ(library.forEachEntry(
+                [&](const ZoLibEntry& entry) {
+                  all.push_back(entry);
+                  return true;
+                },
+                true),
+            0);
+  return all;
+}
+
+std::string contentOf(ZoLibrary& library, const ZoLibEntry& entry) {
+  ZoFile file;
+  char bytes[100];
+  if (library.getFile(file, entry)) return "?";
+  return {bytes, file.read(bytes, sizeof bytes)};
+}
+
+}  // namespace
+
+// Versions of a name, a name that is no file's, and one with a zero at its end.
+TEST_F(LibraryTest, TakesAnyMemberByItsEntry) {
+  const std::string noName("a\x01:b\0", 5);
+  put(path_, header().replace(20, 1, 1, 1) + HandMade{.name = noName, .data = "odd"}.bytes() +
+                 HandMade{.name = "twin", .data = "1"}.bytes() +
+                 HandMade{.name = "TWIN", .data = "2"}.bytes());
   ZoLibrary library;
   ASSERT_EQ(openForWriting(library), 0);
-  std::vector<ZoLibEntry> deleted;
   for (const char* const content : {"first", "second", "third"}) {
-    ASSERT_EQ(add(library, L"a", content), 0);
-    ASSERT_EQ(library.deleteFile(L"a"), 0);
+    ASSERT_EQ(add(library, L"a", content, true), 0);
   }
-  ASSERT_EQ(add(library, L"b", "b"), 0);
-  const auto keep = [&](const ZoLibEntry& entry) {
-    deleted.push_back(entry);
-    return true;
-  };
-  ASSERT_EQ(library.forEachEntry(keep, true), 0);
-  EXPECT_EQ(library.recoverFile(L"a"), 0);
-  EXPECT_EQ(contentOf(library, L"a"), "first");
-  EXPECT_EQ(library.recoverFile(deleted[1]), 1001);
-  ASSERT_EQ(library.deleteFile(L"a"), 0);
-  EXPECT_EQ(library.recoverFile(deleted[1]), 0);
+  const std::vector<ZoLibEntry> all = entriesOf(library);
+  std::string versions;
+  ASSERT_EQ(library.forEachVersion(L"A",
+                                   [&](const ZoLibEntry& entry) {
+                                     versions += contentOf(library, entry) + ' ';
+                                     return contentOf(library, entry) != "third";
+                                   }),
+            0);
+  EXPECT_EQ(versions, "first second third ");
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    ZoLibEntry entry, found;
+    EXPECT_EQ(all[i].ordinal, i + 1);
+    ASSERT_EQ(library.getEntry(i + 1, entry), 0);
+    EXPECT_EQ(entry.position, all[i].position);
+    if (entry.isDeleted()) continue;
+    ZoLibrary other;  // which has no index yet
+    if (entry.name != L"twin" && !entry.name.isEmpty() && other.open(path_) == 0 &&
+        other.getEntry(entry.name, found) == 0) {
+      EXPECT_EQ(found.ordinal, i + 1);
+    }
+  }
+  ZoLibEntry none;
+  EXPECT_EQ(library.getEntry(0, none), 1);
+  EXPECT_EQ(library.getEntry(all.size() + 1, none), 1);
+
+  EXPECT_EQ(contentOf(library, all[0]) + contentOf(library, all[2]), "odd2");
+  EXPECT_EQ(library.extractFile(all[3], name(L"out")), 0);
+  EXPECT_EQ(bytesOf(name(L"out")), "first");
+  EXPECT_EQ(library.recoverFile(all[3]), 1001);
+  EXPECT_EQ(library.recoverFile(all[4], true), 0);
   EXPECT_EQ(contentOf(library, L"a"), "second");
-  EXPECT_EQ(library.recoverFile(deleted[3]), 1) << "not deleted";
-  deleted[2].name = L"c";
-  EXPECT_EQ(library.recoverFile(deleted[2]), 1) << "not that one";
+  EXPECT_EQ(library.recoverFile(all[4]), 1) << "not deleted";
+  EXPECT_EQ(library.deleteFile(all[5]), 1) << "deleted already";
+  EXPECT_EQ(library.deleteFile(all[5], true), 0);
+  EXPECT_EQ(library.deleteFile(all[5], true), 1) << "not there any more";
+  ZoLibEntry wrong = all[3];
+  wrong.name = L"c";
+  EXPECT_EQ(library.recoverFile(wrong), 1) << "not that one";
+  EXPECT_EQ(library.renameFile(all[1], L"Twin"), 1001);
+  EXPECT_EQ(library.renameFile(all[1], L"twin 1"), 0);
+  EXPECT_EQ(library.renameFile(all[0], L"typed"), 0);
+  EXPECT_EQ(names(library), (Names{L"typed", L"TWIN", L"a", L"twin 1"}));
+  EXPECT_EQ(library.deleteFiles(std::span<const ZoLibEntry>(&all[4], 1), ZoLibrary::kAllVersions),
+            0);
+  EXPECT_EQ(library.reorganize(), 0);
+  EXPECT_EQ(names(library, true), (Names{L"typed", L"TWIN", L"twin 1"}));
+  EXPECT_EQ(contentOf(library, L"twin 1") + contentOf(library, L"typed"), "1odd");
+}
+
+TEST_F(LibraryTest, ChangesManyMembersOrNone) {
+  ZoLibrary library;
+  ASSERT_EQ(openForWriting(library), 0);
+  for (const std::string member : {"a", "b", "c", "c", "gone", "gone"}) {
+    const std::string content = member + std::to_string(library.counter() + 1);
+    ASSERT_EQ(add(library, std::wstring(member.begin(), member.end()), content, true), 0);
+  }
+  ASSERT_EQ(library.deleteFile(L"gone"), 0);
+  const auto before = [] { return Names{L"a", L"b", L"-c", L"c", L"-gone", L"-gone"}; };
+  using List = std::vector<ZoFileName>;
+  using Pairs = std::vector<ZoLibRename>;
+  std::size_t at = 99;
+  const auto remove = [&](const List& list) { return library.deleteFiles(list, {}, &at); };
+  const auto recover = [&](const List& list) { return library.recoverFiles(list, false, &at); };
+  const auto rename = [&](const Pairs& pairs) { return library.renameFiles(pairs, &at); };
+  const struct {
+    const char* what;
+    std::function<int()> call;
+    int code;
+    std::size_t at;
+  } refusals[] = {
+      {"delete what is not there", [&] { return remove({L"a", L"x", L"b"}); }, 1, 1},
+      {"delete a URL", [&] { return remove({L"a", L"http://host/b"}); }, 3, 1},
+      {"recover what is live", [&] { return recover({L"gone", L"c"}); }, 1001, 1},
+      {"recover what is not there", [&] { return recover({L"x", L"gone"}); }, 1, 0},
+      {"rename to what stays", [&] { return rename({{L"a", L"x"}, {L"b", L"C"}}); }, 1001, 1},
+      {"rename two alike", [&] { return rename({{L"a", L"x"}, {L"b", L"X"}}); }, 1001, 1},
+      {"rename one twice", [&] { return rename({{L"a", L"x"}, {L"A", L"y"}}); }, 1, 0},
+      {"rename what is not there", [&] { return rename({{L"x", L"y"}}); }, 1, 0},
+      {"rename to nothing", [&] { return rename({{L"a", L"b"}, {L"b", L""}}); }, 1, 1},
+      {"rename to a URL", [&] { return rename({{L"a", L"http://host/b"}}); }, 3, 0},
+  };
+  for (const auto& row : refusals) {
+    SCOPED_TRACE(row.what);
+    EXPECT_EQ(row.call(), row.code);
+    EXPECT_EQ(at, row.at);
+    EXPECT_EQ(names(library, true), before());
+  }
+  const auto contents = [&](const List& list) {
+    std::string all;
+    for (const ZoFileName& member : list) all += contentOf(library, member);
+    return all;
+  };
+  // They swap names, by moving and without, and a case changes.
+  EXPECT_EQ(rename({{L"a", L"b"}, {L"b", L"a"}, {L"c", L"C"}}), 0);
+  EXPECT_EQ(contents({L"a", L"b", L"C"}), "b2a1c4");
+  EXPECT_EQ(rename({{L"a", L"long"}, {L"b", L"a"}, {L"C", L"b"}}), 0);
+  EXPECT_EQ(contents({L"long", L"a", L"b"}), "b2a1c4");
+  EXPECT_EQ(remove({L"A", L"a", L"b"}), 0);
+  EXPECT_EQ(at, 3u);
+  EXPECT_EQ(names(library), (Names{L"long"}));
+  // The one of each that was added last comes back.
+  EXPECT_EQ(recover({L"gone", L"a", L"GONE"}), 0);
+  EXPECT_EQ(contents({L"gone", L"a"}), "gone6b2");
+  EXPECT_EQ(library.deleteFiles(List{L"gone", L"long"}, ZoLibrary::kAllVersions), 0);
+  EXPECT_EQ(recover({}) + remove({}) + rename({}), 0);
+  EXPECT_EQ(names(library), (Names{L"a"}));
+  EXPECT_EQ(recover({L"gone"}), 1);
 }
 
 TEST_F(LibraryTest, WhoReadsMakesAndEmptiesNothing) {

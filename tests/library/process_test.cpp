@@ -10,12 +10,31 @@ using namespace zo::test;
 
 namespace {
 
+// Members of a folder, deleted, recovered or moved into another one, all in one step.
+int performOnMany(ZoLibrary& library, unsigned what) {
+  std::vector<ZoLibEntry> entries;
+  std::vector<ZoLibRename> renamings;
+  const auto keep = [&](const ZoLibEntry& entry) {
+    if (entry.isDeleted() == (what == 1)) entries.push_back(entry);
+    return true;
+  };
+  if (const int code = library.forEachEntry(keep, true)) return code;
+  if (what == 0) return library.deleteFiles(entries);
+  if (what == 1) return library.recoverFiles(entries, true);
+  for (const ZoLibEntry& entry : entries) {
+    const std::wstring name = entry.name.fullName();
+    const bool isMoved = name.starts_with(L"moved/");
+    renamings.push_back({{}, (isMoved ? name.substr(6) : L"moved/" + name).c_str(), &entry});
+  }
+  return library.renameFiles(renamings);
+}
+
 int perform(ZoLibrary& library, const std::wstring& folder, unsigned seed) {
   std::mt19937 random(seed);
   const ZoFileName source((folder + L"\\source").c_str());
   const std::wstring member = L"member" + std::to_wstring(random() % 5);
   const std::wstring other = L"member" + std::to_wstring(random() % 12);
-  switch (random() % 8) {
+  switch (random() % 12) {
     case 0:
       return library.deleteFile(member.c_str(), random() % 3 == 0);
     case 1:
@@ -24,6 +43,10 @@ int perform(ZoLibrary& library, const std::wstring& folder, unsigned seed) {
       return library.recoverFile(member.c_str());
     case 3:
       return library.reorganize();
+    case 8:
+    case 9:
+    case 10:
+      return performOnMany(library, random() % 3);
     case 4:
       return library.extractFile(member.c_str(), (folder + L"\\target").c_str());
     default:

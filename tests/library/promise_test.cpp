@@ -64,6 +64,15 @@ int addBatch(ZoLibrary& library) {
   return code ? code : library.endBatch();
 }
 
+// Each takes the name of another, one of them moves for it, and what is in the way goes.
+int renameAll(ZoLibrary& library) {
+  const ZoLibRename renamings[] = {
+      {L"member", L"nested"}, {L"nested", L"the last one"}, {L"last", L"member"}};
+  return library.renameFiles(renamings);
+}
+
+const ZoFileName kSome[] = {L"member", L"last", L"nested"};
+
 int salvage(ZoLibrary& library) {
   ZoLibrary damaged;
   if (const int code = damaged.open(L"M:\\nested")) return code;
@@ -88,6 +97,17 @@ const std::vector<Operation>& operations() {
       {"delete physically", [](ZoLibrary& library) { return library.deleteFile(L"member", true); }},
       {"delete the last", [](ZoLibrary& library) { return library.deleteFile(L"last", true); }},
       {"reorganize", [](ZoLibrary& library) { return library.reorganize(); }},
+      {"rename many", renameAll},
+      {"delete many", [](ZoLibrary& library) { return library.deleteFiles(kSome); }},
+      {"delete all versions",
+       [](ZoLibrary& library) {
+         return library.deleteFiles(std::span(kSome, 1), ZoLibrary::kAllVersions);
+       }},
+      {"recover many",
+       [](ZoLibrary& library) {
+         const ZoFileName gone[] = {L"pad", L"g\x00F6ne"};
+         return library.recoverFiles(gone, true);
+       }},
       {"set the value", [](ZoLibrary& library) { return library.setCheckSum(0x0123456789ABCDEF); }},
       {"set a time", [](ZoLibrary& library) { return setTimesOf(library, L"member"); }},
       {"write a member", writeMember},

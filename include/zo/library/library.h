@@ -25,7 +25,10 @@
 //          platform is to be had from the file-system service's errorTxt(). Nothing throws but
 //          std::bad_alloc, and then nothing is changed.
 // Threads: any, also on one object: one call runs at a time in a process, and others wait for it,
-//          isOpen() and name() too; but nobody waits for an open() that waits for another writer.
+//          isOpen() and name() too; but nobody waits for an open() that waits for another writer,
+//          and hardly for who reads a member (extractFile, verify, getFile): that goes on beside
+//          all others, so that as many threads as there are processors read one library. Packing on
+//          all of them: zo/library/packed_member.h. The library starts no threads.
 //          Only moving and destroying are for one thread. The thread that opened a library for
 //          writing closes it (the platform ties the lock to it). Other processes read while one
 //          writes.
@@ -41,13 +44,16 @@
 #include <zo/library/library_results.h>
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <span>
 
 template <class T>
 class ZoSequence;
+class ZoPackedMember;
 
 namespace zo {
 class LibraryDoor;
@@ -58,14 +64,15 @@ class ZO_COM_API ZoLibrary {
   enum compMode : unsigned int {
     kStore = 0,
     kCompress = 1,
-    kAutomatic = 2,  // compressed, unless that is no smaller
+    kAutomatic = 2,  // compressed, unless that is no smaller; by samples where it is large
   };
   // How hard a member is compressed; anything else counts as normal. They reach the file.
   static constexpr int kFast = 1024, kNormal = 2048, kBest = 4096;
 
   // Called before a long call begins, within it at intervals of at most some hundred KiB, and at
   // its end; bytes of the members (reorganize: of the file). False cancels the call, which then
-  // answers 1 and leaves everything as it was; so does an exception.
+  // answers 1 and leaves everything as it was; so does an exception. It is called on the thread of
+  // its call, for one call at a time.
   using Watcher = std::function<bool(std::uint64_t done, std::uint64_t total)>;
 
   ZoLibrary();
@@ -97,13 +104,16 @@ class ZO_COM_API ZoLibrary {
   [[nodiscard]] ZoFileName name() const;  // as it was opened; empty when closed
 
   // ---- Members ----
-  // Adds a file with its three times. `replace` lets it take the place of a live member of that
+  // Adds a file with its three times. What is read of it counts, if its size was another one, as
+  // that of a log that grows. `replace` lets it take the place of a live member of that
   // name, which is refused otherwise. `level` is kFast, kNormal or kBest.
   [[nodiscard]] int addFile(const ZoFileName& source, const ZoFileName& member,
                             bool replace = false, compMode mode = kCompress, int level = kNormal);
   // The same from a file object, from its position to its end.
   [[nodiscard]] int addFile(ZoFile& source, const ZoFileName& member, bool replace = false,
                             compMode mode = kCompress, int level = kNormal);
+  // The same of one that was packed before (zo/library/packed_member.h), which stays as it is.
+  [[nodiscard]] int addFile(ZoPackedMember& packed, const ZoFileName& member, bool replace = false);
   template <class Source, class Replace, class Mode = compMode, class Level = int>
     requires(!std::same_as<Replace, bool> || !std::same_as<Level, int>)
   int addFile(Source&&, const ZoFileName&, Replace, Mode = kCompress,
@@ -129,9 +139,6 @@ class ZO_COM_API ZoLibrary {
   // Undoes a deletion by mark, of the first deleted member of that name. 1001 when a live member
   // has the name.
   [[nodiscard]] int recoverFile(const ZoFileName& member);
-  // The same for one of several deleted members of a name: an entry as forEachEntry gives it. 1
-  // when it is no deleted member.
-  [[nodiscard]] int recoverFile(const ZoLibEntry& entry);
   // Opens a member as a file object (zo/library/lib_file.h): to read it, or with kWrite in access
   // to write it anew; it is then added, replacing what has the name, when close() is called. `mode`
   // is how it is added, with kNormal as the level.
@@ -149,6 +156,41 @@ class ZO_COM_API ZoLibrary {
     requires(!ZoFile::kMayBe<Access, ZoFile::Access>)
   int getCFile(std::FILE**, const ZoFileName&, Access,
                compMode = kCompress) = delete;  // the access comes first, then the compMode
+
+  // ---- Members by entry ----
+  // The same for the one member whose entry was listed: live or deleted, one of several of a name,
+  // or one whose name is none. 1 when that entry is not there any more, or not in that state.
+  [[nodiscard]] int extractFile(const ZoLibEntry& entry, const ZoFileName& target);
+  [[nodiscard]] int renameFile(const ZoLibEntry& entry, const ZoFileName& newName);
+  [[nodiscard]] int deleteFile(const ZoLibEntry& entry, bool physically = false);
+  // `replace` lets it take the place of a live member of that name, which becomes deleted.
+  [[nodiscard]] int recoverFile(const ZoLibEntry& entry, bool replace = false);
+  [[nodiscard]] int getFile(ZoFile& file, const ZoLibEntry& entry);  // for reading
+
+  // ---- Many members in one step ----
+  // Each changes all of the members, or none of them after a refusal, a kill or a loss of power.
+  // `refused` gets the place of the one that could not be changed, or their number. A member that
+  // is named twice counts once; only a second new name for it is refused. One step has room for 16
+  // MiB of records and names, some 180,000 members of usual names; with more it is refused and the
+  // platform's reason is that it is not supported. Physical deletion has no such limit.
+  enum Deletion {
+    kByMark,       // recoverFile brings it back
+    kPhysically,   // and its space is free
+    kAllVersions,  // physically, with what was deleted by mark under its name
+  };
+  [[nodiscard]] int deleteFiles(std::span<const ZoFileName> members, Deletion how = kByMark,
+                                std::size_t* refused = nullptr);
+  [[nodiscard]] int deleteFiles(std::span<const ZoLibEntry> entries, Deletion how = kByMark,
+                                std::size_t* refused = nullptr);
+  // Of each name the member that was added last. `replace` as above; 1001 without it.
+  [[nodiscard]] int recoverFiles(std::span<const ZoFileName> members, bool replace = false,
+                                 std::size_t* refused = nullptr);
+  [[nodiscard]] int recoverFiles(std::span<const ZoLibEntry> entries, bool replace = false,
+                                 std::size_t* refused = nullptr);
+  // At the same instant: members may take each other's names. Who renames a folder of members gives
+  // all that are in it.
+  [[nodiscard]] int renameFiles(std::span<const ZoLibRename> renamings,
+                                std::size_t* refused = nullptr);
 
   // ---- What is there ----
   // Adds the names to the sequence, and the times of the last change and the sizes of the members
@@ -170,6 +212,12 @@ class ZO_COM_API ZoLibrary {
                    WithDeleted) = delete;  // bool withDeleted
   // A live member's entry.
   [[nodiscard]] int getEntry(const ZoFileName& member, ZoLibEntry& entry);
+  // The entry of a member, live or deleted, by its ordinal.
+  [[nodiscard]] int getEntry(std::uint64_t ordinal, ZoLibEntry& entry);
+  // Visits all entries of one name, live and deleted, from the oldest to the newest: its versions.
+  // No call on this library from within.
+  [[nodiscard]] int forEachVersion(const ZoFileName& member,
+                                   const std::function<bool(const ZoLibEntry&)>& visit);
   [[nodiscard]] bool contains(const ZoFileName& member);
 
   // ---- The file as a whole ----
@@ -205,7 +253,8 @@ class ZO_COM_API ZoLibrary {
 
   // ---- Long calls ----
   void onProgress(Watcher watcher);
-  [[nodiscard]] bool wasCancelled() const;  // the last call that could be
+  // The last call that could be; of several at once, any of them.
+  [[nodiscard]] bool wasCancelled() const;
 
  private:
   std::shared_ptr<zo::LibraryDoor> core_;  // shared with the members that are open as files

@@ -1,4 +1,5 @@
-// What a library says of one member: its entry, with the fields named.
+// What a library says of one member: its entry, with the fields named. Calls on members take an
+// entry in the place of a name.
 //
 // Stored: docs/formats/library.md.
 #pragma once
@@ -19,6 +20,9 @@ struct ZoLibEntry {
   // else the stored size, for any other.
   std::uint64_t size = 0;
   ZoFileTime created, accessed, written;
+  // Which of the file's members it is, deleted ones counted, from 1: a short name for it that any
+  // member has. Physical deletion and reorganize give new ones. 0 where salvage found the member.
+  std::uint64_t ordinal = 0;
   std::uint32_t number = 0;  // the library's counter when the member was added; a hint
   std::uint32_t crc = 0;     // of the uncompressed bytes, where isProtected
   unsigned short mode = 0;   // 0 stored, else 1024, 2048 or 4096; a hint
@@ -28,4 +32,11 @@ struct ZoLibEntry {
 
   [[nodiscard]] bool isCompressed() const noexcept { return (flags & kCompressed) != 0; }
   [[nodiscard]] bool isDeleted() const noexcept { return (flags & kDeleted) != 0; }
+};
+
+// One of several members that get new names in one step.
+struct ZoLibRename {
+  ZoFileName member;
+  ZoFileName newName;
+  const ZoLibEntry* entry = nullptr;  // where given, the member is this one, whatever its name
 };

@@ -1,0 +1,129 @@
+// New names for members. One of the same length is written where the old one stands; for any other
+// there is no room, and the entry is copied behind the last one.
+#include <algorithm>
+
+#include "library/copy.h"
+#include "library/edit.h"
+#include "library/operations.h"
+
+namespace zo {
+namespace {
+
+class Renames {
+ public:
+  Renames(LibraryState& library, Change& change) : library_(library), change_(change) {}
+
+  // What is to get another name, and what becomes deleted with it.
+  int add(const Renaming& renaming) {
+    if (renaming.newName.isURL()) return ZoResult::invalid;
+    Move move{.from = nullptr, .newName = {}};
+    if (!encodeName(renaming.newName, move.newName)) return ZoResult::refused;
+    const std::size_t known = leaving_.size();
+    if (const int code = collect(renaming.member)) return code;
+    move.from = leaving_[known];
+    moves_.push_back(std::move(move));
+    return ZoResult::ok;
+  }
+  // Nothing is added from here on.
+  void close() { std::sort(leaving_.begin(), leaving_.end()); }
+  // Whether the i-th new name is free when all old ones are gone.
+  int check(std::size_t i) {
+    const auto same = std::ranges::equal_range(leaving_, moves_[i].from);
+    if (same.size() != 1) return ZoResult::refused;  // it has two new names
+    const RawEntry renamed{.record = moves_[i].from->record, .name = moves_[i].newName};
+    names_.add(renamed);
+    const std::wstring name(names_.name(names_.entries().back()));
+    if (names_.allLive(name).size() > 1) return ZoResult::memberExists;
+    const auto stays = [this](const IndexEntry* entry) {
+      return !std::binary_search(leaving_.begin(), leaving_.end(), entry);
+    };
+    return std::ranges::any_of(library_.index().allLive(name), stays) ? ZoResult::memberExists
+                                                                      : ZoResult::ok;
+  }
+  int run() {
+    std::uint64_t total = 0;
+    for (const Move& move : moves_) total += isMoved(move) ? move.from->record.storedSize : 0;
+    Progress watched = library_.progress(total);
+    if (std::ranges::any_of(moves_, isMoved) && !watched.begin()) return ZoResult::refused;
+    if (const int code = patchAsDeleted(change_, library_, further_)) return code;
+    for (const Move& move : moves_) {
+      if (!rename(move, watched)) return ZoResult::refused;
+    }
+    return watched.finish() ? change_.commit() : ZoResult::refused;
+  }
+
+ private:
+  struct Move {
+    const IndexEntry* from;
+    std::string newName;
+  };
+
+  static bool isMoved(const Move& move) {
+    return move.newName.size() != move.from->record.nameLength;
+  }
+
+  int collect(const MemberRef& member) {
+    if (member.entry) {
+      const IndexEntry* found = nullptr;
+      if (const int code = findListed(library_, *member.entry, found)) return code;
+      if (!found->record.isLive()) return ZoResult::refused;
+      leaving_.push_back(found);
+      return ZoResult::ok;
+    }
+    const std::vector<const IndexEntry*> found = library_.index().allLive(member.name->view());
+    if (found.empty()) return notFound(library_.scan().end);
+    leaving_.insert(leaving_.end(), found.begin(), found.end());
+    // Further members of the name would come to light.
+    further_.insert(further_.end(), found.begin() + 1, found.end());
+    return ZoResult::ok;
+  }
+
+  bool rename(const Move& move, Progress& watched) {
+    RawEntry old;
+    if (!library_.load(*move.from, old)) return false;
+    RawEntry renamed{.position = old.position,
+                     .record = old.record,
+                     .name = move.newName,
+                     .trailer = old.trailer};
+    renamed.record.nameLength = static_cast<std::uint16_t>(renamed.name.size());
+    if (!isMoved(move)) return change_.tryPatch(std::move(renamed));
+    renamed.position = change_.end();
+    renamed.record.clear(kEndsScan);
+    DiskSink data = change_.dataOf(renamed);
+    WatchedSink sink(data, watched);
+    if (!change_.reserve() ||
+        !copyPart(library_.bytes(), old.dataPosition(), old.record.storedSize, sink)) {
+      return false;
+    }
+    RawEntry hidden = renamed;
+    hidden.record.set(kIsDeleted);
+    old.record.set(kIsDeleted);
+    return change_.tryPatch(std::move(old)) && change_.tryPatch(std::move(renamed)) &&
+           change_.append(std::move(hidden));
+  }
+
+  LibraryState& library_;
+  Change& change_;
+  std::vector<Move> moves_;
+  std::vector<const IndexEntry*> leaving_, further_;
+  LibraryIndex names_;  // the new ones
+};
+
+}  // namespace
+
+int renameMembers(LibraryState& library, std::span<const Renaming> renamings, std::size_t& at) {
+  at = renamings.size();
+  Change change(library);
+  Renames renames(library, change);
+  if (const int code = change.begin()) return code;
+  for (std::size_t i = 0; i < renamings.size(); ++i) {
+    if (const int code = renames.add(renamings[i])) return at = i, code;
+  }
+  renames.close();
+  for (std::size_t i = 0; i < renamings.size(); ++i) {
+    if (const int code = renames.check(i)) return at = i, code;
+  }
+  return renames.run();
+}
+
+}  // namespace zo
