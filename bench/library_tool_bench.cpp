@@ -1,8 +1,8 @@
 // The library tool beside 7z, zip and unzip, on the same data.
 //
 // Ours runs in this process, by the tool's own code from the command line on: the start of a
-// program under Wine would drown the rest. The peers are native programs, measured by
-// library_tool_peers.py in the same run of bench/run without what their own start takes. That
+// program under Wine would drown the rest. The peers, one of them under Wine as well, are measured
+// by library_tool_peers.py in the same run of bench/run without what their own start takes. That
 // script also makes the data, in the folder that ZO_BENCH_DATA names.
 #include <benchmark/benchmark.h>
 #include <windows.h>
@@ -73,6 +73,12 @@ void unpackTree(benchmark::State& state) {
   for (auto _ : state) zolib(state, {"extract", "tree.lib", "-q", "-o", fresh("out")});
 }
 
+void testTree(benchmark::State& state) {
+  begin();
+  if (!fs::exists("tree.lib")) zolib(state, {"create", "tree.lib", "tree", "--mode", "best", "-q"});
+  for (auto _ : state) zolib(state, {"test", "tree.lib", "-q"});
+}
+
 void extractMany(benchmark::State& state) {
   begin();
   for (auto _ : state) zolib(state, {"extract", "10000.lib", "-q", "-o", fresh("out")});
@@ -129,6 +135,7 @@ BENCHMARK(listAll)->Name("List/100000/ours")->Arg(100000);
 BENCHMARK(readOne)->Name("ReadOne/of_100000/ours");
 BENCHMARK(packTree)->Name("PackTree3000/best/ours")->Iterations(1)->Repetitions(3);
 BENCHMARK(unpackTree)->Name("UnpackTree3000/ours")->Iterations(1)->Repetitions(3);
+BENCHMARK(testTree)->Name("TestTree3000/ours");
 BENCHMARK(extractMany)->Name("Extract10000/ours")->Iterations(1)->Repetitions(3);
 BENCHMARK(plainFiles)->Name("Extract10000/peer:plain_calls")->Iterations(1)->Repetitions(3);
 BENCHMARK(reorganize)->Name("Reorganize200MB/ours")->Iterations(1);

@@ -1,15 +1,18 @@
 #!/usr/bin/env python3
 """library_tool_peers.py prepare FOLDER [SHARE]: makes the data for library_tool_bench, and the peers' archives of it;
 with SHARE one in so many members only, for a look whether all still works.
-library_tool_peers.py measure FOLDER JSON: runs the peers natively and adds their times to the benchmark's results.
+library_tool_peers.py measure FOLDER JSON: runs the peers and adds their times to the benchmark's results.
 
-A peer's time is the median of its runs, less that of a run that does nothing (its help): what remains is the work, as
-in the tool's own figures, which are taken within a running program. Everything runs on the CPU of bench/run.
+The peer for this platform is the reduced 7z tool that scripts/setup builds, run under Wine as ours is; 7z, zip and
+unzip as programs of this machine are a column beside it. A peer's time is the median of its runs, less that of a run
+that does nothing (its help): what remains is the work, as in the tool's own figures, which are taken within a running
+program. Everything may use all processors.
 """
 import json
 import os
 import pathlib
 import random
+import shlex
 import shutil
 import statistics
 import struct
@@ -101,34 +104,48 @@ def timed(command, runs=RUNS):
 def measure(results):
     results = pathlib.Path(results)
     data = json.loads(results.read_text())
+    wine = shlex.split(os.environ["ZO_BENCH_WINE"])
+    peer_7z = [*wine, os.environ["ZO_BENCH_7Z"]]
     starts = {tool: statistics.median(timed(command, runs=21)) for tool, command in
-              {"7z": ["7zz", "--help"], "zip": ["zip", "-h"], "unzip": ["unzip", "-h"]}.items()}
+              {"7z": [*peer_7z, "-h"], "7z_native": ["7zz", "--help"], "zip_native": ["zip", "-h"],
+               "unzip_native": ["unzip", "-h"]}.items()}
 
-    def peer(work, tool, *command, runs=RUNS):
+    def peer(work, tool, *command, runs=RUNS, name=None):
         for seconds in timed(command, runs):
-            data["benchmarks"].append({"run_name": f"{work}/peer:{tool}", "run_type": "iteration", "time_unit": "s",
-                                       "real_time": max(seconds - starts[tool], 1e-6)})
+            data["benchmarks"].append({"run_name": f"{work}/peer:{name or tool}", "run_type": "iteration",
+                                       "time_unit": "s", "real_time": max(seconds - starts[tool], 1e-6)})
 
-    peer("Add100KB/into_200MB", "7z", "7zz", "a", "-mx0", "500.7z", "100KB.bin")
-    peer("Add100KB/into_200MB", "zip", "zip", "-q", "-0", "500.zip", "100KB.bin")
+    def both(work, *arguments, runs=RUNS, threads=""):
+        """The same with both 7z tools; {tool} keeps what they make apart."""
+        for tool, program in (("7z", peer_7z), ("7z_native", ["7zz"])):
+            words = [word.replace("{tool}", tool) for word in arguments]
+            name = tool.replace("7z", f"7z{threads}", 1)
+            peer(work, tool, *program, *words, *([f"-mmt{threads}"] if threads else []), runs=runs, name=name)
+
+    both("Add100KB/into_200MB", "a", "-mx0", "500.7z", "100KB.bin")
+    peer("Add100KB/into_200MB", "zip_native", "zip", "-q", "-0", "500.zip", "100KB.bin")
     for count in (10_000, 100_000):
-        peer(f"List/{count}", "unzip", "unzip", "-l", f"{count}.zip")
-        peer(f"List/{count}", "7z", "7zz", "l", f"{count}.7z")
-    peer("ReadOne/of_100000", "unzip", "unzip", "-p", "100000.zip", "folder50/wanted.txt")
-    peer("PackTree3000/best", "7z", "7zz", "a", "-m0=lzma", "-mx9", "-mmt1", "-ms=off", "tree{run}.7z", "tree",
-         runs=3)
-    peer("UnpackTree3000", "7z", "7zz", "x", "-mmt1", "-o{run}_7z", "tree0.7z")
-    peer("Extract10000", "unzip", "unzip", "-q", "-d", "{run}_unzip", "10000.zip")
-    ours, theirs = os.path.getsize("tree.lib"), os.path.getsize("tree0.7z")
+        both(f"List/{count}", "l", f"{count}.7z")
+        peer(f"List/{count}", "unzip_native", "unzip", "-l", f"{count}.zip")
+    both("ReadOne/of_100000", "e", "-so", "100000.7z", "folder50/wanted.txt")
+    peer("ReadOne/of_100000", "unzip_native", "unzip", "-p", "100000.zip", "folder50/wanted.txt")
+    for threads in ("1", "2"):
+        both("PackTree3000/best", "a", "-m0=lzma", "-mx9", "-ms=off", f"tree{{tool}}{threads}_{{run}}.7z", "tree", runs=3,
+             threads=threads)
+    both("UnpackTree3000", "x", "-o{run}_{tool}", "tree7z1_0.7z")
+    both("TestTree3000", "t", "tree7z1_0.7z")
+    peer("Extract10000", "unzip_native", "unzip", "-q", "-d", "{run}_unzip", "10000.zip")
+    both("Extract10000", "x", "-o{run}_{tool}_10000", "10000.7z")
+    ours, theirs = os.path.getsize("tree.lib"), os.path.getsize("tree7z1_0.7z")
     frames = frame_size("tree.lib")
     data["notes"] = [
-        "Ours is the tool's code within a running program; peers are native programs, less the time of a run that only",
+        "Ours is the tool's code within a running program; peers are run, less the time of a run that only",
         "shows their help (" + ", ".join(f"{tool} {1000 * s:.1f} ms" for tool, s in starts.items()) + ").",
         f"Size of the packed tree: ours {ours}, 7z {theirs} bytes ({100 * ours / theirs - 100:+.2f} %); {frames} of ours",
         f"are entries and names, which the format leaves as they are: the data alone {100 * (ours - frames) / theirs - 100:+.2f} %.",
         "The file that is added reaches the disk with ours, and need not with the peers.",
-        "To make a file costs native programs a quarter of what it costs Wine's programs: plain_calls is what the platform's own",
-        "calls take for the files of Extract10000, and UnpackTree3000 has no more to do for each file.",
+        "7z runs under Wine as ours does, 7z1 with one thread and 7z2 with two. What stands under native runs on this machine",
+        "itself, where to make a file costs a quarter; plain_calls is what the platform's own calls take for the same files.",
     ]
     results.write_text(json.dumps(data, indent=1))
 

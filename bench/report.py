@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """report.py JSON-FOLDER TARGETS RESULTS: makes the table of ratios from Google Benchmark's JSON files.
 
-Benchmarks are named WORK/ours and WORK/peer:NAME. The ratio is the peer's median time divided by ours: above 1, ours
+Benchmarks are named WORK/ours and WORK/peer:NAME; peer:NAME_native is the same peer as a program of this machine,
+not run under Wine as ours is: it stands in a column of its own, without an aim. The ratio is the peer's median time divided by ours: above 1, ours
 is faster. TARGETS holds lines "FAMILY/WORK RATIO", or "FAMILY/WORK/peer:NAME RATIO" for one peer: the least ratio
 that is aimed at.
 """
@@ -18,6 +19,9 @@ Written by `bench/run`: cross-compiled with GCC, run under Wine on one CPU; medi
 of a family interleaved in one run. Ratio = peer's time / our time: above 1, ours is faster. The family "headers" is the
 compiler's time for a header that a client includes, beside that for the standard library's `string`.
 """
+
+
+NATIVE = "_native"
 
 
 def medians(path):
@@ -58,19 +62,25 @@ def section(path, targets):
     lines = [f"## {family}", "", f"{context['date'][:10]}, {context['num_cpus']} CPUs", ""]
     notes = json.loads(path.read_text()).get("notes", [])
     lines += [*notes, ""] if notes else []
-    lines += ["| work | ours | peer | | ratio | aim |", "|---|---:|---|---:|---:|---:|"]
+    native = any(name.endswith(NATIVE) for name in times)
+    lines += ["| work | ours | peer | | ratio | aim |" + " native |" * native,
+              "|---|---:|---|---:|---:|---:|" + "---:|" * native]
     for name, (ours, _) in sorted(times.items()):
         if not name.endswith("/ours"):
             continue
         work = name[: -len("/ours")]
         peers = {n[len(work) + 6 :]: t for n, (t, _) in times.items() if n.startswith(work + "/peer:")}
-        for peer, time in peers.items() or [("", None)]:
+        alike = [peer for peer in peers if not peer.endswith(NATIVE)]
+        alike += [peer.removesuffix(NATIVE) for peer in peers if peer.endswith(NATIVE) and peer[: -len(NATIVE)] not in peers]
+        for peer in alike or [""]:
+            time, native_time = peers.get(peer), peers.get(peer + NATIVE)
             ratio = time / ours if time else None
             aim = targets.get(f"{family}/{work}/peer:{peer}", targets.get(f"{family}/{work}"))
             lines.append(
                 f"| {work} | {shown(ours)} | {peer} | {shown(time) if time else ''} "
                 f"| {f'{ratio:.2f}' if ratio else ''} "
                 f"| {f'{aim:g}' + ('' if not ratio or ratio >= aim else ' (missed)') if aim else ''} |"
+                + (f" {f'{shown(native_time)} ({native_time / ours:.2f})' if native_time else ''} |" if native else "")
             )
     return "\n".join(lines) + "\n"
 

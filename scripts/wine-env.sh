@@ -1,13 +1,17 @@
 # The environment in which the project's Windows programs run under Wine, and its server's life. Source it.
 #
-# - The prefix is the project's own, inside the build tree: nothing of the user's ~/.wine is read or changed.
+# - The prefix is the project's own, inside the build tree: nothing of the user's ~/.wine is read or changed. A prefix
+#   has one user: who shares another one's checkout has it in the user's cache.
 # - winedbg is disabled: it slows a crash down and sometimes turns it into exit code 0.
 # - C.UTF-8, because under plain C every non-ASCII file name fails.
 # - zo_wine is the command, with addresses that are not random: recent kernels put the heap anywhere in the gigabyte
 #   behind Wine's loader, and thus once in some two thousand starts onto the one page that Wine must have for itself.
 #   It then ends with 1, and without a word.
 
-export WINEPREFIX=${ZO_WINEPREFIX:-$zo_root/build/wine}
+zo_prefix=$zo_root/build/wine
+[ -O "$zo_root/build" ] || [ ! -e "$zo_root/build" ] ||
+  zo_prefix=${XDG_CACHE_HOME:-$HOME/.cache}/zo_com/wine$(tr / - <<<"$zo_root")
+export WINEPREFIX=${ZO_WINEPREFIX:-$zo_prefix}
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES='winedbg.exe=d;mscoree=;mshtml='
 export LANG=C.UTF-8

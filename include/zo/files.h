@@ -9,6 +9,7 @@
 #include <zo/files/forward_file_system.h>
 #include <zo/files/std_file_system.h>
 #include <zo/files/text_file.h>
+#include <zo/library/check_value.h>
 #include <zo/library/lib_file.h>
 #include <zo/library/library.h>
 #include <zo/library/packed_member.h>

@@ -12,8 +12,9 @@
 namespace zo {
 namespace {
 
-// So that the digits and an ending still fit into a component of the platform.
-constexpr size_t kLongestStem = 200;
+// So that the digits and an ending still fit into a component of the platform, also of a file
+// system that counts the bytes of UTF-8.
+constexpr size_t kLongestStem = 60;
 
 std::wstring_view shortened(std::wstring_view name) { return name.substr(0, kLongestStem); }
 

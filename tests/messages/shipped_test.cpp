@@ -1,5 +1,5 @@
-// The message files that are installed: the English ones are what stands in the code, and the
-// others have the same numbers and marks.
+// The message files that are installed: the English ones are what stands in the code (those of the
+// tool are compared by its own test), and the others have the same numbers and marks.
 #include <zo/system.h>
 
 #include <cstdlib>
@@ -89,7 +89,7 @@ std::multiset<std::pair<int, unsigned int>> marksOf(std::wstring_view text) {
 }
 
 TEST(ShippedMessages, TranslationsHaveTheSameNumbersAndMarks) {
-  for (const std::string name : kNames) {
+  for (const std::string name : {"zotype", "zoflag", "zoresult", "zolib"}) {
     const ZoMessageMap english = read(kFolder + name + ".msg");
     const ZoMessageMap german = read(kFolder + name + ".de.msg");
     EXPECT_EQ(german.language(), L"de");

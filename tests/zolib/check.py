@@ -11,6 +11,7 @@ import os
 import pathlib
 import pty
 import re
+import resource
 import shutil
 import signal
 import struct
@@ -21,6 +22,12 @@ import tempfile
 ROOT, TOOL, CHECK = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
 COMMAND = [str(ROOT / "scripts/wine-run"), TOOL]
 os.environ["ZOLIB_ROOT"] = "Z:"
+
+
+def small_files():
+    """What the disk of the next program is full at: 1 MB in one file."""
+    signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+    resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 20, 1 << 20))
 
 
 def start(*args, **streams):
@@ -82,6 +89,45 @@ def foreign(path, entries, magic=b"ZORVEX LIBRARY"):
     return write(path, content)
 
 
+def english():
+    """The message file that says what stands in the code."""
+    texts = {}
+    for source in sorted((ROOT / "tools/zolib").glob("*.*")):
+        for number, words in re.findall(r'\{\s*(\d+),\s*((?:"(?:\\.|[^"\\])*"\s*)+)\}', source.read_text()):
+            text = "".join(re.findall(r'"((?:\\.|[^"\\])*)"', words)).replace('\\"', '"')
+            text = re.sub("^ | $", r"\\u0020", text)  # blanks at the ends would go; the escapes of C++ are the file's
+            assert texts.setdefault(int(number), text) == text, f"{number} means {text!r} and {texts[int(number)]!r}"
+    lines = [f"{number:<4}{texts[number]}\n" for number in sorted(texts) if number]
+    return "@messages 1\n@language en\n# Texts of the tool zolib; written by its test.\n\n" + "".join(lines)
+
+
+def language():
+    """The texts of the code are those of the English file, and others speak German; answers for programs stay."""
+    path = ROOT / "share/messages/zolib.msg"
+    if os.environ.get("ZO_WRITE_MESSAGES"):
+        path.write_text(english())
+    assert path.read_text() == english(), "to write it: ZO_WRITE_MESSAGES=1 ctest -R zolib.language"
+    tree()
+    run("--language", "de", "create", "a.lib", "parts", err=r"a\.lib: 5 neu; .* auf .* gepackt \(\d+ ?%\)\n", out="")
+    table = run("list", "a.lib", "--language=de-AT").decode().splitlines()
+    assert table[0].split() == ["GRÖSSE", "GEPACKT", "QUOTE", "GEÄNDERT", "ART", "ZUSTAND", "NAME"], table
+    assert len({line.find(name) for line, name in zip(table, ["NAME", "parts/empty", "parts/Gr", "parts/old"])}) == 1, table
+    run("list", "none.lib", "--language", "de", code=10, err="zolib: Die Bibliothek none.lib wurde nicht gefunden.*")
+    assert run("help", "--language", "de").startswith("Verwaltet".encode())
+    for args in (["list", "a.lib"], ["test", "a.lib"], ["help"], ["delete", "a.lib", "*.bak", "--dry-run"]):
+        inGerman, inEnglish = answer(*args, "--language", "de"), answer(*args)
+        for value in inGerman, inEnglish:
+            value["messages"] = value["text"] = []
+        assert inGerman == inEnglish
+    os.environ["ZOLIB_LANGUAGE"] = "de_DE.UTF-8:en"
+    run("test", "a.lib", err=r"a\.lib: 5 Mitglieder in Ordnung\n")
+    for words in (["--language", "C"], ["--language=en"], ["--language", "fr"]):  # no French: the program's own
+        run("test", "a.lib", *words, err=r"a\.lib: 5 members ok\n")
+    os.environ["ZOLIB_LANGUAGE"] = "C"
+    run("test", "a.lib", "--language", "5%", code=7, err="zolib: 5% is no language .*")
+    run("test", "a.lib", "--language", code=7, err="zolib: --language needs a value; .*")
+
+
 def work():
     """A life of a library, with each verb and alias."""
     names = tree()
@@ -127,7 +173,7 @@ def versions():
         run("recover", "v.lib", "v.txt", *options, err=r"v\.lib: 1 member recovered\n")
         assert run("cat", "v.lib", "v.txt") == found
         run("delete", "v.lib", "v.txt", "-q")
-    run("recover", "v.lib", "--all", "--first", "v.txt", code=7)
+    run("recover", "v.lib", "--all", "--first", "v.txt", code=7, err="zolib: only one of these goes: --first, --all; .*")
     run("recover", "v.lib", "v.txt", "--all", err=r"v\.lib: 3 members recovered\n")
     assert run("cat", "v.lib", "v~1.txt", "v~2.txt", "v.txt") == b"firstsecondthird"
     run("recover", "v.lib", "v.txt", code=2, err="zolib: cannot recover v.txt: a member has that name; .*")
@@ -141,12 +187,15 @@ def exit_codes():
     write("utf16.txt", "a.txt".encode("utf-16"))
     run("create", "a.lib", "a.txt", "-q", err="")
     for args, code, said in (
-        ([], 7, "say what to do"), (["frobnicate"], 7, "there is no verb frobnicate"), (["list"], 7, ".*LIBRARY.*"),
+        ([], 7, "say what to do"), (["frobnicate"], 7, "there is no verb frobnicate"), (["list"], 7, "LIBRARY is missing"),
         (["exract", "x"], 7, "there is no verb exract, but extract"), (["-q", "list"], 7, "the verb comes first.*"),
         (["add", "a.lib", "-b.txt"], 7, "there is no option -b.txt .* behind --"), (["list", ""], 7, ".*empty.*"),
         (["reorganize", "a.lib", "b"], 7, "b is one name too many"),
         (["list", "a.lib", "--mode", "best"], 7, ".*"), (["add", "a.lib"], 7, "name what to add"),
-        (["add", "a.lib", "a.txt", "--mode", "harder"], 7, ".*"), (["rename", "a.lib", "a"], 7, ".*"),
+        (["add", "a.lib", "a.txt", "--mode", "ultra"], 7, "--mode: ultra is none of normal, .*, auto"),
+        (["add", "a.lib", "a.txt", "--mode"], 7, "--mode needs a value"), (["rename", "a.lib", "a"], 7, "NAME: there must be 2"),
+        (["extract", "a.lib", "-o=out"], 7, "-o=out: the value .* without ="), (["list", "a.lib", "--json=x"], 7, ".*no value"),
+        (["extract", "a.lib", "-o", "a", "-o", "b"], 7, ".* more than once"),
         (["add", "a.lib", "-"], 7, ".*--name.*"), (["add", "a.lib", "a.txt", "--lock-timeout", "-1"], 7, ".*: -1 .*"),
         (["help", "frobnicate"], 7, ".*"),
         (["list", "none.lib"], 10, r"cannot find the library none\.lib: .*; check its name"),
@@ -198,6 +247,11 @@ def names():
     run("create", "list", "-q", "--exclude", "b", "--", *odd)
     assert members("list") == odd and run("cat", "list", "--", *odd[::-1]) == "".join(odd[::-1]).encode()
     assert members("list", "--exclude", "[x,y]", "--include", "x", "--include", "[x*", "[x]", "add") == ["[x]"]
+    write("$part.dwg")
+    run("add", "b.lib", "$part.dwg", code=2, err="zolib: cannot add ./[$]part.dwg: .*macro.*; rename the file\n.*")
+    run("rename", "list", "add", "a/./b")
+    run("extract", "list", "a/b", "-o", "renamed")
+    assert files("renamed") == ["a/b"]
     write("日本.txt")
     run("add", "b.lib", "日本.txt", code=2, err="zolib: cannot add 日本.txt: .*; rename the file\n.*")
 
@@ -217,6 +271,34 @@ def hostile():
     write("in_the_way/one.txt/x")  # a folder where a file should be: a failure, and the rest goes on
     run("extract", "../h.lib", "one.txt", "sub/two.txt", "-o", "in_the_way", code=2, err="zolib: .*one.txt.*1 member ex.*")
     assert pathlib.Path("in_the_way/sub/two.txt").read_bytes() == b"content"
+
+
+def full():
+    """A disk that gets full, and a name that is as long as the file system takes: nothing is said that is not so."""
+    write("large", os.urandom(3 << 20))
+    write("ä" * 120)
+    run("create", "a.lib", "large", "ä" * 120, "--mode", "store")
+    run("extract", "a.lib", "ä" * 120, "-o", "out", err=".*1 member extracted\n")
+    done = subprocess.run(COMMAND + ["extract", "a.lib", "large", "-o", "out"], capture_output=True, preexec_fn=small_files)
+    assert done.returncode == 2 and re.fullmatch("zolib: cannot extract large to out/large: (?!.*not found|it was refused).*\n.*",
+                                                 done.stderr.decode(), re.S), done
+    assert files("out") == ["ä" * 120]
+
+
+def many():
+    """More arguments than a command line has room for, and what the wrapper passes on with them."""
+    names = [str(write(f"parts/{'x' * 60} {i}")) for i in range(700)]
+    os.environ.update(LANG="de_DE.UTF-8", LC_ALL="")
+    wrapped = [str(ROOT / "scripts/tool-run"), TOOL]
+    for args, code, said in ((["create", "a.lib", *names], 0, "a.lib: 700 neu"), (["list", "none.lib", *names], 10, "zolib: Die"),
+                             (["test", "a.lib"], 0, "a.lib: 700 Mitglieder in Ordnung\n")):
+        done = subprocess.run(wrapped + args, capture_output=True)
+        assert done.returncode == code and done.stderr.decode().startswith(said), done
+    assert members("a.lib") == names
+    if os.geteuid() == 0:  # another user of this checkout gets a prefix of his own
+        ask = f"zo_root={ROOT}; HOME=/home/other; . {ROOT}/scripts/wine-env.sh; echo $WINEPREFIX"
+        asked = subprocess.run(["bash", "-c", ask], capture_output=True, user=65534, env={"PATH": os.environ["PATH"]})
+        assert asked.stdout.decode().startswith("/home/other/.cache/zo_com/wine"), asked
 
 
 def streams():
@@ -350,6 +432,9 @@ def damaged():
     at = entries[2]["position"]
     write("gap.lib", bytes(32) + whole[32:at] + b"\xff" * 60 + whole[at + 60:])
     run("list", "gap.lib", code=12)
+    write("short.lib", whole[:31])
+    write("x.txt")
+    run("add", "short.lib", "x.txt", code=13, err="zolib: .*short.lib.*")
     for broken, good, code in (("cut.lib", 4, 0), ("bit.lib", 4, 13), ("gap.lib", 4, 0)):
         found = json.loads(subprocess.run(COMMAND + ["salvage", broken, "new.lib", "--json"], capture_output=True).stdout)
         assert found["salvaged"] == good and found["exit"] in (code, 13), found
@@ -381,15 +466,29 @@ def graph():
 def terminal():
     """On a terminal a long call shows how far it is; talk is not mixed with it."""
     write("large", os.urandom(6 << 20))
+    code, text = typed("create", "a.lib", "large", "--mode", "best")
+    assert code == 0 and re.search(rb"\d %.*/s.*left.*large", text) and b"1 added" in text, text
+    run("create", "b.lib", "large", "--mode", "best", out="", err=r"b\.lib: 1 added; .*\n")
+    # Typed input ends, and what a name does to a terminal is not done.
+    for end in (b"\x1a\r", b"\x04\r"):
+        assert typed("add", "b.lib", "-", "--name", "typed", keys="größer\r".encode() + end)[0] == 0
+        assert run("cat", "b.lib", "typed") in ("größer\r\n".encode(), "größer\n".encode())
+    foreign("f.lib", [("a\x1b[2Jb", b"", 0)])
+    code, text = typed("list", "f.lib")
+    assert code == 0 and b"a?[2Jb" in text, text
+
+
+def typed(*args, keys=b""):
+    """Exit code and output on a terminal where these keys are hit."""
     parent, child = pty.openpty()
-    worker = start("create", "a.lib", "large", "--mode", "best", stdin=child, stdout=child, stderr=child)
+    worker = start(*args, stdin=child, stdout=child, stderr=child)
     os.close(child)
+    os.write(parent, keys)
     text = b""
     with contextlib.suppress(OSError):  # the end of a terminal reads as an error
         while piece := os.read(parent, 4096):
             text += piece
-    assert worker.wait() == 0 and re.search(rb"\d %.*/s.*left.*large", text) and b"1 added" in text, text
-    run("create", "b.lib", "large", "--mode", "best", out="", err=r"b\.lib: 1 added; .*\n")
+    return worker.wait(), text
 
 
 def readme():
@@ -406,7 +505,7 @@ def readme():
 
 def verbs():
     text = (ROOT / "tools/zolib/help.cpp").read_text()
-    found = re.findall(r'^    \{"(\w+)", "(\w*)"', text, re.M)
+    found = re.findall(r'^    \{"(\w+)",\s*"(\w*)"', text, re.M)
     assert len(found) > 10
     return found
 
@@ -419,11 +518,12 @@ def completion():
         source {ROOT}/tools/zolib/completion/zolib.bash
         zolib() {{ {' '.join(COMMAND)} "$@"; }}
         try() {{ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); COMPREPLY=(); _zolib; printf '%s\\n' "${{COMPREPLY[@]}}" -; }}
-        try zolib re; try zolib extract a.lib --o; try zolib cat a.lib parts/b; try zolib add a.lib --mode b"""
+        try zolib re; try zolib extract a.lib --o; try zolib cat a.lib parts/b; try zolib add a.lib --mode b
+        try zolib cat a.lib parts/G"""
     printed = subprocess.run(["bash", "-c", script], capture_output=True, text=True).stdout.split("-\n")
     assert [sorted(p.split()) for p in printed[:-1]] == [
         ["recover", "rename", "reorganize"], ["--output", "--overwrite"],
-        ["parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"], ["best"]], printed
+        ["parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"], ["best"], ["1.txt", "parts/Größe"]], printed
     words = subprocess.run(["bash", "-c", script.split("try zolib re")[0] + "try zolib ''"], capture_output=True, text=True)
     assert {name for name, _ in verbs()} <= set(words.stdout.split()), words
 

@@ -39,6 +39,23 @@ TEST(Tool, PatternsFitWhatTheySay) {
       {L"m?x", L"m/x", false},
       {L"\u00C4*", L"\u00E4rger.txt", true},
       {L"**", L"a/b", true},
+      {L"m[0-9x].dwg", L"M8.DWG", true},
+      {L"m[0-9x].dwg", L"mx.dwg", true},
+      {L"m[0-9x].dwg", L"m10.dwg", false},
+      {L"m[!0-9].dwg", L"mx.dwg", true},
+      {L"m[!0-9].dwg", L"m8.dwg", false},
+      {L"a[!b]c", L"a/c", false},
+      {L"[*]", L"*", true},
+      {L"[*]", L"a", false},
+      {L"[]a]", L"]", true},
+      {L"[x", L"[x", true},
+      {L"*.{dwg,d[xy]f}", L"a/m8.dxf", true},
+      {L"*.{dwg,dxf}", L"m8.dgn", false},
+      {L"{bolts,nuts{,-old}}/*", L"nuts-old/m8", true},
+      {L"{bolts,nuts{,-old}}/*", L"x/nuts/m8", false},
+      {L"{}", L"{}", true},
+      {L"{a", L"{a", true},
+      {L"{a,b}{a,b}{a,b}{a,b}{a,b}{a,b}{a,b}{a,b}{a,b}{a,b}", L"aaaaaaaabx", false},  // a bound
       {L"a*a*a*a*a*a*a*a*a*b", L"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa", false},
   };
   for (const auto& row : kTable)

@@ -47,7 +47,7 @@ class Adder {
   void add(const Source& source) {
     const ZoFileName member(source.member);
     if (const std::string why = refusal(source, member); !why.empty()) {
-      report_.fail(kFailed, "cannot add " + toUtf8(source.path) + ": " + why);
+      report_.fail(kFailed, {200, "cannot add %1: %2"}, source.path, why);
       return;
     }
     ZoLibEntry old;
@@ -69,7 +69,7 @@ class Adder {
     if (!code)
       batch_.push_back({member, action});
     else if (code > 0)
-      session_.reportFailure("cannot add " + toUtf8(source.path), code);
+      session_.reportFailure(say({201, "cannot add %1"}, source.path), code);
     if (alone) endBatch();
   }
 
@@ -79,7 +79,8 @@ class Adder {
     const int code = inBatch_ ? session_->endBatch() : ZoResult::ok;
     inBatch_ = false;
     if (code) {
-      session_.reportFailure("cannot add the last " + counted(batch_.size(), "file"), code);
+      session_.reportFailure(say({202, "cannot add the last %{?1 1 file|%1 files}"}, batch_.size()),
+                             code);
       batch_.clear();
     }
     for (const Added& added : batch_) {
@@ -97,18 +98,22 @@ class Adder {
   void sumUp() {
     Json& json = report_.json();
     std::string text;
-    for (const char* action : {"added", "replaced", "kept"}) {
+    const auto append = [&](const char* action, const Text& counted) {
       const std::size_t count = report_.count(action);
       json[action] = count;
-      if (count) text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + action;
-    }
+      if (count) text += (text.empty() ? "" : ", ") + say(counted, count);
+    };
+    append("added", {203, "%1 added"});
+    append("replaced", {204, "%1 replaced"});
+    append("kept", {205, "%1 kept"});
     if (options_.dryRun) return;
+    if (text.empty()) text = say({206, "nothing to add"});
     if (size_)
-      text += "; " + readableSize(size_) + " packed to " + readableSize(packed_) + " (" +
-              ratioText(packed_, size_) + ")";
+      text += say({207, "; %1 packed to %2 (%3)"}, readableSize(size_), readableSize(packed_),
+                  ratioText(packed_, size_));
     json["size"] = size_;
     json["packed"] = packed_;
-    report_.note(session_.name() + ": " + (text.empty() ? "nothing to add" : text));
+    report_.note(session_.name() + ": " + text);
   }
 
  private:
@@ -121,12 +126,14 @@ class Adder {
 
   // Why no file could ever come out of the library under the member's name; empty when one can.
   static std::string refusal(const Source& source, const ZoFileName& member) {
-    const bool isWritable = !member.isEmpty() && member.isAnsi();
-    const std::optional<std::string> why =
-        isWritable ? refusalOf(source.member)
-                   : "its name has characters that no member's name can have";
+    std::optional<Text> why = refusalOf(source.member);
+    if (member.isEmpty())
+      why = Text{211, "its name is none that a member can have (a $ in front begins a macro)"};
+    else if (!member.isAnsi())
+      why = Text{208, "its name has characters that no member's name can have"};
     if (!why) return {};
-    return *why + (source.path == L"-" ? "; give another --name" : "; rename the file");
+    return say(*why) + (source.path == L"-" ? say({209, "; give another --name"})
+                                            : say({210, "; rename the file"}));
   }
 
   // A code, or -1 for what was reported already.

@@ -1,6 +1,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <map>
+#include <cstdlib>
+#include <optional>
+#include <span>
 
 #include "command_line.h"
 #include "help.h"
@@ -12,7 +14,7 @@ namespace {
 
 // What CLI11 fills: texts in UTF-8.
 struct Raw {
-  std::string library, filesFrom, name, output, dot;
+  std::string library, filesFrom, name, output, dot, language;
   std::vector<std::string> names, include, exclude;
 };
 
@@ -20,96 +22,123 @@ std::string noSeconds(const std::string& text) {
   double seconds = -1;
   return CLI::detail::lexical_cast(text, seconds) && seconds >= 0
              ? std::string()
-             : text + " is no number of seconds from 0 on";
+             : say({500, "%1 is no number of seconds from 0 on"}, text);
+}
+
+using Words = std::span<const std::string_view>;
+
+std::string noneOf(std::string_view option, std::string_view text, Words words) {
+  std::string all;
+  for (const std::string_view word : words) (all += all.empty() ? "" : ", ") += word;
+  return say({504, "%1: %2 is none of %3"}, option, text, all);
+}
+
+// One of these words; the values of an enumeration in their order.
+template <class Value>
+void addChoice(CLI::App& app, const char* name, const Text& help, const char* type, Words words,
+               Value& value) {
+  const auto set = [name, words, &value](const std::string& text) {
+    const auto found = std::ranges::find(words, text);
+    if (found == words.end()) throw CLI::ValidationError(noneOf(name, text, words));
+    value = static_cast<Value>(found - words.begin());
+  };
+  app.add_option_function<std::string>(name, set, say(help))->type_name(type);
 }
 
 void addPackOptions(CLI::App& app, Options& options, Raw& raw) {
-  static const std::map<std::string, Mode> kModes{{"fast", Mode::kFast},
-                                                  {"normal", Mode::kNormal},
-                                                  {"best", Mode::kBest},
-                                                  {"store", Mode::kStore},
-                                                  {"auto", Mode::kAuto}};
-  app.add_option("--mode", options.mode,
-                 "fast, normal, best, store, or auto: normal, but stored where that is no smaller "
-                 "(default)")
-      ->transform(CLI::CheckedTransformer(kModes).description(""))
-      ->type_name("MODE");
-  addText(app, "--name", raw.name, "The member that data from standard input becomes", "NAME");
+  static constexpr std::string_view kModes[] = {"normal", "fast", "best", "store", "auto"};
+  addChoice(app, "--mode",
+            {501,
+             "fast, normal, best, store, or auto: normal, but stored where that is no smaller "
+             "(default)"},
+            "MODE", kModes, options.mode);
+  addText(app, "--name", raw.name, {502, "The member that data from standard input becomes"},
+          "NAME");
 }
 
 void addOverwrite(CLI::App& app, Options& options) {
-  static const std::map<std::string, Overwrite> kWays{
-      {"never", Overwrite::kNever}, {"always", Overwrite::kAlways}, {"newer", Overwrite::kNewer}};
-  app.add_option("--overwrite", options.overwrite, "What exists already: never, always, or newer")
-      ->transform(CLI::CheckedTransformer(kWays).description(""))
-      ->type_name("WAY");
+  static constexpr std::string_view kWays[] = {"never", "always", "newer"};
+  addChoice(app, "--overwrite", {503, "What exists already: never, always, or newer"}, "WAY", kWays,
+            options.overwrite);
 }
 
 void addRecover(CLI::App& app, Options& options) {
   CLI::Option* const first = app.add_flag_callback(
       "--first", [&options] { options.recover = Recover::kFirst; },
-      "Of several of a name the first that was packed, not the latest");
+      say({505, "Of several of a name the first that was packed, not the latest"}));
   app.add_flag_callback(
          "--all", [&options] { options.recover = Recover::kAll; },
-         "All of them: the latest under its name, others as NAME~1, NAME~2, from the first on")
+         say({506,
+              "All of them: the latest under its name, others as NAME~1, NAME~2, from the first "
+              "on"}))
       ->excludes(first);
 }
 
-void addVerb(CLI::App& app, const Verb& verb, Options& options, Raw& raw) {
-  CLI::App& sub = *app.add_subcommand(verb.name, verb.summary);
+constexpr Text kVerboseHelp{519, "Name each member"};
+
+// It was taken before; here for the help, and for the complaint when it has no value.
+void addLanguage(CLI::App& app, Raw& raw) {
+  addText(app, "--language", raw.language, {525, "Say everything in this language: en, de"}, "TAG");
+}
+
+void addOptions(CLI::App& sub, const Verb& verb, Options& options, Raw& raw) {
   if (*verb.alias) sub.alias(verb.alias);
-  sub.footer(std::string("Examples:\n") + verb.examples);
-  addText(sub, "LIBRARY", raw.library, "The library", "")->required();
+  sub.footer(say({507, "Examples:"}) + "\n" + say(verb.examples));
+  addText(sub, "LIBRARY", raw.library, {508, "The library"}, "")->required();
   const unsigned int takes = verb.takes;
   if (takes & (kOneName | kTwoNames)) {
-    sub.add_option("NAME", raw.names, verb.namesHelp)
+    sub.add_option("NAME", raw.names, say(verb.namesHelp))
         ->required()
         ->expected(takes & kOneName ? 1 : 2)
         ->check(emptiness)
         ->type_name("");
   } else if (takes & kNames) {
-    sub.add_option("NAME", raw.names, verb.namesHelp)->check(emptiness)->type_name("");
+    sub.add_option("NAME", raw.names, say(verb.namesHelp))->check(emptiness)->type_name("");
   }
   if (takes & kSelect) {
-    addTexts(sub, "--include", raw.include, "Only what this pattern fits; may be repeated",
+    addTexts(sub, "--include", raw.include, {509, "Only what this pattern fits; may be repeated"},
              "PATTERN");
-    addTexts(sub, "--exclude", raw.exclude, "Not what this pattern fits; may be repeated",
+    addTexts(sub, "--exclude", raw.exclude, {510, "Not what this pattern fits; may be repeated"},
              "PATTERN");
     addText(sub, "--files-from", raw.filesFrom,
-            "More names, one per line of this file; - is standard input", "FILE");
+            {511, "More names, one per line of this file; - is standard input"}, "FILE");
   }
   if (takes & kFiles) addPackOptions(sub, options, raw);
   if ((takes & kFiles) || verb.name == std::string_view("extract")) addOverwrite(sub, options);
   if (verb.name == std::string_view("extract"))
-    addText(sub, "-o,--output", raw.output, "The folder to extract to", "FOLDER");
+    addText(sub, "-o,--output", raw.output, {512, "The folder to extract to"}, "FOLDER");
   if (verb.name == std::string_view("info"))
-    addText(sub, "--dot", raw.dot, "Write a graph for Graphviz to this file; - is standard output",
-            "FILE");
+    addText(sub, "--dot", raw.dot,
+            {513, "Write a graph for Graphviz to this file; - is standard output"}, "FILE");
   if (verb.name == std::string_view("list"))
-    sub.add_flag("--names", options.namesOnly, "Only the names, one per line");
+    sub.add_flag("--names", options.namesOnly, say({514, "Only the names, one per line"}));
   if (verb.name == std::string_view("delete"))
-    sub.add_flag("--physically", options.physically, "For good, by rewriting the file");
+    sub.add_flag("--physically", options.physically, say({515, "For good, by rewriting the file"}));
   if (verb.name == std::string_view("recover")) addRecover(sub, options);
-  if (takes & kDeletedToo) sub.add_flag("--deleted", options.deleted, "Deleted members, too");
-  if (takes & kWrites) sub.add_flag("--dry-run", options.dryRun, "Only show what would be done");
+  if (takes & kDeletedToo)
+    sub.add_flag("--deleted", options.deleted, say({516, "Deleted members, too"}));
+  if (takes & kWrites)
+    sub.add_flag("--dry-run", options.dryRun, say({517, "Only show what would be done"}));
   if (takes & kLocks)
     sub.add_option("--lock-timeout", options.lockSeconds,
-                   "Seconds to wait while another program writes (default 5)")
+                   say({518, "Seconds to wait while another program writes (default 5)"}))
         ->check(noSeconds)
         ->type_name("SECONDS");
-  addTalkOptions(sub, options, "Name each member");
+  addTalkOptions(sub, options, kVerboseHelp);
+  addLanguage(sub, raw);
 }
 
 // What CLI11 cannot say; empty when all is well.
 std::string complaint(const Verb& verb, const Options& options) {
   if ((verb.takes & kNeedsName) && options.names.empty() && !options.filesFrom)
-    return "name what to " + std::string(verb.name);
+    return say({520, "name what to %1"}, verb.name);
   if (!(verb.takes & kFiles)) return {};
   const auto inputs = std::count(options.names.begin(), options.names.end(), L"-");
   const bool listFromInput = options.filesFrom && *options.filesFrom == L"-";
-  if (inputs + listFromInput > 1) return "standard input can be used once only";
+  if (inputs + listFromInput > 1) return say({521, "standard input can be used once only"});
   if ((inputs > 0) == options.memberName.empty())
-    return inputs ? "data from standard input needs --name" : "--name goes with - as a file";
+    return inputs ? say({522, "data from standard input needs --name"})
+                  : say({523, "--name goes with - as a file"});
   return {};
 }
 
@@ -128,9 +157,32 @@ void take(Options& options, const Raw& raw, const CLI::App& sub) {
   if (given("--dot")) options.dot = wide(raw.dot);
 }
 
+// The language is wanted before anything is said, the verb's help too: so it may stand before the
+// verb, and is taken out of the line.
+std::optional<std::string> takeLanguage(std::vector<std::string>& arguments) {
+  constexpr std::string_view kName = "--language";
+  std::optional<std::string> language;
+  for (auto word = arguments.begin(); word != arguments.end() && *word != "--";) {
+    const bool isAssigned = word->starts_with(kName) && word->substr(kName.size(), 1) == "=";
+    if (!isAssigned && (*word != kName || word + 1 == arguments.end())) {
+      ++word;
+      continue;
+    }
+    language = isAssigned ? word->substr(kName.size() + 1) : *(word + 1);
+    word = arguments.erase(word, word + (isAssigned ? 1 : 2));
+  }
+  return language;
+}
+
+std::string fromEnvironment() {
+  const char* const language = std::getenv("ZOLIB_LANGUAGE");
+  return language ? language : std::string();
+}
+
 class ZolibCommandLine final : public CommandLine {
  public:
   explicit ZolibCommandLine(Console& console);
+  using CommandLine::wrong;
 
  private:
   ExitCode runVerb(const CLI::App& sub) override;
@@ -140,10 +192,12 @@ class ZolibCommandLine final : public CommandLine {
 };
 
 ZolibCommandLine::ZolibCommandLine(Console& console)
-    : CommandLine(console, options_, "Keeps libraries: many members, packed, in one file.",
+    : CommandLine(console, options_, {524, "Keeps libraries: many members, packed, in one file."},
                   kGeneralHelp) {
-  for (const Verb& verb : verbs()) addVerb(app(), verb, options_, raw_);
-  addHelp("Name each member");
+  for (const Verb& verb : verbs())
+    addOptions(addVerb(verb.name, verb.summary), verb, options_, raw_);
+  addHelp(kVerboseHelp);
+  addLanguage(app(), raw_);
 }
 
 ExitCode ZolibCommandLine::runVerb(const CLI::App& sub) {
@@ -160,7 +214,13 @@ ExitCode ZolibCommandLine::runVerb(const CLI::App& sub) {
 const char* const kProgram = "zolib";
 
 ExitCode runCommandLine(const std::vector<std::string>& arguments, Console& console) {
-  return ZolibCommandLine(console).run(arguments);
+  std::vector<std::string> rest = arguments;
+  const std::optional<std::string> language = takeLanguage(rest);
+  const bool isKnown = speak(toWide(language ? *language : fromEnvironment()));
+  ZolibCommandLine line(console);
+  if (language && !isKnown)
+    return line.wrong(say({526, "%1 is no language such as de-AT"}, *language));
+  return line.run(rest);
 }
 
 }  // namespace zolib

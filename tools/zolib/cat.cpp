@@ -39,8 +39,8 @@ bool readMember(Session& session, const ZoLibEntry& entry, Report& report, const
     if (isCancelled())
       report.cancelled();
     else
-      report.fail(kDamaged, "cannot read " + name + " in " + session.name() +
-                                because("it is damaged") + "; see `zolib test`");
+      report.fail(kDamaged, {220, "cannot read %1 in %2%3; see `zolib test`"}, name, session.name(),
+                  because({221, "it is damaged"}));
     return false;
   }
   std::vector<char> buffer(std::size_t{256} * 1024);
@@ -57,7 +57,7 @@ bool readMember(Session& session, const ZoLibEntry& entry, Report& report, const
     if (report.console().outputFailed()) return false;
   }
   if (left)
-    report.fail(kDamaged, "cannot read all of " + name + " in " + session.name() + because());
+    report.fail(kDamaged, {222, "cannot read all of %1 in %2%3"}, name, session.name(), because());
   return !left;
 }
 

@@ -21,10 +21,9 @@ bool goesOn(Report& report) {
 }
 
 void sumUp(const Options& options, Report& report, const Session& session,
-           const std::string& action) {
+           const std::string& action, const Text& sum) {
   report.json()[action] = report.count(action);
-  if (!options.dryRun)
-    report.note(session.name() + ": " + counted(report.count(action), "member") + " " + action);
+  if (!options.dryRun) report.note(sum, session.name(), report.count(action));
 }
 
 }  // namespace
@@ -44,9 +43,9 @@ void remove(const Options& options, Report& report) {
     if (!code)
       report.member(entry.name.view(), "deleted");
     else
-      session.reportFailure("cannot delete " + toUtf8(entry.name.view()), code);
+      session.reportFailure(say({300, "cannot delete %1"}, entry.name.view()), code);
   }
-  sumUp(options, report, session, "deleted");
+  sumUp(options, report, session, "deleted", {301, "%1: %{?2 1 member|%2 members} deleted"});
   session.close();
 }
 
@@ -105,13 +104,13 @@ void recover(const Options& options, Report& report) {
     int code = options.dryRun ? 0 : recoverOne(session, entry, newName);
     if (options.dryRun && session->contains(entry.name)) code = ZoResult::memberExists;
     if (code) {
-      session.reportFailure("cannot recover " + toUtf8(entry.name.view()), code);
+      session.reportFailure(say({302, "cannot recover %1"}, entry.name.view()), code);
       continue;
     }
     Json& json = report.member(entry.name.view(), "recovered");
     if (!newName.empty()) json["to"] = toUtf8(newName);
   }
-  sumUp(options, report, session, "recovered");
+  sumUp(options, report, session, "recovered", {303, "%1: %{?2 1 member|%2 members} recovered"});
   session.close();
 }
 
@@ -121,11 +120,14 @@ void rename(const Options& options, Report& report) {
   if (!session.openToWrite()) return;
   const std::wstring& from = options.names[0];
   std::wstring to = options.names[1];
+  const bool isMember = session->contains(ZoFileName(from));
+  while (!isMember && (to.ends_with(L'/') || to.ends_with(L'\\'))) to.pop_back();
+  const std::optional<Text> refusal = refusalOf(to);
+  to = memberName(to);  // "a/./b" is no name that a file can have
   std::vector<std::pair<ZoFileName, std::wstring>> renames;
-  if (session->contains(ZoFileName(from))) {
+  if (isMember) {
     renames.emplace_back(ZoFileName(from), to);
   } else {
-    while (to.ends_with(L'/') || to.ends_with(L'\\')) to.pop_back();
     const std::wstring folder = folded(from) + (folded(from).ends_with(L'/') ? L"" : L"/");
     for (const ZoLibEntry& entry : session.select(Session::kLive, {})) {
       const std::wstring_view name = entry.name.view();
@@ -134,10 +136,11 @@ void rename(const Options& options, Report& report) {
     }
   }
   if (renames.empty())
-    report.fail(kNotFound, session.name() + " has no member " + toUtf8(from) +
-                               "; `zolib list` shows what it has");
-  if (const auto why = refusalOf(to)) {
-    report.fail(kFailed, "cannot rename anything to " + toUtf8(options.names[1]) + ": " + *why);
+    report.fail(kNotFound, {109, "%1 has no member %2; `zolib list` shows what it has"},
+                session.name(), from);
+  if (refusal) {
+    report.fail(kFailed, {305, "cannot rename anything to %1: %2"}, options.names[1],
+                say(*refusal));
     renames.clear();
   }
   for (const auto& [name, newName] : renames) {
@@ -150,10 +153,10 @@ void rename(const Options& options, Report& report) {
     if (!code)
       report.member(name.view(), "renamed")["to"] = toUtf8(newName);
     else
-      session.reportFailure("cannot rename " + toUtf8(name.view()) + " to " + toUtf8(newName), code,
-                            "is the new name one for a member?");
+      session.reportFailure(say({306, "cannot rename %1 to %2"}, name.view(), newName), code,
+                            say({307, "is the new name one for a member?"}));
   }
-  sumUp(options, report, session, "renamed");
+  sumUp(options, report, session, "renamed", {304, "%1: %{?2 1 member|%2 members} renamed"});
   session.close();
 }
 

@@ -20,19 +20,19 @@ std::vector<std::wstring> wide(const std::vector<std::string>& texts);
 // What is wrong with an empty text; nothing with another.
 std::string emptiness(const std::string& text);
 // A text that must not be empty: a script's variable that is not set is no name.
-CLI::Option* addText(CLI::App& app, const char* name, std::string& text, const char* help,
+CLI::Option* addText(CLI::App& app, const char* name, std::string& text, const Text& help,
                      const char* type);
 // One text each time it is given.
-void addTexts(CLI::App& app, const char* name, std::vector<std::string>& texts, const char* help,
+void addTexts(CLI::App& app, const char* name, std::vector<std::string>& texts, const Text& help,
               const char* type);
 // --json, --quiet, --verbose.
-void addTalkOptions(CLI::App& app, TalkOptions& options, const char* verboseHelp);
+void addTalkOptions(CLI::App& app, TalkOptions& options, const Text& verboseHelp);
 
 // One command line. Who derives from it adds verbs to app() and, behind them, addHelp().
 class CommandLine {
  public:
   // The options need not be made yet.
-  CommandLine(Console& console, TalkOptions& options, const char* purpose, const char* generalHelp);
+  CommandLine(Console& console, TalkOptions& options, const Text& purpose, const Text& generalHelp);
   CommandLine(const CommandLine&) = delete;
   CommandLine& operator=(const CommandLine&) = delete;
   virtual ~CommandLine() = default;
@@ -43,8 +43,11 @@ class CommandLine {
   // The verb that TalkOptions::verb names, with its options filled.
   virtual ExitCode runVerb(const CLI::App& sub) = 0;
 
-  void addHelp(const char* verboseHelp);
+  CLI::App& addVerb(const char* name, const Text& summary);
+  void addHelp(const Text& verboseHelp);
   ExitCode wrong(const std::string& text);
+  // What the parser complains of, in words of our own.
+  [[nodiscard]] static std::string complaintOf(const CLI::App& app, const CLI::ParseError& error);
   [[nodiscard]] CLI::App& app() noexcept { return app_; }
   [[nodiscard]] Console& console() noexcept { return console_; }
 

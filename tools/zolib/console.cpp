@@ -49,6 +49,27 @@ void Console::out(std::string_view utf8) {
   if (pending_.size() >= kPiece) flush();
 }
 
+namespace {
+
+// The bytes of UTF-8 that are a control character: C0, DEL and C1.
+std::string harmless(std::string_view utf8) {
+  std::string text(utf8);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    if (byte < 0x20 || byte == 0x7F) text[i] = '?';
+    const bool isC1 =
+        byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
+    if (isC1) text.replace(i, 2, "?");
+  }
+  return text;
+}
+
+}  // namespace
+
+void Console::line(std::string_view utf8) {
+  out((outIsTerminal_ ? harmless(utf8) : std::string(utf8)) + "\n");
+}
+
 bool Console::flush() {
   if (pending_.empty()) return !outputFailed();
   if (outIsTerminal_) status({});
@@ -68,22 +89,45 @@ bool Console::readerLeft() const noexcept {
 void Console::err(std::string_view utf8) {
   flush();  // in the order in which it was said
   status({});
-  write(err_, errIsTerminal_, std::string(utf8) + (errIsTerminal_ ? "\r\n" : "\n"));
+  write(err_, errIsTerminal_, errIsTerminal_ ? harmless(utf8) + "\r\n" : std::string(utf8) + "\n");
 }
 
 void Console::status(std::string_view utf8) {
   if (!errIsTerminal_ || (utf8.empty() && !statusLength_)) return;
-  std::string line = "\r" + std::string(utf8);
+  std::string line = "\r" + harmless(utf8);
   if (utf8.size() < statusLength_) line.append(statusLength_ - utf8.size(), ' ');
   if (utf8.empty()) line += '\r';
   statusLength_ = utf8.size();
   write(err_, true, line);
 }
 
+namespace {
+
+// A line that is typed; Ctrl-Z, or Ctrl-D, at the begin of one ends the input.
+bool readTyped(HANDLE input, char* buffer, DWORD size, DWORD& got) {
+  static bool s_ended = false;
+  std::wstring line(std::min<std::size_t>(size / 4, 2048), L'\0');  // 3 bytes a unit at most
+  DWORD count = 0;
+  if (s_ended) return true;
+  if (!ReadConsoleW(input, line.data(), static_cast<DWORD>(line.size()), &count, nullptr))
+    return false;
+  line.resize(count);
+  s_ended = count > 0 && (line[0] == L'\x1A' || line[0] == L'\x04');
+  if (s_ended) return true;
+  const std::string utf8 = toUtf8(line);
+  std::copy(utf8.begin(), utf8.end(), buffer);
+  got = static_cast<DWORD>(utf8.size());
+  return true;
+}
+
+}  // namespace
+
 bool readInput(void* buffer, DWORD size, DWORD& got) {
   got = 0;
-  return ReadFile(GetStdHandle(STD_INPUT_HANDLE), buffer, size, &got, nullptr) ||
-         GetLastError() == ERROR_BROKEN_PIPE || GetLastError() == ERROR_HANDLE_EOF;
+  const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+  if (isTerminal(input)) return readTyped(input, static_cast<char*>(buffer), size, got);
+  return ReadFile(input, buffer, size, &got, nullptr) || GetLastError() == ERROR_BROKEN_PIPE ||
+         GetLastError() == ERROR_HANDLE_EOF;
 }
 
 }  // namespace zolib

@@ -20,6 +20,9 @@ class Console {
 
   // Text, or any bytes when standard output is no terminal. Collected, and written in large pieces.
   void out(std::string_view utf8);
+  // A line of text. On a terminal its control characters are shown as "?": in a name they could do
+  // whatever the terminal can.
+  void line(std::string_view utf8);
   // Whether all of it could be written so far.
   bool flush();
   [[nodiscard]] bool outputFailed() const noexcept { return error_ != ERROR_SUCCESS; }
@@ -27,7 +30,7 @@ class Console {
   // Whether that was because nobody reads it any more, as behind "| head".
   [[nodiscard]] bool readerLeft() const noexcept;
 
-  // A line to standard error.
+  // The same to standard error.
   void err(std::string_view utf8);
   [[nodiscard]] bool errIsTerminal() const noexcept { return errIsTerminal_; }
   // Replaces the status line, an empty text removes it. Nothing without a terminal.
@@ -43,7 +46,8 @@ class Console {
   std::string pending_;
 };
 
-// Reads up to `size` bytes from standard input; 0 at its end. False for a failure.
+// Reads up to `size` bytes from standard input, at least 4; 0 at its end. False for a failure. What
+// is typed on a terminal comes as UTF-8, and ends with Ctrl-Z or Ctrl-D at the begin of a line.
 bool readInput(void* buffer, DWORD size, DWORD& got);
 
 }  // namespace zolib

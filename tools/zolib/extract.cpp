@@ -24,12 +24,14 @@ class Extractor {
     const std::wstring_view member = entry.name.view();
     session_.progress().begin(toUtf8(member), entry.size);
     if (const auto why = refusalOf(member)) {
-      report_.member(member, "refused")["why"] = *why;
-      report_.warn("refused to extract " + toUtf8(member) + ": " + *why +
-                   "; `zolib rename` gives it another name, `zolib cat` its content");
+      report_.member(member, "refused")["why"] = say(*why);
+      report_.warn({250,
+                    "refused to extract %1: %2; `zolib rename` gives it another name, `zolib cat` "
+                    "its content"},
+                   member, say(*why));
       return;
     }
-    const std::wstring target = joined(root_, member);
+    const std::wstring target = joined(root_, memberName(member));  // "a/./b" as a/b
     if (!options_.dryRun && !makeFolder(target)) return;
     if (keepsTarget(entry, target)) {
       report_.member(member, "kept");
@@ -44,9 +46,9 @@ class Extractor {
     for (const char* action : {"extracted", "kept", "refused"})
       json[action] = report_.count(action);
     if (options_.dryRun) return;
-    std::string text =
-        session_.name() + ": " + counted(report_.count("extracted"), "member") + " extracted";
-    if (report_.count("kept")) text += ", " + std::to_string(report_.count("kept")) + " kept";
+    std::string text = say({251, "%1: %{?2 1 member|%2 members} extracted"}, session_.name(),
+                           report_.count("extracted"));
+    if (report_.count("kept")) text += ", " + say({205, "%1 kept"}, report_.count("kept"));
     report_.note(text);
   }
 
@@ -60,7 +62,7 @@ class Extractor {
     if (options_.overwrite == Overwrite::kNewer)
       return ticks(entry.written) <= ticks(find.lastWriteTime());
     if (options_.overwrite == Overwrite::kUnsaid)
-      report_.warn("kept " + toUtf8(target) + ": it exists; say --overwrite always or newer");
+      report_.warn({252, "kept %1: it exists; say --overwrite always or newer"}, target);
     return true;
   }
 
@@ -74,7 +76,7 @@ class Extractor {
       if (!(files.getAttributes(name) & FILE_ATTRIBUTE_DIRECTORY)) {
         if (files.createDirectory(name)) {
           folders_.erase(known);
-          report_.fail(kFailed, "cannot make the folder " + toUtf8(folder) + because());
+          report_.fail(kFailed, {253, "cannot make the folder %1%2"}, folder, because());
           return false;
         }
         known->second = true;
@@ -88,14 +90,16 @@ class Extractor {
     forgetReason();
     const int code = session_->extractFile(entry.name, ZoFileName(target));
     if (!code) return true;
-    const std::string what = "cannot extract " + toUtf8(entry.name.view());
-    if (reason().empty() && !session_->wasCancelled() && session_->verify(entry)) {
-      report_.fail(kDamaged,
-                   what + " from " + session_.name() + ": it is damaged; nothing was written");
+    const std::string why = reason();  // before the next call has another one
+    const std::wstring_view name = entry.name.view();
+    if (why.empty() && !session_->wasCancelled() && session_->verify(entry)) {
+      report_.fail(kDamaged, {254, "cannot extract %1 from %2: it is damaged; nothing was written"},
+                   name, session_.name());
     } else {
       const bool exists = ZoSystem::fileSystem().getAttributes(ZoFileName(target)) != 0;
-      session_.reportFailure(what + " to " + toUtf8(target), code,
-                             exists ? "is that one read-only, or open in a program?" : "");
+      session_.reportFailure(
+          say({255, "cannot extract %1 to %2"}, name, target), code, why,
+          exists ? say({256, "is that one read-only, or open in a program?"}) : std::string());
     }
     return false;
   }
@@ -118,7 +122,7 @@ void extract(const Options& options, Report& report) {
   const ZoFileName root(shellPath(options.output));
   const unsigned int target = root.isEmpty() ? 0 : ZoSystem::fileSystem().getAttributes(root);
   if (target && !(target & FILE_ATTRIBUTE_DIRECTORY)) {
-    report.fail(kFailed, toUtf8(options.output) + " is a file; name a folder to extract to");
+    report.fail(kFailed, {257, "%1 is a file; name a folder to extract to"}, options.output);
     return;
   }
   const std::vector<ZoLibEntry> entries = session.select(Session::kLive);

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "names.h"
+#include "say.h"
 #include "text.h"
 
 namespace zolib {
@@ -18,9 +19,9 @@ ZoDottyGraph graphOf(const std::string& library, const std::vector<ZoLibEntry>& 
     const std::wstring_view name = entry.name.view();
     const std::wstring_view folder = folderOf(name);
     const std::wstring_view leaf = name.substr(folder.empty() ? 0 : folder.size() + 1);
-    const std::string sizes = readableSize(entry.size) + ", packed " +
-                              readableSize(entry.storedSize) +
-                              (entry.isDeleted() ? ", deleted" : "");
+    const std::string sizes =
+        say({460, "%1, packed %2"}, readableSize(entry.size), readableSize(entry.storedSize)) +
+        (entry.isDeleted() ? say({461, ", deleted"}) : std::string());
     std::wstring attributes =
         L"shape=box,label=\"" + escaped(leaf) + L"\\n" + toWide(sizes) + L"\"";
     if (entry.isDeleted()) attributes += L",style=dashed,color=grey,fontcolor=grey";
@@ -32,8 +33,8 @@ ZoDottyGraph graphOf(const std::string& library, const std::vector<ZoLibEntry>& 
     if (isNew) found->second = graph.addCluster(escaped(folder).c_str());
     graph.putNodeToCluster(&entry, found->second);
   }
-  const std::string note = std::to_string(entries.size()) + " members, " + readableSize(size) +
-                           ", packed " + readableSize(packed);
+  const std::string note = say({462, "%1 members, %2, packed %3"}, entries.size(),
+                               readableSize(size), readableSize(packed));
   graph.addNote(escaped(toWide(library)).c_str());
   graph.addNote(toWide(note).c_str());
   return graph;

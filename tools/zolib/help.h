@@ -5,6 +5,7 @@
 
 #include "options.h"
 #include "report.h"
+#include "say.h"
 
 namespace zolib {
 
@@ -24,16 +25,15 @@ enum Takes : unsigned int {
 struct Verb {
   const char* name;
   const char* alias;  // or empty
-  const char* summary;
-  const char* namesHelp;
+  Text summary, namesHelp;
   unsigned int takes;
   void (*run)(const Options&, Report&);
-  const char* examples;
+  Text examples;
 };
 
 [[nodiscard]] std::span<const Verb> verbs() noexcept;
 
 // Behind the list of verbs: names, exit codes, where to read on.
-extern const char* const kGeneralHelp;
+extern const Text kGeneralHelp;
 
 }  // namespace zolib

@@ -30,7 +30,7 @@ void writeGraph(const Options& options, const std::wstring& path, Report& report
   if (const int code = graph.writeGraph(shellPath(path).c_str())) {
     SetLastError(static_cast<DWORD>(code));
     ZoSystem::fileSystem().errorIO(L"zolib");
-    report.fail(kFailed, "cannot write " + toUtf8(path) + because("it was refused"));
+    report.fail(kFailed, {420, "cannot write %1%2"}, path, because(kRefused));
   }
 }
 
@@ -69,20 +69,19 @@ void info(const Options& options, Report& report) {
   json["trailingBytes"] = session->trailingBytes();
   if (options.dot) return writeGraph(options, *options.dot, report, entries);
   if (!options.json) {
-    const auto line = [&](std::string_view what, const std::string& text) {
-      std::string label(what);
-      label.resize(13, ' ');
-      report.console().out(label + text + "\n");
+    const auto line = [&](const Text& what, const std::string& text) {
+      std::string label;
+      appendLeft(label, say(what), 11);
+      report.console().line(label + text);
     };
-    line("library", session.name());
-    line("file", std::to_string(file) + " bytes");
-    line("members", std::to_string(live) + ", " + std::to_string(size) + " bytes, packed " +
-                        std::to_string(packed) + " (" + ratioText(packed, size) + ")");
-    line("deleted", std::to_string(deleted) + ", " + std::to_string(deletedBytes) +
-                        " bytes that reorganize frees");
-    line("unprotected", std::to_string(unprotected));
-    line("counter", std::to_string(session->counter()));
-    line("check sum", checkSum);
+    line({421, "library"}, session.name());
+    line({422, "file"}, say({423, "%1 bytes"}, file));
+    line({424, "members"},
+         say({425, "%1, %2 bytes, packed %3 (%4)"}, live, size, packed, ratioText(packed, size)));
+    line({426, "deleted"}, say({427, "%1, %2 bytes that reorganize frees"}, deleted, deletedBytes));
+    line({75, "unprotected"}, std::to_string(unprotected));
+    line({428, "counter"}, std::to_string(session->counter()));
+    line({429, "check sum"}, checkSum);
   }
   session.reportTrailing(kWarnings);
 }

@@ -15,18 +15,14 @@ const char* modeText(const ZoLibEntry& entry) noexcept {
                                           : "normal";
 }
 
-const char* stateText(const ZoLibEntry& entry, bool hidden) noexcept {
-  if (entry.isDeleted()) return "deleted";
-  if (hidden) return "hidden";  // another member of the name comes first
-  return entry.isProtected ? "ok" : "unprotected";
-}
+// Which of kStates; in JSON the word itself.
+enum State : unsigned int { kOkState, kUnprotectedState, kDeletedState, kHiddenState };
+constexpr const char* kStates[] = {"ok", "unprotected", "deleted", "hidden"};
 
-void appendRight(std::string& line, std::string_view text, std::size_t width) {
-  line.append(width > text.size() ? width - text.size() : 0, ' ').append(text).append("  ");
-}
-
-void appendLeft(std::string& line, std::string_view text, std::size_t width) {
-  line.append(text).append(width > text.size() ? width - text.size() : 0, ' ').append("  ");
+State stateOf(const ZoLibEntry& entry, bool hidden) noexcept {
+  if (entry.isDeleted()) return kDeletedState;
+  if (hidden) return kHiddenState;  // another member of the name comes first
+  return entry.isProtected ? kOkState : kUnprotectedState;
 }
 
 std::string row(std::string_view size, std::string_view packed, std::string_view ratio,
@@ -40,7 +36,7 @@ std::string row(std::string_view size, std::string_view packed, std::string_view
   appendLeft(line, modified, 16);
   appendLeft(line, mode, 6);
   appendLeft(line, state, 11);
-  return line.append(name).append("\n");
+  return line.append(name);
 }
 
 Json toJson(const ZoLibEntry& entry, bool hidden) {
@@ -51,7 +47,7 @@ Json toJson(const ZoLibEntry& entry, bool hidden) {
           {"created", isoTime(entry.created)},
           {"accessed", isoTime(entry.accessed)},
           {"mode", modeText(entry)},
-          {"state", stateText(entry, hidden)},
+          {"state", kStates[stateOf(entry, hidden)]},
           {"number", entry.number},
           {"position", entry.position}};
 }
@@ -67,7 +63,11 @@ void list(const Options& options, Report& report) {
   Console& console = report.console();
   const bool table = !options.json && !options.namesOnly;
   if (table && !options.quiet)
-    console.out(row("SIZE", "PACKED", "RATIO", "MODIFIED", "MODE", "STATE", "NAME"));
+    console.line(row(say({440, "SIZE"}), say({441, "PACKED"}), say({442, "RATIO"}),
+                     say({443, "MODIFIED"}), say({444, "MODE"}), say({445, "STATE"}),
+                     say({446, "NAME"})));
+  const std::string states[] = {say({73, "ok"}), say({75, "unprotected"}), say({65, "deleted"}),
+                                say({70, "hidden"})};
   std::uint64_t size = 0, packed = 0;
   Json members = Json::array();
   for (std::size_t i = 0; i < entries.size() && !console.outputFailed(); ++i) {
@@ -77,16 +77,17 @@ void list(const Options& options, Report& report) {
     if (options.json) {
       members.push_back(toJson(entry, hidden[i]));
     } else if (options.namesOnly) {
-      console.out(toUtf8(entry.name.view()) + "\n");
+      console.line(toUtf8(entry.name.view()));
     } else {
-      console.out(row(std::to_string(entry.size), std::to_string(entry.storedSize),
-                      ratioText(entry.storedSize, entry.size), localTime(entry.written),
-                      modeText(entry), stateText(entry, hidden[i]), toUtf8(entry.name.view())));
+      console.line(row(std::to_string(entry.size), std::to_string(entry.storedSize),
+                       ratioText(entry.storedSize, entry.size), localTime(entry.written),
+                       modeText(entry), states[stateOf(entry, hidden[i])],
+                       toUtf8(entry.name.view())));
     }
   }
   if (table && !options.quiet)
-    console.out(row(std::to_string(size), std::to_string(packed), ratioText(packed, size), "", "",
-                    "", counted(entries.size(), "member")));
+    console.line(row(std::to_string(size), std::to_string(packed), ratioText(packed, size), "", "",
+                     "", say({447, "%{?1 1 member|%1 members}"}, entries.size())));
   if (options.json) {
     report.json()["members"] = std::move(members);
     report.json()["size"] = size;

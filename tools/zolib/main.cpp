@@ -4,7 +4,10 @@
 #include <shellapi.h>
 #include <zo/attach/life_cycle.h>
 
+#include <cstdlib>
 #include <exception>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <new>
 #include <string>
@@ -12,10 +15,19 @@
 
 #include "cancel.h"
 #include "console.h"
+#include "names.h"
 #include "program.h"
 #include "text.h"
 
 namespace {
+
+// Those of a shell that has more than a command line takes: each ends with a zero byte.
+void appendFromFile(std::vector<std::string>& arguments) {
+  const wchar_t* const name = _wgetenv(L"ZOLIB_ARGUMENTS");
+  if (!name) return;
+  std::ifstream file(std::filesystem::path(zolib::shellPath(name)), std::ios::binary);
+  for (std::string argument; std::getline(file, argument, '\0');) arguments.push_back(argument);
+}
 
 std::vector<std::string> arguments() {
   int count = 0;
@@ -23,6 +35,7 @@ std::vector<std::string> arguments() {
       CommandLineToArgvW(GetCommandLineW(), &count), &LocalFree);
   std::vector<std::string> result;
   for (int i = 1; i < count; ++i) result.push_back(zolib::toUtf8(wide.get()[i]));
+  appendFromFile(result);
   return result;
 }
 

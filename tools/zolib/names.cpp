@@ -25,6 +25,7 @@ std::vector<std::wstring_view> levelsOf(std::wstring_view path) {
 }  // namespace
 
 std::wstring shellPath(std::wstring_view path) {
+  if (path.starts_with(L'$')) return L"./" + std::wstring(path);  // no macro of a file name
   if (!path.starts_with(L'/') || path.starts_with(L"//")) return std::wstring(path);
   std::wstring root(GetEnvironmentVariableW(L"ZOLIB_ROOT", nullptr, 0), L'\0');
   root.resize(GetEnvironmentVariableW(L"ZOLIB_ROOT", root.data(), static_cast<DWORD>(root.size())));
@@ -58,28 +59,28 @@ std::wstring memberName(std::wstring_view path) {
   return name;
 }
 
-std::optional<std::string> refusalOf(std::wstring_view member) {
-  if (member.empty()) return "it has no name that a file can have";
-  if (isSlash(member[0])) return "it is absolute";
+std::optional<Text> refusalOf(std::wstring_view member) {
+  if (member.empty()) return Text{470, "it has no name that a file can have"};
+  if (isSlash(member[0])) return Text{471, "it is absolute"};
   if (member.find(L':') != std::wstring_view::npos) {
     const bool drive = member.size() > 1 && member[1] == L':';
-    return drive ? "it names a drive" : "it names a stream (a colon)";
+    return drive ? Text{472, "it names a drive"} : Text{473, "it names a stream (a colon)"};
   }
-  if (isSlash(member.back())) return "it names a folder";
+  if (isSlash(member.back())) return Text{474, "it names a folder"};
   int depth = 0;
   for (const std::wstring_view level : levelsOf(member)) {
     if (level == L".") continue;
     if (level == L"..") {
-      if (--depth < 0) return "it leads out of the target folder";
+      if (--depth < 0) return Text{475, "it leads out of the target folder"};
       continue;
     }
     ++depth;
     if (level.ends_with(L' ') || level.ends_with(L'.'))
-      return "a level of it ends in a blank or a dot";
-    if (ZoFileName(level).hasDeviceName()) return "it names a device";
+      return Text{476, "a level of it ends in a blank or a dot"};
+    if (ZoFileName(level).hasDeviceName()) return Text{477, "it names a device"};
   }
   // What the file names themselves know beyond that; the library decides.
-  if (!ZoFileName(member).isContained()) return "the platform cannot keep it as it is";
+  if (!ZoFileName(member).isContained()) return Text{478, "the platform cannot keep it as it is"};
   return std::nullopt;
 }
 

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "say.h"
+
 namespace zolib {
 
 // A path as the user's shell has it. Under Wine the shell's root is not the current drive's: the
@@ -19,7 +21,7 @@ std::wstring memberName(std::wstring_view path);
 
 // Why a member is not written to a file of its name: it would lead out of the folder for which it
 // is meant, or the platform would take the name for something else. Nothing when it is safe.
-std::optional<std::string> refusalOf(std::wstring_view member);
+std::optional<Text> refusalOf(std::wstring_view member);
 
 // The two with a slash between, where the folder needs one.
 std::wstring joined(std::wstring_view folder, std::wstring_view name);

@@ -8,10 +8,10 @@
 namespace zolib {
 
 enum class Overwrite {
-  kUnsaid,  // add: always; update: newer; extract: never, with a warning
   kNever,
   kAlways,
   kNewer,
+  kUnsaid,  // add: always; update: newer; extract: never, with a warning
 };
 
 enum class Recover { kLatest, kFirst, kAll };  // of several deleted members of a name

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "say.h"
 #include "text.h"
 
 namespace zolib {
@@ -22,11 +23,11 @@ std::string progressLine(std::uint64_t done, std::uint64_t total, double seconds
       total ? std::min(1.0, static_cast<double>(done) / static_cast<double>(total)) : 0;
   const double rate = seconds > 0 ? static_cast<double>(done) / seconds : 0;
   const long left = share > 0 ? std::lround(std::min(seconds / share - seconds, 1e6)) : 0;
-  char text[80];
-  const int length =
-      std::snprintf(text, sizeof text, "%3.0f %%  %9s/s  %ld:%02ld left  ", 100 * share,
-                    readableSize(static_cast<std::uint64_t>(rate)).c_str(), left / 60, left % 60);
-  std::string line(text, static_cast<std::size_t>(length));
+  char text[40], time[24];
+  std::snprintf(text, sizeof text, "%3.0f %%  %9s/s  ", 100 * share,
+                readableSize(static_cast<std::uint64_t>(rate)).c_str());
+  std::snprintf(time, sizeof time, "%ld:%02ld", left / 60, left % 60);
+  std::string line = text + say({55, "%1 left"}, time) + "  ";
   const std::size_t room = kWidth - line.size();
   if (name.size() <= room) return line += name;
   name.remove_prefix(name.size() - room + 3);

@@ -12,6 +12,27 @@ namespace {
 
 constexpr int kJsonVersion = 1;
 
+// In JSON the word itself, in lines its text.
+constexpr struct {
+  std::string_view action;
+  Text text;
+} kActions[] = {
+    {"added", {60, "added"}},         {"replaced", {61, "replaced"}},
+    {"kept", {62, "kept"}},           {"extracted", {63, "extracted"}},
+    {"refused", {64, "refused"}},     {"deleted", {65, "deleted"}},
+    {"recovered", {66, "recovered"}}, {"renamed", {67, "renamed"}},
+    {"removed", {68, "removed"}},     {"salvaged", {69, "salvaged"}},
+    {"hidden", {70, "hidden"}},       {"lost", {71, "lost"}},
+    {"read", {72, "read"}},           {"ok", {73, "ok"}},
+    {"damaged", {74, "damaged"}},     {"unprotected", {75, "unprotected"}},
+};
+
+std::string wordOf(std::string_view action) {
+  for (const auto& row : kActions)
+    if (row.action == action) return say(row.text);
+  return std::string(action);
+}
+
 }  // namespace
 
 Report::Report(const TalkOptions& options, Console& console)
@@ -44,7 +65,7 @@ void Report::fail(ExitCode code, std::string_view text) {
 }
 
 void Report::cancelled() {
-  if (!cancelSaid_) fail(kCancelled, "cancelled; what was complete before is intact");
+  if (!cancelSaid_) fail(kCancelled, {50, "cancelled; what was complete before is intact"});
   cancelSaid_ = true;
 }
 
@@ -54,9 +75,10 @@ Json& Report::member(std::wstring_view name, std::string_view action) {
   if (options_.json) return members_.emplace_back(Json{{"name", text}, {"action", action}});
   if (options_.dryRun) {
     const bool stays = action == "kept" || action == "refused";
-    console_.out((stays ? "" : "would be ") + std::string(action) + "  " + text + "\n");
+    const std::string word = wordOf(action);
+    console_.line((stays ? word : say({51, "would be %1"}, word)) + "  " + text);
   } else if (options_.verbose) {
-    console_.err(std::string(action) + "  " + text);
+    console_.err(wordOf(action) + "  " + text);
   }
   return unused_ = Json::object();
 }
@@ -75,14 +97,11 @@ ExitCode Report::finish() {
   if (!console_.flush()) {
     code_ = graver(code_, kFailed);
     if (!console_.readerLeft())
-      console_.err(std::string(kProgram) + ": cannot write the output (error " +
-                   std::to_string(console_.outputError()) + "); is the disk full?");
+      console_.err(std::string(kProgram) + ": " +
+                   say({52, "cannot write the output (error %1); is the disk full?"},
+                       console_.outputError()));
   }
   return code_;
-}
-
-std::string counted(std::size_t count, std::string_view noun) {
-  return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
 }
 
 void forgetReason() {
@@ -99,12 +118,8 @@ std::string textOf(DWORD error) {
   return toUtf8({text, length});
 }
 
-}  // namespace
-
-std::string reason() {
-  std::string text = toUtf8(ZoSystem::fileSystem().errorTxt().view());
-  if (text == textOf(ERROR_SUCCESS)) return {};
-  if (text == textOf(ERROR_SHARING_VIOLATION)) return "another program has it open";
+// As a part of a line.
+std::string trimmed(std::string text) {
   for (char& c : text) {
     if (c == '\r' || c == '\n') c = ' ';
   }
@@ -112,10 +127,25 @@ std::string reason() {
   return text;
 }
 
-std::string because(std::string_view otherwise) {
+}  // namespace
+
+std::string reason() {
+  const std::string text = toUtf8(ZoSystem::fileSystem().errorTxt().view());
+  if (text == textOf(ERROR_SUCCESS)) return {};
+  if (text == textOf(ERROR_SHARING_VIOLATION)) return say({53, "another program has it open"});
+  return trimmed(text);
+}
+
+bool isDamage(const std::string& reason) { return reason == trimmed(textOf(ERROR_FILE_CORRUPT)); }
+
+std::string because() {
   const std::string why = reason();
-  if (!why.empty()) return ": " + why;
-  return otherwise.empty() ? std::string() : ": " + std::string(otherwise);
+  return why.empty() ? std::string() : ": " + why;
+}
+
+std::string because(const Text& otherwise) {
+  const std::string why = because();
+  return why.empty() ? ": " + say(otherwise) : why;
 }
 
 }  // namespace zolib

@@ -14,6 +14,7 @@
 #include "console.h"
 #include "exit_code.h"
 #include "options.h"
+#include "say.h"
 
 namespace zolib {
 
@@ -28,10 +29,23 @@ class Report {
   // Something was left out by a rule; ends with kWarnings at least.
   void warn(std::string_view text);
   void fail(ExitCode code, std::string_view text);
+  // The same, said in the user's language.
+  template <class... Fillings>
+  void note(const Text& text, const Fillings&... fillings) {
+    note(say(text, fillings...));
+  }
+  template <class... Fillings>
+  void warn(const Text& text, const Fillings&... fillings) {
+    warn(say(text, fillings...));
+  }
+  template <class... Fillings>
+  void fail(ExitCode code, const Text& text, const Fillings&... fillings) {
+    fail(code, say(text, fillings...));
+  }
   // Ends with this code at least; what there is to say is said elsewhere.
   void raise(ExitCode code) noexcept { code_ = graver(code_, code); }
-  // What became of a member: "added", "extracted". A line with --verbose, and with --dry-run, where
-  // it reads "would be added". Gives its JSON object to add to.
+  // What became of a member: "added", "extracted", as kActions has it. A line with --verbose, and
+  // with --dry-run, where it reads "would be added". Gives its JSON object to add to.
   Json& member(std::wstring_view name, std::string_view action);
   // How many members that was said of.
   [[nodiscard]] std::size_t count(std::string_view action) const;
@@ -55,14 +69,16 @@ class Report {
   bool cancelSaid_ = false;
 };
 
-// "3 members", "1 member".
-std::string counted(std::size_t count, std::string_view noun);
-
 // The platform's reason for the last failure, as a part of a line; empty when it gave none since
 // forgetReason().
 void forgetReason();
 std::string reason();
-// ": " and the reason, or else the text; nothing when that is empty, too.
-std::string because(std::string_view otherwise = {});
+// Whether a reason is that a file is damaged.
+bool isDamage(const std::string& reason);
+// ": " and the reason, or else the text, if any.
+std::string because();
+std::string because(const Text& otherwise);
+
+inline constexpr Text kRefused{54, "it was refused"};
 
 }  // namespace zolib

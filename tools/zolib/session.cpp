@@ -35,7 +35,7 @@ bool Session::openDamaged() { return open(ZoFile::kRead, ZoFile::kOpenExisting);
 bool Session::openToWrite(ZoFile::CreationMode mode) {
   const bool exists = ZoSystem::fileSystem().getAttributes(ZoFileName(path_)) != 0;
   if (mode == ZoFile::kCreateNew && exists) {
-    report_.fail(kFailed, shown_ + " exists already; add to it with `zolib add`");
+    report_.fail(kFailed, {100, "%1 exists already; add to it with `zolib add`"}, shown_);
     return false;
   }
   if (!options_.dryRun) return open(ZoFile::kReadWrite, mode) && checkMark();
@@ -47,11 +47,12 @@ bool Session::open(int access, ZoFile::CreationMode mode) {
   const ZoFileName name(path_);
   const unsigned int attributes = ZoSystem::fileSystem().getAttributes(name);
   if (attributes & FILE_ATTRIBUTE_DIRECTORY) {
-    report_.fail(kNotALibrary, shown_ + " is a folder; name a library file");
+    report_.fail(kNotALibrary, {101, "%1 is a folder; name a library file"}, shown_);
     return false;
   }
   if (!attributes && mode == ZoFile::kOpenExisting) {
-    report_.fail(kNotFound, "cannot find the library " + shown_ + because() + "; check its name");
+    report_.fail(kNotFound, {102, "cannot find the library %1%2; check its name"}, shown_,
+                 because());
     return false;
   }
   forgetReason();
@@ -60,13 +61,15 @@ bool Session::open(int access, ZoFile::CreationMode mode) {
     case ZoResult::ok:
       return true;
     case ZoResult::libraryWriteLocked:
-      report_.fail(kLocked, shown_ +
-                                " is locked: another program is writing to it; try again "
-                                "later, or wait longer with --lock-timeout");
+      report_.fail(kLocked,
+                   {103,
+                    "%1 is locked: another program is writing to it; try again later, or wait "
+                    "longer with --lock-timeout"},
+                   shown_);
       return false;
     default:
-      report_.fail(kFailed, "cannot open " + shown_ + because("it cannot be read or written") +
-                                "; check its name and your rights");
+      report_.fail(kFailed, {104, "cannot open %1%2; check its name and your rights"}, shown_,
+                   because({105, "it cannot be read or written"}));
       return false;
   }
 }
@@ -74,15 +77,17 @@ bool Session::open(int access, ZoFile::CreationMode mode) {
 bool Session::checkMark() {
   if (library_.isLibrary()) return true;
   static_cast<void>(library_.close());  // it was only read
-  report_.fail(kNotALibrary, shown_ +
-                                 " is not a library: it does not begin with a library's mark; "
-                                 "if it was one, `zolib salvage` looks for its members");
+  report_.fail(kNotALibrary,
+               {106,
+                "%1 is not a library: it does not begin with a library's mark; if it was one, "
+                "`zolib salvage` looks for its members"},
+               shown_);
   return false;
 }
 
 void Session::close() {
   forgetReason();
-  if (library_.close()) report_.fail(kFailed, "cannot close " + shown_ + because());
+  if (library_.close()) report_.fail(kFailed, {107, "cannot close %1%2"}, shown_, because());
 }
 
 std::vector<ZoLibEntry> Session::select(Which which) {
@@ -91,8 +96,25 @@ std::vector<ZoLibEntry> Session::select(Which which) {
   return select(which, names);
 }
 
+// Those of members, though they look like patterns: who names "[x]" does not mean "x" as well.
+std::unordered_set<std::wstring> Session::wholeNames(Which which,
+                                                     const std::vector<std::wstring>& names) {
+  std::unordered_set<std::wstring> alike, whole;
+  for (const std::wstring& name : names)
+    if (name.find_first_of(L"[{") != std::wstring::npos) alike.insert(folded(name));
+  if (alike.empty()) return whole;
+  static_cast<void>(library_.forEachEntry(  // a failure is that of the search that follows
+      [&](const ZoLibEntry& entry) {
+        const std::wstring name = folded(entry.name.view());
+        if (alike.contains(name)) whole.insert(name);
+        return !isCancelled();
+      },
+      which != kLive));
+  return whole;
+}
+
 std::vector<ZoLibEntry> Session::select(Which which, const std::vector<std::wstring>& names) {
-  Selection selection(names, options_.include, options_.exclude);
+  Selection selection(names, options_.include, options_.exclude, wholeNames(which, names));
   std::vector<ZoLibEntry> entries;
   forgetReason();
   const int code = library_.forEachEntry(
@@ -106,10 +128,11 @@ std::vector<ZoLibEntry> Session::select(Which which, const std::vector<std::wstr
     report_.cancelled();
     return {};
   }
-  if (code) report_.fail(kFailed, "cannot read " + shown_ + because());
+  if (code) report_.fail(kFailed, {108, "cannot read %1%2"}, shown_, because());
   for (const std::wstring& name : selection.unmatched()) {
-    report_.fail(kNotFound, shown_ + " has no " + (which == kDeleted ? "deleted " : "") +
-                                "member " + toUtf8(name) + "; `zolib list` shows what it has");
+    const Text none{109, "%1 has no member %2; `zolib list` shows what it has"};
+    const Text noneDeleted{110, "%1 has no deleted member %2; `zolib list` shows what it has"};
+    report_.fail(kNotFound, which == kDeleted ? noneDeleted : none, shown_, name);
   }
   return entries;
 }
@@ -125,9 +148,11 @@ std::vector<bool> Session::hidden(const std::vector<ZoLibEntry>& entries) {
 bool Session::reportTrailing(ExitCode code) {
   const std::uint64_t bytes = library_.isOpen() ? library_.trailingBytes() : 0;
   if (!bytes) return false;
-  const std::string text = shown_ + ": " + counted(bytes, "byte") +
-                           " behind its last member are no member: left by a writer that was "
-                           "ended, or damage; `zolib salvage` finds members behind a damage";
+  const std::string text = say(
+      {111,
+       "%1: %2 %{?2 byte|bytes} behind its last member are no member: left by a writer that was "
+       "ended, or damage; `zolib salvage` finds members behind a damage"},
+      shown_, bytes);
   if (code == kWarnings)
     report_.warn(text);
   else
@@ -136,24 +161,29 @@ bool Session::reportTrailing(ExitCode code) {
 }
 
 void Session::reportFailure(std::string_view what, int code, std::string_view advice) {
+  reportFailure(what, code, reason(), advice);
+}
+
+void Session::reportFailure(std::string_view what, int code, const std::string& why,
+                            std::string_view advice) {
   if (library_.wasCancelled() || isCancelled()) return report_.cancelled();
-  const std::string why = reason();
   // A change that is refused for a damage has a reason, too.
   const bool mayBeDamaged = why.empty() || (code == ZoResult::refused && library_.isWritable());
-  if (mayBeDamaged && options_.verb != "salvage" && library_.trailingBytes()) {
-    report_.fail(kDamaged, std::string(what) + ": " + shown_ +
-                               " is damaged; get its members with `zolib salvage`");
+  const bool isDamaged = isDamage(why) || (mayBeDamaged && library_.trailingBytes());
+  if (isDamaged && options_.verb != "salvage") {
+    report_.fail(kDamaged, {112, "%1: %2 is damaged; get its members with `zolib salvage`"}, what,
+                 shown_);
     return;
   }
   switch (code) {
     case ZoResult::invalid:
-      return report_.fail(kFailed, std::string(what) + ": a URL cannot be a member's name");
+      return report_.fail(kFailed, {113, "%1: a URL cannot be a member's name"}, what);
     case ZoResult::memberExists:
-      return report_.fail(
-          kFailed, std::string(what) + ": a member has that name; rename or delete it first");
+      return report_.fail(kFailed, {114, "%1: a member has that name; rename or delete it first"},
+                          what);
     default:
-      return report_.fail(kFailed, std::string(what) + because("it was refused") +
-                                       (advice.empty() ? "" : "; ") + std::string(advice));
+      report_.fail(kFailed, std::string(what) + ": " + (why.empty() ? say(kRefused) : why) +
+                                (advice.empty() ? "" : "; ") + std::string(advice));
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "options.h"
@@ -39,6 +40,9 @@ class Session {
   bool reportTrailing(ExitCode code);
   // Says how a call on one member ended that did not end well: "cannot add", its name, why.
   void reportFailure(std::string_view what, int code, std::string_view advice = {});
+  // The same with a reason that was asked for before.
+  void reportFailure(std::string_view what, int code, const std::string& why,
+                     std::string_view advice);
 
   [[nodiscard]] bool isOpen() const noexcept { return library_.isOpen(); }
   [[nodiscard]] std::uint64_t fileSize() const;
@@ -48,6 +52,7 @@ class Session {
   ZoLibrary& operator*() noexcept { return library_; }
 
  private:
+  std::unordered_set<std::wstring> wholeNames(Which which, const std::vector<std::wstring>& names);
   bool open(int access, ZoFile::CreationMode mode);
   bool checkMark();
 

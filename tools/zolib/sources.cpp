@@ -51,7 +51,7 @@ class Walk {
 
  private:
   void notFound(const std::wstring& name) {
-    report_.fail(kNotFound, "cannot find " + toUtf8(name) + because() + "; check the name");
+    report_.fail(kNotFound, {150, "cannot find %1%2; check the name"}, name, because());
   }
 
   // What fits a path, whose last level may have wildcards.
@@ -81,7 +81,7 @@ class Walk {
     find.setAttributes(0);
     forgetReason();
     if (find.open(ZoFileName(joined(path, L"*")))) {
-      report_.fail(kFailed, "cannot read the folder " + toUtf8(path) + because());
+      report_.fail(kFailed, {151, "cannot read the folder %1%2"}, path, because());
       return;
     }
     while (!isCancelled() && find.next()) {
@@ -108,9 +108,11 @@ class Walk {
     const auto [first, isNew] = members_.try_emplace(key, path);
     if (!isNew) {
       if (fullPath(first->second) == full) return;  // named twice
-      report_.fail(kFailed, "left out " + toUtf8(path) + ": " + toUtf8(first->second) +
-                                " is the member " + toUtf8(member) +
-                                " already (case does not count); rename one of them");
+      report_.fail(kFailed,
+                   {152,
+                    "left out %1: %2 is the member %3 already (case does not count); rename one "
+                    "of them"},
+                   path, first->second, member);
       return;
     }
     found_.push_back({path, member, static_cast<std::uint64_t>(find.size()), find.lastWriteTime()});
@@ -148,13 +150,16 @@ bool readLines(const std::wstring& path, std::vector<std::wstring>& lines, Repor
   std::string text;
   if (!(path == L"-" ? readAllInput(text) : readWhole(shellPath(path), text))) {
     const bool missing = GetLastError() == ERROR_FILE_NOT_FOUND;
-    report.fail(missing ? kNotFound : kFailed,
-                "cannot read the names in " + toUtf8(path) + because());
+    report.fail(missing ? kNotFound : kFailed, {153, "cannot read the names in %1%2"}, path,
+                because());
     return false;
   }
   if (text.find('\0') != std::string::npos) {
-    report.fail(kFailed, "cannot read the names in " + toUtf8(path) +
-                             ": they hold zero bytes; one name per line, in UTF-8, is needed");
+    report.fail(kFailed,
+                {154,
+                 "cannot read the names in %1: they hold zero bytes; one name per line, in UTF-8, "
+                 "is needed"},
+                path);
     return false;
   }
   std::string_view left = text;
@@ -197,7 +202,7 @@ bool readInputInto(ZoFile& file, Report& report) {
   ZoFileName name(L"zolib.tmp");
   if (file.createTemp(name, ZoFile::kReadWrite, ZoFile::kCreateNew, ZoFile::kShareNone,
                       ZoFile::kTemporary | ZoFile::kDeleteOnClose)) {
-    report.fail(kFailed, "cannot make a temporary file" + because());
+    report.fail(kFailed, {155, "cannot make a temporary file%1"}, because());
     return false;
   }
   char buffer[64 * 1024];
@@ -208,12 +213,12 @@ bool readInputInto(ZoFile& file, Report& report) {
       read = readInput(buffer, sizeof buffer, got);
     }
     if (!read) {
-      report.fail(kFailed, "cannot read standard input");
+      report.fail(kFailed, {156, "cannot read standard input"});
       return false;
     }
     if (!got) break;
     if (file.write(buffer, got) != got) {
-      report.fail(kFailed, "cannot keep standard input in a temporary file" + because());
+      report.fail(kFailed, {157, "cannot keep standard input in a temporary file%1"}, because());
       return false;
     }
   }

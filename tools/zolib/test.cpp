@@ -25,23 +25,24 @@ void test(const Options& options, Report& report) {
       report.cancelled();
     } else if (code) {
       report.member(entry.name.view(), "damaged")["code"] = code;
-      report.fail(kDamaged, name + " is damaged" +
-                                because(code == 1000 ? "its bytes are not those of its check value"
-                                                     : "it cannot be read as a whole"));
+      report.fail(kDamaged, {400, "%1 is damaged%2"}, name,
+                  because(code == 1000 ? Text{401, "its bytes are not those of its check value"}
+                                       : Text{402, "it cannot be read as a whole"}));
     } else {
       report.member(entry.name.view(), entry.isProtected ? "ok" : "unprotected");
       if (!entry.isProtected && !options.verbose)
-        report.note(name + " is unprotected: its maker left no check value");
+        report.note({403, "%1 is unprotected: its maker left no check value"}, name);
     }
   }
   Json& json = report.json();
   for (const char* action : {"ok", "unprotected", "damaged"}) json[action] = report.count(action);
   json["trailingBytes"] = session->trailingBytes();
   session.reportTrailing(kDamaged);
-  std::string text = session.name() + ": " + counted(report.count("ok"), "member") + " ok";
-  if (report.count("unprotected"))
-    text += ", " + std::to_string(report.count("unprotected")) + " unprotected";
-  if (report.count("damaged")) text += ", " + std::to_string(report.count("damaged")) + " damaged";
+  std::string text =
+      say({404, "%1: %{?2 1 member|%2 members} ok"}, session.name(), report.count("ok"));
+  if (const std::size_t count = report.count("unprotected"))
+    text += say({405, ", %1 unprotected"}, count);
+  if (const std::size_t count = report.count("damaged")) text += say({406, ", %1 damaged"}, count);
   report.note(text);
 }
 

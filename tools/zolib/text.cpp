@@ -1,5 +1,6 @@
 #include "text.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <unordered_map>
 
@@ -96,6 +97,25 @@ std::string localTime(const FILETIME& time) {
   if (!FileTimeToSystemTime(&shifted, &local)) return "-";
   return formatted("%04u-%02u-%02u %02u:%02u", local.wYear, local.wMonth, local.wDay, local.wHour,
                    local.wMinute);
+}
+
+namespace {
+
+// The blanks that a text of less than so many characters lacks.
+std::size_t lacking(std::string_view utf8, std::size_t width) noexcept {
+  const auto characters = static_cast<std::size_t>(
+      std::ranges::count_if(utf8, [](char c) { return (c & 0xC0) != 0x80; }));
+  return width > characters ? width - characters : 0;
+}
+
+}  // namespace
+
+void appendRight(std::string& line, std::string_view utf8, std::size_t width) {
+  line.append(lacking(utf8, width), ' ').append(utf8).append("  ");
+}
+
+void appendLeft(std::string& line, std::string_view utf8, std::size_t width) {
+  line.append(utf8).append(lacking(utf8, width) + 2, ' ');
 }
 
 std::string isoTime(const FILETIME& time) {

@@ -25,6 +25,10 @@ std::string localTime(const FILETIME& time);
 // "2026-11-21T10:57:02.1234567Z"; empty for no time.
 std::string isoTime(const FILETIME& time);
 
+// Columns of a table: the text, filled up with blanks in front or behind, and two blanks.
+void appendRight(std::string& line, std::string_view utf8, std::size_t width);
+void appendLeft(std::string& line, std::string_view utf8, std::size_t width);
+
 constexpr std::uint64_t ticks(const FILETIME& time) noexcept {
   return std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
 }

@@ -24,7 +24,7 @@ void reorganize(const Options& options, Report& report) {
   session.progress().begin(session.name(), before);
   forgetReason();
   const int code = options.dryRun || report.code() ? 0 : session->reorganize();
-  if (code) session.reportFailure("cannot reorganize " + session.name(), code);
+  if (code) session.reportFailure(say({350, "cannot reorganize %1"}, session.name()), code);
   session.close();
   const std::uint64_t after = session.fileSize();
   Json& json = report.json();
@@ -32,8 +32,8 @@ void reorganize(const Options& options, Report& report) {
   json["sizeBefore"] = before;
   json["sizeAfter"] = after;
   if (!code && !report.code() && !options.dryRun)
-    report.note(session.name() + ": " + counted(deleted, "deleted member") + " removed; " +
-                readableSize(before) + " before, " + readableSize(after) + " now");
+    report.note({351, "%1: %{?2 1 deleted member|%2 deleted members} removed; %3 before, %4 now"},
+                session.name(), deleted, readableSize(before), readableSize(after));
 }
 
 namespace {
@@ -43,12 +43,12 @@ class Salvaged {
  public:
   Salvaged(const std::wstring& path, Report& report) : path_(shellPath(path)) {
     if (ZoSystem::fileSystem().getAttributes(ZoFileName(path_))) {
-      report.fail(kFailed, toUtf8(path) + " exists already; give the name of a new library");
+      report.fail(kFailed, {352, "%1 exists already; give the name of a new library"}, path);
       return;
     }
     forgetReason();
     if (library_.open(ZoFileName(path_), ZoFile::kReadWrite, ZoFile::kCreateNew))
-      report.fail(kFailed, "cannot make " + toUtf8(path) + because());
+      report.fail(kFailed, {353, "cannot make %1%2"}, path, because());
   }
   Salvaged(const Salvaged&) = delete;
   Salvaged& operator=(const Salvaged&) = delete;
@@ -86,16 +86,17 @@ void salvage(const Options& options, Report& report) {
     }
     if (found == ZoResult::memberExists) {
       report.member(entry.name.view(), "hidden")["size"] = entry.size;
-      report.warn(toUtf8(entry.name.view()) +
-                  " is there more than once: a further one was salvaged as a deleted member; "
-                  "`zolib recover --all` brings it back");
+      report.warn({354,
+                   "%1 is there more than once: a further one was salvaged as a deleted member; "
+                   "`zolib recover --all` brings it back"},
+                  entry.name.view());
       return !isCancelled();
     }
     report.member(entry.name.view(), "lost")["size"] = entry.size;
-    report.fail(kDamaged,
-                "lost " +
-                    (entry.name.isEmpty() ? "what cannot be read" : toUtf8(entry.name.view())) +
-                    ": it is damaged");
+    if (entry.name.isEmpty())
+      report.fail(kDamaged, {355, "lost what cannot be read: it is damaged"});
+    else
+      report.fail(kDamaged, {356, "lost %1: it is damaged"}, entry.name.view());
     return true;
   });
   const std::size_t salvaged = report.count("salvaged"), lost = report.count("lost");
@@ -103,15 +104,16 @@ void salvage(const Options& options, Report& report) {
   report.json()["salvaged"] = salvaged;
   report.json()["hidden"] = report.count("hidden");
   report.json()["lost"] = lost;
-  if (code) return session.reportFailure("cannot salvage " + session.name(), code);
+  if (code) return session.reportFailure(say({357, "cannot salvage %1"}, session.name()), code);
   if (!salvaged && !lost && !session->isLibrary()) {
-    report.fail(kNotALibrary, session.name() + " is not a library, and holds no members");
+    report.fail(kNotALibrary, {358, "%1 is not a library, and holds no members"}, session.name());
     return;
   }
   if (options.dryRun) return;
   target.keep();
-  report.note(session.name() + ": " + counted(salvaged, "member") + " salvaged into " +
-              toUtf8(name) + (lost ? ", " + std::to_string(lost) + " lost" : ""));
+  report.note(
+      say({359, "%1: %{?2 1 member|%2 members} salvaged into %3"}, session.name(), salvaged, name) +
+      (lost ? say({360, ", %1 lost"}, lost) : std::string()));
 }
 
 }  // namespace zolib

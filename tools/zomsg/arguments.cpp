@@ -11,8 +11,11 @@ using zolib::addText;
 using zolib::CommandLine;
 using zolib::Console;
 using zolib::ExitCode;
+using zolib::Text;
 
-constexpr const char* kGeneralHelp =
+// This tool speaks English.
+constexpr Text kGeneralHelp = {
+    0,
     "Message files are NAME.LANGUAGE.msg, and NAME.msg, the original.\n"
     "\n"
     "Exit codes: 0 ok, 1 done with warnings, 2 failed, 7 usage, 10 not found, 12 not a message "
@@ -24,9 +27,9 @@ constexpr const char* kGeneralHelp =
     "  zomsg check .\n"
     "  zomsg show parts.msg 17 Bolt 3 --language de\n"
     "\n"
-    "`zomsg help VERB` has the options and examples of a verb, the manual page zomsg(1) all.\n";
+    "`zomsg help VERB` has the options and examples of a verb, the manual page zomsg(1) all.\n"};
 
-constexpr const char* kVerboseHelp = "Name each file";
+constexpr Text kVerboseHelp{0, "Name each file"};
 
 struct Verb {
   const char* name;
@@ -62,14 +65,15 @@ std::string noLanguage(const std::string& text) {
 class ZomsgCommandLine final : public CommandLine {
  public:
   explicit ZomsgCommandLine(Console& console)
-      : CommandLine(console, options_, "Checks, shows and prepares message files.", kGeneralHelp) {
-    for (const Verb& verb : kVerbs) addVerb(verb);
+      : CommandLine(console, options_, {0, "Checks, shows and prepares message files."},
+                    kGeneralHelp) {
+    for (const Verb& verb : kVerbs) add(verb);
     addHelp(kVerboseHelp);
   }
 
  private:
-  void addVerb(const Verb& verb) {
-    CLI::App& sub = *app().add_subcommand(verb.name, verb.summary);
+  void add(const Verb& verb) {
+    CLI::App& sub = addVerb(verb.name, {0, verb.summary});
     sub.footer(std::string("Examples:\n") + verb.examples);
     const std::string_view name = verb.name;
     if (name == "check") {
@@ -80,7 +84,7 @@ class ZomsgCommandLine final : public CommandLine {
       sub.add_flag("--strict", options_.strict, "Warnings count: they end with 1");
     } else {
       addText(sub, "FILE", raw_.file,
-              name == "show" ? "The message file, in any language" : "The original", "")
+              {0, name == "show" ? "The message file, in any language" : "The original"}, "")
           ->required();
       CLI::Option* const language =
           sub.add_option("--language", raw_.language, "The language, such as de or de-AT")
@@ -89,7 +93,8 @@ class ZomsgCommandLine final : public CommandLine {
       if (name == "extract") addExtract(sub, *language);
     }
     if (name == "show") {
-      addText(sub, "NUMBER", raw_.number, "The message; 0x and -1 are read, too", "")->required();
+      addText(sub, "NUMBER", raw_.number, {0, "The message; 0x and -1 are read, too"}, "")
+          ->required();
       sub.add_option("ARGUMENT", raw_.arguments, "Numbers and texts for %1, %2, ...")
           ->type_name("");
     }
@@ -98,7 +103,8 @@ class ZomsgCommandLine final : public CommandLine {
 
   void addExtract(CLI::App& sub, CLI::Option& language) {
     language.required();
-    addText(sub, "-o,--output", raw_.output, "Another file to write; - is standard output", "FILE");
+    addText(sub, "-o,--output", raw_.output, {0, "Another file to write; - is standard output"},
+            "FILE");
     sub.add_flag("--force", options_.force, "Renew a file that exists; its translations are kept");
   }
 

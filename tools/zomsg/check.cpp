@@ -103,8 +103,8 @@ bool checkPlurals(const MessageFile& file, Findings& findings) {
       if (language.empty() || (mark.forms >= wanted && mark.forms <= wanted + 1)) continue;
       const bool isTooMany = mark.forms > wanted;
       findings.add(file, i, isTooMany ? Level::kError : Level::kWarning, "plural",
-                   "has a plural with " + zolib::counted(mark.forms, "form") + "; " + language +
-                       " has " + std::to_string(wanted) +
+                   "has a plural with " + counted(mark.forms, "form") + "; " + language + " has " +
+                       std::to_string(wanted) +
                        (isTooMany ? ", and the last ones never show" : ""));
     }
   }

@@ -164,7 +164,7 @@ bool save(const std::wstring& path, const std::string& bytes, Report& report) {
       save.file().write(bytes.data(), size) == size && save.commit() == 0)
     return true;
   report.fail(zolib::kFailed, "cannot write " + toUtf8(path) +
-                                  zolib::because("is it read-only, or open in a program?") +
+                                  zolib::because({0, "is it read-only, or open in a program?"}) +
                                   (exists(path) ? "; it is as it was" : ""));
   return false;
 }
@@ -177,7 +177,7 @@ void tell(const NewFile& file, std::size_t count, const std::wstring& target, Re
   json["translated"] = kept;
   json["superfluous"] = file.superfluous();
   json["changed"] = file.changed();
-  std::string text = zolib::counted(count, "message") + ", " + std::to_string(kept) + " translated";
+  std::string text = counted(count, "message") + ", " + std::to_string(kept) + " translated";
   if (file.changed()) text += ", " + std::to_string(file.changed()) + " from another original";
   if (file.superfluous())
     text += ", and " + std::to_string(file.superfluous()) + " that the original has not";

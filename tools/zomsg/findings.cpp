@@ -46,8 +46,8 @@ void Findings::tell(const MessageFiles& files, const Options& options, Report& r
   json["warnings"] = warnings;
   if (errors) report.raise(zolib::kDamaged);
   if (warnings && options.strict) report.raise(zolib::kWarnings);
-  report.note(zolib::counted(files.size(), "file") + ", " + zolib::counted(messages, "message") +
-              ": " + zolib::counted(errors, "error") + ", " + zolib::counted(warnings, "warning"));
+  report.note(counted(files.size(), "file") + ", " + counted(messages, "message") + ": " +
+              counted(errors, "error") + ", " + counted(warnings, "warning"));
 }
 
 }  // namespace zomsg

@@ -168,4 +168,8 @@ void readFolder(const std::wstring& path, MessageFiles& files, Report& report) {
   }
 }
 
+std::string counted(std::size_t count, std::string_view noun) {
+  return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
+}
+
 }  // namespace zomsg

@@ -72,4 +72,7 @@ bool readMessageFile(const std::wstring& path, MessageFile& file, Report& report
 // Adds the message files of a folder, by name.
 void readFolder(const std::wstring& path, MessageFiles& files, Report& report);
 
+// "3 messages", "1 message".
+std::string counted(std::size_t count, std::string_view noun);
+
 }  // namespace zomsg

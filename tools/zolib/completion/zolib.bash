@@ -26,7 +26,7 @@ _zolib() {
     list | l | cat | extract | x | test | t | delete | d | recover | rename | rn | info)
       if [ "$COMP_CWORD" -gt 2 ]; then
         while IFS= read -r word; do
-          [[ $word == "$current"* ]] && COMPREPLY+=("$(printf '%q' "$word")")
+          [[ $word == "$current"* ]] && COMPREPLY+=("$word")  # quoted by "-o filenames"
         done < <("${COMP_WORDS[0]}" list "${COMP_WORDS[2]}" --names \
           $([ "$verb" = recover ] && printf %s --deleted) 2>/dev/null | tr -d '\r')
         return

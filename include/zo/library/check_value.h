@@ -1,0 +1,19 @@
+// The check value that a library keeps of a member's bytes, as ZoLibEntry::crc has it: CRC-32. It
+// tells whether a file is what a member holds, without reading the member.
+//
+//   std::uint32_t value = 0;
+//   while (const unsigned int count = file.read(buffer, sizeof buffer))
+//     value = zoCheckValue(buffer, count, value);
+//
+// Errors:  nothing throws.
+// Threads: any.
+#pragma once
+
+#include <zo/config.h>
+
+#include <cstddef>
+#include <cstdint>
+
+// `before` is the value of the bytes that come before these.
+[[nodiscard]] ZO_COM_API std::uint32_t zoCheckValue(const void* bytes, std::size_t size,
+                                                    std::uint32_t before = 0) noexcept;
