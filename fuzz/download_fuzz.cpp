@@ -1,11 +1,12 @@
-// Any text as a URL, a redirect, and what a download cache knows of a copy: what is taken is printed
-// in one way that is taken again, holds nothing that could end a line of a request, and never leads
+// Any text as a URL, a redirect, what a download cache knows of a copy, and a manifest of media: what
+// is taken is printed in one way that is taken again, holds nothing that could end a line of a request, and never leads
 // from https to http.
 #include <algorithm>
 #include <string>
 
 #include "fuzz.h"
 #include "search/cache_mark.h"
+#include "search/manifest.h"
 #include "search/web_address.h"
 
 using namespace zo;
@@ -36,6 +37,18 @@ void checkMark(const std::string& text) {
   ZO_FUZZ_CHECK(printCacheMark(again) == printCacheMark(mark));
 }
 
+void checkManifest(const std::string& text) {
+  Manifest manifest, again;
+  if (!parseManifest(text, manifest)) return;
+  ZO_FUZZ_CHECK(canBeLabel(manifest.label));
+  const std::string printed = printManifest(manifest);
+  ZO_FUZZ_CHECK(parseManifest(printed, again) && printManifest(again) == printed);
+  const std::string whole = withSum(printed, {1, 2});
+  std::string_view rest = whole;
+  Sha256Sum sum;
+  ZO_FUZZ_CHECK(takeSum(rest, sum) && rest == printed && sum[1] == 2);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
@@ -54,5 +67,6 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   }
   checkMark(bytes);
   checkMark("zo download 1\n" + bytes);
+  checkManifest("zo media 1\nlabel " + bytes);
   return 0;
 }

@@ -79,7 +79,7 @@ void filesAndPrograms() {
   const ZoFileName absent(L"C:\\there is no such program.exe");
   expect(ZoSystem::execute().shell(absent, nullptr, 1) == ZoExecute::kFileNotFound,
          "what is not there is not started");
-  expect(ZoSystem::fileOpen().open(absent) != 0, "no host opens it");
+  expect(ZoSystem::fileOpen().openDocument(absent) != 0, "no host opens it");
   ZoSystem::fileSystem().errorIO(L"client");  // after a call of the platform has failed
   expect(!ZoSystem::fileSystem().errorTxt().isEmpty(), "the platform's message");
 }

@@ -110,6 +110,9 @@ bool FileApi::move(const wchar_t* from, const wchar_t* to, DWORD flags) {
 }
 
 DWORD FileApi::attributes(const wchar_t* name) { return GetFileAttributesW(name); }
+bool FileApi::details(const wchar_t* name, WIN32_FILE_ATTRIBUTE_DATA& details) {
+  return GetFileAttributesExW(name, GetFileExInfoStandard, &details) != FALSE;
+}
 
 bool FileApi::setAttributes(const wchar_t* name, DWORD attributes) {
   return SetFileAttributesW(name, attributes);

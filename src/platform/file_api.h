@@ -51,6 +51,8 @@ class FileApi {
   virtual bool copy(const wchar_t* from, const wchar_t* to, bool failIfExists);
   virtual bool move(const wchar_t* from, const wchar_t* to, DWORD flags);
   virtual DWORD attributes(const wchar_t* name);
+  // Attributes, times and size, without opening the file.
+  virtual bool details(const wchar_t* name, WIN32_FILE_ATTRIBUTE_DATA& details);
   virtual bool setAttributes(const wchar_t* name, DWORD attributes);
   virtual HANDLE findFirst(const wchar_t* pattern, WIN32_FIND_DATAW& entry);
   virtual bool findNext(HANDLE search, WIN32_FIND_DATAW& entry);

@@ -1,8 +1,8 @@
 #include "search/cache_mark.h"
 
 #include <algorithm>
-#include <charconv>
 
+#include "search/text_lines.h"
 #include "text/code_units.h"
 
 namespace zo {
@@ -14,33 +14,6 @@ constexpr std::size_t kMaxMark = 2000, kMaxUrl = 8000;
 bool isPlain(std::string_view text, std::size_t most) noexcept {
   return text.size() <= most &&
          std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; });
-}
-
-// Takes "name value" and the line's end off the text.
-bool takeLine(std::string_view& text, std::string_view name, std::string_view& value) noexcept {
-  const std::size_t end = text.find('\n');
-  if (end == std::string_view::npos || !text.starts_with(name)) return false;
-  if (end <= name.size() || text[name.size()] != ' ') return false;
-  value = text.substr(name.size() + 1, end - name.size() - 1);
-  text.remove_prefix(end + 1);
-  return true;
-}
-
-bool takeNumber(std::string_view& text, std::string_view name, std::uint64_t& number) noexcept {
-  std::string_view value;
-  if (!takeLine(text, name, value)) return false;
-  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
-  return error == std::errc() && end == value.data() + value.size();
-}
-
-bool parseSum(std::string_view digits, Sha256Sum& sum) noexcept {
-  if (digits.size() != 2 * sum.size()) return false;
-  for (std::size_t i = 0; i < digits.size(); ++i) {
-    const unsigned int digit = hexDigit(static_cast<unsigned char>(digits[i]));
-    if (digit > 15) return false;
-    sum[i / 2] = static_cast<std::uint8_t>(sum[i / 2] << 4 | digit);
-  }
-  return true;
 }
 
 // Takes so many lower-case hexadecimal digits off the text.
@@ -56,36 +29,26 @@ bool takeDigits(std::wstring_view& text, std::size_t count) noexcept {
 
 bool isMark(std::string_view text) noexcept { return isPlain(text, kMaxMark); }
 
-std::string hexOf(const Sha256Sum& sum) {
-  std::string digits;
-  for (const std::uint8_t byte : sum)
-    for (const int half : {byte >> 4, byte & 15})
-      digits += static_cast<char>(kLowerHexDigits[static_cast<std::size_t>(half)]);
-  return digits;
-}
-
 std::string printCacheMark(const CacheMark& mark) {
   std::string text(kHead);
-  const auto line = [&](const char* name, const std::string& value) {
-    text.append(name).append(1, ' ').append(value).append(1, '\n');
-  };
-  line("url", mark.url);
-  line("etag", mark.etag);
-  line("modified", mark.modified);
-  line("size", std::to_string(mark.size));
-  line("checked", std::to_string(mark.checked));
-  line("sha256", hexOf(mark.sum));
+  addLine(text, "url", mark.url);
+  addLine(text, "etag", mark.etag);
+  addLine(text, "modified", mark.modified);
+  addLine(text, "size", std::to_string(mark.size));
+  addLine(text, "checked", std::to_string(mark.checked));
+  addLine(text, "sha256", hexOf(mark.sum));
   return text;
 }
 
 bool parseCacheMark(std::string_view text, CacheMark& mark) {
-  std::string_view url, etag, modified, sum;
+  std::string_view url, etag, modified, size, checked, sum;
   if (!text.starts_with(kHead)) return false;
   text.remove_prefix(kHead.size());
   if (!takeLine(text, "url", url) || !takeLine(text, "etag", etag)) return false;
-  if (!takeLine(text, "modified", modified) || !takeNumber(text, "size", mark.size)) return false;
-  if (!takeNumber(text, "checked", mark.checked) || !takeLine(text, "sha256", sum)) return false;
+  if (!takeLine(text, "modified", modified) || !takeLine(text, "size", size)) return false;
+  if (!takeLine(text, "checked", checked) || !takeLine(text, "sha256", sum)) return false;
   if (!isPlain(url, kMaxUrl) || !isMark(etag) || !isMark(modified)) return false;
+  if (!parseNumber(size, mark.size) || !parseNumber(checked, mark.checked)) return false;
   mark.url = url;
   mark.etag = etag;
   mark.modified = modified;

@@ -33,8 +33,6 @@ struct CacheMark {
 [[nodiscard]] bool parseCacheMark(std::string_view text, CacheMark& mark);
 inline constexpr std::size_t kMaxMarkBytes = 16 * 1024;
 
-[[nodiscard]] std::string hexOf(const Sha256Sum& sum);
-
 // Which of the cache's files a name in its folder is: all of them begin with the 32 digits of a key.
 enum class CacheFile { other, mark, copy, unfinished };
 [[nodiscard]] CacheFile cacheFileOf(std::wstring_view name) noexcept;

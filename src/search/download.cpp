@@ -124,7 +124,9 @@ Download::Answer Download::run(WebAddress address, const CacheMark* known,
     HttpRequest request;
     if (!goesOn()) return fail(ZoResult::cancelled, ERROR_CANCELLED);
     if (!isInTime()) return away(ERROR_INTERNET_TIMEOUT);
+    wasSent_ = true;
     if (!request.send(address, lines, options_.timeOut)) return away(GetLastError());
+    isReached_ = true;
     const DWORD status = request.status();
     if (status == 304 && !lines.empty()) {
       mark_ = *known;

@@ -29,14 +29,19 @@ class Download {
   // digits. Once per object.
   [[nodiscard]] Answer run(WebAddress address, const CacheMark* known, const std::wstring& stem);
 
+  // Without asking: for the reason that is given.
+  Answer away(DWORD error);
+
   [[nodiscard]] int code() const noexcept { return code_; }
+  // Whether the first server was asked, and has answered in some way.
+  [[nodiscard]] bool wasSent() const noexcept { return wasSent_; }
+  [[nodiscard]] bool isReached() const noexcept { return isReached_; }
   // Null when none was made.
   [[nodiscard]] FreshFile* file() noexcept { return file_ ? &*file_ : nullptr; }
   [[nodiscard]] CacheMark& mark() noexcept { return mark_; }
 
  private:
   Answer fail(int code, DWORD error);
-  Answer away(DWORD error);
   Answer take(HttpRequest& request, const WebAddress& from, const std::wstring& stem);
   Answer takeBody(HttpRequest& request);
   bool isInTime() const noexcept;
@@ -52,6 +57,7 @@ class Download {
   CacheMark mark_;
   std::int64_t length_ = -1;  // that the server told
   int code_ = ZoResult::ok;
+  bool wasSent_ = false, isReached_ = false;
 };
 
 // 100 ns since 1601, by the machine's clock, which can be set back.

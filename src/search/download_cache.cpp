@@ -14,6 +14,7 @@
 #include "platform/clock.h"
 #include "search/download.h"
 #include "search/download_folder.h"
+#include "search/text_lines.h"
 #include "system/service_or_null.h"
 #include "system/service_scope.h"
 
@@ -40,7 +41,7 @@ std::wstring allowedHosts() {
 struct Wanted {
   zo::WebAddress address;
   std::string url;
-  std::wstring key, extension;
+  std::wstring server, key, extension;
 };
 
 int understand(const ZoFileName& name, Wanted& wanted) {
@@ -53,6 +54,7 @@ int understand(const ZoFileName& name, Wanted& wanted) {
   const std::string digits = zo::hexOf(sum).substr(0, zo::kKeyDigits);
   wanted.key.assign(digits.begin(), digits.end());
   wanted.extension = zo::extensionOf(wanted.address);
+  wanted.server = wanted.address.host + L':' + std::to_wstring(wanted.address.port);
   return ZoResult::ok;
 }
 
@@ -76,15 +78,17 @@ class ZoDownloadCache::Imp {
   // A copy that was tested, as it looked then.
   struct Tested {
     std::wstring copy;
-    zo::CopyLook look;
+    zo::FileLook look;
     std::uint64_t checked = 0, touched = 0;
   };
   class Held;
 
   bool isYoung(std::uint64_t checked) const;
   bool remembered(const Wanted& wanted, Tested& tested);
-  void remember(const Wanted& wanted, const zo::CacheMark& mark, const zo::CopyLook& look);
+  void remember(const Wanted& wanted, const zo::CacheMark& mark, const zo::FileLook& look);
   int await(zo::EntryLock& lock, const ZoFileName& url, const Watcher& watcher) const;
+  bool isUnreached(const Wanted& wanted);
+  void noteReached(const Wanted& wanted, bool isReached);
   int fetch(const Wanted& wanted, const ZoFileName& url, const Watcher& watcher, ZoFileName& file);
   int accept(const Wanted& wanted, const zo::CacheMark* known, zo::Download& download);
 
@@ -92,6 +96,7 @@ class ZoDownloadCache::Imp {
   ZoDownloadOptions options_;
   SRWLOCK lock_{};
   std::map<std::wstring, Tested> tested_;
+  std::map<std::wstring, std::uint64_t> unreached_;  // servers, and when they were asked in vain
 };
 
 class ZoDownloadCache::Imp::Held {
@@ -122,14 +127,14 @@ bool ZoDownloadCache::Imp::remembered(const Wanted& wanted, Tested& tested) {
     if (touches) found->second.touched = now;
     tested = found->second;
   }
-  zo::CopyLook look;
-  if (!zo::DownloadFolder::look(tested.copy, look) || look != tested.look) return false;
+  zo::FileLook look;
+  if (!zo::lookAt(tested.copy, look) || look != tested.look) return false;
   if (touches) folder_.touch(wanted.key);
   return true;
 }
 
 void ZoDownloadCache::Imp::remember(const Wanted& wanted, const zo::CacheMark& mark,
-                                    const zo::CopyLook& look) {
+                                    const zo::FileLook& look) {
   const Held held(lock_);
   tested_[wanted.key] = {.copy = folder_.copyName(wanted.key, mark.sum, wanted.extension),
                          .look = look,
@@ -142,6 +147,7 @@ int ZoDownloadCache::Imp::await(zo::EntryLock& lock, const ZoFileName& url,
   constexpr DWORD kSlice = 50;
   const std::uint64_t begun = zo::millisecondsNow();
   const std::uint64_t most = std::uint64_t{options_.longest} * 1000 + options_.timeOut;
+  if (!lock.isThere()) return failed(GetLastError());
   while (!lock.wait(kSlice)) {
     if (watcher && !watcher({.url = url, .bytesDone = 0, .bytes = -1}))
       return failed(ERROR_CANCELLED, ZoResult::cancelled);
@@ -163,16 +169,35 @@ int ZoDownloadCache::Imp::get(const ZoFileName& url, ZoFileName& file, const Wat
   return fetch(wanted, url, watcher, file);
 }
 
+// Else a search for many files would wait for each of them.
+bool ZoDownloadCache::Imp::isUnreached(const Wanted& wanted) {
+  const Held held(lock_);
+  const auto found = unreached_.find(wanted.server);
+  return found != unreached_.end() &&
+         zo::millisecondsNow() - found->second < std::uint64_t{options_.retryAfter} * 1000;
+}
+
+void ZoDownloadCache::Imp::noteReached(const Wanted& wanted, bool isReached) {
+  const Held held(lock_);
+  if (isReached)
+    unreached_.erase(wanted.server);
+  else
+    unreached_[wanted.server] = zo::millisecondsNow();
+}
+
 int ZoDownloadCache::Imp::fetch(const Wanted& wanted, const ZoFileName& url, const Watcher& watcher,
                                 ZoFileName& file) {
   zo::CacheMark known;
-  zo::CopyLook look;
+  zo::FileLook look;
   const bool isThere = folder_.load(wanted.key, wanted.url, wanted.extension, known, look);
   int code = ZoResult::ok;
   if (!isThere || !isYoung(known.checked)) {
     zo::Download download(options_, allowedHosts(), url, watcher);
-    const auto answer = download.run(wanted.address, isThere ? &known : nullptr,
-                                     folder_.path() + wanted.key + L'~');
+    const auto answer = isUnreached(wanted)
+                            ? download.away(ERROR_INTERNET_CANNOT_CONNECT)
+                            : download.run(wanted.address, isThere ? &known : nullptr,
+                                           folder_.path() + wanted.key + L'~');
+    if (download.wasSent()) noteReached(wanted, download.isReached());
     const bool isNew = answer == zo::Download::kComplete || answer == zo::Download::kUnchanged;
     if (!isNew && (answer == zo::Download::kFailed || !isThere)) return download.code();
     code = isNew ? accept(wanted, isThere ? &known : nullptr, download) : ZoResult::stale;
@@ -180,7 +205,7 @@ int ZoDownloadCache::Imp::fetch(const Wanted& wanted, const ZoFileName& url, con
     if (code != ZoResult::ok && code != ZoResult::stale) return code;
   }
   const std::wstring copy = folder_.copyName(wanted.key, known.sum, wanted.extension);
-  if (!zo::DownloadFolder::look(copy, look)) return failed(GetLastError());
+  if (!zo::lookAt(copy, look)) return failed(GetLastError());
   remember(wanted, known, look);
   folder_.touch(wanted.key);
   file = std::wstring_view(copy);
@@ -208,7 +233,7 @@ int ZoDownloadCache::Imp::find(const ZoFileName& url, ZoFileName& file) {
   Wanted wanted;
   Tested tested;
   zo::CacheMark known;
-  zo::CopyLook look;
+  zo::FileLook look;
   if (const int code = understand(url, wanted)) return code;
   if (!remembered(wanted, tested)) {
     const auto load = [&] {

@@ -14,18 +14,11 @@
 #include "platform/whole_file.h"
 #include "platform/write_all.h"
 #include "search/download.h"
+#include "search/text_lines.h"
 #include "text/code_units.h"
 
 namespace zo {
 namespace {
-
-std::uint64_t joined(DWORD high, DWORD low) noexcept { return std::uint64_t{high} << 32 | low; }
-
-CopyLook lookOf(const WIN32_FIND_DATAW& entry) noexcept {
-  return {
-      .size = joined(entry.nFileSizeHigh, entry.nFileSizeLow),
-      .written = joined(entry.ftLastWriteTime.dwHighDateTime, entry.ftLastWriteTime.dwLowDateTime)};
-}
 
 bool remove(const std::wstring& name) {
   if (fileApi().removeFile(SystemPath(name.c_str()))) return true;
@@ -50,14 +43,6 @@ bool sumOf(const std::wstring& name, std::uint64_t size, Sha256Sum& sum) {
   return left == 0 && hash.finish(sum);
 }
 
-std::wstring mutexName(const std::wstring& folder, const std::wstring& key) {
-  std::wstring name = L"ZoDownload-";
-  const std::size_t begin = name.size();
-  name.resize(begin + 16);
-  writeHex(name.data() + begin, hashName(folder), 16, kLowerHexDigits);
-  return name + L'-' + key;
-}
-
 // An entry as a listing of the folder shows it.
 struct Listed {
   std::uint64_t used = 0, size = 0;  // used: 0 without what is known of it
@@ -73,7 +58,7 @@ std::map<std::wstring, Listed> listed(const std::wstring& folder) {
     const CacheFile kind = cacheFileOf(name);
     if (kind == CacheFile::other || (file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) continue;
     Listed& entry = entries[std::wstring(name.substr(0, kKeyDigits))];
-    const CopyLook look = lookOf(file);
+    const FileLook look = lookOf(file);
     if (kind == CacheFile::mark) entry.used = std::max<std::uint64_t>(look.written, 1);
     if (kind == CacheFile::copy) entry.size += look.size;
     entry.copies += kind == CacheFile::copy ? 1 : 0;
@@ -84,8 +69,16 @@ std::map<std::wstring, Listed> listed(const std::wstring& folder) {
 
 }  // namespace
 
+std::wstring EntryLock::nameOf(const std::wstring& folder, const std::wstring& key) {
+  std::wstring name = L"ZoDownload-";
+  const std::size_t begin = name.size();
+  name.resize(begin + 16);
+  writeHex(name.data() + begin, hashName(folder), 16, kLowerHexDigits);
+  return name + L'-' + key;
+}
+
 EntryLock::EntryLock(const std::wstring& folder, const std::wstring& key)
-    : mutex_(CreateMutexW(nullptr, FALSE, mutexName(folder, key).c_str())) {}
+    : mutex_(CreateMutexW(nullptr, FALSE, nameOf(folder, key).c_str())) {}
 
 EntryLock::~EntryLock() {
   if (isHeld_) ReleaseMutex(mutex_.get());
@@ -103,25 +96,16 @@ std::wstring DownloadFolder::copyName(const std::wstring& key, const Sha256Sum& 
   return folder_ + key + L'-' + std::wstring(digits.begin(), digits.end()) + extension;
 }
 
-bool DownloadFolder::look(const std::wstring& copy, CopyLook& look) {
-  WIN32_FIND_DATAW entry;
-  HANDLE search = fileApi().findFirst(SystemPath(copy.c_str()), entry);
-  if (search == INVALID_HANDLE_VALUE) return false;
-  fileApi().findClose(search);
-  look = lookOf(entry);
-  return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-}
-
 bool DownloadFolder::load(const std::wstring& key, const std::string& url,
-                          const std::wstring& extension, CacheMark& mark, CopyLook& look) const {
+                          const std::wstring& extension, CacheMark& mark, FileLook& look) const {
   std::string text;
   if (!readWholeFile((folder_ + key).append(kMarkEnding).c_str(), kMaxMarkBytes, text))
     return false;
   if (!parseCacheMark(text, mark) || mark.url != url) return false;
   const std::wstring copy = copyName(key, mark.sum, extension);
   Sha256Sum sum;
-  return DownloadFolder::look(copy, look) && look.size == mark.size &&
-         sumOf(copy, mark.size, sum) && sum == mark.sum;
+  return lookAt(copy, look) && look.size == mark.size && sumOf(copy, mark.size, sum) &&
+         sum == mark.sum;
 }
 
 bool DownloadFolder::store(const std::wstring& key, const CacheMark& mark) const {

@@ -15,14 +15,9 @@
 
 #include "platform/handle.h"
 #include "search/cache_mark.h"
+#include "search/file_look.h"
 
 namespace zo {
-
-// How a copy looks from outside; changed when it was written to.
-struct CopyLook {
-  std::uint64_t size = 0, written = 0;
-  [[nodiscard]] bool operator==(const CopyLook&) const = default;
-};
 
 // Holds an entry against other threads and processes, in any of which it may be. One that was held
 // by a process that ended is obtained.
@@ -34,6 +29,10 @@ class EntryLock {
   EntryLock& operator=(const EntryLock&) = delete;
   ~EntryLock();
 
+  // Of the mutex.
+  [[nodiscard]] static std::wstring nameOf(const std::wstring& folder, const std::wstring& key);
+  // false where none can be had; GetLastError() then says why.
+  [[nodiscard]] bool isThere() const noexcept { return static_cast<bool>(mutex_); }
   // Whether it is held now; waits so many milliseconds.
   bool wait(DWORD milliseconds) noexcept;
 
@@ -51,12 +50,10 @@ class DownloadFolder {
 
   [[nodiscard]] std::wstring copyName(const std::wstring& key, const Sha256Sum& sum,
                                       const std::wstring& extension) const;
-  // false where there is no such file.
-  [[nodiscard]] static bool look(const std::wstring& copy, CopyLook& look);
 
   // What is known of the entry, and whether its copy is the one that was stored.
   [[nodiscard]] bool load(const std::wstring& key, const std::string& url,
-                          const std::wstring& extension, CacheMark& mark, CopyLook& look) const;
+                          const std::wstring& extension, CacheMark& mark, FileLook& look) const;
   // Makes it what is known of the entry, in one step; false leaves the reason in the last error.
   [[nodiscard]] bool store(const std::wstring& key, const CacheMark& mark) const;
   // Remembers that the entry was of use now.

@@ -28,6 +28,10 @@ void reports(const ZoString& name, const ZoVariant& part) {
   error.prompt(L"%s", part);                            // error: say what of it is to be shown
 }
 
+void opening(ZoFileOpen& service, const ZoFileName& name) {
+  service.open(name);                            // error: openDocument(name) opens it in the host
+}
+
 void notices(ZoSysDisp& dispatcher, ZoSysObj& service, const ZoVariant& data) {
   dispatcher.sendNotice(1000, data);             // error: nodiscard
   dispatcher.addReactor(nullptr);                // error: ambiguous

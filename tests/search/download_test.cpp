@@ -8,6 +8,7 @@
 
 #include "files/file_fixture.h"
 #include "search/cache_mark.h"
+#include "search/download_folder.h"
 #include "support/child_process.h"
 #include "support/loopback_server.h"
 #include "support/registry_base.h"
@@ -15,7 +16,8 @@
 namespace zo::test {
 namespace {
 
-constexpr ZoDownloadOptions kAskAlways{.largest = 100'000, .maxAge = 0, .timeOut = 500};
+constexpr ZoDownloadOptions kAskAlways{
+    .largest = 100'000, .maxAge = 0, .timeOut = 20'000, .retryAfter = 0};
 constexpr ZoDownloadOptions kAskSeldom{.timeOut = 5000};
 
 class Downloads : public FileTest {
@@ -108,7 +110,6 @@ constexpr Lie kLies[] = {
     {"status/500", 1, true},
     {"status/503", 1, true},
     {"status/429", 1, true},
-    {"hang", 1, true},
     {"halfhead", 1, true},
     {"noise", 1, true},
     {"status/404", ZoResult::serverRefused, false},
@@ -150,7 +151,9 @@ TEST_F(Downloads, LiesGiveNothingAndSpoilNothing) {
     }
   }
   server_.ask("way long");
-  EXPECT_EQ(fetchedBy(cache, part), "anot") << "as long as it says, and no longer";
+  EXPECT_EQ(fetchedBy(cache, part), "anot")
+      << "as long as it says, and no longer"
+      << testing::PrintToString(std::wstring(fs().errorTxt().view()));
 }
 
 TEST_F(Downloads, ServeStaleWithoutAServerAndAnewWithOne) {
@@ -166,12 +169,33 @@ TEST_F(Downloads, ServeStaleWithoutAServerAndAnewWithOne) {
   EXPECT_EQ(cache.find(other, file), 1);
   EXPECT_EQ(cache.find(part, file), ZoResult::stale);
   EXPECT_EQ(bytesOf(file), "old");
+  ZoDownloadCache patient;
+  ASSERT_EQ(patient.open(name(L"cache"), {.maxAge = 0}), 0);
+  EXPECT_EQ(fetchedBy(patient, part), "(1021)old");
   server_.ask("up");
   serve("new");
+  EXPECT_EQ(fetchedBy(patient, other) + fetchedBy(patient, part), "(1)(1021)old")
+      << "it is not asked again so soon";
   EXPECT_EQ(fetchedBy(cache, part), "new");
 }
 
-TEST_F(Downloads, DripsEndWithTheirTime) {
+TEST_F(Downloads, AnEntryThatNobodyCanHoldIsRefusedAtOnce) {
+  const ZoFileName part = url(L"/file/part.dwg");
+  serve("x");
+  ASSERT_EQ(fetched(part), "x");
+  const std::wstring mutex =
+      EntryLock::nameOf(std::wstring(name(L"cache\\").view()),
+                        only(CacheFile::mark).filename().wstring().substr(0, kKeyDigits));
+  const HANDLE squatter = CreateEventW(nullptr, TRUE, FALSE, mutex.c_str());
+  EXPECT_NE(GetLastError(), static_cast<DWORD>(ERROR_ALREADY_EXISTS));
+  EXPECT_EQ(fetched(part), "(1)");
+  expectError(ERROR_INVALID_HANDLE);
+  CloseHandle(squatter);
+  EXPECT_EQ(fetched(part), "x");
+}
+
+TEST_F(Downloads, ServersThatHangOrDripEndWithTheirTime) {
+  EXPECT_EQ(fetched(url(L"/hang/part.dwg"), {.maxAge = 0, .timeOut = 300}), "(1)");
   const ZoFileName drip = url(L"/drip/part.dwg");
   EXPECT_EQ(fetched(drip, {.maxAge = 0, .timeOut = 60'000, .longest = 1}), "(1)");
 }

@@ -159,7 +159,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
 
     def way_endless(self, name):
         self.head(200)
-        self.pieces(b"x" * 65536, 0)
+        self.pieces(b"x" * 65536, 0.002)
 
     def way_drip(self, name):
         self.head(200)

@@ -109,6 +109,7 @@ class FaultyFiles : public FileApi {
   ZO_PASS(bool, false, removeFile, (const wchar_t* n), (n))
   ZO_PASS(bool, false, move, (const wchar_t* f, const wchar_t* t, DWORD flags), (f, t, flags))
   ZO_PASS(DWORD, INVALID_FILE_ATTRIBUTES, attributes, (const wchar_t* n), (n))
+  ZO_PASS(bool, false, details, (const wchar_t* n, WIN32_FILE_ATTRIBUTE_DATA& d), (n, d))
   ZO_PASS(bool, false, setAttributes, (const wchar_t* n, DWORD a), (n, a))
   ZO_PASS(HANDLE, INVALID_HANDLE_VALUE, findFirst, (const wchar_t* n, WIN32_FIND_DATAW& e), (n, e))
   ZO_PASS(bool, false, findNext, (HANDLE h, WIN32_FIND_DATAW& e), (h, e))

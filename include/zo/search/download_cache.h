@@ -47,6 +47,7 @@ struct ZoDownloadOptions {
   unsigned int maxAge = 3600;     // seconds for which nobody is asked; 0 asks each time
   unsigned int timeOut = 30'000;  // milliseconds to wait for a connection, and for what comes next
   unsigned int longest = 600;     // seconds that one download may last
+  unsigned int retryAfter = 10;   // seconds for which a server that did not answer is not asked
 };
 
 class ZO_COM_API ZoDownloadCache {
