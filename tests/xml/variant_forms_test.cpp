@@ -59,6 +59,8 @@ int readJson(std::wstring_view text, ZoVariant& value, ZoXMLError& error) {
   return ZoJson::parse(text, value, &error);
 }
 
+void PrintTo(const Form& form, std::ostream* out) { *out << form.name; }
+
 class VariantForms : public testing::TestWithParam<Form> {};
 INSTANTIATE_TEST_SUITE_P(
     All, VariantForms,
