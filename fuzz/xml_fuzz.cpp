@@ -61,6 +61,12 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     written.clear();
     appendXmlIndented(text, written);
     ZO_FUZZ_CHECK(tagsOf(written) == tags);
+    std::wstring again;
+    plain.resize(text.size());
+    plain.resize(copyWithoutLayout(text, plain.data()));
+    ZO_FUZZ_CHECK(tagsOf(plain) == tags);
+    appendXmlIndented(plain, again);
+    ZO_FUZZ_CHECK(again == written);
   }
   std::vector<XmlStep> steps;
   if (cutXmlPath(text, steps)) {

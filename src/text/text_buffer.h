@@ -5,9 +5,9 @@
 #include <zo/text/string.h>
 
 #include <algorithm>
-#include <memory>
 #include <string_view>
-#include <utility>
+
+#include "platform/growing_memory.h"
 
 namespace zo {
 
@@ -16,7 +16,7 @@ class TextBuffer {
   // Room for n more characters; what was written there becomes part of the text by advance().
   [[nodiscard]] wchar_t* room(size_t n) {
     if (n > capacity_ - size_) grow(n);
-    return text_.get() + size_;
+    return text_ + size_;
   }
   void advance(size_t n) noexcept { size_ += n; }
 
@@ -36,19 +36,18 @@ class TextBuffer {
     return *this;
   }
 
-  [[nodiscard]] std::wstring_view view() const noexcept { return {text_.get(), size_}; }
+  [[nodiscard]] std::wstring_view view() const noexcept { return {text_, size_}; }
   [[nodiscard]] ZoString toString() const { return ZoString(view()); }
 
  private:
   void grow(size_t n) {
-    const size_t wanted = std::max(size_ + n, 2 * capacity_ + 250);
-    auto larger = std::make_unique_for_overwrite<wchar_t[]>(wanted);
-    view().copy(larger.get(), size_);
-    text_ = std::move(larger);
-    capacity_ = wanted;
+    memory_.grow(size_ * sizeof(wchar_t), (size_ + n) * sizeof(wchar_t));
+    text_ = reinterpret_cast<wchar_t*>(memory_.data());
+    capacity_ = memory_.capacity() / sizeof(wchar_t);
   }
 
-  std::unique_ptr<wchar_t[]> text_;
+  GrowingMemory memory_;
+  wchar_t* text_ = nullptr;
   size_t size_ = 0;
   size_t capacity_ = 0;
 };

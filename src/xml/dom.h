@@ -20,6 +20,9 @@ namespace zo {
 // ZoVariant::kMaxDepth needs.
 inline constexpr unsigned int kXmlDepth = 257;
 
+// Units of the longest text that Automation takes.
+inline constexpr std::size_t kXmlUnits = 0x3FFFFFF0;
+
 using DomNode = ComPtr<IXMLDOMNode>;
 
 // A document as its nodes keep it alive.

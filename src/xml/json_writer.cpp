@@ -26,6 +26,15 @@ bool hasLoneSurrogate(View text) noexcept {
   return false;
 }
 
+wchar_t* writeEscaped(wchar_t c, wchar_t* to) noexcept {
+  constexpr View kMeant = L"\"\\\b\f\n\r\t";
+  constexpr View kNames = L"\"\\bfnrt";
+  const size_t named = kMeant.find(c);
+  *to++ = L'\\';
+  *to++ = named == View::npos ? L'u' : kNames[named];
+  return named == View::npos ? writeHex(to, c, 4, kLowerHexDigits) : to;
+}
+
 // Whether an object of JSON can have the keys.
 bool areKeysOfObject(const std::vector<KeyedValue>& entries) noexcept {
   return std::none_of(entries.begin(), entries.end(),
@@ -51,7 +60,7 @@ bool isPlainScalar(const ZoVariant& value) {
     case ZoVariant::kReal:
       return std::isfinite(value.asReal());
     case ZoVariant::kString:
-      return !hasLoneSurrogate(value.asString().view());
+      return true;  // but for lone surrogates
     default:
       return false;
   }
@@ -60,27 +69,38 @@ bool isPlainScalar(const ZoVariant& value) {
 }  // namespace
 
 bool JsonWriter::write(const ZoVariant& value, unsigned int level, unsigned int depthLeft) {
+  if (!value.isTypeOf(ZoVariant::kDict) && !value.isTypeOf(ZoVariant::kSequence)) {
+    writeLeaf(value);
+    return true;
+  }
   const bool isDict = value.isTypeOf(ZoVariant::kDict);
-  const bool isSequence = value.isTypeOf(ZoVariant::kSequence);
   const Entries entries = isDict ? inOrderOfKeys(*value.asDict()) : Entries();
   const bool isObject = !isDict || areKeysOfObject(entries);
-  const bool isPlain = isDict       ? isObject && isPlainType(value) && !isTypeAmong(entries)
-                       : isSequence ? isPlainType(value)
-                                    : isPlainScalar(value);
+  const bool isPlain = isPlainType(value) && isObject && !isTypeAmong(entries);
+  if (depthLeft == 0) return false;
   if (!isPlain) beginTyped(value);
-  if (!isDict && !isSequence) {
-    if (isPlain && value.code() == ZoTypeCode::Bool) {
-      out_ << (value.asInt() == 0 ? View(L"false") : View(L"true"));
-    } else {
-      writeScalar(value);
-    }
-  } else if (depthLeft == 0 ||
-             !(isDict ? writeDict(entries, isObject, level, depthLeft - 1)
-                      : writeSequence(*value.asSequence(), level, depthLeft - 1))) {
+  if (!(isDict ? writeDict(entries, isObject, level, depthLeft - 1)
+               : writeSequence(*value.asSequence(), level, depthLeft - 1)))
     return false;
-  }
   if (!isPlain) endTyped();
   return true;
+}
+
+void JsonWriter::writeLeaf(const ZoVariant& value) {
+  const ZoString own = value.isTypeOf(ZoVariant::kString) ? value.asString() : ZoString();
+  const bool isHalf = hasLoneSurrogate(own.view());
+  const bool isPlain = !isHalf && isPlainScalar(value);
+  if (!isPlain) beginTyped(value);
+  if (isHalf) {
+    writeUnits(own.view());
+  } else if (value.isTypeOf(ZoVariant::kString)) {
+    writeQuoted(own.view());
+  } else if (isPlain && value.code() == ZoTypeCode::Bool) {
+    out_ << (value.asInt() == 0 ? View(L"false") : View(L"true"));
+  } else {
+    writeScalar(value);
+  }
+  if (!isPlain) endTyped();
 }
 
 bool JsonWriter::writeSequence(const ZoVariant::Sequence& sequence, unsigned int level,
@@ -105,7 +125,11 @@ bool JsonWriter::writeDict(const Entries& entries, bool isObject, unsigned int l
     if (&entry != entries.data()) out_ << L',';
     startLine(level + 1);
     if (!isObject) out_ << L'[';
-    writeText(entry.key);
+    if (isObject || !hasLoneSurrogate(entry.key)) {
+      writeQuoted(entry.key);
+    } else {
+      writeUnits(entry.key);
+    }
     separate(isObject ? L':' : L',');
     if (!write(*entry.value, level + 1, depthLeft)) return false;
     if (!isObject) out_ << L']';
@@ -126,8 +150,11 @@ void JsonWriter::beginTyped(const ZoVariant& value) {
 
 void JsonWriter::startLine(unsigned int level) {
   if (!isIndented_) return;
-  out_ << L'\n';
-  out_.append(L' ', 2 * size_t{level});
+  const size_t count = 1 + 2 * size_t{level};
+  wchar_t* const line = out_.room(count);
+  line[0] = L'\n';
+  std::fill_n(line + 1, count - 1, L' ');
+  out_.advance(count);
 }
 
 void JsonWriter::separate(wchar_t sign) {
@@ -148,9 +175,6 @@ void JsonWriter::writeScalar(const ZoVariant& value) {
       break;
     case ZoVariant::kReal:
       writeReal(value.asReal());
-      break;
-    case ZoVariant::kString:
-      writeText(value.asString().view());
       break;
     case ZoVariant::kPoint: {
       const ZoPoint point = value.asPoint();
@@ -188,7 +212,8 @@ void JsonWriter::writeReal(double value) {
   if (std::isfinite(value)) {
     unsigned int length = zo::writeReal(value, text);
     const View written(text, length);
-    if (written.find_first_of(L".e") == View::npos) {
+    if (std::none_of(written.begin(), written.end(),
+                     [](wchar_t c) { return c == L'.' || c == L'e'; })) {
       text[length++] = L'.';
       text[length++] = L'0';
     }
@@ -205,12 +230,8 @@ void JsonWriter::writeInteger(std::int64_t value) {
   out_.advance(ZoIntToStr(value, out_.room(ZoNumberTextSize)));
 }
 
-// As a string, or as an array of units where no string of JSON can hold it.
-void JsonWriter::writeText(View text) {
-  if (!hasLoneSurrogate(text)) {
-    writeQuoted(text);
-    return;
-  }
+// What no string of JSON can hold.
+void JsonWriter::writeUnits(View text) {
   out_ << L'[';
   for (const wchar_t& unit : text) {
     if (&unit != text.data()) separate(L',');
@@ -221,26 +242,23 @@ void JsonWriter::writeText(View text) {
 
 void JsonWriter::writeQuoted(View text) {
   constexpr size_t kPiece = 256;
-  constexpr View kNamed = L"\"\\\b\f\n\r\t";
-  constexpr View kNames = L"\"\\bfnrt";
-  out_ << L'"';
-  for (; !text.empty(); text.remove_prefix(std::min(kPiece, text.size()))) {
+  for (bool isFirst = true; isFirst || !text.empty(); isFirst = false) {
     // No unit takes more than the six of an escape.
-    wchar_t* const first = out_.room(6 * kPiece);
+    wchar_t* const first = out_.room(6 * kPiece + 2);
     wchar_t* to = first;
-    for (const wchar_t c : text.substr(0, kPiece)) {
+    if (isFirst) *to++ = L'"';
+    const size_t count = std::min(kPiece, text.size());
+    for (const wchar_t c : text.substr(0, count)) {
       if (c >= 0x20 && c != L'"' && c != L'\\') {
         *to++ = c;
-        continue;
+      } else {
+        to = writeEscaped(c, to);
       }
-      *to++ = L'\\';
-      const size_t named = kNamed.find(c);
-      *to++ = named == View::npos ? L'u' : kNames[named];
-      if (named == View::npos) to = writeHex(to, c, 4, kLowerHexDigits);
     }
+    text.remove_prefix(count);
+    if (text.empty()) *to++ = L'"';
     out_.advance(static_cast<size_t>(to - first));
   }
-  out_ << L'"';
 }
 
 }  // namespace zo

@@ -34,7 +34,8 @@ class JsonWriter {
   template <class Geometry>
   void writeTriple(const Geometry& g);
   void writeInteger(std::int64_t value);
-  void writeText(std::wstring_view text);
+  void writeLeaf(const ZoVariant& value);
+  void writeUnits(std::wstring_view text);
   void writeQuoted(std::wstring_view text);
   void startLine(unsigned int level);
   // A comma or a colon, and what follows it on the same line.

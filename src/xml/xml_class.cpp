@@ -54,22 +54,30 @@ int XmlState::fail(int code, View reason, zo::TextPlace place, View text) {
 
 // ---- Reading ----
 
+namespace {
+
+// What the DOM is given. What was decoded is in no encoding any more; with blanks instead of its
+// name all places stay as they are.
+ComText forDom(View text, const zo::XmlFinding& finding, bool keepsLayout) {
+  const auto withoutLayout = [&] {
+    const auto buffer = std::make_unique_for_overwrite<wchar_t[]>(text.size());
+    return ComText(View(buffer.get(), zo::copyWithoutLayout(text, buffer.get())));
+  };
+  ComText given = keepsLayout ? ComText(text) : withoutLayout();
+  std::fill_n(given.get() + finding.encodingStart, finding.encodingLength, L' ');
+  return given;
+}
+
+}  // namespace
+
 int XmlState::read(View text, bool isFromUtf16, const zo::XmlAllowed& limits) {
   const zo::XmlFinding finding = zo::scanXml(text, limits);
   if (finding.code != ZoResult::ok)
     return fail(finding.code, finding.reason, zo::placeOf(text, finding.at), text);
   const auto made = zo::newXmlDocument();
   if (!made) return fail(ZoResult::noXmlParser, kNoParser);
-  const ComText whole(text);
-  // What was decoded is in no encoding any more; blanks keep all places as they are.
-  std::fill_n(whole.get() + finding.encodingStart, finding.encodingLength, L' ');
-  if (!zo::parseXml(*made, whole)) {
-    if (const zo::XmlFault fault = zo::findXmlFault(text); fault.reason)
-      return fail(ZoResult::notWellFormed, fault.reason, zo::placeOf(text, fault.at), text);
-    const zo::XmlRefusal refusal = zo::whyRefused(*made, whole);
-    const View reason = refusal.reason.empty() ? kNotTaken : View(refusal.reason);
-    return fail(ZoResult::notWellFormed, reason, refusal.place, text);
-  }
+  if (!zo::parseXml(*made, forDom(text, finding, keepsLayout)))
+    return failRefused(*made, text, finding);
   made->documentType = finding.documentType;
   made->namespaces = namespaces;
   if (!made->useNamespaces()) return fail(ZoResult::badXmlPath, L"A namespace is not taken.");
@@ -78,11 +86,22 @@ int XmlState::read(View text, bool isFromUtf16, const zo::XmlAllowed& limits) {
   return ZoResult::ok;
 }
 
+int XmlState::failRefused(XmlDocument& refusing, View text, const zo::XmlFinding& finding) {
+  constexpr int kCode = ZoResult::notWellFormed;
+  if (const zo::XmlFault fault = zo::findXmlFault(text); fault.reason)
+    return fail(kCode, fault.reason, zo::placeOf(text, fault.at), text);
+  const ComText whole = forDom(text, finding, true);
+  if (zo::parseXml(refusing, whole)) return fail(kCode, kNotTaken);
+  const zo::XmlRefusal refusal = zo::whyRefused(refusing, whole);
+  return fail(kCode, refusal.reason.empty() ? kNotTaken : View(refusal.reason), refusal.place,
+              text);
+}
+
 int ZoXMLClass::load(const ZoFileName& file) {
   zo::DecodedText decoded;
   {
     const auto most =
-        static_cast<std::int64_t>(std::min<std::uint64_t>(state_->maxBytes, ZoString::maxLength()));
+        static_cast<std::int64_t>(std::min<std::uint64_t>(state_->maxBytes, zo::kXmlUnits));
     zo::AllBytes all;
     if (const int code = zo::readAll(file, most, all)) {
       const bool isTooLarge = GetLastError() == ERROR_FILE_TOO_LARGE;
@@ -99,7 +118,7 @@ int ZoXMLClass::load(const ZoFileName& file) {
 }
 
 int ZoXMLClass::parse(View text) {
-  if (text.size() > ZoString::maxLength() || text.size() * 2 > state_->maxBytes)
+  if (text.size() > zo::kXmlUnits || text.size() * 2 > state_->maxBytes)
     return state_->fail(ZoResult::beyondLimits, kTooLarge);
   return state_->read(text.substr(text.starts_with(L'\xFEFF') ? 1 : 0), false);
 }
@@ -107,6 +126,8 @@ int ZoXMLClass::parse(View text) {
 void ZoXMLClass::allowDocumentType(bool allowed) noexcept {
   state_->allowed.documentType = allowed;
 }
+
+void ZoXMLClass::keepLayout(bool kept) noexcept { state_->keepsLayout = kept; }
 
 void ZoXMLClass::setLimits(std::uint64_t bytes, unsigned int depth) noexcept {
   state_->maxBytes = bytes;

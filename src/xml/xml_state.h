@@ -19,6 +19,7 @@ struct XmlState {
   std::vector<std::pair<std::wstring, std::wstring>> namespaces;
   XmlAllowed allowed{ZoXMLClass::kMaxDepth, false};
   std::uint64_t maxBytes = ZoXMLClass::kMaxBytes;
+  bool keepsLayout = false;
   bool isUtf16 = false;  // what was read
   ZoXMLError error;
 
@@ -28,6 +29,8 @@ struct XmlState {
   // Has the DOM read a text, whose declaration may name any encoding, as the document.
   int read(std::wstring_view text, bool isFromUtf16) { return read(text, isFromUtf16, allowed); }
   int read(std::wstring_view text, bool isFromUtf16, const XmlAllowed& limits);
+  // For a text that the DOM refused.
+  int failRefused(XmlDocument& refusing, std::wstring_view text, const XmlFinding& finding);
   // What the DOM writes, behind a declaration with these attributes.
   int write(std::wstring_view declaration, ZoXMLClass::Format format, std::wstring& out);
 };

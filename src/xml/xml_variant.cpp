@@ -8,14 +8,14 @@
 int ZoXMLClass::fromVariant(const ZoVariant& value, ZoXMLClass& document) {
   std::wstring text;
   zo::XmlState& state = *document.state_;
-  if (!zo::appendVariantXml(value, text) || text.size() > ZoString::maxLength())
+  if (!zo::appendVariantXml(value, text) || text.size() > zo::kXmlUnits)
     return state.fail(ZoResult::beyondLimits, L"The value lies too deep, or is too large.");
   return state.read(text, false, {kMaxDepth, false});
 }
 
 int ZoXMLClass::toVariant(ZoVariant& value) const {
   std::wstring text;
-  if (const int code = state_->write(L"", kAsIs, text)) return code;
+  if (const int code = state_->write(L"", kIndented, text)) return code;
   std::size_t at = 0;
   if (zo::readVariantXml(text, value, at)) return ZoResult::ok;
   return state_->fail(ZoResult::noVariant, L"A variant is not written so.", zo::placeOf(text, at),

@@ -105,6 +105,25 @@ class Indenter {
 
 void appendXmlIndented(View xml, std::wstring& out) { Indenter(xml, out).run(); }
 
+std::size_t copyWithoutLayout(View xml, wchar_t* out) {
+  const std::vector<bool> isLayout = layoutOf(xml);
+  std::size_t next = 0;  // start tag
+  std::size_t kept = 0;  // elements in one another that stay as they are
+  wchar_t* to = out;
+  XmlScanner scanner(xml);
+  for (XmlToken token = scanner.next(); token != XmlToken::End; token = scanner.next()) {
+    const View piece = scanner.piece();
+    if (token == XmlToken::EndTag && kept > 0) --kept;
+    if (token == XmlToken::StartTag) {
+      const bool isKept = !isLayout[next++];
+      if (kept > 0 || isKept) ++kept;
+    }
+    if (token == XmlToken::Text && kept == 0 && isWhiteOnly(piece)) continue;
+    to += piece.copy(to, piece.size());
+  }
+  return static_cast<std::size_t>(to - out);
+}
+
 std::wstring xmlParts(View xml, View documentType) {
   std::wstring out;
   XmlScanner scanner(xml);

@@ -8,6 +8,7 @@
 void documents(ZoXMLClass& document, ZoVariant& value, std::wstring& text) {
   ZoXMLClass copy(document);                                       // error: deleted
   document.allowDocumentType(1);                                   // error: true or false
+  document.keepLayout(0);                                          // error: true or false
   document.load(L"a.xml");                                         // error: nodiscard
   static_cast<void>(document.parse("<a/>"));                       // error: cannot convert
   static_cast<void>(document.get(L"a/b", text));                   // error: cannot bind

@@ -430,9 +430,16 @@ TEST(XmlDocument, IndentsWhatIsLayoutAndNothingElse) {
       L"  <s xml:space=\"preserve\"> <i/> </s>\n  <w>  </w>\n  <d><![CDATA[<]]></d>\n</r>\n"
       L"<?end x?>\n";
   EXPECT_EQ(written(document, ZoXMLClass::kIndented), wanted);
-  ASSERT_EQ(document.parse(wanted), 0);
-  EXPECT_EQ(written(document, ZoXMLClass::kIndented), wanted);
-  EXPECT_EQ(written(document), wanted) << "as it is";
+  for (const bool isKept : {false, true}) {
+    document.keepLayout(isKept);
+    ASSERT_EQ(document.parse(wanted), 0);
+    EXPECT_EQ(written(document, ZoXMLClass::kIndented), wanted);
+    EXPECT_EQ(written(document),
+              isKept ? wanted
+                     : L"<?xml version=\"1.0\"?>\n<!--top-->\n<r><a>x</a><b k=\"a  b\"><c/><!--n-->"
+                       L"</b><m>text <i>it</i> <i/></m><s xml:space=\"preserve\"> <i/> </s>"
+                       L"<w>  </w><d><![CDATA[<]]></d></r>\n<?end x?>\n");
+  }
   EXPECT_EQ(rootText(L"<a>\r\n\r</a>"), L"\n\n") << "line ends";
 }
 

@@ -10,8 +10,12 @@
 // The library reads and decodes a file itself, in any encoding that the code page service knows,
 // and gives the platform the text: much faster than the DOM's own reading. Nothing in a file is
 // trusted: its size and depth are bounded, a document type (and with it every entity that it might
-// declare) is refused unless allowed, and external entities are never fetched. White space is kept.
-// Nothing is written that could not be read back.
+// declare) is refused unless allowed, and external entities are never fetched. Nothing is written
+// that could not be read back.
+//
+// White space between elements that have no text beside them is layout: it is dropped in reading,
+// unless told otherwise, and made anew in writing. All other white space is kept, also that of an
+// element with nothing else in it, and all in an element with xml:space="preserve".
 //
 // Errors:  0; ZoResult::refused for a file that could not be read or written (the file-system
 //          service's errorTxt() says why) or a document that is empty; the codes of
@@ -44,7 +48,7 @@ struct XmlState;
 class ZO_COM_API ZoXMLClass {
  public:
   enum Format : int {
-    kAsIs,      // white space as it is in the document
+    kAsIs,      // no white space but what is in the document
     kIndented,  // an element a line, two blanks a level; texts beside elements stay as they are
   };
   static constexpr std::uint64_t kMaxBytes = std::uint64_t{256} << 20;
@@ -60,6 +64,9 @@ class ZO_COM_API ZoXMLClass {
   [[nodiscard]] int load(const ZoFileName& file);
   // A declaration in the text may name any encoding: it counts for nothing here.
   [[nodiscard]] int parse(std::wstring_view text);
+  // Whether layout stays in the document, from now on; at first it does not. For files that people
+  // look after: kAsIs then writes them as they were.
+  void keepLayout(bool kept) noexcept;
   // What reading allows, from now on. At first: no document type, kMaxBytes, kMaxDepth; larger
   // depths count as kMaxDepth.
   void allowDocumentType(bool allowed) noexcept;
@@ -67,6 +74,9 @@ class ZO_COM_API ZoXMLClass {
   template <std::integral T>
     requires(!std::same_as<T, bool>)
   void allowDocumentType(T) = delete;  // true or false
+  template <std::integral T>
+    requires(!std::same_as<T, bool>)
+  void keepLayout(T) = delete;  // true or false
 
   // ---- Writing ----
   // In one step (zo/files/file_save.h), in UTF-8 with a declaration; in UTF-16 with a mark what was
@@ -96,7 +106,7 @@ class ZO_COM_API ZoXMLClass {
   // ---- Variants: docs/formats/xml.md ----
   // Codes, flags and values are kept exactly; a reference is written as its value, and a pointer as
   // its address. Refused with ZoResult::beyondLimits is what ZoVariant::kMaxDepth forbids, and with
-  // ZoResult::noVariant what is written otherwise; its place is that in what write() gives as it is.
+  // ZoResult::noVariant what is written otherwise; its place is that in what write() gives.
   [[nodiscard]] static int fromVariant(const ZoVariant& value, ZoXMLClass& document);
   [[nodiscard]] int toVariant(ZoVariant& value) const;
 
