@@ -33,6 +33,7 @@ class SystemLibrary {
 }  // namespace zo
 
 // A member that holds the function of that name.
-// NOLINTNEXTLINE(bugprone-macro-parentheses): the name of a member cannot stand in them
+// NOLINTBEGIN(bugprone-macro-parentheses): the name of a member cannot stand in them
 #define ZO_FUNCTION_OF(library, name) \
   decltype(&::name) name = library.find<decltype(&::name)>(#name)
+// NOLINTEND(bugprone-macro-parentheses)

@@ -31,7 +31,7 @@ struct CacheMark {
 [[nodiscard]] std::string printCacheMark(const CacheMark& mark);
 // false for anything but what is printed; the mark is then undefined.
 [[nodiscard]] bool parseCacheMark(std::string_view text, CacheMark& mark);
-inline constexpr std::size_t kMaxMarkBytes = 16 * 1024;
+inline constexpr std::size_t kMaxMarkBytes = std::size_t{16} << 10;
 
 // Which of the cache's files a name in its folder is: all of them begin with the 32 digits of a key.
 enum class CacheFile { other, mark, copy, unfinished };

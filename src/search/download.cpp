@@ -2,6 +2,7 @@
 
 #include <wininet.h>
 
+#include <algorithm>
 #include <charconv>
 #include <memory>
 #include <utility>
@@ -31,7 +32,7 @@ std::string narrow(std::wstring_view text) {
 std::wstring widened(const std::string& text) { return {text.begin(), text.end()}; }
 
 std::string markOf(const HttpRequest& request, DWORD which) {
-  std::string mark = narrow(request.header(which));
+  const std::string mark = narrow(request.header(which));
   return isMark(mark) ? mark : std::string();
 }
 
@@ -152,27 +153,32 @@ Download::Answer Download::take(HttpRequest& request, const WebAddress& from,
   if (length_ > 0 && static_cast<std::uint64_t>(length_) > options_.largest)
     return fail(ZoResult::tooLarge, ERROR_FILE_TOO_LARGE);
   keepMarks(request);
-  file_.emplace(createFresh(stem, kEndingBeside, GENERIC_WRITE, 0, FILE_FLAG_SEQUENTIAL_SCAN));
-  if (!file_->file) return fail(ZoResult::refused, GetLastError());
-  return takeBody(request);
+  FreshFile& fresh =
+      file_.emplace(createFresh(stem, kEndingBeside, GENERIC_WRITE, 0, FILE_FLAG_SEQUENTIAL_SCAN));
+  if (!fresh.file) return fail(ZoResult::refused, GetLastError());
+  return takeBody(request, fresh.file);
 }
 
-Download::Answer Download::takeBody(HttpRequest& request) {
+Download::Answer Download::takeBody(HttpRequest& request, OpenFile& file) {
   const auto piece = std::make_unique_for_overwrite<char[]>(kPiece);
   Sha256 hash;
   if (!hash.start()) return fail(ZoResult::refused, GetLastError());
   for (DWORD got = 1; got > 0; mark_.size += got) {
     if (!goesOn()) return fail(ZoResult::cancelled, ERROR_CANCELLED);
     if (!isInTime()) return away(ERROR_INTERNET_TIMEOUT);
-    if (!request.read(piece.get(), kPiece, got)) return away(GetLastError());
+    // Some platforms give what comes behind the length, too.
+    const std::uint64_t left =
+        length_ < 0 ? kPiece : static_cast<std::uint64_t>(length_) - mark_.size;
+    const auto most = static_cast<DWORD>(std::min<std::uint64_t>(left, kPiece));
+    got = 0;
+    if (most > 0 && !request.read(piece.get(), most, got)) return away(GetLastError());
     if (got > options_.largest - mark_.size) return fail(ZoResult::tooLarge, ERROR_FILE_TOO_LARGE);
-    if (writeAll(file_->file.get(), piece.get(), got) < got || !hash.add(piece.get(), got))
+    if (writeAll(file.get(), piece.get(), got) < got || !hash.add(piece.get(), got))
       return fail(ZoResult::refused, GetLastError());
   }
   if (length_ >= 0 && mark_.size != static_cast<std::uint64_t>(length_))
     return away(ERROR_INTERNET_CONNECTION_ABORTED);
-  if (!file_->file.close() || !hash.finish(mark_.sum))
-    return fail(ZoResult::refused, GetLastError());
+  if (!file.close() || !hash.finish(mark_.sum)) return fail(ZoResult::refused, GetLastError());
   return kComplete;
 }
 

@@ -43,9 +43,9 @@ class Download {
  private:
   Answer fail(int code, DWORD error);
   Answer take(HttpRequest& request, const WebAddress& from, const std::wstring& stem);
-  Answer takeBody(HttpRequest& request);
-  bool isInTime() const noexcept;
-  bool goesOn() const;
+  Answer takeBody(HttpRequest& request, OpenFile& file);
+  [[nodiscard]] bool isInTime() const noexcept;
+  [[nodiscard]] bool goesOn() const;
   void keepMarks(const HttpRequest& request);
 
   const ZoDownloadOptions& options_;

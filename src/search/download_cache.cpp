@@ -83,7 +83,7 @@ class ZoDownloadCache::Imp {
   };
   class Held;
 
-  bool isYoung(std::uint64_t checked) const;
+  [[nodiscard]] bool isYoung(std::uint64_t checked) const;
   bool remembered(const Wanted& wanted, Tested& tested);
   void remember(const Wanted& wanted, const zo::CacheMark& mark, const zo::FileLook& look);
   int await(zo::EntryLock& lock, const ZoFileName& url, const Watcher& watcher) const;
@@ -224,7 +224,7 @@ int ZoDownloadCache::Imp::accept(const Wanted& wanted, const zo::CacheMark* know
     return failed(GetLastError());
   if (!folder_.store(wanted.key, mark)) return failed(GetLastError());
   if (!isNew) return ZoResult::ok;
-  folder_.removeAll(wanted.key, copy);
+  static_cast<void>(folder_.removeAll(wanted.key, copy));  // what is open goes later
   folder_.trim(options_.limit, wanted.key);
   return ZoResult::ok;
 }
@@ -240,7 +240,9 @@ int ZoDownloadCache::Imp::find(const ZoFileName& url, ZoFileName& file) {
       return folder_.load(wanted.key, wanted.url, wanted.extension, known, look);
     };
     // Without its lock: the entry may be exchanged between two steps, but hardly twice.
-    if (!load() && !load()) return failed(ERROR_FILE_NOT_FOUND);
+    bool isThere = load();
+    if (!isThere) isThere = load();
+    if (!isThere) return failed(ERROR_FILE_NOT_FOUND);
     remember(wanted, known, look);
     tested = {.copy = folder_.copyName(wanted.key, known.sum, wanted.extension),
               .look = look,

@@ -59,16 +59,16 @@ class DownloadFolder {
   // Remembers that the entry was of use now.
   void touch(const std::wstring& key) const;
   // Removes all files of an entry but the copy `kept`; false when one stays.
-  bool removeAll(const std::wstring& key, const std::wstring& kept = {}) const;
+  [[nodiscard]] bool removeAll(const std::wstring& key, const std::wstring& kept = {}) const;
 
   // Removes all entries; false when something stays, as somebody holds it.
-  bool clear() const;
+  [[nodiscard]] bool clear() const;
   // Removes entries until the copies have no more bytes than that, the one used longest ago first,
   // and what killed processes left; never of `kept`, nor what somebody holds.
   void trim(std::uint64_t limit, const std::wstring& kept) const;
 
  private:
-  std::wstring copyInForce(const std::wstring& key) const;
+  [[nodiscard]] std::wstring copyInForce(const std::wstring& key) const;
 
   std::wstring folder_;
 };

@@ -25,7 +25,7 @@ class Media {
   int collect(const std::wstring& below, unsigned int depth, Manifest& manifest) const;
   int checkFile(const ManifestFile& file, ZoMediaReport& report);
   int sum(const std::wstring& path, std::uint64_t size, Sha256Sum& sum);
-  bool goesOn(const std::wstring& path) const;
+  [[nodiscard]] bool goesOn(const std::wstring& path) const;
 
   std::wstring root_;  // with its final delimiter
   const std::string& key_;
