@@ -371,6 +371,13 @@ class LibrarySamples : public LibraryPromise {
       makeBase(460, 459, operation.name == "extract");
       failEachCall(operation, {Trouble::stop});
     }
+    disk_.put(sources_);
+    ZoLibrary library;
+    EXPECT_EQ(library.open(kPath, kReadWrite, ZoFile::kOpenAlways), 0);
+    for (const wchar_t* const odd : {L"\x0416/\x20AC", L"\\U+0041\x65E5", L"\\U+00e4"}) {
+      EXPECT_EQ(library.addFile(L"M:\\small", odd), 0);
+    }
+    keep(disk_.image());
     int number = 0;
     for (const auto& [bytes, seen] : samples) {
       const std::wstring path = folder + L"/" + std::to_wstring(++number);
