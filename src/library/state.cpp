@@ -6,6 +6,16 @@
 
 namespace zo {
 
+namespace {
+
+constexpr int kPatience = 200;
+
+bool isHalfSeen(ScanEnd end) {
+  return end == ScanEnd::kShort || end == ScanEnd::kNoEntry || end == ScanEnd::kZero;
+}
+
+}  // namespace
+
 LibraryState::LibraryState() = default;
 LibraryState::~LibraryState() { batch.reset(); }  // it takes back what it wrote
 
@@ -49,13 +59,17 @@ int LibraryState::refresh() {
   if (batch && isIndexed_) return ZoResult::ok;  // what changes the file is not yet visible
   if (!file_.look(now)) return ZoResult::refused;
   int code = ZoResult::ok;
-  for (int attempt = 0; !isIndexOf(now) && attempt < kAttempts; ++attempt) {
+  int attempts = kAttempts;
+  for (int attempt = 0; !isIndexOf(now) && attempt < attempts; ++attempt) {
+    // An end that a writer at work leaves at no instant was seen before and after it moved on.
+    if (attempt >= kAttempts) Sleep(1);
     code = buildIndex();
     indexed_ = now;
     isIndexed_ = code == ZoResult::ok;
     if (isWritable_) break;
     if (!file_.look(now)) return ZoResult::refused;
     if (code && indexed_ == now) break;
+    attempts = isHalfSeen(scan_.end) ? kPatience : kAttempts;
   }
   return code;
 }

@@ -301,6 +301,7 @@ TEST_F(LibraryTest, ReadsWhateverAFileHolds) {
       {"zeros between", header() + a + std::string(108, '\0') + a2, {L"a", L"A"}, true, 0, 1, 0},
       {"something short", header() + a + "?", {L"a"}, true, 1, 1, 0},
       {"something behind", header() + a + std::string(54, '?'), {L"a"}, true, 54, 1, 1},
+      {"one byte short", header().replace(20, 1, 1, 1).substr(0, 31), {}, true, 0, 1, 1},
       {"zeros", header() + a + std::string(99, '\0'), {L"a"}, true, 99, 1, 0},
   };
   for (const Row& row : rows) {
@@ -318,7 +319,13 @@ TEST_F(LibraryTest, ReadsWhateverAFileHolds) {
       EXPECT_EQ(library.verify(entry), 0);
     }
     ASSERT_EQ(openForWriting(library), 0);
+    SetLastError(ERROR_FILE_CORRUPT);
+    fs().errorIO(L"");
+    const ZoString corrupt = fs().errorTxt();
+    SetLastError(ERROR_SUCCESS);
+    fs().errorIO(L"");
     EXPECT_EQ(add(library, L"added", "new"), row.adding);
+    EXPECT_EQ(fs().errorTxt() == corrupt, row.adding != 0) << "the reason";
     Names expected = row.names;
     if (row.adding == 0) expected.push_back(L"added");
     EXPECT_EQ(names(library), expected);

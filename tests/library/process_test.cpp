@@ -152,6 +152,7 @@ TEST_F(LibraryTest, SeveralProcessesAddAndReadAtOnce) {
     ASSERT_EQ(reader.open(path_), 0);
     const Names seen = names(reader);
     EXPECT_GE(seen.size(), least);
+    EXPECT_EQ(reader.trailingBytes(), 0u);
     least = seen.size();
     EXPECT_EQ(contentOf(reader, seen.back().c_str()).size(), 5000u);
   }

@@ -340,6 +340,23 @@ TEST_F(LibraryPromise, AnyUnflushedWriteMayBeLostOrTorn) {
   EXPECT_GT(cases, 45 * kRemainders);
 }
 
+// The file has grown by a member and the begin of another each time that its size was asked for.
+TEST_F(LibraryPromise, AWriterAtWorkIsNoDamage) {
+  const std::string member = HandMade{.name = "m", .data = std::string(1000, 'm')}.bytes();
+  std::string begun = member.substr(0, 500), bytes = header();
+  begun.replace(50, 4, "\xFF\xFF\0\0", 4);
+  disk_.put({{kPath, bytes + begun}});
+  int rounds = 12 * 3;
+  disk_.beforeRead = [&] {
+    if (rounds-- > 0) disk_.change(kPath, (bytes += member) + begun);
+  };
+  ZoLibrary reader;
+  ASSERT_EQ(reader.open(kPath), 0);
+  EXPECT_EQ(reader.trailingBytes(), 0u);
+  EXPECT_TRUE(reader.hasUnfinishedChange());
+  disk_.beforeRead = nullptr;
+}
+
 // Libraries as they are after each operation and where a process ended in it, for other readers.
 class LibrarySamples : public LibraryPromise {
  public:
@@ -354,6 +371,13 @@ class LibrarySamples : public LibraryPromise {
       makeBase(460, 459, operation.name == "extract");
       failEachCall(operation, {Trouble::stop});
     }
+    disk_.put(sources_);
+    ZoLibrary library;
+    EXPECT_EQ(library.open(kPath, kReadWrite, ZoFile::kOpenAlways), 0);
+    for (const wchar_t* const odd : {L"\x0416/\x20AC", L"\\U+0041\x65E5", L"\\U+00e4"}) {
+      EXPECT_EQ(library.addFile(L"M:\\small", odd), 0);
+    }
+    keep(disk_.image());
     int number = 0;
     for (const auto& [bytes, seen] : samples) {
       const std::wstring path = folder + L"/" + std::to_wstring(++number);
