@@ -180,6 +180,88 @@ def versions():
     os.remove("v.lib")
 
 
+def numbers():
+    """Every version has a number, by which it is read, brought back, renamed and removed; so has an odd name."""
+    for content in (b"first", b"second"):
+        run("add", "v.lib", str(write("v.txt", content)), str(write("w.txt", content)), "-q")
+    listed = answer("list", "v.lib", "--versions")["members"]
+    assert [m["state"] for m in listed] == ["deleted", "deleted", "ok", "ok"] and len({m["entry"] for m in listed}) == 4
+    assert re.search(r"\n *@1 .* deleted +v.txt\n", run("list", "v.lib", "--versions").decode())
+    assert run("cat", "v.lib", "@1", "v.txt", "@4") == b"firstsecondsecond"
+    run("extract", "v.lib", "@1", "-o", "old", err=".*1 member extracted\n")
+    assert pathlib.Path("old/v.txt").read_bytes() == b"first"
+    run("recover", "v.lib", "v.txt", "w.txt", code=2, err="zolib: cannot recover v.txt: a member has that name; .*0 members.*")
+    run("rename", "v.lib", "v.txt", "new.txt", "-q")
+    run("recover", "v.lib", "v.txt", "w.txt", code=2, err="zolib: cannot recover w.txt: .*0 members.*")  # all or none
+    run("recover", "v.lib", "@1", err=".*1 member recovered\n")
+    run("rename", "v.lib", "@1", "first.txt", "-q")
+    assert run("cat", "v.lib", "first.txt") == b"first"
+    run("delete", "v.lib", "w.txt", "--versions", code=7, err="zolib: one of these needs the other: .*")
+    run("delete", "v.lib", "w.txt", "--physically", "--versions", err=".*1 member deleted\n")
+    left = members("v.lib", "--deleted")
+    assert set(members("v.lib")) == {"first.txt", "new.txt"} and "w.txt" not in left, left
+    run("delete", "v.lib", "@77", code=10, err="zolib: v.lib has no member @77; .*")
+    foreign("o.lib", [("$a.dwg", b"macro", 0), ("a.txt:stream", b"stream", 0), ("a\x01b", b"control", 0), ("b", b"b", 0)])
+    assert run("cat", "o.lib", "@1", "@3") == b"macrocontrol"
+    for number in ("@1", "@2"):
+        run("rename", "o.lib", number, f"name{number[1]}.txt", "-q")
+    run("delete", "o.lib", "@3", "-q")
+    assert sorted(members("o.lib")) == ["b", "name1.txt", "name2.txt"], run("list", "o.lib", "--versions").decode()
+
+
+def folders():
+    """sync, diff, and what compares by content; ways to extract, list and name."""
+    tree()
+    run("add", "g.lib", "parts/[eo]*.{txt,bak}", err=r"g\.lib: 2 added.*")
+    write("kept/x.txt")
+    run("create", "a.lib", "parts", "kept", "-q")
+    run("diff", "a.lib", "parts", out="", err=r"a\.lib: 5 the same, 0 changed, 0 new, 0 gone\n")
+    os.remove("parts/old.bak")
+    write("parts/new.txt")
+    old = os.stat("parts/empty.txt")
+    write("parts/empty.txt", b"now filled")
+    os.utime("parts/empty.txt", ns=(old.st_atime_ns, old.st_mtime_ns))
+    told = {"changed  parts/empty.txt", "new  parts/new.txt", "gone  parts/old.bak"}
+    assert set(run("diff", "a.lib", "parts", code=1).decode().splitlines()) == told
+    assert answer("diff", "a.lib", "parts", code=1)["gone"] == 1
+    plan = run("sync", "a.lib", "parts", "--dry-run").decode().splitlines()
+    assert plan[-1] == "would be deleted  parts/old.bak" and "would be replaced  parts/empty.txt" in plan, plan
+    run("sync", "a.lib", "parts", "--verify", err=r"a\.lib: 1 added, 1 replaced, 3 kept, 1 deleted; .*\n")
+    run("diff", "a.lib", "parts", "kept", err=".*6 the same.*")
+    assert "kept/x.txt" in members("a.lib")
+    run("sync", "a.lib", "parts/new.txt", code=2, err="zolib: parts/new.txt is no folder\n")
+    run("sync", "a.lib", "none", code=10, err="zolib: cannot find none.*")
+    write("parts/new.txt", b"other!!\n")  # as long as before, and older
+    os.utime("parts/new.txt", (1_000_000_000, 1_000_000_000))
+    run("update", "a.lib", "parts", err=".*: 5 kept\n")
+    run("update", "a.lib", "parts", "--by-content", err=".*: 1 replaced, 4 kept; .*")
+    run("extract", "a.lib", "parts/bolts", "--flat", "-o", "flat", "-q")
+    assert files("flat") == ["m10.dwg", "m8.dwg"]
+    run("extract", "a.lib", "--strip", "1", "-o", "strip", "-q")
+    assert files("strip") == sorted(["Größe 1.txt", "bolts/m8.dwg", "bolts/steel/m10.dwg", "empty.txt", "new.txt", "x.txt"])
+    write("other/x.txt")
+    run("add", "a.lib", "other", "-q")
+    run("extract", "a.lib", "x.txt", "*/x.txt", "--flat", "-o", "twice", code=10)
+    run("extract", "a.lib", "*/x.txt", "--flat", "-o", "once", "--overwrite", "always", code=1, err="zolib: left other/x.txt.*")
+    assert [m["name"] for m in answer("list", "a.lib", "--folders")["folders"]] == [
+        "kept/", "other/", "parts/", "parts/bolts/", "parts/bolts/steel/"]
+    sizes = [int(line.split()[0]) for line in run("list", "a.lib", "--sort", "size").decode().splitlines()[1:-1]]
+    assert sizes == sorted(sizes)
+    run("delete", "a.lib", "--files-from", "-", stdin="parts/Größe 1.txt\0kept/x.txt\0".encode(), err=".*2 members deleted\n")
+    assert members("a.lib", "*.{dwg,bak}") == ["parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"]
+    assert members("a.lib", "m[0-9].dwg") == ["parts/bolts/m8.dwg"]
+    run("rename", "a.lib", "parts/bolts", "other", "--dry-run", out="would be renamed.*\nwould be renamed.*")
+    run("add", "a.lib", "other/x.txt", "-q")
+    run("rename", "a.lib", "parts/bolts/m8.dwg", "other/steel/m10.dwg", "-q")
+    run("rename", "a.lib", "parts/bolts", "other", code=2, err="zolib: cannot rename .*: a member has that name; .*0 members.*")
+    assert "parts/bolts/steel/m10.dwg" in members("a.lib")
+    os.makedirs("lost/empty")
+    os.symlink("empty", "lost/link")
+    os.chmod(write("lost/read only.txt"), 0o444)
+    run("add", "b.lib", "lost", err=".*1 link to a folder .*1 empty folder .*1 file is read-only.*1 added.*")
+    run("add", "b.lib", "lost", "-v", err=".*link  lost/link.*read-only  lost/read only.txt.*empty  lost/empty.*")
+
+
 def exit_codes():
     """Command line, exit code, and the one line that is said."""
     write("no.lib", b"this is no library, but long enough to look like one\n" * 3)
@@ -210,7 +292,7 @@ def exit_codes():
         (["rename", "a.lib", "a.txt", "con"], 2, "cannot rename .* to con: it names a device"),
         (["info", "a.lib", "--dot", "none/x"], 2, r"cannot write none/x: (?!it was refused).*"),
         (["extract", "a.lib", "-o", "no.lib"], 2, "no.lib is a file; .*"),
-        (["add", "a.lib", "--files-from", "utf16.txt"], 2, ".*zero bytes; .* UTF-8.*"),
+        (["add", "a.lib", "--files-from", "utf16.txt"], 2, ".*UTF-16; .* UTF-8.*"),
         (["create", "none/b.lib", "a.txt"], 2, r"cannot open none/b\.lib: .*; .*"),
     ):
         # One line for the failure; what else is said is no failure's.
@@ -238,7 +320,7 @@ def names():
     write("b/x.txt")
     write("b/X.TXT", b"the other\n")
     os.symlink(".", "b/loop")
-    said = r"zolib: left out b/(x|X)\.(txt|TXT): b/(?!\1)[xX]\.\w+ is .*; rename one of them\nb\.lib: 1 added.*"
+    said = r"zolib: left out b/(x|X)\.(txt|TXT): b/(?!\1)[xX]\.\w+ is .*; rename one of them\n1 link.*\nb\.lib: 1 added.*"
     run("create", "b.lib", "b", code=2, err=said)
     run("add", "ö.lib", "parts", "parts/old.bak", "./parts/old.bak", err=".*5 added.*")  # named twice is no fault
     odd = ["[x]", "[x,y]", "{}", "add", "-b", "--json"]  # to the command line they could be more than names
@@ -396,6 +478,32 @@ def locked():
     run("test", "a.lib", err="a.lib: 2 members ok\n")
 
 
+def threads():
+    """However many work, the library is the same to the byte, and so is what comes out and what is said."""
+    for i in range(60):
+        write(f"t/{i % 7}/{i}", os.urandom(100 * i) + b"text " * 300 * i)
+    said, first = None, None
+    for name in files("t"):
+        pathlib.Path("t", name).read_bytes()  # so that the times of access stay
+    for count in ("1", "2", "7"):
+        run("create", f"{count}.lib", "t", "--threads", count, "-q")
+        library = pathlib.Path(f"{count}.lib").read_bytes()
+        first = first or library
+        assert library == first, count
+        broken = bytearray(library)
+        for at in (len(library) // 3, len(library) * 2 // 3):
+            broken[at] ^= 1
+        write("broken.lib", bytes(broken))
+        done = [subprocess.run(COMMAND + args + ["--threads", count, "-v"], capture_output=True) for args in
+                (["test", f"{count}.lib"], ["test", "broken.lib"], ["extract", f"{count}.lib", "-o", f"out{count}"])]
+        now = [(d.returncode, d.stderr.replace(f"{count}.lib".encode(), b"lib")) for d in done]
+        said = said or now
+        assert now == said and [code for code, _ in now] == [0, 13, 0], now
+        assert files(f"out{count}/t") == files("t")
+        assert all(pathlib.Path(f"out{count}/t", n).read_bytes() == pathlib.Path("t", n).read_bytes() for n in files("t"))
+    run("test", "1.lib", "--threads", "0", code=7)
+
+
 def cancelled():
     """SIGINT in the middle of a long call: what was complete stays, the library is whole."""
     write("small")
@@ -466,24 +574,19 @@ def graph():
 def terminal():
     """On a terminal a long call shows how far it is; talk is not mixed with it."""
     write("large", os.urandom(6 << 20))
-    code, text = typed("create", "a.lib", "large", "--mode", "best")
+    code, text = on_terminal("create", "a.lib", "large", "--mode", "best")
     assert code == 0 and re.search(rb"\d %.*/s.*left.*large", text) and b"1 added" in text, text
     run("create", "b.lib", "large", "--mode", "best", out="", err=r"b\.lib: 1 added; .*\n")
-    # Typed input ends, and what a name does to a terminal is not done.
-    for end in (b"\x1a\r", b"\x04\r"):
-        assert typed("add", "b.lib", "-", "--name", "typed", keys="größer\r".encode() + end)[0] == 0
-        assert run("cat", "b.lib", "typed") in ("größer\r\n".encode(), "größer\n".encode())
     foreign("f.lib", [("a\x1b[2Jb", b"", 0)])
-    code, text = typed("list", "f.lib")
+    code, text = on_terminal("list", "f.lib")  # what the name would do to the terminal is not done
     assert code == 0 and b"a?[2Jb" in text, text
 
 
-def typed(*args, keys=b""):
-    """Exit code and output on a terminal where these keys are hit."""
+def on_terminal(*args):
+    """Exit code and output on a terminal."""
     parent, child = pty.openpty()
     worker = start(*args, stdin=child, stdout=child, stderr=child)
     os.close(child)
-    os.write(parent, keys)
     text = b""
     with contextlib.suppress(OSError):  # the end of a terminal reads as an error
         while piece := os.read(parent, 4096):

@@ -2,11 +2,17 @@
 #include <windows.h>
 #include <zo/library/library.h>
 #include <zo/library/library_results.h>
+#include <zo/library/packed_member.h>
+
+#include <optional>
+#include <vector>
 
 #include "cancel.h"
 #include "names.h"
+#include "same.h"
 #include "session.h"
 #include "sources.h"
+#include "sync.h"
 #include "text.h"
 #include "verbs.h"
 
@@ -34,6 +40,12 @@ Packing packingOf(Mode mode) noexcept {
   return {ZoLibrary::kAutomatic, ZoLibrary::kNormal};
 }
 
+// A file on its way into the library.
+struct Job {
+  const char* action = "";
+  ZoPackedMember packed;
+};
+
 // Adds one file after the other, and sums up. Small ones go in batches, each of which is in the
 // library as a whole or not at all; a killed program costs the last second's.
 class Adder {
@@ -41,36 +53,61 @@ class Adder {
   Adder(const Options& options, Report& report, Session& session)
       : options_(options), report_(report), session_(session), packing_(packingOf(options.mode)) {
     if (options.overwrite == Overwrite::kUnsaid)
-      overwrite_ = options.verb == "update" ? Overwrite::kNewer : Overwrite::kAlways;
+      overwrite_ = options.verb == "update" || options.verb == "sync" ? Overwrite::kNewer
+                                                                      : Overwrite::kAlways;
   }
 
-  void add(const Source& source) {
+  // Whether it is to be packed.
+  bool wants(const Source& source, Job& job) {
     const ZoFileName member(source.member);
     if (const std::string why = refusal(source, member); !why.empty()) {
       report_.fail(kFailed, {200, "cannot add %1: %2"}, source.path, why);
-      return;
+      return false;
     }
     ZoLibEntry old;
     const bool exists = session_.isOpen() && session_->getEntry(member, old) == ZoResult::ok;
-    if (exists && (overwrite_ == Overwrite::kNever ||
-                   (overwrite_ == Overwrite::kNewer && !isNewer(source, old)))) {
+    if (exists && staysAs(old, source)) {
       report_.member(source.member, "kept");
-      return;
+      return false;
     }
-    const char* action = exists ? "replaced" : "added";
-    if (options_.dryRun) {
-      report_.member(source.member, action)["size"] = source.size;
-      return;
-    }
+    job.action = exists ? "replaced" : "added";
+    if (!options_.dryRun) return true;
+    report_.member(source.member, job.action)["size"] = source.size;
+    return false;
+  }
+
+  // What packing on another thread takes; nothing where it is packed as it is added.
+  [[nodiscard]] std::uint64_t memoryFor(const Source& source) const noexcept {
+    return source.path == L"-" ? 0 : ZoPacker::memoryFor(source.size, packing_.level);
+  }
+
+  // On any thread. A failure is found again, with its reason, where it is added.
+  void pack(const Source& source, Job& job, ZoPacker& packer) const {
+    if (source.path == L"-") return;
+    packer.onProgress([](std::uint64_t, std::uint64_t) { return !isCancelled(); });
+    static_cast<void>(
+        packer.pack(ZoFileName(source.path), job.packed, packing_.mode, packing_.level));
+  }
+
+  void add(const Source& source, Job& job) {
+    const ZoFileName member(source.member);
     session_.progress().begin(toUtf8(source.member), source.size);
     const bool alone = source.path == L"-" || source.size >= kAlone;
-    if (alone || GetTickCount64() >= batchBegun_ + kBatchTime) endBatch();
-    const int code = store(source, member, alone);
+    if (alone)
+      endBatch();
+    else
+      endOldBatch();
+    const int code = store(source, member, job.packed, alone);
+    job.packed = {};
     if (!code)
-      batch_.push_back({member, action});
+      batch_.push_back({member, job.action});
     else if (code > 0)
       session_.reportFailure(say({201, "cannot add %1"}, source.path), code);
     if (alone) endBatch();
+  }
+
+  void endOldBatch() {
+    if (inBatch_ && GetTickCount64() >= batchBegun_ + kBatchTime) endBatch();
   }
 
   // Makes what was added so far a part of the library.
@@ -91,6 +128,7 @@ class Adder {
       Json& json = report_.member(added.member.view(), added.action);
       json["size"] = entry.size;
       json["packed"] = entry.storedSize;
+      verify(entry);
     }
     batch_.clear();
   }
@@ -106,6 +144,7 @@ class Adder {
     append("added", {203, "%1 added"});
     append("replaced", {204, "%1 replaced"});
     append("kept", {205, "%1 kept"});
+    if (options_.verb == "sync") append("deleted", {216, "%1 deleted"});
     if (options_.dryRun) return;
     if (text.empty()) text = say({206, "nothing to add"});
     if (size_)
@@ -137,7 +176,7 @@ class Adder {
   }
 
   // A code, or -1 for what was reported already.
-  int store(const Source& source, const ZoFileName& member, bool alone) {
+  int store(const Source& source, const ZoFileName& member, ZoPackedMember& packed, bool alone) {
     ZoFile data;
     if (source.path == L"-" && !readInputInto(data, report_)) return -1;
     forgetReason();
@@ -146,14 +185,27 @@ class Adder {
       inBatch_ = true;
       batchBegun_ = GetTickCount64();
     }
+    if (!packed.isEmpty()) return session_->addFile(packed, member, true);
     return source.path == L"-"
                ? session_->addFile(data, member, true, packing_.mode, packing_.level)
                : session_->addFile(ZoFileName(source.path), member, true, packing_.mode,
                                    packing_.level);
   }
 
-  static bool isNewer(const Source& source, const ZoLibEntry& old) noexcept {
-    return source.path == L"-" || ticks(source.written) > ticks(old.written);
+  // Whether the member is kept as it is.
+  bool staysAs(const ZoLibEntry& old, const Source& source) {
+    if (overwrite_ == Overwrite::kNever) return true;
+    if (overwrite_ == Overwrite::kAlways || source.path == L"-") return false;
+    if (options_.byContent) return isSame(source, session_, old).value_or(false);
+    if (options_.verb == "sync") return looksSame(source, old);
+    return ticks(source.written) <= ticks(old.written);
+  }
+
+  // Reads what was written.
+  void verify(const ZoLibEntry& entry) {
+    if (!options_.verify || session_->verify(entry) == ZoResult::ok) return;
+    report_.fail(kDamaged, {215, "%1 was not written as it was read; see `zolib test`"},
+                 entry.name.view());
   }
 
   const Options& options_;
@@ -167,9 +219,32 @@ class Adder {
   std::uint64_t size_ = 0, packed_ = 0;
 };
 
+void addAll(const std::vector<Source>& sources, Adder& adder, Session& session, Report& report) {
+  const Crew crew = session.crew();
+  const bool packsAhead = crew.threads > 1 && sources.size() > 1;
+  std::vector<Job> jobs(sources.size());
+  std::vector<ZoPacker> packers(packsAhead ? crew.threads : 0);
+  const auto handOut = [&](std::size_t i) -> std::optional<std::uint64_t> {
+    if (isCancelled()) report.cancelled();
+    if (report.code() == kCancelled || !adder.wants(sources[i], jobs[i])) return std::nullopt;
+    return adder.memoryFor(sources[i]);
+  };
+  const auto pack = [&](std::size_t i, unsigned int worker) {
+    if (packsAhead) adder.pack(sources[i], jobs[i], packers[worker]);
+  };
+  const auto take = [&](std::size_t i) {
+    if (isCancelled()) report.cancelled();
+    if (report.code() != kCancelled) adder.add(sources[i], jobs[i]);
+    return report.code() != kCancelled;
+  };
+  inOrder(sources.size(), crew, handOut, pack, take, [&] { adder.endOldBatch(); });
+}
+
 }  // namespace
 
 void add(const Options& options, Report& report) {
+  const bool syncs = options.verb == "sync";
+  if (syncs && !areFolders(options, report)) return;
   const std::vector<Source> sources = findSources(options, report);
   if (isCancelled()) return report.cancelled();
   if (sources.empty() && report.code() != kOk) return;  // no library for nothing
@@ -180,12 +255,12 @@ void add(const Options& options, Report& report) {
   for (const Source& source : sources) total += source.size;
   session.progress().expect(total);
   Adder adder(options, report, session);
-  for (const Source& source : sources) {
-    if (isCancelled()) report.cancelled();
-    if (report.code() == kCancelled) break;
-    adder.add(source);
-  }
+  addAll(sources, adder, session, report);
   if (session.isOpen()) adder.endBatch();
+  if (syncs && report.code() == kOk)
+    removeGone(options, report, session, sources);
+  else if (syncs && report.code() != kCancelled)
+    report.warn({217, "nothing was removed, for something could not be read or packed"});
   adder.sumUp();
   if (session.isOpen()) session.close();
 }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <optional>
 #include <span>
+#include <thread>
 
 #include "command_line.h"
 #include "help.h"
@@ -25,6 +26,17 @@ std::string noSeconds(const std::string& text) {
              : say({500, "%1 is no number of seconds from 0 on"}, text);
 }
 
+std::string noCount(const std::string& text) {
+  const bool isCount = text.size() <= 4 && !text.empty() &&
+                       text.find_first_not_of("0123456789") == std::string::npos;
+  return isCount ? std::string() : say({536, "%1 is no number from 0 on"}, text);
+}
+
+std::string noThreads(const std::string& text) {
+  const bool isNumber = noCount(text).empty() && std::stoi(text) >= 1 && std::stoi(text) <= 256;
+  return isNumber ? std::string() : say({540, "%1 is no number of threads from 1 to 256"}, text);
+}
+
 using Words = std::span<const std::string_view>;
 
 std::string noneOf(std::string_view option, std::string_view text, Words words) {
@@ -45,13 +57,17 @@ void addChoice(CLI::App& app, const char* name, const Text& help, const char* ty
   app.add_option_function<std::string>(name, set, say(help))->type_name(type);
 }
 
-void addPackOptions(CLI::App& app, Options& options, Raw& raw) {
+void addMode(CLI::App& app, Options& options) {
   static constexpr std::string_view kModes[] = {"normal", "fast", "best", "store", "auto"};
   addChoice(app, "--mode",
             {501,
              "fast, normal, best, store, or auto: normal, but stored where that is no smaller "
              "(default)"},
             "MODE", kModes, options.mode);
+}
+
+void addPackOptions(CLI::App& app, Options& options, Raw& raw) {
+  addMode(app, options);
   addText(app, "--name", raw.name, {502, "The member that data from standard input becomes"},
           "NAME");
 }
@@ -60,6 +76,38 @@ void addOverwrite(CLI::App& app, Options& options) {
   static constexpr std::string_view kWays[] = {"never", "always", "newer"};
   addChoice(app, "--overwrite", {503, "What exists already: never, always, or newer"}, "WAY", kWays,
             options.overwrite);
+}
+
+void addExtract(CLI::App& app, Options& options, Raw& raw) {
+  addText(app, "-o,--output", raw.output, {512, "The folder to extract to"}, "FOLDER");
+  CLI::Option* const flat =
+      app.add_flag("--flat", options.flat, say({532, "Without folders: by the last level alone"}));
+  app.add_option("--strip", options.strip,
+                 say({533, "Without so many folders in front; what lies in these stays"}))
+      ->check(noCount)
+      ->type_name("NUMBER")
+      ->excludes(flat);
+}
+
+void addList(CLI::App& app, Options& options) {
+  static constexpr std::string_view kSorts[] = {"file", "name", "size", "packed", "time"};
+  CLI::Option* const names =
+      app.add_flag("--names", options.namesOnly, say({514, "Only the names, one per line"}));
+  app.add_flag("--folders", options.folders, say({534, "Folders with their totals"}))
+      ->excludes(names);
+  app.add_flag("--versions", options.versions,
+               say({537, "Deleted members, too, each with its number: @17 names that one"}))
+      ->excludes(names);
+  addChoice(app, "--sort", {535, "file (the file's order, default), name, size, packed or time"},
+            "ORDER", kSorts, options.sort);
+}
+
+void addDelete(CLI::App& app, Options& options) {
+  CLI::Option* const physically = app.add_flag("--physically", options.physically,
+                                               say({515, "For good, by rewriting the file"}));
+  app.add_flag("--versions", options.versions,
+               say({538, "And what was deleted before under the names"}))
+      ->needs(physically);
 }
 
 void addRecover(CLI::App& app, Options& options) {
@@ -95,30 +143,42 @@ void addOptions(CLI::App& sub, const Verb& verb, Options& options, Raw& raw) {
   } else if (takes & kNames) {
     sub.add_option("NAME", raw.names, say(verb.namesHelp))->check(emptiness)->type_name("");
   }
-  if (takes & kSelect) {
+  if (takes & kInclude) {
     addTexts(sub, "--include", raw.include, {509, "Only what this pattern fits; may be repeated"},
              "PATTERN");
     addTexts(sub, "--exclude", raw.exclude, {510, "Not what this pattern fits; may be repeated"},
              "PATTERN");
-    addText(sub, "--files-from", raw.filesFrom,
-            {511, "More names, one per line of this file; - is standard input"}, "FILE");
   }
+  if ((takes & kSelect) == kSelect) {
+    addText(sub, "--files-from", raw.filesFrom,
+            {511, "More names, one per line of this file, or ended by zeros; - is standard input"},
+            "FILE");
+  }
+  const std::string_view name = verb.name;
   if (takes & kFiles) addPackOptions(sub, options, raw);
-  if ((takes & kFiles) || verb.name == std::string_view("extract")) addOverwrite(sub, options);
-  if (verb.name == std::string_view("extract"))
-    addText(sub, "-o,--output", raw.output, {512, "The folder to extract to"}, "FOLDER");
-  if (verb.name == std::string_view("info"))
+  if ((takes & kFiles) || name == "extract") addOverwrite(sub, options);
+  if (name == "update" || name == "sync")
+    sub.add_flag("--by-content", options.byContent,
+                 say({530, "Compare size and check value, not times"}));
+  if (name == "sync") addMode(sub, options);
+  if ((takes & kFiles) || name == "sync")
+    sub.add_flag("--verify", options.verify, say({531, "Read what was written, and compare it"}));
+  if (name == "extract") addExtract(sub, options, raw);
+  if (name == "info")
     addText(sub, "--dot", raw.dot,
             {513, "Write a graph for Graphviz to this file; - is standard output"}, "FILE");
-  if (verb.name == std::string_view("list"))
-    sub.add_flag("--names", options.namesOnly, say({514, "Only the names, one per line"}));
-  if (verb.name == std::string_view("delete"))
-    sub.add_flag("--physically", options.physically, say({515, "For good, by rewriting the file"}));
-  if (verb.name == std::string_view("recover")) addRecover(sub, options);
+  if (name == "list") addList(sub, options);
+  if (name == "delete") addDelete(sub, options);
+  if (name == "recover") addRecover(sub, options);
   if (takes & kDeletedToo)
     sub.add_flag("--deleted", options.deleted, say({516, "Deleted members, too"}));
   if (takes & kWrites)
     sub.add_flag("--dry-run", options.dryRun, say({517, "Only show what would be done"}));
+  if (takes & kThreads)
+    sub.add_option("--threads", options.threads,
+                   say({539, "So many at once (default: one for each processor)"}))
+        ->check(noThreads)
+        ->type_name("NUMBER");
   if (takes & kLocks)
     sub.add_option("--lock-timeout", options.lockSeconds,
                    say({518, "Seconds to wait while another program writes (default 5)"}))
@@ -194,6 +254,7 @@ class ZolibCommandLine final : public CommandLine {
 ZolibCommandLine::ZolibCommandLine(Console& console)
     : CommandLine(console, options_, {524, "Keeps libraries: many members, packed, in one file."},
                   kGeneralHelp) {
+  options_.threads = std::clamp(std::thread::hardware_concurrency(), 1U, 64U);
   for (const Verb& verb : verbs())
     addOptions(addVerb(verb.name, verb.summary), verb, options_, raw_);
   addHelp(kVerboseHelp);

@@ -34,7 +34,7 @@ bool readMember(Session& session, const ZoLibEntry& entry, Report& report, const
   // What is compressed is checked when it is opened.
   int code = entry.isCompressed() ? 0 : session->verify(entry);
   ZoFile file;
-  if (!code) code = session->getFile(file, entry.name);
+  if (!code) code = session->getFile(file, entry);
   if (code) {
     if (isCancelled())
       report.cancelled();

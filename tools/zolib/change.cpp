@@ -7,6 +7,7 @@
 #include <unordered_set>
 
 #include "cancel.h"
+#include "glob.h"
 #include "names.h"
 #include "session.h"
 #include "text.h"
@@ -26,25 +27,30 @@ void sumUp(const Options& options, Report& report, const Session& session,
   if (!options.dryRun) report.note(sum, session.name(), report.count(action));
 }
 
+// All of them were left as they were.
+void reportFailure(Session& session, const Text& text, const std::vector<ZoLibEntry>& entries,
+                   std::size_t refused, int code) {
+  const std::string which =
+      refused < entries.size() ? toUtf8(entries[refused].name.view()) : say({308, "all of them"});
+  session.reportFailure(say(text, which), code);
+}
+
 }  // namespace
 
 void remove(const Options& options, Report& report) {
   Session session(options, report);
   if (!session.openToWrite()) return;
-  std::vector<ZoLibEntry> entries = session.select(Session::kLive);
-  // From behind: the last member goes by a cut, without rewriting the file.
-  if (options.physically) std::reverse(entries.begin(), entries.end());
-  for (const ZoLibEntry& entry : entries) {
-    if (!goesOn(report)) break;
-    forgetReason();
-    // The call takes the first of a name and every further one with it.
-    if (!options.dryRun && !session->contains(entry.name)) continue;
-    const int code = options.dryRun ? 0 : session->deleteFile(entry.name, options.physically);
-    if (!code)
-      report.member(entry.name.view(), "deleted");
-    else
-      session.reportFailure(say({300, "cannot delete %1"}, entry.name.view()), code);
-  }
+  const std::vector<ZoLibEntry> entries = session.select(Session::kLive);
+  const ZoLibrary::Deletion how = options.versions     ? ZoLibrary::kAllVersions
+                                  : options.physically ? ZoLibrary::kPhysically
+                                                       : ZoLibrary::kByMark;
+  forgetReason();
+  std::size_t refused = entries.size();
+  const bool works = goesOn(report) && !options.dryRun && !entries.empty();
+  if (const int code = works ? session->deleteFiles(entries, how, &refused) : 0)
+    reportFailure(session, {300, "cannot delete %1"}, entries, refused, code);
+  else if (goesOn(report))
+    for (const ZoLibEntry& entry : entries) report.member(entry.name.view(), "deleted");
   sumUp(options, report, session, "deleted", {301, "%1: %{?2 1 member|%2 members} deleted"});
   session.close();
 }
@@ -86,6 +92,21 @@ int recoverOne(Session& session, const ZoLibEntry& entry, const std::wstring& ne
   return session->renameFile(entry.name, ZoFileName(newName));
 }
 
+// One of each name, in one step.
+void recoverTogether(Report& report, Session& session, const std::vector<ZoLibEntry>& entries) {
+  if (entries.empty() || !goesOn(report)) return;
+  forgetReason();
+  std::size_t refused = entries.size();
+  if (const int code = session->recoverFiles(entries, false, &refused))
+    return reportFailure(session, {302, "cannot recover %1"}, entries, refused, code);
+  for (const ZoLibEntry& entry : entries) report.member(entry.name.view(), "recovered");
+}
+
+void endRecovery(const Options& options, Report& report, Session& session) {
+  sumUp(options, report, session, "recovered", {303, "%1: %{?2 1 member|%2 members} recovered"});
+  session.close();
+}
+
 }  // namespace
 
 void recover(const Options& options, Report& report) {
@@ -93,6 +114,10 @@ void recover(const Options& options, Report& report) {
   if (!session.openToWrite()) return;
   const std::vector<ZoLibEntry> entries =
       chosen(session.select(Session::kDeleted), options.recover);
+  if (options.recover != Recover::kAll && !options.dryRun) {
+    recoverTogether(report, session, entries);
+    return endRecovery(options, report, session);
+  }
   std::unordered_map<std::wstring, std::size_t> latest;
   for (std::size_t i = 0; i < entries.size(); ++i) latest[folded(entries[i].name.view())] = i;
   for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -110,9 +135,54 @@ void recover(const Options& options, Report& report) {
     Json& json = report.member(entry.name.view(), "recovered");
     if (!newName.empty()) json["to"] = toUtf8(newName);
   }
-  sumUp(options, report, session, "recovered", {303, "%1: %{?2 1 member|%2 members} recovered"});
-  session.close();
+  endRecovery(options, report, session);
 }
+
+namespace {
+
+struct Renaming {
+  ZoLibEntry entry;
+  std::wstring to;
+};
+
+// The one member of that name or number; or all that are in the folder of that name.
+std::vector<Renaming> renamingsOf(Session& session, const std::wstring& from,
+                                  const std::wstring& to) {
+  ZoLibEntry entry;
+  if (session->getEntry(ZoFileName(from), entry) == ZoResult::ok) return {{entry, to}};
+  std::vector<Renaming> renamings;
+  if (entryNumber(from)) {
+    for (const ZoLibEntry& named : session.select(Session::kLive, {from}, Session::kMayBeNone))
+      renamings.push_back({named, to});
+    return renamings;
+  }
+  const std::wstring folder = folded(from) + (folded(from).ends_with(L'/') ? L"" : L"/");
+  for (const ZoLibEntry& inside : session.select(Session::kLive, {})) {
+    const std::wstring_view name = inside.name.view();
+    if (folded(name).starts_with(folder))
+      renamings.push_back({inside, to + L"/" + std::wstring(name.substr(folder.size()))});
+  }
+  return renamings;
+}
+
+// All of them, in one step. `refused` is the first that cannot be.
+int renameAll(const Options& options, Session& session, const std::vector<Renaming>& renamings,
+              std::size_t& refused) {
+  if (!options.dryRun) {
+    std::vector<ZoLibRename> all;
+    for (const Renaming& one : renamings)
+      all.push_back({one.entry.name, ZoFileName(one.to), &one.entry});
+    return session->renameFiles(all, &refused);
+  }
+  for (refused = 0; refused < renamings.size(); ++refused) {
+    const ZoFileName target(renamings[refused].to);
+    if (session->contains(target) && renamings[refused].entry.name != target)
+      return ZoResult::memberExists;
+  }
+  return ZoResult::ok;
+}
+
+}  // namespace
 
 // A member; or a folder, with all that is below it.
 void rename(const Options& options, Report& report) {
@@ -122,39 +192,25 @@ void rename(const Options& options, Report& report) {
   std::wstring to = options.names[1];
   const bool isMember = session->contains(ZoFileName(from));
   while (!isMember && (to.ends_with(L'/') || to.ends_with(L'\\'))) to.pop_back();
-  const std::optional<Text> refusal = refusalOf(to);
-  to = memberName(to);  // "a/./b" is no name that a file can have
-  std::vector<std::pair<ZoFileName, std::wstring>> renames;
-  if (isMember) {
-    renames.emplace_back(ZoFileName(from), to);
-  } else {
-    const std::wstring folder = folded(from) + (folded(from).ends_with(L'/') ? L"" : L"/");
-    for (const ZoLibEntry& entry : session.select(Session::kLive, {})) {
-      const std::wstring_view name = entry.name.view();
-      if (folded(name).starts_with(folder))
-        renames.emplace_back(entry.name, to + L"/" + std::wstring(name.substr(folder.size())));
-    }
+  if (const auto why = refusalOf(to)) {
+    report.fail(kFailed, {305, "cannot rename anything to %1: %2"}, options.names[1], say(*why));
+    return;
   }
-  if (renames.empty())
+  const std::vector<Renaming> renamings = renamingsOf(session, from, memberName(to));
+  if (renamings.empty())
     report.fail(kNotFound, {109, "%1 has no member %2; `zolib list` shows what it has"},
                 session.name(), from);
-  if (refusal) {
-    report.fail(kFailed, {305, "cannot rename anything to %1: %2"}, options.names[1],
-                say(*refusal));
-    renames.clear();
-  }
-  for (const auto& [name, newName] : renames) {
-    if (!goesOn(report)) break;
+  if (goesOn(report) && !renamings.empty()) {
     forgetReason();
-    const ZoFileName target(newName);
-    int code = options.dryRun ? 0 : session->renameFile(name, target);
-    if (options.dryRun && session->contains(target) && name != target)
-      code = ZoResult::memberExists;
-    if (!code)
-      report.member(name.view(), "renamed")["to"] = toUtf8(newName);
-    else
-      session.reportFailure(say({306, "cannot rename %1 to %2"}, name.view(), newName), code,
-                            say({307, "is the new name one for a member?"}));
+    std::size_t refused = 0;
+    if (const int code = renameAll(options, session, renamings, refused)) {
+      const Renaming& one = renamings[std::min(refused, renamings.size() - 1)];
+      session.reportFailure(say({306, "cannot rename %1 to %2"}, one.entry.name.view(), one.to),
+                            code, say({307, "is the new name one for a member?"}));
+    } else {
+      for (const Renaming& one : renamings)
+        report.member(one.entry.name.view(), "renamed")["to"] = toUtf8(one.to);
+    }
   }
   sumUp(options, report, session, "renamed", {304, "%1: %{?2 1 member|%2 members} renamed"});
   session.close();

@@ -191,6 +191,8 @@ std::string CommandLine::complaintOf(const CLI::App& app, const CLI::ParseError&
   const std::string name = option->get_name();
   if (dynamic_cast<const CLI::ExcludesError*>(&error))
     return say({25, "only one of these goes: %1"}, namesIn(said));
+  if (dynamic_cast<const CLI::RequiresError*>(&error))
+    return say({31, "one of these needs the other: %1"}, namesIn(said));
   if (option->get_expected_max() == 0) return say({26, "%1 takes no value"}, name);
   if (option->get_positional())
     return say({27, "%1: there must be %2"}, name, option->get_items_expected_min());

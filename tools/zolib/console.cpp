@@ -122,6 +122,8 @@ bool readTyped(HANDLE input, char* buffer, DWORD size, DWORD& got) {
 
 }  // namespace
 
+bool inputIsTyped() { return isTerminal(GetStdHandle(STD_INPUT_HANDLE)); }
+
 bool readInput(void* buffer, DWORD size, DWORD& got) {
   got = 0;
   const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);

@@ -46,6 +46,7 @@ class Console {
   std::string pending_;
 };
 
+[[nodiscard]] bool inputIsTyped();
 // Reads up to `size` bytes from standard input, at least 4; 0 at its end. False for a failure. What
 // is typed on a terminal comes as UTF-8, and ends with Ctrl-Z or Ctrl-D at the begin of a line.
 bool readInput(void* buffer, DWORD size, DWORD& got);

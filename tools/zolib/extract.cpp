@@ -4,7 +4,9 @@
 #include <zo/system/file_system.h>
 #include <zo/system/registry.h>
 
+#include <optional>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "cancel.h"
 #include "names.h"
@@ -20,25 +22,44 @@ class Extractor {
   Extractor(const Options& options, Report& report, Session& session)
       : options_(options), report_(report), session_(session), root_(shellPath(options.output)) {}
 
-  void extract(const ZoLibEntry& entry) {
+  // Whether there is a file to be written; its path then.
+  std::optional<std::wstring> prepare(const ZoLibEntry& entry) {
     const std::wstring_view member = entry.name.view();
-    session_.progress().begin(toUtf8(member), entry.size);
     if (const auto why = refusalOf(member)) {
       report_.member(member, "refused")["why"] = say(*why);
       report_.warn({250,
                     "refused to extract %1: %2; `zolib rename` gives it another name, `zolib cat` "
                     "its content"},
                    member, say(*why));
-      return;
+      return std::nullopt;
     }
-    const std::wstring target = joined(root_, memberName(member));  // "a/./b" as a/b
-    if (!options_.dryRun && !makeFolder(target)) return;
-    if (keepsTarget(entry, target)) {
+    const std::wstring name = nameOf(member);
+    if (name.empty()) return std::nullopt;  // it lies in what is stripped
+    const std::wstring target = joined(root_, name);
+    if (!names_.insert(folded(name)).second) {
       report_.member(member, "kept");
-      return;
+      report_.warn({258, "left %1 in the library: another member came out as %2"}, member, target);
+      return std::nullopt;
     }
-    if (!options_.dryRun && !write(entry, target)) return;
-    report_.member(member, "extracted")["size"] = entry.size;
+    if (!options_.dryRun && !makeFolder(target)) return std::nullopt;
+    if (!keepsTarget(entry, target)) return target;
+    report_.member(member, "kept");
+    return std::nullopt;
+  }
+
+  // On any thread.
+  int write(const ZoLibEntry& entry, const std::wstring& target) {
+    return options_.dryRun ? 0 : session_->extractFile(entry, ZoFileName(target));
+  }
+
+  void finish(const ZoLibEntry& entry, const std::wstring& target, int code) {
+    session_.progress().begin(toUtf8(entry.name.view()), entry.size);
+    forgetReason();
+    if (code && !isCancelled()) code = write(entry, target);  // alone: for the reason
+    if (code)
+      reportFailure(entry, target, code);
+    else
+      report_.member(entry.name.view(), "extracted")["size"] = entry.size;
   }
 
   void sumUp() {
@@ -53,6 +74,15 @@ class Extractor {
   }
 
  private:
+  // Of the file, below the target folder; without "." and "..".
+  [[nodiscard]] std::wstring nameOf(std::wstring_view member) const {
+    std::wstring name = memberName(member);
+    if (options_.flat) return name.substr(folderOf(name).empty() ? 0 : folderOf(name).size() + 1);
+    for (unsigned int level = 0; level < options_.strip && !name.empty(); ++level)
+      name.erase(0, std::min(name.find(L'/'), name.size() - 1) + 1);
+    return name;
+  }
+
   bool keepsTarget(const ZoLibEntry& entry, const std::wstring& target) {
     // In a folder that was made just now nothing is to be kept.
     if (options_.overwrite == Overwrite::kAlways || isFresh_) return false;
@@ -86,10 +116,7 @@ class Extractor {
     return true;
   }
 
-  bool write(const ZoLibEntry& entry, const std::wstring& target) {
-    forgetReason();
-    const int code = session_->extractFile(entry.name, ZoFileName(target));
-    if (!code) return true;
+  void reportFailure(const ZoLibEntry& entry, const std::wstring& target, int code) {
     const std::string why = reason();  // before the next call has another one
     const std::wstring_view name = entry.name.view();
     if (why.empty() && !session_->wasCancelled() && session_->verify(entry)) {
@@ -101,15 +128,14 @@ class Extractor {
           say({255, "cannot extract %1 to %2"}, name, target), code, why,
           exists ? say({256, "is that one read-only, or open in a program?"}) : std::string());
     }
-    return false;
   }
 
   const Options& options_;
   Report& report_;
   Session& session_;
   std::wstring root_;
-  // That are there; and whether they were made in this run. Members of one name come out once, so
-  // that nothing in these is there twice.
+  std::unordered_set<std::wstring> names_;  // that came out
+  // That are there; and whether they were made in this run: nothing of another's is in these.
   std::unordered_map<std::wstring, bool> folders_;
   bool isFresh_ = false;  // the folder of the member in hand
 };
@@ -131,11 +157,26 @@ void extract(const Options& options, Report& report) {
   for (const ZoLibEntry& entry : entries) total += entry.size;
   session.progress().expect(total);
   Extractor extractor(options, report, session);
-  for (std::size_t i = 0; i < entries.size(); ++i) {
+  std::vector<std::wstring> targets(entries.size());
+  std::vector<int> codes(entries.size());
+  const auto prepare = [&](std::size_t i) -> std::optional<std::uint64_t> {
     if (isCancelled()) report.cancelled();
-    if (report.code() == kCancelled) break;
-    if (!hidden[i]) extractor.extract(entries[i]);
-  }
+    if (report.code() == kCancelled || hidden[i]) return std::nullopt;
+    const std::optional<std::wstring> path = extractor.prepare(entries[i]);
+    if (!path) return std::nullopt;
+    targets[i] = *path;
+    return session.memoryToRead(entries[i]);
+  };
+  const auto write = [&](std::size_t i, unsigned int) {
+    codes[i] = extractor.write(entries[i], targets[i]);
+  };
+  const auto finish = [&](std::size_t i) {
+    extractor.finish(entries[i], targets[i], codes[i]);
+    targets[i].clear();
+    return report.code() != kCancelled;
+  };
+  inOrder(entries.size(), session.crew(), prepare, write, finish, [] {});
+  if (isCancelled()) report.cancelled();
   extractor.sumUp();
   session.reportTrailing(kWarnings);
 }

@@ -165,13 +165,26 @@ bool Glob::fits(const Pattern& pattern, std::wstring_view name) {
   return at[end];
 }
 
+std::uint64_t entryNumber(std::wstring_view name) {
+  if (!name.starts_with(L'@') || name.size() < 2 || name.size() > 19) return 0;
+  std::uint64_t number = 0;
+  for (const wchar_t c : name.substr(1)) {
+    if (c < L'0' || c > L'9') return 0;
+    number = number * 10 + static_cast<std::uint64_t>(c - L'0');
+  }
+  return number;
+}
+
 Selection::Selection(const std::vector<std::wstring>& names,
                      const std::vector<std::wstring>& include,
                      const std::vector<std::wstring>& exclude,
                      const std::unordered_set<std::wstring>& whole)
     : include_(globs(include)), exclude_(globs(exclude)) {
   for (const std::wstring& name : names) {
-    if (Glob::isGlob(name) && !whole.contains(folded(name))) {
+    const bool isWhole = whole.contains(folded(name));
+    if (const std::uint64_t number = isWhole ? 0 : entryNumber(name)) {
+      numbers_.try_emplace(number, Plain{name});
+    } else if (Glob::isGlob(name) && !isWhole) {
       patterns_.push_back({name, Glob(name)});
     } else {
       plain_.try_emplace(tidied(name), Plain{name});
@@ -180,9 +193,11 @@ Selection::Selection(const std::vector<std::wstring>& names,
 }
 
 bool Selection::wants(std::wstring_view name) {
-  if (patterns_.empty() && plain_.empty() && include_.empty() && exclude_.empty()) return true;
+  if (patterns_.empty() && plain_.empty() && numbers_.empty() && include_.empty() &&
+      exclude_.empty())
+    return true;
   const std::wstring text = folded(name);
-  bool wanted = patterns_.empty() && plain_.empty();
+  bool wanted = patterns_.empty() && plain_.empty() && numbers_.empty();
   for (Pattern& pattern : patterns_) {
     if (pattern.glob.fits(text)) pattern.matched = wanted = true;
   }
@@ -195,8 +210,17 @@ bool Selection::wants(std::wstring_view name) {
   return wanted && includes(text) && !excludes(text);
 }
 
+bool Selection::wantsNumber(std::uint64_t number) {
+  const auto found = numbers_.find(number);
+  if (found == numbers_.end()) return false;
+  return found->second.matched = true;
+}
+
 std::vector<std::wstring> Selection::unmatched() const {
   std::vector<std::wstring> result;
+  for (const auto& [number, plain] : numbers_) {
+    if (!plain.matched) result.push_back(plain.text);
+  }
   for (const Pattern& pattern : patterns_) {
     if (!pattern.matched) result.push_back(pattern.text);
   }

@@ -12,11 +12,13 @@
 //
 // A pattern that fits a folder fits all below it. One without a slash fits at any depth ("*.dwg",
 // "build"), one with a slash from the first level on ("docs/*.md", "/readme.md").
-// What is named on the command line without one of * ? [ { is meant by its whole name.
+// What is named on the command line without one of * ? [ { is meant by its whole name; "@17" is the
+// entry of that number.
 //
 // Cost: at most the product of both lengths, whatever the pattern.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -51,6 +53,9 @@ class Glob {
   std::vector<Pattern> patterns_;
 };
 
+// 17 of "@17"; 0 of anything else.
+std::uint64_t entryNumber(std::wstring_view name);
+
 // Which members are wanted: those of the names (or all, without any) that an --include fits (or
 // all, without any) and no --exclude.
 class Selection {
@@ -60,6 +65,9 @@ class Selection {
             const std::vector<std::wstring>& exclude,
             const std::unordered_set<std::wstring>& whole = {});
   [[nodiscard]] bool wants(std::wstring_view name);
+  // Whether a name is "@" and this number of an entry.
+  [[nodiscard]] bool wantsNumber(std::uint64_t number);
+  [[nodiscard]] bool hasNumbers() const noexcept { return !numbers_.empty(); }
   // The names that nothing has fitted so far.
   [[nodiscard]] std::vector<std::wstring> unmatched() const;
   [[nodiscard]] bool includes(std::wstring_view foldedName) const;
@@ -76,6 +84,7 @@ class Selection {
     bool matched = false;
   };
   std::vector<Pattern> patterns_;
+  std::unordered_map<std::uint64_t, Plain> numbers_;
   std::unordered_map<std::wstring, Plain> plain_;  // by folded name: there may be very many
   std::vector<Glob> include_, exclude_;
 };

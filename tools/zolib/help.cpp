@@ -5,7 +5,7 @@
 namespace zolib {
 namespace {
 
-constexpr unsigned int kPacks = kNames | kFiles | kSelect | kWrites | kLocks;
+constexpr unsigned int kPacks = kNames | kFiles | kSelect | kWrites | kLocks | kThreads;
 constexpr unsigned int kReads = kNames | kSelect;
 constexpr unsigned int kChanges = kNames | kSelect | kWrites | kLocks | kNeedsName;
 
@@ -40,6 +40,22 @@ constexpr Verb kVerbs[] = {
      kPacks | kNeedsName,
      add,
      {615, "  zolib update parts.lib bolts --dry-run  what would be packed\n"}},
+    {"sync",
+     "",
+     {636, "Make the members of folders what their files are; what is gone is deleted"},
+     {606, "The folders"},
+     kNames | kInclude | kWrites | kLocks | kNeedsName | kThreads,
+     add,
+     {637,
+      "  zolib sync parts.lib bolts --dry-run    what would be packed and deleted\n"
+      "  zolib sync parts.lib . --exclude '*.bak'\n"}},
+    {"diff",
+     "",
+     {638, "Compare folders with their members, by size and check value"},
+     {606, "The folders"},
+     kNames | kInclude | kNeedsName,
+     diff,
+     {639, "  zolib diff parts.lib bolts              1 when something differs\n"}},
     {"list",
      "l",
      {616, "Show a table of the members"},
@@ -70,7 +86,7 @@ constexpr Verb kVerbs[] = {
      "x",
      {622, "Write members to files, below the current folder or --output"},
      kMembersHelp,
-     kReads | kWrites,
+     kReads | kWrites | kThreads,
      extract,
      {623,
       "  zolib extract parts.lib --output out\n"
@@ -79,7 +95,7 @@ constexpr Verb kVerbs[] = {
      "t",
      {624, "Read every member and compare it with its check value"},
      kMembersHelp,
-     kReads | kDeletedToo,
+     kReads | kDeletedToo | kThreads,
      test,
      {625, "  zolib test parts.lib                    13 when something is damaged\n"}},
     {"delete",

@@ -15,11 +15,13 @@ enum Takes : unsigned int {
   kFiles = 0x2,        // these are files, to be packed
   kOneName = 0x4,      // exactly one
   kTwoNames = 0x8,     // exactly two
-  kSelect = 0x10,      // --include, --exclude, --files-from
+  kInclude = 0x200,    // --include, --exclude
+  kSelect = 0x210,     // these and --files-from
   kWrites = 0x20,      // --dry-run
   kLocks = 0x40,       // --lock-timeout
   kDeletedToo = 0x80,  // --deleted
   kNeedsName = 0x100,
+  kThreads = 0x400,  // --threads
 };
 
 struct Verb {

@@ -1,6 +1,9 @@
 // list: the table of members.
 #include <algorithm>
+#include <map>
+#include <numeric>
 
+#include "names.h"
 #include "session.h"
 #include "text.h"
 #include "verbs.h"
@@ -25,19 +28,23 @@ State stateOf(const ZoLibEntry& entry, bool hidden) noexcept {
   return entry.isProtected ? kOkState : kUnprotectedState;
 }
 
-std::string row(std::string_view size, std::string_view packed, std::string_view ratio,
-                std::string_view modified, std::string_view mode, std::string_view state,
-                std::string_view name) {
-  std::string line;
-  line.reserve(80 + name.size());
-  appendRight(line, size, 11);
-  appendRight(line, packed, 11);
-  appendRight(line, ratio, 5);
-  appendLeft(line, modified, 16);
-  appendLeft(line, mode, 6);
-  appendLeft(line, state, 11);
-  return line.append(name);
-}
+// A line of the table; with --versions the entry's number stands in front.
+struct Row {
+  std::string number, size, packed, ratio, modified, mode, state, name;
+
+  [[nodiscard]] std::string text(bool withNumber) const {
+    std::string line;
+    line.reserve(90 + name.size());
+    if (withNumber) appendRight(line, number, 6);
+    appendRight(line, size, 11);
+    appendRight(line, packed, 11);
+    appendRight(line, ratio, 5);
+    appendLeft(line, modified, 16);
+    appendLeft(line, mode, 6);
+    appendLeft(line, state, 11);
+    return line.append(name);
+  }
+};
 
 Json toJson(const ZoLibEntry& entry, bool hidden) {
   return {{"name", toUtf8(entry.name.view())},
@@ -49,7 +56,121 @@ Json toJson(const ZoLibEntry& entry, bool hidden) {
           {"mode", modeText(entry)},
           {"state", kStates[stateOf(entry, hidden)]},
           {"number", entry.number},
+          {"entry", entry.ordinal},
           {"position", entry.position}};
+}
+
+// What members, or those of a folder, are together.
+struct Sum {
+  std::uint64_t members = 0, size = 0, packed = 0;
+  std::string name;
+
+  void add(const ZoLibEntry& entry) noexcept {
+    ++members;
+    size += entry.size;
+    packed += entry.storedSize;
+  }
+};
+
+class Listing {
+ public:
+  Listing(const Options& options, Report& report) : options_(options), report_(report) {}
+
+  void head() {
+    if (isTable() && !options_.quiet)
+      line({say({448, "ENTRY"}), say({440, "SIZE"}), say({441, "PACKED"}), say({442, "RATIO"}),
+            say({443, "MODIFIED"}), say({444, "MODE"}), say({445, "STATE"}), say({446, "NAME"})});
+  }
+
+  void add(const ZoLibEntry& entry, bool hidden) {
+    all_.add(entry);
+    if (options_.folders) return addToFolders(entry);
+    const std::string name = toUtf8(entry.name.view());
+    if (options_.json) {
+      members_.push_back(toJson(entry, hidden));
+    } else if (options_.namesOnly) {
+      report_.console().line(name);
+    } else {
+      line({"@" + std::to_string(entry.ordinal), std::to_string(entry.size),
+            std::to_string(entry.storedSize), ratioText(entry.storedSize, entry.size),
+            localTime(entry.written), modeText(entry), states_[stateOf(entry, hidden)], name});
+    }
+  }
+
+  void end() {
+    if (options_.folders) endFolders();
+    if (isTable() && !options_.quiet) sum(all_, {});
+    if (!options_.json) return;
+    report_.json()[options_.folders ? "folders" : "members"] = std::move(members_);
+    report_.json()["size"] = all_.size;
+    report_.json()["packed"] = all_.packed;
+  }
+
+ private:
+  [[nodiscard]] bool isTable() const noexcept { return !options_.json && !options_.namesOnly; }
+  void line(const Row& row) { report_.console().line(row.text(options_.versions)); }
+
+  void sum(const Sum& sum, const std::string& folder) {
+    const std::string count = say({447, "%{?1 1 member|%1 members}"}, sum.members);
+    line({"", std::to_string(sum.size), std::to_string(sum.packed), ratioText(sum.packed, sum.size),
+          "", "", "", folder.empty() ? count : folder + "  " + count});
+  }
+
+  // To each folder that it lies in.
+  void addToFolders(const ZoLibEntry& entry) {
+    std::wstring_view folder = folderOf(entry.name.view());
+    for (; !folder.empty(); folder = folderOf(folder)) {
+      Sum& sum = folders_[folded(folder)];
+      if (!sum.members) sum.name = toUtf8(folder) + "/";
+      sum.add(entry);
+    }
+  }
+
+  void endFolders() {
+    for (const auto& [key, folder] : folders_) {
+      if (options_.json)
+        members_.push_back({{"name", folder.name},
+                            {"members", folder.members},
+                            {"size", folder.size},
+                            {"packed", folder.packed}});
+      else
+        sum(folder, folder.name);
+    }
+  }
+
+  const Options& options_;
+  Report& report_;
+  Sum all_;
+  std::map<std::wstring, Sum> folders_;  // by folded name
+  Json members_ = Json::array();
+  const std::string states_[4] = {say({73, "ok"}), say({75, "unprotected"}), say({65, "deleted"}),
+                                  say({70, "hidden"})};
+};
+
+// The places of the entries in the order in which they are shown.
+std::vector<std::size_t> sorted(const std::vector<ZoLibEntry>& entries, Sort sort) {
+  std::vector<std::size_t> places(entries.size());
+  std::iota(places.begin(), places.end(), std::size_t{0});
+  const auto by = [&](const auto& key) {
+    std::ranges::stable_sort(places, {}, [&](std::size_t i) { return key(entries[i]); });
+  };
+  switch (sort) {
+    case Sort::kFile:
+      break;
+    case Sort::kName:
+      by([](const ZoLibEntry& entry) { return folded(entry.name.view()); });
+      break;
+    case Sort::kSize:
+      by([](const ZoLibEntry& entry) { return entry.size; });
+      break;
+    case Sort::kPacked:
+      by([](const ZoLibEntry& entry) { return entry.storedSize; });
+      break;
+    case Sort::kTime:
+      by([](const ZoLibEntry& entry) { return ticks(entry.written); });
+      break;
+  }
+  return places;
 }
 
 }  // namespace
@@ -57,42 +178,16 @@ Json toJson(const ZoLibEntry& entry, bool hidden) {
 void list(const Options& options, Report& report) {
   Session session(options, report);
   if (!session.openToRead()) return;
-  const std::vector<ZoLibEntry> entries =
-      session.select(options.deleted ? Session::kBoth : Session::kLive);
+  const bool all = options.deleted || options.versions;
+  const std::vector<ZoLibEntry> entries = session.select(all ? Session::kBoth : Session::kLive);
   const std::vector<bool> hidden = Session::hidden(entries);
-  Console& console = report.console();
-  const bool table = !options.json && !options.namesOnly;
-  if (table && !options.quiet)
-    console.line(row(say({440, "SIZE"}), say({441, "PACKED"}), say({442, "RATIO"}),
-                     say({443, "MODIFIED"}), say({444, "MODE"}), say({445, "STATE"}),
-                     say({446, "NAME"})));
-  const std::string states[] = {say({73, "ok"}), say({75, "unprotected"}), say({65, "deleted"}),
-                                say({70, "hidden"})};
-  std::uint64_t size = 0, packed = 0;
-  Json members = Json::array();
-  for (std::size_t i = 0; i < entries.size() && !console.outputFailed(); ++i) {
-    const ZoLibEntry& entry = entries[i];
-    size += entry.size;
-    packed += entry.storedSize;
-    if (options.json) {
-      members.push_back(toJson(entry, hidden[i]));
-    } else if (options.namesOnly) {
-      console.line(toUtf8(entry.name.view()));
-    } else {
-      console.line(row(std::to_string(entry.size), std::to_string(entry.storedSize),
-                       ratioText(entry.storedSize, entry.size), localTime(entry.written),
-                       modeText(entry), states[stateOf(entry, hidden[i])],
-                       toUtf8(entry.name.view())));
-    }
+  Listing listing(options, report);
+  listing.head();
+  for (const std::size_t i : sorted(entries, options.sort)) {
+    if (report.console().outputFailed()) break;
+    listing.add(entries[i], hidden[i]);
   }
-  if (table && !options.quiet)
-    console.line(row(std::to_string(size), std::to_string(packed), ratioText(packed, size), "", "",
-                     "", say({447, "%{?1 1 member|%1 members}"}, entries.size())));
-  if (options.json) {
-    report.json()["members"] = std::move(members);
-    report.json()["size"] = size;
-    report.json()["packed"] = packed;
-  }
+  listing.end();
   session.reportTrailing(kWarnings);
 }
 

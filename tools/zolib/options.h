@@ -14,6 +14,8 @@ enum class Overwrite {
   kUnsaid,  // add: always; update: newer; extract: never, with a warning
 };
 
+enum class Sort { kFile, kName, kSize, kPacked, kTime };  // kFile: the file's order
+
 enum class Recover { kLatest, kFirst, kAll };  // of several deleted members of a name
 
 enum class Mode { kNormal, kFast, kBest, kStore, kAuto };
@@ -36,7 +38,14 @@ struct Options : TalkOptions {
   Overwrite overwrite = Overwrite::kUnsaid;
   Recover recover = Recover::kLatest;
   double lockSeconds = 5;
+  unsigned int threads = 1;
   bool deleted = false, physically = false, namesOnly = false;
+  bool byContent = false, verify = false;  // while packing
+  bool flat = false;                       // extract without folders
+  unsigned int strip = 0;                  // so many levels
+  Sort sort = Sort::kFile;
+  bool folders = false;   // list their totals
+  bool versions = false;  // what was deleted under a name, too
 };
 
 }  // namespace zolib

@@ -17,21 +17,27 @@ constexpr struct {
   std::string_view action;
   Text text;
 } kActions[] = {
-    {"added", {60, "added"}},         {"replaced", {61, "replaced"}},
-    {"kept", {62, "kept"}},           {"extracted", {63, "extracted"}},
-    {"refused", {64, "refused"}},     {"deleted", {65, "deleted"}},
-    {"recovered", {66, "recovered"}}, {"renamed", {67, "renamed"}},
-    {"removed", {68, "removed"}},     {"salvaged", {69, "salvaged"}},
-    {"hidden", {70, "hidden"}},       {"lost", {71, "lost"}},
-    {"read", {72, "read"}},           {"ok", {73, "ok"}},
-    {"damaged", {74, "damaged"}},     {"unprotected", {75, "unprotected"}},
+    {"added", {60, "added"}},
+    {"replaced", {61, "replaced"}},
+    {"kept", {62, "kept"}},
+    {"extracted", {63, "extracted"}},
+    {"refused", {64, "refused"}},
+    {"deleted", {65, "deleted"}},
+    {"recovered", {66, "recovered"}},
+    {"renamed", {67, "renamed"}},
+    {"removed", {68, "removed"}},
+    {"salvaged", {69, "salvaged"}},
+    {"hidden", {70, "hidden"}},
+    {"lost", {71, "lost"}},
+    {"read", {72, "read"}},
+    {"ok", {73, "ok"}},
+    {"damaged", {74, "damaged"}},
+    {"unprotected", {75, "unprotected"}},
+    {"new", {76, "new"}},
+    {"changed", {77, "changed"}},
+    {"gone", {78, "gone"}},
+    {"same", {79, "same"}},
 };
-
-std::string wordOf(std::string_view action) {
-  for (const auto& row : kActions)
-    if (row.action == action) return say(row.text);
-  return std::string(action);
-}
 
 }  // namespace
 
@@ -67,6 +73,12 @@ void Report::fail(ExitCode code, std::string_view text) {
 void Report::cancelled() {
   if (!cancelSaid_) fail(kCancelled, {50, "cancelled; what was complete before is intact"});
   cancelSaid_ = true;
+}
+
+std::string Report::wordOf(std::string_view action) {
+  for (const auto& row : kActions)
+    if (row.action == action) return say(row.text);
+  return std::string(action);
 }
 
 Json& Report::member(std::wstring_view name, std::string_view action) {

@@ -52,6 +52,9 @@ class Report {
   // The run was cancelled; said once.
   void cancelled();
 
+  // The word for an action, in the user's language.
+  [[nodiscard]] static std::string wordOf(std::string_view action);
+
   [[nodiscard]] Json& json() noexcept { return json_; }
   [[nodiscard]] Console& console() noexcept { return console_; }
   [[nodiscard]] ExitCode code() const noexcept { return code_; }

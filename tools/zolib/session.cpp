@@ -6,6 +6,7 @@
 #include <zo/system/registry.h>
 
 #include <algorithm>
+#include <thread>
 #include <unordered_set>
 
 #include "cancel.h"
@@ -22,10 +23,11 @@ Session::Session(const Options& options, Report& report)
       path_(shellPath(options.library)),
       shown_(toUtf8(options.library)),
       progress_(report.console(), !options.quiet) {
-  library_.onProgress([this](std::uint64_t done, std::uint64_t total) {
-    progress_.at(done, total);
-    return !isCancelled();
-  });
+  library_.onProgress(
+      [this, caller = std::this_thread::get_id()](std::uint64_t done, std::uint64_t total) {
+        if (std::this_thread::get_id() == caller) progress_.at(done, total);
+        return !isCancelled();
+      });
 }
 
 bool Session::openToRead() { return open(ZoFile::kRead, ZoFile::kOpenExisting) && checkMark(); }
@@ -101,7 +103,8 @@ std::unordered_set<std::wstring> Session::wholeNames(Which which,
                                                      const std::vector<std::wstring>& names) {
   std::unordered_set<std::wstring> alike, whole;
   for (const std::wstring& name : names)
-    if (name.find_first_of(L"[{") != std::wstring::npos) alike.insert(folded(name));
+    if (name.starts_with(L'@') || name.find_first_of(L"[{") != std::wstring::npos)
+      alike.insert(folded(name));
   if (alike.empty()) return whole;
   static_cast<void>(library_.forEachEntry(  // a failure is that of the search that follows
       [&](const ZoLibEntry& entry) {
@@ -113,22 +116,25 @@ std::unordered_set<std::wstring> Session::wholeNames(Which which,
   return whole;
 }
 
-std::vector<ZoLibEntry> Session::select(Which which, const std::vector<std::wstring>& names) {
+std::vector<ZoLibEntry> Session::select(Which which, const std::vector<std::wstring>& names,
+                                        Unmatched unmatched) {
   Selection selection(names, options_.include, options_.exclude, wholeNames(which, names));
   std::vector<ZoLibEntry> entries;
   forgetReason();
   const int code = library_.forEachEntry(
       [&](const ZoLibEntry& entry) {
-        if (which == kDeleted && !entry.isDeleted()) return true;
-        if (selection.wants(entry.name.view())) entries.push_back(entry);
+        const bool fits = which == kBoth || entry.isDeleted() == (which == kDeleted);
+        const bool isNamed = (fits || which == kLive) && selection.wantsNumber(entry.ordinal);
+        if (isNamed || (fits && selection.wants(entry.name.view()))) entries.push_back(entry);
         return !isCancelled();
       },
-      which != kLive);
+      which != kLive || selection.hasNumbers());
   if (isCancelled()) {
     report_.cancelled();
     return {};
   }
   if (code) report_.fail(kFailed, {108, "cannot read %1%2"}, shown_, because());
+  if (unmatched == kMayBeNone) return entries;
   for (const std::wstring& name : selection.unmatched()) {
     const Text none{109, "%1 has no member %2; `zolib list` shows what it has"};
     const Text noneDeleted{110, "%1 has no deleted member %2; `zolib list` shows what it has"};

@@ -3,11 +3,13 @@
 
 #include <zo/library/library.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <unordered_set>
 #include <vector>
 
+#include "crew.h"
 #include "options.h"
 #include "progress.h"
 #include "report.h"
@@ -29,10 +31,12 @@ class Session {
   void close();
 
   // The entries that the options select, in the file's order: live ones, deleted ones, or both.
-  // Names that select nothing are reported.
+  // Names that select nothing are reported. A number ("@17") selects a deleted one as well.
   enum Which { kLive, kDeleted, kBoth };
+  enum Unmatched { kMayBeNone, kIsReported };
   std::vector<ZoLibEntry> select(Which which);
-  std::vector<ZoLibEntry> select(Which which, const std::vector<std::wstring>& names);
+  std::vector<ZoLibEntry> select(Which which, const std::vector<std::wstring>& names,
+                                 Unmatched unmatched = kIsReported);
   // Whether it is a second live member of a name, which only another maker leaves: never found.
   [[nodiscard]] static std::vector<bool> hidden(const std::vector<ZoLibEntry>& entries);
 
@@ -44,6 +48,13 @@ class Session {
   void reportFailure(std::string_view what, int code, const std::string& why,
                      std::string_view advice);
 
+  // What reading a member takes at once: a dictionary of its size, and buffers.
+  [[nodiscard]] static std::uint64_t memoryToRead(const ZoLibEntry& entry) noexcept {
+    return std::min<std::uint64_t>(entry.size, 64 << 20) + (1 << 20);
+  }
+  // For work on the options' threads.
+  [[nodiscard]] Crew crew() const noexcept { return {options_.threads, kCrewMemory}; }
+
   [[nodiscard]] bool isOpen() const noexcept { return library_.isOpen(); }
   [[nodiscard]] std::uint64_t fileSize() const;
   [[nodiscard]] const std::string& name() const noexcept { return shown_; }
@@ -52,6 +63,8 @@ class Session {
   ZoLibrary& operator*() noexcept { return library_; }
 
  private:
+  static constexpr std::uint64_t kCrewMemory = std::uint64_t{1} << 30;
+
   std::unordered_set<std::wstring> wholeNames(Which which, const std::vector<std::wstring>& names);
   bool open(int access, ZoFile::CreationMode mode);
   bool checkMark();

@@ -28,6 +28,7 @@ class Walk {
  public:
   Walk(const Options& options, Report& report)
       : report_(report),
+        verbose_(options.verbose && !options.json),
         selection_({}, options.include, options.exclude),
         library_(folded(fullPath(shellPath(options.library)))) {}
 
@@ -40,7 +41,7 @@ class Walk {
       addFolder(path, memberName(name));
     } else if (attributes || Glob::isGlob(name)) {
       const std::size_t before = found_.size();
-      addMatching(path, std::wstring(folderOf(name)));
+      addMatching(path, std::wstring(folderOf(name)), attributes != 0);
       if (found_.size() == before && !attributes) notFound(name);
     } else {
       notFound(name);
@@ -49,23 +50,38 @@ class Walk {
 
   std::vector<Source> found() && { return std::move(found_); }
 
+  // What a library does not keep, said once.
+  void tellLosses() {
+    const auto tell = [&](std::size_t count, const Text& text) {
+      if (count) report_.note(text, count);
+    };
+    tell(links_, {158, "%{?1 1 link to a folder was|%1 links to folders were} not followed"});
+    tell(empty_, {159, "%{?1 1 empty folder leaves|%1 empty folders leave} no trace"});
+    tell(readOnly_, {160, "%{?1 1 file is|%1 files are} read-only, which is not kept"});
+  }
+
  private:
   void notFound(const std::wstring& name) {
     report_.fail(kNotFound, {150, "cannot find %1%2; check the name"}, name, because());
   }
 
   // What fits a path, whose last level may have wildcards.
-  void addMatching(const std::wstring& path, const std::wstring& givenFolder) {
+  void addMatching(const std::wstring& path, const std::wstring& givenFolder, bool isThere) {
     ZoFindFile find;
     find.setAttributes(0);
     ZoFileName pattern;
-    static_cast<void>(pattern.setFullName(path, false, false, true));  // open will say it
+    // The platform knows * and ? only.
+    const bool isOurs = !isThere && path.find_first_of(L"[{") != std::wstring::npos;
+    const Glob last(L"/" + path.substr(path.find_last_of(L"\\/") + 1));
+    const std::wstring asked = isOurs ? joined(folderOf(path), L"*") : path;
+    static_cast<void>(pattern.setFullName(asked, false, false, true));  // open will say it
     if (find.open(pattern)) return;
     while (find.next()) {
+      if (isOurs && !last.fits(folded(find.fileNameExt()))) continue;
       const std::wstring given = joined(givenFolder, find.fileNameExt());
       if (!find.isDirectory())
         addFile(find, memberName(given));
-      else if (!(find.attributes() & kLinkAttribute))
+      else if (!isLink(find))
         addFolder(std::wstring(find.path()), memberName(given));
     }
   }
@@ -77,6 +93,7 @@ class Walk {
     };
     std::vector<Folder> folders;
     const std::size_t first = found_.size();
+    bool isEmpty = true;
     ZoFindFile find;
     find.setAttributes(0);
     forgetReason();
@@ -86,11 +103,13 @@ class Walk {
     }
     while (!isCancelled() && find.next()) {
       const std::wstring name = joined(member, find.fileNameExt());
+      isEmpty = false;
       if (!find.isDirectory())
         addFile(find, name);
-      else if (!(find.attributes() & kLinkAttribute))
+      else if (!isLink(find))
         folders.push_back({std::wstring(find.path()), name});
     }
+    if (isEmpty && !isCancelled()) lose(empty_, path, {161, "empty"});
     const auto byMember = [](const auto& a, const auto& b) {
       return folded(a.member) < folded(b.member);
     };
@@ -115,15 +134,34 @@ class Walk {
                    path, first->second, member);
       return;
     }
+    if (find.attributes() & FILE_ATTRIBUTE_READONLY) lose(readOnly_, path, {162, "read-only"});
     found_.push_back({path, member, static_cast<std::uint64_t>(find.size()), find.lastWriteTime()});
   }
 
+  bool isLink(const ZoFindFile& find) {
+    const bool is = (find.attributes() & kLinkAttribute) != 0;
+    if (is) lose(links_, find.path(), {163, "link"});
+    return is;
+  }
+
+  // Counted; named with --verbose.
+  void lose(std::size_t& count, std::wstring_view path, const Text& what) {
+    ++count;
+    if (verbose_) report_.console().err(say(what) + "  " + toUtf8(path));
+  }
+
   Report& report_;
+  bool verbose_;
+  std::size_t links_ = 0, empty_ = 0, readOnly_ = 0;
   Selection selection_;
   std::wstring library_;
   std::vector<Source> found_;
   std::unordered_map<std::wstring, std::wstring> members_;  // their files, by folded name
 };
+
+void invite(Report& report) {
+  if (inputIsTyped()) report.note({164, "type it; Ctrl-Z or Ctrl-D on a line of its own ends it"});
+}
 
 bool readAllInput(std::string& text) {
   const Interruptible waiting;
@@ -148,26 +186,28 @@ bool readWhole(const std::wstring& path, std::string& text) {
 bool readLines(const std::wstring& path, std::vector<std::wstring>& lines, Report& report) {
   forgetReason();
   std::string text;
+  if (path == L"-") invite(report);
   if (!(path == L"-" ? readAllInput(text) : readWhole(shellPath(path), text))) {
     const bool missing = GetLastError() == ERROR_FILE_NOT_FOUND;
     report.fail(missing ? kNotFound : kFailed, {153, "cannot read the names in %1%2"}, path,
                 because());
     return false;
   }
-  if (text.find('\0') != std::string::npos) {
+  const bool hasZeros = text.find('\0') != std::string::npos;
+  if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
     report.fail(kFailed,
                 {154,
-                 "cannot read the names in %1: they hold zero bytes; one name per line, in UTF-8, "
-                 "is needed"},
+                 "cannot read the names in %1: they are UTF-16; one name per line, in UTF-8, is "
+                 "needed"},
                 path);
     return false;
   }
   std::string_view left = text;
   if (left.starts_with("\xEF\xBB\xBF")) left.remove_prefix(3);
   while (!left.empty()) {
-    const std::size_t end = std::min(left.find('\n'), left.size());
+    const std::size_t end = std::min(left.find(hasZeros ? '\0' : '\n'), left.size());
     std::string_view line = left.substr(0, end);
-    if (line.ends_with('\r')) line.remove_suffix(1);
+    if (!hasZeros && line.ends_with('\r')) line.remove_suffix(1);
     if (!line.empty()) lines.push_back(toWide(line));
     left.remove_prefix(std::min(end + 1, left.size()));
   }
@@ -192,12 +232,14 @@ std::vector<Source> findSources(const Options& options, Report& report) {
       walk.addNamed(name);
     }
   }
+  walk.tellLosses();
   std::vector<Source> found = std::move(walk).found();
   if (fromInput) found.push_back({L"-", options.memberName});
   return found;
 }
 
 bool readInputInto(ZoFile& file, Report& report) {
+  invite(report);
   forgetReason();
   ZoFileName name(L"zolib.tmp");
   if (file.createTemp(name, ZoFile::kReadWrite, ZoFile::kCreateNew, ZoFile::kShareNone,

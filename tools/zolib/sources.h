@@ -28,8 +28,8 @@ std::vector<Source> findSources(const Options& options, Report& report);
 // Copies standard input to a temporary file that goes when it is closed, and stands at its start.
 bool readInputInto(ZoFile& file, Report& report);
 
-// The lines of a file, or of standard input for "-", without blank ones. False when it cannot be
-// read, which is reported.
+// The lines of a file, or of standard input for "-", without blank ones; or where there are zero
+// bytes, what they end. False when it cannot be read, which is reported.
 bool readLines(const std::wstring& path, std::vector<std::wstring>& lines, Report& report);
 
 // The names behind the library and those of --files-from. False when these cannot be read.

@@ -6,7 +6,8 @@
 
 namespace zolib {
 
-void add(const Options& options, Report& report);  // create, add, update
+void add(const Options& options, Report& report);  // create, add, update, sync
+void diff(const Options& options, Report& report);
 void list(const Options& options, Report& report);
 void info(const Options& options, Report& report);
 void cat(const Options& options, Report& report);

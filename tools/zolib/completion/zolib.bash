@@ -1,7 +1,7 @@
 # Completion of zolib for bash: verbs, options of the verb, their values, files, and members of the library.
 #   source tools/zolib/completion/zolib.bash
 
-_zolib_verbs='create add update list info cat extract test delete recover rename reorganize salvage help version'
+_zolib_verbs='create add update sync diff list info cat extract test delete recover rename reorganize salvage help version'
 
 _zolib() {
   local current=${COMP_WORDS[COMP_CWORD]} previous='' verb=${COMP_WORDS[1]:-} word words
@@ -12,6 +12,8 @@ _zolib() {
   fi
   case $previous in
     --mode) mapfile -t COMPREPLY < <(compgen -W 'fast normal best store auto' -- "$current"); return ;;
+    --sort) mapfile -t COMPREPLY < <(compgen -W 'file name size packed time' -- "$current"); return ;;
+    --language) mapfile -t COMPREPLY < <(compgen -W 'de en' -- "$current"); return ;;
     --overwrite) mapfile -t COMPREPLY < <(compgen -W 'never always newer' -- "$current"); return ;;
     -o | --output) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
     --files-from | --dot) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
