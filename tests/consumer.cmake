@@ -32,6 +32,14 @@ endfunction()
 zo_refusal_test("not for Windows" "is a library for Windows")
 zo_refusal_test("C++17" "needs C\\+\\+20")
 
+# The same without CMake: the header says it, ahead of all else.
+if(NOT MSVC)
+  add_test(NAME package.HeaderRefusesOlderLanguage
+           COMMAND ${CMAKE_CXX_COMPILER} -std=c++17 -fsyntax-only -fmax-errors=1 -x c++ ${package}/include/zo_com.h)
+  set_tests_properties(package.HeaderRefusesOlderLanguage PROPERTIES FIXTURES_REQUIRED package
+                       PASS_REGULAR_EXPRESSION "zo_com needs C\\+\\+20")
+endif()
+
 # Taken in by add_subdirectory: what tests/subproject asks is answered when it is configured.
 add_test(NAME package.SubprojectTakesNoTestsOfOurs
          COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_SOURCE_DIR}/subproject -B ${CMAKE_CURRENT_BINARY_DIR}/subproject
