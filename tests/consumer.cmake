@@ -40,6 +40,13 @@ if(NOT MSVC)
                        PASS_REGULAR_EXPRESSION "zo_com needs C\\+\\+20")
 endif()
 
+# The port for a package manager states the version once more.
+file(READ ${PROJECT_SOURCE_DIR}/ports/zo-com/vcpkg.json port)
+string(JSON port_version GET ${port} version)
+if(NOT port_version VERSION_EQUAL PROJECT_VERSION)
+  message(FATAL_ERROR "ports/zo-com/vcpkg.json has another version: ${port_version}")
+endif()
+
 # Taken in by add_subdirectory: what tests/subproject asks is answered when it is configured.
 add_test(NAME package.SubprojectTakesNoTestsOfOurs
          COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_SOURCE_DIR}/subproject -B ${CMAKE_CURRENT_BINARY_DIR}/subproject
