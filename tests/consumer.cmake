@@ -32,6 +32,21 @@ endfunction()
 zo_refusal_test("not for Windows" "is a library for Windows")
 zo_refusal_test("C++17" "needs C\\+\\+20")
 
+# The same without CMake: the header says it, ahead of all else.
+if(NOT MSVC)
+  add_test(NAME package.HeaderRefusesOlderLanguage
+           COMMAND ${CMAKE_CXX_COMPILER} -std=c++17 -fsyntax-only -fmax-errors=1 -x c++ ${package}/include/zo_com.h)
+  set_tests_properties(package.HeaderRefusesOlderLanguage PROPERTIES FIXTURES_REQUIRED package
+                       PASS_REGULAR_EXPRESSION "zo_com needs C\\+\\+20")
+endif()
+
+# The port for a package manager states the version once more.
+file(READ ${PROJECT_SOURCE_DIR}/ports/zo-com/vcpkg.json port)
+string(JSON port_version GET ${port} version)
+if(NOT port_version VERSION_EQUAL PROJECT_VERSION)
+  message(FATAL_ERROR "ports/zo-com/vcpkg.json has another version: ${port_version}")
+endif()
+
 # Taken in by add_subdirectory: what tests/subproject asks is answered when it is configured.
 add_test(NAME package.SubprojectTakesNoTestsOfOurs
          COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_SOURCE_DIR}/subproject -B ${CMAKE_CURRENT_BINARY_DIR}/subproject

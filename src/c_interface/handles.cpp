@@ -19,8 +19,8 @@ struct Slot {
 constexpr unsigned int kPlaceBits = 24;
 constexpr std::uint64_t kPlaces = std::uint64_t{1} << kPlaceBits;
 
-// Never destroyed: what is open when the process ends stays, and nothing is closed while the platform
-// unloads the DLL. It has no memory while no handle is open.
+// Never destroyed: what is open when the process ends stays, and nothing is closed while the
+// platform unloads the DLL. It has no memory while no handle is open.
 union Table {
   constexpr Table() noexcept : slots() {}
   ~Table() {}
