@@ -16,25 +16,26 @@
 class ZoString;
 
 enum class ZoResultFamily : int {
-  common,         // ZoResult of zo/results.h; what no family below says otherwise
-  numbers,        // ZoStrToReal and its kin, values with units
-  containers,     // of any kind
-  variants,       // and their text and OLE forms
-  geometry,       // zo/geometry/status.h
-  names,          // ZoFileName: zo/names/name_results.h
-  files,          // ZoFile, ZoFileSave, searches
-  fileSystem,     // ZoFileSystem, ZoFileTransfer
-  libraries,      // ZoLibrary: zo/library/library_results.h
-  compression,    // ZoCompress, ZoExplode
-  lzma,           // LzmaUtils::Status
-  services,       // the registry's services, the dispatcher, attaching and detaching
-  configuration,  // ZoCfg
-  errors,         // what ZoError's reports answer
-  execute,        // ZoExecute::Failure
-  exceptions,     // ZoComException::Code
-  waits,          // ZoWait, cast to int
-  expressions,    // ZoRegExp, ZoSearch: zo/parse/reg_exp.h
-  messages,       // ZoMessage, ZoMessageMap
+  common,          // ZoResult of zo/results.h; what no family below says otherwise
+  numbers,         // ZoStrToReal and its kin, values with units
+  containers,      // of any kind
+  variants,        // and their text and OLE forms
+  geometry,        // zo/geometry/status.h
+  names,           // ZoFileName: zo/names/name_results.h
+  files,           // ZoFile, ZoFileSave, searches
+  fileSystem,      // ZoFileSystem, ZoFileTransfer
+  libraries,       // ZoLibrary: zo/library/library_results.h
+  compression,     // ZoCompress, ZoExplode
+  lzma,            // LzmaUtils::Status
+  services,        // the registry's services, the dispatcher, attaching and detaching
+  configuration,   // ZoCfg
+  errors,          // what ZoError's reports answer
+  execute,         // ZoExecute::Failure
+  exceptions,      // ZoComException::Code
+  waits,           // ZoWait, cast to int
+  expressions,     // ZoRegExp, ZoSearch: zo/parse/reg_exp.h
+  messages,        // ZoMessage, ZoMessageMap
+  dialogs = 0x17,  // ZoDialog: zo/dialogs/dialog.h
 };
 
 // A sentence, from the message file "zoresult" when the message service has it (docs/messages.md),

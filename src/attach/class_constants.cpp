@@ -1,6 +1,7 @@
 // Gives the constants of exported classes their place in the DLL, where an unoptimised client that
 // binds a reference to one looks for it: GCC exports such a constant only where its address is
 // taken. The package's consumer tests find the one that is missing here.
+#include <zo/dialogs/task_dialog.h>
 #include <zo/files/find_file.h>
 #include <zo/graph/dotty_elements.h>
 #include <zo/library/library.h>
@@ -21,15 +22,35 @@ namespace zo {
 
 extern const void* const kClassConstants[];
 const void* const kClassConstants[] = {
-    &ZoCodepage::kDefault,     &ZoCodepage::kUtf16,       &ZoCodepage::kUtf16BigEndian,
-    &ZoCodepage::kUtf8,        &ZoCsvReader::npos,        &ZoDottyNode::noCluster,
-    &ZoFindFile::kDirectory,   &ZoLibrary::kBest,         &ZoLibrary::kFast,
-    &ZoLibrary::kNormal,       &ZoMessage::kMaxDepth,     &ZoMessage::kMaxLength,
-    &ZoMessage::kMaxRead,      &ZoMessageMap::kMaxBytes,  &ZoMessageMap::kMaxFaults,
-    &ZoMessageMap::kMaxLength, &ZoRegExp::kMaxPattern,    &ZoRegExp::npos,
-    &ZoSearch::npos,           &ZoString::npos,           &ZoStringRef::npos,
-    &ZoSubString::npos,        &ZoVHash::kDefaultBuckets, &ZoVHash::kDefaultLoadFactor,
-    &ZoVHashTable::kLongChain, &ZoVariant::kMaxDepth,     &ZoZIPStreambuf::endOfFile,
+    &ZoCodepage::kDefault,
+    &ZoCodepage::kUtf16,
+    &ZoCodepage::kUtf16BigEndian,
+    &ZoCodepage::kUtf8,
+    &ZoCsvReader::npos,
+    &ZoDialogs::kAsk,
+    &ZoTaskDialog::kFirstNumber,
+    &ZoDottyNode::noCluster,
+    &ZoFindFile::kDirectory,
+    &ZoLibrary::kBest,
+    &ZoLibrary::kFast,
+    &ZoLibrary::kNormal,
+    &ZoMessage::kMaxDepth,
+    &ZoMessage::kMaxLength,
+    &ZoMessage::kMaxRead,
+    &ZoMessageMap::kMaxBytes,
+    &ZoMessageMap::kMaxFaults,
+    &ZoMessageMap::kMaxLength,
+    &ZoRegExp::kMaxPattern,
+    &ZoRegExp::npos,
+    &ZoSearch::npos,
+    &ZoString::npos,
+    &ZoStringRef::npos,
+    &ZoSubString::npos,
+    &ZoVHash::kDefaultBuckets,
+    &ZoVHash::kDefaultLoadFactor,
+    &ZoVHashTable::kLongChain,
+    &ZoVariant::kMaxDepth,
+    &ZoZIPStreambuf::endOfFile,
 };
 
 }  // namespace zo

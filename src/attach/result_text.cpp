@@ -1,4 +1,5 @@
 // Knows the codes of all families.
+#include <zo/dialogs/dialog.h>
 #include <zo/geometry/status.h>
 #include <zo/library/library_results.h>
 #include <zo/names/name_results.h>
@@ -156,6 +157,13 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(messages, ZoResult::invalid, L"The file is no message file."),
     ZO_RESULT(messages, ZoResult::incomplete,
               L"The text was given, but a reference or an argument in it could not be filled in."),
+
+    ZO_RESULT(dialogs, ZoResult::refused, L"The dialog offers no such value."),
+    ZO_RESULT(dialogs, ZoResult::cancelled, L"The user cancelled the dialog."),
+    ZO_RESULT(dialogs, ZoResult::notShown, L"The dialog cannot be shown."),
+    ZO_RESULT(dialogs, ZoResult::noOwner,
+              L"The window that the dialog should belong to is not there."),
+    ZO_RESULT(dialogs, ZoResult::noPrinter, L"There is no printer."),
 };
 
 #undef ZO_RESULT

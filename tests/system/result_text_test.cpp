@@ -14,10 +14,30 @@
 
 namespace {
 
-constexpr const char* kFamilies[] = {
-    "common",     "numbers",    "containers",  "variants",    "geometry", "names",         "files",
-    "fileSystem", "libraries",  "compression", "lzma",        "services", "configuration", "errors",
-    "execute",    "exceptions", "waits",       "expressions", "messages"};
+constexpr const char* kFamilies[] = {"common",
+                                     "numbers",
+                                     "containers",
+                                     "variants",
+                                     "geometry",
+                                     "names",
+                                     "files",
+                                     "fileSystem",
+                                     "libraries",
+                                     "compression",
+                                     "lzma",
+                                     "services",
+                                     "configuration",
+                                     "errors",
+                                     "execute",
+                                     "exceptions",
+                                     "waits",
+                                     "expressions",
+                                     "messages",
+                                     "",
+                                     "",
+                                     "",
+                                     "",
+                                     "dialogs"};
 
 std::vector<std::string> linesOf(const std::filesystem::path& path) {
   std::ifstream file(path);
