@@ -12,3 +12,8 @@ void files(ZoFileDialog& dialog) {
   dialog.show();                                                            // error: nodiscard
   dialog.addFilter(L"Values", L"*.val");                                    // error: nodiscard
 }
+
+void edits(ZoVariantEdits& edits) {
+  edits.setText(L"a", L"1");                                                // error: nodiscard
+  edits.undo();                                                             // error: nodiscard
+}
