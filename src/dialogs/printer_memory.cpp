@@ -1,10 +1,13 @@
 #include "dialogs/printer_memory.h"
 
 #include <commdlg.h>
+#include <winspool.h>
 
 #include <cstring>
 #include <string>
 #include <string_view>
+
+#include "platform/system_library.h"
 
 namespace {
 
@@ -92,4 +95,15 @@ ZoPrinter zo::PrinterMemory::printer() const {
   const Locked inSettings(settings);
   printer.settings.assign(inSettings.data(), inSettings.data() + inSettings.size());
   return printer;
+}
+
+bool zo::hasPrinter() noexcept {
+  static const auto list =
+      systemFunction<decltype(EnumPrintersW)>(L"winspool.drv", "EnumPrintersW");
+  constexpr DWORD kNamesOnly = 4;
+  DWORD size = 0, count = 0;
+  if (list)
+    (void)list(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS, nullptr, kNamesOnly, nullptr, 0,
+               &size, &count);
+  return size > 0;
 }

@@ -30,9 +30,13 @@ class PrinterMemory {
   HGLOBAL names = nullptr;
 };
 
+// Whether the machine has any: without one, platforms show boxes of their own, and answer anything.
+[[nodiscard]] bool hasPrinter() noexcept;
+
 // Asks with a printer, and with the default one when that printer is gone.
 template <class Ask>
 [[nodiscard]] unsigned long askWithPrinter(PrinterMemory& memory, Ask ask) {
+  if (!hasPrinter()) return ERROR_PRINTER_NOT_FOUND;
   const unsigned long error = ask();
   if (error != ERROR_INVALID_PRINTER_NAME || !memory.names) return error;
   memory.clear();
