@@ -216,7 +216,7 @@ TEST_F(Choices, ColorsKeepTheirTypeOrBecomeWhatTheyLookLike) {
     DialogUser user([&](HWND window) {
       std::wstring values = rgb;
       for (int i = 0; i < 3 && !values.empty(); ++i)
-        DialogUser::type(window, 706 + i, values.substr(4 * i, 3));
+        DialogUser::type(window, 706 + i, values.substr(4 * static_cast<size_t>(i), 3));
       DialogUser::press(window, IDOK);
     });
     EXPECT_EQ(dialog.show(), 0);

@@ -97,7 +97,8 @@ Picture::Picture(HWND window) {
   HGDIOBJ const before = SelectObject(into, bitmap);
   BitBlt(into, 0, 0, width, height, from, 0, 0, SRCCOPY);
   GdiFlush();
-  pixels.assign(static_cast<const unsigned int*>(bits), static_cast<size_t>(width) * height);
+  pixels.assign(static_cast<const unsigned int*>(bits),
+                static_cast<size_t>(width) * static_cast<size_t>(height));
   for (unsigned int& pixel : pixels) pixel &= 0xFFFFFF;
   SelectObject(into, before);
   DeleteObject(bitmap);
