@@ -19,6 +19,7 @@
 #include <zo/compress.h>
 #include <zo/config.h>
 #include <zo/containers.h>
+#include <zo/dialogs.h>
 #include <zo/files.h>
 #include <zo/geometry.h>
 #include <zo/graph.h>

@@ -39,6 +39,7 @@ enum class ZoResultFamily : int {
   opening = 0x14,     // ZoFileOpen, ZoDownloadCache: zo/system/open_results.h
   xml = 0x15,         // ZoXMLClass, ZoXMLNode, ZoJson: zo/xml/xml_results.h
   standards = 0x16,   // ZoLayer, ZoStandardMgr
+  dialogs = 0x17,     // ZoDialog: zo/dialogs/dialog.h
   cInterface = 0x20,  // zo_c.h
 };
 

@@ -9,4 +9,5 @@ inline constexpr int refused = 1;      // not found, failed, or a service guard 
 inline constexpr int outOfMemory = 2;  // nothing was lost
 inline constexpr int invalid = 3;      // a null reactor; a URL that cannot be served
 inline constexpr int timeOut = 5;      // from the guard's convenience wrappers
+inline constexpr int cancelled = 1020;  // the user, or a watcher, did not want to go on
 }  // namespace ZoResult

@@ -1,6 +1,7 @@
 // Gives the constants of exported classes their place in the DLL, where an unoptimised client that
 // binds a reference to one looks for it: GCC exports such a constant only where its address is
 // taken. The package's consumer tests find the one that is missing here.
+#include <zo/dialogs/task_dialog.h>
 #include <zo/files/find_file.h>
 #include <zo/graph/dotty_elements.h>
 #include <zo/headless/headless_cad.h>
@@ -30,6 +31,7 @@ const void* const kClassConstants[] = {
     &ZoCodepage::kUtf16BigEndian,
     &ZoCodepage::kUtf8,
     &ZoCsvReader::npos,
+    &ZoDialogs::kAsk,
     &ZoDottyNode::noCluster,
     &ZoFindFile::kDirectory,
     &ZoHeadlessCad::kMostPrompts,
@@ -50,6 +52,7 @@ const void* const kClassConstants[] = {
     &ZoString::npos,
     &ZoStringRef::npos,
     &ZoSubString::npos,
+    &ZoTaskDialog::kFirstNumber,
     &ZoVHash::kDefaultBuckets,
     &ZoVHash::kDefaultLoadFactor,
     &ZoVHashTable::kLongChain,

@@ -1,4 +1,5 @@
 // Knows the codes of all families.
+#include <zo/dialogs/dialog.h>
 #include <zo/geometry/status.h>
 #include <zo/library/library_results.h>
 #include <zo/names/name_results.h>
@@ -214,6 +215,13 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(standards, ZoResult::layersLeftOut, L"Done, but some layers were left out."),
     ZO_RESULT(standards, ZoResult::standardCircle,
               L"Standards name each other as their successors."),
+
+    ZO_RESULT(dialogs, ZoResult::refused, L"The dialog offers no such value."),
+    ZO_RESULT(dialogs, ZoResult::notShown, L"The dialog cannot be shown."),
+    ZO_RESULT(dialogs, ZoResult::noOwner,
+              L"The window that the dialog should belong to is not there."),
+    ZO_RESULT(dialogs, ZoResult::noPrinter, L"There is no printer."),
+    ZO_RESULT(dialogs, ZoResult::cancelled, L"The user cancelled the dialog."),
 
     ZO_RESULT(cInterface, ZOC_BAD_HANDLE, L"The handle is null, or was closed, or never given."),
     ZO_RESULT(cInterface, ZOC_WRONG_HANDLE,

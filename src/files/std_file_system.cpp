@@ -5,33 +5,17 @@
 
 #include "files/ftp.h"
 #include "files/std_file_system_imp.h"
+#include "platform/error_text.h"
 #include "system/service_scope.h"
 
 namespace {
-
-ZoString systemMessage(DWORD error) {
-  // Errors of connections have their messages in the library that made them.
-  const bool ofInternet = error >= 12000 && error < 13000;
-  const HMODULE library = ofInternet ? GetModuleHandleW(L"wininet.dll") : nullptr;
-  const DWORD flags = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
-                      FORMAT_MESSAGE_IGNORE_INSERTS | (library ? FORMAT_MESSAGE_FROM_HMODULE : 0);
-  wchar_t* text = nullptr;
-  const DWORD length =
-      FormatMessageW(flags, library, error, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
-                     reinterpret_cast<wchar_t*>(&text), 0, nullptr);
-  struct Freed {
-    wchar_t* block;
-    ~Freed() { LocalFree(block); }
-  } const freed{text};
-  return ZoString(text, length);
-}
 
 // What the platform has no message for still has words, which end like its messages.
 ZoString messageOf(DWORD error) {
   std::wstring text = zo::serverWords(error);
   if (text.empty()) {
-    ZoString message = systemMessage(error);
-    if (!message.isEmpty()) return message;
+    text = zo::errorText(error);
+    if (!text.empty()) return ZoString(std::wstring_view(text));
     text = zo::internetMessage(error);
   }
   if (text.empty()) text = L"Error " + std::to_wstring(error) + L'.';

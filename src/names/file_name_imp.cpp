@@ -3,9 +3,11 @@
 
 #include <zo/text/containers/sequence.h>
 
+#include <algorithm>
 #include <iterator>
 #include <utility>
 
+#include "names/file_kinds.h"
 #include "names/name_check.h"
 #include "names/name_compare.h"
 #include "names/name_levels.h"
@@ -215,6 +217,11 @@ static_assert(std::size(kKinds) == ZoFileName::kAnyFile);
 
 }  // namespace
 
+std::span<const wchar_t* const> zo::kindExtensions(ZoFileName::FileKind kind) noexcept {
+  if (kind >= ZoFileName::kAnyFile) return {};
+  return std::span(kKinds[kind]).first(kKinds[kind][1] ? 2 : 1);
+}
+
 bool ZoFileNameImp::isGplOfFolder(bool sameName) const noexcept {
   size_t at = 0;
   const std::wstring_view level = zo::nextLevel(zo::levelStretch(parts()), at);
@@ -223,11 +230,9 @@ bool ZoFileNameImp::isGplOfFolder(bool sameName) const noexcept {
 
 bool ZoFileNameImp::isKindOf(ZoFileName::FileKind kind) const noexcept {
   if (kind >= ZoFileName::kAnyFile) return kind == ZoFileName::kAnyFile;
-  const auto& [first, second] = kKinds[kind];
   const std::wstring_view extension = state_.extension.view();
-  const bool matches =
-      zo::equalNames(extension, first) || (second && zo::equalNames(extension, second));
-  if (!matches) return false;
+  const auto isExtension = [extension](const wchar_t* of) { return zo::equalNames(extension, of); };
+  if (std::ranges::none_of(zo::kindExtensions(kind), isExtension)) return false;
   if (kind == ZoFileName::kGplOfFolder) return isGplOfFolder(true);
   return kind != ZoFileName::kGplNotOfFolder || isGplOfFolder(false);
 }

@@ -30,6 +30,15 @@ class SystemLibrary {
   HMODULE module_;
 };
 
+// One function of such a library: null where there is none. The library stays loaded.
+//
+//   static const auto choose = zo::systemFunction<decltype(ChooseColorW)>(L"comdlg32.dll",
+//                                                                         "ChooseColorW");
+template <class Function>
+[[nodiscard]] Function* systemFunction(const wchar_t* library, const char* name) noexcept {
+  return SystemLibrary(library).find<Function*>(name);
+}
+
 }  // namespace zo
 
 // A member that holds the function of that name.

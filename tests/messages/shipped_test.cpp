@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "attach/result_table.h"
+#include "dialogs/dialog_texts.h"
 #include "messages/message_fixture.h"
 #include "support/file_bytes.h"
 #include "variant/code_names.h"
@@ -16,7 +17,7 @@
 namespace {
 
 const std::string kFolder = ZO_SOURCE_ROOT "/share/messages/";
-constexpr const char* kNames[] = {"zotype", "zoflag", "zoresult"};
+constexpr const char* kNames[] = {"zotype", "zoflag", "zoresult", "zodialog"};
 
 class Writer {
  public:
@@ -61,10 +62,17 @@ std::string results() {
   return writer.text();
 }
 
+std::string dialogs() {
+  Writer writer("Words in dialogs.");
+  for (const zo::DialogTextEntry& row : zo::dialogTexts())
+    writer.message(static_cast<unsigned int>(row.number), row.text);
+  return writer.text();
+}
+
 // With ZO_WRITE_MESSAGES in the environment they are written anew.
 TEST(ShippedMessages, EnglishIsWhatStandsInTheCode) {
-  const std::string files[] = {types(), flags(), results()};
-  for (int i = 0; i < 3; ++i) {
+  const std::string files[] = {types(), flags(), results(), dialogs()};
+  for (int i = 0; i < 4; ++i) {
     const std::string path = kFolder + kNames[i] + ".msg";
     if (std::getenv("ZO_WRITE_MESSAGES")) std::ofstream(path, std::ios::binary) << files[i];
     EXPECT_EQ(zo::test::fileBytes(path), files[i])

@@ -15,10 +15,10 @@
 namespace {
 
 constexpr const char* kFamilies[] = {
-    "common",        "numbers",    "containers", "variants",    "geometry", "names",
-    "files",         "fileSystem", "libraries",  "compression", "lzma",     "services",
-    "configuration", "errors",     "execute",    "exceptions",  "waits",    "expressions",
-    "messages",      "search",     "opening",    "xml",         "standards"};
+    "common",        "numbers",    "containers", "variants",    "geometry",  "names",
+    "files",         "fileSystem", "libraries",  "compression", "lzma",      "services",
+    "configuration", "errors",     "execute",    "exceptions",  "waits",     "expressions",
+    "messages",      "search",     "opening",    "xml",         "standards", "dialogs"};
 
 std::string nameOf(ZoResultFamily family) {
   const bool isApart = family == ZoResultFamily::cInterface;  // numbered apart from the others

@@ -8,8 +8,6 @@ namespace ZoResult {
 inline constexpr int noManifest = 1010;       // nothing tells what should be on it
 inline constexpr int mediaDiffers = 1011;     // a file is missing or not what it should be
 inline constexpr int manifestDamaged = 1012;  // or made with another key
-// Both
-inline constexpr int cancelled = 1020;  // the user or a watcher did not want to go on
 // Downloads
 inline constexpr int stale = 1021;           // an older copy serves: there was no answer
 inline constexpr int hostNotAllowed = 1022;  // the settings do not list the host

@@ -1,0 +1,84 @@
+// Choosing a printer, pages and copies; paper and margins.
+//
+// Errors:  as ZoDialog has it; ZoResult::noPrinter when the machine has none. A printer that is
+//          gone gives way to the default one.
+#pragma once
+
+#include <zo/dialogs/dialog.h>
+#include <zo/variant/variant.h>
+
+#include <vector>
+
+// A printer as the platform knows it.
+struct ZoPrinter {
+  ZoString name;  // empty: the default printer
+  // The driver's own settings, the platform's DEVMODEW as it lies in memory; empty: the default
+  // ones. They belong to this printer and go with another name.
+  std::vector<unsigned char> settings;
+};
+
+class ZO_COM_API ZoPrintDialog : public ZoDialog {
+ public:
+  enum Range : int { kAll, kSelection, kPages };
+
+  void setPrinter(ZoPrinter printer) { printer_ = std::move(printer); }
+  [[nodiscard]] const ZoPrinter& printer() const noexcept { return printer_; }
+
+  // What can be printed: pages from first to last; 0 and 0 where pages are not counted. Refused
+  // when they are not in order or above 65535.
+  [[nodiscard]] int setPages(unsigned int first, unsigned int last) noexcept;
+  void setSelection(bool offered) noexcept { selection_ = offered; }  // whether there is one
+
+  // What is printed; kPages are those from fromPage() to toPage(). Refused when it is not offered.
+  [[nodiscard]] int setRange(Range range, unsigned int from = 0, unsigned int to = 0) noexcept;
+  [[nodiscard]] Range range() const noexcept { return range_; }
+  [[nodiscard]] unsigned int fromPage() const noexcept { return from_; }
+  [[nodiscard]] unsigned int toPage() const noexcept { return to_; }
+
+  // From 1 to 9999.
+  [[nodiscard]] int setCopies(unsigned int copies) noexcept;
+  [[nodiscard]] unsigned int copies() const noexcept { return copies_; }
+  void setCollated(bool collated) noexcept { collated_ = collated; }
+  [[nodiscard]] bool isCollated() const noexcept { return collated_; }
+  void setToFile(bool toFile) noexcept { toFile_ = toFile; }
+  [[nodiscard]] bool isToFile() const noexcept { return toFile_; }
+
+ protected:
+  int run(HWND__* owner) override;
+
+ private:
+  ZoPrinter printer_;
+  unsigned int first_ = 0, last_ = 0, from_ = 0, to_ = 0, copies_ = 1;
+  Range range_ = kAll;
+  bool selection_ = false, collated_ = false, toFile_ = false;
+};
+
+// Sizes are lengths: reals of code Length, in mm, kept to the hundredth that the platform knows.
+class ZO_COM_API ZoPageSetupDialog : public ZoDialog {
+ public:
+  struct Margins {
+    ZoVariant left, top, right, bottom;
+  };
+
+  ZoPageSetupDialog();
+
+  void setPrinter(ZoPrinter printer) { printer_ = std::move(printer); }
+  [[nodiscard]] const ZoPrinter& printer() const noexcept { return printer_; }
+
+  // At first 210 mm wide and 297 mm high; a paper that is wider than high lies on its side. Refused
+  // is what is no number, not above 0, or more than 10 m.
+  [[nodiscard]] int setPaper(const ZoVariant& width, const ZoVariant& height);
+  [[nodiscard]] const ZoVariant& width() const noexcept { return width_; }
+  [[nodiscard]] const ZoVariant& height() const noexcept { return height_; }
+  // At first 25 mm. Refused is what is no number, below 0, or leaves nothing of the paper.
+  [[nodiscard]] int setMargins(const Margins& margins);
+  [[nodiscard]] const Margins& margins() const noexcept { return margins_; }
+
+ protected:
+  int run(HWND__* owner) override;
+
+ private:
+  ZoPrinter printer_;
+  ZoVariant width_, height_;
+  Margins margins_;
+};

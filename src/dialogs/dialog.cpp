@@ -1,0 +1,72 @@
+#include <windows.h>
+#include <zo/dialogs/dialog.h>
+#include <zo/system/cad.h>
+
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "platform/error_text.h"
+#include "system/service_or_null.h"
+
+namespace {
+
+// Threads that ask keep the function that they found while another one is set.
+struct Seam {
+  std::mutex mutex;
+  std::shared_ptr<const ZoDialogs::Answer> answer;
+};
+Seam& seam() {
+  static Seam it;
+  return it;
+}
+
+std::shared_ptr<const ZoDialogs::Answer> currentAnswer() {
+  const std::lock_guard lock(seam().mutex);
+  return seam().answer;
+}
+
+// Not every CAD service knows a main window.
+template <class Cad>
+HWND mainWindowOf(Cad& cad) {
+  if constexpr (requires { cad.mainWindow(); })
+    return cad.mainWindow();
+  else
+    return nullptr;
+}
+
+}  // namespace
+
+ZoDialog::~ZoDialog() = default;
+
+int ZoDialog::show(HWND__* owner) {
+  error_ = ZoString();
+  if (const auto answer = currentAnswer()) {
+    const int code = (*answer)(*this);
+    if (code != ZoDialogs::kAsk) return code;
+  }
+  if (owner && !IsWindow(owner)) return ZoResult::noOwner;
+  return run(owner ? owner : ZoDialogs::owner());
+}
+
+int ZoDialog::failed(unsigned long error) {
+  std::wstring text = zo::errorText(error);
+  if (text.empty()) text = L"Error " + std::to_wstring(error) + L".\r\n";
+  error_ = std::wstring_view(text);
+  return ZoResult::notShown;
+}
+
+ZoDialogs::Answer ZoDialogs::setAnswer(Answer answer) {
+  auto next = answer ? std::make_shared<const Answer>(std::move(answer)) : nullptr;
+  {
+    const std::lock_guard lock(seam().mutex);
+    seam().answer.swap(next);
+  }
+  return next ? *next : Answer();
+}
+
+HWND__* ZoDialogs::owner() {
+  auto* const cad = zo::serviceOrNull<ZoCad>();
+  auto* const window = cad ? mainWindowOf(*cad) : nullptr;
+  return window && IsWindow(window) ? window : nullptr;
+}

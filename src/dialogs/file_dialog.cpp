@@ -1,0 +1,123 @@
+#include <windows.h>
+#include <zo/dialogs/file_dialog.h>
+
+#include <string>
+
+#include "dialogs/dialog_texts.h"
+#include "dialogs/places.h"
+#include "names/file_kinds.h"
+#include "platform/item_dialog.h"
+
+namespace {
+
+using zo::ItemDialogRequest;
+
+std::wstring_view trimmed(std::wstring_view text) {
+  const size_t first = text.find_first_not_of(L' ');
+  if (first == std::wstring_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(L' ') + 1 - first);
+}
+
+// Without blanks round the patterns and without empty ones.
+std::wstring cleaned(std::wstring_view patterns) {
+  std::wstring clean;
+  for (size_t at = 0; at <= patterns.size();) {
+    const size_t end = std::min(patterns.find(L';', at), patterns.size());
+    const std::wstring_view one = trimmed(patterns.substr(at, end - at));
+    if (!one.empty() && !clean.empty()) clean += L';';
+    clean += one;
+    at = end + 1;
+  }
+  return clean;
+}
+
+// That of the first pattern, "val" of "*.val"; none where a wildcard stands in it.
+std::wstring extensionOf(std::wstring_view patterns) {
+  patterns = patterns.substr(0, patterns.find(L';'));
+  const size_t dot = patterns.rfind(L'.');
+  if (dot == std::wstring_view::npos) return {};
+  const std::wstring_view extension = patterns.substr(dot + 1);
+  return std::wstring(extension.find_first_of(L"*?") == std::wstring_view::npos ? extension : L"");
+}
+
+ItemDialogRequest::Kind kindOf(ZoFileDialog::Kind kind) {
+  switch (kind) {
+    case ZoFileDialog::kOpenSeveral:
+      return ItemDialogRequest::kOpenSeveral;
+    case ZoFileDialog::kSave:
+      return ItemDialogRequest::kSave;
+    default:
+      return ItemDialogRequest::kOpen;
+  }
+}
+
+ZoFileName folderOf(const ZoFileName& file) {
+  ZoFileName folder(file);
+  static_cast<void>(folder.setFileNameExt(L""));
+  return folder;
+}
+
+}  // namespace
+
+int ZoFileDialog::addFilter(const ZoString& name, const ZoString& patterns) {
+  constexpr std::wstring_view kZero(L"", 1);
+  const std::wstring clean = cleaned(patterns.view());
+  if (clean.empty() || clean.find(L'\0') != std::wstring::npos ||
+      name.view().find(kZero) != std::wstring_view::npos)
+    return ZoResult::refused;
+  filters_.push_back({name.isEmpty() ? ZoString(std::wstring_view(clean)) : name,
+                      ZoString(std::wstring_view(clean))});
+  return ZoResult::ok;
+}
+
+void ZoFileDialog::addFilter(ZoFileName::FileKind kind) {
+  std::wstring names, patterns;
+  for (const wchar_t* const extension : zo::kindExtensions(kind)) {
+    if (!names.empty()) names += L", ", patterns += L';';
+    for (const wchar_t* c = extension + 1; *c; ++c)
+      names += static_cast<wchar_t>(*c >= L'a' && *c <= L'z' ? *c - L'a' + L'A' : *c);
+    patterns.append(L"*").append(extension);
+  }
+  if (patterns.empty())
+    filters_.push_back({zo::dialogText(zo::DialogText::allFiles), ZoString(L"*.*")});
+  else
+    filters_.push_back({zo::dialogText(zo::DialogText::filesOf, {ZoVariant(names)}),
+                        ZoString(std::wstring_view(patterns))});
+}
+
+int ZoFileDialog::setFilter(unsigned int index) noexcept {
+  if (index >= filters_.size()) return ZoResult::refused;
+  filter_ = index;
+  return ZoResult::ok;
+}
+
+void ZoFileDialog::setFile(const ZoFileName& file) {
+  files_.clear();
+  if (!file.isEmpty()) files_.push_back(file);
+}
+
+int ZoFileDialog::run(HWND__* owner) {
+  ItemDialogRequest request;
+  request.kind = kindOf(kind_);
+  request.title = title().view();
+  for (const Filter& filter : filters_)
+    request.filters.push_back(
+        {std::wstring(filter.name.view()), std::wstring(filter.patterns.view())});
+  request.filter = filter_;
+  if (!filters_.empty()) request.extension = extensionOf(filters_[filter_].patterns.view());
+  request.name = file().fileNameExt();
+  request.folder = zo::folderThatIs(folderOf(file()));
+  if (request.folder.empty()) request.folder = zo::folderThatIs(zo::keptFolder(key_));
+  if (request.folder.empty()) request.folder = zo::folderThatIs(folder_);
+
+  const zo::ItemDialogAnswer answer = zo::askForItems(request, owner);
+  if (answer.error == ERROR_CANCELLED) return ZoResult::cancelled;
+  if (answer.error != ERROR_SUCCESS) return failed(answer.error);
+  std::vector<ZoFileName> files;
+  files.reserve(answer.names.size());
+  for (const std::wstring& name : answer.names) files.emplace_back(name);
+  files_.swap(files);
+  if (answer.filter < filters_.size()) filter_ = answer.filter;
+  zo::keepFolder(key_, folderOf(file()));
+  return ZoResult::ok;
+}

@@ -1,0 +1,136 @@
+#include <zo/dialogs/print_dialog.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <utility>
+
+#include "dialogs/printer_memory.h"
+#include "platform/common_dialog.h"
+
+namespace {
+
+constexpr double kLargest = 10000;  // mm
+constexpr LONG kUnits = 100;        // the platform's hundredths in a mm
+
+ZoVariant length(double mm) noexcept { return {mm, ZoTypeCode::Length}; }
+ZoVariant fromUnits(LONG units) noexcept { return length(static_cast<double>(units) / kUnits); }
+LONG toUnits(const ZoVariant& mm) noexcept {
+  return static_cast<LONG>(std::lround(mm.asReal() * kUnits));
+}
+
+// A length of at least the smallest, in `out`.
+bool readLength(const ZoVariant& value, double smallest, double& out) noexcept {
+  double mm = 0;
+  if (!value.isNumber() || value.get(mm) != ZoResult::ok) return false;
+  if (!(mm >= smallest && mm <= kLargest)) return false;
+  out = mm;
+  return true;
+}
+
+// Papers that drivers know by number; width and height upright, in hundredths of a mm.
+constexpr struct {
+  short number;
+  LONG width, height;
+} kPapers[] = {{DMPAPER_A3, 29700, 42000},
+               {DMPAPER_A4, 21000, 29700},
+               {DMPAPER_A5, 14800, 21000},
+               {DMPAPER_LETTER, 21590, 27940},
+               {DMPAPER_LEGAL, 21590, 35560}};
+
+// The dialog takes its paper from the driver's settings.
+void setPaperOf(DEVMODEW& settings, LONG width, LONG height) noexcept {
+  const bool lies = width > height;
+  if (lies) std::swap(width, height);
+  settings.dmFields |= DM_ORIENTATION | DM_PAPERSIZE;
+  settings.dmOrientation = lies ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
+  for (const auto& paper : kPapers) {
+    if (std::abs(paper.width - width) > kUnits / 2 || std::abs(paper.height - height) > kUnits / 2)
+      continue;
+    settings.dmPaperSize = paper.number;
+    settings.dmFields &= ~static_cast<DWORD>(DM_PAPERWIDTH | DM_PAPERLENGTH);
+    return;
+  }
+  constexpr LONG kTenths = 10;  // in these settings are tenths of a mm
+  constexpr LONG kMost = 32767;
+  settings.dmPaperSize = DMPAPER_USER;
+  settings.dmFields |= DM_PAPERWIDTH | DM_PAPERLENGTH;
+  settings.dmPaperWidth = static_cast<short>(std::min(width / kTenths, kMost));
+  settings.dmPaperLength = static_cast<short>(std::min(height / kTenths, kMost));
+}
+
+// The default printer's settings, where the caller has none.
+void takeDefaults(zo::PrinterMemory& memory) noexcept {
+  PAGESETUPDLGW request = {};
+  request.lStructSize = sizeof request;
+  request.Flags = PSD_RETURNDEFAULT | PSD_NOWARNING;
+  const auto ask = zo::systemFunction<decltype(PageSetupDlgW)>(L"comdlg32.dll", "PageSetupDlgW");
+  if (!ask || ask(&request) != TRUE) return;
+  memory.clear();
+  memory.settings = request.hDevMode;
+  memory.names = request.hDevNames;
+}
+
+}  // namespace
+
+ZoPageSetupDialog::ZoPageSetupDialog()
+    : width_(length(210)),
+      height_(length(297)),
+      margins_{length(25), length(25), length(25), length(25)} {}
+
+int ZoPageSetupDialog::setPaper(const ZoVariant& width, const ZoVariant& height) {
+  constexpr double kSmallest = 1.0 / kUnits;
+  double wide = 0, high = 0;
+  if (!readLength(width, kSmallest, wide) || !readLength(height, kSmallest, high))
+    return ZoResult::refused;
+  width_ = length(wide);
+  height_ = length(high);
+  return ZoResult::ok;
+}
+
+int ZoPageSetupDialog::setMargins(const Margins& margins) {
+  double left = 0, top = 0, right = 0, bottom = 0;
+  if (!readLength(margins.left, 0, left) || !readLength(margins.top, 0, top) ||
+      !readLength(margins.right, 0, right) || !readLength(margins.bottom, 0, bottom))
+    return ZoResult::refused;
+  if (left + right >= width_.asReal() || top + bottom >= height_.asReal()) return ZoResult::refused;
+  margins_ = {length(left), length(top), length(right), length(bottom)};
+  return ZoResult::ok;
+}
+
+int ZoPageSetupDialog::run(HWND__* owner) {
+  zo::PrinterMemory memory(printer_);
+  PAGESETUPDLGW request = {};
+  const auto ask = [&] {
+    if (!memory.settings && !memory.names) takeDefaults(memory);
+    memory.change(
+        [&](DEVMODEW& settings) { setPaperOf(settings, toUnits(width_), toUnits(height_)); });
+    const zo::ShownHook hook(std::wstring(title().view()));
+    request = {};
+    request.lStructSize = sizeof request;
+    request.hwndOwner = owner;
+    request.hDevMode = memory.settings;
+    request.hDevNames = memory.names;
+    request.Flags =
+        PSD_INHUNDREDTHSOFMILLIMETERS | PSD_MARGINS | PSD_NOWARNING | PSD_ENABLEPAGESETUPHOOK;
+    request.ptPaperSize = {toUnits(width_), toUnits(height_)};
+    request.rtMargin = {toUnits(margins_.left), toUnits(margins_.top), toUnits(margins_.right),
+                        toUnits(margins_.bottom)};
+    request.lpfnPageSetupHook = &zo::ShownHook::proc;
+    const unsigned long error = ZO_COMMON_DIALOG(PageSetupDlgW, request, hook);
+    memory.settings = request.hDevMode;
+    memory.names = request.hDevNames;
+    return error;
+  };
+  const unsigned long error = zo::askWithPrinter(memory, ask);
+  if (error == ERROR_CANCELLED) return ZoResult::cancelled;
+  if (error == ERROR_PRINTER_NOT_FOUND || error == ERROR_INVALID_PRINTER_NAME)
+    return ZoResult::noPrinter;
+  if (error != ERROR_SUCCESS) return failed(error);
+  printer_ = memory.printer();
+  width_ = fromUnits(request.ptPaperSize.x);
+  height_ = fromUnits(request.ptPaperSize.y);
+  margins_ = {fromUnits(request.rtMargin.left), fromUnits(request.rtMargin.top),
+              fromUnits(request.rtMargin.right), fromUnits(request.rtMargin.bottom)};
+  return ZoResult::ok;
+}

@@ -1,0 +1,22 @@
+// What dialogs keep in the configuration, below "dialogs@KEY@": an empty key keeps nothing. Each is
+// one call of the service, which holds no guard when it comes back.
+#pragma once
+
+#include <zo/names/file_name.h>
+#include <zo/text/string.h>
+
+#include <string>
+
+namespace zo {
+
+[[nodiscard]] ZoString settingOf(const ZoString& key, const wchar_t* what);
+
+// An empty name where none is kept, or the folder is gone.
+[[nodiscard]] ZoFileName keptFolder(const ZoString& key);
+void keepFolder(const ZoString& key, const ZoFileName& folder);
+
+// The full path of a folder that is there, without a delimiter at its end but for a root; else
+// empty.
+[[nodiscard]] std::wstring folderThatIs(const ZoFileName& folder);
+
+}  // namespace zo

@@ -1,0 +1,81 @@
+#include <zo/dialogs/print_dialog.h>
+
+#include "dialogs/printer_memory.h"
+#include "platform/common_dialog.h"
+
+namespace {
+
+constexpr unsigned int kLastPage = 65535;
+constexpr unsigned int kMostCopies = 9999;
+
+DWORD flagOf(ZoPrintDialog::Range range) noexcept {
+  return range == ZoPrintDialog::kPages       ? PD_PAGENUMS
+         : range == ZoPrintDialog::kSelection ? PD_SELECTION
+                                              : PD_ALLPAGES;
+}
+
+}  // namespace
+
+int ZoPrintDialog::setPages(unsigned int first, unsigned int last) noexcept {
+  if (first > last || last > kLastPage || (first == 0 && last > 0)) return ZoResult::refused;
+  first_ = first;
+  last_ = last;
+  if (range_ == kPages && (from_ < first || to_ > last)) range_ = kAll;
+  return ZoResult::ok;
+}
+
+int ZoPrintDialog::setRange(Range range, unsigned int from, unsigned int to) noexcept {
+  if (range == kSelection && !selection_) return ZoResult::refused;
+  if (range == kPages && (first_ == 0 || from < first_ || from > to || to > last_))
+    return ZoResult::refused;
+  range_ = range;
+  from_ = range == kPages ? from : 0;
+  to_ = range == kPages ? to : 0;
+  return ZoResult::ok;
+}
+
+int ZoPrintDialog::setCopies(unsigned int copies) noexcept {
+  if (copies < 1 || copies > kMostCopies) return ZoResult::refused;
+  copies_ = copies;
+  return ZoResult::ok;
+}
+
+int ZoPrintDialog::run(HWND__* owner) {
+  zo::PrinterMemory memory(printer_);
+  PRINTDLGW request = {};
+  const auto ask = [&] {
+    const zo::ShownHook hook(std::wstring(title().view()));
+    request = {};
+    request.lStructSize = sizeof request;
+    request.hwndOwner = owner;
+    request.hDevMode = memory.settings;
+    request.hDevNames = memory.names;
+    request.Flags = flagOf(range_) | (selection_ ? 0 : PD_NOSELECTION) |
+                    (last_ ? 0 : PD_NOPAGENUMS) | (collated_ ? PD_COLLATE : 0) |
+                    (toFile_ ? PD_PRINTTOFILE : 0) | PD_NOWARNING | PD_ENABLEPRINTHOOK;
+    request.nMinPage = static_cast<WORD>(first_);
+    request.nMaxPage = static_cast<WORD>(last_);
+    request.nFromPage = static_cast<WORD>(range_ == kPages ? from_ : first_);
+    request.nToPage = static_cast<WORD>(range_ == kPages ? to_ : last_);
+    request.nCopies = static_cast<WORD>(copies_);
+    request.lpfnPrintHook = &zo::ShownHook::proc;
+    const unsigned long error = ZO_COMMON_DIALOG(PrintDlgW, request, hook);
+    memory.settings = request.hDevMode;
+    memory.names = request.hDevNames;
+    return error;
+  };
+  const unsigned long error = zo::askWithPrinter(memory, ask);
+  if (error == ERROR_CANCELLED) return ZoResult::cancelled;
+  if (error == ERROR_PRINTER_NOT_FOUND || error == ERROR_INVALID_PRINTER_NAME)
+    return ZoResult::noPrinter;
+  if (error != ERROR_SUCCESS) return failed(error);
+  printer_ = memory.printer();
+  const bool isPages = (request.Flags & PD_PAGENUMS) != 0;
+  range_ = isPages ? kPages : (request.Flags & PD_SELECTION) != 0 ? kSelection : kAll;
+  from_ = isPages ? request.nFromPage : 0;
+  to_ = isPages ? request.nToPage : 0;
+  copies_ = request.nCopies;
+  collated_ = (request.Flags & PD_COLLATE) != 0;
+  toFile_ = (request.Flags & PD_PRINTTOFILE) != 0;
+  return ZoResult::ok;
+}

@@ -1,0 +1,126 @@
+#include "platform/item_dialog.h"
+
+#include <shobjidl.h>
+
+#include "platform/com_apartment.h"
+#include "platform/current_folder.h"
+
+namespace {
+
+using zo::ItemDialogAnswer;
+using zo::ItemDialogRequest;
+
+FILEOPENDIALOGOPTIONS optionsOf(ItemDialogRequest::Kind kind) {
+  constexpr FILEOPENDIALOGOPTIONS kAll = FOS_FORCEFILESYSTEM | FOS_NOCHANGEDIR | FOS_PATHMUSTEXIST;
+  switch (kind) {
+    case ItemDialogRequest::kOpenSeveral:
+      return kAll | FOS_FILEMUSTEXIST | FOS_ALLOWMULTISELECT;
+    case ItemDialogRequest::kSave:
+      return kAll | FOS_OVERWRITEPROMPT;
+    case ItemDialogRequest::kFolder:
+      return kAll | FOS_PICKFOLDERS;
+    default:
+      return kAll | FOS_FILEMUSTEXIST;
+  }
+}
+
+void setFilters(IFileDialog& dialog, const ItemDialogRequest& request) {
+  std::vector<COMDLG_FILTERSPEC> filters;
+  filters.reserve(request.filters.size());
+  for (const auto& filter : request.filters)
+    filters.push_back({filter.name.c_str(), filter.patterns.c_str()});
+  if (filters.empty()) return;
+  dialog.SetFileTypes(static_cast<UINT>(filters.size()), filters.data());
+  dialog.SetFileTypeIndex(request.filter + 1);
+}
+
+// A folder that is not there is left out: a drive that was taken away fails no dialog.
+void setFolder(IFileDialog& dialog, const std::wstring& folder) {
+  if (folder.empty()) return;
+  void* item = nullptr;
+  if (FAILED(SHCreateItemFromParsingName(folder.c_str(), nullptr, __uuidof(IShellItem), &item)))
+    return;
+  const zo::ComPointer<IShellItem> first(static_cast<IShellItem*>(item));
+  // Not SetDefaultFolder, which gives way to the folder that was used last.
+  dialog.SetFolder(first.get());
+}
+
+void prepare(IFileDialog& dialog, const ItemDialogRequest& request) {
+  dialog.SetOptions(optionsOf(request.kind));
+  if (!request.title.empty()) dialog.SetTitle(request.title.c_str());
+  if (!request.extension.empty()) dialog.SetDefaultExtension(request.extension.c_str());
+  if (!request.name.empty()) dialog.SetFileName(request.name.c_str());
+  setFilters(dialog, request);
+  setFolder(dialog, request.folder);
+}
+
+HRESULT addName(IShellItem& item, std::vector<std::wstring>& names) {
+  PWSTR name = nullptr;
+  const HRESULT result = item.GetDisplayName(SIGDN_FILESYSPATH, &name);
+  if (FAILED(result)) return result;
+  const std::unique_ptr<wchar_t, zo::ComFree> freed(name);
+  names.emplace_back(name);
+  return result;
+}
+
+HRESULT takeOne(IFileDialog& dialog, std::vector<std::wstring>& names) {
+  IShellItem* item = nullptr;
+  const HRESULT result = dialog.GetResult(&item);
+  if (FAILED(result)) return result;
+  return addName(*zo::ComPointer<IShellItem>(item), names);
+}
+
+HRESULT takeAll(IFileOpenDialog& dialog, std::vector<std::wstring>& names) {
+  IShellItemArray* array = nullptr;
+  HRESULT result = dialog.GetResults(&array);
+  if (FAILED(result)) return result;
+  const zo::ComPointer<IShellItemArray> items(array);
+  DWORD count = 0;
+  result = items->GetCount(&count);
+  for (DWORD i = 0; SUCCEEDED(result) && i < count; ++i) {
+    IShellItem* item = nullptr;
+    result = items->GetItemAt(i, &item);
+    if (SUCCEEDED(result)) result = addName(*zo::ComPointer<IShellItem>(item), names);
+  }
+  return result;
+}
+
+// The system error within an HRESULT, or the HRESULT itself.
+unsigned long errorOf(HRESULT result) {
+  if (SUCCEEDED(result)) return ERROR_SUCCESS;
+  return HRESULT_FACILITY(result) == FACILITY_WIN32 ? HRESULT_CODE(result)
+                                                    : static_cast<unsigned long>(result);
+}
+
+template <class Dialog>
+ItemDialogAnswer ask(Dialog& dialog, const ItemDialogRequest& request, HWND owner) {
+  prepare(dialog, request);
+  ItemDialogAnswer answer;
+  HRESULT result = dialog.Show(owner);
+  if (SUCCEEDED(result)) {
+    UINT filter = 0;
+    if (SUCCEEDED(dialog.GetFileTypeIndex(&filter)) && filter > 0) answer.filter = filter - 1;
+    if constexpr (std::is_same_v<Dialog, IFileOpenDialog>)
+      result = takeAll(dialog, answer.names);
+    else
+      result = takeOne(dialog, answer.names);
+  }
+  answer.error = errorOf(result);
+  return answer;
+}
+
+}  // namespace
+
+ItemDialogAnswer zo::askForItems(const ItemDialogRequest& request, HWND owner) {
+  const KeptCurrentFolder kept;
+  const ComApartment apartment;
+  if (apartment) {
+    if (request.kind == ItemDialogRequest::kSave) {
+      if (const auto dialog = apartment.make<IFileSaveDialog>(__uuidof(FileSaveDialog)))
+        return ask(*dialog, request, owner);
+    } else if (const auto dialog = apartment.make<IFileOpenDialog>(__uuidof(FileOpenDialog))) {
+      return ask(*dialog, request, owner);
+    }
+  }
+  return askForItemsAsBefore(request, owner);
+}
