@@ -182,14 +182,16 @@ void StandardStore::remove(std::wstring_view spelling, std::wstring_view module,
   if (!names.empty()) removeIf(isGone);
 }
 
+// A group without standards may lack its core, for want of memory.
 void StandardStore::insert(StandardPtr standard, std::wstring_view key, std::wstring_view core) {
-  if (!groups_.contains(key)) {
-    insertNew(groups_, key, Group());
-    if (core != key) {
-      if (!cores_.contains(core)) insertNew(cores_, core, std::vector<ZoString>());
-      cores_.at(core)->push_back(ZoString(key));
-    }
+  const Group* const known = groups_.at(key);
+  if (core != key && (!known || known->standards.empty())) {
+    if (!cores_.contains(core)) insertNew(cores_, core, std::vector<ZoString>());
+    auto& keys = *cores_.at(core);
+    const auto isKey = [&](const ZoString& each) { return each.view() == key; };
+    if (std::ranges::none_of(keys, isKey)) keys.push_back(ZoString(key));
   }
+  if (!known) insertNew(groups_, key, Group());
   auto& group = groups_.at(key)->standards;
   const auto place = std::ranges::find_if(
       group, [&](const StandardPtr& other) { return isNewer(*standard, *other); });
