@@ -3,6 +3,7 @@
 #include <zo/results.h>
 
 #include <cwchar>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -27,15 +28,16 @@ ZoHnd HeadlessObjects::add(const ZoString& document, ZoVariant value, ZoString l
   std::swprintf(text, std::size(text), L"%llX",
                 static_cast<unsigned long long>(place.lastHandle + 1));
   const std::int64_t id = lastId_ + 1;
+  const ZoString key(text);
   ZoHnd handle(text);
   handle.setId(id);
-  Object object{std::move(value), layer, document.copy(), ZoString(text)};
-  const auto made = objects_.emplace(id, std::move(object)).first;
+  const auto made =
+      objects_.emplace(id, Object{std::move(value), layer, document.copy(), key.copy()}).first;
   try {
-    throwIfNoMemory(place.ids.insertAt(ZoString(text), id));
+    if (place.ids.insertAt(key.copy(), id) != ZoResult::ok) throw std::bad_alloc();
     count(layer, 1);
   } catch (...) {
-    place.ids.removeAt(ZoString(text));
+    place.ids.removeAt(key);
     objects_.erase(made);
     throw;
   }
@@ -73,11 +75,12 @@ bool HeadlessObjects::isInUse(std::wstring_view layer) const { return onLayer_.c
 void HeadlessObjects::layerRenamed(std::wstring_view from, std::wstring_view to) {
   const unsigned int* const objects = onLayer_.at(from);
   if (!objects) return;
-  const unsigned int number = *objects;
-  onLayer_.removeAt(ZoString(from));
-  throwIfNoMemory(onLayer_.insertAt(ZoString(to), number));
+  const ZoString oldName(from), newName(to);
+  if (equalTexts(from, to)) return;
+  throwIfNoMemory(onLayer_.insertAt(newName.copy(), *objects));
+  onLayer_.removeAt(oldName);
   for (auto& [id, object] : objects_)
-    if (equalTexts(object.layer, from)) object.layer = ZoString(to);
+    if (equalTexts(object.layer, from)) object.layer = newName;
 }
 
 HeadlessObjects::Document& HeadlessObjects::documentOf(std::wstring_view name) {
@@ -86,11 +89,12 @@ HeadlessObjects::Document& HeadlessObjects::documentOf(std::wstring_view name) {
 }
 
 void HeadlessObjects::count(std::wstring_view layer, int step) {
-  if (unsigned int* const objects = onLayer_.at(layer)) {
+  const ZoString key(layer);
+  if (unsigned int* const objects = onLayer_.at(key)) {
     *objects += static_cast<unsigned int>(step);
-    if (*objects == 0) onLayer_.removeAt(ZoString(layer));
+    if (*objects == 0) onLayer_.removeAt(key);
   } else if (step > 0) {
-    throwIfNoMemory(onLayer_.insertAt(ZoString(layer), 1U));
+    if (onLayer_.insertAt(key, 1U) != ZoResult::ok) throw std::bad_alloc();
   }
 }
 

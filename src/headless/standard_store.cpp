@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <new>
 #include <shared_mutex>
 #include <unordered_set>
 #include <utility>
@@ -24,17 +25,31 @@ bool fits(std::wstring_view text, const ZoString& wanted) {
   return wanted.isEmpty() || equalTexts(text, wanted);
 }
 
+// Refused is one for which the table could not grow.
+template <class T>
+void insertNew(ZoHashDict<T, ZoString>& dict, std::wstring_view key, T value) {
+  if (dict.insertAt(ZoString(key), std::move(value)) != ZoResult::ok) throw std::bad_alloc();
+}
+
 std::wstring fullName(const Standard& standard) {
   return standard.edition.empty() ? standard.name : standard.name + L":" + standard.edition;
 }
 
 }  // namespace
 
+// A group without standards is none: it waits for memory to go.
 const StandardStore::Group* StandardStore::groupOf(const StandardName& name) const {
-  if (const Group* const group = groups_.at(name.key())) return group;
-  if (const Group* const group = groups_.at(name.core())) return group;
+  const auto find = [&](std::wstring_view key) {
+    const Group* const group = groups_.at(key);
+    return group && !group->standards.empty() ? group : nullptr;
+  };
+  if (const Group* const group = find(name.key())) return group;
+  if (const Group* const group = find(name.core())) return group;
   const std::vector<ZoString>* const keys = cores_.at(name.core());
-  return keys && !name.core().empty() ? groups_.at(keys->front()) : nullptr;
+  if (!keys) return nullptr;
+  for (const ZoString& key : *keys)
+    if (const Group* const group = find(key)) return group;
+  return nullptr;
 }
 
 const StandardPtr* StandardStore::pick(StandardName& name) const {
@@ -89,6 +104,7 @@ std::vector<std::wstring> StandardStore::names(const ZoStandardFilter& filter) c
   std::vector<std::wstring> names;
   const std::shared_lock reading(lock_);
   for (const auto [key, group] : groups_) {
+    if (group.standards.empty()) continue;
     const Standard& standard = *group.standards.front();
     if ((filter.withdrawn || !standard.isWithdrawn) &&
         fits(standard.standardClass, filter.standardClass) && fits(standard.firm, filter.firm) &&
@@ -166,35 +182,42 @@ void StandardStore::remove(std::wstring_view spelling, std::wstring_view module,
   if (!names.empty()) removeIf(isGone);
 }
 
+// A group without standards may lack its core, for want of memory.
 void StandardStore::insert(StandardPtr standard, std::wstring_view key, std::wstring_view core) {
-  if (!groups_.contains(key)) {
-    throwIfNoMemory(groups_.insertAt(ZoString(key), Group()));
-    if (core != key) {
-      if (!cores_.contains(core))
-        throwIfNoMemory(cores_.insertAt(ZoString(core), std::vector<ZoString>()));
-      cores_.at(core)->push_back(ZoString(key));
-    }
+  const Group* const known = groups_.at(key);
+  if (core != key && (!known || known->standards.empty())) {
+    if (!cores_.contains(core)) insertNew(cores_, core, std::vector<ZoString>());
+    auto& keys = *cores_.at(core);
+    const auto isKey = [&](const ZoString& each) { return each.view() == key; };
+    if (std::ranges::none_of(keys, isKey)) keys.push_back(ZoString(key));
   }
+  if (!known) insertNew(groups_, key, Group());
   auto& group = groups_.at(key)->standards;
   const auto place = std::ranges::find_if(
       group, [&](const StandardPtr& other) { return isNewer(*standard, *other); });
   group.insert(place, std::move(standard));
 }
 
-// Also what a failed insertion has left: groups without standards.
 void StandardStore::removeIf(const std::function<bool(const Standard&)>& isGone) {
-  std::vector<ZoString> empty;
-  for (const auto [key, group] : groups_) {
+  for (const auto [key, group] : groups_)
     std::erase_if(group.standards, [&](const StandardPtr& standard) { return isGone(*standard); });
-    if (group.standards.empty()) empty.push_back(key);
+  try {
+    removeEmptyGroups();
+  } catch (const std::bad_alloc&) {  // another time
   }
+}
+
+void StandardStore::removeEmptyGroups() {
+  std::vector<ZoString> empty;
+  for (const auto [key, group] : groups_)
+    if (group.standards.empty()) empty.push_back(key.copy());
   for (const ZoString& key : empty) {
-    groups_.removeAt(key);
     const ZoString core(StandardName(key).core());
     if (auto* const keys = cores_.at(core)) {
       std::erase_if(*keys, [&](const ZoString& each) { return each.view() == key.view(); });
       if (keys->empty()) cores_.removeAt(core);
     }
+    groups_.removeAt(key);
   }
 }
 

@@ -58,7 +58,9 @@ class StandardStore {
   [[nodiscard]] const Group* groupOf(const StandardName& name) const;
   [[nodiscard]] const StandardPtr* pick(StandardName& name) const;
   void insert(StandardPtr standard, std::wstring_view key, std::wstring_view core);
+  // Needs no memory.
   void removeIf(const std::function<bool(const Standard&)>& isGone);
+  void removeEmptyGroups();
 
   mutable SharedLock lock_;
   Groups groups_;                                      // by the name's key

@@ -6,6 +6,8 @@
 #include <zo/system/file_search.h>
 #include <zo/system/sys_disp.h>
 #include <zo/text/containers/array.h>
+#include <zo/xml/json.h>
+#include <zo/xml/xml_class.h>
 
 #include <algorithm>
 #include <utility>
@@ -48,6 +50,16 @@ void tell(const wchar_t* module, std::vector<std::wstring> names) {
   zo::throwIfNoMemory(data.put(L"Module", module));
   zo::throwIfNoMemory(data.put(L"Names", std::move(list)));
   static_cast<void>(dispatcher->sendNotice(L"ZoStandardsChanged", data));
+}
+
+// A value's text form, XML or JSON: which of them its first sign tells.
+bool readForm(const ZoString& text, ZoVariant& value) {
+  const std::size_t first = text.view().find_first_not_of(L" \t\r\n");
+  const wchar_t sign = first == std::wstring_view::npos ? L'\0' : text[first];
+  if (sign == L'{' || sign == L'[') return ZoJson::parse(text.view(), value) == ZoResult::ok;
+  if (sign != L'<') return value.parse(text) == 0;
+  ZoXMLClass document;
+  return document.parse(text) == ZoResult::ok && document.toVariant(value) == ZoResult::ok;
 }
 
 // The setting, in its place among others; empty for a class that none can have.
@@ -111,7 +123,7 @@ int ZoStdStandardMgr::addOpenFile(ZoFile& file, const ZoFileName& called, const 
   ZoString text;
   if (zoReadText(file, text) != ZoResult::ok) return ZoResult::refused;
   ZoVariant standards;
-  if (standards.parse(text) != 0) return ZoResult::invalid;
+  if (!readForm(text, standards)) return ZoResult::invalid;
   return addFrom(standards, module, called);
 }
 

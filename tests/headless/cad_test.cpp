@@ -50,9 +50,9 @@ std::wstring documentsOf(ZoCad& cad) {
 }
 
 TEST(Cad, EachDocumentHasItsGlobalsWhichEndWithIt) {
+  const auto cad = std::make_unique<ZoStdCad>();  // an installed service stays its owner's
   const Attached attached;
-  auto* const cad = new ZoStdCad;
-  ZoSystem::setCad(cad);
+  ZoSystem::setCad(cad.get());
   Notices notices(L"ZoDocument");
   ended.clear();
   EXPECT_EQ(cad->registerGlobals(new Globals(L"g")), 0);
@@ -135,8 +135,9 @@ TEST(Cad, WithoutAHostTheRestIsRefused) {
 }
 
 struct Host {
+  const std::unique_ptr<ZoHeadlessCad> owned = std::make_unique<ZoHeadlessCad>();
   const Attached attached;
-  ZoHeadlessCad& cad = *new ZoHeadlessCad;
+  ZoHeadlessCad& cad = *owned;
   ZoLayer& layers = ZoSystem::layer();
   Host() { ZoSystem::setCad(&cad); }
   ZoHnd add(const ZoVariant& object, const wchar_t* layer = L"0") {

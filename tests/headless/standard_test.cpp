@@ -5,6 +5,8 @@
 #include <zo/results.h>
 #include <zo/system.h>
 #include <zo/variant/variant.h>
+#include <zo/xml/json.h>
+#include <zo/xml/xml_class.h>
 
 #include <filesystem>
 #include <random>
@@ -13,6 +15,7 @@
 
 #include "headless/notices.h"
 #include "headless/standard_name.h"
+#include "support/registry_base.h"
 #include "support/temp_folder.h"
 #include "system/attached.h"
 
@@ -247,12 +250,29 @@ TEST(Standard, ComeFromFilesAndMembersOfLibrariesAndGoWithTheirModule) {
   EXPECT_EQ(file.view(), L"s.txt");
   notices.take();
 
+  const ZoVariant spacer = standard(L"SP 1", {{L"Edition", L"2"}});
+  const ZoFileName json(folder.path() / L"a.json"), xml(folder.path() / L"a.xml");
+  ZoXMLClass document;
+  ASSERT_EQ(ZoJson::save(json, spacer), 0);
+  ASSERT_EQ(ZoXMLClass::fromVariant(spacer, document), 0);
+  ASSERT_EQ(document.save(xml), 0);
+  for (const ZoFileName& form : {json, xml}) {
+    ZoVariant found;
+    EXPECT_EQ(standards.addFile(form, L"form"), 0) << narrow(form.view());
+    EXPECT_EQ(standards.getStandard(L"sp-1", found), 0);
+    EXPECT_EQ(found, spacer);
+    EXPECT_EQ(standards.remove(L"SP 1", L"form"), 0);
+  }
+  notices.take();
+
   const ZoFileName none(folder.path() / L"none.txt"), bad(folder.path() / L"bad.txt");
   ASSERT_EQ(zoSaveText(bad, L"Sequence [ Standard {} ]"), 0);
   EXPECT_EQ(standards.addFile(none, L"mine"), ZoResult::refused);
   EXPECT_EQ(standards.addFile(bad, L"mine"), ZoResult::invalid);
-  ASSERT_EQ(zoSaveText(bad, L"no value"), 0);
-  EXPECT_EQ(standards.addFile(bad, L"mine"), ZoResult::invalid);
+  for (const wchar_t* text : {L"no value", L"", L" ", L"{\"Name\": 1}", L"[", L"<a/>", L"<a"}) {
+    ASSERT_EQ(zoSaveText(bad, text), 0);
+    EXPECT_EQ(standards.addFile(bad, L"mine"), ZoResult::invalid) << narrow(text);
+  }
   EXPECT_EQ(standards.remove(L"ISO 4014:1999", L"mine"), ZoResult::refused);
   EXPECT_EQ(standards.remove(L"iso4014:2011", L"mine"), 0);
   EXPECT_EQ(notices.take(), L"ChangedDict{Module=mine,Names=Sequence[ISO 4014]}");
@@ -260,6 +280,27 @@ TEST(Standard, ComeFromFilesAndMembersOfLibrariesAndGoWithTheirModule) {
   ASSERT_EQ(released.put(L"Module", L"MINE"), 0);
   ASSERT_EQ(ZoSystem::sysDisp().sendNotice(ZoSysNotice::moduleReleased, released), 0);
   EXPECT_EQ(listed(standards, &ZoStandardMgr::find, ZoStandardFilter()), L"DIN 931|ISO 4014");
+}
+
+TEST(Standard, TheFavouriteOfAClassIsASetting) {
+  const Attached attached;
+  const zo::test::RegistryBase registry;
+  ASSERT_EQ(ZoSystem::cfg().init(registry.path().c_str(), nullptr), 0);
+  ZoStandardMgr& standards = ZoSystem::standardMgr();
+  ZoString name(L"kept");
+  EXPECT_EQ(standards.getPreferred(L"Bolts", name), 1);
+  EXPECT_EQ(name, L"kept");
+  EXPECT_EQ(standards.setPreferred(L"Bolts", L"ISO 4014"), 0);
+  EXPECT_EQ(standards.setPreferred(L"Bolts", L"ISO 4017"), 0);
+  EXPECT_EQ(standards.getPreferred(L"bolts", name), 0);
+  EXPECT_EQ(name, L"ISO 4017");
+  EXPECT_EQ(ZoSystem::cfg().get(L"standards@preferred@Bolts", L""), L"ISO 4017");
+  EXPECT_EQ(standards.setPreferred(L"Bolts", L""), 0);
+  EXPECT_EQ(standards.getPreferred(L"Bolts", name), 1);
+  for (const wchar_t* bad : {L"", L"a@b"}) {
+    EXPECT_EQ(standards.setPreferred(bad, L"x"), 1);
+    EXPECT_EQ(standards.getPreferred(bad, name), 1);
+  }
 }
 
 TEST(Standard, AHundredThousandAreFoundWhileAnotherThreadAdds) {

@@ -65,6 +65,13 @@ def values():
     for name in ("a.txt", "b.txt", "c.zoa", "d"):
         assert run("show", name, err="").decode() == PART, name
     assert run("convert", "c.zoa", "-", "--to", "text").decode() == PART
+    for form in ("json", "xml"):
+        run("convert", "c.zoa", f"e.{form}")
+        assert run("show", f"e.{form}").decode() == PART and answer("show", f"e.{form}")["form"] == form
+        run("set", f"e.{form}", "count", "4")
+        run("diff", "a.txt", f"e.{form}", code=1, out=r"\* count: Int 3 -> Int 4\n")
+    assert run("get", write("f.json", '{"a": [1, {"b": "x"}]}'), "a/1/b") == b"x\n"
+    assert answer("get", "f.json", "a")["value"] == [1, {"b": "x"}]
     assert run("convert", "a.txt", "-", "--to", "archive") == pathlib.Path("c.zoa").read_bytes()
     for path, text in (("bolts/0/length", "12.5"), ("BOLTS/0/name", 'M8 "x" ä'), ("bolts/1", "(1, 2.5, -3)"),
                        ("count", "3"), ("empty", ""), ("", PART[:-1])):
@@ -159,13 +166,15 @@ def hostile():
             code = subprocess.run(COMMAND + ["show", "x"], stdin=subprocess.DEVNULL, capture_output=True).returncode
             assert code in (0, 13), (name, bytes(cut), code)
     write("x", "Dict {\n\t\"a\" = Nothing\n}")
-    run("show", "x", code=13, err=r"zoval: x:2:8: no value in text form\n")
+    run("show", "x", code=13, err=r"zoval: x: line 2, column 8: no value in text form\n")
     write("x", "Sequence [" * 300 + "]" * 300)
     run("show", "x", code=13)
     write("x", struct.pack("<II", 0x2700, 9) * 300)
     run("show", "x", code=13)
     write("x", struct.pack("<IIi", 0x2100, 1, 7) * 2)
     run("show", "x", code=13, err="zoval: x: 12 bytes are left behind the value; .*")
+    for text in ('{"a": 1, "A": 2}', "[1", "<a>", "<a/>", '<!DOCTYPE a [<!ENTITY b "c">]><a>&b;</a>'):
+        run("show", write("x", text), code=13, err="zoval: x: .+")
     for empty in (b"", b"\xef\xbb\xbf", bytes(7)):
         run("show", write("x", empty), code=13)
 

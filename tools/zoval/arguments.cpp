@@ -16,7 +16,8 @@ using zolib::Console;
 using zolib::ExitCode;
 
 constexpr const char* kGeneralHelp =
-    "A value lies in a file in text form or as an archive, or in a member of a library.\n"
+    "A value lies in a file in text form, as an archive, in XML or JSON, or in a member of a\n"
+    "library.\n"
     "\n"
     "Exit codes: 0 ok, 1 values differ, or done with warnings, 2 failed, 7 usage, 10 not found,\n"
     "11 locked, 13 no value or damaged, 130 cancelled.\n"
@@ -64,7 +65,7 @@ constexpr Verb kVerbs[] = {
      "  zoval diff old.lib new.lib --member m8.zoa --any-order --json\n"},
     {"convert", "Write a value in another form", convert, kSecond | kWrites,
      "The file to write; - is standard output",
-     "  zoval convert part.txt part.zoa\n"
+     "  zoval convert part.txt part.json\n"
      "  zoval convert part.zoa - --to text\n"},
     {"graph", "Draw a value for Graphviz", graph, 0, "",
      "  zoval graph part.zoa | dot -Tsvg >part.svg\n"
@@ -77,7 +78,8 @@ struct Raw {
 };
 
 std::string noForm(const std::string& text) {
-  return formNamed(zolib::toWide(text)) ? std::string() : text + " is no form: text, archive";
+  return formNamed(zolib::toWide(text)) ? std::string()
+                                        : text + " is no form: text, archive, xml, json";
 }
 
 std::string noTolerance(const std::string& text) {
@@ -110,11 +112,12 @@ class ZovalCommandLine final : public CommandLine {
           ->type_name("");
     if (verb.takes & kSecond) addText(sub, "OTHER", raw_.second, verb.second, "")->required();
     addText(sub, "-m,--member", raw_.member, "The member, where a file is a library", "NAME");
-    sub.add_option("--from", raw_.from, "The form to read: text, archive; else it is found")
+    sub.add_option("--from", raw_.from,
+                   "The form to read: text, archive, xml, json; else it is found")
         ->check(noForm)
         ->type_name("FORM");
     if (name == "convert")
-      sub.add_option("--to", raw_.to, "The form to write; else by .txt, .zov, .zoa")
+      sub.add_option("--to", raw_.to, "The form to write; else by .txt, .zov, .zoa, .xml, .json")
           ->check(noForm)
           ->type_name("FORM");
     if (name == "diff") addDiff(sub);

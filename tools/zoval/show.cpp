@@ -1,4 +1,6 @@
 // show and get: values as text.
+#include <zo/xml/json.h>
+
 #include "../zolib/text.h"
 #include "value_file.h"
 #include "verbs.h"
@@ -18,6 +20,9 @@ void tell(const ZoVariant& value, const std::string& text, const ValueFile& file
   json["flags"] = toUtf8(ZoType::flagsToString(value.flags()));
   if (value.asDict() || value.asSequence()) json["entries"] = value.entries();
   json["text"] = text;
+  ZoString form;
+  if (ZoJson::format(value, form, ZoJson::kCompact) == 0)
+    json["value"] = zolib::Json::parse(toUtf8(form.view()));
 }
 
 bool formOfValue(const ZoVariant& value, std::string& text, Report& report) {

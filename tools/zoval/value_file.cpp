@@ -8,6 +8,8 @@
 #include <zo/persist/memory_archive.h>
 #include <zo/results.h>
 #include <zo/system/exception.h>
+#include <zo/xml/json.h>
+#include <zo/xml/xml_class.h>
 
 #include <algorithm>
 #include <cstring>
@@ -25,13 +27,21 @@ using zolib::toUtf8;
 constexpr struct {
   Form form;
   const wchar_t* name;
-} kForms[] = {{Form::kText, L"text"}, {Form::kArchive, L"archive"}};
+  const wchar_t* extension;
+} kForms[] = {{Form::kText, L"text", L".zov"},
+              {Form::kArchive, L"archive", L".zoa"},
+              {Form::kXml, L"xml", L".xml"},
+              {Form::kJson, L"json", L".json"}};
 
 // An archive of a variant begins with its type code, a small number in four bytes; a text, in any
 // encoding, has no two zeros there.
-Form formOf(std::string_view head) {
-  const bool isArchive = head.size() >= 8 && head[2] == 0 && head[3] == 0;
-  return isArchive ? Form::kArchive : Form::kText;
+bool isArchive(std::string_view head) { return head.size() >= 8 && head[2] == 0 && head[3] == 0; }
+
+// Of the texts the first sign tells.
+Form formOfText(std::wstring_view text) {
+  const std::size_t first = text.find_first_not_of(L" \t\r\n");
+  const wchar_t sign = first == text.npos ? L'\0' : text[first];
+  return sign == L'<' ? Form::kXml : sign == L'{' || sign == L'[' ? Form::kJson : Form::kText;
 }
 
 struct Place {
@@ -46,17 +56,35 @@ Place placeOf(std::wstring_view text, unsigned int end) {
   return place;
 }
 
-bool readText(ZoFile& open, ValueFile& file, Report& report) {
+// Empty when it is read, else what is wrong, with its place.
+std::string parse(std::wstring_view text, Form form, ZoVariant& value) {
+  if (form == Form::kText) {
+    unsigned int end = 0;
+    if (value.parse(text, &end) == 0) return {};
+    const Place place = placeOf(text, end);
+    return "line " + std::to_string(place.line) + ", column " + std::to_string(place.column) +
+           ": no value in text form";
+  }
+  if (form == Form::kJson) {
+    ZoJsonError error;
+    return ZoJson::parse(text, value, &error) == 0 ? std::string() : toUtf8(error.message().view());
+  }
+  ZoXMLClass document;
+  if (document.parse(text) == 0 && document.toVariant(value) == 0) return {};
+  const std::string said = toUtf8(document.error().message().view());
+  return said.empty() ? "no value in XML" : said;
+}
+
+bool readText(ZoFile& open, const Options& options, ValueFile& file, Report& report) {
   ZoString text;
-  unsigned int end = 0;
   if (zoReadText(open, text) != ZoResult::ok) {
     report.fail(zolib::kFailed, "cannot read " + file.shown + because());
     return false;
   }
-  if (file.value.parse(text, &end) == 0) return true;
-  const Place place = placeOf(text, end);
-  report.fail(zolib::kDamaged, file.shown + ":" + std::to_string(place.line) + ":" +
-                                   std::to_string(place.column) + ": no value in text form");
+  file.form = formNamed(options.from).value_or(formOfText(text));
+  const std::string fault = parse(text, file.form, file.value);
+  if (fault.empty()) return true;
+  report.fail(zolib::kDamaged, file.shown + ": " + fault);
   return false;
 }
 
@@ -94,8 +122,9 @@ bool readOpen(ZoFile& open, const Options& options, ValueFile& file, Report& rep
     report.fail(zolib::kFailed, "cannot read " + file.shown + because());
     return false;
   }
-  file.form = formNamed(options.from).value_or(formOf(std::string_view(head, got)));
-  return file.form == Form::kText ? readText(open, file, report) : readArchive(open, file, report);
+  const bool isBinary = options.from.empty() ? isArchive({head, got}) : options.from == L"archive";
+  file.form = Form::kArchive;
+  return isBinary ? readArchive(open, file, report) : readText(open, options, file, report);
 }
 
 bool isLibrary(ZoFile& open) {
@@ -170,8 +199,9 @@ std::string nameOf(Form form) {
 
 std::optional<Form> formOf(std::wstring_view fileName) {
   const std::wstring name = zolib::folded(fileName);
-  if (name.ends_with(L".txt") || name.ends_with(L".zov")) return Form::kText;
-  if (name.ends_with(L".zoa")) return Form::kArchive;
+  if (name.ends_with(L".txt")) return Form::kText;
+  for (const auto& each : kForms)
+    if (name.ends_with(each.extension)) return each.form;
   return std::nullopt;
 }
 
@@ -196,17 +226,28 @@ bool readValue(const std::wstring& path, const Options& options, ValueFile& file
   return readMember(options, file, report);
 }
 
+namespace {
+
+bool textOf(const ZoVariant& value, Form form, ZoString& text) {
+  if (form == Form::kText) return value.format(text) == 0;
+  if (form == Form::kJson) return ZoJson::format(value, text) == 0;
+  ZoXMLClass document;
+  return ZoXMLClass::fromVariant(value, document) == 0 && document.write(text) == 0;
+}
+
+}  // namespace
+
 bool encode(const ZoVariant& value, Form form, std::string& bytes, Report& report) {
-  if (form == Form::kText) {
-    ZoString text;
-    if (value.format(text) == 0) {
-      bytes = toUtf8(text.view()) + "\n";
-      return true;
-    }
-  } else if (!value.isTooDeep()) {
+  ZoString text;
+  if (form == Form::kArchive && !value.isTooDeep()) {
     ZoMemoryWriteArchive archive;
     archive << value;
     bytes.assign(reinterpret_cast<const char*>(archive.bytes().data()), archive.bytes().size());
+    return true;
+  }
+  if (form != Form::kArchive && textOf(value, form, text)) {
+    bytes = toUtf8(text.view());
+    if (!bytes.ends_with('\n')) bytes += '\n';
     return true;
   }
   report.fail(zolib::kFailed,

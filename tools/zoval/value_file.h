@@ -1,4 +1,4 @@
-// A value in a file, or in a member of a library: text form or archive.
+// A value in a file, or in a member of a library: text form, archive, XML or JSON.
 #pragma once
 
 #include <zo/variant/variant.h>
@@ -15,10 +15,11 @@ namespace zoval {
 using zolib::Report;
 
 // The forms in which values are stored, and the words for them.
-enum class Form { kText, kArchive };
+enum class Form { kText, kArchive, kXml, kJson };
 [[nodiscard]] std::optional<Form> formNamed(std::wstring_view name);
 [[nodiscard]] std::string nameOf(Form form);
-// By the extension of a file's name: .txt and .zov are text, .zoa is an archive.
+// By the extension of a file's name: .txt and .zov are text, .zoa is an archive, .xml and .json
+// what they say.
 [[nodiscard]] std::optional<Form> formOf(std::wstring_view fileName);
 
 struct ValueFile {

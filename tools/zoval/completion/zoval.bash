@@ -9,7 +9,7 @@ _zoval() {
     return
   fi
   case $previous in
-    --from | --to) mapfile -t COMPREPLY < <(compgen -W 'text archive' -- "$current"); return ;;
+    --from | --to) mapfile -t COMPREPLY < <(compgen -W 'text archive xml json' -- "$current"); return ;;
     -m | --member | --path | --tolerance) return ;;
   esac
   if [[ $current == -* ]]; then
