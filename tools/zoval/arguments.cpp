@@ -14,6 +14,7 @@ using zolib::addText;
 using zolib::CommandLine;
 using zolib::Console;
 using zolib::ExitCode;
+using zolib::Text;
 
 constexpr const char* kGeneralHelp =
     "A value lies in a file in text form, as an archive, in XML or JSON, or in a member of a\n"
@@ -29,7 +30,7 @@ constexpr const char* kGeneralHelp =
     "\n"
     "`zoval help VERB` has the options and examples of a verb, the manual page zoval(1) all.\n";
 
-constexpr const char* kVerboseHelp = "Name each file that is written";
+constexpr Text kVerboseHelp{0, "Name each file that is written"};
 
 enum Takes : unsigned int {
   kPath = 0x1,  // a path in the value
@@ -91,17 +92,18 @@ std::string noTolerance(const std::string& text) {
 class ZovalCommandLine final : public CommandLine {
  public:
   explicit ZovalCommandLine(Console& console)
-      : CommandLine(console, options_, "Shows, compares and changes stored values.", kGeneralHelp) {
+      : CommandLine(console, options_, {0, "Shows, compares and changes stored values."},
+                    {0, kGeneralHelp}) {
     for (const Verb& verb : kVerbs) add(verb);
     addHelp(kVerboseHelp);
   }
 
  private:
   void add(const Verb& verb) {
-    CLI::App& sub = *app().add_subcommand(verb.name, verb.summary);
+    CLI::App& sub = addVerb(verb.name, {0, verb.summary});
     sub.footer(std::string("Examples:\n") + verb.examples);
     const std::string_view name = verb.name;
-    addText(sub, "FILE", raw_.file, "The file, or library", "")->required();
+    addText(sub, "FILE", raw_.file, {0, "The file, or library"}, "")->required();
     if (verb.takes & kPath)
       sub.add_option("PATH", raw_.path, "Keys and positions with slashes between them")
           ->required()
@@ -110,8 +112,8 @@ class ZovalCommandLine final : public CommandLine {
       sub.add_option("VALUE", raw_.value, "A number, a text, or a value in text form")
           ->required()
           ->type_name("");
-    if (verb.takes & kSecond) addText(sub, "OTHER", raw_.second, verb.second, "")->required();
-    addText(sub, "-m,--member", raw_.member, "The member, where a file is a library", "NAME");
+    if (verb.takes & kSecond) addText(sub, "OTHER", raw_.second, {0, verb.second}, "")->required();
+    addText(sub, "-m,--member", raw_.member, {0, "The member, where a file is a library"}, "NAME");
     sub.add_option("--from", raw_.from,
                    "The form to read: text, archive, xml, json; else it is found")
         ->check(noForm)
@@ -123,7 +125,8 @@ class ZovalCommandLine final : public CommandLine {
     if (name == "diff") addDiff(sub);
     if (name == "graph") {
       sub.add_option("--path", raw_.path, "Only what lies there")->type_name("PATH");
-      addText(sub, "-o,--output", raw_.output, "The file to write; else standard output", "FILE");
+      addText(sub, "-o,--output", raw_.output, {0, "The file to write; else standard output"},
+              "FILE");
     }
     if (verb.takes & kWrites)
       sub.add_flag("--dry-run", options_.dryRun, "Only show what would be done");
