@@ -1,9 +1,9 @@
 // Layers and standards beside a dictionary, and `zoval diff` beside what a script does.
 //
 // The tool runs in this process, by its own code from the command line on: the start of a program
-// under Wine would drown the rest. Its peer is a native Python, measured by headless_peers.py in the
-// same run of bench/run without what its own start takes. That script also makes the data, in the
-// folder that ZO_BENCH_DATA names.
+// under Wine would drown the rest. Its peer is a native Python, measured by headless_peers.py in
+// the same run of bench/run without what its own start takes. That script also makes the data, in
+// the folder that ZO_BENCH_DATA names.
 #include <benchmark/benchmark.h>
 #include <windows.h>
 #include <zo_com.h>

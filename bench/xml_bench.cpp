@@ -1,4 +1,5 @@
-// XML documents beside the platform's DOM called directly; pugixml shows what that DOM cannot reach.
+// XML documents beside the platform's DOM called directly; pugixml shows what that DOM cannot
+// reach.
 #include <benchmark/benchmark.h>
 #include <msxml2.h>
 #include <oleauto.h>

@@ -1,6 +1,6 @@
-// Any text as a URL, a redirect, what a download cache knows of a copy, and a manifest of media: what
-// is taken is printed in one way that is taken again, holds nothing that could end a line of a request, and never leads
-// from https to http.
+// Any text as a URL, a redirect, what a download cache knows of a copy, and a manifest of media:
+// what is taken is printed in one way that is taken again, holds nothing that could end a line of a
+// request, and never leads from https to http.
 #include <algorithm>
 #include <string>
 

@@ -7,14 +7,14 @@
 #pragma once
 
 #include <zo/attach/life_cycle.h>
-#include <zo/search/std_file_open.h>
-#include <zo/search/std_file_search.h>
-#include <zo/search/std_macro_lib.h>
 #include <zo/files/std_file_system.h>
 #include <zo/headless/headless_cad.h>
 #include <zo/headless/std_layer.h>
 #include <zo/headless/std_standard_mgr.h>
 #include <zo/messages/std_message.h>
+#include <zo/search/std_file_open.h>
+#include <zo/search/std_file_search.h>
+#include <zo/search/std_macro_lib.h>
 #include <zo/system/cad.h>
 #include <zo/system/cfg.h>
 #include <zo/system/codepage.h>

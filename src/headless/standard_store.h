@@ -1,7 +1,7 @@
 // The standards that are there, by name, edition and module.
 //
-// Threads: const functions any; the others one at a time, beside readers. What is given out is never
-//          changed, and has texts of its own.
+// Threads: const functions any; the others one at a time, beside readers. What is given out is
+//          never changed, and has texts of its own.
 #pragma once
 
 #include <zo/names/file_name.h>

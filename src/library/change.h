@@ -58,8 +58,8 @@ class Change {
   [[nodiscard]] int setValue(std::uint64_t value);
   // Cuts the file, which makes all entries from there on go.
   [[nodiscard]] int cutTo(std::uint64_t size);
-  // Puts a complete and locked file, which stands at `place`, where the library's file is. 1006 when
-  // others have that open.
+  // Puts a complete and locked file, which stands at `place`, where the library's file is. 1006
+  // when others have that open.
   [[nodiscard]] int replaceBy(DiskFile copy, FreshFile& place, const SystemPath& library);
   // Whether others have the library's file open, so that it cannot be replaced. The library is
   // closed when its file cannot be opened again: 1.

@@ -17,7 +17,8 @@ static_assert(ZoLibEntry::kScanEnds == kEndsScan && ZoLibEntry::kCompressed == k
 bool isAscii(wchar_t unit) { return unit < 0x7F; }
 
 // Whether an entry's name is the wanted one, which is in ASCII: nearly always told by comparing
-// bytes, up to what may be an escape. Every ANSI code page has the ASCII characters in their places.
+// bytes, up to what may be an escape. Every ANSI code page has the ASCII characters in their
+// places.
 bool isNamed(std::string_view bytes, std::wstring_view wanted) {
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     const wchar_t unit = static_cast<unsigned char>(bytes[i]);

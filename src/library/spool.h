@@ -1,7 +1,7 @@
 // Bytes on their way that are kept: in memory, or in a temporary file when they are too many.
 //
-// Errors:  false; the platform's reason is reported to the file-system service. Memory that runs out
-//          is such a failure.
+// Errors:  false; the platform's reason is reported to the file-system service. Memory that runs
+//          out is such a failure.
 // Threads: one at a time.
 #pragma once
 

@@ -33,7 +33,8 @@ struct CacheMark {
 [[nodiscard]] bool parseCacheMark(std::string_view text, CacheMark& mark);
 inline constexpr std::size_t kMaxMarkBytes = std::size_t{16} << 10;
 
-// Which of the cache's files a name in its folder is: all of them begin with the 32 digits of a key.
+// Which of the cache's files a name in its folder is: all of them begin with the 32 digits of a
+// key.
 enum class CacheFile { other, mark, copy, unfinished };
 [[nodiscard]] CacheFile cacheFileOf(std::wstring_view name) noexcept;
 inline constexpr std::size_t kKeyDigits = 32;

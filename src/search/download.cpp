@@ -36,8 +36,8 @@ std::string markOf(const HttpRequest& request, DWORD which) {
   return isMark(mark) ? mark : std::string();
 }
 
-// Whatever a server sends is an answer 200 to some platforms, after the oldest form of the protocol;
-// but a head that is one has lines.
+// Whatever a server sends is an answer 200 to some platforms, after the oldest form of the
+// protocol; but a head that is one has lines.
 bool hasHead(const HttpRequest& request) {
   const std::wstring head = request.header(HTTP_QUERY_RAW_HEADERS_CRLF);
   const std::size_t first = head.find(L"\r\n");

@@ -1,4 +1,5 @@
-// std::format of the library's values, for a compiler whose standard library has it: GCC 12's does not. Compiled only.
+// std::format of the library's values, for a compiler whose standard library has it: GCC 12's does
+// not. Compiled only.
 #include <zo/geometry.h>
 #include <zo/strings.h>
 

@@ -186,8 +186,8 @@ void startHeap() {
   watchModules();
 }
 
-// Ahead of the constructors of all other objects of the program. (Visual C++ needs the guarded heap of
-// its own runtime instead: this one is for GCC.)
+// Ahead of the constructors of all other objects of the program. (Visual C++ needs the guarded heap
+// of its own runtime instead: this one is for GCC.)
 struct Starter {
   Starter() { startHeap(); }
 };

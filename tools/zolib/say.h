@@ -14,8 +14,9 @@
 namespace zolib {
 
 // A text by its number, with its English in UTF-8, which zolib.msg repeats (a test compares them):
-// %1 is the first of what is filled in, %% a percent sign, and so on (docs/formats/message-file.md).
-// A number never gets another meaning; what has number 0 is said in English only.
+// %1 is the first of what is filled in, %% a percent sign, and so on
+// (docs/formats/message-file.md). A number never gets another meaning; what has number 0 is said in
+// English only.
 struct Text {
   int number;
   const char* english;

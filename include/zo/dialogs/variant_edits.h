@@ -41,9 +41,9 @@ class ZO_COM_API ZoVariantEdits {
 
   // ---- Edits: each can be undone ----
   // The value from a text as the user types it, into the kind and code that are there: by the units
-  // service where the code is physical; "true" and "false" or a number for Bool; a whole GUID, point
-  // or vector as ZoVariant reads it. An empty variant becomes a text. A container is refused. What
-  // textOf() gives for the present value changes nothing, however it was rounded.
+  // service where the code is physical; "true" and "false" or a number for Bool; a whole GUID,
+  // point or vector as ZoVariant reads it. An empty variant becomes a text. A container is refused.
+  // What textOf() gives for the present value changes nothing, however it was rounded.
   [[nodiscard]] int setText(std::wstring_view path, std::wstring_view text);
   // Any value in the place of what is there; flags are the new value's.
   [[nodiscard]] int setValue(std::wstring_view path, ZoVariant value);

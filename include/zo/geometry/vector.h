@@ -94,8 +94,8 @@ class ZoVector {
   // The same, into `out`, which on 1 stays as it was.
   [[nodiscard]] int normal(ZoVector& out) const noexcept;
 
-  // A vector perpendicular to this one: (z^2 - y, z^2 + x, -(x + y) z). Kept on purpose, though it is
-  // zero for some vectors, such as (-1, 1, 1): test the length of the result.
+  // A vector perpendicular to this one: (z^2 - y, z^2 + x, -(x + y) z). Kept on purpose, though it
+  // is zero for some vectors, such as (-1, 1, 1): test the length of the result.
   [[nodiscard]] constexpr ZoVector perpend() const noexcept {
     return {z * z - y, z * z + x, -(x + y) * z};
   }

@@ -1,7 +1,7 @@
 // The standard standards manager: keeps in memory what modules add. It begins without standards.
 //
-// Errors, Threads, Cost: as in zo/system/standard_mgr.h. The settings are those of the configuration
-//          service.
+// Errors, Threads, Cost: as in zo/system/standard_mgr.h. The settings are those of the
+//          configuration service.
 #pragma once
 
 #include <zo/system/standard_mgr.h>

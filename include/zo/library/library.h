@@ -7,8 +7,9 @@
 //   if (code != 0) return code;
 //   return library.extractFile(L"bolts/m8.dwg", L"C:\\out\\m8.dwg");
 //
-// Names    are kept as they are given, and compared ignoring case. They have 1 to 65535 bytes in the
-//          system's ANSI code page, with seven for each unit that it does not hold. If a file holds more than one live member of a name, the first counts.
+// Names    are kept as they are given, and compared ignoring case. They have 1 to 65535 bytes in
+//          the system's ANSI code page, with seven for each unit that it does not hold. If a file
+//          holds more than one live member of a name, the first counts.
 // Promise  after a killed process, a full disk, an I/O error or a cancelled call at any instant,
 //          every member that was complete before the call is intact, and the call is wholly done
 //          or wholly absent. docs/formats/library.md has the order of writes that keeps it.
@@ -223,9 +224,9 @@ class ZO_COM_API ZoLibrary {
   // ---- The file as a whole ----
   // Rewrites the file without deleted members, beside itself, and replaces it in one step. Where
   // the platform replaces no file that others have open, it waits for them and tries again, as long
-  // as the time-out that the library was opened with, as physical deletion does; 1006 when they have
-  // it even then, and all is as it was. Elsewhere they keep the old file until they open the library
-  // again.
+  // as the time-out that the library was opened with, as physical deletion does; 1006 when they
+  // have it even then, and all is as it was. Elsewhere they keep the old file until they open the
+  // library again.
   [[nodiscard]] int reorganize();
   // The 64-bit value that a library keeps for its users. checkSum answers 0 when it is not open.
   [[nodiscard]] std::uint64_t checkSum();

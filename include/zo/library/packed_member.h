@@ -9,8 +9,8 @@
 //
 // Errors:  0, or 1: what was to be read or kept could not be, or the call was cancelled; the
 //          packed member is then empty. Nothing throws but std::bad_alloc.
-// Threads: an object is for one thread at a time; none takes the lock of the libraries. No thread is
-//          started.
+// Threads: an object is for one thread at a time; none takes the lock of the libraries. No thread
+//          is started.
 // Cost:    a packed member has up to 8 MiB of memory; what it holds beyond that is in a temporary
 //          file, which goes with it. While a packer packs, it has the memory that memoryFor tells;
 //          between, at most 64 MiB of it.
@@ -67,7 +67,8 @@ class ZO_COM_API ZoPacker {
   ~ZoPacker();
 
   // Packs a file; what is left of a file object or of a stream in binary mode, from its position
-  // on; bytes in memory. `mode` and `level` as in ZoLibrary::addFile. What `packed` held is dropped.
+  // on; bytes in memory. `mode` and `level` as in ZoLibrary::addFile. What `packed` held is
+  // dropped.
   [[nodiscard]] int pack(const ZoFileName& source, ZoPackedMember& packed,
                          ZoLibrary::compMode mode = ZoLibrary::kCompress,
                          int level = ZoLibrary::kNormal);

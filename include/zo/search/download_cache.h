@@ -25,9 +25,10 @@
 //          file wait for the one that fetches it. Files in the folder that are not the cache's are
 //          left alone.
 //
-// Errors:  0; 1 failed; 3 no URL that is served here (http and https are); and the codes of open_results.h.
-//          After all but 0 errorTxt() says why, and a name that was to be filled is as it was, but
-//          with `stale`. Nothing throws but std::bad_alloc and what a watcher throws.
+// Errors:  0; 1 failed; 3 no URL that is served here (http and https are); and the codes of
+//          open_results.h. After all but 0 errorTxt() says why, and a name that was to be filled is
+//          as it was, but with `stale`. Nothing throws but std::bad_alloc and what a watcher
+//          throws.
 // Threads: any, but open() before all else.
 // Cost:    a young copy costs a look at its file (and, once in an object's life, its checksum).
 #pragma once

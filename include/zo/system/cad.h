@@ -11,8 +11,8 @@
 //          closed has no globals any more.
 // Errors:  0 success; 1 refused: no host that could do it, the guard was not obtained within
 //          timeOut(), null, a name that is taken or not there; 2 out of memory. Nothing has changed
-//          then. Only std::bad_alloc, what the globals throw, and what reactors throw at a notice is
-//          thrown; after the latter it has happened all the same.
+//          then. Only std::bad_alloc, what the globals throw, and what reactors throw at a notice
+//          is thrown; after the latter it has happened all the same.
 // Threads: any.
 #pragma once
 

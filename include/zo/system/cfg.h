@@ -14,9 +14,9 @@
 // Cost:    every operation opens what it reads and closes it again.
 #pragma once
 
+#include <zo/config.h>
 #include <zo/platform_types.h>
 #include <zo/results.h>
-#include <zo/config.h>
 #include <zo/system/sys_obj.h>
 #include <zo/text/string.h>
 #include <zo/variant/variant.h>

@@ -4,10 +4,10 @@
 //   ZoFile file;
 //   if (const int code = ZoSystem::fileOpen().open(L"cd://Parts 2026/bolts/m8.dwg", file)) ...
 //
-// Discs    cd://label/path is a file of the disc with that label. While no drive has it, the user is
-//          asked for it (setMediaPrompt). A disc with a manifest is checked once for each time that
-//          it is put in, and a file of one that is not right is not opened. A disc without one is
-//          opened as it is.
+// Discs    cd://label/path is a file of the disc with that label. While no drive has it, the user
+//          is asked for it (setMediaPrompt). A disc with a manifest is checked once for each time
+//          that it is put in, and a file of one that is not right is not opened. A disc without one
+//          is opened as it is.
 // Media    are folders with all that is below them, as a rule the root of a disc. The manifest
 //          "zomedia.txt" in it lists size and keyed checksum of every file (zo/persist/check_sum.h
 //          says what that is good for), and has a sum itself; docs/media.md describes it. Files

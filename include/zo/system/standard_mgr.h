@@ -7,21 +7,21 @@
 // A standard is a dictionary of code ZoTypeCode::Standard: docs/standards.md has its keys and the
 // form of files. Modules add standards under their name, and they go with the module.
 //
-// Names    are found under every usual spelling: case, blanks, hyphens, slashes and leading zeros do
-//          not count ("iso4014", "ISO-04014"), but between two numbers there is a sign ("ISO 286-1"
-//          is "iso 286 1", and not "ISO 2861"). An international standard is found under the names
-//          of those who adopted it, and these under its name ("DIN EN ISO 4014" and "ISO 4014"),
-//          unless both are there.
+// Names    are found under every usual spelling: case, blanks, hyphens, slashes and leading zeros
+//          do not count ("iso4014", "ISO-04014"), but between two numbers there is a sign ("ISO
+//          286-1" is "iso 286 1", and not "ISO 2861"). An international standard is found under the
+//          names of those who adopted it, and these under its name ("DIN EN ISO 4014" and "ISO
+//          4014"), unless both are there.
 // Editions stand behind a colon: "ISO 4014:2011". Without one the newest is meant; "ISO 4014-2011"
 //          is an edition where it is no part.
 // Of several modules that added the same edition, the one that did so last comes first.
-// Notice:  "ZoStandardsChanged" with "Module" and, as a sequence, the "Names" that came or went, one
-//          for each call that changed something, when it is done and no lock is held.
-// Errors:  0 success. ZoResult::refused: no such standard, edition, table, size, file or setting, or
-//          the guard was not obtained within timeOut(). ZoResult::invalid: no value of a standard.
-//          standardCircle as said. What was to be filled stays as it was, and nothing has changed.
-//          Nothing throws but std::bad_alloc, and what reactors throw at the notice: the change
-//          stands then.
+// Notice:  "ZoStandardsChanged" with "Module" and, as a sequence, the "Names" that came or went,
+//          one for each call that changed something, when it is done and no lock is held.
+// Errors:  0 success. ZoResult::refused: no such standard, edition, table, size, file or setting,
+//          or the guard was not obtained within timeOut(). ZoResult::invalid: no value of a
+//          standard. standardCircle as said. What was to be filled stays as it was, and nothing has
+//          changed. Nothing throws but std::bad_alloc, and what reactors throw at the notice: the
+//          change stands then.
 // Threads: any. Looking up never waits for the standard service's guard.
 // Cost:    looking up is O(1) and copies what it gives; find looks at all standards.
 #pragma once
@@ -87,8 +87,8 @@ class ZO_COM_API ZoStandardMgr : public ZoSysObj {
   // The nominal sizes, by the numbers in them: M4, M8, M10. An empty table is the only one.
   [[nodiscard]] virtual int getSizes(const ZoString& name, const ZoString& table,
                                      ZoSequence<ZoString>& sizes);
-  // The dimensions of a nominal size, in any spelling, or as the number in it where that is the only
-  // one: "M8", "m 8", "8".
+  // The dimensions of a nominal size, in any spelling, or as the number in it where that is the
+  // only one: "M8", "m 8", "8".
   [[nodiscard]] virtual int getRow(const ZoString& name, const ZoString& table,
                                    const ZoString& size, ZoVariant& row);
 

@@ -9,9 +9,9 @@
 // The guard is made when it is first waited for, or asked for by guard() or a copy.
 //
 // A copy shares its source's guard: it holds the same three handles, and no kernel objects are
-// made but for a source that had none yet. Each destructor closes what its object holds, so all copies but one must give the handles
-// up first (guard() = {}), and the source must outlive the use of them. An assignment forgets the
-// handles of its target, without closing them.
+// made but for a source that had none yet. Each destructor closes what its object holds, so all
+// copies but one must give the handles up first (guard() = {}), and the source must outlive the use
+// of them. An assignment forgets the handles of its target, without closing them.
 //
 // Errors:  a wait for a guard that cannot be made answers ZoResult::refused, and so does every one
 //          where the handles were given up. Nothing here throws.
