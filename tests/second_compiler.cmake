@@ -6,7 +6,7 @@ if(ZO_CLANG AND ZO_PYTHON AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   add_test(NAME second_compiler.ClangTakesEverySourceWithoutAWarning
            COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/second_compiler.py ${ZO_CLANG} ${PROJECT_BINARY_DIR}
                    ${PROJECT_SOURCE_DIR})
-  set_tests_properties(second_compiler.ClangTakesEverySourceWithoutAWarning PROPERTIES TIMEOUT 600 PROCESSORS 2)
+  set_tests_properties(second_compiler.ClangTakesEverySourceWithoutAWarning PROPERTIES TIMEOUT 1500 PROCESSORS 2)
   add_test(NAME second_compiler.SlotsAreTheSameUnderVisualCppsRules
            COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/slots/check.py ${ZO_CLANG} ${CMAKE_CXX_COMPILER}
                    ${CMAKE_CURRENT_SOURCE_DIR}/slots/classes.cpp ${PROJECT_SOURCE_DIR}/include

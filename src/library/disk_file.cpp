@@ -47,6 +47,11 @@ void DiskFile::take(OpenFile file) noexcept {
 
 bool DiskFile::close() noexcept { return file_.close() || reportFailure(L"close"); }
 
+bool DiskFile::isEmpty() const noexcept {
+  std::int64_t size = -1;
+  return fileApi().size(file_.get(), size) && size == 0;
+}
+
 bool DiskFile::look(Signature& signature) noexcept {
   std::int64_t size = 0;
   FILETIME written;

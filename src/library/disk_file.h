@@ -33,6 +33,8 @@ class DiskFile final : public ByteStore {
   [[nodiscard]] bool isOpen() const noexcept { return static_cast<bool>(file_); }
   [[nodiscard]] bool close() noexcept;
 
+  // False, too, where that cannot be asked.
+  [[nodiscard]] bool isEmpty() const noexcept;
   // As the file is now.
   [[nodiscard]] bool look(Signature& signature) noexcept;
   // Moves the time of the last write on. Without it a change within the platform's grain of time,

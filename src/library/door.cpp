@@ -125,8 +125,10 @@ int LibraryDoor::openFile(Opening& opening) {
   SetLastError(ERROR_SUCCESS);
   const bool isOpened = opening.writes ? file.openToWrite(system, opening.disposition)
                                        : file.openToRead(system, opening.disposition);
-  const bool isMade = opening.disposition == CREATE_NEW ||
-                      (opening.disposition == OPEN_ALWAYS && GetLastError() == ERROR_SUCCESS);
+  bool isMade = opening.disposition == CREATE_NEW ||
+                (opening.disposition == OPEN_ALWAYS && GetLastError() == ERROR_SUCCESS);
+  // The error alone is not trusted with a file that may go again.
+  if (isOpened && isMade) isMade = file.isEmpty();
   if (isOpened && !opening.writes) return ZoResult::ok;
   if (isOpened) {
     if (file.lock()) return makeNew(opening, system, isMade);

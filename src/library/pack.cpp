@@ -132,7 +132,8 @@ class Packing {
 
 FileSource::FileSource(ZoFile& file) : file_(file), begin_(file.currentPos()) {
   const std::int64_t end = file.size();
-  if (begin_ >= 0 && end >= 0) size_ = static_cast<std::uint64_t>(std::max(end, begin_) - begin_);
+  knowsSize_ = begin_ >= 0 && end >= 0;
+  if (knowsSize_) size_ = static_cast<std::uint64_t>(std::max(end, begin_) - begin_);
   constexpr std::uint64_t kLeast = 4096;  // files that do not tell their size have some
   buffer_.resize(static_cast<std::size_t>(std::clamp<std::uint64_t>(size_, kLeast, kPiece)));
 }
@@ -142,11 +143,13 @@ bool FileSource::restart() {
   return file_.seek(begin_) == begin_;
 }
 
-// Fewer bytes than it said are all that it has when the file says so now.
+// Fewer bytes than it said are all that it has when the file says so now. One that never tells its
+// size ends where it gives nothing more; one that did not do so at first is asked again.
 bool FileSource::hasEnded() {
-  if (given_ >= size_) return true;
+  if (knowsSize_ && given_ >= size_) return true;
   const std::int64_t end = file_.size();
-  return end >= 0 && static_cast<std::uint64_t>(std::max(end, begin_) - begin_) <= given_;
+  if (end < 0) return !knowsSize_;
+  return begin_ >= 0 && static_cast<std::uint64_t>(std::max(end, begin_) - begin_) <= given_;
 }
 
 bool FileSource::sample(std::uint64_t offset, std::span<unsigned char> to) {

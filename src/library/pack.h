@@ -42,6 +42,7 @@ class FileSource final : public MemberSource {
   ZoFile& file_;
   std::int64_t begin_;
   std::uint64_t size_ = 0, given_ = 0;
+  bool knowsSize_ = false;
   std::vector<unsigned char> buffer_;
 };
 

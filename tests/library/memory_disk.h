@@ -109,6 +109,7 @@ class MemoryDisk final : public FileApi {
     if (flags & FILE_FLAG_DELETE_ON_CLOSE) file->isDoomed = true;
     ++file->handles;
     open_[++lastHandle_] = {file};
+    SetLastError(exists ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return reinterpret_cast<HANDLE>(lastHandle_);
   }
   bool close(HANDLE handle) override {
