@@ -13,7 +13,6 @@ ProcessLocks processLocks{};
 int zoComDllAttach() {
   zo::ProcessLocks& locks = zo::processLocks;
   if (std::exchange(locks.attached, true)) return ZoResult::refused;
-  InitializeCriticalSection(&locks.files);
   InitializeCriticalSection(&locks.decoder);
   // A refused guard's fields hold handles that are closed already.
   if (!zoSWMRGInitialize(&locks.guard, nullptr)) locks.guard = {};
@@ -23,7 +22,6 @@ int zoComDllAttach() {
 int zoComDllDetach() {
   zo::ProcessLocks& locks = zo::processLocks;
   if (!std::exchange(locks.attached, false)) return ZoResult::refused;
-  DeleteCriticalSection(&locks.files);
   DeleteCriticalSection(&locks.decoder);
   zoSWMRGDelete(&locks.guard);
   locks.guard = {};

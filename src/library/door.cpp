@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "library/change.h"
+#include "platform/recursive_lock.h"
 #include "platform/system_path.h"
-#include "system/process_locks.h"
 
 namespace zo {
 namespace {
@@ -33,13 +33,12 @@ DWORD firstDisposition(bool writes, ZoFile::CreationMode mode) {
 
 // ---- The process-wide lock ----
 
-FilesLock::FilesLock() noexcept : taken_(processLocks.attached) {
-  if (taken_) EnterCriticalSection(&processLocks.files);
+namespace {
+constinit RecursiveLock librariesLock;
 }
 
-FilesLock::~FilesLock() {
-  if (taken_) LeaveCriticalSection(&processLocks.files);
-}
+FilesLock::FilesLock() noexcept { librariesLock.lock(); }
+FilesLock::~FilesLock() { librariesLock.unlock(); }
 
 // ---- Opening ----
 

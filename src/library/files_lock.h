@@ -3,16 +3,13 @@
 
 namespace zo {
 
-// One operation on libraries at a time in a process.
+// One operation on libraries at a time in a process, be zoComDllAttach called or not.
 class FilesLock {
  public:
   FilesLock() noexcept;
   FilesLock(const FilesLock&) = delete;
   FilesLock& operator=(const FilesLock&) = delete;
   ~FilesLock();
-
- private:
-  bool taken_;  // not before zoComDllAttach
 };
 
 }  // namespace zo

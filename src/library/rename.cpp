@@ -29,7 +29,7 @@ class Renames {
   // Whether the i-th new name is free when all old ones are gone.
   int check(std::size_t i) {
     const auto same = std::ranges::equal_range(leaving_, moves_[i].from);
-    if (same.size() != 1) return ZoResult::refused;  // it has two new names
+    if (same.size() != 1 && !isFirstOfSeveral(i)) return ZoResult::refused;  // two new names
     const RawEntry renamed{.record = moves_[i].from->record, .name = moves_[i].newName};
     names_.add(renamed);
     const std::wstring name(names_.name(names_.entries().back()));
@@ -58,6 +58,13 @@ class Renames {
     std::string newName;
   };
 
+  // Whether a later one moves the same entry, and none before: the second new name is refused.
+  [[nodiscard]] bool isFirstOfSeveral(std::size_t i) const {
+    const auto here = moves_.begin() + static_cast<std::ptrdiff_t>(i);
+    const auto isSame = [&](const Move& move) { return move.from == here->from; };
+    return std::none_of(moves_.begin(), here, isSame) &&
+           std::any_of(here + 1, moves_.end(), isSame);
+  }
   static bool isMoved(const Move& move) {
     return move.newName.size() != move.from->record.nameLength;
   }

@@ -1,5 +1,5 @@
-// The locks that all of the library shares in a process. They exist from zoComDllAttach to
-// zoComDllDetach.
+// What all of the library shares in a process from zoComDllAttach to zoComDllDetach. The lock of
+// operations on library files (library/files_lock.h) is there before and after, too.
 #pragma once
 
 #include <windows.h>
@@ -8,7 +8,6 @@
 namespace zo {
 
 struct ProcessLocks {
-  CRITICAL_SECTION files;    // operations on library files
   CRITICAL_SECTION decoder;  // of the legacy decoder; nobody enters it, as each has its own buffer
   ZoSingleWriterMultiReaderGuard guard;
   bool attached;

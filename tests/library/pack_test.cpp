@@ -112,7 +112,9 @@ TEST_F(LibraryTest, RefusesToPackWhatCannotBeRead) {
   ASSERT_EQ(packer.pack(source_, packed), 0);
   EXPECT_EQ(library.addFile(packed, L"http://host/a"), 3);
   EXPECT_EQ(packer.pack(name(L"none"), packed), 1);
+  EXPECT_EQ(packer.pack(nullptr, 10, packed), 1);
   EXPECT_TRUE(packed.isEmpty());
+  EXPECT_EQ(packer.pack(nullptr, 0, packed), 0);
   std::istringstream bad("content");
   bad.setstate(std::ios::badbit);
   EXPECT_EQ(packer.pack(bad, packed), 1);
@@ -158,6 +160,38 @@ TEST_F(LibraryTest, PacksAndReadsBesideOthers) {
     EXPECT_EQ(library.extractFile(L"member", name(L"out")), isClosed ? 1 : 0);
     EXPECT_EQ(bytesOf(name(L"out")), content);
   }
+}
+
+// The lock of libraries is there before zoComDllAttach and after zoComDllDetach, too.
+TEST_F(LibraryTest, ThreadsShareAnObjectInAProcessThatIsNotAttached) {
+  ASSERT_EQ(zoComDllDetach(), 0);
+  ZoLibrary library;
+  ASSERT_EQ(openForWriting(library), 0);
+  ASSERT_EQ(add(library, L"m", "content"), 0);
+  constexpr int kThreads = 3, kMembers = 25;
+  const auto use = [&](int thread) {
+    ZoPacker packer;
+    ZoPackedMember packed;
+    EXPECT_EQ(packer.pack("bytes", 5, packed), 0);
+    for (int i = 0; i < kMembers; ++i) {
+      const std::wstring member = std::to_wstring(thread) + L"/" + std::to_wstring(i);
+      const std::uint32_t before = library.counter();
+      EXPECT_EQ(library.addFile(packed, member.c_str()), 0);
+      EXPECT_GT(library.counter(), before);
+      EXPECT_TRUE(library.isLibrary() && library.contains(member.c_str()));
+      EXPECT_EQ(zo::test::contentOf(library, L"m"), "content");
+      ZoLibEntry entry;
+      EXPECT_EQ(library.getEntry(member.c_str(), entry) + library.verify(entry), 0);
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) threads.emplace_back(use, i);
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(names(library).size(), std::size_t{1 + kThreads * kMembers});
+  EXPECT_EQ(library.counter(), 1u + kThreads * kMembers);
+  EXPECT_EQ(library.trailingBytes(), 0u);
+  EXPECT_EQ(library.close(), 0);
+  ASSERT_EQ(zoComDllAttach(), 0);
 }
 
 TEST_F(LibraryTest, ManyThreadsReadWhileOneChanges) {

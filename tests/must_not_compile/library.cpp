@@ -3,7 +3,8 @@
 
 // clang-format off
 int wrong(ZoLibrary& library, ZoFile& file, const ZoFileName& name, ZoArray<ZoFileName>& names,
-          ZoArray<FILETIME>& times, std::FILE** stream, ZoPacker& packer, ZoPackedMember& packed) {
+          ZoArray<FILETIME>& times, std::FILE** stream, ZoPacker& packer, ZoPackedMember& packed,
+          ZoLibEntry& entry) {
   int code = 0;
   code += library.open(name, ZoFile::kOpenAlways);                          // error: the access comes first
   code += library.open(name, true);                                         // error: the access comes first
@@ -27,6 +28,13 @@ int wrong(ZoLibrary& library, ZoFile& file, const ZoFileName& name, ZoArray<ZoFi
   code += packer.pack(name, packed, ZoLibrary::kCompress, true);            // error: the compMode, then the int level
   code += library.addFile(packed, name, ZoLibrary::kCompress);              // error: in this order
   code += library.deleteFiles(names, true);                                 // error: invalid conversion
+  code += library.getEntry(true, entry);                                    // error: or its ordinal
+  code += library.getEntry(nullptr, entry);                                 // error: or its ordinal
+  code += library.getEntry(1.5, entry);                                     // error: or its ordinal
+  code += library.setCheckSum(true);                                        // error: a value of 64 bits
+  code += library.contains(nullptr);                                        // error: a member's name
+  code += library.deleteFile(nullptr);                                      // error: a member's name
+  code += library.recoverFile(nullptr);                                     // error: a member's name
   library.close();                                                          // error: nodiscard
   library.addFile(name, name);                                              // error: nodiscard
   library.getFile(file, name);                                              // error: nodiscard

@@ -51,6 +51,7 @@
 #include <functional>
 #include <memory>
 #include <span>
+#include <type_traits>
 
 template <class T>
 class ZoSequence;
@@ -137,9 +138,11 @@ class ZO_COM_API ZoLibrary {
   template <class Physically>
     requires(!std::same_as<Physically, bool>)
   int deleteFile(const ZoFileName&, Physically) = delete;  // one member, bool physically
+  int deleteFile(std::nullptr_t, bool = false) = delete;   // a member's name
   // Undoes a deletion by mark, of the first deleted member of that name. 1001 when a live member
   // has the name.
   [[nodiscard]] int recoverFile(const ZoFileName& member);
+  int recoverFile(std::nullptr_t) = delete;  // a member's name
   // Opens a member as a file object (zo/library/lib_file.h): to read it, or with kWrite in access
   // to write it anew; it is then added, replacing what has the name, when close() is called. `mode`
   // is how it is added, with kNormal as the level.
@@ -213,13 +216,19 @@ class ZO_COM_API ZoLibrary {
                    WithDeleted) = delete;  // bool withDeleted
   // A live member's entry.
   [[nodiscard]] int getEntry(const ZoFileName& member, ZoLibEntry& entry);
-  // The entry of a member, live or deleted, by its ordinal.
+  // The entry of a member, live or deleted, by its ordinal; 1 for a number that none has, such as 0
+  // or a negative one.
   [[nodiscard]] int getEntry(std::uint64_t ordinal, ZoLibEntry& entry);
+  template <class Which>
+    requires(std::same_as<Which, bool> || std::is_null_pointer_v<Which> ||
+             std::is_floating_point_v<Which>)
+  int getEntry(Which, ZoLibEntry&) = delete;  // a member's name, or its ordinal from 1
   // Visits all entries of one name, live and deleted, from the oldest to the newest: its versions.
   // No call on this library from within.
   [[nodiscard]] int forEachVersion(const ZoFileName& member,
                                    const std::function<bool(const ZoLibEntry&)>& visit);
   [[nodiscard]] bool contains(const ZoFileName& member);
+  bool contains(std::nullptr_t) = delete;  // a member's name
 
   // ---- The file as a whole ----
   // Rewrites the file without deleted members, beside itself, and replaces it in one step. Where
@@ -231,6 +240,9 @@ class ZO_COM_API ZoLibrary {
   // The 64-bit value that a library keeps for its users. checkSum answers 0 when it is not open.
   [[nodiscard]] std::uint64_t checkSum();
   [[nodiscard]] int setCheckSum(std::uint64_t value);
+  template <class Value>
+    requires(std::same_as<Value, bool> || std::is_floating_point_v<Value>)
+  int setCheckSum(Value) = delete;  // a value of 64 bits
   // Whether the file begins with a library's mark.
   [[nodiscard]] bool isLibrary();
   // The counter in the header: raised by every addFile, never lowered.
