@@ -27,6 +27,12 @@ int wrong(ZoLibrary& library, ZoFile& file, const ZoFileName& name, ZoArray<ZoFi
   code += packer.pack(name, packed, ZoLibrary::kCompress, true);            // error: the compMode, then the int level
   code += library.addFile(packed, name, ZoLibrary::kCompress);              // error: in this order
   code += library.deleteFiles(names, true);                                 // error: invalid conversion
+  code += library.deleteFile(ZoLibEntry(), 1);                              // error: bool physically
+  code += library.recoverFile(ZoLibEntry(), 1);                             // error: bool replace
+  code += library.recoverFiles(names, 1);                                   // error: bool replace, then refused
+  code += library.recoverFiles(names, nullptr);                             // error: bool replace, then refused
+  code += library.recoverFiles(names, ZoLibrary::kPhysically);              // error: bool replace, then refused
+  code += library.renameFiles({{L"a", L"b"}, {L"c", L"d"}}) + library.deleteFiles({L"a", L"b"});
   library.close();                                                          // error: nodiscard
   library.addFile(name, name);                                              // error: nodiscard
   library.getFile(file, name);                                              // error: nodiscard

@@ -76,6 +76,7 @@ class ZO_COM_API ZoFileOpen : public ZoSysObj {
   // The key for manifests, which is copied; at first there is none, so that everybody can make a
   // manifest. Media that were checked are checked anew. Here: refused.
   [[nodiscard]] virtual int setMediaKey(const void* key, std::size_t size);
+  int setMediaKey(const void*, bool) = delete;  // the size in bytes
   // Who asks for a disc. Without one (at first, and again with {}) a message box does, which a
   // program without a user must replace. Here: refused.
   [[nodiscard]] virtual int setMediaPrompt(ZoMediaPrompt prompt);
@@ -86,5 +87,10 @@ class ZO_COM_API ZoFileOpen : public ZoSysObj {
   [[nodiscard]] int open(const ZoFileName& name, ZoFile& file, int access, int share) {
     return openFile(name, file, access, share);
   }
+  // ZoFile, which need not be known here.
+  template <class File, class Access, class Share = int>
+    requires(!File::template kMayBe<Access, typename File::Access> ||
+             !File::template kMayBe<Share, typename File::Share>)
+  int open(const ZoFileName&, File&, Access, Share = {}) = delete;  // access, then share
   int open(const ZoFileName&) = delete;  // openDocument(name) opens it in the host
 };
