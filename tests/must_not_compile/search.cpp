@@ -43,5 +43,4 @@ void media(ZoFileOpen& service, ZoFile& file) {
   (void)service.open(L"a", file, true);                       // error: access, then share
   (void)service.open(L"a", file, ZoFile::kOpenExisting);      // error: access, then share
   (void)service.open(L"a", file, ZoFile::kRead, true);        // error: access, then share
-  (void)service.setMediaKey(L"key", true);                    // error: the size in bytes
 }

@@ -69,9 +69,9 @@ TEST(MemberName, AreEmptyWhereNoTextSplitsIntoThem) {
     const ZoFileName library = any(), member = any(), name = zoMemberName(library, member);
     ZoMemberName parts;
     if (name.isEmpty()) continue;
-    ASSERT_EQ(zoSplitMemberName(name, parts), 0) << name;
-    ASSERT_EQ(parts.library.view(), library.view()) << name;
-    ASSERT_EQ(parts.member.view(), member.view()) << name;
+    ASSERT_EQ(zoSplitMemberName(name, parts), 0);
+    ASSERT_EQ(parts.library.view(), library.view());
+    ASSERT_EQ(parts.member.view(), member.view());
   }
 }
 

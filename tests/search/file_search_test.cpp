@@ -83,7 +83,7 @@ TEST_F(FileSearchTest, TakesTheFirstPlaceThatHasAFile) {
   for (const auto& [name, expected] : table) EXPECT_EQ(foundAtLast(name), expected) << name;
   ZoFileName none;
   for (const wchar_t* url : {L"http://host/a", L"gopher://host/a", L"mailto:me@x"})
-    EXPECT_EQ(search().find(url, none), ZoResult::invalid) << url;
+    EXPECT_EQ(search().find(url, none), ZoResult::invalid);
   EXPECT_EQ(search().addServer(L"gopher://host/", L"m"), ZoResult::invalid);
 
   ASSERT_EQ(addPath(L"high", 5, false, L"other"), 0);
@@ -115,7 +115,7 @@ TEST_F(FileSearchTest, SaysWhereItCameFrom) {
   EXPECT_EQ(place(L"$p'x\\..\\a.txt"), ZoFound::kMacro);
   for (const wchar_t* outside :
        {L"$p'..\\p\\a.txt", L"$p'x/../../p/a.txt", L"$p'..\\b.lib|BOLT.dwg"})
-    EXPECT_EQ(place(outside), ZoFound::kNowhere) << outside;
+    EXPECT_EQ(place(outside), ZoFound::kNowhere);
   EXPECT_EQ(place(L"BOLT.dwg"), ZoFound::kLibrary);
   EXPECT_EQ(what.module, ZoString(L"lib"));
   EXPECT_EQ(what.library.view(), path(L"b.lib").wstring());
@@ -236,8 +236,7 @@ TEST_F(FileSearchTest, AsksServersLastAndThroughTheCache) {
   ZoString report;
   ASSERT_EQ(search().explain(L"a#1\\%2e%2e\\100%.dwg", report), 0);
   EXPECT_TRUE(report.view().ends_with(
-      root + L"a%231/%252e%252e/100%25.dwg: not in the cache; would be asked for\n"))
-      << report;
+      root + L"a%231/%252e%252e/100%25.dwg: not in the cache; would be asked for\n"));
   ASSERT_EQ(search().explain(L"part.dwg", report), 0);
   EXPECT_TRUE(report.view().ends_with(root + L"part.dwg: not in the cache; would be asked for\n"));
   EXPECT_EQ(server.ask("count"), "0");

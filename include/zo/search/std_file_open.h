@@ -28,7 +28,6 @@ class ZO_COM_API ZoStdFileOpen : public ZoFileOpen {
   int writeManifest(const ZoFileName& root, const ZoString& label,
                     const ZoMediaWatcher& watcher) override;
   int requestMedia(const ZoString& label, ZoFileName& root) override;
-  using ZoFileOpen::setMediaKey;
   int setMediaKey(const void* key, std::size_t size) override;
   int setMediaPrompt(ZoMediaPrompt prompt) override;
 

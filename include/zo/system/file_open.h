@@ -76,7 +76,6 @@ class ZO_COM_API ZoFileOpen : public ZoSysObj {
   // The key for manifests, which is copied; at first there is none, so that everybody can make a
   // manifest. Media that were checked are checked anew. Here: refused.
   [[nodiscard]] virtual int setMediaKey(const void* key, std::size_t size);
-  int setMediaKey(const void*, bool) = delete;  // the size in bytes
   // Who asks for a disc. Without one (at first, and again with {}) a message box does, which a
   // program without a user must replace. Here: refused.
   [[nodiscard]] virtual int setMediaPrompt(ZoMediaPrompt prompt);
