@@ -1,6 +1,8 @@
 // New names for members. One of the same length is written where the old one stands; for any other
 // there is no room, and the entry is copied behind the last one.
 #include <algorithm>
+#include <set>
+#include <utility>
 
 #include "library/copy.h"
 #include "library/edit.h"
@@ -18,9 +20,14 @@ class Renames {
     if (renaming.newName.isURL()) return ZoResult::invalid;
     Move move{.from = nullptr, .newName = {}};
     if (!encodeName(renaming.newName, move.newName)) return ZoResult::refused;
-    const std::size_t known = leaving_.size();
+    const std::size_t known = leaving_.size(), knownFurther = further_.size();
     if (const int code = collect(renaming.member)) return code;
     move.from = leaving_[known];
+    if (!seen_.emplace(move.from, move.newName).second) {  // given again: it counts once
+      leaving_.resize(known);
+      further_.resize(knownFurther);
+      move.from = nullptr;
+    }
     moves_.push_back(std::move(move));
     return ZoResult::ok;
   }
@@ -28,6 +35,7 @@ class Renames {
   void close() { std::sort(leaving_.begin(), leaving_.end()); }
   // Whether the i-th new name is free when all old ones are gone.
   int check(std::size_t i) {
+    if (!moves_[i].from) return ZoResult::ok;
     const auto same = std::ranges::equal_range(leaving_, moves_[i].from);
     if (same.size() != 1 && !isFirstOfSeveral(i)) return ZoResult::refused;  // two new names
     const RawEntry renamed{.record = moves_[i].from->record, .name = moves_[i].newName};
@@ -41,6 +49,7 @@ class Renames {
                                                                       : ZoResult::ok;
   }
   int run() {
+    std::erase_if(moves_, [](const Move& move) { return !move.from; });
     std::uint64_t total = 0;
     for (const Move& move : moves_) total += isMoved(move) ? move.from->record.storedSize : 0;
     Progress watched = library_.progress(total);
@@ -54,7 +63,7 @@ class Renames {
 
  private:
   struct Move {
-    const IndexEntry* from;
+    const IndexEntry* from;  // null for one that was given before
     std::string newName;
   };
 
@@ -113,6 +122,7 @@ class Renames {
   Change& change_;
   std::vector<Move> moves_;
   std::vector<const IndexEntry*> leaving_, further_;
+  std::set<std::pair<const IndexEntry*, std::string>> seen_;
   LibraryIndex names_;  // the new ones
 };
 

@@ -10,11 +10,18 @@ int zoSplitMemberName(const ZoFileName& name, ZoMemberName& parts) {
   zo::MemberText texts;
   if (const int code = zo::splitMemberText(name.view(), texts)) return code;
   ZoMemberName split{.library = texts.library, .member = texts.member};
-  if (split.library.isEmpty() || split.member.isEmpty()) return ZoResult::nameInvalid;
+  // A file name may read its text in another way (quotes, macros): that would be another member.
+  if (split.library.view() != texts.library || split.member.view() != texts.member)
+    return ZoResult::nameInvalid;
   parts = std::move(split);
   return ZoResult::ok;
 }
 
 ZoFileName zoMemberName(const ZoFileName& library, const ZoFileName& member) {
-  return zo::joinMemberText(library.view(), member.view());
+  ZoFileName name(zo::joinMemberText(library.view(), member.view()));
+  ZoMemberName parts;
+  const bool isRight = zoSplitMemberName(name, parts) == ZoResult::ok &&
+                       parts.library.view() == library.view() &&
+                       parts.member.view() == member.view();
+  return isRight ? name : ZoFileName();
 }

@@ -48,7 +48,10 @@ int splitMemberText(std::wstring_view text, MemberText& parts) {
       *part += kPlain[at];
     }
   }
-  return parts.library.empty() || parts.member.empty() ? ZoResult::nameInvalid : ZoResult::ok;
+  // One text for each member: not a colon that is, or is not, escaped where it need not, or must.
+  const bool isRight = !parts.library.empty() && !parts.member.empty() &&
+                       joinMemberText(parts.library, parts.member) == text;
+  return isRight ? ZoResult::ok : ZoResult::nameInvalid;
 }
 
 std::wstring joinMemberText(std::wstring_view library, std::wstring_view member) {

@@ -6,10 +6,10 @@
 
 namespace zo {
 
-FolderWatch::FolderWatch(const wchar_t* folder, bool below, What what) noexcept {
+FolderWatch::FolderWatch(const wchar_t* folder, What what) noexcept {
   DWORD changes = FILE_NOTIFY_CHANGE_FILE_NAME | FILE_NOTIFY_CHANGE_DIR_NAME;
   if (what == kFiles) changes |= FILE_NOTIFY_CHANGE_SIZE | FILE_NOTIFY_CHANGE_LAST_WRITE;
-  HANDLE watch = FindFirstChangeNotificationW(folder, below, changes);
+  HANDLE watch = FindFirstChangeNotificationW(folder, FALSE, changes);
   if (watch != INVALID_HANDLE_VALUE) handle_ = watch;
 }
 

@@ -1,4 +1,5 @@
-// Being told that something changed in a folder.
+// Being told that something changed in a folder. Of the folders below it nothing is told: platforms
+// that watch a whole tree miss what is made in a new folder before they watch that, too.
 //
 // Errors:  a folder that the platform does not watch (absent, on some networks) gives a watch that
 //          is none.
@@ -20,7 +21,7 @@ class FolderWatch {
   enum What { kNames, kFiles };
 
   FolderWatch() = default;
-  FolderWatch(const wchar_t* folder, bool below, What what) noexcept;
+  FolderWatch(const wchar_t* folder, What what) noexcept;
   FolderWatch(FolderWatch&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
   FolderWatch& operator=(FolderWatch&& other) noexcept {
     std::swap(handle_, other.handle_);

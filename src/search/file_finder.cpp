@@ -21,7 +21,7 @@ std::wstring currentFolder() {
 void collectWatches(SearchState& state) {
   state.watches.clear();
   const auto add = [&](const SearchState::At& at) {
-    if (at.known.watch) state.watches.push_back(at.known.watch->get());
+    for (const auto& watch : at.known.watches) state.watches.push_back(watch->get());
   };
   add(state.current);
   std::ranges::for_each(state.places, add);
@@ -109,7 +109,7 @@ FileFinder::State FileFinder::fresh() {
 FileFinder::State FileFinder::learn(const std::shared_ptr<FilePlace>& place) {
   return change([&](SearchState& state) {
     const auto read = [&](SearchState::At& at) {
-      if (at.place != place || (at.known.index && at.known.watch)) return;
+      if (at.place != place || (at.known.index && !at.known.watches.empty())) return;
       at.known = readNames(*place);
       place->asks = 0;
       if (!at.known.index)  // asked directly, and for longer each time
@@ -124,7 +124,7 @@ bool FileFinder::mustRead(const SearchState::At& at) const {
   const FilePlace& place = *at.place;
   switch (place.kind) {
     case FilePlace::kLibrary:
-      return !at.known.index || (!at.known.watch && at.known.stamp != stampOf(place.path));
+      return !at.known.index || (at.known.watches.empty() && at.known.stamp != stampOf(place.path));
     case FilePlace::kFolder:
     case FilePlace::kTree: {
       if (at.known.index || !place.isWatchable) return false;

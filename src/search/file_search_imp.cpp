@@ -35,9 +35,48 @@ std::wstring absolute(const ZoFileName& name) {
   });
 }
 
-// A relative name in the form in which places are asked; empty for one that would leave them.
+// Whether a path leads above where it begins.
+bool climbsOut(std::wstring_view path) {
+  int depth = 0;
+  for (std::size_t at = 0; at < path.size() && depth >= 0;) {
+    const std::wstring_view level = nextLevel(path, at);
+    if (!level.empty() && level != L".") depth += level == L".." ? -1 : 1;
+  }
+  return depth < 0;
+}
+
+bool hasParentLevel(std::wstring_view path) {
+  for (std::size_t at = 0; at < path.size();)
+    if (nextLevel(path, at) == L"..") return true;
+  return false;
+}
+
+// What stands behind a name's macro.
+std::wstring behindMacro(const ZoFileName& name) {
+  ZoFileName plain = name.deepCopy();
+  static_cast<void>(plain.setMacro(name.macro(), nullptr));  // so that it is $macro'path
+  const std::size_t quote = plain.view().find_first_of(L"'\"");
+  return std::wstring(plain.view().substr(std::min(quote, plain.view().size() - 1) + 1));
+}
+
+// A name as it stands in a URL: what would end its path, or be decoded, is no such sign any more.
+std::wstring inUrl(std::wstring_view name) {
+  std::wstring text;
+  for (const wchar_t c : name) {
+    constexpr std::wstring_view kSigns = L"#?%";
+    constexpr const wchar_t* kCoded[] = {L"%23", L"%3F", L"%25"};
+    const std::size_t at = kSigns.find(c);
+    if (at != kSigns.npos)
+      text += kCoded[at];
+    else
+      text += c == L'\\' ? L'/' : c;
+  }
+  return text;
+}
+
+// A relative name in the form in which places are asked; empty for one that could leave them.
 std::wstring wantedBelow(const ZoFileName& name) {
-  if (!name.isContained()) return {};
+  if (!name.isContained() || hasParentLevel(name.view())) return {};
   if (name.view().find_first_of(L"\\/") == name.view().npos) return std::wstring(name.view());
   const ZoFileName normal = name.normalized();
   return normal.isContained() ? withBackslashes(normal.view()) : std::wstring();
@@ -83,6 +122,7 @@ bool findSpelling(ZoLibrary& library, const ZoFileName& member, ZoFileName& spel
 int withoutMacro(const ZoFileName& name, ZoFileName& plain) {
   ZoFileName expanded = name.deepCopy();
   if (*name.macro()) {
+    if (climbsOut(behindMacro(name))) return ZoResult::refused;
     auto* const macros = serviceOrNull<ZoMacroLib>();
     const bool isKnown = macros && macros->expand(expanded) == ZoResult::ok;
     if (!isKnown && name.view().starts_with(L'$')) return ZoResult::refused;
@@ -118,7 +158,8 @@ int FileSearchImp::locate(const ZoFileName& name, Located& found, SearchReport* 
   if (!*name.macro()) return locatePlain(name, found, report);
   ZoFileName plain;
   if (const int code = withoutMacro(name, plain)) {
-    tell(report, name, L"the macro is unknown");
+    const bool leaves = climbsOut(behindMacro(name));
+    tell(report, name, leaves ? L"leaves the folder of the macro" : L"the macro is unknown");
     return code;
   }
   tell(report, name, std::wstring(L"is ").append(withoutPassword(plain)));
@@ -133,6 +174,7 @@ int FileSearchImp::locatePlain(const ZoFileName& name, Located& found, SearchRep
 }
 
 int FileSearchImp::locateFile(const ZoFileName& name, Located& found, SearchReport* report) {
+  if (beginsWith(name.view(), L"mailto:")) return ZoResult::invalid;
   if (name.isURL()) return fetch(name, found, report);
   if (name.isCD() || !name.isRelativ()) return locateAsNamed(name, found, report);
   return locateBelow(name, found, report);
@@ -174,9 +216,7 @@ int FileSearchImp::locateBelow(const ZoFileName& name, Located& found, SearchRep
 
 int FileSearchImp::locateOnServers(const std::wstring& name, Located& found, SearchReport* report) {
   for (const auto& server : finder_.servers()) {
-    std::wstring url = server->path + name;
-    std::ranges::replace(url, L'\\', L'/');
-    const int code = fetch(ZoFileName(url), found, report);
+    const int code = fetch(ZoFileName(server->path + inUrl(name)), found, report);
     if (found.place == ZoFound::kNowhere) continue;
     found.at = server;
     return code;

@@ -18,7 +18,8 @@ namespace {
 
 using Name = NameIndex::Name;
 
-constexpr std::size_t kMostNames = 250000;  // of a place that is kept in memory
+// Of a place that is kept in memory.
+constexpr std::size_t kMostNames = 250000, kMostFolders = 1024;
 
 // 0 for what is not there.
 DWORD attributesOf(const std::wstring& path) {
@@ -36,11 +37,16 @@ bool canBeWatched(FilePlace::Kind kind, const std::wstring& path) {
 }
 
 // Visits what is in a folder, with `below` also in those below it but for links to folders; false
-// from the visitor ends it. False when that, or a folder that could not be read, ended it.
+// from the visitor ends it, and so does false from `enter`, which hears of each folder before that
+// is read. False when that, or a folder that could not be read, ended it; without `enter`, one
+// below may have gone meanwhile.
 using Visit = std::function<bool(const std::wstring& path, const WIN32_FIND_DATAW& entry)>;
-bool visitFolder(const std::wstring& root, bool below, const Visit& visit) {
+using Enter = std::function<bool(const std::wstring& folder)>;
+bool visitFolder(const std::wstring& root, bool below, const Visit& visit,
+                 const Enter& enter = {}) {
   std::vector<std::wstring> folders{L""};
   for (std::size_t i = 0; i < folders.size(); ++i) {
+    if (enter && !enter(root + folders[i])) return false;
     FolderSearch search(root + folders[i], L"*");
     WIN32_FIND_DATAW entry;
     while (search.next(entry)) {
@@ -50,7 +56,7 @@ bool visitFolder(const std::wstring& root, bool below, const Visit& visit) {
       if (below && (entry.dwFileAttributes & (kPlain | kLink)) == kPlain)
         folders.push_back(path + L'\\');
     }
-    if (search.error() && i == 0) return false;  // one below may have gone meanwhile
+    if (search.error() && (i == 0 || enter)) return false;
   }
   return true;
 }
@@ -59,17 +65,17 @@ bool isFolderEntry(const WIN32_FIND_DATAW& entry) {
   return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-std::shared_ptr<const NameIndex> readFolder(const FilePlace& place) {
+std::shared_ptr<const NameIndex> readFolder(const FilePlace& place, const Enter& enter) {
   const bool below = place.kind == FilePlace::kTree;
   std::vector<Name> names;
-  const bool isRead = visitFolder(place.path, below, [&](const std::wstring& path, const auto& e) {
+  const auto take = [&](const std::wstring& path, const WIN32_FIND_DATAW& e) {
     if (!below || !isFolderEntry(e)) names.push_back({path, {}, isFolderEntry(e)});
     const std::wstring shortName = e.cAlternateFileName;  // by which the platform finds it, too
     if (!shortName.empty() && shortName != e.cFileName && !(below && isFolderEntry(e)))
       names.push_back({folderOfFile(path) + shortName, {}, isFolderEntry(e)});
     return names.size() <= kMostNames;
-  });
-  if (!isRead) return nullptr;
+  };
+  if (!visitFolder(place.path, below, take, enter)) return nullptr;
   if (below) std::ranges::sort(names, comesFirst, &Name::path);
   return std::make_shared<NameIndex>(std::move(names),
                                      below ? NameIndex::kLast : NameIndex::kWhole);
@@ -92,17 +98,24 @@ std::shared_ptr<const NameIndex> readLibrary(const FilePlace& place) {
   return std::make_shared<NameIndex>(std::move(names), NameIndex::kWhole);
 }
 
-KnownNames watched(const FilePlace& place) {
+bool watch(const std::wstring& folder, FolderWatch::What what, KnownNames::Watches& watches) {
+  FolderWatch made(folder.c_str(), what);
+  if (!made || watches.size() == kMostFolders) return false;
+  watches.push_back(std::make_shared<FolderWatch>(std::move(made)));
+  return true;
+}
+
+KnownNames watchedLibrary(const FilePlace& place) {
   KnownNames known;
-  const bool isLibrary = place.kind == FilePlace::kLibrary;
-  const std::wstring folder = isLibrary ? folderOfFile(place.path) : place.path;
-  FolderWatch watch;
-  if (place.isWatchable)
-    watch = FolderWatch(folder.c_str(), place.kind == FilePlace::kTree,
-                        isLibrary ? FolderWatch::kFiles : FolderWatch::kNames);
-  if (watch) known.watch = std::make_shared<FolderWatch>(std::move(watch));
-  if (isLibrary) known.stamp = stampOf(place.path);
+  if (place.isWatchable) watch(folderOfFile(place.path), FolderWatch::kFiles, known.watches);
+  known.stamp = stampOf(place.path);
   return known;
+}
+
+std::optional<std::wstring> findMember(const NameIndex& index, const std::wstring& name) {
+  const Name* const found = index.find(name);
+  if (!found) return std::nullopt;
+  return found->given.empty() ? found->path : found->given;
 }
 
 // Of a tree the first of all that end in the name.
@@ -116,15 +129,31 @@ std::optional<std::wstring> walk(const FilePlace& place, const std::wstring& nam
   return found;
 }
 
+std::optional<std::wstring> findInTree(const FilePlace& place, const KnownNames& known,
+                                       const std::wstring& name) {
+  if (!known.index) return walk(place, name);
+  const auto fits = [&](const Name& entry) { return endsInLevels(entry.path, name); };
+  const Name* const found = known.index->find(lastComponent(name), fits);
+  if (!found) return std::nullopt;
+  return isFile(place.path + found->path) ? found->path : walk(place, name);
+}
+
+std::optional<std::wstring> findInLibrary(const FilePlace& place, const KnownNames& known,
+                                          const std::wstring& name) {
+  if (!known.index) return std::nullopt;
+  const auto found = findMember(*known.index, name);
+  return found && stampOf(place.path) != known.stamp ? findMember(*readLibrary(place), name)
+                                                     : found;
+}
+
 bool isPlainFile(const NameIndex::Name& name) { return !name.isFolder; }
 
 std::optional<std::wstring> findInFolder(const FilePlace& place, const KnownNames& known,
                                          const std::wstring& name) {
   const std::size_t level = name.find(L'\\');
-  if (known.index && level == name.npos)
-    return known.index->find(name, isPlainFile) ? std::optional(name) : std::nullopt;
-  // Of folders below only the first one's name is known.
-  if (known.index) {
+  if (known.index && level == name.npos) {
+    if (!known.index->find(name, isPlainFile)) return std::nullopt;
+  } else if (known.index) {  // of folders below only the first one's name is known
     const auto isThere = [](const Name& entry) { return entry.isFolder; };
     if (!known.index->find(std::wstring_view(name).substr(0, level), isThere)) return std::nullopt;
   }
@@ -161,38 +190,39 @@ FilePlace::FilePlace(Kind kindOfPlace, std::wstring whole, std::wstring owner, i
 
 KnownNames readNames(const FilePlace& place) {
   if (place.kind == FilePlace::kServer) return {};
-  KnownNames known = watched(place);  // before it is read, so that no change is missed
+  // Watched before it is read, so that no change is missed.
+  KnownNames known;
   if (place.kind == FilePlace::kLibrary) {
+    known = watchedLibrary(place);
     known.index = readLibrary(place);
-  } else if (known.watch) {
-    known.index = readFolder(place);
+  } else if (place.isWatchable) {
+    known.index = readFolder(place, [&](const std::wstring& folder) {
+      return watch(folder, FolderWatch::kNames, known.watches);
+    });
   }
-  if (!known.index) known.watch.reset();
+  if (!known.index) known.watches.clear();
   return known;
 }
 
 KnownNames readAgain(const FilePlace& place, const KnownNames& before) {
   if (place.kind != FilePlace::kLibrary) return {};
-  KnownNames known = watched(place);
+  KnownNames known = watchedLibrary(place);
   known.index = known.stamp == before.stamp ? before.index : readLibrary(place);
   return known;
 }
 
 std::optional<std::wstring> findBelow(const FilePlace& place, const KnownNames& known,
                                       const std::wstring& name) {
-  if (place.kind == FilePlace::kFolder) return findInFolder(place, known, name);
-  if (place.kind == FilePlace::kTree && !known.index) return walk(place, name);
-  if (!known.index) return std::nullopt;
-  const NameIndex::Name* found = nullptr;
-  if (place.kind == FilePlace::kLibrary) {
-    found = known.index->find(name);
-  } else {
-    found = known.index->find(lastComponent(name), [&](const NameIndex::Name& entry) {
-      return endsInLevels(entry.path, name);
-    });
+  switch (place.kind) {
+    case FilePlace::kFolder:
+      return findInFolder(place, known, name);
+    case FilePlace::kTree:
+      return findInTree(place, known, name);
+    case FilePlace::kLibrary:
+      return findInLibrary(place, known, name);
+    default:
+      return std::nullopt;
   }
-  if (!found) return std::nullopt;
-  return found->given.empty() ? found->path : found->given;
 }
 
 std::vector<std::wstring> namesBelow(const FilePlace& place, const KnownNames& known,

@@ -3,6 +3,7 @@
 // Threads: any; nothing but the counters ever changes in a place that was added.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -46,24 +47,29 @@ struct FilePlace {
 
 // What was read of a place, as long as nobody tells of a change.
 struct KnownNames {
-  std::shared_ptr<const NameIndex> index;    // null: ask directly
-  std::shared_ptr<const FolderWatch> watch;  // null: nobody would tell
-  FileStamp stamp;                           // of a library, when it was read
+  using Watches = std::vector<std::shared_ptr<const FolderWatch>>;  // one of each folder
+
+  std::shared_ptr<const NameIndex> index;  // null: ask directly
+  Watches watches;                         // none: nobody would tell
+  FileStamp stamp;                         // of a library, when it was read
 
   [[nodiscard]] bool isOld() const {
-    if (!watch) return false;
-    const HANDLE handle = watch->get();
-    return anyChanged({&handle, 1});
+    return std::ranges::any_of(watches, [](const auto& watch) {
+      const HANDLE handle = watch->get();
+      return anyChanged({&handle, 1});
+    });
   }
 };
 
-// Reads the names of a place. No index: it cannot be watched or read, or has too many names.
+// Reads the names of a place. No index: it cannot be watched or read, or has too many names or
+// folders.
 [[nodiscard]] KnownNames readNames(const FilePlace& place);
 // The same where something changed: a library that is still the same keeps its index.
 [[nodiscard]] KnownNames readAgain(const FilePlace& place, const KnownNames& before);
 
 // A relative name with backslashes, without "." and "..", is looked for in a place: what stands
-// below that, as a member is spelled by its library; nothing when it is not there.
+// below that, as a member is spelled by its library; nothing when it is not there. What is known to
+// be there is looked at once more, as the platform may tell late that it has gone.
 [[nodiscard]] std::optional<std::wstring> findBelow(const FilePlace& place, const KnownNames& known,
                                                     const std::wstring& name);
 // All names of a place, as findBelow gives them, that fit a pattern in the last component and have

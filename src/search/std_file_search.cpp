@@ -8,9 +8,11 @@
 #include <string>
 #include <utility>
 
+#include "names/name_parser.h"
 #include "platform/file_api.h"
 #include "platform/system_path.h"
 #include "search/file_search_imp.h"
+#include "search/web_address.h"
 #include "system/notice_data.h"
 #include "system/service_or_null.h"
 #include "system/service_scope.h"
@@ -28,6 +30,11 @@ std::wstring fullPath(const ZoFileName& name) {
   return zo::platformText([&](DWORD size, wchar_t* buffer) {
     return zo::fileApi().fullPath(plain.fullName(), size, buffer);
   });
+}
+
+bool canBeServed(const ZoFileName& url) {
+  zo::WebAddress address;
+  return zo::parseWebAddress(url.view(), address) || zo::beginsWith(url.view(), L"ftp://");
 }
 
 }  // namespace
@@ -88,6 +95,7 @@ int ZoStdFileSearch::addServer(const ZoFileName& url, const wchar_t* module, int
   ZoFileName plain;
   if (!writing || zo::withoutMacro(url, plain) != ZoResult::ok) return ZoResult::refused;
   if (!plain.isURL()) return ZoResult::refused;
+  if (!canBeServed(plain)) return ZoResult::invalid;
   std::wstring path(plain.view());
   if (path.back() != L'/') path += L'/';
   auto place =

@@ -511,7 +511,7 @@ TEST_F(LibraryTest, ChangesManyMembersOrNone) {
   // They swap names, by moving and without, and a case changes.
   EXPECT_EQ(rename({{L"a", L"b"}, {L"b", L"a"}, {L"c", L"C"}}), 0);
   EXPECT_EQ(contents({L"a", L"b", L"C"}), "b2a1c4");
-  EXPECT_EQ(rename({{L"a", L"long"}, {L"b", L"a"}, {L"C", L"b"}}), 0);
+  EXPECT_EQ(rename({{L"a", L"long"}, {L"b", L"a"}, {L"C", L"b"}, {L"A", L"long"}}), 0);
   EXPECT_EQ(contents({L"long", L"a", L"b"}), "b2a1c4");
   EXPECT_EQ(remove({L"A", L"a", L"b"}), 0);
   EXPECT_EQ(at, 3u);

@@ -35,6 +35,12 @@ int wrong(ZoLibrary& library, ZoFile& file, const ZoFileName& name, ZoArray<ZoFi
   code += library.contains(nullptr);                                        // error: a member's name
   code += library.deleteFile(nullptr);                                      // error: a member's name
   code += library.recoverFile(nullptr);                                     // error: a member's name
+  code += library.deleteFile(ZoLibEntry(), 1);                              // error: bool physically
+  code += library.recoverFile(ZoLibEntry(), 1);                             // error: bool replace
+  code += library.recoverFiles(names, 1);                                   // error: bool replace, then refused
+  code += library.recoverFiles(names, nullptr);                             // error: bool replace, then refused
+  code += library.recoverFiles(names, ZoLibrary::kPhysically);              // error: bool replace, then refused
+  code += library.renameFiles({{L"a", L"b"}, {L"c", L"d"}}) + library.deleteFiles({L"a", L"b"});
   library.close();                                                          // error: nodiscard
   library.addFile(name, name);                                              // error: nodiscard
   library.getFile(file, name);                                              // error: nodiscard

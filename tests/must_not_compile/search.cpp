@@ -8,15 +8,39 @@
 void places(ZoFileSearch& search) {
   (void)search.addPath(L"C:\\parts", L"module", true);        // error: the priority comes first
   (void)search.addPath(L"C:\\parts", L"module", 1, L"below"); // error: below is a bool
+  (void)search.addPath(L"C:\\parts", L"module", 1, 2);         // error: below is a bool
+  (void)search.addLibrary(L"a.lib", L"module", true);         // error: the priority is an int
+  (void)search.addServer(L"http://a/", L"module", true);      // error: the priority is an int
+  (void)search.setCache(L"cache", 1, true);                   // error: bytes, then seconds
 }
 
 void find(ZoFileSearch& search, ZoFile& file, ZoArray<ZoFileName>& names) {
   (void)search.findAll(L"*", ZoFileName::kDwg);               // error: a sum of ZoFindFile::kind
   (void)search.findAll(L"*", names, ZoFileName::kDwg);        // error: a sum of ZoFindFile::kind
+  (void)search.findAll(L"*", true);                           // error: a sum of ZoFindFile::kind
+  (void)search.findAll(L"*", names, true);                    // error: a sum of ZoFindFile::kind
+  (void)search.findNames(L"*", names, true);                  // error: a sum of ZoFindFile::kind
+  (void)search.findNames(L"*", names, ZoFileName::kDwg);      // error: a sum of ZoFindFile::kind
+  (void)search.open(L"a", file, true);                        // error: access, then share
+  (void)search.open(L"a", file, ZoFile::kShareRead);          // error: access, then share
+  (void)search.open(L"a", file, ZoFile::kOpenExisting);       // error: access, then share
+  (void)search.open(L"a", file, 1, ZoFile::kOpenExisting);    // error: access, then share
+  (void)search.open(L"a", file, ZoFile::kRead, true);         // error: access, then share
   search.open(L"a", file);                                    // error: nodiscard
   zoMemberName(L"parts.lib", L"a");                           // error: nodiscard
 }
 
 void macros(ZoMacroLib& macros) {
   (void)macros.setMacro(L"a", L"b");                          // error: candidate expects 3 arguments
+  (void)macros.setMacro(L"a", nullptr, L"m");                 // error: removeMacro
+  (void)macros.useEnvironment(L"x");                          // error: a bool
+  (void)macros.useEnvironment(2);                             // error: a bool
+  const std::wstring text = L"b";
+  static_assert(requires { macros.setMacro(text, text, L"m"); macros.setMacro(L"a", text, L"m"); });
+}
+
+void media(ZoFileOpen& service, ZoFile& file) {
+  (void)service.open(L"a", file, true);                       // error: access, then share
+  (void)service.open(L"a", file, ZoFile::kOpenExisting);      // error: access, then share
+  (void)service.open(L"a", file, ZoFile::kRead, true);        // error: access, then share
 }

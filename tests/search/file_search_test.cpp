@@ -71,6 +71,7 @@ TEST_F(FileSearchTest, TakesTheFirstPlaceThatHasAFile) {
       {path(L"b.lib|a|b").wstring(), L"-"},
       {L"..\\out.txt", L"out.txt"},
       {L"sub\\..\\..\\out.txt", L"out.txt"},
+      {L"sub\\..\\a.txt", L"-"},
       {L"..\\one\\none.txt", L"-"},
       {L"nul", L"-"},
       {L"a.txt:stream", L"-"},
@@ -81,7 +82,9 @@ TEST_F(FileSearchTest, TakesTheFirstPlaceThatHasAFile) {
   // Once more from what is known by now.
   for (const auto& [name, expected] : table) EXPECT_EQ(foundAtLast(name), expected) << name;
   ZoFileName none;
-  EXPECT_EQ(search().find(L"http://host/a", none), ZoResult::invalid);
+  for (const wchar_t* url : {L"http://host/a", L"gopher://host/a", L"mailto:me@x"})
+    EXPECT_EQ(search().find(url, none), ZoResult::invalid);
+  EXPECT_EQ(search().addServer(L"gopher://host/", L"m"), ZoResult::invalid);
 
   ASSERT_EQ(addPath(L"high", 5, false, L"other"), 0);
   EXPECT_EQ(found(L"a.txt"), L"high\\a.txt");
@@ -109,7 +112,10 @@ TEST_F(FileSearchTest, SaysWhereItCameFrom) {
   EXPECT_EQ(place(L"$p'a.txt"), ZoFound::kMacro);
   EXPECT_EQ(place(L"$below'a.txt"), ZoFound::kNowhere);
   EXPECT_EQ(place(path(L"p\\a.txt").wstring()), ZoFound::kAsNamed);
-  EXPECT_EQ(place(L"$p'..\\b.lib|BOLT.dwg"), ZoFound::kLibrary);
+  EXPECT_EQ(place(L"$p'x\\..\\a.txt"), ZoFound::kMacro);
+  for (const wchar_t* outside :
+       {L"$p'..\\p\\a.txt", L"$p'x/../../p/a.txt", L"$p'..\\b.lib|BOLT.dwg"})
+    EXPECT_EQ(place(outside), ZoFound::kNowhere);
   EXPECT_EQ(place(L"BOLT.dwg"), ZoFound::kLibrary);
   EXPECT_EQ(what.module, ZoString(L"lib"));
   EXPECT_EQ(what.library.view(), path(L"b.lib").wstring());
@@ -228,6 +234,9 @@ TEST_F(FileSearchTest, AsksServersLastAndThroughTheCache) {
   EXPECT_EQ(found(L"..\\part.dwg"), L"-");
   EXPECT_EQ(server.ask("count"), "0") << "nobody asks a server for what is there";
   ZoString report;
+  ASSERT_EQ(search().explain(L"a#1\\%2e%2e\\100%.dwg", report), 0);
+  EXPECT_TRUE(report.view().ends_with(
+      root + L"a%231/%252e%252e/100%25.dwg: not in the cache; would be asked for\n"));
   ASSERT_EQ(search().explain(L"part.dwg", report), 0);
   EXPECT_TRUE(report.view().ends_with(root + L"part.dwg: not in the cache; would be asked for\n"));
   EXPECT_EQ(server.ask("count"), "0");
@@ -254,6 +263,36 @@ TEST_F(FileSearchTest, AsksServersLastAndThroughTheCache) {
   ASSERT_EQ(file.close(), 0);
   ASSERT_EQ(search().setCache(L"", 0, 0), 0);
   EXPECT_EQ(search().toDisk(url, disk), ZoResult::invalid);
+}
+
+// Notifications of a whole tree leave new folders out, and what is told comes late.
+TEST_F(FileSearchTest, KnowsOfNewFoldersBelowAndNeverGivesWhatHasGone) {
+  put(L"t\\a\\e.txt");
+  put(L"u\\e.txt");
+  makeLibrary(L"b.lib", {L"z.txt"});
+  ASSERT_EQ(addPath(L"t", 0, true), 0);
+  ASSERT_EQ(addPath(L"u"), 0);
+  ASSERT_EQ(search().addLibrary(path(L"b.lib"), L"m"), 0);
+  EXPECT_EQ(foundAtLast(L"e.txt"), L"t\\a\\e.txt");
+  for (int i = 0; i < 10; ++i) {
+    const std::wstring name = L"g" + std::to_wstring(i) + L".txt";
+    const std::wstring file = L"t\\a\\s" + std::to_wstring(i) + L"\\" + name;
+    std::filesystem::create_directories(path(file).parent_path());
+    EXPECT_EQ(found(name), L"-");
+    put(file);
+    Sleep(50);
+    EXPECT_EQ(found(name), file);
+    for (const wchar_t* gone : {L"t\\a\\e.txt", L"u\\e.txt"}) {
+      EXPECT_EQ(foundAtLast(L"e.txt"), gone);
+      std::filesystem::remove(path(gone));
+      EXPECT_NE(found(L"e.txt"), gone);
+    }
+    for (const wchar_t* again : {L"t\\a\\e.txt", L"u\\e.txt"}) put(again);
+    Sleep(50);
+  }
+  EXPECT_EQ(foundAtLast(L"z.txt"), L"b.lib|z.txt");
+  std::filesystem::remove(path(L"b.lib"));
+  EXPECT_EQ(found(L"z.txt"), L"-");
 }
 
 // The search against a plain loop over the places, while files and folders come and go.

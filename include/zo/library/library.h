@@ -49,6 +49,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <span>
 #include <type_traits>
@@ -131,6 +132,8 @@ class ZO_COM_API ZoLibrary {
   // Writes a member out with its three times, in one step: a target that exists is replaced when
   // the member was read as a whole and its check value holds, and is as it was otherwise.
   [[nodiscard]] int extractFile(const ZoFileName& member, const ZoFileName& target);
+  // A new name of another length leaves a deleted member of the old name, which recoverFile brings
+  // back, until reorganize.
   [[nodiscard]] int renameFile(const ZoFileName& member, const ZoFileName& newName);
   // Marks a member as deleted, or removes it physically, which rewrites the file beside itself and
   // replaces it in one step. 1 when the header's counter says that no member was ever added.
@@ -170,6 +173,12 @@ class ZO_COM_API ZoLibrary {
   // `replace` lets it take the place of a live member of that name, which becomes deleted.
   [[nodiscard]] int recoverFile(const ZoLibEntry& entry, bool replace = false);
   [[nodiscard]] int getFile(ZoFile& file, const ZoLibEntry& entry);  // for reading
+  template <class Physically>
+    requires(!std::same_as<Physically, bool>)
+  int deleteFile(const ZoLibEntry&, Physically) = delete;  // bool physically
+  template <class Replace>
+    requires(!std::same_as<Replace, bool>)
+  int recoverFile(const ZoLibEntry&, Replace) = delete;  // bool replace
 
   // ---- Many members in one step ----
   // Each changes all of the members, or none of them after a refusal, a kill or a loss of power.
@@ -195,6 +204,23 @@ class ZO_COM_API ZoLibrary {
   // all that are in it.
   [[nodiscard]] int renameFiles(std::span<const ZoLibRename> renamings,
                                 std::size_t* refused = nullptr);
+  template <class Members, class Replace>
+    requires(!std::same_as<Replace, bool>)
+  int recoverFiles(const Members&, Replace,
+                   std::size_t* = nullptr) = delete;  // bool replace, then refused
+  // The same of lists in braces.
+  [[nodiscard]] int deleteFiles(std::initializer_list<ZoFileName> members, Deletion how = kByMark,
+                                std::size_t* refused = nullptr) {
+    return deleteFiles(std::span(members.begin(), members.size()), how, refused);
+  }
+  [[nodiscard]] int recoverFiles(std::initializer_list<ZoFileName> members, bool replace = false,
+                                 std::size_t* refused = nullptr) {
+    return recoverFiles(std::span(members.begin(), members.size()), replace, refused);
+  }
+  [[nodiscard]] int renameFiles(std::initializer_list<ZoLibRename> renamings,
+                                std::size_t* refused = nullptr) {
+    return renameFiles(std::span(renamings.begin(), renamings.size()), refused);
+  }
 
   // ---- What is there ----
   // Adds the names to the sequence, and the times of the last change and the sizes of the members

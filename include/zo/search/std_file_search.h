@@ -6,7 +6,8 @@
 //
 // Folders  are asked directly at first, and read once they were asked for some time; from then on
 //          they are asked no more until the platform tells of a change in them, and neither is the
-//          current directory. Folders on a network, and those that the platform does not watch, are
+//          current directory. Each folder below that is watched by itself, and a file that is known
+//          is looked at once more before it is given. Folders on a network, and those that the platform does not watch, are
 //          asked each time. A folder that is watched can be removed; where the platform lets it
 //          vanish only when nobody has it open, that is at the next search.
 // Members  that are to be files of the disk are copied to the cache's folder, "members"; without a
@@ -16,7 +17,8 @@
 // Errors, Threads: as in zo/system/file_search.h.
 // Cost:    what is known is found in some microseconds, however many places there are; what is not,
 //          by one call of the platform for each folder. A library is read once after each change.
-// Bounds:  of a folder with more than 250,000 names none is kept.
+// Bounds:  of a folder with more than 250,000 names none is kept, nor of one that is searched with
+//          more than 1023 folders below it: each search goes over all of them.
 #pragma once
 
 #include <zo/names/file_name.h>
@@ -40,8 +42,12 @@ class ZO_COM_API ZoStdFileSearch : public ZoFileSearch {
   int release(const wchar_t* module) override;
   void poolRelease(const wchar_t* module) override;
 
+  using ZoFileSearch::addLibrary;
   using ZoFileSearch::addPath;
+  using ZoFileSearch::addServer;
   using ZoFileSearch::find;
+  using ZoFileSearch::findNames;
+  using ZoFileSearch::setCache;
   int addPath(const ZoFileName& folder, const wchar_t* module) override;
   int find(const ZoFileName& name, ZoFileName& found) override;
   int addFolder(const ZoFileName& folder, const wchar_t* module, int priority, bool below) override;

@@ -24,6 +24,8 @@ class ZO_COM_API ZoStdMacroLib : public ZoMacroLib {
   int release(const wchar_t* module) override;
   void poolRelease(const wchar_t* module) override;
 
+  using ZoMacroLib::setMacro;
+  using ZoMacroLib::useEnvironment;
   int getMacro(const ZoString& name, ZoString& value) override;
   int setMacro(const ZoString& name, const ZoString& value, const wchar_t* module) override;
   int removeMacro(const ZoString& name, const wchar_t* module) override;

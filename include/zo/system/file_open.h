@@ -86,5 +86,10 @@ class ZO_COM_API ZoFileOpen : public ZoSysObj {
   [[nodiscard]] int open(const ZoFileName& name, ZoFile& file, int access, int share) {
     return openFile(name, file, access, share);
   }
+  // ZoFile, which need not be known here.
+  template <class File, class Access, class Share = int>
+    requires(!File::template kMayBe<Access, typename File::Access> ||
+             !File::template kMayBe<Share, typename File::Share>)
+  int open(const ZoFileName&, File&, Access, Share = {}) = delete;  // access, then share
   int open(const ZoFileName&) = delete;  // openDocument(name) opens it in the host
 };

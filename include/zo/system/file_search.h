@@ -25,7 +25,7 @@
 //
 // Errors:  0 success; 1 not found, or a place that is not there or was added before, an unknown
 //          macro, or the guard was not obtained within timeOut(); 2 out of memory; 3 a URL, where
-//          no cache was set or its scheme cannot be served. Nothing has changed then, and what was
+//          no cache was set or its scheme cannot be served (http, https and ftp can). Nothing has changed then, and what was
 //          to be filled stays as it was. ZoResult::stale: done with the cache's older copy, as the
 //          server did not answer; a URL may also give another code of zo/system/open_results.h.
 //          What the platform said is to be had from the file-system service's errorTxt() after open
@@ -39,6 +39,7 @@
 #include <zo/system/sys_obj.h>
 #include <zo/text/containers/iterator.h>
 
+#include <concepts>
 #include <cstdint>
 #include <vector>
 
@@ -117,16 +118,21 @@ class ZO_COM_API ZoFileSearch : public ZoSysObj {
   // Here: refused.
   [[nodiscard]] virtual int addLibrary(const ZoFileName& library, const wchar_t* module,
                                        int priority = 0);
+  int addLibrary(const ZoFileName&, const wchar_t*, bool) = delete;  // the priority is an int
   // Adds a folder of a server, "https://host/parts/": a relative name is asked for there when all
   // other places were asked, through the cache, or for ftp by the file-system service, which
   // fetches it each time. Here: refused.
   [[nodiscard]] virtual int addServer(const ZoFileName& url, const wchar_t* module,
                                       int priority = 0);
+  int addServer(const ZoFileName&, const wchar_t*, bool) = delete;  // the priority is an int
   // Where copies of servers' files and of members are kept: a folder, which is made; the most bytes
   // that it may hold; and how many seconds a copy serves before the server is asked again. An empty
   // name ends it; what the folder holds stays. Here: refused.
   [[nodiscard]] virtual int setCache(const ZoFileName& folder, std::uint64_t limit,
                                      unsigned int maxAge);
+  template <class Age>
+    requires std::same_as<Age, bool>
+  int setCache(const ZoFileName&, std::uint64_t, Age) = delete;  // bytes, then seconds
   // Where a file is. Here: what find gives, as named.
   [[nodiscard]] virtual int locate(const ZoFileName& name, ZoFound& found);
   // Adds all names that fit a pattern of * and ? in its last component, each as find() gives it, in
@@ -135,6 +141,10 @@ class ZO_COM_API ZoFileSearch : public ZoSysObj {
   // asked. An absolute pattern names its place itself: a folder, or LIBRARY|PATTERN. Here: refused.
   [[nodiscard]] virtual int findNames(const ZoFileName& pattern, ZoSequence<ZoFileName>& names,
                                       unsigned int kinds = 0);
+  template <class Kinds>
+    requires(!std::integral<Kinds> || std::same_as<Kinds, bool>)
+  int findNames(const ZoFileName&, ZoSequence<ZoFileName>&,
+                Kinds) = delete;  // a sum of ZoFindFile::kind
   // Finds and opens, a member as a ZoLibFile. For writing only what lies in a file of its own is
   // opened; of others 1. Here: finds it and opens what find gave.
   [[nodiscard]] virtual int openFile(const ZoFileName& name, ZoFile& file, int access, int share);
@@ -153,9 +163,10 @@ class ZO_COM_API ZoFileSearch : public ZoSysObj {
                             bool below = false) {
     return addFolder(folder, module, priority, below);
   }
-  template <zo::NotAFlag T>
-  int addPath(const ZoFileName&, const wchar_t*, int, const T&) = delete;  // below is a bool
-  int addPath(const ZoFileName&, const wchar_t*, bool) = delete;  // the priority comes first
+  template <class T>
+    requires(!std::same_as<T, bool>)
+  int addPath(const ZoFileName&, const wchar_t*, int, T) = delete;  // below is a bool
+  int addPath(const ZoFileName&, const wchar_t*, bool) = delete;    // the priority comes first
   [[nodiscard]] int find(const ZoFileName& name, ZoFound& found) { return locate(name, found); }
   [[nodiscard]] int findAll(const ZoFileName& pattern, ZoSequence<ZoFileName>& names,
                             unsigned int kinds = 0) {
@@ -163,14 +174,22 @@ class ZO_COM_API ZoFileSearch : public ZoSysObj {
   }
   // The same, one by one; none for a failure.
   [[nodiscard]] ZoFoundNames findAll(const ZoFileName& pattern, unsigned int kinds = 0);
+  template <class Kinds>
+    requires(std::is_enum_v<Kinds> || std::same_as<Kinds, bool>)
   int findAll(const ZoFileName&, ZoSequence<ZoFileName>&,
-              ZoFileName::FileKind) = delete;  // a sum of ZoFindFile::kind
-  ZoFoundNames findAll(const ZoFileName&,
-                       ZoFileName::FileKind) = delete;  // a sum of ZoFindFile::kind
+              Kinds) = delete;  // a sum of ZoFindFile::kind
+  template <class Kinds>
+    requires(std::is_enum_v<Kinds> || std::same_as<Kinds, bool>)
+  ZoFoundNames findAll(const ZoFileName&, Kinds) = delete;  // a sum of ZoFindFile::kind
   // access and share as ZoFile::open has them: kRead, and others may read.
   [[nodiscard]] int open(const ZoFileName& name, ZoFile& file);
   [[nodiscard]] int open(const ZoFileName& name, ZoFile& file, int access);
   [[nodiscard]] int open(const ZoFileName& name, ZoFile& file, int access, int share) {
     return openFile(name, file, access, share);
   }
+  // ZoFile, which need not be known here.
+  template <class File, class Access, class Share = int>
+    requires(!File::template kMayBe<Access, typename File::Access> ||
+             !File::template kMayBe<Share, typename File::Share>)
+  int open(const ZoFileName&, File&, Access, Share = {}) = delete;  // access, then share
 };

@@ -18,10 +18,14 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/names/name_text.h>
 #include <zo/system/sys_obj.h>
+#include <zo/text/string.h>
+
+#include <concepts>
+#include <cstddef>
 
 class ZoFileName;
-class ZoString;
 template <class T>
 class ZoSequence;
 
@@ -39,6 +43,15 @@ class ZO_COM_API ZoMacroLib : public ZoSysObj {
   // Here: refused.
   [[nodiscard]] virtual int setMacro(const ZoString& name, const ZoString& value,
                                      const wchar_t* module);
+  template <zo::NameSource Value>
+  [[nodiscard]] int setMacro(const ZoString& name, const Value& value, const wchar_t* module) {
+    return setMacro(name, ZoString(zo::wideOf(value)), module);
+  }
+  template <zo::NameSource Name, zo::NameSource Value>
+  [[nodiscard]] int setMacro(const Name& name, const Value& value, const wchar_t* module) {
+    return setMacro(ZoString(zo::wideOf(name)), ZoString(zo::wideOf(value)), module);
+  }
+  int setMacro(const ZoString&, std::nullptr_t, const wchar_t*) = delete;  // removeMacro
   // Takes the value that a module gave away. Here: refused.
   [[nodiscard]] virtual int removeMacro(const ZoString& name, const wchar_t* module);
   // The names of all macros, sorted, in the place of what `names` held. Here: refused.
@@ -52,4 +65,7 @@ class ZO_COM_API ZoMacroLib : public ZoSysObj {
   // Whether variables of the environment are macros, too, behind all others. At first they are not.
   // Here: refused.
   [[nodiscard]] virtual int useEnvironment(bool use);
+  template <class Use>
+    requires(!std::same_as<Use, bool>)
+  int useEnvironment(Use) = delete;  // a bool
 };
