@@ -177,6 +177,13 @@ def versions():
     run("recover", "v.lib", "v.txt", "--all", err=r"v\.lib: 3 members recovered\n")
     assert run("cat", "v.lib", "v~1.txt", "v~2.txt", "v.txt") == b"firstsecondthird"
     run("recover", "v.lib", "v.txt", code=2, err="zolib: cannot recover v.txt: a member has that name; .*")
+    for content in (b"first", b"second"):  # of a name that is deleted already no trace stays, either
+        run("add", "v.lib", str(write("w.txt", content)), "-q")
+    run("delete", "v.lib", "w.txt", "-q")
+    run("delete", "v.lib", "w.txt", "--physically", code=10, err=".*no member w.txt.*")
+    run("delete", "v.lib", "w.txt", "--physically", "--versions", err=r"v\.lib: 1 member deleted\n")
+    assert b"w.txt" not in pathlib.Path("v.lib").read_bytes()
+    os.remove("w.txt")
     os.remove("v.lib")
 
 
@@ -335,7 +342,13 @@ def names():
     run("extract", "list", "a/b", "-o", "renamed")
     assert files("renamed") == ["a/b"]
     write("日本.txt")
-    run("add", "b.lib", "日本.txt", code=2, err="zolib: cannot add 日本.txt: .*; rename the file\n.*")
+    run("sync", "w.lib", ".", "--include", "日本.txt", "-q")
+    assert members("w.lib") == ["日本.txt"]
+    os.remove("日本.txt")
+    run("sync", "w.lib", ".", "--include", "日本.txt", err=r".*w\.lib: 1 deleted\n")
+    for lib in ("b.lib", "new.lib"):
+        run("add", lib, "a.txt:stream", code=10, err="zolib: cannot find a.txt:stream.*")
+    assert not pathlib.Path("new.lib").exists()
 
 
 def hostile():
@@ -365,6 +378,16 @@ def full():
     assert done.returncode == 2 and re.fullmatch("zolib: cannot extract large to out/large: (?!.*not found|it was refused).*\n.*",
                                                  done.stderr.decode(), re.S), done
     assert files("out") == ["ä" * 120]
+    write("small")
+    write("huge", os.urandom(17 << 20))
+    run("create", "b.lib", "small", "-q")
+    for verb, library in (("add", "b.lib"), ("create", "c.lib")):
+        for source in ("large", "huge"):
+            done = subprocess.run(COMMAND + [verb, library, source], capture_output=True, preexec_fn=small_files)
+            assert done.returncode == 2 and re.match("zolib: cannot add .*: (?!.*damaged|it was refused)",
+                                                     done.stderr.decode()), done
+    run("test", "b.lib", err="b.lib: 1 member ok\n")
+    assert not pathlib.Path("c.lib").exists()
 
 
 def many():

@@ -60,7 +60,7 @@ class Adder {
   // Whether it is to be packed.
   bool wants(const Source& source, Job& job) {
     const ZoFileName member(source.member);
-    if (const std::string why = refusal(source, member); !why.empty()) {
+    if (const std::string why = refusal(source); !why.empty()) {
       report_.fail(kFailed, {200, "cannot add %1: %2"}, source.path, why);
       return false;
     }
@@ -164,12 +164,8 @@ class Adder {
   static constexpr std::uint64_t kBatchTime = 1000;  // ms
 
   // Why no file could ever come out of the library under the member's name; empty when one can.
-  static std::string refusal(const Source& source, const ZoFileName& member) {
-    std::optional<Text> why = refusalOf(source.member);
-    if (member.isEmpty())
-      why = Text{211, "its name is none that a member can have (a $ in front begins a macro)"};
-    else if (!member.isAnsi())
-      why = Text{208, "its name has characters that no member's name can have"};
+  static std::string refusal(const Source& source) {
+    const std::optional<Text> why = refusalOf(source.member);
     if (!why) return {};
     return say(*why) + (source.path == L"-" ? say({209, "; give another --name"})
                                             : say({210, "; rename the file"}));

@@ -35,12 +35,21 @@ void reportFailure(Session& session, const Text& text, const std::vector<ZoLibEn
   session.reportFailure(say(text, which), code);
 }
 
+// Each of them, or each name once.
+void tellDeleted(Report& report, const std::vector<ZoLibEntry>& entries, bool byName) {
+  std::unordered_set<std::wstring> told;
+  for (const ZoLibEntry& entry : entries)
+    if (!byName || told.insert(folded(entry.name.view())).second)
+      report.member(entry.name.view(), "deleted");
+}
+
 }  // namespace
 
 void remove(const Options& options, Report& report) {
   Session session(options, report);
   if (!session.openToWrite()) return;
-  const std::vector<ZoLibEntry> entries = session.select(Session::kLive);
+  const std::vector<ZoLibEntry> entries =
+      session.select(options.versions ? Session::kBoth : Session::kLive);
   const ZoLibrary::Deletion how = options.versions     ? ZoLibrary::kAllVersions
                                   : options.physically ? ZoLibrary::kPhysically
                                                        : ZoLibrary::kByMark;
@@ -50,7 +59,7 @@ void remove(const Options& options, Report& report) {
   if (const int code = works ? session->deleteFiles(entries, how, &refused) : 0)
     reportFailure(session, {300, "cannot delete %1"}, entries, refused, code);
   else if (goesOn(report))
-    for (const ZoLibEntry& entry : entries) report.member(entry.name.view(), "deleted");
+    tellDeleted(report, entries, options.versions);
   sumUp(options, report, session, "deleted", {301, "%1: %{?2 1 member|%2 members} deleted"});
   session.close();
 }

@@ -8,6 +8,8 @@
 namespace zolib {
 namespace {
 
+constexpr Text kNoName{470, "it has no name that a file can have"};
+
 constexpr std::wstring_view kSlashes = L"\\/";
 
 constexpr bool isSlash(wchar_t c) noexcept { return c == L'\\' || c == L'/'; }
@@ -60,7 +62,8 @@ std::wstring memberName(std::wstring_view path) {
 }
 
 std::optional<Text> refusalOf(std::wstring_view member) {
-  if (member.empty()) return Text{470, "it has no name that a file can have"};
+  if (member.empty()) return kNoName;
+  if (member[0] == L'$') return Text{211, "a $ in front begins a macro"};
   if (isSlash(member[0])) return Text{471, "it is absolute"};
   if (member.find(L':') != std::wstring_view::npos) {
     const bool drive = member.size() > 1 && member[1] == L':';
@@ -80,7 +83,9 @@ std::optional<Text> refusalOf(std::wstring_view member) {
     if (ZoFileName(level).hasDeviceName()) return Text{477, "it names a device"};
   }
   // What the file names themselves know beyond that; the library decides.
-  if (!ZoFileName(member).isContained()) return Text{478, "the platform cannot keep it as it is"};
+  const ZoFileName name(member);
+  if (name.isEmpty()) return kNoName;
+  if (!name.isContained()) return Text{478, "the platform cannot keep it as it is"};
   return std::nullopt;
 }
 

@@ -40,7 +40,11 @@ bool Session::openToWrite(ZoFile::CreationMode mode) {
     report_.fail(kFailed, {100, "%1 exists already; add to it with `zolib add`"}, shown_);
     return false;
   }
-  if (!options_.dryRun) return open(ZoFile::kReadWrite, mode) && checkMark();
+  if (!options_.dryRun) {
+    if (!open(ZoFile::kReadWrite, mode)) return false;
+    isMade_ = !exists;
+    return checkMark();
+  }
   return (!exists && mode != ZoFile::kOpenExisting) || openToRead();
 }
 
@@ -89,7 +93,16 @@ bool Session::checkMark() {
 
 void Session::close() {
   forgetReason();
+  const bool isUseless = isMade_ && report_.code() > kWarnings && isEmpty();
   if (library_.close()) report_.fail(kFailed, {107, "cannot close %1%2"}, shown_, because());
+  if (!isUseless) return;
+  static_cast<void>(ZoSystem::fileSystem().erase(ZoFileName(path_), ZoFileSystem::kFile));
+}
+
+bool Session::isEmpty() {
+  bool isEmpty = true;
+  const auto found = [&](const ZoLibEntry&) { return isEmpty = false; };
+  return library_.isOpen() && !library_.forEachEntry(found, true) && isEmpty;
 }
 
 std::vector<ZoLibEntry> Session::select(Which which) {
@@ -173,9 +186,9 @@ void Session::reportFailure(std::string_view what, int code, std::string_view ad
 void Session::reportFailure(std::string_view what, int code, const std::string& why,
                             std::string_view advice) {
   if (library_.wasCancelled() || isCancelled()) return report_.cancelled();
-  // A change that is refused for a damage has a reason, too.
-  const bool mayBeDamaged = why.empty() || (code == ZoResult::refused && library_.isWritable());
-  const bool isDamaged = isDamage(why) || (mayBeDamaged && library_.trailingBytes());
+  // A change that is refused for a damage says so. With any other reason, what stands behind the
+  // last member may be what a write that failed left, which the next change takes away.
+  const bool isDamaged = isDamage(why) || (why.empty() && library_.trailingBytes());
   if (isDamaged && options_.verb != "salvage") {
     report_.fail(kDamaged, {112, "%1: %2 is damaged; get its members with `zolib salvage`"}, what,
                  shown_);

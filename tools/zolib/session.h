@@ -27,7 +27,8 @@ class Session {
   bool openToWrite(ZoFile::CreationMode mode = ZoFile::kOpenExisting);
   // Whatever it holds: for what damage left.
   bool openDamaged();
-  // Closes it and reports a failure of that.
+  // Closes it and reports a failure of that. One that was made here goes again when it has no
+  // member after a failure.
   void close();
 
   // The entries that the options select, in the file's order: live ones, deleted ones, or both.
@@ -68,11 +69,13 @@ class Session {
   std::unordered_set<std::wstring> wholeNames(Which which, const std::vector<std::wstring>& names);
   bool open(int access, ZoFile::CreationMode mode);
   bool checkMark();
+  bool isEmpty();
 
   const Options& options_;
   Report& report_;
   std::wstring path_;
   std::string shown_;  // as the user wrote it
+  bool isMade_ = false;
   Progress progress_;
   ZoLibrary library_;
 };
