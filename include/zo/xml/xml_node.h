@@ -16,7 +16,9 @@
 // Errors:  int results are 0; ZoResult::refused where nothing is there, the node is empty or of a
 //          kind that cannot do this, or the platform refuses; ZoResult::unfitForXml for a name or a
 //          text that could not be read back: a name that is none (of the letters, those count that
-//          every edition of XML takes), control characters but tab and line ends, lone surrogates.
+//          every edition of XML takes), an element with the prefix xml, control characters but tab
+//          and line ends, lone surrogates. Refused are attributes beyond
+//          ZoXMLClass::kMaxAttributes, and null pointers are empty texts.
 //          Out-parameters and the document are then as they were. Nothing throws but
 //          std::bad_alloc.
 // Threads: one at a time per document with all its nodes. Whether COM is initialised there, and
