@@ -5,4 +5,5 @@
 #include <zo/xml/xml_class.h>
 #include <zo/xml/xml_error.h>
 #include <zo/xml/xml_node.h>
+#include <zo/xml/xml_parameters.h>
 #include <zo/xml/xml_results.h>

@@ -2,6 +2,8 @@
 #include <zo/files/file_imp.h>
 #include <zo/files/file_save.h>
 
+#include <cstddef>
+
 #include "files/fresh_file.h"
 #include "files/keep_reason.h"
 #include "files/replace_file.h"
@@ -16,8 +18,17 @@ class ZoFileSave::Imp : public ZoFileImp {
   }
 
   unsigned int write(const void* data, unsigned int count) override {
-    const unsigned int done = ZoFileImp::write(data, count);
-    if (done == 0 && count > 0) keep();
+    const auto* const begin = static_cast<const std::byte*>(data);
+    unsigned int done = 0;
+    // What came short is asked for again: only then it is known whether it failed, and why.
+    while (done < count) {
+      const unsigned int moved = ZoFileImp::write(begin + done, count - done);
+      if (moved == 0) {
+        keep();
+        break;
+      }
+      done += moved;
+    }
     return done;
   }
   std::int64_t seek(std::int64_t offset, ZoFile::MoveMethod method) override {

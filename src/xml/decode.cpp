@@ -60,12 +60,19 @@ std::wstring declaredEncoding(Bytes bytes) {
   constexpr std::size_t kLongest = 1000;
   const Bytes head = bytes.substr(0, kLongest);
   const std::size_t end = head.find("?>");
-  if (!head.starts_with("<?xml") || end == Bytes::npos) return {};
+  if (!isXmlDeclaration(head) || end == Bytes::npos) return {};
   const std::wstring declaration(head.begin(), head.begin() + static_cast<std::ptrdiff_t>(end));
   XmlAttributes attributes(declaration);
   for (XmlAttribute attribute; attributes.next(attribute);)
     if (attribute.name == L"encoding") return std::wstring(attribute.value);
   return {};
+}
+
+// The platform takes any byte for it, and seven bits of each.
+constexpr unsigned int kAscii = 20127;
+bool isAscii(Bytes bytes) noexcept {
+  return std::all_of(bytes.begin(), bytes.end(),
+                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 void decodeNamed(Bytes bytes, const std::wstring& name, DecodedText& decoded) {
@@ -76,6 +83,8 @@ void decodeNamed(Bytes bytes, const std::wstring& name, DecodedText& decoded) {
     fail(decoded, L"The encoding is not known here, or is not that of the bytes.");
   } else if (codepage == ZoCodepage::kUtf8) {
     decodeUtf8(bytes, decoded);
+  } else if (codepage == kAscii && !isAscii(bytes)) {
+    fail(decoded, L"Bytes that are no text in the encoding that is declared.");
   } else {
     ZoString text;
     if (codepages->toText(bytes, codepage, ZoCodepage::kRefuse, text) == ZoResult::ok) {

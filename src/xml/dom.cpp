@@ -41,13 +41,6 @@ VARIANT asVariant(bool value) noexcept {
   variant.boolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
   return variant;
 }
-VARIANT asVariant(const ComText& text) noexcept {  // which keeps its text
-  VARIANT variant;
-  VariantInit(&variant);
-  variant.vt = VT_BSTR;
-  variant.bstrVal = text.get();
-  return variant;
-}
 
 // Asked without harm of versions that do not know the property.
 bool setProperty(IXMLDOMDocument2& dom, const wchar_t* name, const VARIANT& value) {
@@ -135,6 +128,14 @@ void askParseError(XmlDocument& document, XmlRefusal& refusal) {
 }
 
 }  // namespace
+
+VARIANT asVariant(const ComText& text) noexcept {
+  VARIANT variant;
+  VariantInit(&variant);
+  variant.vt = VT_BSTR;
+  variant.bstrVal = text.get();
+  return variant;
+}
 
 std::shared_ptr<XmlDocument> newXmlDocument() {
   auto document = std::make_shared<XmlDocument>();

@@ -39,6 +39,9 @@ struct XmlDocument {
   [[nodiscard]] const std::wstring* namespaceOf(std::wstring_view prefix) const noexcept;
 };
 
+// For a call; the text stays the owner.
+[[nodiscard]] VARIANT asVariant(const ComText& text) noexcept;
+
 // An empty document; null where the platform has no DOM.
 [[nodiscard]] std::shared_ptr<XmlDocument> newXmlDocument();
 

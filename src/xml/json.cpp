@@ -28,17 +28,8 @@ int fail(ZoJsonError* error, int code, View reason, View text, std::size_t at) {
   return code;
 }
 
-int parseDecoded(const zo::DecodedText& decoded, ZoVariant& value, ZoJsonError* error) {
-  const View text = decoded.text.view();
-  if (decoded.hasFailed)
-    return fail(error, ZoResult::wrongEncoding, decoded.reason, text, text.size());
-  return ZoJson::parse(text, value, error);
-}
-
-}  // namespace
-
-int ZoJson::parse(View text, ZoVariant& value, ZoJsonError* error) {
-  if (text.starts_with(L'\xFEFF')) text.remove_prefix(1);
+// Of a text without a mark.
+int parsePlain(View text, ZoVariant& value, ZoJsonError* error) {
   zo::FormBuilder builder;
   zo::JsonParser<zo::FormBuilder> parser(text, builder, ZoVariant::kMaxDepth);
   ZoVariant read;
@@ -49,6 +40,19 @@ int ZoJson::parse(View text, ZoVariant& value, ZoJsonError* error) {
   value.swap(read);
   if (error) *error = {};
   return ZoResult::ok;
+}
+
+int parseDecoded(const zo::DecodedText& decoded, ZoVariant& value, ZoJsonError* error) {
+  const View text = decoded.text.view();
+  if (decoded.hasFailed)
+    return fail(error, ZoResult::wrongEncoding, decoded.reason, text, text.size());
+  return parsePlain(text, value, error);
+}
+
+}  // namespace
+
+int ZoJson::parse(View text, ZoVariant& value, ZoJsonError* error) {
+  return parsePlain(text.substr(text.starts_with(L'\xFEFF') ? 1 : 0), value, error);
 }
 
 int ZoJson::parse(std::string_view bytes, ZoVariant& value, ZoJsonError* error) {

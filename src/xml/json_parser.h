@@ -58,7 +58,17 @@ class JsonParser {
     return false;
   }
   bool failTyped(size_t at) noexcept {
-    return failAt(at, L"No variant is written so.", ZoResult::noVariant);
+    return at < text_.size() ? failAt(at, L"No variant is written so.", ZoResult::noVariant)
+                             : failAt(at, L"A value is missing.");
+  }
+  // Where a sign is missing: is there the one that others would write, or is it no JSON?
+  bool failInTyped(wchar_t others, const wchar_t* reason) noexcept {
+    return peek() == others ? failTyped(at_) : fail(reason);
+  }
+  // Whether a value begins here that is of another kind than those which begin so.
+  [[nodiscard]] bool isOtherValue(View beginnings) const noexcept {
+    const wchar_t c = isDigit(peek()) ? L'-' : peek();
+    return View(L"{[\"tfn-").find(c) != View::npos && beginnings.find(c) == View::npos;
   }
 
   // ---- Characters ----
@@ -175,6 +185,7 @@ class JsonParser {
       return (readReal(text, out) && !std::isfinite(out)) || failTyped(first);
     }
     Number read;
+    if (isOtherValue(L"-")) return failTyped(first);
     if (!number(read)) return false;
     out = read.isReal ? read.real : static_cast<double>(read.integer);
     return true;
@@ -231,13 +242,14 @@ class JsonParser {
     skipWhite();
     if (!anyText(name)) return false;
     return rest(dict, builder_.key(name), first, L',') &&
-           (takeNext(L']') || fail(L"A closing bracket is missing."));
+           (takeNext(L']') || failInTyped(L',', L"A closing bracket is missing."));
   }
   template <class Key>
   bool rest(Value& dict, Key key, size_t first, wchar_t separator) {
     Value child;
     if (!takeNext(separator))
-      return fail(separator == L':' ? L"A colon is missing." : L"A comma is missing.");
+      return separator == L':' ? fail(L"A colon is missing.")
+                               : failInTyped(L']', L"A comma is missing.");
     if (!value(child)) return false;
     return builder_.addEntry(dict, std::move(key), std::move(child)) ||
            failAt(first, L"There is such a key already; upper and lower case are the same.");
@@ -253,7 +265,12 @@ class JsonParser {
       builder_.makeEmpty(out, plain);
       return true;
     }
-    if (isTypeKeyNext()) return typed(out);
+    const size_t keyAt = at_;
+    if (mayBeTypeKey()) {
+      View key;
+      if (!quoted(key)) return false;
+      if (key == kJsonTypeKey) return typed(out, keyAt);
+    }
     at_ = start;
     if (!enter()) return false;
     ++at_;
@@ -265,14 +282,13 @@ class JsonParser {
     ++depthLeft_;
     return true;
   }
-  [[nodiscard]] bool isTypeKeyNext() const noexcept {
-    return text_.substr(at_).starts_with(L"\"$zo\"");
+  [[nodiscard]] bool mayBeTypeKey() const noexcept {
+    const View next = text_.substr(at_);
+    return next.starts_with(L"\"$") || next.starts_with(L"\"\\");
   }
 
-  // ---- Typed values: {"$zo": [type, value]}, of which the brace is taken ----
-  bool typed(Value& out) {
-    const size_t first = at_;
-    at_ += kJsonTypeKey.size() + 2;
+  // ---- Typed values: {"$zo": [type, value]}, of which the key is taken ----
+  bool typed(Value& out, size_t first) {
     if (!takeNext(L':')) return fail(L"A colon is missing.");
     FormHead head;
     View type;
@@ -282,10 +298,11 @@ class JsonParser {
     if (peek() != L'"') return failTyped(at_);
     if (!quoted(type)) return false;
     if (!readWholeHead(type, head) || !builder_.head(head)) return failTyped(typeAt);
-    if (!takeNext(L',')) return fail(L"A comma is missing.");
+    if (!takeNext(L',')) return failInTyped(L']', L"A comma is missing.");
     skipWhite();
-    return payload(out, head) && (takeNext(L']') || fail(L"A closing bracket is missing.")) &&
-           (takeNext(L'}') || fail(L"A closing bracket is missing."));
+    return payload(out, head) &&
+           (takeNext(L']') || failInTyped(L',', L"A closing bracket is missing.")) &&
+           (takeNext(L'}') || failInTyped(L',', L"A closing bracket is missing."));
   }
 
   bool payload(Value& out, const FormHead& head) {
@@ -293,6 +310,7 @@ class JsonParser {
     View read;
     switch (head.kind) {
       case VariantKind::Empty:
+        if (isOtherValue(L"n")) return failTyped(first);
         builder_.makeEmpty(out, head);
         return takeWord(L"null");
       case VariantKind::Int:
@@ -334,6 +352,7 @@ class JsonParser {
   bool integer(Value& out, const FormHead& head) {
     const size_t first = at_;
     Number read;
+    if (isOtherValue(L"-")) return failTyped(first);
     if (!number(read)) return false;
     if (read.isReal) return failTyped(first);
     if (head.kind == VariantKind::BigInt) {
@@ -374,6 +393,7 @@ class JsonParser {
       skipWhite();
       const size_t unitAt = at_;
       Number unit;
+      if (isOtherValue(L"-")) return failTyped(unitAt);
       if (!number(unit)) return false;
       if (unit.isReal || unit.integer < 0 || unit.integer > 0xFFFF) return failTyped(unitAt);
       unescaped_ += static_cast<wchar_t>(unit.integer);

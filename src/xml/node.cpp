@@ -18,6 +18,7 @@ DomNode elementFrom(DomNode node) noexcept {
 }
 
 bool selectNodes(IXMLDOMNode& from, std::wstring_view xpath, std::vector<DomNode>& nodes) {
+  if (xpath.find(L'\0') != std::wstring_view::npos) return false;  // the platform stops there
   ComPtr<IXMLDOMNodeList> list;
   if (FAILED(from.selectNodes(ComText(xpath).get(), list.out())) || !list) return false;
   for (DomNode node; list->nextNode(node.out()) == S_OK && node;) nodes.push_back(node);
@@ -26,6 +27,7 @@ bool selectNodes(IXMLDOMNode& from, std::wstring_view xpath, std::vector<DomNode
 
 DomNode selectNode(IXMLDOMNode& from, std::wstring_view xpath) {
   DomNode node;
+  if (xpath.find(L'\0') != std::wstring_view::npos) return node;
   (void)from.selectSingleNode(ComText(xpath).get(), node.out());
   return node;
 }

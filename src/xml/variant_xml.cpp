@@ -326,8 +326,7 @@ class Reader {
   }
   static bool integer(const FormHead& head, View text, ZoVariant& out) {
     std::int64_t value = 0;
-    unsigned int end = 0;
-    if (ZoStrToInt(text, value, &end) != ZoResult::ok || end != text.size()) return false;
+    if (!isPlainNumber(text, true) || ZoStrToInt(text, value) != ZoResult::ok) return false;
     if (head.kind == VariantKind::BigInt) {
       FormBuilder::make(out, head, value);
     } else {
@@ -343,6 +342,7 @@ class Reader {
     while (!text.empty()) {
       const std::size_t blank = std::min(text.find(L' '), text.size());
       if (count == 4 || !readReal(text.substr(0, blank), c[count++])) return false;
+      if (blank + 1 == text.size()) return false;
       text.remove_prefix(std::min(blank + 1, text.size()));
     }
     FormBuilder::make(out, head, c);

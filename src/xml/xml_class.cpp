@@ -19,6 +19,7 @@ using zo::XmlState;
 namespace {
 
 using View = std::wstring_view;
+using Text = zo::XmlTextParameter;
 
 constexpr View kNoParser = L"This system has no parser for XML.";
 constexpr View kNoFile = L"The file could not be read.";
@@ -72,8 +73,7 @@ ComText forDom(View text, const zo::XmlFinding& finding, bool keepsLayout) {
 
 int XmlState::read(View text, bool isFromUtf16, const zo::XmlAllowed& limits) {
   const zo::XmlFinding finding = zo::scanXml(text, limits);
-  if (finding.code != ZoResult::ok)
-    return fail(finding.code, finding.reason, zo::placeOf(text, finding.at), text);
+  if (finding.code != ZoResult::ok) return failFound(text, finding);
   const auto made = zo::newXmlDocument();
   if (!made) return fail(ZoResult::noXmlParser, kNoParser);
   if (!zo::parseXml(*made, forDom(text, finding, keepsLayout)))
@@ -84,6 +84,16 @@ int XmlState::read(View text, bool isFromUtf16, const zo::XmlAllowed& limits) {
   document = made;
   isUtf16 = isFromUtf16;
   return ZoResult::ok;
+}
+
+// What is not well-formed in front of that is told first.
+int XmlState::failFound(View text, const zo::XmlFinding& finding) {
+  if (finding.code == ZoResult::notWellFormed) {
+    const zo::XmlFault fault = zo::findXmlFault(text);
+    if (fault.reason && fault.at < finding.at)
+      return fail(finding.code, fault.reason, zo::placeOf(text, fault.at), text);
+  }
+  return fail(finding.code, finding.reason, zo::placeOf(text, finding.at), text);
 }
 
 int XmlState::failRefused(XmlDocument& refusing, View text, const zo::XmlFinding& finding) {
@@ -117,10 +127,10 @@ int ZoXMLClass::load(const ZoFileName& file) {
   return state_->read(text, decoded.isUtf16);
 }
 
-int ZoXMLClass::parse(View text) {
+int ZoXMLClass::parse(Text text) {
   if (text.size() > zo::kXmlUnits || text.size() * 2 > state_->maxBytes)
     return state_->fail(ZoResult::beyondLimits, kTooLarge);
-  return state_->read(text.substr(text.starts_with(L'\xFEFF') ? 1 : 0), false);
+  return state_->read(View(text).substr(text.starts_with(L'\xFEFF') ? 1 : 0), false);
 }
 
 void ZoXMLClass::allowDocumentType(bool allowed) noexcept {
@@ -129,9 +139,9 @@ void ZoXMLClass::allowDocumentType(bool allowed) noexcept {
 
 void ZoXMLClass::keepLayout(bool kept) noexcept { state_->keepsLayout = kept; }
 
-void ZoXMLClass::setLimits(std::uint64_t bytes, unsigned int depth) noexcept {
+void ZoXMLClass::limit(std::uint64_t bytes, std::uint64_t depth) noexcept {
   state_->maxBytes = bytes;
-  state_->allowed.depth = std::min(depth, kMaxDepth);
+  state_->allowed.depth = static_cast<unsigned int>(std::min<std::uint64_t>(depth, kMaxDepth));
 }
 
 // ---- Writing ----
@@ -172,7 +182,7 @@ int ZoXMLClass::write(ZoString& text, Format format) const {
 ZoXMLClass::ZoXMLClass() : state_(std::make_unique<XmlState>()) {}
 ZoXMLClass::~ZoXMLClass() = default;
 
-int ZoXMLClass::create(View rootName) {
+int ZoXMLClass::create(Text rootName) {
   if (!zo::isXmlName(rootName))
     return state_->fail(ZoResult::unfitForXml, L"This is no name for an element.");
   std::wstring text = L"<" + std::wstring(rootName);
@@ -195,7 +205,7 @@ ZoXMLNode ZoXMLClass::root() const {
   return document ? XmlNodeAccess::made(document, rootOf(*document)) : ZoXMLNode();
 }
 
-int ZoXMLClass::setNamespace(View prefix, View uri) {
+int ZoXMLClass::setNamespace(Text prefix, Text uri) {
   if (!zo::isPlainXmlName(prefix) || prefix == L"xml" || prefix == L"xmlns" ||
       uri.find_first_of(L" <>&\"'\t\r\n") != View::npos || zo::firstUnfit(uri) != View::npos)
     return state_->fail(ZoResult::unfitForXml, L"This is no prefix, or no namespace.");
@@ -216,17 +226,17 @@ int ZoXMLClass::setNamespace(View prefix, View uri) {
   return ZoResult::ok;
 }
 
-int ZoXMLClass::get(View path, ZoString& text) const {
+int ZoXMLClass::get(Text path, ZoString& text) const {
   const int code = root().get(path, text);
   return code == ZoResult::ok ? code : state_->fail(code, L"Nothing is there.");
 }
 
-int ZoXMLClass::put(View path, View text) {
+int ZoXMLClass::put(Text path, Text text) {
   const int code = root().put(path, text);
   return code == ZoResult::ok ? code : state_->fail(code, L"It could not be put there.");
 }
 
-int ZoXMLClass::select(View xpath, ZoSequence<ZoXMLNode>& nodes) const {
+int ZoXMLClass::select(Text xpath, ZoSequence<ZoXMLNode>& nodes) const {
   const auto& document = state_->document;
   if (!document) return state_->fail(ZoResult::refused, kEmpty);
   std::vector<DomNode> found;
@@ -235,10 +245,10 @@ int ZoXMLClass::select(View xpath, ZoSequence<ZoXMLNode>& nodes) const {
   return zo::giveNodes(document, std::move(found), nodes);
 }
 
-ZoXMLNode ZoXMLClass::selectFirst(View xpath) const {
+ZoXMLNode ZoXMLClass::selectFirst(Text xpath) const {
   const auto& document = state_->document;
   if (!document) return {};
   return XmlNodeAccess::made(document, zo::selectNode(*document->dom.get(), xpath));
 }
 
-const ZoXMLError& ZoXMLClass::error() const noexcept { return state_->error; }
+const ZoXMLError& ZoXMLClass::error() const& noexcept { return state_->error; }

@@ -1,6 +1,7 @@
 #include "xml/xml_fault.h"
 
 #include <algorithm>
+#include <set>
 #include <vector>
 
 #include "text/code_units.h"
@@ -57,7 +58,7 @@ class Checker {
       case XmlToken::CharacterData:
         return !open_.empty() || fail(piece, L"A text outside of the root element.");
       case XmlToken::Instruction:
-        return !piece.starts_with(L"<?xml ") || scanner_.start() == 0 ||
+        return !isXmlDeclaration(piece) || scanner_.start() == 0 ||
                fail(piece, L"A declaration that does not stand at the front.");
       case XmlToken::DocumentType:
         hasDocumentType_ = true;
@@ -130,7 +131,7 @@ class Checker {
     return isLetter(c) || c == L'_' || c == L':' || c >= 0x80;
   }
   bool attributes(View rest) {
-    std::vector<View> names;
+    std::set<View> names;
     for (;;) {
       const std::size_t first = rest.find_first_not_of(kWhite);
       if (first == View::npos) return true;
@@ -149,10 +150,9 @@ class Checker {
       const View value = at.substr(quote + 1, end - quote - 1);
       if (const std::size_t less = value.find(L'<'); less != View::npos)
         return fail(value.substr(less), L"The sign < in the value of an attribute.");
-      if (std::find(names.begin(), names.end(), name) != names.end())
+      if (!names.insert(name).second)
         return fail(at, L"An attribute that the element has already.");
       if (!references(value)) return false;
-      names.push_back(name);
       rest = at.substr(end + 1);
     }
   }

@@ -2,6 +2,7 @@
 #include <zo/xml/xml_node.h>
 
 #include "xml/node.h"
+#include "xml/xml_names.h"
 
 using zo::ComPtr;
 using zo::ComText;
@@ -12,6 +13,7 @@ using zo::XmlNodeAccess;
 namespace {
 
 using View = std::wstring_view;
+using Text = zo::XmlTextParameter;
 
 // One of the texts that a node has; empty for an empty handle.
 ZoString textOf(const XmlNode* node, HRESULT (STDMETHODCALLTYPE IXMLDOMNode::*get)(BSTR*)) {
@@ -60,8 +62,11 @@ DomNode attributeOf(const XmlNode& node, View name) {
   ComPtr<IXMLDOMNamedNodeMap> map;
   if (node.node->get_attributes(map.out()) != S_OK || !map) return {};
   DomNode attribute;
-  (void)map->getQualifiedItem(ComText(zo::withoutPrefix(name)).get(), ComText(uri).get(),
-                              attribute.out());
+  // Some platforms keep this prefix as a part of the name.
+  if (map->getQualifiedItem(ComText(zo::withoutPrefix(name)).get(), ComText(uri).get(),
+                            attribute.out()) != S_OK &&
+      zo::prefixOf(name) == L"xml")
+    (void)map->getQualifiedItem(ComText(name).get(), ComText(View()).get(), attribute.out());
   return attribute;
 }
 
@@ -90,7 +95,7 @@ ZoString ZoXMLNode::namespaceUri() const {
 }
 ZoString ZoXMLNode::text() const { return textOf(node_.get(), &IXMLDOMNode::get_text); }
 
-int ZoXMLNode::setText(View text) {
+int ZoXMLNode::setText(Text text) {
   const Kind is = kind();
   if (is == kNone || is == kOther) return ZoResult::refused;
   if (is == kComment ? !isComment(text) : !isFit(text)) return ZoResult::unfitForXml;
@@ -99,7 +104,7 @@ int ZoXMLNode::setText(View text) {
 
 // ---- Attributes ----
 
-int ZoXMLNode::getAttribute(View name, ZoString& value) const {
+int ZoXMLNode::getAttribute(Text name, ZoString& value) const {
   const DomNode attribute = node_ ? attributeOf(*node_, name) : DomNode();
   ComText text;
   if (!attribute || FAILED(attribute->get_text(text.out()))) return ZoResult::refused;
@@ -107,12 +112,12 @@ int ZoXMLNode::getAttribute(View name, ZoString& value) const {
   return ZoResult::ok;
 }
 
-ZoString ZoXMLNode::attribute(View name, ZoString otherwise) const {
+ZoString ZoXMLNode::attribute(Text name, ZoString otherwise) const {
   (void)getAttribute(name, otherwise);  // refused: it stays
   return otherwise;
 }
 
-int ZoXMLNode::setAttribute(View name, View value) {
+int ZoXMLNode::setAttribute(Text name, Text value) {
   const auto element = node_ ? zo::elementOf(node_->node) : ComPtr<IXMLDOMElement>();
   if (!element) return ZoResult::refused;
   if (!zo::isXmlName(name) || isDeclaration(name) || !isFit(value)) return ZoResult::unfitForXml;
@@ -120,24 +125,35 @@ int ZoXMLNode::setAttribute(View name, View value) {
   if (const int code = uriOf(*node_, name, uri)) return code;
   if (const DomNode there = attributeOf(*node_, name))
     return SUCCEEDED(there->put_text(ComText(value).get())) ? ZoResult::ok : ZoResult::refused;
-  const DomNode made = zo::newNode(*node_->document, NODE_ATTRIBUTE, name, uri);
   ComPtr<IXMLDOMNamedNodeMap> map;
+  long count = 0;
+  if (node_->node->get_attributes(map.out()) != S_OK || !map || FAILED(map->get_length(&count)) ||
+      static_cast<std::size_t>(count) >= zo::kXmlAttributes)
+    return ZoResult::refused;
+  // Not every platform makes a node with this prefix.
+  if (zo::prefixOf(name) == L"xml")
+    return SUCCEEDED(element->setAttribute(ComText(name).get(), zo::asVariant(ComText(value))))
+               ? ZoResult::ok
+               : ZoResult::refused;
+  const DomNode made = zo::newNode(*node_->document, NODE_ATTRIBUTE, name, uri);
   DomNode added;
   const bool isAdded = made && SUCCEEDED(made->put_text(ComText(value).get())) &&
-                       node_->node->get_attributes(map.out()) == S_OK && map &&
                        SUCCEEDED(map->setNamedItem(made.get(), added.out()));
   return isAdded ? ZoResult::ok : ZoResult::refused;
 }
 
-int ZoXMLNode::removeAttribute(View name) {
+int ZoXMLNode::removeAttribute(Text name) {
   if (!node_ || isDeclaration(name) || !attributeOf(*node_, name)) return ZoResult::refused;
   View uri;
   ComPtr<IXMLDOMNamedNodeMap> map;
   DomNode removed;
-  const bool isRemoved = uriOf(*node_, name, uri) == ZoResult::ok &&
-                         node_->node->get_attributes(map.out()) == S_OK &&
-                         SUCCEEDED(map->removeQualifiedItem(ComText(zo::withoutPrefix(name)).get(),
-                                                            ComText(uri).get(), removed.out()));
+  if (uriOf(*node_, name, uri) != ZoResult::ok || node_->node->get_attributes(map.out()) != S_OK)
+    return ZoResult::refused;
+  const bool isRemoved =
+      map->removeQualifiedItem(ComText(zo::withoutPrefix(name)).get(), ComText(uri).get(),
+                               removed.out()) == S_OK ||
+      (zo::prefixOf(name) == L"xml" &&
+       map->removeQualifiedItem(ComText(name).get(), ComText(View()).get(), removed.out()) == S_OK);
   return isRemoved ? ZoResult::ok : ZoResult::refused;
 }
 
@@ -161,14 +177,14 @@ ZoXMLNode ZoXMLNode::nextSibling() const {
 
 // ---- XPath ----
 
-int ZoXMLNode::select(View xpath, ZoSequence<ZoXMLNode>& nodes) const {
+int ZoXMLNode::select(Text xpath, ZoSequence<ZoXMLNode>& nodes) const {
   if (!node_) return ZoResult::refused;
   std::vector<DomNode> found;
   if (!zo::selectNodes(*node_->node.get(), xpath, found)) return ZoResult::badXmlPath;
   return zo::giveNodes(node_->document, std::move(found), nodes);
 }
 
-ZoXMLNode ZoXMLNode::selectFirst(View xpath) const {
+ZoXMLNode ZoXMLNode::selectFirst(Text xpath) const {
   if (!node_) return {};
   return XmlNodeAccess::made(node_->document, zo::selectNode(*node_->node.get(), xpath));
 }
@@ -191,7 +207,11 @@ int cut(const XmlNode* node, View path, Steps& steps) {
 
 // What the first `count` steps lead to.
 DomNode reached(const XmlNode& node, const Steps& steps, std::size_t count) {
-  return count == 0 ? node.node : zo::selectNode(*node.node.get(), zo::xpathOf(steps, count));
+  if (count == 0) return node.node;
+  if (!steps[count - 1].isAttribute)
+    return zo::selectNode(*node.node.get(), zo::xpathOf(steps, count));
+  const DomNode element = reached(node, steps, count - 1);
+  return element ? attributeOf({node.document, element}, steps[count - 1].name) : DomNode();
 }
 
 // What matters of where a new element would lie.
@@ -226,6 +246,7 @@ int makeElements(const XmlNode& top, const Steps& steps, std::size_t first, View
   for (std::size_t i = first; i < steps.size() && !steps[i].isAttribute; ++i) {
     View uri;
     if (const int code = uriOf(top, steps[i].name, uri)) return code;
+    if (zo::prefixOf(steps[i].name) == L"xml") return ZoResult::unfitForXml;
     const bool isLost = uri.empty() && place.hasDefaultNamespace;
     if (isLost || place.depth + (i - first) >= zo::kXmlDepth) return ZoResult::refused;
     const DomNode element = zo::newNode(*top.document, NODE_ELEMENT, steps[i].name, uri);
@@ -248,13 +269,13 @@ bool isNext(const XmlNode& at, const zo::XmlStep& step) {
 
 }  // namespace
 
-ZoXMLNode ZoXMLNode::find(View path) const {
+ZoXMLNode ZoXMLNode::find(Text path) const {
   Steps steps;
   if (cut(node_.get(), path, steps) != ZoResult::ok) return {};
   return XmlNodeAccess::made(node_->document, reached(*node_, steps, steps.size()));
 }
 
-int ZoXMLNode::get(View path, ZoString& text) const {
+int ZoXMLNode::get(Text path, ZoString& text) const {
   Steps steps;
   if (const int code = cut(node_.get(), path, steps)) return code;
   const DomNode found = reached(*node_, steps, steps.size());
@@ -264,7 +285,7 @@ int ZoXMLNode::get(View path, ZoString& text) const {
   return ZoResult::ok;
 }
 
-int ZoXMLNode::put(View path, View text) {
+int ZoXMLNode::put(Text path, Text text) {
   Steps steps;
   if (const int code = cut(node_.get(), path, steps)) return code;
   if (!isFit(text)) return ZoResult::unfitForXml;
@@ -287,7 +308,7 @@ int ZoXMLNode::put(View path, View text) {
 
 // ---- Building ----
 
-int ZoXMLNode::append(View name, ZoXMLNode* made) {
+int ZoXMLNode::append(Text name, ZoXMLNode* made) {
   if (kind() != kElement) return ZoResult::refused;
   if (!zo::isXmlName(name)) return ZoResult::unfitForXml;
   DomNode element;
@@ -298,7 +319,7 @@ int ZoXMLNode::append(View name, ZoXMLNode* made) {
   return ZoResult::ok;
 }
 
-int ZoXMLNode::appendComment(View text) {
+int ZoXMLNode::appendComment(Text text) {
   if (kind() != kElement) return ZoResult::refused;
   if (!isComment(text)) return ZoResult::unfitForXml;
   ComPtr<IXMLDOMComment> comment;

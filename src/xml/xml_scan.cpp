@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "xml/xml_names.h"
 #include "xml/xml_text.h"
 
 namespace zo {
@@ -127,12 +128,15 @@ XmlFinding refusal(int code, std::size_t at, const wchar_t* reason) noexcept {
 
 }  // namespace
 
-XmlFinding scanXml(View text, const XmlAllowed& allowed) noexcept {
+XmlFinding scanXml(View text, const XmlAllowed& allowed) {
   const std::size_t unfit = firstUnfit(text);
   if (unfit != View::npos)
     return refusal(ZoResult::notWellFormed, unfit, L"A character that XML cannot hold.");
+  if (text.starts_with(L'\xFEFF'))
+    return refusal(ZoResult::notWellFormed, 0, L"A second mark at the front.");
   XmlFinding finding;
   XmlScanner scanner(text);
+  XmlNames names;
   unsigned int depth = 0;
   for (XmlToken token = scanner.next(); token != XmlToken::End && token != XmlToken::Broken;
        token = scanner.next()) {
@@ -140,14 +144,18 @@ XmlFinding scanXml(View text, const XmlAllowed& allowed) noexcept {
       return refusal(ZoResult::hasDocumentType, scanner.start(),
                      L"A document type, which is not allowed here.");
     if (token == XmlToken::DocumentType) finding.documentType = scanner.piece();
-    if (token == XmlToken::Instruction && scanner.start() == 0)
+    if (scanner.start() == 0 && isXmlDeclaration(scanner.piece()))
       findEncoding(text, scanner.piece(), finding);
+    const bool isElement = token == XmlToken::StartTag || token == XmlToken::EmptyTag;
     if (token == XmlToken::EndTag && depth > 0) --depth;
-    if (token != XmlToken::StartTag && token != XmlToken::EmptyTag) continue;
-    if (depth >= allowed.depth)
+    if (isElement && depth >= allowed.depth)
       return refusal(ZoResult::beyondLimits, scanner.start(),
                      L"Elements lie deeper in one another than allowed.");
     if (token == XmlToken::StartTag) ++depth;
+    if (!names.take(token, scanner.piece()))
+      return refusal(names.finding().code,
+                     static_cast<std::size_t>(names.place().data() - text.data()),
+                     names.finding().reason);
   }
   return finding;
 }

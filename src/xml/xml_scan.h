@@ -7,6 +7,7 @@
 #include <zo/xml/xml_results.h>
 
 #include <cstddef>
+#include <iterator>
 #include <string_view>
 
 namespace zo {
@@ -46,6 +47,15 @@ class XmlScanner {
   std::size_t at_ = 0;
 };
 
+// Whether an Instruction is the declaration: "<?xml-stylesheet ...?>" is none.
+template <class Char>
+[[nodiscard]] bool isXmlDeclaration(std::basic_string_view<Char> piece) noexcept {
+  constexpr Char kOpening[] = {'<', '?', 'x', 'm', 'l'};
+  constexpr Char kWhite[] = {' ', '\t', '\r', '\n'};
+  return piece.size() > std::size(kOpening) && piece.starts_with({kOpening, std::size(kOpening)}) &&
+         std::basic_string_view<Char>(kWhite, std::size(kWhite)).find(piece[5]) != piece.npos;
+}
+
 // The name of a tag: piece() of a StartTag, EmptyTag or EndTag.
 [[nodiscard]] std::wstring_view nameOfTag(std::wstring_view tag) noexcept;
 
@@ -76,6 +86,6 @@ struct XmlFinding {
   std::size_t encodingLength = 0;
   std::wstring_view documentType;  // all of it
 };
-[[nodiscard]] XmlFinding scanXml(std::wstring_view text, const XmlAllowed& allowed) noexcept;
+[[nodiscard]] XmlFinding scanXml(std::wstring_view text, const XmlAllowed& allowed);
 
 }  // namespace zo

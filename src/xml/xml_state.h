@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "xml/dom.h"
+#include "xml/xml_names.h"
 #include "xml/xml_scan.h"
 
 namespace zo {
@@ -29,6 +30,8 @@ struct XmlState {
   // Has the DOM read a text, whose declaration may name any encoding, as the document.
   int read(std::wstring_view text, bool isFromUtf16) { return read(text, isFromUtf16, allowed); }
   int read(std::wstring_view text, bool isFromUtf16, const XmlAllowed& limits);
+  // For a text that is not given to the DOM.
+  int failFound(std::wstring_view text, const XmlFinding& finding);
   // For a text that the DOM refused.
   int failRefused(XmlDocument& refusing, std::wstring_view text, const XmlFinding& finding);
   // What the DOM writes, behind a declaration with these attributes.
@@ -36,5 +39,6 @@ struct XmlState {
 };
 
 static_assert(ZoXMLClass::kMaxDepth == kXmlDepth);
+static_assert(ZoXMLClass::kMaxAttributes == kXmlAttributes);
 
 }  // namespace zo

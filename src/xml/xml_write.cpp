@@ -132,7 +132,7 @@ std::wstring xmlParts(View xml, View documentType) {
        token = scanner.next()) {
     const View piece = scanner.piece();
     if (token == XmlToken::EndTag && depth > 0) --depth;
-    const bool isLeftOut = depth == 0 && (token == XmlToken::Text || piece.starts_with(L"<?xml "));
+    const bool isLeftOut = depth == 0 && (token == XmlToken::Text || isXmlDeclaration(piece));
     if (!isLeftOut) appendXmlAsIs(token == XmlToken::DocumentType ? documentType : piece, out);
     if (token == XmlToken::StartTag) ++depth;
     if (!isLeftOut && depth == 0) out += L'\n';

@@ -51,5 +51,22 @@ TEST_F(FileSave, WhatHappensToTheTargetMeanwhileIsMet) {
   EXPECT_EQ(listing(), (Names{L"f"}));
 }
 
+// As on a full disk: the caller does not look.
+TEST_F(FileSave, AWriteThatCameShortIsMadeWholeOrFailed) {
+  const ZoFileName target = name(L"f");
+  put(target, "old");
+  FaultyFiles files;
+  ZoFileSave save;
+  for (const bool isFull : {true, false}) {
+    ASSERT_EQ(save.open(target), 0);
+    files.arm({.fault = Fault::shorten, .call = "write", .forEver = isFull});
+    EXPECT_EQ(save.file().write("complete", 8), isFull ? 7u : 8u);
+    files.arm({});
+    EXPECT_EQ(save.commit(), isFull ? 1 : 0);
+    EXPECT_EQ(bytesOf(target), isFull ? "old" : "complete");
+    EXPECT_EQ(listing(), (Names{L"f"}));
+  }
+}
+
 }  // namespace
 }  // namespace zo::test

@@ -89,7 +89,7 @@ TEST_F(TextFile, AFailedWriteLeavesTheOldFile) {
   for (const Fault fault : {Fault::fail, Fault::shorten}) {
     for (int n = 1; n <= 4; ++n) {
       FaultyFiles faults;
-      faults.arm({.fault = fault, .call = "write", .nth = n});
+      faults.arm({.fault = fault, .call = "write", .nth = n, .forEver = fault == Fault::shorten});
       EXPECT_EQ(zoSaveText(file, text), 1) << n;
       EXPECT_TRUE(faults.met());
       EXPECT_EQ(bytesOf(file), "old");

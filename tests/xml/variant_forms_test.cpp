@@ -261,6 +261,11 @@ void expectRefused(int (*read)(std::wstring_view, ZoVariant&, ZoXMLError&), cons
   EXPECT_EQ(value, ZoVariant(L"before"));
 }
 
+// Numbers of other languages.
+constexpr const wchar_t* kNoReals[] = {L"NaN",  L"-nan", L" nan", L"nan:1", L"INF", L"infinity",
+                                       L"+inf", L"inf ", L"+5",   L"05.0",  L".5",  L"5.",
+                                       L"1e",   L" 5",   L"5 ",   L"-",     L"",    L"0x1p1"};
+
 TEST(VariantXml, RefusesWhatIsWrittenOtherwise) {
   const wchar_t* const texts[] = {L"<Int>1</Int>",  // no zo="1"
                                   L"<Int zo='2'>1</Int>",
@@ -282,6 +287,9 @@ TEST(VariantXml, RefusesWhatIsWrittenOtherwise) {
                                   L"<Point zo='1'>1 2</Point>",
                                   L"<Point zo='1'>1 2 3 4 5</Point>",
                                   L"<Vector zo='1'>1 2 3 4</Vector>",
+                                  L"<Vector zo='1'>1 2 3 </Vector>",
+                                  L"<Pointer zo='1'>0x1</Pointer>",
+                                  L"<Int zo='1' type='Int:AA'>1</Int>",
                                   L"<Pointer zo='1'>12</Pointer>",
                                   L"<GUID zo='1'>{1}</GUID>",
                                   L"<Empty zo='1'>x</Empty>",
@@ -292,6 +300,13 @@ TEST(VariantXml, RefusesWhatIsWrittenOtherwise) {
                                   L"<Sequence zo='1'><Int key='a'>1</Int></Sequence>",
                                   L"<Sequence zo='1'><Int zo='1'>1</Int></Sequence>"};
   for (const wchar_t* text : texts) expectRefused(readXml, {text, ZoResult::noVariant, 0, 0});
+  for (const wchar_t* real : kNoReals) {
+    for (const wchar_t* kind : {L"Real", L"Int"}) {
+      const std::wstring text =
+          std::wstring(L"<") + kind + L" zo='1'>" + real + L"</" + kind + L">";
+      expectRefused(readXml, {text.c_str(), ZoResult::noVariant, 0, 0});
+    }
+  }
   // Where write() has it, which gives a line to the declaration.
   expectRefused(readXml, {L"<Dict zo='1'>\n <Int key='a'>1</Int>\n <Int key='A'>1</Int></Dict>",
                           ZoResult::noVariant, 4, 3});
@@ -346,9 +361,21 @@ TEST(VariantJson, RefusesWhatIsNoneWithItsPlace) {
       {L"{\"$zo\":1}", kNone, 1, 2},
       {L"{\"$zo\":[\"Nothing\",1]}", kNone, 1, 9},
       {L"{\"$zo\":[\"Length(Int)\",1]}", kNone, 1, 9},
-      {L"{\"$zo\":[\"Int\"]}", kBad, 1, 14},
-      {L"{\"$zo\":[\"Int\",1,2]}", kBad, 1, 16},
-      {L"{\"$zo\":[\"Int\",1],\"a\":2}", kBad, 1, 17},
+      {L"{\"$zo\":[\"Int\"]}", kNone, 1, 14},
+      {L"{\"$zo\":[\"Int\",1,2]}", kNone, 1, 16},
+      {L"{\"$zo\":[\"Int\",1],\"a\":2}", kNone, 1, 17},
+      {L"{\"$zo\":[\"Int\" 1]}", kBad, 1, 15},
+      {L"{\"$zo\":[\"Int\",", kBad, 1, 15},
+      {L"{\"$zo\":[\"Int\",\"3\"]}", kNone, 1, 15},
+      {L"{\"$zo\":[\"Int:AA\",3]}", kNone, 1, 9},
+      {L"{\"$zo\":[\"Bool\",true]}", kNone, 1, 16},
+      {L"{\"$zo\":[\"NoType\",1]}", kNone, 1, 18},
+      {L"{\"\\u0024zo\":1}", kNone, 1, 2},
+      {L"{\"$zo\":[\"Dict\",[[\"a\"]]]}", kNone, 1, 21},
+      {L"{\"$zo\":[\"Dict\",[[\"a\",1,2]]]}", kNone, 1, 23},
+      {L"{\"$zo\":[\"Dict\",[1]]}", kNone, 1, 17},
+      {L"{\"$zo\":[\"Dict\",[[1,2]]]}", kNone, 1, 18},
+      {L"\xFEFF\xFEFF 1", kBad, 1, 1},
       {L"{\"$zo\":[\"Int\",1.5]}", kNone, 1, 15},
       {L"{\"$zo\":[\"Int\",2147483648]}", kNone, 1, 15},
       {L"{\"$zo\":[\"Real\",\"1\"]}", kNone, 1, 16},
@@ -361,6 +388,10 @@ TEST(VariantJson, RefusesWhatIsNoneWithItsPlace) {
       {L"{\"$zo\":[\"Sequence\",{}]}", kNone, 1, 20},
   };
   for (const Refused& row : rows) expectRefused(readJson, row);
+  for (const wchar_t* real : kNoReals) {
+    const std::wstring text = std::wstring(L"{\"$zo\":[\"Real\",\"") + real + L"\"]}";
+    expectRefused(readJson, {text.c_str(), kNone, 1, 16});
+  }
   std::wstring deep(ZoVariant::kMaxDepth + 1, L'[');
   expectRefused(readJson, {deep.c_str(), ZoResult::beyondLimits, 1, ZoVariant::kMaxDepth + 1});
   deep.assign(1'000'000, L'[');
@@ -386,6 +417,7 @@ TEST(VariantJson, ReadsWhatOthersWrite) {
       {L"{\"\":{},\"a\":[[]],\"$type\":\"x\"}",
        Dict{{L"", Dict{}}, {L"a", Array{Array{}}}, {L"$type", L"x"}}},
       {L"\xFEFF[1 , 2.0]", Array{1, 2.0}},
+      {L"{\"\\u0024zo\":[\"BigInt\",5]}", std::int64_t{5}},
   };
   for (const auto& row : rows) {
     ZoVariant value;
@@ -402,6 +434,7 @@ TEST(VariantJson, ReadsWhatOthersWrite) {
                {"\"\0\xE4\0\"\0"sv, 0},
                {"\0\"\0\xE4\0\""sv, 0},
                {"\xFF\xFE\"\0\xE4\0\"\0"sv, 0},
+               {"\xEF\xBB\xBF\xEF\xBB\xBF\"\xC3\xA4\"", ZoResult::notWellFormed},
                {"\"\xE4\"", ZoResult::wrongEncoding},
                {"\"\0\xE4\0\"\0 "sv, ZoResult::wrongEncoding},
                {"", ZoResult::notWellFormed}};

@@ -79,6 +79,39 @@ TEST(XmlDocument, TellsWhereAndWhyATextIsRefused) {
   EXPECT_EQ(document.error().message(), L"line 2, column 3: A character that XML cannot hold.");
 }
 
+TEST(XmlDocument, RefusesNamesWithoutAMeaning) {
+  const struct {
+    const wchar_t* text;
+    unsigned int column;  // in line 2; 0: it is taken
+  } rows[] = {
+      {L"<r x:c='1' c='2'/>", 4},
+      {L"<r><x:a/></r>", 4},
+      {L"<r><a xmlns:x='u'/><x:a/></r>", 20},
+      {L"<r><a xmlns:x='u'><x:b/></a><b x:c=''/></r>", 31},
+      {L"<:a/>", 1},
+      {L"<a:/>", 1},
+      {L"<a:b:c xmlns:a='u'/>", 2},
+      {L"<a:1 xmlns:a='u'/>", 2},
+      {L"<a xmlns:='u'/>", 4},
+      {L"<a xmlns:a=''/>", 4},
+      {L"<a xmlns:a='u' xmlns:b='u' a:x='' b:x=''/>", 30},
+      {L"<a xmlns:xml='u'/>", 4},
+      {L"<xmlns:a/>", 2},
+      {L"<?a:b?><a/>", 1},
+      {L"<r b=1><x:a/></r>", 4},  // the first fault counts
+      {L"<x:r x:a='1' a='2' xml:lang='de' xmlns:x='u'><x:b xmlns:x='v'/><x:b/></x:r>", 0},
+      {L"<r a='x:y' xmlns='u'>x:y<!--x:y--></r>", 0},
+  };
+  for (const auto& row : rows) {
+    ZoXMLClass document;
+    EXPECT_EQ(document.parse(std::wstring(L"<!---->\n") + row.text),
+              row.column > 0 ? ZoResult::notWellFormed : 0)
+        << row.text;
+    EXPECT_EQ(document.error().line, row.column > 0 ? 2u : 0u) << row.text;
+    EXPECT_NEAR(document.error().column, row.column, 1) << row.text;
+  }
+}
+
 TEST(XmlDocument, ReadsEveryEncodingAndRefusesWhatIsNotInIt) {
   using namespace std::string_literals;
   const TempFolder folder;
@@ -102,6 +135,10 @@ TEST(XmlDocument, ReadsEveryEncodingAndRefusesWhatIsNotInIt) {
        L"\xD83D\xDE00"},
       {"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xE4</a>", 0, L"\xE4"},
       {"<?xml version = '1.0' encoding = 'windows-1252' ?><a>\x80</a>", 0, L"\x20AC"},
+      {"<?xml-stylesheet encoding=\"ISO-8859-1\"?><a>\xC3\xA4</a>", 0, L"\xE4"},
+      {"<?p encoding='bogus'?><a>\xC3\xA4</a>", 0, L"\xE4"},
+      {"<?xml\tversion='1.0' encoding='us-ascii'?><a>a</a>", 0, L"a"},
+      {"<?xml version='1.0' encoding='us-ascii'?><a>\xE4</a>", ZoResult::wrongEncoding, L""},
       {"\xFF\xFE" + utf16(wide, false), 0, L"\xE4\x20AC"},
       {"\xFE\xFF" + utf16(wide, true), 0, L"\xE4\x20AC"},
       {utf16(wide, false), 0, L"\xE4\x20AC"},
@@ -113,6 +150,7 @@ TEST(XmlDocument, ReadsEveryEncodingAndRefusesWhatIsNotInIt) {
       {"\xFF\xFE" + utf16(wide, false) + ' ', ZoResult::wrongEncoding, L""},
       {"\xFF\xFE\0\0<\0\0\0"s, ZoResult::notWellFormed, L""},
       {"\xEF\xBB\xBF", ZoResult::notWellFormed, L""},
+      {"\xEF\xBB\xBF\xEF\xBB\xBF<a/>", ZoResult::notWellFormed, L""},
       {"", ZoResult::notWellFormed, L""},
       {"<a>x\0y</a>"s, ZoResult::notWellFormed, L""},
   };
@@ -141,8 +179,20 @@ TEST(XmlDocument, BoundsWhatIsRead) {
   EXPECT_EQ(document.parse(L"<a/>"), 0);
   EXPECT_EQ(document.parse(nestedElements(3)), ZoResult::beyondLimits);
   EXPECT_EQ(document.parse(L"<a><b/></a>"), ZoResult::beyondLimits) << "22 bytes";
+  document.setLimits(-1, -1);
+  EXPECT_EQ(document.parse(L"<a/>"), ZoResult::beyondLimits);
   document.setLimits(ZoXMLClass::kMaxBytes, 1000);
   EXPECT_EQ(document.parse(nestedElements(ZoXMLClass::kMaxDepth + 1)), ZoResult::beyondLimits);
+
+  const auto wide = [](unsigned int attributes) {
+    std::wstring text = L"<a xmlns:x='u'";
+    for (unsigned int i = 0; i < attributes; ++i) text += L" b" + std::to_wstring(i) + L"=''";
+    return text + L"/>";
+  };
+  EXPECT_EQ(document.parse(wide(40'000)), ZoResult::beyondLimits);
+  EXPECT_EQ(document.parse(wide(ZoXMLClass::kMaxAttributes + 1)), ZoResult::beyondLimits);
+  EXPECT_EQ(document.parse(wide(ZoXMLClass::kMaxAttributes)), 0);
+  EXPECT_EQ(document.put(L"@c", L""), ZoResult::refused);
 
   const TempFolder folder;
   const auto path = folder.path() / "large.xml";
@@ -308,10 +358,21 @@ TEST(XmlDocument, NamespacesHaveThePrefixesThatAreGivenHere) {
   EXPECT_EQ(document.put(L"i", L"lost"), ZoResult::refused) << "would be read back as d:i";
   EXPECT_EQ(document.put(L"d:new/p:new/@p:new", L"4"), 0);
   EXPECT_EQ(document.put(L"p:i/@xml:space", L"preserve"), 0);
+  EXPECT_EQ(document.root().setAttribute(L"xml:lang", L"de"), 0);
+  EXPECT_EQ(document.put(L"d:i/@xml:lang", L"en"), 0);
+  EXPECT_EQ(document.root().find(L"d:i").removeAttribute(L"xml:lang"), 0);
+  EXPECT_EQ(document.root().append(L"xml:i"), ZoResult::unfitForXml);
   ZoXMLClass again;
   EXPECT_EQ(again.setNamespace(L"x", L"urn:d"), 0);
   EXPECT_EQ(again.setNamespace(L"y", L"urn:p"), 0);
   ASSERT_EQ(again.parse(written(document)), 0) << again.error().line;
+  for (const ZoXMLClass* each : {&document, &again}) {
+    EXPECT_EQ(each->get(L"@xml:lang", text), 0);
+    EXPECT_EQ(text, L"de");
+    EXPECT_EQ(each->root().find(L"@xml:lang").name(), L"xml:lang");
+  }
+  EXPECT_EQ(again.get(L"x:i/@xml:lang", text), ZoResult::refused);
+  EXPECT_EQ(again.get(L"y:i/@xml:space", text), 0);
   EXPECT_EQ(again.get(L"x:new/y:new/@y:new", text), 0);
   EXPECT_EQ(text, L"4");
   EXPECT_EQ(again.root().namespaceUri(), L"urn:d");
@@ -329,6 +390,7 @@ TEST(XmlDocument, NamespacesHaveThePrefixesThatAreGivenHere) {
 }
 
 TEST(XmlDocument, SearchesFindWhatALoopFinds) {
+  using namespace std::string_view_literals;
   ZoXMLClass document;
   ASSERT_EQ(document.create(L"catalog"), 0);
   for (int i = 0; i < 30; ++i) {
@@ -371,8 +433,9 @@ TEST(XmlDocument, SearchesFindWhatALoopFinds) {
   EXPECT_EQ(kinds[3], ZoXMLNode::kElement);
   EXPECT_EQ(kinds[4], ZoXMLNode::kNone);
   ASSERT_EQ(document.select(L"//part", nodes), 0);
-  for (const wchar_t* bad : {L"//part[", L"", L"string(//part)", L"//nope:part"}) {
-    EXPECT_EQ(document.select(bad, nodes), ZoResult::badXmlPath) << bad;
+  for (const std::wstring_view bad :
+       {L"//part["sv, L""sv, L"string(//part)"sv, L"//nope:part"sv, L"//part\0"sv}) {
+    EXPECT_EQ(document.select(bad, nodes), ZoResult::badXmlPath) << bad.data();
     EXPECT_EQ(nodes.entries(), 20u) << "they stay";
   }
   EXPECT_EQ(nodes.at(0)->select(L"length", nodes), 0);
@@ -399,8 +462,18 @@ TEST(XmlDocument, NodesAreChangedAndKeepTheirDocument) {
   EXPECT_EQ(c.setText(L"x"), 0);
   EXPECT_EQ(c.text(), L"x");
   EXPECT_TRUE(kept.firstChild().isEmpty());
+  const wchar_t* const null = nullptr;
+  ZoXMLClass nulls;
+  EXPECT_EQ(nulls.parse(null), ZoResult::notWellFormed);
+  EXPECT_EQ(nulls.create(nullptr), ZoResult::unfitForXml);
+  EXPECT_EQ(c.setText(nullptr), 0);
+  EXPECT_EQ(kept.put(L"@a", nullptr), 0);
+  EXPECT_EQ(kept.setAttribute(L"b", null), 0);
+  EXPECT_TRUE(c.text().isEmpty() && kept.attribute(L"b", L"x").isEmpty());
   ZoXMLNode none;
   ZoString text = L"stays";
+  EXPECT_EQ(kept.get(null, text), 0);
+  text = L"stays";
   EXPECT_EQ(none.get(L"a", text), ZoResult::refused);
   EXPECT_EQ(none.put(L"a", L""), ZoResult::refused);
   EXPECT_EQ(none.append(L"a"), ZoResult::refused);

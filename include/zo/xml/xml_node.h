@@ -16,7 +16,9 @@
 // Errors:  int results are 0; ZoResult::refused where nothing is there, the node is empty or of a
 //          kind that cannot do this, or the platform refuses; ZoResult::unfitForXml for a name or a
 //          text that could not be read back: a name that is none (of the letters, those count that
-//          every edition of XML takes), control characters but tab and line ends, lone surrogates.
+//          every edition of XML takes), an element with the prefix xml, control characters but tab
+//          and line ends, lone surrogates. Refused are attributes beyond
+//          ZoXMLClass::kMaxAttributes, and null pointers are empty texts.
 //          Out-parameters and the document are then as they were. Nothing throws but
 //          std::bad_alloc.
 // Threads: one at a time per document with all its nodes. Whether COM is initialised there, and
@@ -27,6 +29,7 @@
 #include <zo/config.h>
 #include <zo/text/containers/sequence.h>
 #include <zo/text/string.h>
+#include <zo/xml/xml_parameters.h>
 
 #include <memory>
 #include <string_view>
@@ -42,6 +45,12 @@ class ZO_COM_API ZoXMLNode {
   enum Kind : int { kNone, kElement, kAttribute, kText, kComment, kOther };
 
   ZoXMLNode() noexcept = default;
+  ZoXMLNode(const ZoXMLNode&) = default;
+  ZoXMLNode(ZoXMLNode&&) noexcept = default;
+  // A handle, not the node: document.root() = other would change nothing.
+  ZoXMLNode& operator=(const ZoXMLNode&) & = default;
+  ZoXMLNode& operator=(ZoXMLNode&&) & noexcept = default;
+  ~ZoXMLNode() = default;
 
   [[nodiscard]] bool isEmpty() const noexcept { return !node_; }
   explicit operator bool() const = delete;  // write isEmpty()
@@ -55,13 +64,13 @@ class ZO_COM_API ZoXMLNode {
   // That of the node and of all below it, white space included.
   [[nodiscard]] ZoString text() const;
   // Takes the place of all that is in the node.
-  [[nodiscard]] int setText(std::wstring_view text);
+  [[nodiscard]] int setText(zo::XmlTextParameter text);
 
   // ---- Attributes of an element ----
-  [[nodiscard]] int getAttribute(std::wstring_view name, ZoString& value) const;
-  [[nodiscard]] ZoString attribute(std::wstring_view name, ZoString otherwise = {}) const;
-  [[nodiscard]] int setAttribute(std::wstring_view name, std::wstring_view value);
-  [[nodiscard]] int removeAttribute(std::wstring_view name);
+  [[nodiscard]] int getAttribute(zo::XmlTextParameter name, ZoString& value) const;
+  [[nodiscard]] ZoString attribute(zo::XmlTextParameter name, ZoString otherwise = {}) const;
+  [[nodiscard]] int setAttribute(zo::XmlTextParameter name, zo::XmlTextParameter value);
+  [[nodiscard]] int removeAttribute(zo::XmlTextParameter name);
   // All of them as nodes, declarations of namespaces included; replaces what the sequence holds.
   [[nodiscard]] int attributes(ZoSequence<ZoXMLNode>& nodes) const;
 
@@ -71,26 +80,26 @@ class ZO_COM_API ZoXMLNode {
   [[nodiscard]] ZoXMLNode nextSibling() const;
 
   // ---- By path ----
-  [[nodiscard]] int get(std::wstring_view path, ZoString& text) const;
+  [[nodiscard]] int get(zo::XmlTextParameter path, ZoString& text) const;
   // The element or attribute; empty where there is none.
-  [[nodiscard]] ZoXMLNode find(std::wstring_view path) const;
+  [[nodiscard]] ZoXMLNode find(zo::XmlTextParameter path) const;
   // Makes what is missing: attributes, elements of a name that is not there yet, and the next one
   // of those that are ("part[3]" behind two). Refused where more is missing, and where an element
   // without a prefix would lie in one whose namespace is declared without a prefix: give that
   // namespace a prefix with setNamespace().
-  [[nodiscard]] int put(std::wstring_view path, std::wstring_view text);
+  [[nodiscard]] int put(zo::XmlTextParameter path, zo::XmlTextParameter text);
 
   // ---- Building: new elements come last ----
-  [[nodiscard]] int append(std::wstring_view name, ZoXMLNode* made = nullptr);
+  [[nodiscard]] int append(zo::XmlTextParameter name, ZoXMLNode* made = nullptr);
   // Refused with ZoResult::unfitForXml if there is "--" in the text or "-" at its end.
-  [[nodiscard]] int appendComment(std::wstring_view text);
+  [[nodiscard]] int appendComment(zo::XmlTextParameter text);
   // Takes an element out of its parent; the node stays usable. Refused for the root.
   [[nodiscard]] int remove();
 
   // ---- XPath 1.0, from this node ----
   // Replaces what the sequence holds. Returns ZoResult::badXmlPath for what is no path to nodes.
-  [[nodiscard]] int select(std::wstring_view xpath, ZoSequence<ZoXMLNode>& nodes) const;
-  [[nodiscard]] ZoXMLNode selectFirst(std::wstring_view xpath) const;
+  [[nodiscard]] int select(zo::XmlTextParameter xpath, ZoSequence<ZoXMLNode>& nodes) const;
+  [[nodiscard]] ZoXMLNode selectFirst(zo::XmlTextParameter xpath) const;
 
  private:
   friend struct zo::XmlNodeAccess;
