@@ -294,6 +294,7 @@ TEST_F(DiscTest, AreAskedForUntilTheyAreThereOrTheUserGivesUp) {
   EXPECT_TRUE(found == L"as it was");
   EXPECT_EQ(open().requestMedia(L"", found), 1);
   expectError(ERROR_INVALID_NAME);
+  asked_ = 0;
   EXPECT_EQ(open().requestMedia(std::wstring(L"other"), found), ZoResult::cancelled);
   comesAt_ = 3;
   EXPECT_EQ(opened(), "bolt") << "without a manifest as it is";
@@ -309,6 +310,7 @@ TEST_F(DiscTest, AreCheckedOnceForEachInsertion) {
   ASSERT_EQ(open().writeManifest(root(), L"Parts 2026"), 0);
   drives_->label = L"Parts 2026";
   EXPECT_EQ(open().checkMedia(L"cd://Parts 2026/"), 0);
+  asked_ = 0;
   EXPECT_EQ(open().checkMedia(L"cd://other/"), ZoResult::cancelled) << "it is asked for";
   EXPECT_EQ(opened(), "bolt");
   EXPECT_TRUE(hasRead());
