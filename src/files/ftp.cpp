@@ -81,8 +81,24 @@ struct Message {
   DWORD error;
   const wchar_t* text;
 };
-// For platforms that have no messages for their internet functions.
+// For what the library says itself, and for platforms that have no messages for their internet
+// functions.
 constexpr Message kMessages[] = {
+    {kOldCopy, L"The copy is older than it may be."},
+    {ERROR_ACCESS_DISABLED_BY_POLICY, L"The settings do not allow this."},
+    {ERROR_FILE_TOO_LARGE, L"The file is too large."},
+    {ERROR_MEDIA_CHANGED, L"Another disc was put into the drive."},
+    {WSAETIMEDOUT, L"The server did not answer in time."},
+    {WSAECONNRESET, L"The server closed the connection."},
+    {WSAECONNREFUSED, L"The server cannot be reached."},
+    {ERROR_INTERNET_SEC_CERT_DATE_INVALID, L"The server's certificate is out of date."},
+    {ERROR_INTERNET_SEC_CERT_CN_INVALID, L"The server's certificate is another server's."},
+    {ERROR_INTERNET_INVALID_CA, L"Nobody who is trusted has signed the server's certificate."},
+    {ERROR_INTERNET_SEC_CERT_ERRORS, L"The server's certificate is not valid."},
+    {ERROR_INTERNET_SEC_CERT_NO_REV, L"The server's certificate cannot be checked."},
+    {ERROR_INTERNET_SEC_INVALID_CERT, L"The server's certificate is not valid."},
+    {ERROR_INTERNET_SEC_CERT_REVOKED, L"The server's certificate was revoked."},
+    {ERROR_INTERNET_SECURITY_CHANNEL_ERROR, L"There is no secure connection to the server."},
     {ERROR_INTERNET_TIMEOUT, L"The server did not answer in time."},
     {ERROR_INTERNET_EXTENDED_ERROR, L"The server refused the operation."},
     {ERROR_INTERNET_NAME_NOT_RESOLVED, L"There is no server of this name."},

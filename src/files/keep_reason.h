@@ -13,6 +13,9 @@ namespace zo {
 // The platform's error of the last failure in the process; what the standard service keeps.
 extern std::atomic<DWORD> keptError;
 
+// Reasons of the library's own, in the part of the codes that the platform leaves to others.
+inline constexpr DWORD kOldCopy = 0x2000'0001;
+
 // Has a service, by default the one in force, keep the thread's last error as the reason why an
 // operation failed; without any service it is kept here. A failure without an error gets one, so
 // that no reason is "Success". The last error stays for the caller. A service that has no memory

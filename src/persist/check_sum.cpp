@@ -14,7 +14,10 @@ namespace {
 constexpr unsigned int kBlock = 256 * 1024;  // stays in the processor's cache
 
 int result(bool done) noexcept { return done ? ZoResult::ok : ZoResult::refused; }
-bool isThere(const void* data, std::size_t size) noexcept { return data || size == 0; }
+// No data have so many bytes as a negative number makes.
+bool isThere(const void* data, std::size_t size) noexcept {
+  return size <= PTRDIFF_MAX && (data || size == 0);
+}
 
 int tooShort() { return zo::keepReason(L"zoCheckSumFile", ERROR_HANDLE_EOF); }
 

@@ -15,6 +15,7 @@ struct Internet {
   ZO_FUNCTION_OF(library, InternetConnectW);
   ZO_FUNCTION_OF(library, InternetCloseHandle);
   ZO_FUNCTION_OF(library, InternetSetOptionW);
+  ZO_FUNCTION_OF(library, InternetSetStatusCallbackW);
   ZO_FUNCTION_OF(library, InternetReadFile);
   ZO_FUNCTION_OF(library, InternetQueryDataAvailable);
   ZO_FUNCTION_OF(library, InternetFindNextFileW);

@@ -27,6 +27,8 @@ bool takeDigits(std::wstring_view& text, std::size_t count) noexcept {
 
 }  // namespace
 
+bool isCacheMark(std::string_view text) noexcept { return text.starts_with(kHead); }
+
 bool isMark(std::string_view text) noexcept { return isPlain(text, kMaxMark); }
 
 std::string printCacheMark(const CacheMark& mark) {

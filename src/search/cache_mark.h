@@ -31,6 +31,8 @@ struct CacheMark {
 [[nodiscard]] std::string printCacheMark(const CacheMark& mark);
 // false for anything but what is printed; the mark is then undefined.
 [[nodiscard]] bool parseCacheMark(std::string_view text, CacheMark& mark);
+// Whether it is or was one: what has a mark's name but not its beginning is somebody else's.
+[[nodiscard]] bool isCacheMark(std::string_view text) noexcept;
 inline constexpr std::size_t kMaxMarkBytes = std::size_t{16} << 10;
 
 // Which of the cache's files a name in its folder is: all of them begin with the 32 digits of a

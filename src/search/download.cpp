@@ -44,14 +44,43 @@ bool hasHead(const HttpRequest& request) {
   return first != std::wstring::npos && head.find(L':', first) != std::wstring::npos;
 }
 
-// -1 without a length, -2 for one that is none.
+// Of all the lines of that name, without regard to case: false when they do not say the same.
+bool fieldOf(const HttpRequest& request, std::string_view name, std::string& value) {
+  const std::string head = narrow(request.header(HTTP_QUERY_RAW_HEADERS_CRLF));
+  bool isThere = false;
+  for (std::size_t i = 0, end = 0; i < head.size(); i = end + 1) {
+    end = std::min(head.find('\n', i), head.size());
+    std::string_view line = std::string_view(head).substr(i, end - i);
+    const std::size_t colon = std::min(line.find(':'), line.size());
+    const bool isOne = std::ranges::equal(line.substr(0, colon), name, [](char a, char b) {
+      return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b;
+    });
+    if (!isOne || colon == line.size()) continue;
+    line.remove_prefix(colon + 1);
+    const std::size_t first = std::min(line.find_first_not_of(" \t\r"), line.size());
+    line = line.substr(first, line.find_last_not_of(" \t\r") + 1 - first);
+    if (isThere && line != value) return false;
+    isThere = true;
+    value = line;
+  }
+  return true;
+}
+
+// -1 without a length, -2 for one that is none, or several.
 std::int64_t lengthOf(const HttpRequest& request) {
-  const std::string text = narrow(request.header(HTTP_QUERY_CONTENT_LENGTH));
+  std::string text;
+  if (!fieldOf(request, "content-length", text)) return -2;
   if (text.empty()) return -1;
   std::int64_t length = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
   const bool isNumber = error == std::errc() && end == text.data() + text.size() && length >= 0;
   return isNumber ? length : -2;
+}
+
+// Nobody asked for a coded body, and nobody here could read it.
+bool isCoded(const HttpRequest& request) {
+  std::string coding;
+  return !fieldOf(request, "content-encoding", coding) || !(coding.empty() || coding == "identity");
 }
 
 // An answer that is a page for people, where a file was wanted: what servers send for errors, and
@@ -99,8 +128,24 @@ Download::Answer Download::away(DWORD error) {
   return kAway;
 }
 
-bool Download::isInTime() const noexcept {
-  return millisecondsNow() - begun_ <= std::uint64_t{options_.longest} * 1000;
+// Milliseconds; 0 when it is over.
+std::uint64_t Download::timeLeft() const noexcept {
+  const std::uint64_t most = std::uint64_t{options_.longest} * 1000;
+  return most - std::min(most, millisecondsNow() - begun_);
+}
+
+DWORD Download::timeOut() const noexcept {
+  constexpr std::uint64_t kDay = 86'400'000;
+  const std::uint64_t most = std::clamp<std::uint64_t>(timeLeft(), 1, kDay);
+  return static_cast<DWORD>(options_.timeOut ? std::min<std::uint64_t>(options_.timeOut, most)
+                                             : most);
+}
+
+// The platform has no words for a wait that was given up, and no reason.
+Download::Answer Download::gaveUp() {
+  const DWORD error = GetLastError();
+  if (error != ERROR_CANCELLED) return away(error);
+  return timeLeft() > 0 ? fail(ZoResult::cancelled, ERROR_CANCELLED) : away(ERROR_INTERNET_TIMEOUT);
 }
 
 bool Download::goesOn() const {
@@ -122,11 +167,11 @@ Download::Answer Download::run(WebAddress address, const CacheMark* known,
   for (int redirects = 0; redirects <= kMostRedirects; ++redirects) {
     if (!isHostListed(hosts_, address))
       return fail(ZoResult::hostNotAllowed, ERROR_ACCESS_DISABLED_BY_POLICY);
-    HttpRequest request;
+    HttpRequest request([this] { return timeLeft() > 0 && goesOn(); });
     if (!goesOn()) return fail(ZoResult::cancelled, ERROR_CANCELLED);
-    if (!isInTime()) return away(ERROR_INTERNET_TIMEOUT);
+    if (timeLeft() == 0) return away(ERROR_INTERNET_TIMEOUT);
     wasSent_ = true;
-    if (!request.send(address, lines, options_.timeOut)) return away(GetLastError());
+    if (!request.send(address, lines, timeOut())) return gaveUp();
     isReached_ = true;
     const DWORD status = request.status();
     if (status == 304 && !lines.empty()) {
@@ -148,7 +193,7 @@ Download::Answer Download::take(HttpRequest& request, const WebAddress& from,
   if (isNone || !hasHead(request)) return away(ERROR_HTTP_INVALID_SERVER_RESPONSE);
   if (status != 200) return fail(ZoResult::serverRefused, ERROR_INTERNET_ITEM_NOT_FOUND);
   length_ = lengthOf(request);
-  if (length_ < -1 || isStrayPage(request, from))
+  if (length_ < -1 || isCoded(request) || isStrayPage(request, from))
     return fail(ZoResult::serverRefused, ERROR_HTTP_INVALID_SERVER_RESPONSE);
   if (length_ > 0 && static_cast<std::uint64_t>(length_) > options_.largest)
     return fail(ZoResult::tooLarge, ERROR_FILE_TOO_LARGE);
@@ -165,13 +210,13 @@ Download::Answer Download::takeBody(HttpRequest& request, OpenFile& file) {
   if (!hash.start()) return fail(ZoResult::refused, GetLastError());
   for (DWORD got = 1; got > 0; mark_.size += got) {
     if (!goesOn()) return fail(ZoResult::cancelled, ERROR_CANCELLED);
-    if (!isInTime()) return away(ERROR_INTERNET_TIMEOUT);
+    if (timeLeft() == 0) return away(ERROR_INTERNET_TIMEOUT);
     // Some platforms give what comes behind the length, too.
     const std::uint64_t left =
         length_ < 0 ? kPiece : static_cast<std::uint64_t>(length_) - mark_.size;
     const auto most = static_cast<DWORD>(std::min<std::uint64_t>(left, kPiece));
     got = 0;
-    if (most > 0 && !request.read(piece.get(), most, got)) return away(GetLastError());
+    if (most > 0 && !request.read(piece.get(), most, got)) return gaveUp();
     if (got > options_.largest - mark_.size) return fail(ZoResult::tooLarge, ERROR_FILE_TOO_LARGE);
     if (writeAll(file.get(), piece.get(), got) < got || !hash.add(piece.get(), got))
       return fail(ZoResult::refused, GetLastError());

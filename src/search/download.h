@@ -44,7 +44,9 @@ class Download {
   Answer fail(int code, DWORD error);
   Answer take(HttpRequest& request, const WebAddress& from, const std::wstring& stem);
   Answer takeBody(HttpRequest& request, OpenFile& file);
-  [[nodiscard]] bool isInTime() const noexcept;
+  Answer gaveUp();
+  [[nodiscard]] std::uint64_t timeLeft() const noexcept;
+  [[nodiscard]] DWORD timeOut() const noexcept;
   [[nodiscard]] bool goesOn() const;
   void keepMarks(const HttpRequest& request);
 

@@ -146,7 +146,7 @@ int ZoDownloadCache::Imp::await(zo::EntryLock& lock, const ZoFileName& url,
                                 const Watcher& watcher) const {
   constexpr DWORD kSlice = 50;
   const std::uint64_t begun = zo::millisecondsNow();
-  const std::uint64_t most = std::uint64_t{options_.longest} * 1000 + options_.timeOut;
+  const std::uint64_t most = std::uint64_t{options_.longest} * 1000;
   if (!lock.isThere()) return failed(GetLastError());
   while (!lock.wait(kSlice)) {
     if (watcher && !watcher({.url = url, .bytesDone = 0, .bytes = -1}))
@@ -250,7 +250,7 @@ int ZoDownloadCache::Imp::find(const ZoFileName& url, ZoFileName& file) {
               .touched = 0};
   }
   file = std::wstring_view(tested.copy);
-  return isYoung(tested.checked) ? ZoResult::ok : failed(ERROR_TIMEOUT, ZoResult::stale);
+  return isYoung(tested.checked) ? ZoResult::ok : failed(zo::kOldCopy, ZoResult::stale);
 }
 
 int ZoDownloadCache::Imp::remove(const ZoFileName& url) {
@@ -267,6 +267,8 @@ bool ZoDownloadCache::isOpen() const noexcept { return imp_ != nullptr; }
 
 int ZoDownloadCache::open(const ZoFileName& folder, const ZoDownloadOptions& options) {
   if (folder.isURL()) return failed(ERROR_NOT_SUPPORTED, ZoResult::invalid);
+  const bool isUnknown = folder.hasMacro() && folder.view().starts_with(L'$');
+  if (folder.isEmpty() || isUnknown) return failed(ERROR_INVALID_NAME);
   std::wstring full = zo::platformText([&](DWORD size, wchar_t* buffer) {
     return zo::fileApi().fullPath(folder.fullName(), size, buffer);
   });
@@ -274,6 +276,9 @@ int ZoDownloadCache::open(const ZoFileName& folder, const ZoDownloadOptions& opt
   if (full.back() != L'\\') full += L'\\';
   const bool isMade = zo::makeFolders(full);
   if (!isMade && GetLastError() != ERROR_ALREADY_EXISTS) return failed(GetLastError());
+  const DWORD there = zo::fileApi().attributes(zo::SystemPath(full.c_str()));
+  if (there == INVALID_FILE_ATTRIBUTES) return failed(GetLastError());
+  if (!(there & FILE_ATTRIBUTE_DIRECTORY)) return failed(ERROR_DIRECTORY);
   imp_ = std::make_unique<Imp>(std::move(full), options);
   return ZoResult::ok;
 }

@@ -26,6 +26,11 @@ bool remove(const std::wstring& name) {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
 
+bool isMarkFile(const std::wstring& name) {
+  std::string text;
+  return readWholeFile(name.c_str(), kMaxMarkBytes, text) && isCacheMark(text);
+}
+
 // The sum of a file's bytes, if it has so many.
 bool sumOf(const std::wstring& name, std::uint64_t size, Sha256Sum& sum) {
   constexpr DWORD kBlock = 256 * 1024;
@@ -56,7 +61,7 @@ std::map<std::wstring, Listed> listed(const std::wstring& folder) {
   for (WIN32_FIND_DATAW file; search.next(file);) {
     const std::wstring_view name = file.cFileName;
     const CacheFile kind = cacheFileOf(name);
-    if (kind == CacheFile::other || (file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) continue;
+    if (kind == CacheFile::other) continue;
     Listed& entry = entries[std::wstring(name.substr(0, kKeyDigits))];
     const FileLook look = lookOf(file);
     if (kind == CacheFile::mark) entry.used = std::max<std::uint64_t>(look.written, 1);
@@ -135,7 +140,10 @@ bool DownloadFolder::removeAll(const std::wstring& key, const std::wstring& kept
     const CacheFile kind = cacheFileOf(file.cFileName);
     const std::wstring name = folder_ + file.cFileName;
     const bool isKept = name == kept || (kind == CacheFile::mark && !kept.empty());
-    if (kind != CacheFile::other && !isKept) copies.push_back(name);
+    if (kind == CacheFile::other || isKept) continue;
+    // A folder cannot be removed, and is told so: no copy can stand in its place.
+    const bool isFolder = (file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    if (isFolder || kind != CacheFile::mark || isMarkFile(name)) copies.push_back(name);
   }
   // What is known of it goes last, and stays with a copy that stays.
   std::ranges::partition(copies,

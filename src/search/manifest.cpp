@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "names/name_compare.h"
 #include "search/text_lines.h"
 #include "text/utf8.h"
 
@@ -23,6 +24,30 @@ std::wstring widen(std::string_view bytes) {
   return text;
 }
 
+// One spelling a file: without empty components and dots, and not the manifest itself.
+bool isPlainName(std::wstring_view name) {
+  if (equalNames(name, kManifestName)) return false;
+  for (std::size_t i = 0, end = 0; i <= name.size(); i = end + 1) {
+    end = std::min(name.find(L'\\', i), name.size());
+    const std::wstring_view part = name.substr(i, end - i);
+    if (part.empty() || part == L"." || part == L"..") return false;
+  }
+  return true;
+}
+
+// Nothing twice, and no more bytes than can be counted.
+bool areFiles(const std::vector<ManifestFile>& files) {
+  std::vector<std::wstring_view> names;
+  std::uint64_t left = UINT64_MAX;
+  for (const ManifestFile& file : files) {
+    if (file.size > left) return false;
+    left -= file.size;
+    names.emplace_back(file.name);
+  }
+  std::ranges::sort(names, [](auto a, auto b) { return orderNames(a, b) < 0; });
+  return std::ranges::adjacent_find(names, equalNames) == names.end();
+}
+
 bool parseFile(std::string_view line, ManifestFile& file) {
   std::string_view size, sum;
   if (!takeWord(line, size) || !takeWord(line, sum)) return false;
@@ -30,7 +55,7 @@ bool parseFile(std::string_view line, ManifestFile& file) {
   file.name = widen(line);
   if (file.name.empty() || line.find('\\') != std::string_view::npos) return false;
   std::ranges::replace(file.name, L'/', L'\\');
-  return true;
+  return isPlainName(file.name);
 }
 
 }  // namespace
@@ -75,7 +100,7 @@ bool parseManifest(std::string_view text, Manifest& manifest) {
   while (takeLine(text, "file", line)) {
     if (!parseFile(line, manifest.files.emplace_back())) return false;
   }
-  return text.empty();
+  return text.empty() && areFiles(manifest.files);
 }
 
 }  // namespace zo

@@ -28,8 +28,8 @@ inline constexpr std::size_t kMaxManifestBytes = std::size_t{64} << 20;
 // All but the last line, of which the sum is made, and all of it.
 [[nodiscard]] std::string printManifest(const Manifest& manifest);
 [[nodiscard]] std::string withSum(std::string text, const Sha256Sum& sum);
-// And back: false for what is none. Names may be any that a file can have; the manifest of a
-// failure is undefined.
+// And back: false for what is none, has a file twice, or more than 2^64 bytes. Names may be any
+// that a file can have; the manifest of a failure is undefined.
 [[nodiscard]] bool takeSum(std::string_view& text, Sha256Sum& sum) noexcept;
 [[nodiscard]] bool parseManifest(std::string_view text, Manifest& manifest);
 

@@ -69,6 +69,16 @@ int ZoStdFileOpen::setMediaPrompt(ZoMediaPrompt prompt) {
   return ZoResult::ok;
 }
 
+// A disc by its label, which the user may be asked for, becomes the place where it is.
+int ZoStdFileOpen::place(ZoFileName& root) {
+  if (!root.isCD()) return ZoResult::ok;
+  ZoString volume, rest;
+  ZoFileName disc;
+  static_cast<void>(root.parseCD(volume, rest));                                  // as it is one
+  if (const int code = requestMedia(ZoString(volume.mid(5)), disc)) return code;  // behind "cd://"
+  return zo::serviceOrNull<ZoFileSystem>()->getAbsolutePath(root);
+}
+
 int ZoStdFileOpen::checkMedia(const ZoFileName& root, ZoMediaReport* report,
                               const ZoMediaWatcher& watcher) {
   std::string key;
@@ -77,7 +87,9 @@ int ZoStdFileOpen::checkMedia(const ZoFileName& root, ZoMediaReport* report,
     if (!reading) return ZoResult::refused;
     key = imp_->key;
   }
-  return zo::Media(root, key, watcher).check(report);
+  ZoFileName real(root);
+  if (const int code = place(real)) return code;
+  return zo::Media(real, key, watcher).check(report);
 }
 
 int ZoStdFileOpen::writeManifest(const ZoFileName& root, const ZoString& label,
@@ -88,7 +100,9 @@ int ZoStdFileOpen::writeManifest(const ZoFileName& root, const ZoString& label,
     if (!reading) return ZoResult::refused;
     key = imp_->key;
   }
-  return zo::Media(root, key, watcher).write(label);
+  ZoFileName real(root);
+  if (const int code = place(real)) return code;
+  return zo::Media(real, key, watcher).write(label);
 }
 
 int ZoStdFileOpen::requestMedia(const ZoString& label, ZoFileName& root) {
@@ -97,7 +111,8 @@ int ZoStdFileOpen::requestMedia(const ZoString& label, ZoFileName& root) {
   const std::wstring_view text = label.view();
   {
     const zo::Reading reading(*this);
-    if (!reading || !files || !zo::canBeLabel(text)) return ZoResult::refused;
+    if (!zo::canBeLabel(text)) return zo::keepReason(L"requestMedia", ERROR_INVALID_NAME);
+    if (!reading || !files) return ZoResult::refused;
     prompt = imp_->prompt ? imp_->prompt : askByBox;
   }
   for (unsigned int attempt = 0;; ++attempt) {

@@ -24,6 +24,7 @@ bool takeWord(std::string_view& text, std::string_view& word) noexcept {
 }
 
 bool parseNumber(std::string_view text, std::uint64_t& number) noexcept {
+  if (text.size() > 1 && text.front() == '0') return false;
   const char* const end = text.data() + text.size();
   const auto [stopped, error] = std::from_chars(text.data(), end, number);
   return error == std::errc() && stopped == end;
@@ -33,7 +34,7 @@ bool parseSum(std::string_view text, Sha256Sum& sum) noexcept {
   if (text.size() != 2 * sum.size()) return false;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const unsigned int digit = hexDigit(static_cast<unsigned char>(text[i]));
-    if (digit > 15) return false;
+    if (digit > 15 || isUpper(text[i])) return false;
     const auto before = static_cast<unsigned int>(sum[i / 2]);
     sum[i / 2] = static_cast<std::uint8_t>(before << 4 | digit);
   }

@@ -16,7 +16,7 @@ namespace zo {
 // Takes a word and the blank behind it off the text.
 [[nodiscard]] bool takeWord(std::string_view& text, std::string_view& word) noexcept;
 
-// The whole text as what it is to be.
+// The whole text as what it is to be, in the one way in which it is written.
 [[nodiscard]] bool parseNumber(std::string_view text, std::uint64_t& number) noexcept;
 [[nodiscard]] bool parseSum(std::string_view text, Sha256Sum& sum) noexcept;
 [[nodiscard]] std::string hexOf(const Sha256Sum& sum);

@@ -1,6 +1,9 @@
 // Wrong use of file search and macros, and what the compiler says of it.
 #include <zo/files.h>
+#include <zo/persist/check_sum.h>
+#include <zo/search/download_cache.h>
 #include <zo/system.h>
+#include <zo/system/file_open.h>
 #include <zo/text/containers/array.h>
 
 // clang-format off
@@ -43,4 +46,30 @@ void media(ZoFileOpen& service, ZoFile& file) {
   (void)service.open(L"a", file, true);                       // error: access, then share
   (void)service.open(L"a", file, ZoFile::kOpenExisting);      // error: access, then share
   (void)service.open(L"a", file, ZoFile::kRead, true);        // error: access, then share
+}
+
+void media(ZoFileOpen& open, ZoFileName& root) {
+  (void)open.checkMedia(nullptr);                             // error: name the root
+  (void)open.writeManifest(nullptr, L"label");                // error: name the root
+  (void)open.writeManifest(L"x", nullptr);                    // error: give the label
+  (void)open.requestMedia(nullptr, root);                     // error: give the label
+  (void)open.setMediaKey("abc", true);                        // error: and how many
+  (void)open.setMediaKey(L"abc", 3);                          // error: give it in UTF-8
+  (void)open.checkMedia(root, nullptr, [](const ZoMediaProgress& p) { return &p; });  // error: returns bool
+}
+
+void downloads(ZoDownloadCache& cache, ZoFileName& file) {
+  (void)cache.open(nullptr);                                  // error: name a folder
+  (void)cache.get(nullptr, file);                             // error: give a URL
+  (void)cache.find(nullptr, file);                            // error: give a URL
+  (void)cache.remove(nullptr);                                // error: give a URL
+  (void)cache.get(L"http://h/f", file, [](const auto& p) { return &p; });  // error: returns bool
+}
+
+void sums(ZoCheckSum& sum, ZoCheckSum::Sum& made) {
+  (void)sum.add(L"wide", 4);                                  // error: sums are of bytes
+  (void)sum.add("x", true);                                   // error: how many bytes
+  (void)sum.start(ZoCheckKey(L"key", 3));                     // error: give it in UTF-8
+  (void)zoCheckSum(L"wide", 4, ZoCheckKey("key"), made);      // error: sums are of bytes
+  (void)zoCheckSumFile(nullptr, ZoCheckKey("key"), made);     // error: name a file
 }

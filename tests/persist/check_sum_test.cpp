@@ -121,6 +121,7 @@ TEST(CheckSum, RefusesWrongUseAndTakesWhatIsEmpty) {
   ZoCheckSum sum;
   EXPECT_EQ(sum.add("x", 1) + sum.finish(made), 2) << "not begun";
   EXPECT_EQ(sum.start(ZoCheckKey(nullptr, 1)), 1);
+  EXPECT_EQ(sum.start(ZoCheckKey("", 0)) * 10 + sum.add("x", static_cast<size_t>(-1)), 1);
   EXPECT_EQ(zoCheckSum(nullptr, 1, ZoCheckKey(""), number), 1);
   EXPECT_EQ(zoCheckSum("x", 1, ZoCheckKey(nullptr, 1), made), 1);
   EXPECT_EQ(sum.start(ZoCheckKey(nullptr, 0)) + sum.add(nullptr, 0), 0);

@@ -165,6 +165,18 @@ class Handler(http.server.BaseHTTPRequestHandler):
         self.head(200)
         self.pieces(b"x", 0.02)
 
+    def way_lengths(self, name):
+        body = self.body(name)
+        self.head(200, ("Content-Length", len(body)), ("Content-Length", len(body) - 1))
+        self.wfile.write(body)
+
+    def way_coded(self, name):
+        self.whole(self.body(name), ("Content-Encoding", "gzip"))
+
+    def way_slowhead(self, name):
+        self.wfile.write(b"HTTP/1.1 200 OK\r\nX: ")
+        self.pieces(b"x", 0.1)
+
     def way_hang(self, name):
         released.wait(60)
         self.close_connection = True

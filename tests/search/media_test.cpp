@@ -17,8 +17,12 @@ namespace {
 #if !defined(_MSC_VER)
 TEST(FileOpen, KeepsItsSlots) {
   using O = ZoFileOpen;
-  expectSlots(slotOf(&ZoSysObj::timeOut) + 1, &O::openDocument, &O::openFile, &O::checkMedia,
-              &O::writeManifest, &O::requestMedia, &O::setMediaKey, &O::setMediaPrompt);
+  int (O::*check)(const ZoFileName&, ZoMediaReport*, const ZoMediaWatcher&) = &O::checkMedia;
+  int (O::*write)(const ZoFileName&, const ZoString&, const ZoMediaWatcher&) = &O::writeManifest;
+  int (O::*request)(const ZoString&, ZoFileName&) = &O::requestMedia;
+  int (O::*key)(const void*, std::size_t) = &O::setMediaKey;
+  expectSlots(slotOf(&ZoSysObj::timeOut) + 1, &O::openDocument, &O::openFile, check, write, request,
+              key, &O::setMediaPrompt);
 }
 #endif
 
@@ -43,6 +47,10 @@ class MediaTest : public FileTest {
     }
     return hex;
   }
+  static std::string upper(std::string digits) {
+    for (char& c : digits) c = c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c;
+    return digits;
+  }
   // With the right sum below it.
   void putManifest(const std::string& text, const std::string& key = "key") const {
     put(manifest(), text + "sum " + sumOf(text, key) + "\n");
@@ -60,7 +68,7 @@ TEST_F(MediaTest, ManifestsListEveryFileWithItsSum) {
                            " A.txt\nfile 4 " + sumOf("bolt") + " bolts/m8.dwg\nfile 0 " +
                            sumOf("") + " bolts/small/\xC3\xA4 b.dwg\n";
   for (int i = 0; i < 2; ++i) {  // the old one is not in the new one
-    ASSERT_EQ(open().writeManifest(root(), L"Parts 2026"), 0);
+    ASSERT_EQ(open().writeManifest(root(), std::wstring(L"Parts 2026")), 0);
     EXPECT_EQ(bytesOf(manifest()), text + "sum " + sumOf(text) + "\n");
   }
   put(on(L"more.txt"), "not listed");
@@ -126,12 +134,32 @@ TEST_F(MediaTest, NamesNeverLeadOutOfTheRoot) {
   const std::string head = "zo media 1\nlabel x\n", file = "file 4 " + sumOf("bolt") + ' ';
   const std::wstring absolute(name(L"outside").view());
   for (const std::string& line :
-       {file + "../outside\n", file + "bolts/../../outside\n", file + "bolts\\m8.dwg\n",
-        file + std::string(absolute.begin(), absolute.end()) + "\n", file + "/outside\n",
-        file + "bolts/m8.dwg:stream\n", file + "NUL\n", file + "bolts/con.txt\n", file + "\n",
-        file + "bolts/m8.dwg. \n", file + "bolts/*\n", file + "//server/share/f\n",
-        std::string("file -1 ") + file.substr(7) + "a\n", std::string("file 4 00 a\n"),
-        std::string("more\n"), std::string("label y\n"), file + "a"}) {
+       {file + "../outside\n",
+        file + "bolts/../../outside\n",
+        file + "bolts\\m8.dwg\n",
+        file + std::string(absolute.begin(), absolute.end()) + "\n",
+        file + "/outside\n",
+        file + "bolts/m8.dwg:stream\n",
+        file + "NUL\n",
+        file + "bolts/con.txt\n",
+        file + "\n",
+        file + "bolts/m8.dwg. \n",
+        file + "bolts/*\n",
+        file + "//server/share/f\n",
+        file + "./bolts/m8.dwg\n",
+        file + ".\n",
+        file + "bolts//m8.dwg\n",
+        file + "bolts/\n",
+        file + "bolts/m8.dwg\n" + file + "bolts/M8.dwg\n",
+        file + "ZoMedia.txt\n",
+        "file 04" + file.substr(6) + "bolts/m8.dwg\n",
+        "file 4 " + upper(sumOf("bolt")) + " bolts/m8.dwg\n",
+        "file 18446744073709551615" + file.substr(6) + "a\n" + file + "bolts/m8.dwg\n",
+        std::string("file -1 ") + file.substr(7) + "a\n",
+        std::string("file 4 00 a\n"),
+        std::string("more\n"),
+        std::string("label y\n"),
+        file + "a"}) {
     putManifest(head + line);
     EXPECT_EQ(open().checkMedia(root()), ZoResult::manifestDamaged) << line;
   }
@@ -265,6 +293,9 @@ TEST_F(DiscTest, AreAskedForUntilTheyAreThereOrTheUserGivesUp) {
   EXPECT_EQ(open().requestMedia(L"other", found), ZoResult::cancelled);
   EXPECT_TRUE(found == L"as it was");
   EXPECT_EQ(open().requestMedia(L"", found), 1);
+  expectError(ERROR_INVALID_NAME);
+  asked_ = 0;
+  EXPECT_EQ(open().requestMedia(std::wstring(L"other"), found), ZoResult::cancelled);
   comesAt_ = 3;
   EXPECT_EQ(opened(), "bolt") << "without a manifest as it is";
   EXPECT_EQ(asked_, 3U);
@@ -278,6 +309,9 @@ TEST_F(DiscTest, AreAskedForUntilTheyAreThereOrTheUserGivesUp) {
 TEST_F(DiscTest, AreCheckedOnceForEachInsertion) {
   ASSERT_EQ(open().writeManifest(root(), L"Parts 2026"), 0);
   drives_->label = L"Parts 2026";
+  EXPECT_EQ(open().checkMedia(L"cd://Parts 2026/"), 0);
+  asked_ = 0;
+  EXPECT_EQ(open().checkMedia(L"cd://other/"), ZoResult::cancelled) << "it is asked for";
   EXPECT_EQ(opened(), "bolt");
   EXPECT_TRUE(hasRead());
   EXPECT_EQ(opened(), "bolt");

@@ -12,7 +12,8 @@
 // The form with 64 bits is for what has room for no more, like the value that a library keeps
 // (ZoLibrary::setCheckSum): the sum's first eight bytes, the lowest first.
 //
-// Errors:  0; 1 when the platform refused, a pointer is null with a size, a key has 4 GiB or more,
+// Errors:  0; 1 when the platform refused, a pointer is null with a size, a size is that of a
+//          negative number, a key has 4 GiB or more,
 //          or nothing was begun; and for files as said there. A sum that was to be filled then
 //          stays as it was. Nothing throws but std::bad_alloc.
 // Threads: one per object.
@@ -22,6 +23,7 @@
 #include <zo/config.h>
 
 #include <array>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -31,7 +33,11 @@ class ZoFile;
 class ZoFileName;
 namespace zo {
 class Sha256;
-}
+// A count of them is no count of bytes.
+template <class T>
+concept WideCharacter =
+    std::same_as<T, wchar_t> || std::same_as<T, char16_t> || std::same_as<T, char32_t>;
+}  // namespace zo
 
 // The bytes of a key, which stay the caller's. Any number of them is a key, none, too; more than 64
 // make it no stronger.
@@ -40,6 +46,9 @@ struct ZoCheckKey {
   explicit constexpr ZoCheckKey(std::string_view text) noexcept
       : data(text.data()), size(text.size()) {}
   explicit ZoCheckKey(std::wstring_view) = delete;  // a key is bytes: give it in UTF-8
+  template <zo::WideCharacter T>
+  ZoCheckKey(const T*, std::size_t) = delete;                 // a key is bytes: give it in UTF-8
+  ZoCheckKey(const void*, std::same_as<bool> auto) = delete;  // the key's bytes, and how many
 
   const void* data;
   std::size_t size;
@@ -57,6 +66,9 @@ class ZO_COM_API ZoCheckSum {
   // Begins a sum, whatever was begun before.
   [[nodiscard]] int start(ZoCheckKey key);
   [[nodiscard]] int add(const void* data, std::size_t size);
+  template <zo::WideCharacter T>
+  int add(const T*, std::size_t) = delete;  // sums are of bytes: const void* and their count
+  int add(const void*, std::same_as<bool> auto) = delete;  // how many bytes
   // Ends it: for another sum start again.
   [[nodiscard]] int finish(Sum& sum);
 
@@ -75,6 +87,9 @@ class ZO_COM_API ZoCheckSum {
                                         ZoCheckSum::Sum& sum);
 [[nodiscard]] ZO_COM_API int zoCheckSum(const void* data, std::size_t size, ZoCheckKey key,
                                         std::uint64_t& sum);
+template <zo::WideCharacter T, class Sum>
+int zoCheckSum(const T*, std::size_t, ZoCheckKey,
+               Sum&) = delete;  // sums are of bytes: const void* and their count
 
 // Of an open file's bytes from its position on, which is at its end then; a member of a library is
 // such a file, too. Of a whole file. 1, with a reason in errorTxt(), also when the file cannot be
@@ -82,3 +97,4 @@ class ZO_COM_API ZoCheckSum {
 [[nodiscard]] ZO_COM_API int zoCheckSumFile(ZoFile& file, ZoCheckKey key, ZoCheckSum::Sum& sum);
 [[nodiscard]] ZO_COM_API int zoCheckSumFile(const ZoFileName& name, ZoCheckKey key,
                                             ZoCheckSum::Sum& sum);
+int zoCheckSumFile(std::nullptr_t, ZoCheckKey, ZoCheckSum::Sum&) = delete;  // name a file

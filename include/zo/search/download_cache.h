@@ -16,7 +16,9 @@
 //          separated by blanks: "example.org", "example.org:8080", "*.example.org" (all below it),
 //          "*". Redirects lead to no other either. Copies that are young enough serve without it.
 // Passwords    in URLs go to their server and nowhere else: not into the folder, a report or to
-//          where a redirect leads. URLs that differ in nothing but a password are one file.
+//          where a redirect leads; the basic form of login is the one that is used, and no URL
+//          gains by the password of another one. URLs that differ in nothing but a password are
+//          one file.
 // Trust    nothing that is read from a server or from the folder is trusted: a copy that is not
 //          what was stored (SHA-256) is fetched anew; no name in it leads out of the folder. A
 //          running object looks at size and time of what it has tested once.
@@ -37,6 +39,8 @@
 #include <zo/names/file_name.h>
 #include <zo/system/open_results.h>
 
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -46,8 +50,10 @@ struct ZoDownloadOptions {
                                                  // goes first
   std::uint64_t largest = std::uint64_t{256} << 20;  // bytes of one file
   unsigned int maxAge = 3600;     // seconds for which nobody is asked; 0 asks each time
-  unsigned int timeOut = 30'000;  // milliseconds to wait for a connection, and for what comes next
-  unsigned int longest = 600;     // seconds that one download may last
+  unsigned int timeOut = 30'000;  // milliseconds to wait for a connection, and for what comes
+                                  // next; 0, and what is more: as long as `longest` says
+  unsigned int longest = 600;     // seconds that one download may last, its waits included, and
+                                  // also to wait for another process that fetches the file
   unsigned int retryAfter = 10;   // seconds for which a server that did not answer is not asked
 };
 
@@ -57,15 +63,23 @@ class ZO_COM_API ZoDownloadCache {
     const ZoFileName& url;
     std::int64_t bytesDone, bytes;  // -1: the server does not say
   };
-  // Called between the pieces of a file, and while another process fetches it; false cancels.
+  // Called between the pieces of a file, and some twenty times a second while a server or another
+  // process is waited for; false cancels.
   using Watcher = std::function<bool(const Progress&)>;
+  // One that gives something else, such as a pointer, which would pass for true.
+  template <class T>
+  static constexpr bool isNoWatcher = requires(T& f, const Progress& progress) {
+    f(progress);
+    requires !std::same_as<decltype(f(progress)), bool>;
+  };
 
   ZoDownloadCache();
   ZoDownloadCache(const ZoDownloadCache&) = delete;
   ZoDownloadCache& operator=(const ZoDownloadCache&) = delete;
   ~ZoDownloadCache();
 
-  // The folder is made if it is missing. Several objects and processes may use one.
+  // The folder is made if it is missing; 1 where something else has its name, or a macro in it is
+  // unknown. Several objects and processes may use one.
   [[nodiscard]] int open(const ZoFileName& folder, const ZoDownloadOptions& options = {});
   [[nodiscard]] bool isOpen() const noexcept;
 
@@ -76,8 +90,17 @@ class ZO_COM_API ZoDownloadCache {
   [[nodiscard]] int find(const ZoFileName& url, ZoFileName& file);
   // 0 also when there is none.
   [[nodiscard]] int remove(const ZoFileName& url);
-  // 1 when a copy is in use and stays.
+  // 1 when a copy is in use and stays, or when a folder has the name of a copy, which is then never
+  // one.
   [[nodiscard]] int clear();
+
+  int open(std::nullptr_t, const ZoDownloadOptions& = {}) = delete;    // name a folder
+  int get(std::nullptr_t, ZoFileName&, const Watcher& = {}) = delete;  // give a URL
+  int find(std::nullptr_t, ZoFileName&) = delete;                      // give a URL
+  int remove(std::nullptr_t) = delete;                                 // give a URL
+  template <class T>
+    requires isNoWatcher<T>
+  int get(const ZoFileName&, ZoFileName&, const T&) = delete;  // a watcher returns bool
 
  private:
   class Imp;

@@ -34,6 +34,7 @@ class ZO_COM_API ZoStdFileOpen : public ZoFileOpen {
  private:
   struct Imp;
   int checkOnce(const ZoFileName& root);
+  int place(ZoFileName& root);
 
   std::unique_ptr<Imp> imp_;
 };

@@ -25,9 +25,12 @@
 #include <zo/system/sys_obj.h>
 #include <zo/text/containers/array.h>
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string>
+#include <string_view>
 
 class ZoFile;
 
@@ -47,6 +50,12 @@ struct ZoMediaProgress {
   std::uint64_t bytesDone, bytes;
 };
 using ZoMediaWatcher = std::function<bool(const ZoMediaProgress&)>;
+// One that gives something else, such as a pointer, which would pass for true.
+template <class T>
+inline constexpr bool zoIsNoMediaWatcher = requires(T& f, const ZoMediaProgress& progress) {
+  f(progress);
+  requires !std::same_as<decltype(f(progress)), bool>;
+};
 
 // Asks for the disc with a label, and comes back when it should be there; false gives up. `attempt`
 // counts from 0.
@@ -63,7 +72,8 @@ class ZO_COM_API ZoFileOpen : public ZoSysObj {
   [[nodiscard]] virtual int openFile(const ZoFileName& name, ZoFile& file, int access, int share);
   // Whether media are what they should be: 0 when all files are; noManifest, manifestDamaged,
   // mediaDiffers, cancelled; 1 when nothing can be read there. A report is filled with 0 and with
-  // mediaDiffers. Here: refused.
+  // mediaDiffers. Here: refused. The root may be that of a disc by its label, cd://label/, which is
+  // asked for as requestMedia does; so in writeManifest.
   [[nodiscard]] virtual int checkMedia(const ZoFileName& root, ZoMediaReport* report = nullptr,
                                        const ZoMediaWatcher& watcher = {});
   // For who makes media: writes the manifest of what lies there now. Links are left out; a name
@@ -91,5 +101,35 @@ class ZO_COM_API ZoFileOpen : public ZoSysObj {
     requires(!File::template kMayBe<Access, typename File::Access> ||
              !File::template kMayBe<Share, typename File::Share>)
   int open(const ZoFileName&, File&, Access, Share = {}) = delete;  // access, then share
+  // Labels as other libraries hold them.
+  template <class Text>
+    requires std::same_as<Text, std::wstring> || std::same_as<Text, std::wstring_view>
+  [[nodiscard]] int writeManifest(const ZoFileName& root, const Text& label,
+                                  const ZoMediaWatcher& watcher = {}) {
+    return writeManifest(root, ZoString(label), watcher);
+  }
+  template <class Text>
+    requires std::same_as<Text, std::wstring> || std::same_as<Text, std::wstring_view>
+  [[nodiscard]] int requestMedia(const Text& label, ZoFileName& root) {
+    return requestMedia(ZoString(label), root);
+  }
+  int checkMedia(std::nullptr_t, ZoMediaReport* = nullptr,
+                 const ZoMediaWatcher& = {}) = delete;  // name the root
+  template <class Label>
+  int writeManifest(std::nullptr_t, const Label&,
+                    const ZoMediaWatcher& = {}) = delete;  // name the root
+  int writeManifest(const ZoFileName&, std::nullptr_t,
+                    const ZoMediaWatcher& = {}) = delete;          // give the label
+  int requestMedia(std::nullptr_t, ZoFileName&) = delete;          // give the label
+  int setMediaKey(const void*, std::same_as<bool> auto) = delete;  // the key's bytes, and how many
+  template <class T>
+    requires std::same_as<T, wchar_t> || std::same_as<T, char16_t> || std::same_as<T, char32_t>
+  int setMediaKey(const T*, std::size_t) = delete;  // a key is bytes: give it in UTF-8
+  template <class T>
+    requires zoIsNoMediaWatcher<T>
+  int checkMedia(const ZoFileName&, ZoMediaReport*, const T&) = delete;  // a watcher returns bool
+  template <class T, class Label>
+    requires zoIsNoMediaWatcher<T>
+  int writeManifest(const ZoFileName&, const Label&, const T&) = delete;  // a watcher returns bool
   int open(const ZoFileName&) = delete;  // openDocument(name) opens it in the host
 };
