@@ -104,7 +104,7 @@ class ZO_COM_API ZoLayer : public ZoSysObj {
   [[nodiscard]] virtual int change(const ZoString& pattern, const ZoLayerData& values,
                                    ZoLayerData::Fields fields);
   // Objects, saved states and the current layer go with the name: 0, layerExists, layerKept for
-  // layer "0". What saved states have of a layer that was removed and had the new name is forgotten.
+  // layer "0". What saved states have of a removed layer of the new name is forgotten.
   [[nodiscard]] virtual int rename(const ZoString& from, const ZoString& to);
   // layerKept as said. Whether objects lie on a layer, the host's service knows
   // (ZoCad::isLayerInUse).
