@@ -6,19 +6,25 @@
 #include <utility>
 
 #include "headless/headless_objects.h"
+#include "system/first_failure.h"
 #include "system/service_or_null.h"
 #include "system/service_scope.h"
 
 namespace {
 
-// What the layer service says is asked for before the guard is taken: it may ask here in turn.
-bool layerOf(const ZoString& wanted, ZoString& layer) {
-  auto* const layers = zo::serviceOrNull<ZoLayer>();
-  ZoLayerData data;
-  if (!layers || layers->get(wanted, data) != ZoResult::ok) return false;
-  layer = data.name.copy();
-  return true;
-}
+// A layer that is there, and stays there under its name while this lasts. It is made before the
+// guard is taken: the layer service takes its own one first when it asks here.
+class HeldLayer {
+ public:
+  HeldLayer(ZoLayer& layers, const ZoString& wanted) : batch_(layers) {
+    ZoLayerData data;
+    if (batch_.isOpen() && layers.get(wanted, data) == ZoResult::ok) name = data.name.copy();
+  }
+  ZoString name;  // empty without it
+
+ private:
+  ZoLayerBatch batch_;
+};
 
 bool isLocked(const ZoString& layer) {
   auto* const layers = zo::serviceOrNull<ZoLayer>();
@@ -34,8 +40,12 @@ ZoHeadlessCad::~ZoHeadlessCad() = default;
 bool ZoHeadlessCad::isPresent() { return true; }
 
 int ZoHeadlessCad::openDocument(const ZoString& name) {
-  const int code = documentOpened(name);
-  return code ? code : documentActivated(name);
+  int code = ZoResult::ok;
+  zo::FirstFailure failure;  // of a reactor: it is open all the same
+  failure.run([&] { code = documentOpened(name); });
+  if (code == ZoResult::ok) failure.run([&] { code = documentActivated(name); });
+  failure.rethrow();
+  return code;
 }
 
 int ZoHeadlessCad::activateDocument(const ZoString& name) { return documentActivated(name); }
@@ -94,13 +104,15 @@ int ZoHeadlessCad::addObject(const ZoVariant& object, ZoHnd& handle) {
 }
 
 int ZoHeadlessCad::addObject(const ZoVariant& object, const ZoString& layer, ZoHnd& handle) {
-  ZoString own;
-  if (!layerOf(layer, own)) return ZoResult::refused;
+  auto* const layers = zo::serviceOrNull<ZoLayer>();
+  if (!layers) return ZoResult::refused;
   ZoVariant value = object.copy();
+  HeldLayer held(*layers, layer);
+  if (held.name.isEmpty()) return ZoResult::refused;
   const zo::Writing writing(*this);
   ZoString document;
   if (!writing || getDocument(document) != ZoResult::ok) return ZoResult::refused;
-  handle = objects_->add(document, std::move(value), std::move(own));
+  handle = objects_->add(document, std::move(value), std::move(held.name));
   return ZoResult::ok;
 }
 
@@ -163,11 +175,14 @@ int ZoHeadlessCad::getObjectLayer(const ZoHnd& handle, ZoString& layer) {
 }
 
 int ZoHeadlessCad::setObjectLayer(const ZoHnd& handle, const ZoString& layer) {
-  ZoString own, before;
-  if (!layerOf(layer, own) || getObjectLayer(handle, before) != ZoResult::ok || isLocked(before))
+  auto* const layers = zo::serviceOrNull<ZoLayer>();
+  if (!layers) return ZoResult::refused;
+  HeldLayer held(*layers, layer);
+  ZoString before;
+  if (held.name.isEmpty() || getObjectLayer(handle, before) != ZoResult::ok || isLocked(before))
     return ZoResult::refused;
   return withObject<zo::Writing>(*this, *objects_, handle, [&](Object& found, std::int64_t) {
-    objects_->setLayer(found, std::move(own));
+    objects_->setLayer(found, std::move(held.name));
     return ZoResult::ok;
   });
 }

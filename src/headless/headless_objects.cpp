@@ -12,14 +12,16 @@ namespace zo {
 HeadlessObjects::Object* HeadlessObjects::find(const ZoHnd& handle, std::wstring_view document,
                                                std::int64_t& id) {
   id = handle.id();
-  if (handle.isKindOf(ZoHnd::kText)) {
+  const bool hasText = handle.isKindOf(ZoHnd::kText), hasId = handle.isKindOf(ZoHnd::kId);
+  if (hasText && !hasId) {
     const Document* const place = documents_.at(document);
     const std::int64_t* const byText = place ? place->ids.at(handle.handle()) : nullptr;
-    if (!byText || (handle.isKindOf(ZoHnd::kId) && *byText != id)) return nullptr;
+    if (!byText) return nullptr;
     id = *byText;
   }
   const auto found = objects_.find(id);
-  return found == objects_.end() ? nullptr : &found->second;
+  if (found == objects_.end()) return nullptr;
+  return hasText && !equalTexts(found->second.handle, handle.handle()) ? nullptr : &found->second;
 }
 
 ZoHnd HeadlessObjects::add(const ZoString& document, ZoVariant value, ZoString layer) {

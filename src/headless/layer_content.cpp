@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "text/code_units.h"
+
 namespace zo {
 namespace {
 
@@ -95,7 +97,8 @@ bool readLayer(const ZoVariant& value, ZoLayerData& layer) {
   const ZoVariant& weight = valueOf(value, L"LineWeight");
   if (!weight.isEmpty() && (!weight.isTypeOf(ZoVariant::kInt) || weight.get(layer.lineWeight) != 0))
     return false;
-  return isRead && isLayerName(layer.name) && areLayerValues(layer);
+  if (layer.lineType.isEmpty()) layer.lineType = ZoLayerData().lineType;
+  return isRead && isLayerName(layer.name) && areLayerValues(layer, ZoLayerData::kAllFields);
 }
 
 bool readState(const ZoVariant& value, LayerState& state) {
@@ -111,24 +114,62 @@ bool readState(const ZoVariant& value, LayerState& state) {
     if (code != ZoResult::ok) return false;
   }
   const ZoLayerData* const current = state.layers.at(state.current);
-  return current && !current->frozen && state.layers.contains(kLayerZero);
+  return (!current || !current->frozen) && (current || state.current.isEmpty()) &&
+         state.layers.contains(kLayerZero);
+}
+
+// The blanks of Unicode, but for those that are control characters.
+bool isBlank(wchar_t c) noexcept {
+  return c == L' ' || c == 0xA0 || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x2028 ||
+         c == 0x2029 || c == 0x202F || c == 0x205F || c == 0x3000;
+}
+
+bool isControl(wchar_t c) noexcept { return c < L' ' || (c >= 0x7F && c <= 0x9F); }
+
+bool hasLoneSurrogate(std::wstring_view text) noexcept {
+  for (std::size_t size = 1; !text.empty(); text.remove_prefix(size)) {
+    size = firstCharacter(text).size();
+    if (size == 1 && isSurrogate(text.front())) return true;
+  }
+  return false;
+}
+
+bool areEqual(const LayerState& a, const LayerState& b) {
+  if (a.current != b.current || a.layers.entries() != b.layers.entries()) return false;
+  for (const auto [name, layer] : a.layers) {
+    const ZoLayerData* const other = b.layers.at(name);
+    if (!other || *other != layer) return false;
+  }
+  return true;
 }
 
 }  // namespace
 
+bool areEqual(const LayerStates& a, const LayerStates& b) {
+  const auto sameName = [](const ZoString* x, const ZoString* y) { return *x == *y; };
+  const auto names = sortedKeys(a);
+  return std::ranges::equal(names, sortedKeys(b), sameName) &&
+         std::ranges::all_of(
+             names, [&](const ZoString* name) { return areEqual(*a.at(*name), *b.at(*name)); });
+}
+
 bool isLayerName(std::wstring_view name) noexcept {
-  return !name.empty() && name.size() <= kMostCharacters && name.front() != L' ' &&
-         name.back() != L' ' && std::ranges::all_of(name, [](wchar_t c) {
-           return c >= L' ' &&
-                  std::wstring_view(L"<>/\\\":;?*|,=`").find(c) == std::wstring_view::npos;
+  return !name.empty() && name.size() <= kMostCharacters && !isBlank(name.front()) &&
+         !isBlank(name.back()) && !hasLoneSurrogate(name) &&
+         std::ranges::none_of(name, [](wchar_t c) {
+           return isControl(c) ||
+                  std::wstring_view(L"<>/\\\":;?*|,=`").find(c) != std::wstring_view::npos;
          });
 }
 
-bool areLayerValues(const ZoLayerData& values) noexcept {
-  return (values.lineType.isEmpty() || isLayerName(values.lineType)) &&
-         values.lineWeight <= ZoLayerData::kMaxWeight &&
-         values.lineWeight >= ZoLayerData::kDefaultWeight &&
-         values.description.length() <= kMostDescription;
+bool areLayerValues(const ZoLayerData& values, ZoLayerData::Fields fields) noexcept {
+  const auto isUnasked = [&](ZoLayerData::Fields field) { return (fields & field) == 0; };
+  return (isUnasked(ZoLayerData::kLineType) || values.lineType.isEmpty() ||
+          isLayerName(values.lineType)) &&
+         (isUnasked(ZoLayerData::kLineWeight) ||
+          (values.lineWeight <= ZoLayerData::kMaxWeight &&
+           values.lineWeight >= ZoLayerData::kDefaultWeight)) &&
+         (isUnasked(ZoLayerData::kDescription) || values.description.length() <= kMostDescription);
 }
 
 ZoLayerData ownCopy(const ZoLayerData& layer) {
@@ -163,7 +204,7 @@ int layersToVariant(const LayerContent& content, ZoVariant& out) {
 }
 
 int layersFromVariant(const ZoVariant& value, LayerContent& out) {
-  if (!readState(value, out)) return ZoResult::invalid;
+  if (!readState(value, out) || out.current.isEmpty()) return ZoResult::invalid;
   const ZoVariant& states = valueOf(value, L"States");
   if (!states.isEmpty() && !states.asDict()) return ZoResult::invalid;
   for (const auto [key, position, each] : states.elements()) {

@@ -15,9 +15,8 @@ constexpr const wchar_t* kLayerZero = L"0";
 
 // Of layers, line types and states.
 [[nodiscard]] bool isLayerName(std::wstring_view name) noexcept;
-// Whether a layer can have these values; an empty line type is the usual one. The name does not
-// count.
-[[nodiscard]] bool areLayerValues(const ZoLayerData& values) noexcept;
+// Whether a layer can have these values of the fields; an empty line type is the usual one.
+[[nodiscard]] bool areLayerValues(const ZoLayerData& values, ZoLayerData::Fields fields) noexcept;
 
 // The same with texts of its own: what another thread may be given.
 [[nodiscard]] ZoLayerData ownCopy(const ZoLayerData& layer);
@@ -28,12 +27,15 @@ using Layers = ZoHashDict<ZoLayerData, ZoString>;
 
 struct LayerState {
   Layers layers;
-  ZoString current;
+  ZoString current;  // of a saved one, empty: it is there no more
 };
 
+using LayerStates = ZoHashDict<LayerState, ZoString>;
 struct LayerContent : LayerState {
-  ZoHashDict<LayerState, ZoString> states;
+  LayerStates states;
 };
+
+[[nodiscard]] bool areEqual(const LayerStates& a, const LayerStates& b);
 
 [[nodiscard]] int layersToVariant(const LayerContent& content, ZoVariant& out);
 // Refuses what breaks a rule; `out` may be anything then.

@@ -112,7 +112,8 @@ int LayerTable::setCurrent(std::wstring_view name, LayerChanges& changes) {
 }
 
 int LayerTable::add(const ZoLayerData& layer, LayerChanges& changes) {
-  if (!isLayerName(layer.name) || !areLayerValues(layer)) return ZoResult::invalid;
+  if (!isLayerName(layer.name) || !areLayerValues(layer, ZoLayerData::kAllFields))
+    return ZoResult::invalid;
   if (content_.layers.contains(layer.name)) return ZoResult::layerExists;
   changes.note(LayerChanges::kAdded, layer.name);
   ZoLayerData own = ownCopy(layer);
@@ -124,7 +125,7 @@ int LayerTable::add(const ZoLayerData& layer, LayerChanges& changes) {
 // What each layer becomes is settled before the first is touched.
 int LayerTable::change(std::wstring_view pattern, const ZoLayerData& values,
                        ZoLayerData::Fields fields, LayerChanges& changes) {
-  if (!areLayerValues(values) || fields == 0 || (fields & ~ZoLayerData::kAllFields) != 0)
+  if (!areLayerValues(values, fields) || fields == 0 || (fields & ~ZoLayerData::kAllFields) != 0)
     return ZoResult::invalid;
   const ZoLayerData own = ownCopy(values);
   std::vector<Change> todo;
@@ -145,6 +146,14 @@ int LayerTable::change(std::wstring_view pattern, const ZoLayerData& values,
 }
 
 namespace {
+
+// What is left of a layer that is there no more.
+void forget(LayerState& state, const ZoString& name) {
+  const ZoLayerData* const layer = state.layers.at(name);
+  if (!layer) return;
+  if (layer == state.layers.at(state.current)) state.current = ZoString();
+  state.layers.removeAt(name);
+}
 
 // The same layer under another name.
 void rekey(LayerState& state, const ZoString& from, const ZoString& to) {
@@ -173,8 +182,10 @@ int LayerTable::rename(std::wstring_view from, std::wstring_view to, LayerChange
   LayerContent next(content_);
   const ZoString oldName = layer->name.copy(), newName(to);
   rekey(next, oldName, newName);
-  for (const auto [name, state] : next.states)
-    if (!state.layers.contains(newName)) rekey(state, oldName, newName);
+  for (const auto [name, state] : next.states) {
+    if (!other) forget(state, newName);
+    rekey(state, oldName, newName);
+  }
   const std::unique_lock writing(lock_);
   std::swap(content_, next);
   return ZoResult::ok;
@@ -208,8 +219,9 @@ int LayerTable::restoreState(std::wstring_view state, ZoLayerData::Fields fields
   if (!saved) return ZoResult::refused;
   if (fields == 0 || (fields & ~ZoLayerData::kAllFields) != 0) return ZoResult::invalid;
   const ZoLayerData* current = content_.layers.at(saved->current);
-  bool isWhole = current != nullptr;
-  if (!current) current = content_.layers.at(content_.current);
+  const bool isStillFrozen = current && current->frozen && (fields & ZoLayerData::kFrozen) == 0;
+  bool isWhole = current && !isStillFrozen;
+  if (!isWhole) current = content_.layers.at(content_.current);
   std::vector<Change> todo;
   for (const auto [name, then] : saved->layers) {
     ZoLayerData* const layer = content_.layers.at(name);
@@ -249,7 +261,7 @@ void LayerTable::replace(LayerContent& content, LayerChanges& changes) {
     if (old && *old != layer) changes.note(LayerChanges::kChanged, layer.name);
   }
   if (content.current.view() != content_.current.view()) changes.current(content.current);
-  if (content.states.entries() + content_.states.entries() > 0) changes.states();
+  if (!areEqual(content.states, content_.states)) changes.states();
   const std::unique_lock writing(lock_);
   std::swap(content_, content);
 }

@@ -10,7 +10,7 @@ namespace zo {
 // between them but a '-' between two numbers. In a place of its own, without memory.
 class StandardName {
  public:
-  static constexpr std::size_t kMost = 128;
+  static constexpr std::size_t kMost = 255;
 
   // The edition is what stands behind a colon. `spelling` must outlive it.
   explicit StandardName(std::wstring_view spelling) noexcept;

@@ -63,6 +63,14 @@ const StandardPtr* StandardStore::pick(StandardName& name) const {
   return found == group->standards.end() ? nullptr : &*found;
 }
 
+std::wstring StandardStore::ownKey(StandardName& name) const {
+  const auto isThere = [&] {
+    const Group* const group = groups_.at(name.key());
+    return group && !group->standards.empty();
+  };
+  return isThere() || (name.takeYear() && isThere()) ? std::wstring(name.key()) : std::wstring();
+}
+
 StandardPtr StandardStore::find(std::wstring_view spelling) const {
   StandardName name(spelling);
   const std::shared_lock reading(lock_);
@@ -76,10 +84,12 @@ int StandardStore::successor(std::wstring_view spelling, std::wstring& name) con
   const StandardPtr* const first = pick(asked);
   if (!first) return ZoResult::refused;
   std::unordered_set<const Standard*> seen;
+  std::unordered_set<std::wstring> names;
   const Standard* standard = first->get();
   std::wstring last;
   for (bool byEdition = !asked.edition().empty();;) {
     if (!seen.insert(standard).second) return ZoResult::standardCircle;
+    names.emplace(StandardName(standard->name).key());
     StandardName next(standard->replacedBy);
     if (next.key().empty()) {
       const StandardPtr& newest = groupOf(StandardName(standard->name))->standards.front();
@@ -91,6 +101,9 @@ int StandardStore::successor(std::wstring_view spelling, std::wstring& name) con
     last = standard->replacedBy;
     const StandardPtr* const found = pick(next);
     if (!found) break;
+    // "DIN EN ISO 1" for "DIN ISO 1", and only that is there: found is what it replaces.
+    const std::wstring key(StandardName((*found)->name).key());
+    if (key != next.key() && names.contains(key)) break;
     byEdition = !next.edition().empty();
     last = byEdition ? fullName(**found) : (*found)->name;
     standard = found->get();
@@ -136,7 +149,6 @@ int StandardStore::add(const ZoVariant& standards, std::wstring_view module, std
     standard->module = module;
     standard->file = file;
     standard->order = ++lastOrder_;
-    names.push_back(standard->name);
   }
   const std::unique_lock writing(lock_);
   try {
@@ -148,16 +160,23 @@ int StandardStore::add(const ZoVariant& standards, std::wstring_view module, std
     removeIf([&](const Standard& standard) { return standard.order > before; });
     throw;
   }
-  // What the module had of these before.
-  for (const auto& standard : made) {
-    const StandardName name(standard->name);
-    auto& group = groups_.at(name.key())->standards;
-    std::erase_if(group, [&](const StandardPtr& other) {
-      return other->order < standard->order && equalTexts(other->edition, standard->edition) &&
-             equalIgnoreCase(other->module, module);
-    });
-  }
+  std::erase_if(made, [&](const auto& standard) { return !replaceOld(*standard); });
+  for (const auto& standard : made) names.push_back(standard->name);
   return ZoResult::ok;
+}
+
+bool StandardStore::replaceOld(const Standard& standard) {
+  auto& group = groups_.at(StandardName(standard.name).key())->standards;
+  bool isSame = false, isFirst = true;  // of those before, the last added comes first
+  std::erase_if(group, [&](const StandardPtr& other) {
+    if (other->order >= standard.order || !equalTexts(other->edition, standard.edition))
+      return false;
+    const bool isOld = equalIgnoreCase(other->module, standard.module);
+    if (isOld && isFirst) isSame = other->value == standard.value && other->file == standard.file;
+    isFirst = false;
+    return isOld;
+  });
+  return !isSame;
 }
 
 void StandardStore::remove(std::wstring_view spelling, std::wstring_view module,
@@ -166,9 +185,8 @@ void StandardStore::remove(std::wstring_view spelling, std::wstring_view module,
   const std::unique_lock writing(lock_);
   std::wstring key, edition;
   if (!spelling.empty()) {
-    const StandardPtr* const found = pick(name);
-    if (!found) return;
-    key = StandardName((*found)->name).key();
+    key = ownKey(name);
+    if (key.empty()) return;
     edition = name.edition();
   }
   const auto isGone = [&](const Standard& standard) {

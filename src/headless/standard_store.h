@@ -41,10 +41,11 @@ class StandardStore {
   [[nodiscard]] std::vector<std::wstring> names(const ZoStandardFilter& filter) const;
   [[nodiscard]] std::vector<std::wstring> editions(std::wstring_view spelling) const;
 
-  // Adds one or a sequence, all or none, and notes their names: 0, invalid.
+  // Adds one or a sequence, all or none, and notes the names of those that were not there, or not
+  // so: 0, invalid.
   [[nodiscard]] int add(const ZoVariant& standards, std::wstring_view module,
                         std::wstring_view file, std::vector<std::wstring>& names);
-  // Of a module; an empty spelling is all.
+  // Of a module, those of that very name; an empty spelling is all.
   void remove(std::wstring_view spelling, std::wstring_view module,
               std::vector<std::wstring>& names);
 
@@ -57,7 +58,12 @@ class StandardStore {
 
   [[nodiscard]] const Group* groupOf(const StandardName& name) const;
   [[nodiscard]] const StandardPtr* pick(StandardName& name) const;
+  // The key of the standards that have that very name, without regard to adopters; else empty.
+  [[nodiscard]] std::wstring ownKey(StandardName& name) const;
   void insert(StandardPtr standard, std::wstring_view key, std::wstring_view core);
+  // Takes out what its module had of the same edition before. False when that was the same, and
+  // nothing had come in front of it since.
+  bool replaceOld(const Standard& standard);
   // Needs no memory.
   void removeIf(const std::function<bool(const Standard&)>& isGone);
   void removeEmptyGroups();

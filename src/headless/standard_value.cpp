@@ -47,12 +47,23 @@ bool areTables(const ZoVariant* tables) {
   return true;
 }
 
+// Absent counts as false.
+bool readWithdrawn(const ZoVariant* value, bool& isWithdrawn) {
+  isWithdrawn = false;
+  if (!value || value->isEmpty()) return true;
+  int number = 0;
+  if (!value->isTypeOf(ZoVariant::kInt) || value->get(number) != 0) return false;
+  isWithdrawn = number == 1;
+  return number == 0 || number == 1;
+}
+
 std::shared_ptr<Standard> readStandard(const ZoVariant& value) {
   auto standard = std::make_shared<Standard>();
   if (!value.asDict() || value.isTooDeep() || !readTexts(value, *standard) ||
-      !areTables(value.at(L"Tables")))
+      !areTables(value.at(L"Tables")) ||
+      !readWithdrawn(value.at(L"Withdrawn"), standard->isWithdrawn))
     return nullptr;
-  standard->isWithdrawn = !standard->replacedBy.empty() || value.value(L"Withdrawn").asInt() != 0;
+  if (!standard->replacedBy.empty()) standard->isWithdrawn = true;
   standard->value = value.copy();
   return standard;
 }

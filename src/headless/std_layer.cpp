@@ -5,11 +5,25 @@
 #include <zo/text/containers/array.h>
 #include <zo/variant/variant.h>
 
+#include <atomic>
 #include <utility>
 
 #include "headless/layer_table.h"
 #include "system/service_or_null.h"
 #include "system/service_scope.h"
+
+namespace zo {
+namespace {
+
+// Unlike the platform's, no number comes twice.
+std::uint64_t threadNumber() noexcept {
+  static std::atomic<std::uint64_t> last = 0;
+  static thread_local const std::uint64_t number = ++last;
+  return number;
+}
+
+}  // namespace
+}  // namespace zo
 
 namespace {
 
@@ -30,6 +44,11 @@ ZoStdLayer::~ZoStdLayer() = default;
 
 int ZoStdLayer::release(const wchar_t* module) { return zo::releaseWithLibrary(this, module); }
 
+// A thread that ended in a batch has left the guard to others, who tell what it collected.
+unsigned int ZoStdLayer::ownBatches() const noexcept {
+  return batchThread_ == zo::threadNumber() ? batches_ : 0;
+}
+
 // The notice goes out when the guard is free again, unless a batch collects it.
 template <class Change>
 int ZoStdLayer::run(Change change) {
@@ -42,7 +61,8 @@ int ZoStdLayer::run(Change change) {
     if (result != ZoResult::ok && result != ZoResult::layersLeftOut) return result;
     if (pending_) {
       pending_->append(changes);
-      return result;
+      if (ownBatches() > 0) return result;
+      changes = *std::exchange(pending_, nullptr);
     }
   }
   tell(changes);
@@ -142,7 +162,8 @@ int ZoStdLayer::beginBatch() {
       throw;
     }
   }
-  ++batches_;
+  batches_ = ownBatches() + 1;
+  batchThread_ = zo::threadNumber();
   return ZoResult::ok;
 }
 
@@ -150,7 +171,7 @@ int ZoStdLayer::endBatch() {
   std::unique_ptr<zo::LayerChanges> changes;
   {
     const zo::Writing writing(*this);
-    if (!writing || batches_ == 0) return ZoResult::refused;
+    if (!writing || ownBatches() == 0) return ZoResult::refused;
     if (--batches_ == 0) changes = std::move(pending_);
     doneWriting();  // that of beginBatch
   }

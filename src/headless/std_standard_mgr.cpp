@@ -128,7 +128,7 @@ int ZoStdStandardMgr::addOpenFile(ZoFile& file, const ZoFileName& called, const 
 }
 
 int ZoStdStandardMgr::remove(const ZoString& name, const wchar_t* module) {
-  if (!module) return ZoResult::refused;
+  if (!module) module = L"";
   std::vector<std::wstring> names;
   {
     const zo::Writing writing(*this);

@@ -4,10 +4,12 @@
 #include <zo/system.h>
 #include <zo/variant/variant.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include "headless/notices.h"
 #include "system/attached.h"
@@ -162,7 +164,8 @@ TEST(HeadlessCad, FindsObjectsByEachPartOfTheirHandle) {
   ZoHnd mixed(a);
   mixed.setId(b.id());
   EXPECT_TRUE(cad.exists(ZoHnd(a.id())) && cad.exists(ZoHnd(c.handle())) && cad.exists(c));
-  for (const ZoHnd& none : {ZoHnd(), ZoHnd(L"none"), ZoHnd(99), mixed, a, ZoHnd(b.handle())})
+  EXPECT_TRUE(cad.exists(a)) << "whichever document is current";
+  for (const ZoHnd& none : {ZoHnd(), ZoHnd(L"none"), ZoHnd(99), mixed, ZoHnd(b.handle())})
     EXPECT_FALSE(cad.exists(none)) << none.id();
   EXPECT_EQ(cad.activateDocument(L"one"), 0);
   ZoVariant value;
@@ -218,6 +221,36 @@ TEST(HeadlessCad, LayersWithObjectsStayAndLockedOnesKeepTheirObjects) {
   EXPECT_EQ(host.cad.removeObject(handle), 0);
   EXPECT_EQ(layers.remove(L"b"), 0);
   EXPECT_EQ(layers.fromVariant(all), 0);
+}
+
+TEST(HeadlessCad, NoObjectGetsOntoALayerThatIsBeingRemoved) {
+  struct Busy : ZoHeadlessCad {
+    bool isLayerInUse(const ZoString& layer) override {
+      const bool isUsed = ZoHeadlessCad::isLayerInUse(layer);
+      if (!isUsed) other = std::jthread([this] { code = addObject(1, L"a", handle); });
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      return isUsed;
+    }
+    ZoHnd handle;
+    int code = -1;
+    std::jthread other;
+  };
+  const auto cad = std::make_unique<Busy>();
+  const Attached attached;
+  ZoSystem::setCad(cad.get());
+  EXPECT_EQ(ZoSystem::layer().ensure({.name = L"a"}), 0);
+  EXPECT_EQ(ZoSystem::layer().remove(L"a"), 0);
+  cad->other.join();
+  EXPECT_EQ(cad->code, 1);
+}
+
+TEST(HeadlessCad, AReactorThatThrowsLeavesADocumentOpenAndCurrent) {
+  Host host;
+  Notices notices(L"ZoDocument");
+  notices.onTold = [] { throw std::runtime_error("told"); };
+  EXPECT_THROW(static_cast<void>(host.cad.openDocument(L"a")), std::runtime_error);
+  EXPECT_EQ(documentsOf(host.cad), L"a a");
+  EXPECT_EQ(notices.take(), L"OpenedDict{Document=a}ActivatedDict{Document=a}");
 }
 
 TEST(HeadlessCad, KeepsPromptsUntilTheyAreTaken) {

@@ -68,9 +68,12 @@ TEST(Layer, IsMadeOnceWithWhatItWasGiven) {
 
 TEST(Layer, RefusesWhatNoLayerHas) {
   ZoStdLayer layers;
+  EXPECT_FALSE(layers.exists(nullptr)) << "an empty name";
   const std::wstring longest(255, L'n');
   EXPECT_EQ(layers.add({.name = ZoString(longest)}), 0);
-  std::vector<std::wstring> bad{L"", longest + L"n", L" a", L"a ", L"a\tb", L"a\x1f"};
+  std::vector<std::wstring> bad{L"",      longest + L"n", L" a",      L"a ",
+                                L"a\tb",  L"a\x1f",       L"a\x7F",   L"a\x85",
+                                L"a\xA0", L"\x3000z",     L"\xD800z", L"a\xDC00"};
   for (const wchar_t sign : std::wstring_view(L"<>/\\\":;?*|,=`"))
     bad.push_back(std::wstring(L"a") + sign);
   for (const std::wstring& name : bad) {
@@ -83,7 +86,8 @@ TEST(Layer, RefusesWhatNoLayerHas) {
         ZoLayerData{.name = L"a", .lineWeight = 1001},
         ZoLayerData{.name = L"a", .description = ZoString().append(L'x', 65536)}}) {
     EXPECT_EQ(layers.add(data), ZoResult::invalid);
-    EXPECT_EQ(layers.change(L"0", data, ZoLayerData::kColor), ZoResult::invalid);
+    EXPECT_EQ(layers.change(L"0", data, ZoLayerData::kAllFields), ZoResult::invalid);
+    EXPECT_EQ(layers.change(L"0", data, ZoLayerData::kColor), 0) << "the others do not count";
   }
   EXPECT_EQ(layers.change(L"0", {}, ZoLayerData::Fields(0)), ZoResult::invalid);
   EXPECT_EQ(layers.change(L"0", {}, ZoLayerData::Fields(0x100)), ZoResult::invalid);
@@ -155,6 +159,23 @@ TEST(Layer, AStateBringsBackWhatIsStillThere) {
   EXPECT_TRUE(states.isEqualTo(ZoArray<ZoString>{L"First", L"second"}));
   EXPECT_EQ(layers.removeState(L"first"), 0);
   EXPECT_EQ(layers.restoreState(L"first"), ZoResult::refused);
+
+  EXPECT_EQ(layers.setCurrent(L"b"), 0);
+  EXPECT_EQ(layers.saveState(L"third"), 0);
+  EXPECT_EQ(layers.setCurrent(L"0"), 0);
+  EXPECT_EQ(layers.change(L"b", {.frozen = true}, kFrozen), 0);
+  EXPECT_EQ(layers.restoreState(L"third", kOn), ZoResult::layersLeftOut);
+  EXPECT_TRUE(dataOf(layers, L"b").frozen) << "nobody asked for it";
+  EXPECT_EQ(currentOf(layers), L"0");
+  EXPECT_EQ(layers.remove(L"b"), 0);
+  EXPECT_EQ(layers.add({.name = L"n", .lineWeight = 7}), 0);
+  EXPECT_EQ(layers.rename(L"n", L"b"), 0);
+  EXPECT_EQ(layers.restoreState(L"third"), ZoResult::layersLeftOut);
+  EXPECT_EQ(dataOf(layers, L"b"), (ZoLayerData{.name = L"b", .lineWeight = 7})) << "another layer";
+  EXPECT_EQ(currentOf(layers), L"0");
+  ZoVariant value;
+  EXPECT_EQ(layers.toVariant(value), 0);
+  EXPECT_EQ(layers.fromVariant(value), 0);
 }
 
 TEST(Layer, OneNoticeTellsAllOfAnOperationOrABatch) {
@@ -168,7 +189,19 @@ TEST(Layer, OneNoticeTellsAllOfAnOperationOrABatch) {
   EXPECT_EQ(layers.change(L"*", {}, kOn), 0);
   EXPECT_EQ(layers.setCurrent(L"0"), 0);
   EXPECT_EQ(layers.remove(L"none"), 1);
+  EXPECT_EQ(layers.saveState(L"same"), 0);
+  next();
+  ZoVariant same;
+  EXPECT_EQ(layers.toVariant(same), 0);
+  EXPECT_EQ(layers.fromVariant(same), 0);
   EXPECT_EQ(next(), L"") << "nothing changed";
+  std::jthread([&] {
+    EXPECT_EQ(layers.beginBatch(), 0);
+    EXPECT_EQ(layers.add({.name = L"left"}), 0);
+  }).join();
+  EXPECT_EQ(layers.endBatch(), 1) << "a batch ends with its thread";
+  EXPECT_EQ(layers.remove(L"left"), 0);
+  EXPECT_EQ(next(), L"Dict{Added=Sequence[left],Removed=Sequence[left]}");
   {
     const ZoLayerBatch batch(layers);
     EXPECT_EQ(layers.ensure({.name = L"b"}), 0);
@@ -237,6 +270,7 @@ TEST(Layer, AsAVariantAllComesBackAndNothingElseGetsIn) {
                                                           {L"Layers/0/Color", L"nocolor"},
                                                           {L"Layers/0/LineWeight", 1e300},
                                                           {L"Layers/0/LineWeight", 2000},
+                                                          {L"Current", L""},
                                                           {L"Layers/0/On", 2},
                                                           {L"Layers/0/Frozen", L"x"},
                                                           {L"Layers/2/Frozen", true},
@@ -254,7 +288,9 @@ TEST(Layer, AsAVariantAllComesBackAndNothingElseGetsIn) {
   ZoVariant more(value);
   ASSERT_EQ(more.put(L"Layers/0/Own", L"x"), 0);
   ASSERT_EQ(more.put(L"Own", 1), 0);
+  ASSERT_EQ(more.put(L"Layers/1/LineType", L""), 0);
   EXPECT_EQ(other.fromVariant(more), 0) << "foreign keys are passed over";
+  EXPECT_EQ(dataOf(other, L"a").lineType, L"Continuous");
 }
 
 // All operations at random, beside a plain table.
@@ -293,7 +329,8 @@ TEST(Layer, DoesWhatAModelDoes) {
         EXPECT_EQ(layers.rename(za, zb), code);
         if (code || a == b) break;
         const auto move = [&](Model& m) {
-          if (!m.layers.contains(a) || m.layers.contains(b)) return;
+          if (m.layers.erase(b) > 0 && m.current == b) m.current.clear();
+          if (!m.layers.contains(a)) return;
           auto node = m.layers.extract(a);
           node.key() = b;
           node.mapped().name = zb;

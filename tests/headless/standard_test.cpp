@@ -92,9 +92,9 @@ TEST(Standard, IsFoundUnderEveryUsualSpelling) {
     EXPECT_EQ(name.core(), core ? core : key) << narrow(spelling);
     EXPECT_EQ(name.edition(), edition) << narrow(spelling);
   }
-  EXPECT_EQ(zo::StandardName(std::wstring(128, L'a')).key().size(), 128u);
-  EXPECT_EQ(zo::StandardName(std::wstring(129, L'a')).key(), L"");
-  EXPECT_EQ(zo::StandardName(std::wstring(127, L'a') + L"1-1").key(), L"");
+  EXPECT_EQ(zo::StandardName(std::wstring(255, L'a')).key().size(), 255u);
+  EXPECT_EQ(zo::StandardName(std::wstring(256, L'a')).key(), L"");
+  EXPECT_EQ(zo::StandardName(std::wstring(254, L'a') + L"1-1").key(), L"");
 
   ZoStdStandardMgr standards;
   for (const wchar_t* name : {L"ISO 4014", L"DIN EN ISO 4762", L"DIN EN ISO 1", L"ISO 1"})
@@ -106,6 +106,11 @@ TEST(Standard, IsFoundUnderEveryUsualSpelling) {
   EXPECT_EQ(titleOf(standards, L"BS ISO 1"), L"ISO 1");
   for (const wchar_t* none : {L"DIN 4014", L"4014", L"ISO 401", L"", L"-", L"ISO 4014:2011"})
     EXPECT_EQ(titleOf(standards, none), L"1") << narrow(none);
+  for (const wchar_t* other : {L"ISO 4762", L"BS EN ISO 4762", L"DIN ISO 1", L"-", L"ISO 1:2011"})
+    EXPECT_EQ(standards.remove(other, L"m"), 1) << narrow(other);
+  EXPECT_EQ(standards.remove(L"din-en-iso4762", L"m"), 0);
+  EXPECT_EQ(standards.add(standard(ZoString().append(L'x', 255)), nullptr), 0);
+  EXPECT_EQ(standards.remove(ZoString().append(L'X', 255), nullptr), 0);
 }
 
 TEST(Standard, OfSeveralEditionsTheNewestIsMeantAndSuccessorsAreFollowed) {
@@ -149,6 +154,13 @@ TEST(Standard, OfSeveralEditionsTheNewestIsMeantAndSuccessorsAreFollowed) {
   for (const wchar_t* name : {L"A 1", L"A 2", L"A 4"})
     EXPECT_EQ(successorOf(standards, name), std::to_wstring(ZoResult::standardCircle));
   EXPECT_EQ(successorOf(standards, L"none"), L"1");
+
+  for (const wchar_t* edition : {L"", L"2001", L"2011"})
+    add(L"DIN ISO 5", edition, L"DIN EN ISO 5");
+  for (const wchar_t* name : {L"DIN ISO 5", L"DIN ISO 5:2001", L"ISO 5"})
+    EXPECT_EQ(successorOf(standards, name), L"DIN EN ISO 5") << "which is not there";
+  add(L"DIN EN ISO 5", L"", L"ISO 5");
+  EXPECT_EQ(successorOf(standards, L"DIN ISO 5"), L"ISO 5");
 }
 
 TEST(Standard, TablesGiveRowsByNominalSize) {
@@ -178,12 +190,13 @@ TEST(Standard, TablesGiveRowsByNominalSize) {
 
 TEST(Standard, OnlyWholeStandardsGetIn) {
   ZoStdStandardMgr standards;
-  const Entries bad = {{L"Name", 1},       {L"Name", L""},
-                       {L"Name", L"-"},    {L"Name", L"ISO 1:2011"},
-                       {L"Edition", 2011}, {L"ReplacedBy", ZoVariant(ZoVariant::kDict)},
-                       {L"Class", 1.5},    {L"Name", ZoString().append(L'x', 256)},
-                       {L"Tables", 1},     {L"Tables/t", L"x"},
-                       {L"Tables/t/M8", 1}};
+  const Entries bad = {{L"Name", 1},        {L"Name", L""},
+                       {L"Name", L"-"},     {L"Name", L"ISO 1:2011"},
+                       {L"Edition", 2011},  {L"ReplacedBy", ZoVariant(ZoVariant::kDict)},
+                       {L"Class", 1.5},     {L"Name", ZoString().append(L'x', 256)},
+                       {L"Tables", 1},      {L"Tables/t", L"x"},
+                       {L"Tables/t/M8", 1}, {L"Withdrawn", L"true"},
+                       {L"Withdrawn", 2},   {L"Withdrawn", 1.0}};
   for (const auto& [path, value] : bad) {
     ZoVariant two(ZoVariant::kSequence);
     ASSERT_EQ(two.put(L"0", standard(L"ISO 1")), 0);
@@ -231,6 +244,8 @@ TEST(Standard, ComeFromFilesAndMembersOfLibrariesAndGoWithTheirModule) {
   EXPECT_EQ(notices.take(),
             L"ChangedDict{Module=mine,Names=Sequence[DIN 931,ISO 4014]}"
             L"ChangedDict{Module=mine,Names=Sequence[Example 1]}");
+  EXPECT_EQ(standards.addFile(ZoFileName(shipped / L"screws.example.txt"), L"mine"), 0);
+  EXPECT_EQ(notices.take(), L"") << "nothing changed";
   ZoVariant row;
   EXPECT_EQ(standards.getRow(L"DIN EN ISO 4014", L"", L"8", row), 0);
   EXPECT_EQ(row.value(L"s"), ZoVariant(13.0, ZoTypeCode::Length));

@@ -151,6 +151,16 @@ def libraries():
     run("show", "p.lib", "--member", "none", code=10, err="zoval: p.lib has no member none; .*")
 
 
+def at_once():
+    """Of several that set values at the same time, in a file or a member, none undoes another's."""
+    write("a.txt", "Dict {}")
+    run("create", "p.lib", "a.txt", tool="zolib.exe")
+    for file in (["a.txt"], ["p.lib", "-m", "a.txt"]):
+        started = [subprocess.Popen(COMMAND + ["set", *file, f"k{i}", str(i)], stdin=subprocess.DEVNULL) for i in range(6)]
+        assert [each.wait() for each in started] == [0] * 6
+        assert run("show", *file).count(b"Int") == 6, run("show", *file)
+
+
 def hostile():
     """Nothing in a file ends the tool: it is a value, or the code says that it is none."""
     write("a.txt", PART)

@@ -31,7 +31,8 @@ ZoVariant valueOf(const std::wstring& text) {
 // own, and what is new has what it is given.
 void set(const Options& options, Report& report) {
   ValueFile file;
-  if (!readValue(options.file, options, file, report)) return;
+  const Use use = options.dryRun ? Use::kRead : Use::kChange;
+  if (!readValue(options.file, options, file, report, use)) return;
   ZoVariant* const old = file.value.find(options.path);
   ZoVariant parsed;
   const bool isForm = parsed.parse(options.value) == 0;
@@ -52,9 +53,11 @@ void set(const Options& options, Report& report) {
 }
 
 void convert(const Options& options, Report& report) {
-  ValueFile file;
-  if (!readValue(options.file, options, file, report)) return;
+  ValueFile file, target;
   const bool isToOutput = options.second == L"-";
+  const bool isToFile = !isToOutput && !options.dryRun;
+  if (isToFile && !lockFile(options.second, target, report)) return;
+  if (!readValue(options.file, options, file, report)) return;
   const auto form = options.to.empty() ? formOf(options.second) : formNamed(options.to);
   if (!form)
     return report.fail(zolib::kUsage, "say the form of " + toUtf8(options.second) + " by --to");
@@ -71,7 +74,6 @@ void convert(const Options& options, Report& report) {
       report.console().out(bytes);
     return;
   }
-  ValueFile target;
   target.value = std::move(file.value);
   target.form = *form;
   target.path = options.second;

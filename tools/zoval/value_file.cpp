@@ -3,7 +3,6 @@
 #include <zo/files/file.h>
 #include <zo/files/file_save.h>
 #include <zo/files/text_file.h>
-#include <zo/library/library.h>
 #include <zo/names/file_name.h>
 #include <zo/persist/memory_archive.h>
 #include <zo/results.h>
@@ -88,20 +87,25 @@ bool readText(ZoFile& open, const Options& options, ValueFile& file, Report& rep
   return false;
 }
 
-bool readArchive(ZoFile& open, ValueFile& file, Report& report) {
-  const std::int64_t size = open.size();
-  const auto bytes = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(size));
-  std::int64_t done = 0;
-  while (done < size) {
-    const auto count = static_cast<unsigned int>(std::min<std::int64_t>(size - done, 1 << 30));
-    const unsigned int got = open.read(bytes.get() + done, count);
-    if (got == 0) {
-      report.fail(zolib::kFailed, "cannot read " + file.shown + because());
-      return false;
-    }
+bool readBytes(ZoFile& open, std::string& bytes) {
+  bytes.resize(static_cast<std::size_t>(open.size()));
+  for (std::size_t done = 0; done < bytes.size();) {
+    const auto count =
+        static_cast<unsigned int>(std::min<std::size_t>(bytes.size() - done, 1 << 30));
+    const unsigned int got = open.read(bytes.data() + done, count);
+    if (got == 0) return false;
     done += got;
   }
-  ZoMemoryReadArchive archive(bytes.get(), static_cast<std::size_t>(size));
+  return true;
+}
+
+bool readArchive(ZoFile& open, ValueFile& file, Report& report) {
+  std::string bytes;
+  if (!readBytes(open, bytes)) {
+    report.fail(zolib::kFailed, "cannot read " + file.shown + because());
+    return false;
+  }
+  ZoMemoryReadArchive archive(bytes.data(), bytes.size());
   try {
     archive >> file.value;
   } catch (const ZoComException&) {
@@ -143,10 +147,13 @@ bool openLibrary(const ValueFile& file, int access, ZoLibrary& library, Report& 
   return false;
 }
 
-bool readMember(const Options& options, ValueFile& file, Report& report) {
-  ZoLibrary library;
+bool readMember(const Options& options, ValueFile& file, Report& report, Use use) {
+  ZoLibrary reader;
+  if (use == Use::kChange) file.library = std::make_unique<ZoLibrary>();
+  ZoLibrary& library = file.library ? *file.library : reader;
   ZoFile open;
-  if (!openLibrary(file, ZoFile::kRead, library, report)) return false;
+  if (!openLibrary(file, file.library ? ZoFile::kReadWrite : ZoFile::kRead, library, report))
+    return false;
   ZoLibEntry entry;
   if (library.getEntry(ZoFileName(file.member), entry) != ZoResult::ok) {
     report.fail(zolib::kNotFound, toUtf8(file.path) + " has no member " + toUtf8(file.member) +
@@ -171,15 +178,35 @@ bool isWritten(ZoFile& file, std::string_view bytes) {
 
 // What closes adds the member, in the place of what has its name.
 bool writeMember(const ValueFile& file, std::string_view bytes, Report& report) {
-  ZoLibrary library;
+  ZoLibrary& library = *file.library;
   ZoFile open;
-  if (!openLibrary(file, ZoFile::kReadWrite, library, report)) return false;
   if (library.getFile(open, ZoFileName(file.member), ZoFile::kWrite) == ZoResult::ok) {
     if (isWritten(open, bytes) && open.close() == ZoResult::ok && library.close() == ZoResult::ok)
       return true;
     open.cancel();
   }
   report.fail(zolib::kFailed, "cannot write " + file.shown + because() + "; it is as it was");
+  return false;
+}
+
+ZoFile opened(const std::wstring& path) {
+  ZoFile file;
+  static_cast<void>(file.open(ZoFileName(zolib::shellPath(path)), ZoFile::kRead,
+                              ZoFile::kOpenExisting, ZoFile::kShareRead | ZoFile::kShareWrite));
+  return file;
+}
+
+// Programs that know nothing of the lock write, too.
+bool isAsRead(const ValueFile& file) {
+  if (!file.before) return true;
+  ZoFile open = opened(file.path);
+  std::string bytes;
+  return open.isOpen() && readBytes(open, bytes) && bytes == *file.before;
+}
+
+bool keepBytes(ZoFile& open, ValueFile& file, Report& report) {
+  if (readBytes(open, file.before.emplace()) && open.seekToBegin() == 0) return true;
+  report.fail(zolib::kFailed, "cannot read " + file.shown + because());
   return false;
 }
 
@@ -205,17 +232,26 @@ std::optional<Form> formOf(std::wstring_view fileName) {
   return std::nullopt;
 }
 
-bool readValue(const std::wstring& path, const Options& options, ValueFile& file, Report& report) {
+bool lockFile(const std::wstring& path, ValueFile& file, Report& report) {
+  if (file.lock.take(path)) return true;
+  report.fail(zolib::kLocked, toUtf8(path) + " is locked: another program is writing to it");
+  return false;
+}
+
+bool readValue(const std::wstring& path, const Options& options, ValueFile& file, Report& report,
+               Use use) {
   file.path = path;
   file.shown = toUtf8(path);
+  if (use == Use::kChange && !lockFile(path, file, report)) return false;
   zolib::forgetReason();
-  ZoFile open;
-  if (open.open(ZoFileName(zolib::shellPath(path)), ZoFile::kRead, ZoFile::kOpenExisting,
-                ZoFile::kShareRead | ZoFile::kShareWrite) != ZoResult::ok) {
+  ZoFile open = opened(path);
+  if (!open.isOpen()) {
     report.fail(zolib::kNotFound, "cannot open " + file.shown + because());
     return false;
   }
-  if (!isLibrary(open)) return readOpen(open, options, file, report);
+  if (!isLibrary(open))
+    return (use == Use::kRead || keepBytes(open, file, report)) &&
+           readOpen(open, options, file, report);
   static_cast<void>(open.close());
   if (options.member.empty()) {
     report.fail(zolib::kUsage, file.shown + " is a library; name a value in it by --member");
@@ -223,7 +259,7 @@ bool readValue(const std::wstring& path, const Options& options, ValueFile& file
   }
   file.member = options.member;
   file.shown += " " + toUtf8(options.member);
-  return readMember(options, file, report);
+  return readMember(options, file, report, use);
 }
 
 namespace {
@@ -255,15 +291,20 @@ bool encode(const ZoVariant& value, Form form, std::string& bytes, Report& repor
   return false;
 }
 
-bool writeValue(const ValueFile& file, Report& report) {
+bool writeValue(ValueFile& file, Report& report) {
   std::string bytes;
   if (!encode(file.value, file.form, bytes, report)) return false;
   if (!file.member.empty()) return writeMember(file, bytes, report);
   zolib::forgetReason();
   ZoFileSave save;
-  if (save.open(ZoFileName(zolib::shellPath(file.path))) == 0 && isWritten(save.file(), bytes) &&
-      save.commit() == 0)
-    return true;
+  const bool isReady =
+      save.open(ZoFileName(zolib::shellPath(file.path))) == 0 && isWritten(save.file(), bytes);
+  if (isReady && !isAsRead(file)) {
+    report.fail(zolib::kLocked,
+                file.shown + " was written by another program meanwhile; try again");
+    return false;
+  }
+  if (isReady && save.commit() == 0) return true;
   report.fail(zolib::kFailed, "cannot write " + file.shown + because());
   return false;
 }

@@ -1,13 +1,16 @@
 // A value in a file, or in a member of a library: text form, archive, XML or JSON.
 #pragma once
 
+#include <zo/library/library.h>
 #include <zo/variant/variant.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "../zolib/report.h"
+#include "file_lock.h"
 #include "options.h"
 
 namespace zoval {
@@ -28,14 +31,26 @@ struct ValueFile {
   std::wstring path;
   std::wstring member;  // empty: the file itself
   std::string shown;    // as it is named in talk
+
+  // Of one that is read to be written.
+  FileLock lock;
+  std::unique_ptr<ZoLibrary> library;  // open for writing
+  std::optional<std::string> before;   // the file's bytes, which must still be there
 };
 
-// Reads the file, or its member where it is a library. False when there is no value in it, which is
+// Keeps others from writing the file until `file` ends. False when they do already, which is
 // reported.
-bool readValue(const std::wstring& path, const Options& options, ValueFile& file, Report& report);
+bool lockFile(const std::wstring& path, ValueFile& file, Report& report);
+
+enum class Use { kRead, kChange };
+// Reads the file, or its member where it is a library; to change it, it is locked before. False
+// when there is no value in it, which is reported.
+bool readValue(const std::wstring& path, const Options& options, ValueFile& file, Report& report,
+               Use use = Use::kRead);
 // Puts the value in the file's place, or in its member's, in one step; a failure is reported, and
-// all is then as it was.
-bool writeValue(const ValueFile& file, Report& report);
+// all is then as it was. So is that another program has written the file since it was read to be
+// changed.
+bool writeValue(ValueFile& file, Report& report);
 
 // The bytes of a form. False, and reported: the value lies too deep, or is too long.
 bool encode(const ZoVariant& value, Form form, std::string& bytes, Report& report);

@@ -6,6 +6,7 @@
 
 #include <zo/system/layer.h>
 
+#include <cstdint>
 #include <memory>
 
 namespace zo {
@@ -47,9 +48,11 @@ class ZO_COM_API ZoStdLayer : public ZoLayer {
  private:
   template <class Change>
   int run(Change change);
+  [[nodiscard]] unsigned int ownBatches() const noexcept;
   void tell(const zo::LayerChanges& changes);
 
   std::unique_ptr<zo::LayerTable> table_;
   std::unique_ptr<zo::LayerChanges> pending_;  // of a batch
   unsigned int batches_ = 0;
+  std::uint64_t batchThread_ = 0;
 };

@@ -81,7 +81,7 @@ class ZO_COM_API ZoCad : public ZoSysObj {
   // Refused for kTrueColor.
   [[nodiscard]] virtual int paletteColor(ZoColor::Type type, unsigned int& rgb);
   // Whether there is such an object: a text is looked for in the current document, an id in all of
-  // them; of a handle with both, they must name the same one.
+  // them; a handle with both is looked for by its id, and the object must have that text.
   [[nodiscard]] virtual bool exists(const ZoHnd& object);
   // Writes a line where the user types commands.
   virtual int prompt(const ZoString& text);

@@ -5,8 +5,8 @@
 //     return code;
 //   ZoSystem::layer().change(L"Aux*", {.on = false}, ZoLayerData::kOn);
 //
-// Names have 1 to 255 characters, none of <>/\":;?*|,=` and no control character, and no blank at
-// either end; case does not count. Layer "0" is always there.
+// Names have 1 to 255 characters, none of <>/\":;?*|,=`, no control character and no half of a
+// surrogate pair, and no blank at either end; case does not count. Layer "0" is always there.
 //
 // A layer that is off is not shown; one that is frozen is not worked with at all, either; one that
 // is locked is shown and cannot be edited. They are three things, and each holds by itself.
@@ -66,7 +66,7 @@ struct ZoLayerData {
 
   ZoString name = {};
   ZoColor color = ZoColor::kForeground;
-  ZoString lineType = L"Continuous";  // 1 to 255 characters
+  ZoString lineType = L"Continuous";  // as a name; an empty one stands for this one
   int lineWeight = kDefaultWeight;
   bool on = true;
   bool frozen = false;
@@ -98,13 +98,13 @@ class ZO_COM_API ZoLayer : public ZoSysObj {
   // The names that fit a pattern, in the user's order; they replace what the sequence has. In a
   // pattern * is any number of any characters and ? is any one; commas stand between several.
   [[nodiscard]] virtual int getNames(ZoSequence<ZoString>& names, const ZoString& pattern);
-  // Gives all layers that fit a pattern the values of the fields; the name of the data does not
+  // Gives all layers that fit a pattern the values of the fields; what else the data have does not
   // count. Refused when none fits. layersLeftOut: the current layer was not frozen, all else is
   // done.
   [[nodiscard]] virtual int change(const ZoString& pattern, const ZoLayerData& values,
                                    ZoLayerData::Fields fields);
   // Objects, saved states and the current layer go with the name: 0, layerExists, layerKept for
-  // layer "0".
+  // layer "0". What saved states have of a removed layer of the new name is forgotten.
   [[nodiscard]] virtual int rename(const ZoString& from, const ZoString& to);
   // layerKept as said. Whether objects lie on a layer, the host's service knows
   // (ZoCad::isLayerInUse).
@@ -115,12 +115,13 @@ class ZO_COM_API ZoLayer : public ZoSysObj {
   [[nodiscard]] virtual int saveState(const ZoString& state);
   // Gives the layers of the state that are still there what the fields were then, and makes its
   // current layer the current one. Layers that are not in the state stay as they are.
-  // layersLeftOut: some are no longer there, or the current layer would have been frozen.
+  // layersLeftOut: some are no longer there, the current layer would have been frozen, or the
+  // state's is, and stays so without kFrozen; the current layer remains the same then.
   [[nodiscard]] virtual int restoreState(const ZoString& state, ZoLayerData::Fields fields);
   [[nodiscard]] virtual int removeState(const ZoString& state);
   [[nodiscard]] virtual int getStates(ZoSequence<ZoString>& states);
 
-  // ---- As a value: docs/layers.md ----
+  // ---- As a value: docs/host.md ----
   // All layers, the current one and the states.
   [[nodiscard]] virtual int toVariant(ZoVariant& layers);
   // Takes their place. ZoResult::invalid: that is no such value. layerKept: one that would go has
@@ -129,7 +130,7 @@ class ZO_COM_API ZoLayer : public ZoSysObj {
 
   // ---- One notice for many operations (ZoLayerBatch does both) ----
   // Holds the guard until endBatch, which the same thread calls as many times. Nothing is taken
-  // back.
+  // back. A batch ends with its thread: the next change of another then tells of both.
   [[nodiscard]] virtual int beginBatch();
   virtual int endBatch();
 

@@ -56,7 +56,7 @@ class ZO_COM_API ZoStandardMgr : public ZoSysObj {
   // Here all that follows is refused.
 
   // Adds a standard, or a sequence of them, all or none. One that the module has added already is
-  // replaced.
+  // replaced. A null module is one with an empty name, here and below.
   [[nodiscard]] virtual int add(const ZoVariant& standards, const wchar_t* module);
   // Adds what a file has. A relative name is looked for by the file search service.
   [[nodiscard]] virtual int addFile(const ZoFileName& file, const wchar_t* module);
@@ -64,7 +64,8 @@ class ZO_COM_API ZoStandardMgr : public ZoSysObj {
   // called is for getOrigin.
   [[nodiscard]] virtual int addOpenFile(ZoFile& file, const ZoFileName& called,
                                         const wchar_t* module);
-  // Of this module, all editions or the one that is named.
+  // Of this module, all editions or the one that is named, by its own name in any spelling: not by
+  // that of who adopted it.
   [[nodiscard]] virtual int remove(const ZoString& name, const wchar_t* module);
 
   // What follows replaces what a sequence has, in the user's order.
