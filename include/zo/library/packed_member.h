@@ -67,8 +67,8 @@ class ZO_COM_API ZoPacker {
   ~ZoPacker();
 
   // Packs a file; what is left of a file object or of a stream in binary mode, from its position
-  // on; bytes in memory (1 for null with a size). `mode` and `level` as in ZoLibrary::addFile. What `packed` held is
-  // dropped.
+  // on; bytes in memory (1 for null with a size). `mode` and `level` as in ZoLibrary::addFile. What
+  // `packed` held is dropped.
   [[nodiscard]] int pack(const ZoFileName& source, ZoPackedMember& packed,
                          ZoLibrary::compMode mode = ZoLibrary::kCompress,
                          int level = ZoLibrary::kNormal);
