@@ -149,6 +149,7 @@ int StandardStore::add(const ZoVariant& standards, std::wstring_view module, std
     standard->module = module;
     standard->file = file;
     standard->order = ++lastOrder_;
+    names.push_back(standard->name);
   }
   const std::unique_lock writing(lock_);
   try {
@@ -160,8 +161,10 @@ int StandardStore::add(const ZoVariant& standards, std::wstring_view module, std
     removeIf([&](const Standard& standard) { return standard.order > before; });
     throw;
   }
-  std::erase_if(made, [&](const auto& standard) { return !replaceOld(*standard); });
-  for (const auto& standard : made) names.push_back(standard->name);
+  std::size_t changed = 0;  // no memory is asked for any more
+  for (std::size_t i = 0; i < made.size(); ++i)
+    if (replaceOld(*made[i])) names[changed++].swap(names[i]);
+  names.resize(changed);
   return ZoResult::ok;
 }
 

@@ -56,10 +56,16 @@ struct HttpRequest::Shared {
   std::atomic<int> owners{2};
   std::atomic<DWORD> error{ERROR_SUCCESS};
   DWORD there = 0, got = 0;
+  Shared* next = nullptr;  // given up before
   char piece[kPiece];
 
   void letGo() noexcept {
     if (--owners == 0) delete this;
+  }
+  // Kept for good: nobody can tell whether the platform still writes to it.
+  void giveUp() noexcept {
+    static std::atomic<Shared*> s_givenUp = nullptr;
+    next = s_givenUp.exchange(this);
   }
   static void CALLBACK told(HINTERNET, DWORD_PTR context, DWORD status, void* what, DWORD) {
     auto* const shared = reinterpret_cast<Shared*>(context);
@@ -85,6 +91,8 @@ HttpRequest::~HttpRequest() {
     HMODULE self = nullptr;
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
                        reinterpret_cast<const wchar_t*>(&Shared::told), &self);
+    shared_->giveUp();
+    return;
   }
   if (!request_) shared_->letGo();
   shared_->letGo();

@@ -45,7 +45,7 @@ TEST(MemberName, RefusesWhatHasNoMeaning) {
                                    {L"a|b<", ZoResult::nameInvalid},
                                    {L"a<x|b", ZoResult::nameInvalid},
                                    {L"\\|://", ZoResult::nameInvalid},
-                                   {L"b.lib|C:\\x", ZoResult::nameInvalid},
+                                   {L"b.lib|C:\\x", ZoResult::refused},
                                    {L"C<;\\b.lib|x", ZoResult::nameInvalid},
                                    {L"C|\"'\"", ZoResult::nameInvalid},
                                    {L"C|$b'C", ZoResult::nameInvalid},
