@@ -26,7 +26,7 @@
 // Threads: any. A library may be used by several at once. A string, value or archive that another
 //          thread is using at the moment answers ZOC_WRONG_THREAD, and so does closing a library
 //          that another thread opened for writing.
-// Cost:    a handle is looked up under a lock: well under a microsecond.
+// Cost:    a handle is looked up under a lock in each call.
 #ifndef ZO_C_H
 #define ZO_C_H
 

@@ -26,15 +26,6 @@ std::shared_ptr<const ZoDialogs::Answer> currentAnswer() {
   return seam().answer;
 }
 
-// Not every CAD service knows a main window.
-template <class Cad>
-HWND mainWindowOf(Cad& cad) {
-  if constexpr (requires { cad.mainWindow(); })
-    return cad.mainWindow();
-  else
-    return nullptr;
-}
-
 }  // namespace
 
 ZoDialog::~ZoDialog() = default;
@@ -56,6 +47,18 @@ int ZoDialog::failed(unsigned long error) {
   return ZoResult::notShown;
 }
 
+int ZoDialog::resultOf(unsigned long error) {
+  switch (error) {
+    case ERROR_CANCELLED:
+      return ZoResult::cancelled;
+    case ERROR_PRINTER_NOT_FOUND:
+    case ERROR_INVALID_PRINTER_NAME:
+      return ZoResult::noPrinter;
+    default:
+      return failed(error);
+  }
+}
+
 ZoDialogs::Answer ZoDialogs::setAnswer(Answer answer) {
   auto next = answer ? std::make_shared<const Answer>(std::move(answer)) : nullptr;
   {
@@ -67,6 +70,6 @@ ZoDialogs::Answer ZoDialogs::setAnswer(Answer answer) {
 
 HWND__* ZoDialogs::owner() {
   auto* const cad = zo::serviceOrNull<ZoCad>();
-  auto* const window = cad ? mainWindowOf(*cad) : nullptr;
+  auto* const window = cad ? cad->mainWindow() : nullptr;
   return window && IsWindow(window) ? window : nullptr;
 }

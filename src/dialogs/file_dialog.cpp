@@ -111,8 +111,7 @@ int ZoFileDialog::run(HWND__* owner) {
   if (request.folder.empty()) request.folder = zo::folderThatIs(folder_);
 
   const zo::ItemDialogAnswer answer = zo::askForItems(request, owner);
-  if (answer.error == ERROR_CANCELLED) return ZoResult::cancelled;
-  if (answer.error != ERROR_SUCCESS) return failed(answer.error);
+  if (answer.error != ERROR_SUCCESS) return resultOf(answer.error);
   std::vector<ZoFileName> files;
   files.reserve(answer.names.size());
   for (const std::wstring& name : answer.names) files.emplace_back(name);

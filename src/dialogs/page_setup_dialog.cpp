@@ -123,10 +123,7 @@ int ZoPageSetupDialog::run(HWND__* owner) {
     return error;
   };
   const unsigned long error = zo::askWithPrinter(memory, ask);
-  if (error == ERROR_CANCELLED) return ZoResult::cancelled;
-  if (error == ERROR_PRINTER_NOT_FOUND || error == ERROR_INVALID_PRINTER_NAME)
-    return ZoResult::noPrinter;
-  if (error != ERROR_SUCCESS) return failed(error);
+  if (error != ERROR_SUCCESS) return resultOf(error);
   printer_ = memory.printer();
   width_ = fromUnits(request.ptPaperSize.x);
   height_ = fromUnits(request.ptPaperSize.y);

@@ -65,10 +65,7 @@ int ZoPrintDialog::run(HWND__* owner) {
     return error;
   };
   const unsigned long error = zo::askWithPrinter(memory, ask);
-  if (error == ERROR_CANCELLED) return ZoResult::cancelled;
-  if (error == ERROR_PRINTER_NOT_FOUND || error == ERROR_INVALID_PRINTER_NAME)
-    return ZoResult::noPrinter;
-  if (error != ERROR_SUCCESS) return failed(error);
+  if (error != ERROR_SUCCESS) return resultOf(error);
   printer_ = memory.printer();
   const bool isPages = (request.Flags & PD_PAGENUMS) != 0;
   range_ = isPages ? kPages : (request.Flags & PD_SELECTION) != 0 ? kSelection : kAll;

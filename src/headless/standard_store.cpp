@@ -210,7 +210,7 @@ void StandardStore::insert(StandardPtr standard, std::wstring_view key, std::wst
     if (!cores_.contains(core)) insertNew(cores_, core, std::vector<ZoString>());
     auto& keys = *cores_.at(core);
     const auto isKey = [&](const ZoString& each) { return each.view() == key; };
-    if (std::ranges::none_of(keys, isKey)) keys.push_back(ZoString(key));
+    if (std::ranges::none_of(keys, isKey)) keys.emplace_back(key);
   }
   if (!known) insertNew(groups_, key, Group());
   auto& group = groups_.at(key)->standards;
@@ -224,7 +224,8 @@ void StandardStore::removeIf(const std::function<bool(const Standard&)>& isGone)
     std::erase_if(group.standards, [&](const StandardPtr& standard) { return isGone(*standard); });
   try {
     removeEmptyGroups();
-  } catch (const std::bad_alloc&) {  // another time
+  } catch (const std::bad_alloc&) {
+    return;  // they go another time
   }
 }
 

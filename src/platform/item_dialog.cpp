@@ -2,6 +2,8 @@
 
 #include <shobjidl.h>
 
+#include <memory>
+
 #include "platform/com_apartment.h"
 #include "platform/current_folder.h"
 
@@ -37,10 +39,10 @@ void setFilters(IFileDialog& dialog, const ItemDialogRequest& request) {
 // A folder that is not there is left out: a drive that was taken away fails no dialog.
 void setFolder(IFileDialog& dialog, const std::wstring& folder) {
   if (folder.empty()) return;
-  void* item = nullptr;
-  if (FAILED(SHCreateItemFromParsingName(folder.c_str(), nullptr, __uuidof(IShellItem), &item)))
+  zo::ComPtr<IShellItem> first;
+  if (FAILED(SHCreateItemFromParsingName(folder.c_str(), nullptr, __uuidof(IShellItem),
+                                         reinterpret_cast<void**>(first.out()))))
     return;
-  const zo::ComPointer<IShellItem> first(static_cast<IShellItem*>(item));
   // Not SetDefaultFolder, which gives way to the folder that was used last.
   dialog.SetFolder(first.get());
 }
@@ -64,23 +66,21 @@ HRESULT addName(IShellItem& item, std::vector<std::wstring>& names) {
 }
 
 HRESULT takeOne(IFileDialog& dialog, std::vector<std::wstring>& names) {
-  IShellItem* item = nullptr;
-  const HRESULT result = dialog.GetResult(&item);
-  if (FAILED(result)) return result;
-  return addName(*zo::ComPointer<IShellItem>(item), names);
+  zo::ComPtr<IShellItem> item;
+  const HRESULT result = dialog.GetResult(item.out());
+  return FAILED(result) ? result : addName(*item.get(), names);
 }
 
 HRESULT takeAll(IFileOpenDialog& dialog, std::vector<std::wstring>& names) {
-  IShellItemArray* array = nullptr;
-  HRESULT result = dialog.GetResults(&array);
+  zo::ComPtr<IShellItemArray> items;
+  HRESULT result = dialog.GetResults(items.out());
   if (FAILED(result)) return result;
-  const zo::ComPointer<IShellItemArray> items(array);
   DWORD count = 0;
   result = items->GetCount(&count);
   for (DWORD i = 0; SUCCEEDED(result) && i < count; ++i) {
-    IShellItem* item = nullptr;
-    result = items->GetItemAt(i, &item);
-    if (SUCCEEDED(result)) result = addName(*zo::ComPointer<IShellItem>(item), names);
+    zo::ComPtr<IShellItem> item;
+    result = items->GetItemAt(i, item.out());
+    if (SUCCEEDED(result)) result = addName(*item.get(), names);
   }
   return result;
 }
@@ -117,9 +117,9 @@ ItemDialogAnswer zo::askForItems(const ItemDialogRequest& request, HWND owner) {
   if (apartment) {
     if (request.kind == ItemDialogRequest::kSave) {
       if (const auto dialog = apartment.make<IFileSaveDialog>(__uuidof(FileSaveDialog)))
-        return ask(*dialog, request, owner);
+        return ask(*dialog.get(), request, owner);
     } else if (const auto dialog = apartment.make<IFileOpenDialog>(__uuidof(FileOpenDialog))) {
-      return ask(*dialog, request, owner);
+      return ask(*dialog.get(), request, owner);
     }
   }
   return askForItemsAsBefore(request, owner);

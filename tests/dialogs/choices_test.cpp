@@ -292,19 +292,11 @@ TEST_F(Choices, DialogsNestAndAreOwned) {
   DestroyWindow(owner);
 }
 
-// Where the CAD service knows a main window.
-template <class Cad>
-void expectMainWindowAsOwner(Cad& cad, HWND main) {
-  if constexpr (requires { cad.setMainWindow(main); }) {
-    cad.setMainWindow(main);
-    EXPECT_EQ(ZoDialogs::owner(), main);
-  }
-}
-
 TEST_F(Choices, TheOwnerIsTheHostsMainWindowAsLongAsItIsThere) {
   EXPECT_EQ(ZoDialogs::owner(), nullptr);
   HWND const main = window();
-  expectMainWindowAsOwner(ZoSystem::cad(), main);
+  ZoSystem::cad().setMainWindow(main);
+  EXPECT_EQ(ZoDialogs::owner(), main);
   DestroyWindow(main);
   EXPECT_EQ(ZoDialogs::owner(), nullptr);
 }

@@ -53,6 +53,8 @@ class ZO_COM_API ZoDialog {
   [[nodiscard]] virtual int run(HWND__* owner) = 0;
   // Keeps the reason, a system error or an HRESULT, and gives notShown.
   int failed(unsigned long error);
+  // What a dialog that ended with a system error gives: cancelled, noPrinter, or as failed().
+  int resultOf(unsigned long error);
 
  private:
   ZoString title_;
