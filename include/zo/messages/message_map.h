@@ -43,7 +43,7 @@ class ZO_COM_API ZoMessageMap {
   // The text, valid until the map and its copies are parsed anew or end; null when there is none.
   [[nodiscard]] const wchar_t* find(unsigned int number) const noexcept;
   template <std::same_as<bool> T>
-  const wchar_t* find(T) const = delete;  // write a number
+  [[nodiscard]] const wchar_t* find(T) const = delete;  // write a number
   [[nodiscard]] bool contains(unsigned int number) const noexcept {
     return find(number) != nullptr;
   }

@@ -189,6 +189,7 @@ class ZO_COM_API ZoFileSearch : public ZoSysObj {
   }
   // ZoFile, which need not be known here.
   template <class File, class Access, class Share = int>
+  // NOLINTNEXTLINE(misc-redundant-expression): the check does not see the arguments differ
     requires(!File::template kMayBe<Access, typename File::Access> ||
              !File::template kMayBe<Share, typename File::Share>)
   int open(const ZoFileName&, File&, Access, Share = {}) = delete;  // access, then share

@@ -152,7 +152,8 @@ class ZoLayerBatch {
   ~ZoLayerBatch() {
     try {
       end();
-    } catch (...) {  // of a reactor; who wants it calls end()
+    } catch (...) {
+      return;  // it is a reactor's; who wants it calls end()
     }
   }
   // False when the guard was not obtained: each operation is then on its own.

@@ -56,6 +56,7 @@ class ZO_COM_API ZoString {
   // that a literal 0 does not come in as a pointer.
   template <class Pointer>
     requires std::is_convertible_v<Pointer, const wchar_t*>
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): by value, literals come in as pointers
   explicit(!std::is_scalar_v<Pointer>) ZoString(Pointer text)
       : ZoString(blockOf(static_cast<const wchar_t*>(text))) {}
   ZoString(const wchar_t* text, unsigned int length);

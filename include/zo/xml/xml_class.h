@@ -120,7 +120,7 @@ class ZO_COM_API ZoXMLClass {
 
   // Of the last operation of this object that failed; valid until the next one.
   [[nodiscard]] const ZoXMLError& error() const& noexcept;
-  const ZoXMLError& error() const&& = delete;  // it would be gone with the document
+  [[nodiscard]] const ZoXMLError& error() const&& = delete;  // it would be gone with the document
 
  private:
   void limit(std::uint64_t bytes, std::uint64_t depth) noexcept;
