@@ -24,7 +24,7 @@ HeadlessObjects::Object* HeadlessObjects::find(const ZoHnd& handle, std::wstring
   return hasText && !equalTexts(found->second.handle, handle.handle()) ? nullptr : &found->second;
 }
 
-ZoHnd HeadlessObjects::add(const ZoString& document, ZoVariant value, ZoString layer) {
+ZoHnd HeadlessObjects::add(const ZoString& document, ZoVariant value, const ZoString& layer) {
   Document& place = documentOf(document);
   wchar_t text[20];
   std::swprintf(text, std::size(text), L"%llX",

@@ -26,7 +26,7 @@ class HeadlessObjects {
   // Null without one.
   [[nodiscard]] Object* find(const ZoHnd& handle, std::wstring_view document, std::int64_t& id);
   // Takes over a value and a layer that nobody shares.
-  [[nodiscard]] ZoHnd add(const ZoString& document, ZoVariant value, ZoString layer);
+  [[nodiscard]] ZoHnd add(const ZoString& document, ZoVariant value, const ZoString& layer);
   void remove(std::int64_t id);
   void removeDocument(std::wstring_view document);
   void setLayer(Object& object, ZoString layer);
