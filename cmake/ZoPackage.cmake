@@ -51,3 +51,5 @@ install(FILES ${PROJECT_BINARY_DIR}/generated/ZoComConfig.cmake ${PROJECT_BINARY
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation FILES_MATCHING
         PATTERN "*.md" PATTERN "*.svg")
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+# The reference, where scripts/reference has built it.
+install(DIRECTORY build/reference/html/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/reference COMPONENT documentation OPTIONAL)

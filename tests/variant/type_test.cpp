@@ -1,15 +1,20 @@
 // Names and bases of type codes, texts of flags, raw bytes as text.
 #include <gtest/gtest.h>
+#include <zo/system/unit_text.h>
 #include <zo/text/containers/array.h>
 #include <zo/variant/type.h>
 
+#include <fstream>
 #include <map>
 #include <memory>
 #include <numeric>
+#include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "support/printers.h"
+#include "variant/code_names.h"
 
 namespace {
 
@@ -89,6 +94,41 @@ TEST(TypeFlag, HasALetterAndSometimesAText) {
     EXPECT_EQ(ZoType::messageToFlag(lower.toLower()), 1u << bit);
   }
   EXPECT_STREQ(ZoType::flagToMessage(0x3), L"No Flag");
+}
+
+// docs/variant.md has a row for each code and each flag, which begins as the code has it and goes on
+// with words on its meaning.
+TEST(TypeCode, AndFlagHaveTheirRowsInTheDocument) {
+  const auto bytes = [](const wchar_t* text) { return std::string(text, text + wcslen(text)); };
+  std::set<std::string> wanted;
+  char number[16];
+  for (unsigned int c = 0; c < 0x3000; ++c) {
+    if (!zo::findCode(code(c)) && c != 1012) continue;
+    std::snprintf(number, sizeof number, c < 0x2000 ? "%u" : "0x%04X", c);
+    const wchar_t* const unit = ZoUnitName(code(c), 0);
+    const std::string cell = unit && *unit ? bytes(unit) + " " : "";
+    const auto nameOf = [&](unsigned int value) {
+      return value == 0x22FF ? "GUID" : bytes(name(value).data());
+    };
+    wanted.insert(std::string("| ") + number + " | " + nameOf(c) + " | " + nameOf(base(c)) + " | " +
+                  cell + "| ");
+  }
+  for (unsigned int bit = 0; bit < 26; ++bit) {
+    const std::string text = bytes(ZoType::flagToMessage(1u << bit));
+    std::snprintf(number, sizeof number, "0x%X", 1u << bit);
+    if (text != "No Flag")
+      wanted.insert(std::string("| ") + static_cast<char>('A' + bit) + " | " + number + " | " +
+                    text + " | ");
+  }
+  EXPECT_EQ(wanted.size(), 71u + 14u);
+
+  std::ifstream document(ZO_SOURCE_ROOT "/docs/variant.md");
+  for (std::string line; std::getline(document, line);) {
+    auto row = wanted.upper_bound(line);
+    if (row != wanted.begin() && line.starts_with(*--row) && line.size() > row->size() + 3)
+      wanted.erase(row);
+  }
+  for (const std::string& row : wanted) ADD_FAILURE() << "docs/variant.md lacks: " << row;
 }
 
 TEST(Chunk, EveryByteComesBackAndNothingElseIsTaken) {

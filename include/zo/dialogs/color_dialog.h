@@ -5,7 +5,7 @@
 // like a palette colour becomes that (what looks like red and blue is blue), unless setPalette
 // says no; any other is a true colour.
 //
-// Errors:  as ZoDialog has it.
+// Errors, Threads: as ZoDialog has it.
 #pragma once
 
 #include <zo/dialogs/dialog.h>

@@ -1,6 +1,6 @@
 // Choosing a folder, through the host toolkit's dialog or the stand-in for it.
 //
-// Errors:  as ZoDialog has it.
+// Errors, Threads: as ZoDialog has it.
 #pragma once
 
 #include <zo/dialogs/dialog.h>

@@ -1,6 +1,6 @@
 // Choosing a font.
 //
-// Errors:  as ZoDialog has it.
+// Errors, Threads: as ZoDialog has it.
 #pragma once
 
 #include <zo/dialogs/dialog.h>

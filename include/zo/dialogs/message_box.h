@@ -6,6 +6,7 @@
 //   if (box.show() == 0 && box.button() == ZoMessageBox::kYes) replace();
 //
 // Errors:  as ZoDialog has it; cancelled is the button Cancel, which closing the box means, too.
+// Threads: as ZoDialog has it.
 #pragma once
 
 #include <zo/dialogs/dialog.h>

@@ -2,6 +2,7 @@
 //
 // Errors:  as ZoDialog has it; ZoResult::noPrinter when the machine has none. A printer that is
 //          gone gives way to the default one.
+// Threads: as ZoDialog has it.
 #pragma once
 
 #include <zo/dialogs/dialog.h>

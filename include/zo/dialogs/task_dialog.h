@@ -6,6 +6,7 @@
 // tick is left out. Three and more buttons of one's own cannot be shown there.
 //
 // Errors:  as ZoDialog has it. cancelled is the button Cancel, Escape, and closing the dialog.
+// Threads: as ZoDialog has it.
 // Note:    ZoError::taskDialog is another matter: it shows nothing, by contract.
 #pragma once
 

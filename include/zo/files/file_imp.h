@@ -10,6 +10,9 @@
 //
 // What is not overridden answers as for a file that is not open: 1, 0, -1 or nothing. A class whose
 // files can be copied overrides clone() and, for another access mode, cloneFor().
+//
+// Errors:  those of zo/files/file.h; a derived class keeps to them.
+// Threads: as there. The operations here see to it themselves, and so does a derived class.
 #pragma once
 
 #include <zo/config.h>

@@ -1,4 +1,7 @@
 // A moment as the platform's files keep it. Converts from and to FILETIME where windows.h is there.
+//
+// Errors:  nothing throws.
+// Threads: a plain value.
 #pragma once
 
 #include <zo/platform_types.h>

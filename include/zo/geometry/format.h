@@ -2,6 +2,10 @@
 // applied to each number: std::format("{:.2f}", ZoVector(1, 2, 3)) is "(1.00, 2.00, 3.00)". The
 // text is that of the stream operators, except that without a format numbers print the shortest
 // text that reads back exactly.
+//
+// Errors:  std::format_error for what is no format of a number, unless it is a literal, which the
+//          compiler refuses; and what the output throws.
+// Threads: any.
 #pragma once
 
 #include <zo/geometry/co_system.h>

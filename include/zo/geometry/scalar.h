@@ -1,5 +1,8 @@
 // Helpers of the geometry headers: square root and magnitude that compile to single instructions,
 // and the switch for the SSE2 forms. Internal.
+//
+// Errors:  none; nothing throws.
+// Threads: any.
 #pragma once
 
 #include <cmath>

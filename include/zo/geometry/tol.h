@@ -5,6 +5,7 @@
 // can change is a value of its own, held by the registry; pass it where it is to count.
 //
 // Errors:  none. A tolerance that is not a number makes every test fail.
+// Threads: a plain value.
 // Stored:  point tolerance, then vector tolerance; two doubles.
 #pragma once
 

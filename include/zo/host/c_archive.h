@@ -4,6 +4,9 @@
 // Read gives fewer bytes than asked for at the end of the file, and no error. Reading an archive
 // that stores, or writing one that loads, throws a pointer to a CArchiveException; failures of the
 // file pass through.
+//
+// Errors:  as said; nothing else throws but std::bad_alloc. The destructor loses a failure.
+// Threads: one at a time per archive and its file.
 #pragma once
 
 #include <zo/host/c_file.h>

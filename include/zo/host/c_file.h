@@ -2,6 +2,9 @@
 //
 // Names, numbers and the order of the parameters are the framework's. Failures throw a pointer to a
 // CFileException, as the framework does; who catches it calls Delete().
+//
+// Errors:  as said. Open answers, and the destructor loses a failure.
+// Threads: one at a time per file.
 #pragma once
 
 #include <zo/config.h>

@@ -1,5 +1,7 @@
 // The host framework's files and archives, or their stand-ins (CMake option ZO_WITH_MFC), and the
 // library's own file over them.
+//
+// Errors, Threads: as CStdioFile.
 #pragma once
 
 #if defined(ZO_WITH_MFC)

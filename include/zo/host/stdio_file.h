@@ -1,5 +1,8 @@
 // Stand-in for the host framework's file over a stdio stream: a CFile whose bytes pass through the
 // stream, as text or binary.
+//
+// Errors:  as CFile; using one without a stream is a failure, but for Flush and Close.
+// Threads: one at a time per file.
 #pragma once
 
 #include <zo/host/c_file.h>

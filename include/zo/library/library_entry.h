@@ -1,6 +1,8 @@
 // What a library says of one member: its entry, with the fields named. Calls on members take an
 // entry in the place of a name.
 //
+// Errors:  nothing throws but std::bad_alloc where names are copied.
+// Threads: one at a time per object.
 // Stored: docs/formats/library.md.
 #pragma once
 

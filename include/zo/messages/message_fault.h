@@ -1,6 +1,7 @@
 // What is wrong at one place of a message file.
 //
 // Errors:  nothing throws.
+// Threads: a plain value.
 #pragma once
 
 #include <zo/config.h>

@@ -2,6 +2,7 @@
 // std::filesystem::path. (The header <filesystem> is left to those who use it.)
 //
 // Errors:  nothing throws but std::bad_alloc.
+// Threads: any, as long as nobody changes the text.
 // Cost:    only a std::wstring_view is copied, as it need not end in a zero.
 #pragma once
 

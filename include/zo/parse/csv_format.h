@@ -1,6 +1,9 @@
 // How a table of text (CSV) is written: for ZoCsvReader and ZoCsvWriter.
 //
 //   ZoCsvReader reader(text, {.separator = L';', .decimal = L','});
+//
+// Errors:  isValid() tells a format that is none; nothing throws.
+// Threads: a plain value.
 #pragma once
 
 struct ZoCsvFormat {

@@ -1,4 +1,6 @@
 // What compression and decompression share: the compression modes and the result code of their own.
+//
+// Errors, Threads: none; constants.
 #pragma once
 
 struct ZoZip {

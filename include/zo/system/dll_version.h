@@ -1,5 +1,8 @@
 // The version of the DLL that is loaded, which may differ from ZO_COM_VERSION of the headers a
 // client was built with.
+//
+// Errors:  none; nothing throws.
+// Threads: any.
 #pragma once
 
 #include <zo/config.h>

@@ -1,10 +1,13 @@
 // Reactors: what a client registers with the dispatcher to be told of notices.
 //
 // Lower priorities are told first. The dispatcher asks priority() when a reactor is added, of all
-// reactors of the kind; it should not change. What a handler throws: see sys_disp.h.
+// reactors of the kind; it should not change.
 //
-// Owned: by the client until registered, and by it again once removed; the dispatcher's end
-//        destroys what is still registered.
+// Errors:  what a handler throws reaches the sender, once all others were told (sys_disp.h).
+// Threads: a handler is called in the thread that sends, and one delivery at a time: others wait
+//          for it. It may call the dispatcher back.
+// Owned:   by the client until registered, and by it again once removed; the dispatcher's end
+//          destroys what is still registered.
 #pragma once
 
 #include <zo/config.h>

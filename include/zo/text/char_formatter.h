@@ -3,6 +3,9 @@
 //
 // Such a character becomes the seven characters \U+XXXX (four upper-case hexadecimal digits) per
 // UTF-16 unit. A character fits when the code page gives it back as it was, without best fit.
+//
+// Errors:  none; nothing throws.
+// Threads: any.
 #pragma once
 
 #include <zo/config.h>

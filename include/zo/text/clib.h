@@ -4,6 +4,8 @@
 // contract (null pointers, errno, locale, threads), and not the compiler's substitute for it: %s is
 // a wide text in Zo_sprintf, fprintf and fscanf (%hs a narrow one), atof reads no "0x10" and no
 // "inf". Only what differs is said here.
+//
+// Errors, Threads: as said; nothing throws.
 #pragma once
 
 #include <zo/config.h>

@@ -1,4 +1,8 @@
 // std::format for strings, where the standard library has it: the format options of texts apply.
+//
+// Errors:  std::format_error for what is no format of a text, unless it is a literal, which the
+//          compiler refuses; and what the output throws.
+// Threads: as the text.
 #pragma once
 
 #include <version>

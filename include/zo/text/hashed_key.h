@@ -1,5 +1,8 @@
 // A hash value, and whether the key is plain: between two plain keys a policy decides equality by a
 // shorter way.
+//
+// Errors:  nothing throws.
+// Threads: a plain value.
 #pragma once
 
 namespace zo {

@@ -1,6 +1,8 @@
 // Reference counter of shared storage: holds the number of references minus one.
 //
 // Arithmetic is 32-bit unsigned and wraps. Not atomic: one thread at a time per counter.
+//
+// Errors, Threads: as said; nothing throws.
 #pragma once
 
 class ZoRefCount {

@@ -1,4 +1,7 @@
 // The forms of text that ZoString takes besides its own, and what it refuses to take for text.
+//
+// Errors:  nothing throws.
+// Threads: as the texts.
 #pragma once
 
 #include <concepts>

@@ -4,42 +4,43 @@
 
 // Codes come in groups of 256 under a base code (the first of each group here); the codes 1000 to
 // 1071 are the host's extended-data group codes and belong to the same bases (ZoType::baseCode).
+// Real values are held in the unit given here. docs/variant.md tells what each code means.
 enum class ZoTypeCode : unsigned int {
   NoType = 0x2000,
 
   Int = 0x2100,
   Long,
   Short,
-  Bool,
+  Bool,  // 0 is false, all else true
   Access,
   XShort = 1070,
   XLong = 1071,
 
   BigInt = 0x2200,
-  Date,
+  Date,           // 100 ns since 1601
   Guid = 0x22FF,  // a base of its own
 
   Real = 0x2300,
-  Length,
-  Angle,
-  Time,
-  Mass,
-  Area,
-  Volume,
-  Force,
-  SpringRate,
-  Pressure,
-  Density,
-  Speed,
-  Power,
-  Torque,
+  Length,      // mm
+  Angle,       // rad
+  Time,        // s
+  Mass,        // kg
+  Area,        // mm2
+  Volume,      // mm3
+  Force,       // N
+  SpringRate,  // N/mm
+  Pressure,    // N/mm2
+  Density,     // kg/mm3
+  Speed,       // mm/s
+  Power,       // W
+  Torque,      // Nmm
   ThreadFactor,
-  LinearDensity,
-  Voltage,
-  ForceOfCurrent,
-  Resistance,
+  LinearDensity,   // kg/mm
+  Voltage,         // V
+  ForceOfCurrent,  // A
+  Resistance,      // Ohm
   XReal = 1040,
-  XDistance = 1041,
+  XDistance = 1041,  // mm
   XScale = 1042,
 
   String = 0x2400,
@@ -48,7 +49,7 @@ enum class ZoTypeCode : unsigned int {
   Macro,
   DLink = 0x2405,
   PLink,
-  Chunk,
+  Chunk,  // bytes (ZoType::chunkToString)
   XString = 1000,
   XControl = 1002,
   XLayer = 1003,
@@ -89,7 +90,9 @@ enum class ZoTypeCode : unsigned int {
   Dispatch,  // IDispatch*
 };
 
-// Bits of a flag word.
+// Bits of a flag word. The library itself heeds ZoFlagConstant and ZoFlagInvisible, in edits of
+// variants (zo/dialogs/variant_edits.h); it keeps all others for those who set and read them
+// (docs/variant.md).
 enum ZoTypeFlag : unsigned int {
   ZoFlagNone = 0,
   ZoFlagCreateList = 0x1,

@@ -4,6 +4,9 @@
 //
 // A dictionary gives its keys, in its own order; a sequence gives no keys. Other kinds have no
 // elements. Insertion and removal end a walk. (V is ZoVariant, const or not.)
+//
+// Errors:  nothing throws.
+// Threads: as the variant.
 #pragma once
 
 #include <zo/text/containers/dict.h>

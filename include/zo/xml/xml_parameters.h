@@ -1,4 +1,7 @@
 // What the functions of ZoXMLClass and ZoXMLNode take and do not take.
+//
+// Errors:  nothing throws.
+// Threads: plain values, which see texts of others.
 #pragma once
 
 #include <zo/names/not_a_flag.h>

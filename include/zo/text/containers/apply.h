@@ -1,6 +1,10 @@
 // Typed callbacks for apply-to-all: derive and override apply(T&). It is called once per element,
 // in the order of the container, and must not change the container. A range-for does the same where
 // the container's type is known.
+//
+// Errors:  what apply() throws ends the walk and passes through.
+// Threads: apply() is called in the calling thread; it may change elements where that thread is the
+//          container's only one.
 #pragma once
 
 #include <zo/text/containers/vcallbacks.h>

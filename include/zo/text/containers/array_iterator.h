@@ -1,5 +1,7 @@
 // Iterators of ZoArray: they go by position, so they survive every change of the array and stand on
 // whatever element has their position then.
+//
+// Errors, Threads: as iterator.h.
 #pragma once
 
 #include <zo/text/containers/array.h>

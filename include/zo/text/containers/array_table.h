@@ -2,6 +2,8 @@
 //
 // Elements that can change their place without throwing are relocated; others are copied to a new
 // block first, so that an exception leaves the old one as it was.
+//
+// Errors, Threads: as in varray.h.
 #pragma once
 
 #include <zo/text/containers/elements.h>

@@ -2,6 +2,7 @@
 //
 // ZoCompare<T> orders by the type's own operators; derive from it for another order. Equal means 0.
 //
+// Errors:  what the operators of the type throw passes through.
 // Threads: stateless as given here; any number of threads.
 #pragma once
 

@@ -1,4 +1,6 @@
 // The root of all typed collections.
+//
+// Errors, Threads: as in varray.h, vlist.h, vhash.h and vtree.h, for each kind.
 #pragma once
 
 #include <zo/text/containers/position.h>

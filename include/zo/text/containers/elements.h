@@ -2,6 +2,7 @@
 //
 // Errors:  a std::bad_alloc of an element becomes status 2; any other exception passes through.
 //          What cannot be copied (or made without a value) is refused with 1.
+// Threads: any; nothing is shared but the elements.
 #pragma once
 
 #include <zo/results.h>

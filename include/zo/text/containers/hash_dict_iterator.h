@@ -1,6 +1,8 @@
 // Iterators of ZoHashDict: they stand on an entry, and survive insertions and the removal of other
 // entries; growing changes what comes next. When their own entry is removed by someone else they
 // are not valid; see vhash.h for what noticing that costs.
+//
+// Errors, Threads: as iterator.h.
 #pragma once
 
 #include <zo/text/containers/hash_dict.h>

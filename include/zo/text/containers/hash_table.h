@@ -1,4 +1,6 @@
 // The storage of ZoHashDict<T, K, H>: nodes that hold key and value.
+//
+// Errors, Threads: as in vhash.h.
 #pragma once
 
 #include <zo/text/containers/elements.h>

@@ -9,6 +9,7 @@
 //   static bool isEqual(K, Form, bool bothPlain)
 //   static unsigned fingerprintKey(Form)  the same as fingerprint(), where that is overridden
 //
+// Errors:  what equality and std::hash of the key throw passes through.
 // Threads: stateless as given here; any number of threads.
 #pragma once
 

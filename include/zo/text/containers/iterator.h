@@ -5,6 +5,10 @@
 // Iterators never dangle as long as their container lives: what each survives is said beside its
 // class.
 //
+// Errors:  remove gives 1 where the iterator is not valid, and else what its container gives, as
+//          insert does; what comparing throws passes through.
+// Threads: one at a time per iterator. Several may read one container, each with its own; removing
+//          and inserting change the container.
 // Ranges:  `for (T& element : iterator)` walks from where the iterator stands to the end, and moves
 //          the iterator.
 // Finding: find looks at the element it stands on and then at those behind it; findNext begins with

@@ -1,6 +1,8 @@
 // Iterators of ZoList: they stand on an element, and survive insertions, sorting and the removal of
 // other elements. When their own element is removed by someone else they are not valid; see vlist.h
 // for what noticing that costs.
+//
+// Errors, Threads: as iterator.h.
 #pragma once
 
 #include <zo/text/containers/iterator.h>

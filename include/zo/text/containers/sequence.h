@@ -1,7 +1,9 @@
 // Any ordered collection with positions 0 ... entries - 1: ZoArray or ZoList behind one interface.
 //
-// Results: 0 success; 1 refused (position out of range, an array that is full and may not grow, an
-//          element that cannot be copied); 2 out of memory, and then nothing has changed.
+// Errors:  0 success; 1 refused (position out of range, an array that is full and may not grow, an
+//          element that cannot be copied); 2 out of memory, and then nothing has changed. Other
+//          exceptions of elements pass through.
+// Threads: any number of readers, or one writer.
 // Ranges:  `for (T& element : sequence)` walks in order, O(1) a step in arrays and lists alike.
 //          Insertion and removal end such a walk.
 #pragma once

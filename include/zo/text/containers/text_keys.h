@@ -19,6 +19,7 @@
 // Look-up takes const wchar_t*, ZoSubString and std::wstring_view as they are, without making a
 // string.
 //
+// Errors:  nothing throws.
 // Threads: stateless; any number of threads, also while the user's locale changes.
 #pragma once
 

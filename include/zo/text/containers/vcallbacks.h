@@ -6,6 +6,7 @@
 // caller.
 //
 // Errors:  what an object throws passes through; the container is then as it was.
+// Threads: they are called in the thread that calls the engine.
 #pragma once
 
 #include <zo/config.h>

@@ -1,0 +1,31 @@
+# The reference. What needs Doxygen or a browser is left out where these are not installed
+# (scripts/setup reference); `./test` installs them.
+find_program(ZO_PYTHON python3)
+find_program(ZO_DOXYGEN doxygen)
+find_program(ZO_DOT dot)
+find_program(ZO_CHROMIUM chromium)
+find_program(ZO_CHROMEDRIVER chromedriver)
+if(NOT ZO_PYTHON)
+  return()
+endif()
+set(folder ${CMAKE_CURRENT_SOURCE_DIR}/reference)
+add_test(NAME reference.CommentsAreMarkedAndCodeStays COMMAND ${ZO_PYTHON} -B ${folder}/comments.py ${PROJECT_SOURCE_DIR})
+if(NOT ZO_DOXYGEN OR NOT ZO_DOT)
+  message(STATUS "The reference is not tested: Doxygen or Graphviz is not installed (scripts/setup reference)")
+  return()
+endif()
+set(site ${PROJECT_BINARY_DIR}/reference)
+set_target_properties(class_graph PROPERTIES EXCLUDE_FROM_ALL OFF)
+add_test(NAME reference.Builds COMMAND ${PROJECT_SOURCE_DIR}/scripts/reference ${site})
+set_tests_properties(reference.Builds PROPERTIES FIXTURES_SETUP reference TIMEOUT 300
+                     ENVIRONMENT "${zo_test_environment};ZO_CLASS_GRAPH=$<TARGET_FILE:class_graph>")
+add_test(NAME reference.NoLinkLeadsNowhereAndClassesHaveContracts
+         COMMAND ${ZO_PYTHON} ${folder}/site.py ${site}/html ${PROJECT_SOURCE_DIR})
+set_tests_properties(reference.NoLinkLeadsNowhereAndClassesHaveContracts PROPERTIES FIXTURES_REQUIRED reference)
+if(ZO_CHROMIUM AND ZO_CHROMEDRIVER)
+  add_test(NAME reference.BrowserFindsAClassAndFollowsLinks
+           COMMAND ${ZO_PYTHON} ${folder}/browser.py ${site}/html ${ZO_CHROMEDRIVER} ${ZO_CHROMIUM})
+  set_tests_properties(reference.BrowserFindsAClassAndFollowsLinks PROPERTIES FIXTURES_REQUIRED reference TIMEOUT 120)
+else()
+  message(STATUS "The reference is not tried in a browser: chromium or its driver is not installed (scripts/setup reference)")
+endif()
