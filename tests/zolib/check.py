@@ -92,7 +92,7 @@ def foreign(path, entries, magic=b"ZORVEX LIBRARY"):
 def english():
     """The message file that says what stands in the code."""
     texts = {}
-    for source in sorted((ROOT / "tools/zolib").glob("*.*")):
+    for source in sorted([*(ROOT / "tools/shared").glob("*.*"), *(ROOT / "tools/zolib").glob("*.*")]):
         for number, words in re.findall(r'\{\s*(\d+),\s*((?:"(?:\\.|[^"\\])*"\s*)+)\}', source.read_text()):
             text = "".join(re.findall(r'"((?:\\.|[^"\\])*)"', words)).replace('\\"', '"')
             text = re.sub("^ | $", r"\\u0020", text)  # blanks at the ends would go; the escapes of C++ are the file's
@@ -185,6 +185,34 @@ def versions():
     assert b"w.txt" not in pathlib.Path("v.lib").read_bytes()
     os.remove("w.txt")
     os.remove("v.lib")
+
+
+def one_name():
+    """LIBRARY|MEMBER is the library and the first of its members behind it."""
+    tree()
+    library = str(pathlib.Path("a.lib").resolve())
+    run("create", "a.lib", "parts", "-q")
+    run("cat", f"{library}|parts/old.bak", out="content\n")
+    run("cat", "a.lib|PARTS\\old.bak", "parts/empty.txt", out="content\n")
+    assert members("a.lib|parts/bolts") == members("a.lib|*.dwg") == ["parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"]
+    assert answer("list", "a.lib|parts/bolts")["library"] == "a.lib"
+    run("extract", "a.lib|parts/old.bak", "-o", "out", err="a.lib: 1 member extracted\n")
+    run("test", "a.lib|parts/bolts", err="a.lib: 2 members ok\n")
+    run("rename", "a.lib|parts/old.bak", "parts/new", "-q")
+    run("delete", "a.lib|parts/new", "-q")
+    run("recover", "a.lib|parts/new", err="a.lib: 1 member recovered\n")
+    foreign("f.lib", [("a:b|c", b"odd", 0)])
+    run("cat", "f.lib|a<;b<|c", out="odd")
+    for args, code, said in (
+        (["cat", "a.lib|none"], 10, "a.lib has no member none; .*"),
+        (["list", "none.lib|a"], 10, "cannot find the library none.lib.*"),
+        (["cat", "a.lib|a|b"], 7, ".* is no LIBRARY.MEMBER; .*"), (["cat", "a.lib|"], 7, ".* is no LIBRARY.MEMBER; .*"),
+        (["cat", "f.lib|a:b"], 7, ".* is no LIBRARY.MEMBER; .*"),
+        (["add", "a.lib|x", "parts"], 7, "add takes a library, and no member of one: a.lib.x; .*"),
+        (["sync", "a.lib|x", "parts"], 7, "sync takes a library, .*"), (["salvage", "a.lib|x", "b.lib"], 7, "salvage .*"),
+        (["rename", "a.lib", "one"], 7, "NAME: there must be 2; .*"), (["rename", "a.lib|one", "b", "c"], 7, "NAME: .*"),
+    ):
+        run(*args, code=code, err=f"zolib: {said}\n")
 
 
 def numbers():
@@ -662,7 +690,7 @@ def manual():
         assert not alias or f"({alias})" in text, alias
         for option in re.findall(r"--[a-z-]+", run("help", name).decode()):
             assert option in text, f"{name} {option}"
-    codes = re.findall(r"= (\d+),", (ROOT / "tools/zolib/exit_code.h").read_text())
+    codes = re.findall(r"= (\d+),", (ROOT / "tools/shared/exit_code.h").read_text())
     assert re.findall(r"^\.B (\d+)$", text, re.M) == codes
 
 
