@@ -1,5 +1,6 @@
 # Each public header compiles alone, twice, and leaves no macro of the platform behind; all together compile before
-# windows.h and after it, with all of its macros, and with those of the Windows SDK that mingw's lacks for C++. One file per header is generated; building them is the test.
+# windows.h and after it, with all of its macros, and with those of the Windows SDK that mingw's lacks for C++. One file
+# per header is generated; building them is the test.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/include/*.h)
 set(generated ${CMAKE_CURRENT_BINARY_DIR}/headers)
 set(alone)
@@ -29,5 +30,9 @@ if(NOT MSVC)
   target_compile_options(header_tests PRIVATE -O0 -Wall -Wextra -Wpedantic -Werror)
 endif()
 add_test(NAME headers.EachCompilesAloneBeforeAndAfterWindows
-         COMMAND ${CMAKE_COMMAND} --build ${PROJECT_BINARY_DIR} --target header_tests)
+         COMMAND ${CMAKE_COMMAND} --build ${PROJECT_BINARY_DIR} --config $<CONFIG> --target header_tests)
 set_tests_properties(headers.EachCompilesAloneBeforeAndAfterWindows PROPERTIES TIMEOUT 600 RUN_SERIAL ON)
+
+# A client's compiler may read them in another code page than the one that they were written in.
+add_test(NAME headers.HaveNoLettersBeyondAscii
+         COMMAND ${CMAKE_COMMAND} -DFOLDER=${PROJECT_SOURCE_DIR}/include -P ${CMAKE_CURRENT_SOURCE_DIR}/headers/ascii.cmake)
