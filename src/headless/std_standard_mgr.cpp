@@ -21,7 +21,7 @@ namespace {
 
 using Texts = ZoSequence<ZoString>;
 
-int give(std::vector<std::wstring> found, Texts& texts) {
+int give(const std::vector<std::wstring>& found, Texts& texts) {
   ZoArray<ZoString> all;
   for (const std::wstring& text : found) zo::throwIfNoMemory(all.append(ZoString(text)));
   return texts.copyFrom(all);
@@ -30,7 +30,7 @@ int give(std::vector<std::wstring> found, Texts& texts) {
 // M4 before M10.
 int giveSorted(std::vector<std::wstring> found, Texts& texts) {
   std::ranges::sort(found, [](const auto& a, const auto& b) { return zo::comesBefore(a, b); });
-  return give(std::move(found), texts);
+  return give(found, texts);
 }
 
 std::vector<std::wstring> keysOf(const ZoVariant& dict) {
@@ -153,7 +153,7 @@ int ZoStdStandardMgr::getName(const ZoString& spelling, ZoString& name) {
 
 int ZoStdStandardMgr::getEditions(const ZoString& name, Texts& editions) {
   std::vector<std::wstring> found = store_->editions(name);
-  return found.empty() ? ZoResult::refused : give(std::move(found), editions);
+  return found.empty() ? ZoResult::refused : give(found, editions);
 }
 
 int ZoStdStandardMgr::getSuccessor(const ZoString& name, ZoString& successor) {
