@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "../tools/zolib/console.h"
-#include "../tools/zolib/program.h"
+#include "../tools/shared/console.h"
+#include "../tools/shared/program.h"
 
 namespace {
 

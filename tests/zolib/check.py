@@ -92,7 +92,7 @@ def foreign(path, entries, magic=b"ZORVEX LIBRARY"):
 def english():
     """The message file that says what stands in the code."""
     texts = {}
-    for source in sorted((ROOT / "tools/zolib").glob("*.*")):
+    for source in sorted([*(ROOT / "tools/shared").glob("*.*"), *(ROOT / "tools/zolib").glob("*.*")]):
         for number, words in re.findall(r'\{\s*(\d+),\s*((?:"(?:\\.|[^"\\])*"\s*)+)\}', source.read_text()):
             text = "".join(re.findall(r'"((?:\\.|[^"\\])*)"', words)).replace('\\"', '"')
             text = re.sub("^ | $", r"\\u0020", text)  # blanks at the ends would go; the escapes of C++ are the file's
@@ -662,7 +662,7 @@ def manual():
         assert not alias or f"({alias})" in text, alias
         for option in re.findall(r"--[a-z-]+", run("help", name).decode()):
             assert option in text, f"{name} {option}"
-    codes = re.findall(r"= (\d+),", (ROOT / "tools/zolib/exit_code.h").read_text())
+    codes = re.findall(r"= (\d+),", (ROOT / "tools/shared/exit_code.h").read_text())
     assert re.findall(r"^\.B (\d+)$", text, re.M) == codes
 
 

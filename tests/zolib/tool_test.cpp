@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "../../tools/zolib/exit_code.h"
+#include "../../tools/shared/exit_code.h"
+#include "../../tools/shared/progress.h"
+#include "../../tools/shared/text.h"
 #include "../../tools/zolib/glob.h"
 #include "../../tools/zolib/names.h"
-#include "../../tools/zolib/progress.h"
-#include "../../tools/zolib/text.h"
 
 namespace zolib {
 namespace {

@@ -1,12 +1,11 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdlib>
-#include <optional>
 #include <span>
 #include <thread>
 
 #include "command_line.h"
 #include "help.h"
+#include "language.h"
 #include "program.h"
 #include "text.h"
 
@@ -15,7 +14,7 @@ namespace {
 
 // What CLI11 fills: texts in UTF-8.
 struct Raw {
-  std::string library, filesFrom, name, output, dot, language;
+  std::string library, filesFrom, name, output, dot;
   std::vector<std::string> names, include, exclude;
 };
 
@@ -124,11 +123,6 @@ void addRecover(CLI::App& app, Options& options) {
 
 constexpr Text kVerboseHelp{519, "Name each member"};
 
-// It was taken before; here for the help, and for the complaint when it has no value.
-void addLanguage(CLI::App& app, Raw& raw) {
-  addText(app, "--language", raw.language, {525, "Say everything in this language: en, de"}, "TAG");
-}
-
 void addOptions(CLI::App& sub, const Verb& verb, Options& options, Raw& raw) {
   if (*verb.alias) sub.alias(verb.alias);
   sub.footer(say({507, "Examples:"}) + "\n" + say(verb.examples));
@@ -137,7 +131,7 @@ void addOptions(CLI::App& sub, const Verb& verb, Options& options, Raw& raw) {
   if (takes & (kOneName | kTwoNames)) {
     sub.add_option("NAME", raw.names, say(verb.namesHelp))
         ->required()
-        ->expected(takes & kOneName ? 1 : 2)
+        ->expected(1, takes & kOneName ? 1 : 2)
         ->check(emptiness)
         ->type_name("");
   } else if (takes & kNames) {
@@ -185,11 +179,13 @@ void addOptions(CLI::App& sub, const Verb& verb, Options& options, Raw& raw) {
         ->check(noSeconds)
         ->type_name("SECONDS");
   addTalkOptions(sub, options, kVerboseHelp);
-  addLanguage(sub, raw);
+  addLanguage(sub);
 }
 
 // What CLI11 cannot say; empty when all is well.
 std::string complaint(const Verb& verb, const Options& options) {
+  if ((verb.takes & kTwoNames) && options.names.size() != 2)
+    return say({27, "%1: there must be %2"}, "NAME", 2);
   if ((verb.takes & kNeedsName) && options.names.empty() && !options.filesFrom)
     return say({520, "name what to %1"}, verb.name);
   if (!(verb.takes & kFiles)) return {};
@@ -217,32 +213,9 @@ void take(Options& options, const Raw& raw, const CLI::App& sub) {
   if (given("--dot")) options.dot = wide(raw.dot);
 }
 
-// The language is wanted before anything is said, the verb's help too: so it may stand before the
-// verb, and is taken out of the line.
-std::optional<std::string> takeLanguage(std::vector<std::string>& arguments) {
-  constexpr std::string_view kName = "--language";
-  std::optional<std::string> language;
-  for (auto word = arguments.begin(); word != arguments.end() && *word != "--";) {
-    const bool isAssigned = word->starts_with(kName) && word->substr(kName.size(), 1) == "=";
-    if (!isAssigned && (*word != kName || word + 1 == arguments.end())) {
-      ++word;
-      continue;
-    }
-    language = isAssigned ? word->substr(kName.size() + 1) : *(word + 1);
-    word = arguments.erase(word, word + (isAssigned ? 1 : 2));
-  }
-  return language;
-}
-
-std::string fromEnvironment() {
-  const char* const language = std::getenv("ZOLIB_LANGUAGE");
-  return language ? language : std::string();
-}
-
 class ZolibCommandLine final : public CommandLine {
  public:
   explicit ZolibCommandLine(Console& console);
-  using CommandLine::wrong;
 
  private:
   ExitCode runVerb(const CLI::App& sub) override;
@@ -258,16 +231,14 @@ ZolibCommandLine::ZolibCommandLine(Console& console)
   for (const Verb& verb : verbs())
     addOptions(addVerb(verb.name, verb.summary), verb, options_, raw_);
   addHelp(kVerboseHelp);
-  addLanguage(app(), raw_);
+  addLanguage(app());
 }
 
 ExitCode ZolibCommandLine::runVerb(const CLI::App& sub) {
-  const Verb& verb = *std::ranges::find(verbs(), std::string_view(options_.verb), &Verb::name);
+  const Verb& verb = verbNamed(verbs(), options_.verb);
   take(options_, raw_, sub);
-  if (const std::string text = complaint(verb, options_); !text.empty()) return wrong(text);
-  Report report(options_, console());
-  verb.run(options_, report);
-  return report.finish();
+  const std::string text = complaint(verb, options_);
+  return text.empty() ? runNamed(verb, options_, console()) : wrong(text);
 }
 
 }  // namespace
@@ -275,13 +246,7 @@ ExitCode ZolibCommandLine::runVerb(const CLI::App& sub) {
 const char* const kProgram = "zolib";
 
 ExitCode runCommandLine(const std::vector<std::string>& arguments, Console& console) {
-  std::vector<std::string> rest = arguments;
-  const std::optional<std::string> language = takeLanguage(rest);
-  const bool isKnown = speak(toWide(language ? *language : fromEnvironment()));
-  ZolibCommandLine line(console);
-  if (language && !isKnown)
-    return line.wrong(say({526, "%1 is no language such as de-AT"}, *language));
-  return line.run(rest);
+  return runInLanguage<ZolibCommandLine>(arguments, console);
 }
 
 }  // namespace zolib

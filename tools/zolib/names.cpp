@@ -1,6 +1,5 @@
 #include "names.h"
 
-#include <windows.h>
 #include <zo/names/file_name.h>
 
 #include <vector>
@@ -25,14 +24,6 @@ std::vector<std::wstring_view> levelsOf(std::wstring_view path) {
 }
 
 }  // namespace
-
-std::wstring shellPath(std::wstring_view path) {
-  if (path.starts_with(L'$')) return L"./" + std::wstring(path);  // no macro of a file name
-  if (!path.starts_with(L'/') || path.starts_with(L"//")) return std::wstring(path);
-  std::wstring root(GetEnvironmentVariableW(L"ZOLIB_ROOT", nullptr, 0), L'\0');
-  root.resize(GetEnvironmentVariableW(L"ZOLIB_ROOT", root.data(), static_cast<DWORD>(root.size())));
-  return root.append(path);
-}
 
 std::wstring memberName(std::wstring_view path) {
   bool lastOnly = false;
@@ -87,17 +78,6 @@ std::optional<Text> refusalOf(std::wstring_view member) {
   if (name.isEmpty()) return kNoName;
   if (!name.isContained()) return Text{478, "the platform cannot keep it as it is"};
   return std::nullopt;
-}
-
-std::wstring joined(std::wstring_view folder, std::wstring_view name) {
-  std::wstring result(folder);
-  if (!result.empty() && !isSlash(result.back())) result += L'/';
-  return result += name;
-}
-
-std::wstring_view folderOf(std::wstring_view name) noexcept {
-  const std::size_t end = name.find_last_of(kSlashes);
-  return end == std::wstring_view::npos ? std::wstring_view() : name.substr(0, end);
 }
 
 }  // namespace zolib

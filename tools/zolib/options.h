@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "talk_options.h"
+
 namespace zolib {
 
 enum class Overwrite {
@@ -19,13 +21,6 @@ enum class Sort { kFile, kName, kSize, kPacked, kTime };  // kFile: the file's o
 enum class Recover { kLatest, kFirst, kAll };  // of several deleted members of a name
 
 enum class Mode { kNormal, kFast, kBest, kStore, kAuto };
-
-// What every tool needs to know to tell what it did.
-struct TalkOptions {
-  std::string verb;      // its full name
-  std::wstring library;  // that it is about, if any
-  bool dryRun = false, quiet = false, verbose = false, json = false;
-};
 
 struct Options : TalkOptions {
   std::vector<std::wstring> names;  // what follows the library

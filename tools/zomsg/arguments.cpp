@@ -1,7 +1,7 @@
 // The command line of zomsg: the tool for translators of message files.
-#include "../zolib/command_line.h"
-#include "../zolib/program.h"
+#include "command_line.h"
 #include "message_file.h"
+#include "program.h"
 #include "verbs.h"
 
 namespace zomsg {
@@ -117,10 +117,7 @@ class ZomsgCommandLine final : public CommandLine {
     if (!raw_.output.empty()) options_.output = zolib::wide(raw_.output);
     if (sub.get_name() == "show" && !messageNumber(options_.number))
       return wrong(raw_.number + " is no number of a message");
-    Report report(options_, console());
-    for (const Verb& verb : kVerbs)
-      if (sub.get_name() == verb.name) verb.run(options_, report);
-    return report.finish();
+    return zolib::runNamed(zolib::verbNamed(kVerbs, options_.verb), options_, console());
   }
 
   Options options_;

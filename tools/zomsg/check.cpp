@@ -8,7 +8,7 @@
 #include <map>
 #include <string_view>
 
-#include "../zolib/cancel.h"
+#include "cancel.h"
 #include "verbs.h"
 
 namespace zomsg {

@@ -6,8 +6,8 @@
 
 #include <unordered_map>
 
-#include "../zolib/names.h"
 #include "message_file.h"
+#include "paths.h"
 #include "verbs.h"
 
 namespace zomsg {

@@ -7,8 +7,8 @@
 
 #include <algorithm>
 
-#include "../zolib/cancel.h"
-#include "../zolib/names.h"
+#include "cancel.h"
+#include "paths.h"
 
 namespace zomsg {
 namespace {

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "../zolib/report.h"
-#include "../zolib/text.h"
+#include "report.h"
+#include "text.h"
 
 namespace zomsg {
 

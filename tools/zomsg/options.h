@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "../zolib/options.h"
+#include "talk_options.h"
 
 namespace zomsg {
 

@@ -10,8 +10,8 @@
 
 #include <set>
 
-#include "../zolib/names.h"
 #include "message_file.h"
+#include "paths.h"
 #include "verbs.h"
 
 namespace zomsg {

@@ -1,8 +1,8 @@
 // What zomsg can do, one function per verb. Each reports all it has to tell.
 #pragma once
 
-#include "../zolib/report.h"
 #include "options.h"
+#include "report.h"
 
 namespace zomsg {
 

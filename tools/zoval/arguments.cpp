@@ -1,9 +1,9 @@
 // The command line of zoval: the tool that shows and changes stored values.
 #include <algorithm>
 
-#include "../zolib/command_line.h"
-#include "../zolib/program.h"
-#include "../zolib/text.h"
+#include "command_line.h"
+#include "program.h"
+#include "text.h"
 #include "value_file.h"
 #include "verbs.h"
 
@@ -141,7 +141,7 @@ class ZovalCommandLine final : public CommandLine {
         ->type_name("NUMBER");
   }
 
-  ExitCode runVerb(const CLI::App& sub) override {
+  ExitCode runVerb(const CLI::App&) override {
     options_.file = zolib::wide(raw_.file);
     options_.second = zolib::wide(raw_.second);
     options_.path = zolib::wide(raw_.path);
@@ -150,10 +150,7 @@ class ZovalCommandLine final : public CommandLine {
     options_.from = zolib::wide(raw_.from);
     options_.to = zolib::wide(raw_.to);
     if (!raw_.output.empty()) options_.output = zolib::wide(raw_.output);
-    Report report(options_, console());
-    for (const Verb& verb : kVerbs)
-      if (sub.get_name() == verb.name) verb.run(options_, report);
-    return report.finish();
+    return zolib::runNamed(zolib::verbNamed(kVerbs, options_.verb), options_, console());
   }
 
   Options options_;

@@ -1,7 +1,7 @@
 // set and convert: values into files.
 #include <cstdint>
 
-#include "../zolib/text.h"
+#include "text.h"
 #include "value_file.h"
 #include "verbs.h"
 

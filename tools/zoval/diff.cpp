@@ -1,7 +1,7 @@
 // diff: what differs between two values.
 #include <zo/variant/variant_report.h>
 
-#include "../zolib/text.h"
+#include "text.h"
 #include "value_file.h"
 #include "verbs.h"
 

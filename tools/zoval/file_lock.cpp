@@ -6,8 +6,8 @@
 
 #include <cstdint>
 
-#include "../zolib/names.h"
-#include "../zolib/text.h"
+#include "paths.h"
+#include "text.h"
 
 namespace zoval {
 namespace {

@@ -7,8 +7,8 @@
 #include <sstream>
 #include <string>
 
-#include "../zolib/names.h"
-#include "../zolib/text.h"
+#include "paths.h"
+#include "text.h"
 #include "value_file.h"
 #include "verbs.h"
 

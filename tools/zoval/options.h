@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "../zolib/options.h"
+#include "talk_options.h"
 
 namespace zoval {
 

@@ -1,7 +1,7 @@
 // show and get: values as text.
 #include <zo/xml/json.h>
 
-#include "../zolib/text.h"
+#include "text.h"
 #include "value_file.h"
 #include "verbs.h"
 

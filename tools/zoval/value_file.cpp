@@ -14,8 +14,8 @@
 #include <cstring>
 #include <memory>
 
-#include "../zolib/names.h"
-#include "../zolib/text.h"
+#include "paths.h"
+#include "text.h"
 
 namespace zoval {
 namespace {

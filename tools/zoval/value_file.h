@@ -9,9 +9,9 @@
 #include <string>
 #include <string_view>
 
-#include "../zolib/report.h"
 #include "file_lock.h"
 #include "options.h"
+#include "report.h"
 
 namespace zoval {
 

@@ -3,12 +3,14 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "exit_code.h"
-#include "options.h"
 #include "report.h"
+#include "talk_options.h"
 
 namespace zolib {
 
@@ -38,6 +40,8 @@ class CommandLine {
   virtual ~CommandLine() = default;
 
   ExitCode run(const std::vector<std::string>& arguments);
+  // Ends with kUsage and this complaint.
+  ExitCode wrong(const std::string& text);
 
  protected:
   // The verb that TalkOptions::verb names, with its options filled.
@@ -45,7 +49,6 @@ class CommandLine {
 
   CLI::App& addVerb(const char* name, const Text& summary);
   void addHelp(const Text& verboseHelp);
-  ExitCode wrong(const std::string& text);
   // What the parser complains of, in words of our own.
   [[nodiscard]] static std::string complaintOf(const CLI::App& app, const CLI::ParseError& error);
   [[nodiscard]] CLI::App& app() noexcept { return app_; }
@@ -65,5 +68,17 @@ class CommandLine {
   bool json_ = false;  // is asked for, whatever else is wrong
   const std::string version_;
 };
+
+// A tool's verbs are rows of a table, with a name and the function that runs them.
+template <class Verbs>
+[[nodiscard]] const auto& verbNamed(const Verbs& verbs, std::string_view name) {
+  return *std::ranges::find_if(verbs, [name](const auto& verb) { return name == verb.name; });
+}
+template <class Verb, class Options>
+ExitCode runNamed(const Verb& verb, const Options& options, Console& console) {
+  Report report(options, console);
+  verb.run(options, report);
+  return report.finish();
+}
 
 }  // namespace zolib

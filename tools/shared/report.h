@@ -13,8 +13,8 @@
 
 #include "console.h"
 #include "exit_code.h"
-#include "options.h"
 #include "say.h"
+#include "talk_options.h"
 
 namespace zolib {
 

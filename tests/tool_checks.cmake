@@ -1,0 +1,20 @@
+# A tool as a user runs it: tests/TOOL/check.py does one check after the other. What asks only whether manual and
+# completion keep up runs in release builds alone.
+#   zo_tool_checks(zolib CHECKS work numbers ... RELEASE completion manual)
+function(zo_tool_checks tool)
+  cmake_parse_arguments(arg "" "" "CHECKS;RELEASE" ${ARGN})
+  find_package(Python3 COMPONENTS Interpreter)
+  if(NOT Python3_FOUND)
+    message(STATUS "${tool} is not tested as a whole: python3 is missing (scripts/setup test)")
+    return()
+  endif()
+  set(checks ${arg_CHECKS})
+  if(NOT ZO_GUARDED AND CMAKE_BUILD_TYPE STREQUAL Release)
+    list(APPEND checks ${arg_RELEASE})
+  endif()
+  foreach(check ${checks})
+    add_test(NAME ${tool}.${check} COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/check.py
+                                           ${PROJECT_SOURCE_DIR} $<TARGET_FILE:${tool}> ${check})
+    set_tests_properties(${tool}.${check} PROPERTIES TIMEOUT 300)
+  endforeach()
+endfunction()
