@@ -187,6 +187,34 @@ def versions():
     os.remove("v.lib")
 
 
+def one_name():
+    """LIBRARY|MEMBER is the library and the first of its members behind it."""
+    tree()
+    library = str(pathlib.Path("a.lib").resolve())
+    run("create", "a.lib", "parts", "-q")
+    run("cat", f"{library}|parts/old.bak", out="content\n")
+    run("cat", "a.lib|PARTS\\old.bak", "parts/empty.txt", out="content\n")
+    assert members("a.lib|parts/bolts") == members("a.lib|*.dwg") == ["parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"]
+    assert answer("list", "a.lib|parts/bolts")["library"] == "a.lib"
+    run("extract", "a.lib|parts/old.bak", "-o", "out", err="a.lib: 1 member extracted\n")
+    run("test", "a.lib|parts/bolts", err="a.lib: 2 members ok\n")
+    run("rename", "a.lib|parts/old.bak", "parts/new", "-q")
+    run("delete", "a.lib|parts/new", "-q")
+    run("recover", "a.lib|parts/new", err="a.lib: 1 member recovered\n")
+    foreign("f.lib", [("a:b|c", b"odd", 0)])
+    run("cat", "f.lib|a<;b<|c", out="odd")
+    for args, code, said in (
+        (["cat", "a.lib|none"], 10, "a.lib has no member none; .*"),
+        (["list", "none.lib|a"], 10, "cannot find the library none.lib.*"),
+        (["cat", "a.lib|a|b"], 7, ".* is no LIBRARY.MEMBER; .*"), (["cat", "a.lib|"], 7, ".* is no LIBRARY.MEMBER; .*"),
+        (["cat", "f.lib|a:b"], 7, ".* is no LIBRARY.MEMBER; .*"),
+        (["add", "a.lib|x", "parts"], 7, "add takes a library, and no member of one: a.lib.x; .*"),
+        (["sync", "a.lib|x", "parts"], 7, "sync takes a library, .*"), (["salvage", "a.lib|x", "b.lib"], 7, "salvage .*"),
+        (["rename", "a.lib", "one"], 7, "NAME: there must be 2; .*"), (["rename", "a.lib|one", "b", "c"], 7, "NAME: .*"),
+    ):
+        run(*args, code=code, err=f"zolib: {said}\n")
+
+
 def numbers():
     """Every version has a number, by which it is read, brought back, renamed and removed; so has an odd name."""
     for content in (b"first", b"second"):

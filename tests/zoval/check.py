@@ -142,13 +142,32 @@ def libraries():
     run("convert", "a.txt", "a.zoa")
     run("create", "p.lib", "a.txt", "a.zoa", tool="zolib.exe")
     for name in ("a.txt", "a.zoa"):
-        assert run("show", "p.lib", "--member", name).decode() == PART
+        assert run("show", "p.lib", "--member", name).decode() == PART == run("show", f"p.lib|{name}").decode()
     run("set", "p.lib", "-m", "A.ZOA", "count", "9", "-v", err="changed p.lib A.ZOA\n")
     run("diff", "a.txt", "p.lib", "--member", "a.zoa", code=1, out=r"\* count: Int 3 -> Int 9\n")
     run("diff", "p.lib", "a.txt", "--member", "a.txt")
     run("test", "p.lib", tool="zolib.exe")
-    run("show", "p.lib", code=7, err="zoval: p.lib is a library; .*--member\n")
-    run("show", "p.lib", "--member", "none", code=10, err="zoval: p.lib has no member none; .*")
+    run("diff", "p.lib|a.txt", str(pathlib.Path("p.lib").resolve()) + "|A.ZOA", code=1, out=r"\* count: Int 3 -> Int 9\n")
+    run("set", "p.lib|a.zoa", "count", "3")
+    run("convert", "p.lib|a.zoa", "p.lib|new/b<;.json", "-v", err="wrote p.lib new/b:.json\n")
+    run("diff", "p.lib|new/b<;.json", "p.lib|a.txt", out="")
+    run("convert", "a.txt", "p.lib|c.xml", "--dry-run", err="would write p.lib c.xml\n")
+    run("test", "p.lib", err="p.lib: 3 members ok\n", tool="zolib.exe")
+    before = pathlib.Path("p.lib").read_bytes()
+    for args, code, said in (
+        (["show", "p.lib"], 7, "p.lib is a library; .*--member, or as 'p.lib\\|MEMBER'"),
+        (["show", "p.lib", "--member", "none"], 10, "p.lib has no member none; .*"),
+        (["set", "p.lib|none", "count", "1"], 10, "p.lib has no member none; .*"),
+        (["show", "p.lib|"], 7, "p.lib\\| is no LIBRARY\\|MEMBER; .*"),
+        (["show", "p.lib|a|b"], 7, ".* is no LIBRARY\\|MEMBER; .*"),
+        (["show", "p.lib|a.txt", "-m", "a.zoa"], 7, ".*a.txt names a member already; leave out --member"),
+        (["show", "a.txt|a"], 10, "a.txt is no library, and has no member a"),
+        (["show", "none.lib|a"], 10, "cannot open none.lib.*"),
+        (["convert", "a.txt", "a.txt|b.xml"], 10, "a.txt is no library, .*"),
+        (["convert", "a.txt", "none.lib|b.xml"], 2, "cannot open none.lib.*"),
+    ):
+        run(*args, code=code, err=f"zoval: {said}\n")
+    assert pathlib.Path("p.lib").read_bytes() == before and sorted(os.listdir()) == ["a.txt", "a.zoa", "p.lib"]
 
 
 def at_once():

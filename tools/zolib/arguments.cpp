@@ -6,6 +6,7 @@
 #include "command_line.h"
 #include "help.h"
 #include "language.h"
+#include "member_argument.h"
 #include "program.h"
 #include "text.h"
 
@@ -213,6 +214,19 @@ void take(Options& options, const Raw& raw, const CLI::App& sub) {
   if (given("--dot")) options.dot = wide(raw.dot);
 }
 
+// LIBRARY|MEMBER is a library and the first of the names behind it.
+std::string takeMember(const Verb& verb, Options& options) {
+  std::wstring member;
+  const int code = splitMember(options.library, member);
+  if (code == ZoResult::refused) return {};
+  if (code != ZoResult::ok) return say(kNoMember, options.library);
+  const bool takesMembers = (verb.takes & kSelect) == kSelect && !(verb.takes & kFiles);
+  if (!takesMembers && !(verb.takes & kTwoNames))
+    return say({560, "%1 takes a library, and no member of one: %2"}, verb.name, options.library);
+  options.names.insert(options.names.begin(), member);
+  return {};
+}
+
 class ZolibCommandLine final : public CommandLine {
  public:
   explicit ZolibCommandLine(Console& console);
@@ -237,7 +251,8 @@ ZolibCommandLine::ZolibCommandLine(Console& console)
 ExitCode ZolibCommandLine::runVerb(const CLI::App& sub) {
   const Verb& verb = verbNamed(verbs(), options_.verb);
   take(options_, raw_, sub);
-  const std::string text = complaint(verb, options_);
+  std::string text = takeMember(verb, options_);
+  if (text.empty()) text = complaint(verb, options_);
   return text.empty() ? runNamed(verb, options_, console()) : wrong(text);
 }
 

@@ -81,7 +81,9 @@ constexpr Verb kVerbs[] = {
      kTheseHelp,
      kReads | kNeedsName,
      cat,
-     {621, "  zolib cat parts.lib bolts/readme.txt | less\n"}},
+     {621,
+      "  zolib cat parts.lib bolts/readme.txt | less\n"
+      "  zolib cat 'parts.lib|bolts/readme.txt'  the same in one name\n"}},
     {"extract",
      "x",
      {622, "Write members to files, below the current folder or --output"},

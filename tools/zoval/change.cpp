@@ -56,7 +56,8 @@ void convert(const Options& options, Report& report) {
   ValueFile file, target;
   const bool isToOutput = options.second == L"-";
   const bool isToFile = !isToOutput && !options.dryRun;
-  if (isToFile && !lockFile(options.second, target, report)) return;
+  if (!locate(options.second, options, target, report)) return;
+  if (isToFile && !lockFile(target, report)) return;
   if (!readValue(options.file, options, file, report)) return;
   const auto form = options.to.empty() ? formOf(options.second) : formNamed(options.to);
   if (!form)
@@ -76,8 +77,6 @@ void convert(const Options& options, Report& report) {
   }
   target.value = std::move(file.value);
   target.form = *form;
-  target.path = options.second;
-  target.shown = toUtf8(options.second);
   if (options.dryRun) return report.note("would write " + target.shown);
   if (writeValue(target, report) && options.verbose) report.note("wrote " + target.shown);
 }

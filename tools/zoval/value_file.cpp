@@ -14,6 +14,7 @@
 #include <cstring>
 #include <memory>
 
+#include "member_argument.h"
 #include "paths.h"
 #include "text.h"
 
@@ -141,10 +142,20 @@ bool isLibrary(ZoFile& open) {
 bool openLibrary(const ValueFile& file, int access, ZoLibrary& library, Report& report) {
   zolib::forgetReason();
   const int code = library.open(ZoFileName(zolib::shellPath(file.path)), access);
-  if (code == ZoResult::ok) return true;
-  report.fail(code == ZoResult::libraryWriteLocked ? zolib::kLocked : zolib::kFailed,
-              "cannot open " + toUtf8(file.path) + because());
+  if (code == ZoResult::ok && library.isLibrary()) return true;
+  const std::string shown = toUtf8(file.path);
+  if (code == ZoResult::ok)
+    report.fail(zolib::kNotFound,
+                shown + " is no library, and has no member " + toUtf8(file.member));
+  else
+    report.fail(code == ZoResult::libraryWriteLocked ? zolib::kLocked : zolib::kFailed,
+                "cannot open " + shown + because());
   return false;
+}
+
+void setMember(const std::wstring& member, ValueFile& file) {
+  file.member = member;
+  if (!member.empty()) file.shown += " " + toUtf8(member);
 }
 
 bool readMember(const Options& options, ValueFile& file, Report& report, Use use) {
@@ -177,7 +188,11 @@ bool isWritten(ZoFile& file, std::string_view bytes) {
 }
 
 // What closes adds the member, in the place of what has its name.
-bool writeMember(const ValueFile& file, std::string_view bytes, Report& report) {
+bool writeMember(ValueFile& file, std::string_view bytes, Report& report) {
+  if (!file.library) {
+    file.library = std::make_unique<ZoLibrary>();
+    if (!openLibrary(file, ZoFile::kReadWrite, *file.library, report)) return false;
+  }
   ZoLibrary& library = *file.library;
   ZoFile open;
   if (library.getFile(open, ZoFileName(file.member), ZoFile::kWrite) == ZoResult::ok) {
@@ -232,33 +247,51 @@ std::optional<Form> formOf(std::wstring_view fileName) {
   return std::nullopt;
 }
 
-bool lockFile(const std::wstring& path, ValueFile& file, Report& report) {
-  if (file.lock.take(path)) return true;
-  report.fail(zolib::kLocked, toUtf8(path) + " is locked: another program is writing to it");
+bool locate(const std::wstring& name, const Options& options, ValueFile& file, Report& report) {
+  file.path = name;
+  std::wstring member;
+  const int code = zolib::splitMember(file.path, member);
+  file.shown = toUtf8(file.path);
+  if (code == ZoResult::refused) return true;
+  if (code != ZoResult::ok) {
+    report.fail(zolib::kUsage, zolib::kNoMember, name);
+    return false;
+  }
+  if (!options.member.empty()) {
+    report.fail(zolib::kUsage, toUtf8(name) + " names a member already; leave out --member");
+    return false;
+  }
+  setMember(member, file);
+  return true;
+}
+
+bool lockFile(ValueFile& file, Report& report) {
+  if (file.lock.take(file.path)) return true;
+  report.fail(zolib::kLocked, toUtf8(file.path) + " is locked: another program is writing to it");
   return false;
 }
 
 bool readValue(const std::wstring& path, const Options& options, ValueFile& file, Report& report,
                Use use) {
-  file.path = path;
-  file.shown = toUtf8(path);
-  if (use == Use::kChange && !lockFile(path, file, report)) return false;
+  if (!locate(path, options, file, report)) return false;
+  if (use == Use::kChange && !lockFile(file, report)) return false;
   zolib::forgetReason();
-  ZoFile open = opened(path);
+  ZoFile open = opened(file.path);
   if (!open.isOpen()) {
     report.fail(zolib::kNotFound, "cannot open " + file.shown + because());
     return false;
   }
-  if (!isLibrary(open))
+  if (!isLibrary(open) && file.member.empty())
     return (use == Use::kRead || keepBytes(open, file, report)) &&
            readOpen(open, options, file, report);
-  static_cast<void>(open.close());
-  if (options.member.empty()) {
-    report.fail(zolib::kUsage, file.shown + " is a library; name a value in it by --member");
+  if (file.member.empty()) setMember(options.member, file);
+  if (file.member.empty()) {
+    report.fail(zolib::kUsage, file.shown +
+                                   " is a library; name a value in it by --member, or as '" +
+                                   file.shown + "|MEMBER'");
     return false;
   }
-  file.member = options.member;
-  file.shown += " " + toUtf8(options.member);
+  static_cast<void>(open.close());
   return readMember(options, file, report, use);
 }
 

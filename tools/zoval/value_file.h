@@ -38,9 +38,12 @@ struct ValueFile {
   std::optional<std::string> before;   // the file's bytes, which must still be there
 };
 
+// Where a value lies: the file, or a member as LIBRARY|MEMBER. False when that is wrong, which is
+// reported.
+bool locate(const std::wstring& name, const Options& options, ValueFile& file, Report& report);
 // Keeps others from writing the file until `file` ends. False when they do already, which is
 // reported.
-bool lockFile(const std::wstring& path, ValueFile& file, Report& report);
+bool lockFile(ValueFile& file, Report& report);
 
 enum class Use { kRead, kChange };
 // Reads the file, or its member where it is a library; to change it, it is locked before. False
