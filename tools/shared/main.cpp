@@ -15,7 +15,7 @@
 
 #include "cancel.h"
 #include "console.h"
-#include "names.h"
+#include "paths.h"
 #include "program.h"
 #include "text.h"
 
