@@ -55,7 +55,8 @@ def families():
         left = [path for path in left if path not in taken]
         out.append((key, config[key], {path: Contract(path) for path in taken}))
     shown = {name for _, family, _ in out for name in family.get("results", "").split()}
-    left += [f"codes of {name}" for name in re.findall(r"^## (\w+)$", read("docs/results.md"), re.M) if name not in shown]
+    sections = re.findall(r"^## (\w+)$", read("docs/results.md"), re.M)
+    left += [f"codes of {name}" for name in sections if name not in shown]
     if left:
         sys.exit("of no family in families.ini: " + ", ".join(left))
     return out
@@ -96,7 +97,7 @@ def examples():
 
 
 def examples_page():
-    out = ["# Examples", "", "Small clients of the installed package, in `examples/`; the tests build and run them.", ""]
+    out = ["# Examples", "", "Small clients of the installed package; the tests build and run them.", ""]
     for folder, files in examples():
         out += [f"## {folder}", ""]
         for path in files:
@@ -106,8 +107,8 @@ def examples_page():
 
 def uses_of(classes):
     """A line for each example and tutorial that uses some of the classes, with these."""
-    tutorials = sorted(os.listdir(os.path.join(ROOT, "docs", "tutorial")))
-    programs = [(title_of(f"docs/tutorial/{name}"), f"docs/tutorial/{name}", [f"docs/tutorial/{name}"]) for name in tutorials]
+    tutorials = (f"docs/tutorial/{name}" for name in sorted(os.listdir(os.path.join(ROOT, "docs", "tutorial"))))
+    programs = [(title_of(path), path, [path]) for path in tutorials]
     programs += [(f"examples/{folder}", f"examples.md#{folder}", files) for folder, files in examples()]
     for title, link, files in programs:
         used = classes.intersection(re.findall(r"\bZo\w+", "".join(map(read, files))))
