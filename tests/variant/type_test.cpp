@@ -96,8 +96,8 @@ TEST(TypeFlag, HasALetterAndSometimesAText) {
   EXPECT_STREQ(ZoType::flagToMessage(0x3), L"No Flag");
 }
 
-// docs/variant.md has a row for each code and each flag, which begins as the code has it and goes on
-// with words on its meaning.
+// docs/variant.md has a row for each code and each flag, which begins as the code has it and goes
+// on with words on its meaning.
 TEST(TypeCode, AndFlagHaveTheirRowsInTheDocument) {
   const auto bytes = [](const wchar_t* text) { return std::string(text, text + wcslen(text)); };
   std::set<std::string> wanted;
