@@ -22,7 +22,8 @@ class Browser:
         self.process = subprocess.Popen([driver, "--port=0"], stdout=subprocess.PIPE, text=True)
         line = next(line for line in self.process.stdout if "started successfully on port" in line)
         self.base = f"http://127.0.0.1:{line.rstrip().rstrip('.').split()[-1]}"
-        options = {"binary": browser, "args": ["--headless", "--no-sandbox", "--disable-gpu", f"--user-data-dir={profile}"]}
+        arguments = ["--headless", "--no-sandbox", "--disable-gpu", f"--user-data-dir={profile}"]
+        options = {"binary": browser, "args": arguments}
         wanted = {"browserName": "chrome", "goog:chromeOptions": options, "goog:loggingPrefs": {"browser": "ALL"}}
         session = self.call("POST", "/session", {"capabilities": {"alwaysMatch": wanted}})
         self.base += "/session/" + session["sessionId"]
@@ -60,7 +61,7 @@ class Browser:
         assert url.endswith("/" + file), f"{title}: at {url}"
 
     def complaints(self):
-        """What its console shows, but for this: as files, a page may not close its list of results. It works all the same."""
+        """What its console shows, but for this: of files, a page may not close its list of results, and works on."""
         shown = [entry["message"] for entry in self.call("POST", "/se/log", {"type": "browser"})]
         return [message for message in shown if "cross-origin frame" not in message]
 

@@ -8,6 +8,9 @@ import sys
 import urllib.parse
 
 
+CLASS = re.compile(r"^(class|struct)(?: ZO_COM_API)? (Zo\w+)\b(?!::)[^;]*?\{", re.M)
+
+
 class Page(html.parser.HTMLParser):
     """The places of a page that can be led to, where it leads, and its words."""
 
@@ -19,7 +22,7 @@ class Page(html.parser.HTMLParser):
 
     def handle_starttag(self, tag, attributes):
         for key, value in attributes:
-            if key in ("id", "name") or tag == "a" and key == "id":
+            if key in ("id", "name"):
                 self.places.add(value)
             elif (key in ("href", "src", "xlink:href") or tag == "object" and key == "data") and value:
                 self.leads.append(value)
@@ -43,8 +46,7 @@ def classes(root):
     for where, _, names in os.walk(os.path.join(root, "include")):
         for name in names:
             with open(os.path.join(where, name), encoding="utf-8") as file:
-                for kind, found in re.findall(r"^(class|struct)(?: ZO_COM_API)? (Zo\w+)\b(?!::)[^;]*?\{", file.read(), re.M):
-                    yield f"{kind}{found}.html"
+                yield from ("".join(found) + ".html" for found in CLASS.findall(file.read()))
 
 
 def main():

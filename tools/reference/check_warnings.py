@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""check_warnings.py LOG KNOWN: shows what Doxygen warned of and KNOWN does not excuse, and what KNOWN excuses in vain; then
-the exit code is 1. A line of KNOWN is a regular expression, " # " and the reason."""
+"""check_warnings.py LOG KNOWN: shows what Doxygen warned of and KNOWN does not excuse, and what KNOWN excuses in vain;
+then the exit code is 1. A line of KNOWN is a regular expression, " # " and the reason."""
 import re
 import sys
 

@@ -80,5 +80,6 @@ def markdown(comment):
 
 def labelled(comment):
     """The part of a comment from its first label on: errors, threads, cost."""
-    first = next((i for i, line in enumerate(comment) if re.match(r"// (?:%s)(?:, [A-Z][a-z]+)*:" % "|".join(LABELS), line)), len(comment))
-    return comment[first:]
+    first = re.compile(r"// (?:%s)(?:, [A-Z][a-z]+)*:" % "|".join(LABELS))
+    start = next((i for i, line in enumerate(comment) if first.match(line)), len(comment))
+    return comment[start:]

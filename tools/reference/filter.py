@@ -38,7 +38,7 @@ class Writer(header.Reader):
 
     def section(self, title, lines):
         self.leave()
-        self._say(lines, ["\\name " + comments.escaped(title)])
+        self._say(lines, ["\\name " + comments.without_marks(title)])
         self.out += ["///@{", ""]  # a block of its own
         self.section_depth = len(self.scopes)
 

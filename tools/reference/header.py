@@ -1,9 +1,9 @@
 """Public headers, read for the reference: which comment belongs to what, and the classes.
 
 A comment belongs to the declaration right below it, and to the overloads of that name which follow without a gap and
-without a comment of their own; behind a declaration it belongs to that. The comment that opens a header is that of the
-header, and of its classes without one. "// ---- Title ----" begins a group of members. What stands in bodies of
-functions, or has a blank line below it, is for readers of the header alone.
+without a comment of their own and are not deleted; behind a declaration it belongs to that. The comment that opens a
+header is that of the header, and of its classes without one. "// ---- Title ----" begins a group of members. What
+stands in bodies of functions, or has a blank line below it, is for readers of the header alone.
 """
 import re
 
@@ -12,7 +12,8 @@ SECTION = re.compile(r"\s*// -{2,} (.*?) -{2,}$")
 ACCESS = re.compile(r"\s*(public|protected|private)\s*:")
 SCOPE = re.compile(r'\b(class|struct|union|enum|namespace)\b|(extern "_)')
 NAME = re.compile(r"(operator\s*(?:\(\)|\[\]|[^\s\w(]+|\w+)|~?\w+)\s*\(")
-CLASS = re.compile(r"\b(?:class|struct) (?:alignas\(\w+\) )?(?:ZO_COM_API )?(\w+)\s*(?:final\s*)?(?::(?!:)(.*))?$", re.S)
+CLASS = re.compile(r"\b(?:class|struct) (?:alignas\(\w+\) |ZO_COM_API )*(\w+)\s*(?:final\s*)?(?::(?!:)(.*))?$", re.S)
+EXPLICIT = re.compile(r"\bexplicit\s*\(.*?\)\s+(?=\w+\()|\b(?:explicit|constexpr|inline)\b", re.S)
 
 
 def split_line(line):
@@ -62,18 +63,16 @@ class Declaration:
                         return
                 braces += (c == "{") - (c == "}")
                 parentheses += (c == "(") - (c == ")")
-                if braces or c in "{}":
-                    ends = c == "}" and braces == 0 and parentheses == 0 and code[i + 1 :].lstrip()[:1] not in tuple(";,{)")
-                else:
+                if not braces and c not in "{}":
                     self.text += c
-                    ends = c == ";" and parentheses == 0
-                if ends:
+                goes_on = code[i + 1 :].lstrip()[:1] in tuple(";,{)")  # behind a brace
+                if not braces and not parentheses and (c == ";" or c == "}" and not goes_on):
                     return
 
     @property
     def name(self):
         """The function that it declares; empty for a constructor and for anything else."""
-        text = re.sub(r"\bexplicit\s*\(.*?\)\s+(?=\w+\()|\b(explicit|constexpr|inline)\b", "", without_head(self.text), flags=re.S)
+        text = EXPLICIT.sub("", without_head(self.text))
         found = None if self.scope else NAME.search(text)
         return re.sub(r"\s", "", found[1]) if found and text[: found.start()].strip() else ""
 
@@ -150,7 +149,7 @@ class Reader:
         declared = Declaration(self.lines, i)
         lines = self.lines[i : declared.end + 1]
         comment, name = shared or (None, None)
-        if name and name != declared.name:
+        if name and (name != declared.name or "= delete" in declared.text):
             comment = None
         if name and comment:
             self.comment(comment)

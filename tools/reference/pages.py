@@ -54,8 +54,11 @@ def families():
         taken = [path for path in left if any(fnmatch.fnmatch(path, pattern) for pattern in patterns)]
         left = [path for path in left if path not in taken]
         out.append((key, config[key], {path: Contract(path) for path in taken}))
+    shown = {name for _, family, _ in out for name in family.get("results", "").split()}
+    sections = re.findall(r"^## (\w+)$", read("docs/results.md"), re.M)
+    left += [f"codes of {name}" for name in sections if name not in shown]
     if left:
-        sys.exit("of no family in families.ini: " + " ".join(left))
+        sys.exit("of no family in families.ini: " + ", ".join(left))
     return out
 
 
@@ -83,19 +86,34 @@ def family_page(key, family, headers):
     if family.get("documents"):
         out += ["", "## To read", ""]
         out += [f"- [{title_of(path)}]({path})" for path in family["documents"].split()]
-    if family.get("examples"):
-        out += ["", "## Examples", ""]
-        out += [f"- [examples/{name}](examples.md#{name})" for name in family["examples"].split()]
-    return "\n".join(out) + "\n"
+    uses = list(uses_of({name for contract in headers.values() for name in contract.classes}))
+    return "\n".join(out + (["", "## Examples", ""] + uses if uses else [])) + "\n"
+
+
+def examples():
+    """The folders of examples/, each with its files."""
+    for folder in sorted(next(os.walk(os.path.join(ROOT, "examples")))[1]):
+        yield folder, sorted(f"examples/{folder}/{name}" for name in os.listdir(os.path.join(ROOT, "examples", folder)))
 
 
 def examples_page():
-    out = ["# Examples", "", "Small clients of the installed package, in `examples/`; the tests build and run them.", ""]
-    for folder in sorted(next(os.walk(os.path.join(ROOT, "examples")))[1]):
+    out = ["# Examples", "", "Small clients of the installed package; the tests build and run them.", ""]
+    for folder, files in examples():
         out += [f"## {folder}", ""]
-        for name in sorted(os.listdir(os.path.join(ROOT, "examples", folder))):
-            out += [f"`examples/{folder}/{name}`:", "", "```cpp", read(f"examples/{folder}/{name}").rstrip(), "```", ""]
+        for path in files:
+            out += [f"`{path}`:", "", "```cpp", read(path).rstrip(), "```", ""]
     return "\n".join(out)
+
+
+def uses_of(classes):
+    """A line for each example and tutorial that uses some of the classes, with these."""
+    tutorials = (f"docs/tutorial/{name}" for name in sorted(os.listdir(os.path.join(ROOT, "docs", "tutorial"))))
+    programs = [(title_of(path), path, [path]) for path in tutorials]
+    programs += [(f"examples/{folder}", f"examples.md#{folder}", files) for folder, files in examples()]
+    for title, link, files in programs:
+        used = classes.intersection(re.findall(r"\bZo\w+", "".join(map(read, files))))
+        if used:
+            yield f"- [{title}]({link}): {', '.join(sorted(used))}"
 
 
 def ancestors(name, classes):

@@ -2,8 +2,8 @@
 // interface.
 //
 // Errors:  0 success; 1 refused (key present, key absent, an element that cannot be copied, no
-//          memory to grow a hash table); 2 out of memory. Nothing has changed then. What else
-//          elements and keys throw passes through.
+//          memory to grow a hash table); 2 out of memory. Nothing has changed then. What else is
+//          thrown by elements and keys passes through.
 // Threads: any number of readers, or one writer.
 // Ranges:  `for (auto [key, value] : dict)` visits every entry; key and value are references.
 //          Insertion and removal end such a walk.
