@@ -33,8 +33,9 @@ bool parseNumber(std::string_view text, std::uint64_t& number) noexcept {
 bool parseSum(std::string_view text, Sha256Sum& sum) noexcept {
   if (text.size() != 2 * sum.size()) return false;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const unsigned int digit = hexDigit(static_cast<unsigned char>(text[i]));
-    if (digit > 15 || isUpper(text[i])) return false;
+    const auto letter = static_cast<unsigned char>(text[i]);
+    const unsigned int digit = hexDigit(letter);
+    if (digit > 15 || isUpper(letter)) return false;
     const auto before = static_cast<unsigned int>(sum[i / 2]);
     sum[i / 2] = static_cast<std::uint8_t>(before << 4 | digit);
   }

@@ -131,12 +131,12 @@ void ZoStdCad::poolRelease(const wchar_t* module) {
     for (const auto [key, globals] : document->globals) names.emplace_back(document->name, key);
   zo::FirstFailure failure;
   for (const auto& [document, name] : names) {
-    const auto find = [&, &document = document, &name = name]() -> ZoDwgGlobals* {
+    const auto find = [&]() -> ZoDwgGlobals* {
       Document* const found = documents_->find(document);
       ZoDwgGlobals** const globals = found ? found->globals.at(name) : nullptr;
       return globals ? *globals : nullptr;
     };
-    failure.run([&, &document = document, &name = name] {
+    failure.run([&] {
       ZoDwgGlobals* const asked = find();
       if (!asked || asked->release(module) != 0) return;
       if (find() == asked)  // they may have named a successor
