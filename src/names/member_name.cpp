@@ -18,7 +18,7 @@ int zoSplitMemberName(const ZoFileName& name, ZoMemberName& parts) {
 }
 
 ZoFileName zoMemberName(const ZoFileName& library, const ZoFileName& member) {
-  ZoFileName name(zo::joinMemberText(library.view(), member.view()));
+  const ZoFileName name(zo::joinMemberText(library.view(), member.view()));
   ZoMemberName parts;
   const bool isRight = zoSplitMemberName(name, parts) == ZoResult::ok &&
                        parts.library.view() == library.view() &&
