@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "library/operations.h"
-#include "library/time_value.h"
+#include "platform/time_value.h"
 
 namespace zo {
 namespace {

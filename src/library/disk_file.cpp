@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "library/format.h"
-#include "library/time_value.h"
+#include "platform/time_value.h"
 #include "platform/write_all.h"
 
 namespace zo {

@@ -4,7 +4,7 @@
 #include "library/copy.h"
 #include "library/operations.h"
 #include "library/reading.h"
-#include "library/time_value.h"
+#include "platform/time_value.h"
 #include "platform/write_all.h"
 
 namespace zo {

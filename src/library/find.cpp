@@ -3,7 +3,7 @@
 
 #include "library/operations.h"
 #include "library/read_member.h"
-#include "library/time_value.h"
+#include "platform/time_value.h"
 #include "names/name_compare.h"
 #include "text/code_units.h"
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "library/reading.h"
-#include "library/time_value.h"
+#include "platform/time_value.h"
 
 namespace zo {
 namespace {

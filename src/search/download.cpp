@@ -9,6 +9,7 @@
 
 #include "files/keep_reason.h"
 #include "platform/clock.h"
+#include "platform/time_value.h"
 #include "platform/write_all.h"
 #include "text/code_units.h"
 
@@ -107,7 +108,7 @@ std::wstring conditions(const CacheMark* known) {
 std::uint64_t timeNow() noexcept {
   FILETIME now;
   GetSystemTimeAsFileTime(&now);
-  return std::uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime;
+  return timeValue(now);
 }
 
 Download::Download(const ZoDownloadOptions& options, std::wstring hosts, const ZoFileName& url,

@@ -11,6 +11,7 @@
 #include "files/replace_file.h"
 #include "names/name_compare.h"
 #include "platform/system_path.h"
+#include "platform/time_value.h"
 #include "platform/whole_file.h"
 #include "platform/write_all.h"
 #include "search/download.h"
@@ -20,8 +21,11 @@
 namespace zo {
 namespace {
 
+// Not what is open: its name would stay taken until it is closed.
 bool remove(const std::wstring& name) {
-  if (fileApi().removeFile(SystemPath(name.c_str()))) return true;
+  const OpenFile gone(fileApi().create(SystemPath(name.c_str()), DELETE, 0, OPEN_EXISTING,
+                                       FILE_FLAG_DELETE_ON_CLOSE));
+  if (gone) return true;
   const DWORD error = GetLastError();
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
@@ -127,9 +131,7 @@ void DownloadFolder::touch(const std::wstring& key) const {
   const OpenFile file(fileApi().create(SystemPath(name.c_str()), FILE_WRITE_ATTRIBUTES,
                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                        OPEN_EXISTING, 0));
-  const std::uint64_t now = timeNow();
-  const FILETIME time{.dwLowDateTime = static_cast<DWORD>(now),
-                      .dwHighDateTime = static_cast<DWORD>(now >> 32)};
+  const FILETIME time = fileTime(timeNow());
   if (file) fileApi().setTimes(file.get(), nullptr, nullptr, &time);
 }
 

@@ -4,6 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "platform/clock.h"
 #include "platform/file_api.h"
 #include "platform/system_path.h"
 #include "search/macro_table.h"
@@ -27,8 +28,17 @@ void collectWatches(SearchState& state) {
   std::ranges::for_each(state.places, add);
 }
 
-void renew(SearchState::At& at) {
-  if (!at.place || !at.known.isOld()) return;
+// Another folder or file has the place's name: no watch of the one before tells.
+bool isExchanged(const SearchState::At& at) {
+  return at.place && !at.known.watches.empty() && at.known.stamp != stampOf(*at.place);
+}
+
+bool anyExchanged(const SearchState& state) {
+  return isExchanged(state.current) || std::ranges::any_of(state.places, isExchanged);
+}
+
+void renew(SearchState::At& at, bool looks) {
+  if (!at.place || !(at.known.isOld() || (looks && isExchanged(at)))) return;
   const std::size_t names = at.known.index ? at.known.index->names().size() : 0;
   at.place->asks = 0;
   at.place->asksBeforeReading = FilePlace::kFirstAsks;
@@ -63,8 +73,9 @@ bool FileFinder::add(std::shared_ptr<FilePlace> place) {
   bool isNew = true;
   change([&](SearchState& state) {
     auto& places = state.places;
-    isNew = std::ranges::none_of(
-        places, [&](const SearchState::At& at) { return equalNames(at.place->path, place->path); });
+    isNew = std::ranges::none_of(places, [&](const SearchState::At& at) {
+      return equalNames(at.place->path, place->path) && equalNames(at.place->module, place->module);
+    });
     if (!isNew) return;
     const auto before = [&](const SearchState::At& at) {
       return at.place->priority >= place->priority;
@@ -89,20 +100,33 @@ void FileFinder::forget() {
   });
 }
 
+// Whether it is time to look for places that were exchanged, which takes a call for each.
+bool FileFinder::mayLook() {
+  constexpr std::uint64_t kEvery = 1000;  // milliseconds
+  const std::uint64_t now = millisecondsNow();
+  if (now - lookedAt_ < kEvery) return false;
+  lookedAt_ = now;
+  return true;
+}
+
 // The state, without what is known to be old.
 FileFinder::State FileFinder::fresh() {
-  State state = state_.load();
+  const State state = state_.load();
   const std::wstring folder = currentFolder();
-  const bool hasMoved = !state->current.place || !equalNames(state->current.place->path, folder);
-  if (!hasMoved && !anyChanged(state->watches)) return state;
+  const auto hasMoved = [&](const SearchState& from) {
+    return !from.current.place || !equalNames(from.current.place->path, folder);
+  };
+  const bool looks = mayLook();
+  if (!hasMoved(*state) && !anyChanged(state->watches) && !(looks && anyExchanged(*state)))
+    return state;
   return change([&](SearchState& next) {
-    if (hasMoved) {
+    if (hasMoved(next)) {
       next.current = {.place = std::make_shared<FilePlace>(FilePlace::kFolder, folder),
                       .known = {}};
       next.current.place->asNamed = true;
     }
-    renew(next.current);
-    std::ranges::for_each(next.places, renew);
+    renew(next.current, looks);
+    for (SearchState::At& at : next.places) renew(at, looks);
   });
 }
 
@@ -177,8 +201,12 @@ std::shared_ptr<FilePlace> FileFinder::find(const std::wstring& name, std::wstri
 
 FileFinder::Places FileFinder::servers() const {
   Places servers;
-  for (const SearchState::At& at : state_.load()->places)
-    if (at.place->kind == FilePlace::kServer) servers.push_back(at.place);
+  const State state = state_.load();
+  for (const SearchState::At& at : state->places) {
+    const auto isSame = [&](const auto& server) { return server->path == at.place->path; };
+    if (at.place->kind == FilePlace::kServer && std::ranges::none_of(servers, isSame))
+      servers.push_back(at.place);
+  }
   return servers;
 }
 

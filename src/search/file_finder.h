@@ -10,6 +10,7 @@
 #include <zo/names/file_name.h>
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -48,7 +49,7 @@ class FileFinder {
 
   FileFinder() : state_(std::make_shared<const SearchState>()) {}
 
-  // False when a place of that path is there.
+  // False when the module has added a place of that path.
   bool add(std::shared_ptr<FilePlace> place);
   void release(std::wstring_view module);
   void forget();
@@ -66,6 +67,7 @@ class FileFinder {
  private:
   using State = std::shared_ptr<const SearchState>;
 
+  [[nodiscard]] bool mayLook();
   [[nodiscard]] State fresh();
   template <class Change>
   State change(Change change);
@@ -76,6 +78,7 @@ class FileFinder {
 
   std::mutex changing_;
   std::atomic<State> state_;
+  std::atomic<std::uint64_t> lookedAt_ = 0;
 };
 
 // What a report calls a place.

@@ -12,6 +12,7 @@
 #include "platform/file_api.h"
 #include "platform/open_file.h"
 #include "platform/system_path.h"
+#include "platform/time_value.h"
 
 namespace zo {
 namespace {
@@ -171,8 +172,16 @@ FileStamp stampOf(const std::wstring& file) {
   if (!opened || !fileApi().size(opened.get(), stamp.size) ||
       !fileApi().times(opened.get(), nullptr, nullptr, &written))
     return {};
-  stamp.written = std::uint64_t{written.dwHighDateTime} << 32 | written.dwLowDateTime;
+  stamp.written = timeValue(written);
   return stamp;
+}
+
+FileStamp stampOf(const FilePlace& place) {
+  if (place.kind == FilePlace::kLibrary) return stampOf(place.path);
+  WIN32_FILE_ATTRIBUTE_DATA is;
+  if (!fileApi().details(SystemPath(place.path.c_str()), is)) return {};
+  return {.size = static_cast<std::int64_t>(timeValue(is.ftCreationTime)),
+          .written = timeValue(is.ftLastWriteTime)};
 }
 
 bool isFolder(const std::wstring& path) { return attributesOf(path) & FILE_ATTRIBUTE_DIRECTORY; }
@@ -196,6 +205,7 @@ KnownNames readNames(const FilePlace& place) {
     known = watchedLibrary(place);
     known.index = readLibrary(place);
   } else if (place.isWatchable) {
+    known.stamp = stampOf(place);
     known.index = readFolder(place, [&](const std::wstring& folder) {
       return watch(folder, FolderWatch::kNames, known.watches);
     });

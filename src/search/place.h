@@ -51,7 +51,7 @@ struct KnownNames {
 
   std::shared_ptr<const NameIndex> index;  // null: ask directly
   Watches watches;                         // none: nobody would tell
-  FileStamp stamp;                         // of a library, when it was read
+  FileStamp stamp;                         // of the place, when it was read
 
   [[nodiscard]] bool isOld() const {
     return std::ranges::any_of(watches, [](const auto& watch) {
@@ -60,6 +60,9 @@ struct KnownNames {
     });
   }
 };
+
+// Of what has a place's name; of a folder with the time when it was made in the size's stead.
+[[nodiscard]] FileStamp stampOf(const FilePlace& place);
 
 // Reads the names of a place. No index: it cannot be watched or read, or has too many names or
 // folders.

@@ -90,7 +90,8 @@ int ZoStdMacroLib::removeMacro(const ZoString& name, const wchar_t* module) {
 
 int ZoStdMacroLib::getMacros(ZoSequence<ZoString>& names) {
   std::vector<std::wstring> found;
-  for (const auto& macro : table_->current()->macros) found.push_back(macro.first);
+  const auto state = table_->current();  // which keeps the names
+  for (const auto& macro : state->macros) found.push_back(macro.first);
   if (auto* const settings = zo::serviceOrNull<ZoCfg>()) {
     const ZoVariant all = settings->at(L"macros", false);
     for (const auto setting : all.elements())

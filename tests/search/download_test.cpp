@@ -319,10 +319,14 @@ TEST_F(Downloads, TheOneUsedLongestAgoGoesFirst) {
       10);
   EXPECT_EQ(cached().size(), 5U) << "two entries and what is not the cache's";
   ZoFile reader;
-  ASSERT_EQ(cache.find(part(0), file), 0);
-  ASSERT_EQ(reader.open(file), 0);
+  for (const int share : {int{ZoFile::kShareRead}, ZoFile::kShareRead | ZoFile::kShareDelete}) {
+    ASSERT_EQ(cache.get(part(0), file), 0);
+    ASSERT_EQ(reader.open(file, ZoFile::kRead, ZoFile::kOpenExisting, share), 0);
+    EXPECT_EQ(cache.get(part(3), file) + cache.get(part(2), file), 0);
+    EXPECT_EQ(cache.find(part(0), file), 0) << "it is open";
+    EXPECT_EQ(cache.get(part(0), file), 0);
+  }
   EXPECT_EQ(cache.get(part(3), file), 0);
-  EXPECT_EQ(cache.find(part(0), file), 0) << "it is open";
   EXPECT_EQ(cache.clear(), 1);
   EXPECT_EQ(reader.close() + cache.remove(part(3)) + cache.clear(), 0);
   EXPECT_EQ(cached(), Names{L"mine.txt"});

@@ -40,6 +40,8 @@ TEST_F(FileSearchTest, TakesTheFirstPlaceThatHasAFile) {
   ASSERT_EQ(search().addLibrary(path(L"b.lib"), L"m", -2), 0);
   for (const wchar_t* refused : {L"two", L"TWO\\", L"one\\a.txt", L"absent"})
     EXPECT_EQ(addPath(refused), ZoResult::refused) << refused;
+  EXPECT_EQ(addPath(L"two", 0, false, L"another"), 0);
+  search().poolRelease(L"another");
   for (const wchar_t* refused : {L"b.lib", L"two", L"out.txt", L"absent.lib"})
     EXPECT_EQ(search().addLibrary(path(refused), L"m"), ZoResult::refused) << refused;
   EXPECT_EQ(search().addServer(path(L"two"), L"m"), ZoResult::refused);
@@ -359,6 +361,25 @@ TEST_F(FileSearchTest, KnowsOfEveryChange) {
   }
 }
 
+// The watch of the folder before stays with that.
+TEST_F(FileSearchTest, NoticesAPlaceThatWasExchanged) {
+  put(L"t\\sub\\a.txt");
+  put(L"t\\a.txt");
+  put(L"u\\a.txt");
+  makeLibrary(L"u\\b.lib", {L"m1"});
+  ASSERT_EQ(addPath(L"t", 0, true) + addPath(L"u"), 0);
+  ASSERT_EQ(search().addLibrary(path(L"u\\b.lib"), L"m"), 0);
+  for (const wchar_t* name : {L"a.txt", L"m1"}) EXPECT_NE(foundAtLast(name), L"-");
+  for (const wchar_t* place : {L"t", L"u"})
+    std::filesystem::rename(path(place), path(place + std::wstring(L"_away")));
+  put(L"t\\sub\\new1.txt");
+  put(L"u\\new2.txt");
+  makeLibrary(L"u\\b.lib", {L"m2"});
+  for (const wchar_t* name : {L"new1.txt", L"new2.txt", L"m2"})
+    while (found(name) == L"-") Sleep(20);
+  EXPECT_EQ(found(L"a.txt") + found(L"m1"), L"--");
+}
+
 TEST_F(FileSearchTest, AnInstalledSearchHasTheRestFromFind) {
   put(L"a.txt");
   struct Own : ZoFileSearch {
@@ -390,7 +411,7 @@ TEST_F(FileSearchTest, ManyThreadsFindWhileAnotherChangesThePlaces) {
   put(L"p\\a.txt");
   put(L"q\\b.txt");
   ASSERT_EQ(addPath(L"p"), 0);
-  std::atomic<int> wrong = 0;
+  std::atomic<int> wrong = 0, done = 0;
   std::vector<std::thread> threads;
   const std::wstring q = path(L"q").wstring();
   for (int t = 0; t < 4; ++t)
@@ -399,10 +420,13 @@ TEST_F(FileSearchTest, ManyThreadsFindWhileAnotherChangesThePlaces) {
         ZoFileName name;
         if (search().find(L"a.txt", name) != 0 || search().find(L"none", name) == 0) ++wrong;
       }
+      ++done;
     });
-  for (int i = 0; i < 50; ++i) {
+  for (int i = 0; i < 50 || done < 4; ++i) {
     EXPECT_EQ(search().addPath(ZoFileName(q), L"q", i % 3), 0);
     search().poolRelease(L"q");
+    i % 2 ? put(L"p\\c.txt") : static_cast<void>(std::filesystem::remove(path(L"p\\c.txt")));
+    if (search().refresh() != 0) ++wrong;
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(wrong, 0);

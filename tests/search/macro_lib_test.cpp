@@ -8,7 +8,9 @@
 #include <zo/text/containers/array.h>
 #include <zo/text/string.h>
 
+#include <atomic>
 #include <string>
+#include <thread>
 
 #include "support/printers.h"
 #include "support/registry_base.h"
@@ -152,6 +154,25 @@ TEST_F(MacroLib, NeedsNoMoreThanGetMacroToExpand) {
   EXPECT_EQ(expanded(L"$d'y"), L"-");
   EXPECT_EQ(macros().setMacro(L"a", L"b", L"m"), ZoResult::refused);
   delete &macros();
+}
+
+TEST_F(MacroLib, IsReadWhileAnotherThreadChangesIt) {
+  ASSERT_EQ(macros().setMacro(L"stays", L"E:\\s", L"s"), 0);
+  std::atomic<bool> ends = false;
+  std::thread changer([&] {
+    for (int i = 0; !ends; ++i) {
+      EXPECT_EQ(macros().setMacro(L"goes", i % 2 ? L"E:\\1" : L"E:\\2", L"g"), 0);
+      macros().poolRelease(L"g");
+    }
+  });
+  for (int i = 0; i < 2000; ++i) {
+    ZoArray<ZoString> names;
+    EXPECT_EQ(macros().getMacros(names), 0);
+    EXPECT_EQ(names.entries() - names.contains(L"goes"), 1U);
+    EXPECT_EQ(value(L"stays"), L"E:\\s");
+  }
+  ends = true;
+  changer.join();
 }
 
 }  // namespace

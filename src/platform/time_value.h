@@ -1,4 +1,4 @@
-// The platform's file times as libraries store them: counts of 100 ns since 1601.
+// The platform's file times as numbers: counts of 100 ns since 1601.
 #pragma once
 
 #include <windows.h>
