@@ -1,10 +1,10 @@
 // class_graph CLASSES.csv FOLDER: the pictures of the reference. Draws the classes of each family
 // with what they derive from and, dotted, what else of the family they speak of, into
 // FOLDER/family_NAME.dot. pages.py says what the table holds.
-#include <zo/files.h>
+#include <zo/attach/life_cycle.h>
+#include <zo/files/text_file.h>
 #include <zo/graph.h>
-#include <zo/parse.h>
-#include <zo/system.h>
+#include <zo/parse/csv_reader.h>
 #include <zo/text/split_views.h>
 
 #include <iostream>
