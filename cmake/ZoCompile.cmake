@@ -1,11 +1,18 @@
-# How every target of this project is compiled. Flags are set per target and never reach a user of the package.
+# How every target of this project is compiled. Flags never reach a user of the package.
+
+# Visual C++ keeps symbols apart from programs, so every configuration has them; /DEBUG alone would keep what nobody calls.
+if(MSVC)
+  set(CMAKE_MSVC_DEBUG_INFORMATION_FORMAT Embedded)
+  add_link_options(/DEBUG $<$<NOT:$<CONFIG:Debug>>:/OPT:REF,ICF>)
+endif()
 
 # Warnings as errors for our own code.
 function(zo_compile_options target)
   if(MSVC)
     # 4251, 4275: members and base classes of exported classes are not exported, since DLL and clients share the C++
     # runtime. 4996: the C runtime would have its own replacements for standard functions.
-    target_compile_options(${target} PRIVATE /W4 /WX /wd4251 /wd4275 /wd4996 /utf-8 /permissive- /Zc:__cplusplus)
+    target_compile_options(${target} PRIVATE /W4 /WX /wd4251 /wd4275 /wd4996 /utf-8 /permissive- /Zc:__cplusplus
+                                             /bigobj)
   else()
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wcast-qual
                            "$<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor;-Woverloaded-virtual;-Wextra-semi>")
@@ -69,23 +76,37 @@ function(zo_version_resource target description)
   get_target_property(type ${target} TYPE)
   set(zo_file_type VFT_APP)
   set(zo_file_name ${target}.exe)
+  set(zo_debug_file_name ${zo_file_name})
   if(type STREQUAL SHARED_LIBRARY)
     set(zo_file_type VFT_DLL)
     set(zo_file_name ${target}.dll)
+    set(zo_debug_file_name ${target}d.dll)
   endif()
   configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${PROJECT_BINARY_DIR}/generated/${target}.rc @ONLY)
   target_sources(${target} PRIVATE ${PROJECT_BINARY_DIR}/generated/${target}.rc)
+  set_source_files_properties(${PROJECT_BINARY_DIR}/generated/${target}.rc PROPERTIES
+                              COMPILE_DEFINITIONS $<$<CONFIG:Debug>:ZO_DEBUG_NAMES>)
 endfunction()
 
-# zo_host_headers(TARGET HEADER...): header-only packages of the building machine. Their folder is linked into the
-# build tree, because the folder above it holds the machine's own C library headers, which must stay out.
+# zo_host_headers(TARGET HEADER...): header-only packages of the building machine, from where CMAKE_PREFIX_PATH or a
+# package manager's toolchain file leads, or from the folder that ZO_PACKAGE_INCLUDE_DIR names (ZO_CLI_INCLUDE_DIR for
+# CLI/CLI.hpp). Debian's folder of headers also holds those of the machine's own C library, which must stay out: of it a
+# link is taken to the package alone.
 function(zo_host_headers target)
   foreach(header ${ARGN})
-    cmake_path(GET header PARENT_PATH folder)
-    find_path(found_${folder} ${header} NO_CACHE REQUIRED NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include
-              PATH_SUFFIXES eigen3)
-    file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/host-headers)
-    file(CREATE_LINK ${found_${folder}}/${folder} ${CMAKE_BINARY_DIR}/host-headers/${folder} SYMBOLIC COPY_ON_ERROR)
+    cmake_path(GET header PARENT_PATH package)
+    string(TOUPPER ZO_${package}_INCLUDE_DIR variable)
+    find_path(${variable} ${header} NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include PATH_SUFFIXES eigen3
+              DOC "The folder that holds ${header}")
+    set(folder "${${variable}}")
+    if(NOT EXISTS ${folder}/${header})
+      message(FATAL_ERROR "${header} is missing: install it, and let CMAKE_PREFIX_PATH or ${variable} say where")
+    endif()
+    if(folder MATCHES "^/usr/")
+      file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/host-headers)
+      file(CREATE_LINK ${folder}/${package} ${CMAKE_BINARY_DIR}/host-headers/${package} SYMBOLIC)
+      set(folder ${CMAKE_BINARY_DIR}/host-headers)
+    endif()
+    target_include_directories(${target} SYSTEM PRIVATE ${folder})
   endforeach()
-  target_include_directories(${target} SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/host-headers)
 endfunction()

@@ -1,18 +1,23 @@
 # A client's view: the package is installed, found with find_package(ZoCom), built against and run, with and without
-# optimisation.
+# optimisation. With several configurations in one tree, each installs its DLL into the same package, for its clients.
 set(package ${PROJECT_BINARY_DIR}/package)
-add_test(NAME package.Install COMMAND ${CMAKE_COMMAND} --install ${PROJECT_BINARY_DIR} --prefix ${package})
+add_test(NAME package.Install
+         COMMAND ${CMAKE_COMMAND} --install ${PROJECT_BINARY_DIR} --config $<CONFIG> --prefix ${package})
 set_tests_properties(package.Install PROPERTIES FIXTURES_SETUP package)
 
 function(zo_client_test name folder)
   foreach(type Release Debug)
-    add_test(NAME package.${name}.${type}
-             COMMAND ${CMAKE_CTEST_COMMAND} --build-and-test ${folder} ${CMAKE_CURRENT_BINARY_DIR}/${name}-${type}
+    set(only)
+    if(zo_multi_config)
+      set(only CONFIGURATIONS ${type})
+    endif()
+    add_test(NAME package.${name}.${type} ${only}
+             COMMAND ${CMAKE_CTEST_COMMAND} -C ${type} --build-and-test ${folder} ${CMAKE_CURRENT_BINARY_DIR}/${name}-${type}
                      --build-generator ${CMAKE_GENERATOR} --build-noclean
                      --build-options -DCMAKE_PREFIX_PATH=${package} -DCMAKE_BUILD_TYPE=${type}
                                      -DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE}
                                      -DCMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER} ${ARGN}
-                     --test-command ${CMAKE_CTEST_COMMAND} --output-on-failure --no-tests=error)
+                     --test-command ${CMAKE_CTEST_COMMAND} -C ${type} --output-on-failure --no-tests=error)
     set_tests_properties(package.${name}.${type} PROPERTIES FIXTURES_REQUIRED package TIMEOUT 600)
   endforeach()
 endfunction()
@@ -47,7 +52,9 @@ if(NOT port_version VERSION_EQUAL PROJECT_VERSION)
   message(FATAL_ERROR "ports/zo-com/vcpkg.json has another version: ${port_version}")
 endif()
 
-# Taken in by add_subdirectory: what tests/subproject asks is answered when it is configured.
+# Taken in by add_subdirectory: what tests/subproject asks is answered when it is configured, here for two configurations
+# in one tree, as Visual Studio has them.
+string(REGEX REPLACE "^Ninja$" "Ninja Multi-Config" subproject_generator ${CMAKE_GENERATOR})
 add_test(NAME package.SubprojectTakesNoTestsOfOurs
          COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_SOURCE_DIR}/subproject -B ${CMAKE_CURRENT_BINARY_DIR}/subproject
-                 -G ${CMAKE_GENERATOR} -DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE} -DZO_DEPS_DIR=${ZO_DEPS_DIR})
+                 -G "${subproject_generator}" -DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE} -DZO_DEPS_DIR=${ZO_DEPS_DIR})

@@ -6,7 +6,12 @@ if(ZO_CLANG AND ZO_PYTHON AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   add_test(NAME second_compiler.ClangTakesEverySourceWithoutAWarning
            COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/second_compiler.py ${ZO_CLANG} ${PROJECT_BINARY_DIR}
                    ${PROJECT_SOURCE_DIR})
-  set_tests_properties(second_compiler.ClangTakesEverySourceWithoutAWarning PROPERTIES TIMEOUT 1500 PROCESSORS 2)
+  add_test(NAME second_compiler.ClangTakesEverySourceUnderVisualCppsRules
+           COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/second_compiler.py ${ZO_CLANG} ${PROJECT_BINARY_DIR}
+                   ${PROJECT_SOURCE_DIR} ${CMAKE_CXX_COMPILER})
+  foreach(name WithoutAWarning UnderVisualCppsRules)
+    set_tests_properties(second_compiler.ClangTakesEverySource${name} PROPERTIES TIMEOUT 1500 PROCESSORS 2)
+  endforeach()
   add_test(NAME second_compiler.SlotsAreTheSameUnderVisualCppsRules
            COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/slots/check.py ${ZO_CLANG} ${CMAKE_CXX_COMPILER}
                    ${CMAKE_CURRENT_SOURCE_DIR}/slots/classes.cpp ${PROJECT_SOURCE_DIR}/include
@@ -23,6 +28,18 @@ if(ZO_CLANG AND ZO_PYTHON AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
                      ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src/platform/cpp_runtime.cpp
                      ${CMAKE_CURRENT_BINARY_DIR}/runtimes)
   endif()
+
+  # Configured as for Visual C++, with several configurations in one tree; the tests of clients are there, too.
+  set(visual_cpp ${CMAKE_CURRENT_BINARY_DIR}/visual_cpp)
+  add_test(NAME second_compiler.ConfiguresForVisualCpp
+           COMMAND ${CMAKE_COMMAND} -S ${PROJECT_SOURCE_DIR} -B ${visual_cpp} -G "Ninja Multi-Config"
+                   -DCMAKE_TOOLCHAIN_FILE=${CMAKE_CURRENT_SOURCE_DIR}/visual_cpp.cmake -DZO_CLANG=${ZO_CLANG}
+                   -DZO_DEPS_DIR=${ZO_DEPS_DIR})
+  add_test(NAME second_compiler.TestsHeadersAndClientsWithVisualCpp
+           COMMAND ${CMAKE_CTEST_COMMAND} --test-dir ${visual_cpp} -N -C Debug)
+  set_tests_properties(second_compiler.ConfiguresForVisualCpp PROPERTIES FIXTURES_SETUP visual_cpp)
+  set_tests_properties(second_compiler.TestsHeadersAndClientsWithVisualCpp PROPERTIES FIXTURES_REQUIRED visual_cpp
+                       PASS_REGULAR_EXPRESSION "headers.EachCompiles.*package.Install.*package.Consumer.*Debug")
 else()
   message(STATUS "No second compiler is tried: clang++-19 is missing (scripts/setup test)")
 endif()

@@ -74,7 +74,7 @@ void filesAndPrograms() {
   expect(ZoSystem::sysInfo().folder(ZoSysInfo::kProgram, folder) == 0, "where we lie");
   ZoFileName found;
   expect(ZoSystem::fileSearch().addPath(ZoFileName(folder), L"client") == 0, "a search path");
-  expect(ZoSystem::fileSearch().find(ZoFileName(L"zo_com.dll"), found) == 0, "a file is found");
+  expect(ZoSystem::fileSearch().find(ZoFileName(L"client.exe"), found) == 0, "a file is found");
 
   const ZoFileName absent(L"C:\\there is no such program.exe");
   expect(ZoSystem::execute().shell(absent, nullptr, 1) == ZoExecute::kFileNotFound,

@@ -22,8 +22,8 @@ static_assert(sizeof(void*) == 8, "zo_com is a 64-bit library");
 #define ZO_OVERLOADS_BACKWARDS
 #endif
 
-// The DLL shares the C++ runtime with its clients. Visual C++ has several, which do not mix: a
-// client of another one does not compile, or does not link for want of a name that says why.
+// The DLL shares the C++ runtime with its clients. Visual C++ has several that do not mix: a client
+// of another one does not compile, or does not link for want of a name that says why.
 #if defined(_MSC_VER) && !defined(ZO_COM_STATIC)
 #if !defined(_DLL)
 #error "zo_com shares the C++ runtime with its clients: use /MD, or /MDd with a Debug zo_com"

@@ -18,6 +18,8 @@ vcpkg_cmake_configure(SOURCE_PATH "${SOURCE_PATH}"
 vcpkg_cmake_install()
 vcpkg_cmake_config_fixup(PACKAGE_NAME ZoCom CONFIG_PATH lib/cmake/ZoCom)
 vcpkg_copy_pdbs()
-vcpkg_copy_tools(TOOL_NAMES zolib zomsg AUTO_CLEAN)
+vcpkg_copy_tools(TOOL_NAMES zolib zomsg zoval AUTO_CLEAN)
+# Beside the DLL that was copied with the tools, which looks for them there.
+file(COPY "${CURRENT_PACKAGES_DIR}/share/zo_com/messages" DESTINATION "${CURRENT_PACKAGES_DIR}/tools/${PORT}")
 file(REMOVE_RECURSE "${CURRENT_PACKAGES_DIR}/debug/include" "${CURRENT_PACKAGES_DIR}/debug/share")
 vcpkg_install_copyright(FILE_LIST "${SOURCE_PATH}/NOTICE.md")

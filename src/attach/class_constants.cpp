@@ -57,6 +57,7 @@ const void* const kClassConstants[] = {
     &ZoVHash::kDefaultLoadFactor,
     &ZoVHashTable::kLongChain,
     &ZoVariant::kMaxDepth,
+    &ZoXMLClass::kMaxAttributes,
     &ZoXMLClass::kMaxBytes,
     &ZoXMLClass::kMaxDepth,
     &ZoZIPStreambuf::endOfFile,

@@ -1,6 +1,6 @@
 # Writes class_constants.cpp: a test that takes the address of each public constant of each exported class. An
 # unoptimised client needs a place in the DLL for it; one that has none shows as an undefined symbol. (A constant stands
-# in one line; what goes on in the next is a template.)
+# in one line; what goes on in the next is a template, and so is what is true of types.)
 set(source "// Made from the package's headers.\n#include <gtest/gtest.h>\n#include <zo_com.h>\n\n")
 string(APPEND source "TEST(Consumer, ConstantsOfClassesHaveAPlaceInTheDll) {\n  const void* const places[] = {\n")
 file(GLOB_RECURSE headers ${ZoCom_BIN_DIR}/../include/zo/*.h)
@@ -13,7 +13,7 @@ foreach(header ${headers})
       string(COMPARE EQUAL "${CMAKE_MATCH_1}" struct is_public)
     elseif(line MATCHES "^ (public|protected|private):")
       string(COMPARE EQUAL ${CMAKE_MATCH_1} public is_public)
-    elseif(class AND is_public)
+    elseif(class AND is_public AND NOT line MATCHES "= requires")
       string(REGEX MATCHALL "[A-Za-z0-9_]+ =" names "${line}")
       list(TRANSFORM names REPLACE "(.*) =" "      &${class}::\\1,\n")
       string(APPEND source ${names})

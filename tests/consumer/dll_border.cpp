@@ -5,24 +5,32 @@
 #include <zo_com.h>
 
 #include <sstream>
+#include <string>
 #include <thread>
 #include <unordered_set>
 #include <vector>
 
 namespace {
 
-TEST(Consumer, TheDllIsTheVersionOfItsHeadersAndItsResourceSaysSo) {
-  EXPECT_STREQ(zoComVersion(), ZO_COM_VERSION);
+// The version that the platform shows of a file of the package.
+DWORDLONG shownVersion(const std::string& file) {
   DWORD ignored = 0;
-  std::vector<char> info(GetFileVersionInfoSizeW(L"zo_com.dll", &ignored));
-  ASSERT_FALSE(info.empty());
-  ASSERT_TRUE(GetFileVersionInfoW(L"zo_com.dll", 0, static_cast<DWORD>(info.size()), info.data()));
+  std::vector<char> info(GetFileVersionInfoSizeA(file.c_str(), &ignored));
   VS_FIXEDFILEINFO* fixed = nullptr;
   UINT size = 0;
-  ASSERT_TRUE(VerQueryValueW(info.data(), L"\\", reinterpret_cast<void**>(&fixed), &size));
-  EXPECT_EQ(HIWORD(fixed->dwFileVersionMS), ZO_COM_VERSION_MAJOR);
-  EXPECT_EQ(LOWORD(fixed->dwFileVersionMS), ZO_COM_VERSION_MINOR);
-  EXPECT_EQ(HIWORD(fixed->dwFileVersionLS), ZO_COM_VERSION_PATCH);
+  if (info.empty() ||
+      !GetFileVersionInfoA(file.c_str(), 0, static_cast<DWORD>(info.size()), info.data()) ||
+      !VerQueryValueW(info.data(), L"\\", reinterpret_cast<void**>(&fixed), &size))
+    return 0;
+  return DWORDLONG{fixed->dwFileVersionMS} << 32 | fixed->dwFileVersionLS;
+}
+
+TEST(Consumer, TheDllIsTheVersionOfItsHeadersAndAllProgramsSaySo) {
+  EXPECT_STREQ(zoComVersion(), ZO_COM_VERSION);
+  constexpr DWORDLONG version = DWORDLONG{ZO_COM_VERSION_MAJOR} << 48 |
+                                DWORDLONG{ZO_COM_VERSION_MINOR} << 32 | ZO_COM_VERSION_PATCH << 16;
+  for (const char* const file : {ZO_DLL, "zolib.exe", "zomsg.exe", "zoval.exe"})
+    EXPECT_EQ(shownVersion(ZO_PACKAGED "/" + std::string(file)), version) << file;
 }
 
 TEST(Consumer, StringsCrossTheBorderWithTheirStorageStreamsAndMemory) {

@@ -5,28 +5,20 @@ they are declared, Visual C++ does so backwards. Clang knows both rules and show
 usage: check.py CLANG GCC SOURCE INCLUDE-FOLDER...
 """
 import itertools
+import pathlib
 import re
 import subprocess
 import sys
 
-GNU, VISUAL = "x86_64-w64-windows-gnu", "x86_64-pc-windows-msvc"
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1]))
+import visual_cpp  # noqa: E402
+
+GNU = "x86_64-w64-windows-gnu"
 
 
-def system_folders(gcc):
-    """The folders of GCC's library and platform headers, without those of its own built-in functions."""
-    words = subprocess.run([gcc, "-E", "-v", "-x", "c++", "/dev/null"], capture_output=True, text=True).stderr
-    folders = re.search(r"#include <.*\n((?: .*\n)+)", words)[1].split()
-    return [folder for folder in folders if not re.search(r"-posix/include(-fixed)?$", folder)]
-
-
-def tables(clang, target, folders, source):
+def tables(clang, target, options, source):
     """What clang prints of the tables, in the order of slots: {table: [function]}, without destructors."""
-    own = subprocess.run([clang, "-print-resource-dir"], capture_output=True, text=True).stdout.strip() + "/include"
-    command = [clang, f"--target={target}", "-std=c++20", "-nostdinc", "-fno-ms-compatibility", "-fno-ms-extensions"]
-    for folder in [own, *folders]:
-        command += ["-isystem", folder]
-    if target == VISUAL:  # the platform's headers ask for the macros of their own compiler
-        command += ["-fdeclspec", "-D__MINGW32__", "-D__MINGW64__", "-D_WIN64", "-DZO_OVERLOADS_BACKWARDS", "-D__declspec(a)=__attribute__((a))"]
+    command = [clang, f"--target={target}", "-std=c++20", *options]
     command += ["-Xclang", "-fdump-vtable-layouts", "-S", "-emit-llvm", "-o", "/dev/null", source]
     run = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
     if run.returncode:
@@ -48,8 +40,9 @@ def tables(clang, target, folders, source):
 
 def main():
     clang, gcc, source, *ours = sys.argv[1:]
-    folders = ours + system_folders(gcc)
-    gnu, visual = (tables(clang, target, folders, source) for target in (GNU, VISUAL))
+    options = [f"-I{folder}" for folder in ours] + visual_cpp.library_options(clang, gcc)
+    gnu = tables(clang, GNU, options, source)
+    visual = tables(clang, visual_cpp.TARGET, options + visual_cpp.RULES, source)
     compared = 0
     wrong = []
     names = sorted(name for name in gnu.keys() & visual.keys() if name.startswith("Zo"))
