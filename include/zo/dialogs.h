@@ -10,4 +10,5 @@
 #include <zo/dialogs/message_box.h>
 #include <zo/dialogs/print_dialog.h>
 #include <zo/dialogs/task_dialog.h>
+#include <zo/dialogs/variant_dialog.h>
 #include <zo/dialogs/variant_edits.h>

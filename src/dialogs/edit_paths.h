@@ -32,12 +32,27 @@ namespace zo {
   return pathOf(outer, std::to_wstring(position), false);
 }
 
+[[nodiscard]] inline std::wstring_view outerOf(std::wstring_view path) noexcept {
+  const size_t slash = path.rfind(L'/');
+  return path.substr(0, slash == std::wstring_view::npos ? 0 : slash);
+}
+[[nodiscard]] inline std::wstring_view lastStepOf(std::wstring_view path) noexcept {
+  return path.substr(path.rfind(L'/') + 1);  // npos + 1 is 0
+}
+
+// A step as users see it: the key, or the position in brackets.
+[[nodiscard]] inline ZoString stepName(const ZoVariant& container, std::wstring_view step) {
+  ZoString name(step);
+  if (container.asSequence()) return L"[" + name + L"]";
+  name.replaceAll(L"~1", L"/");
+  name.replaceAll(L"~0", L"~");
+  return name;
+}
+
 // The last step of a path that leads somewhere: the container, and the element's key as it is
 // written there, or its position.
 struct LastStep {
-  LastStep(const ZoVariant& root, std::wstring_view path) {
-    const size_t slash = path.rfind(L'/');
-    if (slash != std::wstring_view::npos) outer = path.substr(0, slash);
+  LastStep(const ZoVariant& root, std::wstring_view path) : outer(outerOf(path)) {
     const ZoVariant* const element = root.find(path);
     for (const auto [name, at, value] : container(root).elements()) {
       if (&value != element) continue;

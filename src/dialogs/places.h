@@ -3,6 +3,7 @@
 #pragma once
 
 #include <zo/names/file_name.h>
+#include <zo/platform_types.h>
 #include <zo/text/string.h>
 
 #include <string>
@@ -14,6 +15,10 @@ namespace zo {
 // An empty name where none is kept, or the folder is gone.
 [[nodiscard]] ZoFileName keptFolder(const ZoString& key);
 void keepFolder(const ZoString& key, const ZoFileName& folder);
+
+// A window's place and size. What is kept is taken only where a screen shows it.
+void keepPlace(const ZoString& key, HWND__* window);
+void restorePlace(const ZoString& key, HWND__* window);
 
 // The full path of a folder that is there, without a delimiter at its end but for a root; else
 // empty.

@@ -10,6 +10,7 @@
 #include <ostream>
 
 #include "dialogs/dialog_fixture.h"
+#include "dialogs/editor_user.h"
 
 namespace {
 
@@ -36,6 +37,8 @@ std::wstring valueOf(ZoDialog& dialog) {
            std::to_wstring(font->font().weight);
   if (auto* const print = dynamic_cast<ZoPrintDialog*>(&dialog))
     return std::to_wstring(print->copies()) + L" from " + std::to_wstring(print->fromPage());
+  if (auto* const variant = dynamic_cast<ZoVariantDialog*>(&dialog))
+    return variant->value().text(L"length").data();
   auto& page = dynamic_cast<ZoPageSetupDialog&>(dialog);
   return number(page.width().asReal()) + L"x" + number(page.height().asReal()) + L" left " +
          number(page.margins().left.asReal());
@@ -85,6 +88,20 @@ ZoString installedFace() {
   EnumFontFamiliesExW(screen, &any, takeScalable, reinterpret_cast<LPARAM>(&face), 0);
   ReleaseDC(nullptr, screen);
   return face;
+}
+
+ZoVariant part() {
+  ZoVariant part(ZoVariant::kDict, ZoTypeCode::Part);
+  const std::pair<const wchar_t*, ZoVariant> values[] = {
+      {L"coating", ZoVariant(L"zinc", ZoTypeCode::String, ZoFlagParameter)},
+      {L"holes", ZoVariant(ZoVariant::kSequence)},
+      {L"holes/0", ZoVariant(ZoPoint(1, 2, 3))},
+      {L"length", ZoVariant(12.0, ZoTypeCode::Length)},
+      {L"mass", ZoVariant(0.5, ZoTypeCode::Mass, ZoFlagConstant)},
+      {L"supplier/name", ZoVariant(L"Bolts & Co")},
+  };
+  for (const auto& [path, value] : values) EXPECT_EQ(part.put(path, value), 0);
+  return part;
 }
 
 const Case kCases[] = {
@@ -163,6 +180,14 @@ const Case kCases[] = {
        DialogUser::type(dialog, kLeft, L"30");
      },
      IDOK, L"279.4x215.9 left 25", L"279.4x215.9 left 30"},
+    {"variant", [](auto&) { return make<ZoVariantDialog>(part()); },
+     [](HWND dialog) {
+       const zo::test::EditorUser user(dialog);
+       user.select(L"length");
+       user.command(zo::kEditorEdit);
+       user.type(zo::kEditorField, L"2 in");
+     },
+     IDOK, L"12", L"50.8"},
 };
 
 class EveryDialog : public zo::test::DialogTest, public testing::WithParamInterface<Case> {

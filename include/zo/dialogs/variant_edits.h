@@ -1,5 +1,5 @@
-// Edits of a variant, as a user makes them one after the other: what an editor's window stands on,
-// and what a program may use without one.
+// Edits of a variant, as a user makes them one after the other: what the editor's window
+// (ZoVariantDialog) stands on, and what a program may use without one.
 //
 //   ZoVariantEdits edits(part);
 //   if (edits.setText(L"bolts/0/length", L"2 in") == 0) edits.undo();

@@ -1,0 +1,48 @@
+// Editing a variant in a window: the tree of its containers, and a list of what the chosen one
+// holds, with name, type, value and flags.
+//
+//   ZoVariantDialog dialog(part);
+//   if (dialog.show() == 0) part = dialog.value();
+//
+// Values are typed as the units service reads them ("2 in" into a length); what is not to be edited
+// and what is not shown is said at ZoVariantEdits, which the window stands on. Each edit can be
+// undone. Keys and commands: docs/dialogs.md.
+//
+// Errors:  as ZoDialog has it. Cancel, Escape and closing the window ask first when something was
+//          changed. Without memory for an edit the window says so and goes on.
+// Cost:    opening takes a copy of the value, and what one container shows; branches are filled as
+//          they are opened.
+#pragma once
+
+#include <zo/dialogs/dialog.h>
+#include <zo/variant/variant.h>
+
+#include <optional>
+
+class ZO_COM_API ZoVariantDialog : public ZoDialog {
+ public:
+  explicit ZoVariantDialog(ZoVariant value = {}) : value_(std::move(value)) {}
+
+  // What is edited; afterwards what was taken.
+  void setValue(ZoVariant value) { value_ = std::move(value); }
+  [[nodiscard]] const ZoVariant& value() const noexcept { return value_; }
+
+  // Only to look at: there is no OK, and show() gives cancelled.
+  void setReadOnly(bool readOnly) noexcept { readOnly_ = readOnly; }
+  [[nodiscard]] bool isReadOnly() const noexcept { return readOnly_; }
+  // The user may leave out what does not differ from this one, and sees its values beside.
+  void compareWith(ZoVariant other) { other_ = std::move(other); }
+
+  // Keeps place and size of the window in the setting "dialogs@KEY@place"; an empty key keeps
+  // nothing. "variant" unless set.
+  void remember(ZoString key) { key_ = std::move(key); }
+
+ protected:
+  int run(HWND__* owner) override;
+
+ private:
+  ZoVariant value_;
+  std::optional<ZoVariant> other_;
+  ZoString key_{L"variant"};
+  bool readOnly_ = false;
+};

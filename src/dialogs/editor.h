@@ -1,0 +1,120 @@
+// The window in which a user edits a variant: tree and list over ZoVariantEdits, a field over the
+// list's cells, commands by button, menu and key.
+#pragma once
+
+#include <windows.h>
+
+#include <zo/dialogs/variant_edits.h>
+
+#include <optional>
+#include <vector>
+
+#include "dialogs/dialog_texts.h"
+#include "dialogs/editor_differences.h"
+#include "dialogs/editor_field.h"
+#include "dialogs/editor_rows.h"
+#include "dialogs/editor_tree.h"
+#include "platform/modal_dialog.h"
+
+namespace zo {
+
+// Its controls and commands; the numbers hold for users of the window in tests and scripts.
+enum EditorControl : int {
+  kEditorTree = 100,
+  kEditorList,
+  kEditorField,
+  kEditorFindLabel,
+  kEditorFind,
+  kEditorOnlyDifferences,
+  kEditorStatus,
+
+  kEditorEdit = 200,  // or opens a container
+  kEditorRename,
+  kEditorAdd,
+  kEditorRemove,
+  kEditorProperties,
+  kEditorUp,
+  kEditorDown,
+  kEditorUndo,
+  kEditorRedo,
+  kEditorFocusFind,
+  kEditorFindNext,
+  kEditorFindPrevious,
+  kEditorOuter,  // shows the container around
+};
+
+class Editor final : public ModalDialog {
+ public:
+  struct Request {
+    ZoVariant value;
+    const ZoVariant* other = nullptr;  // to compare with
+    bool isReadOnly = false;
+    ZoString title;
+    ZoString key;  // of the settings in which it keeps its place
+  };
+  explicit Editor(Request request);
+
+  [[nodiscard]] int show(HWND owner);
+  [[nodiscard]] const ZoVariant& value() const noexcept { return edits_.value(); }
+
+ private:
+  HWND onStart() override;
+  void onCommand(int id, int notice) override;
+  LRESULT onNotice(NMHDR& notice) override;
+  bool onMessage(UINT message, WPARAM w, LPARAM l) override;
+  bool onKey(const MSG& message) override;
+  bool survives() noexcept override;
+
+  // What is shown: editor.cpp.
+  void makeColumns();
+  void layout();
+  void limitSize(MINMAXINFO& limits) const;
+  LRESULT onListNotice(NMHDR& notice);
+  void onMenu(POINT at);
+  void open(const ZoString& container);
+  void reload();
+  void select(int index);
+  void reveal(const ZoString& path);
+  void say(const ZoString& text);
+  void say(DialogText text) { say(ZoString(dialogText(text))); }
+  void sayPath();
+  void enableCommands();
+  [[nodiscard]] int selected() const noexcept;
+
+  // What the user does: editor_commands.cpp.
+  void perform(int command);
+  [[nodiscard]] const EditorRows::Row* target();
+  void edit();
+  void rename();
+  void add();
+  void remove();
+  void showProperties();
+  void move(int by);
+  void travel(int (ZoVariantEdits::*way)());
+  void find(int by);
+  void compare(bool isOn);
+  void cancel();
+  // Takes what is typed in the open field. False when it is refused, and the field stays.
+  [[nodiscard]] bool finish();
+  [[nodiscard]] ZoString reasonOf(const EditorField& field) const;
+  void openField(EditorField::What what, const ZoString& path);
+  [[nodiscard]] ZoString takeNew(const ZoString& name, ZoVariant value);
+  // What is shown follows an edit.
+  enum What { kOneValue, kManyValues };
+  void follow(What what);
+
+  ZoVariantEdits edits_;
+  const ZoVariant* other_;
+  ZoString title_, key_;
+  std::optional<EditorDifferences> differences_;  // while only these are shown
+  EditorTree tree_;
+  EditorRows rows_;
+  EditorField field_;
+  ZoString chosen_;  // the container in the list
+  HWND list_ = nullptr;
+  std::vector<ZoString> matches_;  // of the last search
+  ZoString pattern_;
+  size_t match_ = 0;
+};
+
+}  // namespace zo

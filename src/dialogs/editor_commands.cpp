@@ -1,0 +1,359 @@
+// What a user of the editor does.
+#include <zo/dialogs/message_box.h>
+#include <zo/parse/reg_exp.h>
+#include <zo/results.h>
+
+#include <string>
+
+#include "dialogs/edit_paths.h"
+#include "dialogs/editor.h"
+#include "dialogs/editor_element.h"
+
+namespace {
+
+using zo::dialogText;
+using enum zo::DialogText;
+
+enum Modifier : unsigned int { kPlain = 0, kShift = 1, kControl = 2, kAlt = 4 };
+
+struct Key {
+  WPARAM key;
+  unsigned int modifiers;
+  zo::EditorControl command;
+  bool isForTexts = false;  // also while a text is typed
+};
+constexpr Key kKeys[] = {
+    {VK_F2, kPlain, zo::kEditorRename},
+    {VK_INSERT, kPlain, zo::kEditorAdd},
+    {VK_DELETE, kPlain, zo::kEditorRemove},
+    {VK_RETURN, kAlt, zo::kEditorProperties},
+    {VK_UP, kAlt, zo::kEditorUp},
+    {VK_DOWN, kAlt, zo::kEditorDown},
+    {VK_BACK, kPlain, zo::kEditorOuter},
+    {'Z', kControl, zo::kEditorUndo},
+    {'Y', kControl, zo::kEditorRedo},
+    {'F', kControl, zo::kEditorFocusFind, true},
+    {VK_F3, kPlain, zo::kEditorFindNext, true},
+    {VK_F3, kShift, zo::kEditorFindPrevious, true},
+};
+
+unsigned int pressedModifiers() noexcept {
+  const auto isDown = [](int key) { return GetKeyState(key) < 0; };
+  return (isDown(VK_SHIFT) ? kShift : 0U) | (isDown(VK_CONTROL) ? kControl : 0U) |
+         (isDown(VK_MENU) ? kAlt : 0U);
+}
+
+bool isContainer(const ZoVariant& value) noexcept { return value.asDict() || value.asSequence(); }
+
+}  // namespace
+
+// Enter and Escape do in field, list, tree and search what one expects there, and not what the
+// dialog's buttons do.
+bool zo::Editor::onKey(const MSG& message) {
+  const unsigned int modifiers = pressedModifiers();
+  const bool isInField = message.hwnd == field_.control();
+  const bool isTyped = isInField || message.hwnd == item(kEditorFind);
+  if (message.wParam == VK_ESCAPE && isInField) {
+    field_.close();
+    SetFocus(list_);
+    sayPath();
+    return true;
+  }
+  if (message.wParam == VK_RETURN && modifiers == kPlain) {
+    if (isInField) return static_cast<void>(finish()), true;
+    if (message.hwnd == list_) return perform(kEditorEdit), true;
+    if (message.hwnd == tree_.control()) return tree_.toggle(), true;
+    if (isTyped) return perform(kEditorFindNext), true;
+    return false;
+  }
+  for (const Key& key : kKeys) {
+    if (key.key != message.wParam || key.modifiers != modifiers) continue;
+    if (isTyped && !key.isForTexts) return false;
+    return perform(key.command), true;
+  }
+  return false;
+}
+
+void zo::Editor::onCommand(int id, int notice) {
+  if (id == kEditorField) {
+    if (notice == EN_KILLFOCUS) static_cast<void>(finish());
+    return;
+  }
+  if (id == IDCANCEL) return cancel();
+  if (id == IDOK && finish()) return end(IDOK);
+  if (id == kEditorOnlyDifferences) return compare(!differences_);
+  if (id >= kEditorEdit) perform(id);
+}
+
+void zo::Editor::perform(int command) {
+  if (!finish()) return SetFocus(field_.control()), void();
+  switch (command) {
+    case kEditorEdit:
+      return edit();
+    case kEditorRename:
+      return rename();
+    case kEditorAdd:
+      return add();
+    case kEditorRemove:
+      return remove();
+    case kEditorProperties:
+      return showProperties();
+    case kEditorUp:
+      return move(-1);
+    case kEditorDown:
+      return move(1);
+    case kEditorUndo:
+      return travel(&ZoVariantEdits::undo);
+    case kEditorRedo:
+      return travel(&ZoVariantEdits::redo);
+    case kEditorFocusFind:
+      SetFocus(item(kEditorFind));
+      SendMessageW(item(kEditorFind), EM_SETSEL, 0, -1);
+      return;
+    case kEditorFindNext:
+      return find(1);
+    case kEditorFindPrevious:
+      return find(-1);
+    case kEditorOuter:
+      if (!chosen_.isEmpty()) reveal(ZoString(chosen_));
+      return;
+    default:
+      return;
+  }
+}
+
+// The row that a command is meant for: the selected one, or where the tree has the focus that of
+// the container chosen there, which is shown first. Null where there is none, or no path leads to
+// it: in the value itself an empty key has the path of the whole.
+const zo::EditorRows::Row* zo::Editor::target() {
+  if (GetFocus() == tree_.control() && !chosen_.isEmpty()) reveal(ZoString(chosen_));
+  const EditorRows::Row* const row = rows_.at(selected());
+  if (!row || !row->value) return nullptr;
+  return row->value == edits_.value().find(row->path.view()) ? row : nullptr;
+}
+
+// ---- Values and names ----
+
+void zo::Editor::edit() {
+  const EditorRows::Row* const row = target();
+  if (!row) return;
+  if (isContainer(*row->value)) return open(ZoString(row->path));
+  if (!edits_.isEditable(row->path.view())) return showProperties();
+  openField(EditorField::kValue, row->path);
+}
+
+// What has no name is edited instead.
+void zo::Editor::rename() {
+  const EditorRows::Row* const row = target();
+  if (!row || edits_.isReadOnly()) return;
+  const ZoVariant* const container = edits_.value().find(chosen_.view());
+  if (row->path.isEmpty() || !container || !container->asDict()) return edit();
+  openField(EditorField::kName, row->path);
+}
+
+void zo::Editor::openField(EditorField::What what, const ZoString& path) {
+  const bool isName = what == EditorField::kName;
+  const int index = rows_.indexOf(path);
+  const ZoString text =
+      isName ? rows_.at(index)->name : ZoVariantEdits::textOf(*rows_.at(index)->value);
+  RECT cell{};
+  cell.top = isName ? EditorRows::kName : EditorRows::kValue;
+  cell.left = LVIR_LABEL;
+  SendMessageW(list_, LVM_ENSUREVISIBLE, static_cast<WPARAM>(index), FALSE);
+  SendMessageW(list_, LVM_GETSUBITEMRECT, static_cast<WPARAM>(index),
+               reinterpret_cast<LPARAM>(&cell));
+  RECT seen;
+  GetClientRect(list_, &seen);
+  cell.right = std::min(std::max(cell.right, cell.left + 40), seen.right);
+  MapWindowPoints(list_, window(), reinterpret_cast<POINT*>(&cell), 2);
+  if (field_.open(cell, path, what, text)) return;
+  if (isName) return say(notEditableHere);
+  showProperties();
+}
+
+bool zo::Editor::finish() {
+  if (!field_.isOpen()) return true;
+  const bool isName = field_.what() == EditorField::kName;
+  const ZoString path = field_.path(), text = field_.text();
+  const unsigned int before = edits_.undoCount();
+  int code = ZoResult::ok;
+  if (field_.isChanged())
+    code =
+        isName ? edits_.rename(path.view(), text.view()) : edits_.setText(path.view(), text.view());
+  if (code != ZoResult::ok) {
+    say(reasonOf(field_));
+    MessageBeep(MB_ICONWARNING);
+    return false;
+  }
+  const bool hadFocus = GetFocus() == field_.control();
+  field_.close();
+  if (hadFocus) SetFocus(list_);
+  if (edits_.undoCount() != before)
+    follow(isName ? kManyValues : kOneValue);
+  else
+    sayPath();
+  return true;
+}
+
+ZoString zo::Editor::reasonOf(const EditorField& field) const {
+  const ZoString text = field.text();
+  const ZoVariant* const value = edits_.value().find(field.path().view());
+  if (field.what() == EditorField::kName) {
+    if (text.isEmpty()) return ZoString(dialogText(nameNeeded));
+    const ZoVariant* const outer = edits_.value().find(outerOf(field.path().view()));
+    const bool isTaken = outer && outer->at(text.view());
+    return isTaken ? dialogText(nameTaken, {ZoVariant(text)}) : ZoString(dialogText(notEditable));
+  }
+  if (!value || !edits_.isEditable(field.path().view())) return ZoString(dialogText(notEditable));
+  return dialogText(noSuchValue, {ZoVariant(text), ZoVariant(nameOfCode(value->code()))});
+}
+
+void zo::Editor::showProperties() {
+  const bool isWhole = GetFocus() == tree_.control() && chosen_.isEmpty();
+  const EditorRows::Row* const row = isWhole ? nullptr : target();
+  if (!isWhole && !row) return;
+  const ZoString path = row ? row->path : ZoString();
+  ElementDialog::Request request;
+  request.name = row ? row->name : ZoString(dialogText(wholeValue));
+  request.value = *edits_.value().find(path.view());
+  request.isReadOnly = !edits_.isEditable(path.view());
+  const unsigned int before = edits_.undoCount();
+  ElementDialog dialog(std::move(request), [&](const ZoString&, ZoVariant value) {
+    if (value == *edits_.value().find(path.view())) return ZoString();
+    const int code = edits_.setValue(path.view(), std::move(value));
+    return code == ZoResult::ok ? ZoString() : ZoString(dialogText(notPossible));
+  });
+  static_cast<void>(dialog.show(window()));
+  if (edits_.undoCount() != before) follow(kManyValues);
+}
+
+// ---- Elements ----
+
+void zo::Editor::add() {
+  if (edits_.isReadOnly()) return;
+  const ZoVariant* const container = edits_.value().find(chosen_.view());
+  const EditorRows::Row* const row = rows_.at(selected());
+  const bool isLike = row && row->value && !isContainer(*row->value) && !row->value->isEmpty() &&
+                      !row->value->isTypeOf(ZoVariant::kPointer);
+  ElementDialog::Request request;
+  request.isNamed = !container->asSequence();
+  request.isNew = true;
+  request.value =
+      isLike ? ZoVariant(row->value->type(), row->value->code()) : ZoVariant(ZoVariant::kString);
+  const unsigned int before = edits_.undoCount();
+  ElementDialog dialog(std::move(request), [this](const ZoString& name, ZoVariant value) {
+    return takeNew(name, std::move(value));
+  });
+  static_cast<void>(dialog.show(window()));
+  if (edits_.undoCount() != before) follow(kManyValues);
+}
+
+// Into a sequence behind the selected element.
+ZoString zo::Editor::takeNew(const ZoString& name, ZoVariant value) {
+  const ZoVariant& container = *edits_.value().find(chosen_.view());
+  if (container.asSequence()) {
+    const EditorRows::Row* const row = rows_.at(selected());
+    const unsigned int position = row && row->value
+                                      ? std::stoul(std::wstring(lastStepOf(row->path.view()))) + 1
+                                      : container.entries();
+    const int code = edits_.insert(chosen_.view(), position, std::move(value));
+    return code == ZoResult::ok ? ZoString() : ZoString(dialogText(notPossible));
+  }
+  if (name.isEmpty()) return ZoString(dialogText(nameNeeded));
+  if (container.at(name.view())) return dialogText(nameTaken, {ZoVariant(name)});
+  const int code = edits_.add(chosen_.view(), name.view(), std::move(value));
+  return code == ZoResult::ok ? ZoString() : ZoString(dialogText(notPossible));
+}
+
+void zo::Editor::remove() {
+  const EditorRows::Row* const row = target();
+  if (!row || row->path.isEmpty()) return;
+  if (edits_.remove(row->path.view()) != ZoResult::ok) return say(notEditable);
+  follow(kManyValues);
+}
+
+void zo::Editor::move(int by) {
+  const EditorRows::Row* const row = target();
+  const ZoVariant* const container = edits_.value().find(chosen_.view());
+  if (!row || row->path.isEmpty() || !container || !container->asSequence()) return;
+  const auto position = std::stoul(std::wstring(lastStepOf(row->path.view())));
+  if (edits_.move(row->path.view(), static_cast<unsigned int>(position) +
+                                        static_cast<unsigned int>(by)) == ZoResult::ok)
+    follow(kManyValues);
+}
+
+void zo::Editor::travel(int (ZoVariantEdits::*way)()) {
+  if ((edits_.*way)() == ZoResult::ok) follow(kManyValues);
+}
+
+// The place of the edit is shown, or the rows as far down as before. Rows are of no use from the
+// edit on: they go first, so that none is left when there is no memory for others.
+void zo::Editor::follow(What what) {
+  const int index = selected();
+  rows_ = EditorRows();
+  matches_.clear();
+  const ZoString place = edits_.place(), outer(outerOf(place.view()));
+  if (differences_) differences_.emplace(edits_.value(), *other_);
+  const auto isThere = [this] {
+    const ZoVariant* const found = edits_.value().find(chosen_.view());
+    return found && isContainer(*found);
+  };
+  while (!chosen_.isEmpty() && !isThere()) chosen_ = ZoString(outerOf(chosen_.view()));
+  if (place != chosen_ && outer != chosen_) chosen_ = outer;
+  if (what == kManyValues) tree_.renew(place == chosen_ ? place : outer);
+  reload();
+  const int row = place == chosen_ ? -1 : rows_.indexOf(place);
+  select(row >= 0 ? row : std::max(index, 0));
+  tree_.choose(chosen_);
+}
+
+// ---- Looking ----
+
+void zo::Editor::find(int by) {
+  const ZoString pattern = windowText(item(kEditorFind));
+  if (pattern.isEmpty()) return perform(kEditorFocusFind);
+  if (matches_.empty() || pattern != pattern_) {
+    const ZoRegExp expression(pattern, ZoRegExp::kIgnoreCase);
+    if (!expression.isValid()) return say(expression.errorText());
+    matches_ = edits_.find(expression);
+    pattern_ = pattern;
+    match_ = by > 0 ? matches_.size() - 1 : 0;
+  }
+  if (matches_.empty()) return say(notFound);
+  match_ = (match_ + matches_.size() + static_cast<size_t>(by)) % matches_.size();
+  reveal(ZoString(matches_[match_]));
+  say(dialogText(foundAt, {ZoVariant(static_cast<int>(match_ + 1)),
+                           ZoVariant(static_cast<int>(matches_.size()))}));
+}
+
+void zo::Editor::compare(bool isOn) {
+  if (!other_ || !finish()) return;
+  CheckDlgButton(window(), kEditorOnlyDifferences, isOn ? BST_CHECKED : BST_UNCHECKED);
+  if (isOn) {
+    differences_.emplace(edits_.value(), *other_);
+    LVCOLUMNW column = {};
+    column.mask = LVCF_TEXT | LVCF_WIDTH;
+    column.pszText = const_cast<wchar_t*>(dialogText(columnOther));
+    RECT box;
+    GetClientRect(list_, &box);
+    column.cx = box.right / 4;
+    SendMessageW(list_, LVM_INSERTCOLUMNW, EditorRows::kOther, reinterpret_cast<LPARAM>(&column));
+  } else {
+    differences_.reset();
+    SendMessageW(list_, LVM_DELETECOLUMN, EditorRows::kOther, 0);
+  }
+  reload();
+  select(0);
+}
+
+void zo::Editor::cancel() {
+  field_.close();
+  if (edits_.isChanged()) {
+    ZoMessageBox box(ZoString(dialogText(discardChanges)), ZoMessageBox::kYesNo,
+                     ZoMessageBox::kQuestion);
+    box.setTitle(windowText(window()));
+    static_cast<void>(box.setDefault(ZoMessageBox::kNo));
+    if (box.show(window()) != ZoResult::ok || box.button() != ZoMessageBox::kYes) return;
+  }
+  end(IDCANCEL);
+}
