@@ -51,7 +51,8 @@ class ZO_COM_API ZoDialog {
 
   // Shows the platform's dialog. The owner is a window or null.
   [[nodiscard]] virtual int run(HWND__* owner) = 0;
-  // Keeps the reason, a system error or an HRESULT, and gives notShown.
+  // What show() gives for a system error or an HRESULT: cancelled, noPrinter, or notShown, whose
+  // reason is kept.
   int failed(unsigned long error);
 
  private:
