@@ -18,6 +18,13 @@ constexpr zo::DialogTextEntry kTexts[] = {
     {filesOf, L"%1 files"},
     {chooseYes, L"Yes: %1"},
     {chooseNo, L"No: %1"},
+    {memberTitle, L"Open from %1"},
+    {memberOpen, L"&Open"},
+    {memberBack, L"&Back"},
+    {memberCancel, L"Cancel"},
+    {memberName, L"Name"},
+    {memberSize, L"Size"},
+    {memberTime, L"Modified"},
 };
 
 const wchar_t* byDefault(zo::DialogText number) noexcept {

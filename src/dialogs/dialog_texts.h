@@ -18,6 +18,13 @@ enum class DialogText : int {
   filesOf = 3,  // %1: extensions
   chooseYes = 4,
   chooseNo = 5,
+  memberTitle = 64,  // %1: a library's name
+  memberOpen = 65,
+  memberBack = 66,
+  memberCancel = 67,
+  memberName = 68,
+  memberSize = 69,
+  memberTime = 70,
 };
 
 struct DialogTextEntry {
