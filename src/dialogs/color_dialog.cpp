@@ -37,7 +37,7 @@ int ZoColorDialog::run(HWND__* owner) {
   request.Flags = CC_RGBINIT | CC_FULLOPEN | CC_ENABLEHOOK;
   request.lpfnHook = &zo::ShownHook::proc;
   const unsigned long error = ZO_COMMON_DIALOG(ChooseColorW, request, hook);
-  if (error != ERROR_SUCCESS) return resultOf(error);
+  if (error != ERROR_SUCCESS) return failed(error);
   if (request.rgbResult != color_.rgb()) color_ = colorOf(request.rgbResult, palette_);
   return ZoResult::ok;
 }

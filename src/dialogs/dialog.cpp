@@ -41,22 +41,13 @@ int ZoDialog::show(HWND__* owner) {
 }
 
 int ZoDialog::failed(unsigned long error) {
+  if (error == ERROR_CANCELLED) return ZoResult::cancelled;
+  if (error == ERROR_PRINTER_NOT_FOUND || error == ERROR_INVALID_PRINTER_NAME)
+    return ZoResult::noPrinter;
   std::wstring text = zo::errorText(error);
   if (text.empty()) text = L"Error " + std::to_wstring(error) + L".\r\n";
   error_ = std::wstring_view(text);
   return ZoResult::notShown;
-}
-
-int ZoDialog::resultOf(unsigned long error) {
-  switch (error) {
-    case ERROR_CANCELLED:
-      return ZoResult::cancelled;
-    case ERROR_PRINTER_NOT_FOUND:
-    case ERROR_INVALID_PRINTER_NAME:
-      return ZoResult::noPrinter;
-    default:
-      return failed(error);
-  }
 }
 
 ZoDialogs::Answer ZoDialogs::setAnswer(Answer answer) {

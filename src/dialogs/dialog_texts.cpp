@@ -57,6 +57,13 @@ constexpr zo::DialogTextEntry kTexts[] = {
     {foundAt, L"Found: %1 of %2."},
     {discardChanges, L"Discard the changes?"},
     {noMemory, L"There is no memory left for that."},
+    {memberTitle, L"Open from %1"},
+    {memberOpen, L"&Open"},
+    {memberBack, L"&Back"},
+    {memberCancel, L"Cancel"},
+    {memberName, L"Name"},
+    {memberSize, L"Size"},
+    {memberTime, L"Modified"},
 };
 
 const wchar_t* byDefault(zo::DialogText number) noexcept {

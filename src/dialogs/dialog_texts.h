@@ -59,6 +59,15 @@ enum class DialogText : int {
   foundAt = 46,
   discardChanges = 47,
   noMemory = 48,
+
+  // The choice among the members of a library.
+  memberTitle = 64,  // %1: a library's name
+  memberOpen = 65,
+  memberBack = 66,
+  memberCancel = 67,
+  memberName = 68,
+  memberSize = 69,
+  memberTime = 70,
 };
 
 struct DialogTextEntry {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "dialogs/dialog_texts.h"
+#include "dialogs/library_step.h"
 #include "dialogs/places.h"
 #include "names/file_kinds.h"
 #include "platform/item_dialog.h"
@@ -96,8 +97,16 @@ void ZoFileDialog::setFile(const ZoFileName& file) {
   if (!file.isEmpty()) files_.push_back(file);
 }
 
+int ZoFileDialog::browseLibraries(const ZoString& patterns) {
+  const std::wstring clean = cleaned(patterns.view());
+  if (clean.find(L'\0') != std::wstring::npos) return ZoResult::refused;
+  libraries_ = std::wstring_view(clean);
+  return ZoResult::ok;
+}
+
 int ZoFileDialog::run(HWND__* owner) {
-  ItemDialogRequest request;
+  zo::ItemDialogRequest request;
+  const ZoFileName first = zo::fileOnDisk(file());
   request.kind = kindOf(kind_);
   request.title = title().view();
   for (const Filter& filter : filters_)
@@ -105,18 +114,39 @@ int ZoFileDialog::run(HWND__* owner) {
         {std::wstring(filter.name.view()), std::wstring(filter.patterns.view())});
   request.filter = filter_;
   if (!filters_.empty()) request.extension = extensionOf(filters_[filter_].patterns.view());
-  request.name = file().fileNameExt();
-  request.folder = zo::folderThatIs(folderOf(file()));
+  request.name = first.fileNameExt();
+  request.folder = zo::folderThatIs(folderOf(first));
   if (request.folder.empty()) request.folder = zo::folderThatIs(zo::keptFolder(key_));
   if (request.folder.empty()) request.folder = zo::folderThatIs(folder_);
-
-  const zo::ItemDialogAnswer answer = zo::askForItems(request, owner);
-  if (answer.error != ERROR_SUCCESS) return resultOf(answer.error);
   std::vector<ZoFileName> files;
-  files.reserve(answer.names.size());
-  for (const std::wstring& name : answer.names) files.emplace_back(name);
+  const int code = ask(request, files, owner);
+  if (code != ZoResult::ok) return code;
   files_.swap(files);
-  if (answer.filter < filters_.size()) filter_ = answer.filter;
-  zo::keepFolder(key_, folderOf(file()));
+  if (request.filter < filters_.size()) filter_ = request.filter;
+  zo::keepFolder(key_, folderOf(zo::fileOnDisk(file())));
   return ZoResult::ok;
+}
+
+// Until the user does not come back from a library to the files.
+int ZoFileDialog::ask(zo::ItemDialogRequest& request, std::vector<ZoFileName>& files,
+                      HWND__* owner) {
+  const bool browses = !libraries_.isEmpty() && kind_ != kSave;
+  for (;;) {
+    zo::ItemDialogRequest step = request;
+    for (auto& filter : step.filters)
+      if (browses) filter.patterns = zo::joinedPatterns(filter.patterns, libraries_.view());
+    const zo::ItemDialogAnswer answer = zo::askForItems(step, owner);
+    if (answer.error != ERROR_SUCCESS) return failed(answer.error);
+    request.filter = answer.filter;
+    files.assign(answer.names.begin(), answer.names.end());
+    if (!browses) return ZoResult::ok;
+    zo::LibraryStep libraries{request, libraries_.view(), file()};
+    const int button = libraries.ask(files, owner);
+    if (button == 0) return failed(libraries.error);
+    if (button == IDCANCEL) return ZoResult::cancelled;
+    request.filter = libraries.filter;
+    if (button == IDOK) return ZoResult::ok;
+    request.name = files.front().fileNameExt();
+    request.folder = zo::folderThatIs(folderOf(files.front()));
+  }
 }

@@ -46,7 +46,7 @@ int ZoFontDialog::run(HWND__* owner) {
   request.Flags = CF_SCREENFONTS | CF_EFFECTS | CF_INITTOLOGFONTSTRUCT | CF_ENABLEHOOK;
   request.lpfnHook = &zo::ShownHook::proc;
   const unsigned long error = ZO_COMMON_DIALOG(ChooseFontW, request, hook);
-  if (error != ERROR_SUCCESS) return resultOf(error);
+  if (error != ERROR_SUCCESS) return failed(error);
   font_ = ZoFont{ZoString(font.lfFaceName), request.iPointSize / 10.0, font.lfWeight,
                  font.lfItalic != 0,        font.lfUnderline != 0,     font.lfStrikeOut != 0};
   return ZoResult::ok;

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "dialogs/printer_memory.h"
-#include "platform/common_dialog.h"
 
 namespace {
 
@@ -59,12 +58,16 @@ void setPaperOf(DEVMODEW& settings, LONG width, LONG height) noexcept {
   settings.dmPaperLength = static_cast<short>(std::min(height / kTenths, kMost));
 }
 
+auto* pageSetup() noexcept {
+  return zo::systemFunction<decltype(PageSetupDlgW)>(L"comdlg32.dll", "PageSetupDlgW");
+}
+
 // The default printer's settings, where the caller has none.
 void takeDefaults(zo::PrinterMemory& memory) noexcept {
   PAGESETUPDLGW request = {};
   request.lStructSize = sizeof request;
   request.Flags = PSD_RETURNDEFAULT | PSD_NOWARNING;
-  const auto ask = zo::systemFunction<decltype(PageSetupDlgW)>(L"comdlg32.dll", "PageSetupDlgW");
+  auto* const ask = pageSetup();
   if (!ask || ask(&request) != TRUE) return;
   memory.clear();
   memory.settings = request.hDevMode;
@@ -99,32 +102,20 @@ int ZoPageSetupDialog::setMargins(const Margins& margins) {
 }
 
 int ZoPageSetupDialog::run(HWND__* owner) {
-  zo::PrinterMemory memory(printer_);
   PAGESETUPDLGW request = {};
-  const auto ask = [&] {
+  zo::PrinterDialog dialog{pageSetup(), title(), owner, printer_};
+  const unsigned long error = dialog.ask(request, [&](zo::PrinterMemory& memory) {
     if (!memory.settings && !memory.names) takeDefaults(memory);
     memory.change(
         [&](DEVMODEW& settings) { setPaperOf(settings, toUnits(width_), toUnits(height_)); });
-    const zo::ShownHook hook(std::wstring(title().view()));
-    request = {};
-    request.lStructSize = sizeof request;
-    request.hwndOwner = owner;
-    request.hDevMode = memory.settings;
-    request.hDevNames = memory.names;
     request.Flags =
         PSD_INHUNDREDTHSOFMILLIMETERS | PSD_MARGINS | PSD_NOWARNING | PSD_ENABLEPAGESETUPHOOK;
     request.ptPaperSize = {toUnits(width_), toUnits(height_)};
     request.rtMargin = {toUnits(margins_.left), toUnits(margins_.top), toUnits(margins_.right),
                         toUnits(margins_.bottom)};
     request.lpfnPageSetupHook = &zo::ShownHook::proc;
-    const unsigned long error = ZO_COMMON_DIALOG(PageSetupDlgW, request, hook);
-    memory.settings = request.hDevMode;
-    memory.names = request.hDevNames;
-    return error;
-  };
-  const unsigned long error = zo::askWithPrinter(memory, ask);
-  if (error != ERROR_SUCCESS) return resultOf(error);
-  printer_ = memory.printer();
+  });
+  if (error != ERROR_SUCCESS) return failed(error);
   width_ = fromUnits(request.ptPaperSize.x);
   height_ = fromUnits(request.ptPaperSize.y);
   margins_ = {fromUnits(request.rtMargin.left), fromUnits(request.rtMargin.top),

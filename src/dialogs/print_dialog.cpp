@@ -1,7 +1,6 @@
 #include <zo/dialogs/print_dialog.h>
 
 #include "dialogs/printer_memory.h"
-#include "platform/common_dialog.h"
 
 namespace {
 
@@ -41,15 +40,10 @@ int ZoPrintDialog::setCopies(unsigned int copies) noexcept {
 }
 
 int ZoPrintDialog::run(HWND__* owner) {
-  zo::PrinterMemory memory(printer_);
   PRINTDLGW request = {};
-  const auto ask = [&] {
-    const zo::ShownHook hook(std::wstring(title().view()));
-    request = {};
-    request.lStructSize = sizeof request;
-    request.hwndOwner = owner;
-    request.hDevMode = memory.settings;
-    request.hDevNames = memory.names;
+  zo::PrinterDialog dialog{zo::systemFunction<decltype(PrintDlgW)>(L"comdlg32.dll", "PrintDlgW"),
+                           title(), owner, printer_};
+  const unsigned long error = dialog.ask(request, [&](zo::PrinterMemory&) {
     request.Flags = flagOf(range_) | (selection_ ? 0 : PD_NOSELECTION) |
                     (last_ ? 0 : PD_NOPAGENUMS) | (collated_ ? PD_COLLATE : 0) |
                     (toFile_ ? PD_PRINTTOFILE : 0) | PD_NOWARNING | PD_ENABLEPRINTHOOK;
@@ -59,14 +53,8 @@ int ZoPrintDialog::run(HWND__* owner) {
     request.nToPage = static_cast<WORD>(range_ == kPages ? to_ : last_);
     request.nCopies = static_cast<WORD>(copies_);
     request.lpfnPrintHook = &zo::ShownHook::proc;
-    const unsigned long error = ZO_COMMON_DIALOG(PrintDlgW, request, hook);
-    memory.settings = request.hDevMode;
-    memory.names = request.hDevNames;
-    return error;
-  };
-  const unsigned long error = zo::askWithPrinter(memory, ask);
-  if (error != ERROR_SUCCESS) return resultOf(error);
-  printer_ = memory.printer();
+  });
+  if (error != ERROR_SUCCESS) return failed(error);
   const bool isPages = (request.Flags & PD_PAGENUMS) != 0;
   range_ = isPages ? kPages : (request.Flags & PD_SELECTION) != 0 ? kSelection : kAll;
   from_ = isPages ? request.nFromPage : 0;

@@ -1,8 +1,13 @@
-// A printer in the two movable blocks in which the platform's dialogs take and give one.
+// A printer in the two movable blocks in which the platform's dialogs take and give one, and the call
+// of such a dialog.
 #pragma once
 
 #include <windows.h>
 #include <zo/dialogs/print_dialog.h>
+
+#include <string>
+
+#include "platform/common_dialog.h"
 
 namespace zo {
 
@@ -33,14 +38,46 @@ class PrinterMemory {
 // Whether the machine has any: without one, platforms show boxes of their own, and answer anything.
 [[nodiscard]] bool hasPrinter() noexcept;
 
-// Asks with a printer, and with the default one when that printer is gone.
-template <class Ask>
-[[nodiscard]] unsigned long askWithPrinter(PrinterMemory& memory, Ask ask) {
-  if (!hasPrinter()) return ERROR_PRINTER_NOT_FOUND;
-  const unsigned long error = ask();
-  if (error != ERROR_INVALID_PRINTER_NAME || !memory.names) return error;
-  memory.clear();
-  return ask();
-}
+// One of the platform's dialogs that know printers.
+template <class Request>
+struct PrinterDialog {
+  BOOL(WINAPI* call)(Request*);
+  const ZoString& title;
+  HWND owner;
+  ZoPrinter& printer;  // what is chosen first, and what was
+
+  // `fill` puts into the request what else it has. When the printer is gone, it is asked once more,
+  // with the default one.
+  template <class Fill>
+  [[nodiscard]] unsigned long ask(Request& request, Fill fill) {
+    if (!hasPrinter()) return ERROR_PRINTER_NOT_FOUND;
+    PrinterMemory memory(printer);
+    unsigned long error = askOnce(request, memory, fill);
+    if (error == ERROR_INVALID_PRINTER_NAME && memory.names) {
+      memory.clear();
+      error = askOnce(request, memory, fill);
+    }
+    if (error == ERROR_SUCCESS) printer = memory.printer();
+    return error;
+  }
+
+ private:
+  template <class Fill>
+  [[nodiscard]] unsigned long askOnce(Request& request, PrinterMemory& memory, Fill& fill) {
+    const ShownHook hook(std::wstring(title.view()));
+    request = {};
+    fill(memory);
+    request.lStructSize = sizeof request;
+    request.hwndOwner = owner;
+    request.hDevMode = memory.settings;
+    request.hDevNames = memory.names;
+    const unsigned long error = commonDialog(call, request, hook);
+    memory.settings = request.hDevMode;
+    memory.names = request.hDevNames;
+    return error;
+  }
+};
+template <class Request>
+PrinterDialog(BOOL(WINAPI*)(Request*), const ZoString&, HWND, ZoPrinter&) -> PrinterDialog<Request>;
 
 }  // namespace zo

@@ -37,4 +37,13 @@ bool fitsWildcard(std::wstring_view name, std::wstring_view pattern) noexcept {
   return fitsPattern(name, pattern);
 }
 
+bool fitsAnyWildcard(std::wstring_view name, std::wstring_view patterns) noexcept {
+  while (!patterns.empty()) {
+    const std::size_t end = std::min(patterns.find(L';'), patterns.size());
+    if (fitsWildcard(name, patterns.substr(0, end))) return true;
+    patterns.remove_prefix(std::min(end + 1, patterns.size()));
+  }
+  return false;
+}
+
 }  // namespace zo

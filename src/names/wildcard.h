@@ -12,5 +12,7 @@ namespace zo {
 [[nodiscard]] bool fitsPattern(std::wstring_view name, std::wstring_view pattern) noexcept;
 
 [[nodiscard]] bool fitsWildcard(std::wstring_view name, std::wstring_view pattern) noexcept;
+// One of several patterns with semicolons between them; of none, nothing fits.
+[[nodiscard]] bool fitsAnyWildcard(std::wstring_view name, std::wstring_view patterns) noexcept;
 
 }  // namespace zo

@@ -97,7 +97,7 @@ std::multiset<std::pair<int, unsigned int>> marksOf(std::wstring_view text) {
 }
 
 TEST(ShippedMessages, TranslationsHaveTheSameNumbersAndMarks) {
-  for (const std::string name : {"zotype", "zoflag", "zoresult", "zodialog", "zolib"}) {
+  for (const std::string name : {"zotype", "zoflag", "zoresult", "zodialog", "zolib", "zoval"}) {
     const ZoMessageMap english = read(kFolder + name + ".msg");
     const ZoMessageMap german = read(kFolder + name + ".de.msg");
     EXPECT_EQ(german.language(), L"de");

@@ -89,24 +89,25 @@ def foreign(path, entries, magic=b"ZORVEX LIBRARY"):
     return write(path, content)
 
 
-def english():
-    """The message file that says what stands in the code."""
+def english(tool, *folders):
+    """The message file of a tool that says what stands in the code of these folders."""
     texts = {}
-    for source in sorted([*(ROOT / "tools/shared").glob("*.*"), *(ROOT / "tools/zolib").glob("*.*")]):
+    for source in sorted(source for folder in folders for source in (ROOT / "tools" / folder).glob("*.*")):
         for number, words in re.findall(r'\{\s*(\d+),\s*((?:"(?:\\.|[^"\\])*"\s*)+)\}', source.read_text()):
             text = "".join(re.findall(r'"((?:\\.|[^"\\])*)"', words)).replace('\\"', '"')
             text = re.sub("^ | $", r"\\u0020", text)  # blanks at the ends would go; the escapes of C++ are the file's
             assert texts.setdefault(int(number), text) == text, f"{number} means {text!r} and {texts[int(number)]!r}"
     lines = [f"{number:<4}{texts[number]}\n" for number in sorted(texts) if number]
-    return "@messages 1\n@language en\n# Texts of the tool zolib; written by its test.\n\n" + "".join(lines)
+    return f"@messages 1\n@language en\n# Texts of the tool {tool}; written by a test.\n\n" + "".join(lines)
 
 
 def language():
     """The texts of the code are those of the English file, and others speak German; answers for programs stay."""
-    path = ROOT / "share/messages/zolib.msg"
-    if os.environ.get("ZO_WRITE_MESSAGES"):
-        path.write_text(english())
-    assert path.read_text() == english(), "to write it: ZO_WRITE_MESSAGES=1 ctest -R zolib.language"
+    for tool, folders in (("zolib", ("shared", "zolib")), ("zoval", ("zoval",))):
+        path, text = ROOT / f"share/messages/{tool}.msg", english(tool, *folders)
+        if os.environ.get("ZO_WRITE_MESSAGES"):
+            path.write_text(text)
+        assert path.read_text() == text, "to write it: ZO_WRITE_MESSAGES=1 ctest -R zolib.language"
     tree()
     run("--language", "de", "create", "a.lib", "parts", err=r"a\.lib: 5 neu; .* auf .* gepackt \(\d+ ?%\)\n", out="")
     table = run("list", "a.lib", "--language=de-AT").decode().splitlines()

@@ -3,9 +3,11 @@
 
 Every check gets a folder of its own as current folder.
 """
+import contextlib
 import json
 import os
 import pathlib
+import pty
 import random
 import re
 import struct
@@ -168,6 +170,36 @@ def libraries():
     ):
         run(*args, code=code, err=f"zoval: {said}\n")
     assert pathlib.Path("p.lib").read_bytes() == before and sorted(os.listdir()) == ["a.txt", "a.zoa", "p.lib"]
+
+
+def language():
+    """Talk and help in the user's language, what scripts read in none; long steps are named on a terminal."""
+    write("a.txt", PART)
+    run("get", "a.txt", "none", "--language", "de", code=10, err="zoval: a.txt hat kein none\n")
+    run("get", "a.txt", "count", "--language=de-AT", out="3\n", err="")
+    run("--language", "de", "show", code=7, err="zoval: es fehlt FILE; .*")
+    run("show", "a.txt", "--language", "5%", code=7, err="zoval: 5% is no language .*")
+    assert run("help", "set", "--language", "de").startswith("Einen Wert".encode())
+    assert answer("show", "a.txt", "--language", "de") == answer("show", "a.txt")
+    os.environ["ZOLIB_LANGUAGE"] = "de_AT.UTF-8:en"
+    run("show", "a.txt|b", code=10, err="zoval: a.txt ist keine Bibliothek und hat kein Mitglied b\n")
+    os.environ["ZOLIB_LANGUAGE"] = "C"
+    write("long.txt", "Sequence [" + "Int 1\n" * 200_000 + "]")
+    for words, said in (([], True), (["--quiet"], False)):
+        assert (b"reading long.txt (1.1 MB)" in on_terminal("get", "long.txt", "0", *words)) == said
+
+
+def on_terminal(*args):
+    """All that is written on a terminal."""
+    parent, child = pty.openpty()
+    worker = subprocess.Popen(COMMAND + list(args), stdin=child, stdout=child, stderr=child)
+    os.close(child)
+    text = b""
+    with contextlib.suppress(OSError):  # the end of a terminal reads as an error
+        while piece := os.read(parent, 4096):
+            text += piece
+    assert worker.wait() == 0, text
+    return text
 
 
 def at_once():

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <optional>
 
+#include "program.h"
 #include "say.h"
 
 namespace zolib {
@@ -33,7 +34,7 @@ std::string fromEnvironment() {
 
 std::string speakAsAsked(std::vector<std::string>& arguments) {
   const std::optional<std::string> language = takeLanguage(arguments);
-  const bool isKnown = speak(toWide(language ? *language : fromEnvironment()));
+  const bool isKnown = speak(toWide(language ? *language : fromEnvironment()), toWide(kProgram));
   return language && !isKnown ? say({33, "%1 is no language such as de-AT"}, *language)
                               : std::string();
 }

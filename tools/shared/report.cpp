@@ -4,6 +4,7 @@
 #include <zo/system/file_system.h>
 #include <zo/system/registry.h>
 
+#include "cancel.h"
 #include "program.h"
 #include "text.h"
 
@@ -73,6 +74,11 @@ void Report::fail(ExitCode code, std::string_view text) {
 void Report::cancelled() {
   if (!cancelSaid_) fail(kCancelled, {50, "cancelled; what was complete before is intact"});
   cancelSaid_ = true;
+}
+
+bool Report::goesOn() {
+  if (isCancelled()) cancelled();
+  return !isCancelled();
 }
 
 std::string Report::wordOf(std::string_view action) {

@@ -20,6 +20,19 @@ namespace zolib {
 
 using Json = nlohmann::ordered_json;
 
+// A step that may take long, and whose end nobody can tell before: it is named on a terminal for as
+// long as this lives.
+class Step {
+ public:
+  Step(Console& console, std::string_view text) : console_(console) { console.status(text); }
+  Step(const Step&) = delete;
+  Step& operator=(const Step&) = delete;
+  ~Step() { console_.status({}); }
+
+ private:
+  Console& console_;
+};
+
 class Report {
  public:
   Report(const TalkOptions& options, Console& console);
@@ -51,6 +64,14 @@ class Report {
   [[nodiscard]] std::size_t count(std::string_view action) const;
   // The run was cancelled; said once.
   void cancelled();
+  // False when it is to end: then it says so.
+  [[nodiscard]] bool goesOn();
+  // Nothing is named of less than a megabyte, nor with --quiet.
+  template <class... Fillings>
+  [[nodiscard]] Step step(std::uint64_t bytes, const Text& text, const Fillings&... fillings) {
+    const bool isShown = bytes >= kLong && !options_.quiet;
+    return {console_, isShown ? say(text, fillings...) : std::string()};
+  }
 
   // The word for an action, in the user's language.
   [[nodiscard]] static std::string wordOf(std::string_view action);
@@ -62,6 +83,8 @@ class Report {
   ExitCode finish();
 
  private:
+  static constexpr std::uint64_t kLong = 1'000'000;
+
   void message(std::string_view level, std::string_view text);
 
   const TalkOptions& options_;

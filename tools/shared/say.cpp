@@ -13,9 +13,19 @@
 namespace zolib {
 namespace {
 
-constexpr const wchar_t* kFile = L"zolib";
+constexpr const wchar_t* kCommonFile = L"zolib";
+constexpr int kFirstOwn = 100;
 
-bool s_hasFile = false;
+// As they are loaded; empty: it speaks English.
+struct Files {
+  ZoString common, own;
+};
+Files s_files;
+
+ZoString loaded(const wchar_t* name) {
+  const bool isThere = ZoSystem::message().load(ZoFileName(name), kCommonFile) == ZoResult::ok;
+  return isThere ? ZoString(name) : ZoString();
+}
 
 // The English of the code, filled in as the service does it.
 class English final : public ZoMessage {
@@ -48,12 +58,13 @@ ZoArray<ZoString> tagsIn(std::wstring_view languages) {
 
 }  // namespace
 
-bool speak(std::wstring_view languages) {
+bool speak(std::wstring_view languages, const std::wstring& tool) {
   ZoMessage& messages = ZoSystem::message();
   const ZoArray<ZoString> tags = tagsIn(languages);
-  s_hasFile = false;
+  s_files = {};
   if (messages.setLanguages(tags) != ZoResult::ok) return false;
-  s_hasFile = messages.load(ZoFileName(kFile), kFile) == ZoResult::ok;
+  s_files.common = loaded(kCommonFile);
+  s_files.own = tool == kCommonFile ? s_files.common : loaded(tool.c_str());
   return true;
 }
 
@@ -61,7 +72,9 @@ std::string sayWith(const Text& text, std::initializer_list<ZoVariant> fillings)
   ZoString said;
   const std::span<const ZoVariant> all(fillings.begin(), fillings.size());
   const auto isSaid = [](int code) { return code == ZoResult::ok || code == ZoResult::incomplete; };
-  if (!s_hasFile || !isSaid(ZoSystem::message().formatWith(kFile, text.number, all, said))) {
+  const ZoString& file = text.number < kFirstOwn ? s_files.common : s_files.own;
+  if (text.number == 0 || file.isEmpty() ||
+      !isSaid(ZoSystem::message().formatWith(file, text.number, all, said))) {
     static English s_english;
     s_english.take(text.english);
     static_cast<void>(s_english.formatWith({}, text.number, all, said));  // it has the text

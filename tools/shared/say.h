@@ -1,4 +1,5 @@
-// What the tool says, in the user's language: message file "zolib" (share/messages).
+// What the tools say, in the user's language. Texts of a number below 100 are common to all tools and
+// stand in the message file "zolib" (share/messages), the others in that of their tool.
 #pragma once
 
 #include <zo/variant/variant.h>
@@ -13,7 +14,7 @@
 
 namespace zolib {
 
-// A text by its number, with its English in UTF-8, which zolib.msg repeats (a test compares them):
+// A text by its number, with its English in UTF-8, which the file repeats (a test compares them):
 // %1 is the first of what is filled in, %% a percent sign, and so on
 // (docs/formats/message-file.md). A number never gets another meaning; what has number 0 is said in
 // English only.
@@ -23,9 +24,10 @@ struct Text {
 };
 
 // From here on everything is said in the first of these languages that has a message file, and in
-// English without any: "de-AT, fr". Empty: the user's languages. False when these are no languages;
-// it goes on in English. Needs the library attached; without this call all is English.
-bool speak(std::wstring_view languages);
+// English without any: "de-AT, fr". Empty: the user's languages. The tool is the name of its own
+// message file. False when these are no languages; it goes on in English. Needs the library
+// attached; without this call all is English.
+bool speak(std::wstring_view languages, const std::wstring& tool);
 
 inline ZoVariant filling(std::wstring_view text) { return text; }
 inline ZoVariant filling(std::string_view utf8) { return toWide(utf8); }

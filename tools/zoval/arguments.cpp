@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "command_line.h"
+#include "language.h"
 #include "program.h"
 #include "text.h"
 #include "value_file.h"
@@ -14,9 +15,11 @@ using zolib::addText;
 using zolib::CommandLine;
 using zolib::Console;
 using zolib::ExitCode;
+using zolib::say;
 using zolib::Text;
 
-constexpr const char* kGeneralHelp =
+constexpr Text kGeneralHelp{
+    101,
     "A value lies in a file in text form, as an archive, in XML or JSON, or in a member of a\n"
     "library.\n"
     "\n"
@@ -28,9 +31,9 @@ constexpr const char* kGeneralHelp =
     "  zoval get part.zoa bolts/0/length\n"
     "  zoval diff old.txt new.txt --tolerance 0.001\n"
     "\n"
-    "`zoval help VERB` has the options and examples of a verb, the manual page zoval(1) all.\n";
+    "`zoval help VERB` has the options and examples of a verb, the manual page zoval(1) all.\n"};
 
-constexpr Text kVerboseHelp{0, "Name each file that is written"};
+constexpr Text kVerboseHelp{102, "Name each file that is written"};
 
 enum Takes : unsigned int {
   kPath = 0x1,  // a path in the value
@@ -41,36 +44,63 @@ enum Takes : unsigned int {
 
 struct Verb {
   const char* name;
-  const char* summary;
+  Text summary;
   void (*run)(const Options&, Report&);
   unsigned int takes;
-  const char* second;  // its help
-  const char* examples;
+  Text second;  // its help
+  Text examples;
 };
 
 constexpr Verb kVerbs[] = {
-    {"show", "Show a value in text form", show, 0, "",
-     "  zoval show part.zoa\n"
-     "  zoval show parts.lib --member bolts/m8.zoa\n"},
-    {"get", "Show the value at a path, for scripts", get, kPath, "",
-     "  zoval get part.zoa bolts/0/length\n"
-     "  zoval get part.zoa name --json                    with its type and flags\n"},
-    {"set", "Put a value at a path, and write the file anew in one step", set,
-     kPath | kValue | kWrites, "",
-     "  zoval set part.zoa bolts/0/length 30               stays a length\n"
-     "  zoval set part.zoa origin 'Point (1, 2, 3)'\n"
-     "  zoval set parts.lib --member m8.zoa name 'M8 x 30'\n"},
-    {"diff", "Tell what differs between two values; ends with 1 where something does", diff,
-     kSecond, "The value that it became",
-     "  zoval diff old.txt new.zoa\n"
-     "  zoval diff old.lib new.lib --member m8.zoa --any-order --json\n"},
-    {"convert", "Write a value in another form", convert, kSecond | kWrites,
-     "The file to write; - is standard output",
-     "  zoval convert part.txt part.json\n"
-     "  zoval convert part.zoa - --to text\n"},
-    {"graph", "Draw a value for Graphviz", graph, 0, "",
-     "  zoval graph part.zoa | dot -Tsvg >part.svg\n"
-     "  zoval graph part.zoa --path bolts --output bolts.dot\n"},
+    {"show",
+     {110, "Show a value in text form"},
+     show,
+     0,
+     {},
+     {111,
+      "  zoval show part.zoa\n"
+      "  zoval show 'parts.lib|bolts/m8.zoa'                as --member bolts/m8.zoa\n"}},
+    {"get",
+     {112, "Show the value at a path, for scripts"},
+     get,
+     kPath,
+     {},
+     {113,
+      "  zoval get part.zoa bolts/0/length\n"
+      "  zoval get part.zoa name --json                    with its type and flags\n"}},
+    {"set",
+     {114, "Put a value at a path, and write the file anew in one step"},
+     set,
+     kPath | kValue | kWrites,
+     {},
+     {115,
+      "  zoval set part.zoa bolts/0/length 30               stays a length\n"
+      "  zoval set part.zoa origin 'Point (1, 2, 3)'\n"
+      "  zoval set 'parts.lib|m8.zoa' name 'M8 x 30'\n"}},
+    {"diff",
+     {116, "Tell what differs between two values; ends with 1 where something does"},
+     diff,
+     kSecond,
+     {117, "The value that it became"},
+     {118,
+      "  zoval diff old.txt new.zoa\n"
+      "  zoval diff old.lib new.lib --member m8.zoa --any-order --json\n"}},
+    {"convert",
+     {119, "Write a value in another form"},
+     convert,
+     kSecond | kWrites,
+     {120, "The file to write; - is standard output"},
+     {121,
+      "  zoval convert part.txt part.json\n"
+      "  zoval convert part.zoa - --to text\n"}},
+    {"graph",
+     {122, "Draw a value for Graphviz"},
+     graph,
+     0,
+     {},
+     {123,
+      "  zoval graph part.zoa | dot -Tsvg >part.svg\n"
+      "  zoval graph part.zoa --path bolts --output bolts.dot\n"}},
 };
 
 // What CLI11 fills: texts in UTF-8.
@@ -79,64 +109,73 @@ struct Raw {
 };
 
 std::string noForm(const std::string& text) {
-  return formNamed(zolib::toWide(text)) ? std::string()
-                                        : text + " is no form: text, archive, xml, json";
+  return formNamed(zolib::toWide(text))
+             ? std::string()
+             : say({124, "%1 is no form: text, archive, xml, json"}, text);
 }
 
 std::string noTolerance(const std::string& text) {
   double value = -1;
-  return CLI::detail::lexical_cast(text, value) && value >= 0 ? std::string()
-                                                              : text + " is no number from 0 on";
+  return CLI::detail::lexical_cast(text, value) && value >= 0
+             ? std::string()
+             : say({138, "%1 is no number from 0 on"}, text);
 }
 
 class ZovalCommandLine final : public CommandLine {
  public:
   explicit ZovalCommandLine(Console& console)
-      : CommandLine(console, options_, {0, "Shows, compares and changes stored values."},
-                    {0, kGeneralHelp}) {
+      : CommandLine(console, options_, {100, "Shows, compares and changes stored values."},
+                    kGeneralHelp) {
     for (const Verb& verb : kVerbs) add(verb);
     addHelp(kVerboseHelp);
+    zolib::addLanguage(app());
   }
 
  private:
   void add(const Verb& verb) {
-    CLI::App& sub = addVerb(verb.name, {0, verb.summary});
-    sub.footer(std::string("Examples:\n") + verb.examples);
+    CLI::App& sub = addVerb(verb.name, verb.summary);
+    sub.footer(say({125, "Examples:"}) + "\n" + say(verb.examples));
     const std::string_view name = verb.name;
-    addText(sub, "FILE", raw_.file, {0, "The file, or library"}, "")->required();
+    addText(sub, "FILE", raw_.file, {126, "The file, or LIBRARY|MEMBER, or a library"}, "")
+        ->required();
     if (verb.takes & kPath)
-      sub.add_option("PATH", raw_.path, "Keys and positions with slashes between them")
+      sub.add_option("PATH", raw_.path, say({127, "Keys and positions with slashes between them"}))
           ->required()
           ->type_name("");
     if (verb.takes & kValue)
-      sub.add_option("VALUE", raw_.value, "A number, a text, or a value in text form")
+      sub.add_option("VALUE", raw_.value, say({128, "A number, a text, or a value in text form"}))
           ->required()
           ->type_name("");
-    if (verb.takes & kSecond) addText(sub, "OTHER", raw_.second, {0, verb.second}, "")->required();
-    addText(sub, "-m,--member", raw_.member, {0, "The member, where a file is a library"}, "NAME");
+    if (verb.takes & kSecond) addText(sub, "OTHER", raw_.second, verb.second, "")->required();
+    addText(sub, "-m,--member", raw_.member, {129, "The member, where a file is a library"},
+            "NAME");
     sub.add_option("--from", raw_.from,
-                   "The form to read: text, archive, xml, json; else it is found")
+                   say({130, "The form to read: text, archive, xml, json; else it is found"}))
         ->check(noForm)
         ->type_name("FORM");
     if (name == "convert")
-      sub.add_option("--to", raw_.to, "The form to write; else by .txt, .zov, .zoa, .xml, .json")
+      sub.add_option("--to", raw_.to,
+                     say({131, "The form to write; else by .txt, .zov, .zoa, .xml, .json"}))
           ->check(noForm)
           ->type_name("FORM");
     if (name == "diff") addDiff(sub);
     if (name == "graph") {
-      sub.add_option("--path", raw_.path, "Only what lies there")->type_name("PATH");
-      addText(sub, "-o,--output", raw_.output, {0, "The file to write; else standard output"},
+      sub.add_option("--path", raw_.path, say({132, "Only what lies there"}))->type_name("PATH");
+      addText(sub, "-o,--output", raw_.output, {133, "The file to write; else standard output"},
               "FILE");
     }
     if (verb.takes & kWrites)
-      sub.add_flag("--dry-run", options_.dryRun, "Only show what would be done");
+      sub.add_flag("--dry-run", options_.dryRun, say({134, "Only show what would be done"}));
     zolib::addTalkOptions(sub, options_, kVerboseHelp);
+    zolib::addLanguage(sub);
   }
 
   void addDiff(CLI::App& sub) {
-    sub.add_flag("--any-order", options_.anyOrder, "The order of sequences does not count");
-    sub.add_flag("--values", options_.valuesOnly, "Types and flags do not count");
-    sub.add_option("--tolerance", options_.tolerance, "How far numbers may be apart (default 0)")
+    sub.add_flag("--any-order", options_.anyOrder,
+                 say({135, "The order of sequences does not count"}));
+    sub.add_flag("--values", options_.valuesOnly, say({136, "Types and flags do not count"}));
+    sub.add_option("--tolerance", options_.tolerance,
+                   say({137, "How far numbers may be apart (default 0)"}))
         ->check(noTolerance)
         ->type_name("NUMBER");
   }
@@ -165,7 +204,7 @@ namespace zolib {
 const char* const kProgram = "zoval";
 
 ExitCode runCommandLine(const std::vector<std::string>& arguments, Console& console) {
-  return zoval::ZovalCommandLine(console).run(arguments);
+  return runInLanguage<zoval::ZovalCommandLine>(arguments, console);
 }
 
 }  // namespace zolib

@@ -38,18 +38,18 @@ void set(const Options& options, Report& report) {
   const bool isForm = parsed.parse(options.value) == 0;
   ZoVariant next = isForm ? parsed : old ? *old : valueOf(options.value);
   if (!isForm && old && next.set(ZoVariant(ZoString(options.value))) != 0)
-    return report.fail(zolib::kUsage, toUtf8(options.value) + " is no " +
-                                          toUtf8(old->printType().view()) +
-                                          "; write a value in text form for another type");
+    return report.fail(zolib::kUsage,
+                       {171, "%1 is no %2; write a value in text form for another type"},
+                       options.value, old->printType().view());
   const ZoVariant before = old ? *old : ZoVariant();
   if (file.value.put(options.path, next) != 0)
-    return report.fail(zolib::kNotFound,
-                       "no way leads to " + toUtf8(options.path) + " in " + file.shown);
+    return report.fail(zolib::kNotFound, {172, "no way leads to %1 in %2"}, options.path,
+                       file.shown);
   const bool isChange = !old || before != next;
   report.json()["changed"] = isChange;
-  if (!isChange) return report.note(file.shown + " has that value already");
-  if (options.dryRun) return report.note("would change " + file.shown);
-  if (writeValue(file, report) && options.verbose) report.note("changed " + file.shown);
+  if (!isChange) return report.note({173, "%1 has that value already"}, file.shown);
+  if (options.dryRun) return report.note({174, "would change %1"}, file.shown);
+  if (writeValue(file, report) && options.verbose) report.note({175, "changed %1"}, file.shown);
 }
 
 void convert(const Options& options, Report& report) {
@@ -60,8 +60,7 @@ void convert(const Options& options, Report& report) {
   if (isToFile && !lockFile(target, report)) return;
   if (!readValue(options.file, options, file, report)) return;
   const auto form = options.to.empty() ? formOf(options.second) : formNamed(options.to);
-  if (!form)
-    return report.fail(zolib::kUsage, "say the form of " + toUtf8(options.second) + " by --to");
+  if (!form) return report.fail(zolib::kUsage, {176, "say the form of %1 by --to"}, options.second);
   report.json()["from"] = nameOf(file.form);
   report.json()["to"] = nameOf(*form);
   if (isToOutput) {
@@ -70,15 +69,16 @@ void convert(const Options& options, Report& report) {
     if (options.json && *form != Form::kArchive)
       report.json()["text"] = bytes;
     else if (options.json)
-      report.fail(zolib::kUsage, "an archive is no text for --json");
+      report.fail(zolib::kUsage, {177, "an archive is no text for --json"});
     else
       report.console().out(bytes);
     return;
   }
   target.value = std::move(file.value);
   target.form = *form;
-  if (options.dryRun) return report.note("would write " + target.shown);
-  if (writeValue(target, report) && options.verbose) report.note("wrote " + target.shown);
+  target.size = file.size;
+  if (options.dryRun) return report.note({178, "would write %1"}, target.shown);
+  if (writeValue(target, report) && options.verbose) report.note({179, "wrote %1"}, target.shown);
 }
 
 }  // namespace zoval

@@ -32,7 +32,11 @@ void diff(const Options& options, Report& report) {
   how.tol = ZoTol(options.tolerance, options.tolerance);
   how.anyOrder = options.anyOrder;
   how.codes = how.flags = !options.valuesOnly;
-  const ZoVariantReport changes(before.value, after.value, how);
+  const auto changes = [&] {
+    const zolib::Step comparing = report.step(before.size + after.size, {183, "comparing"});
+    return ZoVariantReport(before.value, after.value, how);
+  }();
+  if (!report.goesOn()) return;
   if (!changes.isEmpty()) report.raise(zolib::kWarnings);
   if (!options.json) return report.console().out(toUtf8(changes.asText().view()));
   Json list = Json::array();

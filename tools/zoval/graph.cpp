@@ -61,11 +61,11 @@ void graph(const Options& options, Report& report) {
   ValueFile file;
   if (!readValue(options.file, options, file, report)) return;
   const ZoVariant* const root = file.value.find(options.path);
-  if (!root) return report.fail(zolib::kNotFound, file.shown + " has no " + toUtf8(options.path));
+  if (!root) return report.fail(zolib::kNotFound, {170, "%1 has no %2"}, file.shown, options.path);
   const Picture picture(*root);
   if (!picture.isWhole())
-    report.warn("only the first " + std::to_string(kMostNodes) +
-                " values are in the picture; say --path for a part");
+    report.warn({180, "only the first %1 values are in the picture; say --path for a part"},
+                kMostNodes);
   const std::wstring target = options.output.value_or(L"-");
   if (target == L"-") {
     std::wostringstream text;
@@ -77,7 +77,7 @@ void graph(const Options& options, Report& report) {
   } else if (const int code = picture.graph().writeGraph(zolib::shellPath(target).c_str())) {
     SetLastError(static_cast<DWORD>(code));
     ZoSystem::fileSystem().errorIO(L"zoval");
-    report.fail(zolib::kFailed, "cannot write " + toUtf8(target) + zolib::because());
+    report.fail(zolib::kFailed, {165, "cannot write %1%2"}, target, zolib::because());
   }
 }
 

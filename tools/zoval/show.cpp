@@ -45,7 +45,7 @@ void get(const Options& options, Report& report) {
   ValueFile file;
   if (!readValue(options.file, options, file, report)) return;
   const ZoVariant* const found = file.value.find(options.path);
-  if (!found) return report.fail(zolib::kNotFound, file.shown + " has no " + toUtf8(options.path));
+  if (!found) return report.fail(zolib::kNotFound, {170, "%1 has no %2"}, file.shown, options.path);
   std::string text;
   if (found->asDict() || found->asSequence()) {
     if (!formOfValue(*found, text, report)) return;

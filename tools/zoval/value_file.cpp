@@ -22,7 +22,11 @@ namespace zoval {
 namespace {
 
 using zolib::because;
+using zolib::say;
+using zolib::Text;
 using zolib::toUtf8;
+
+constexpr Text kNotOpened{157, "cannot open %1%2"};
 
 constexpr struct {
   Form form;
@@ -62,8 +66,7 @@ std::string parse(std::wstring_view text, Form form, ZoVariant& value) {
     unsigned int end = 0;
     if (value.parse(text, &end) == 0) return {};
     const Place place = placeOf(text, end);
-    return "line " + std::to_string(place.line) + ", column " + std::to_string(place.column) +
-           ": no value in text form";
+    return say({150, "line %1, column %2: no value in text form"}, place.line, place.column);
   }
   if (form == Form::kJson) {
     ZoJsonError error;
@@ -72,13 +75,13 @@ std::string parse(std::wstring_view text, Form form, ZoVariant& value) {
   ZoXMLClass document;
   if (document.parse(text) == 0 && document.toVariant(value) == 0) return {};
   const std::string said = toUtf8(document.error().message().view());
-  return said.empty() ? "no value in XML" : said;
+  return said.empty() ? say({151, "no value in XML"}) : said;
 }
 
 bool readText(ZoFile& open, const Options& options, ValueFile& file, Report& report) {
   ZoString text;
   if (zoReadText(open, text) != ZoResult::ok) {
-    report.fail(zolib::kFailed, "cannot read " + file.shown + because());
+    report.fail(zolib::kFailed, {152, "cannot read %1%2"}, file.shown, because());
     return false;
   }
   file.form = formNamed(options.from).value_or(formOfText(text));
@@ -103,33 +106,39 @@ bool readBytes(ZoFile& open, std::string& bytes) {
 bool readArchive(ZoFile& open, ValueFile& file, Report& report) {
   std::string bytes;
   if (!readBytes(open, bytes)) {
-    report.fail(zolib::kFailed, "cannot read " + file.shown + because());
+    report.fail(zolib::kFailed, {152, "cannot read %1%2"}, file.shown, because());
     return false;
   }
   ZoMemoryReadArchive archive(bytes.data(), bytes.size());
   try {
     archive >> file.value;
   } catch (const ZoComException&) {
-    report.fail(zolib::kDamaged, file.shown + ": no value in an archive, or one that ends early");
+    report.fail(zolib::kDamaged, {154, "%1: no value in an archive, or one that ends early"},
+                file.shown);
     return false;
   }
   if (archive.rest() == 0) return true;
-  report.fail(zolib::kDamaged, file.shown + ": " + std::to_string(archive.rest()) +
-                                   " bytes are left behind the value; only an archive of one "
-                                   "value can be read");
+  report.fail(
+      zolib::kDamaged,
+      {155, "%1: %2 bytes are left behind the value; only an archive of one value can be read"},
+      file.shown, archive.rest());
   return false;
 }
 
 bool readOpen(ZoFile& open, const Options& options, ValueFile& file, Report& report) {
+  file.size = static_cast<std::uint64_t>(std::max<std::int64_t>(open.size(), 0));
+  const zolib::Step reading =
+      report.step(file.size, {181, "reading %1 (%2)"}, file.shown, zolib::readableSize(file.size));
   char head[8];
   const unsigned int got = open.read(head, sizeof head);
   if (open.seekToBegin() != 0) {
-    report.fail(zolib::kFailed, "cannot read " + file.shown + because());
+    report.fail(zolib::kFailed, {152, "cannot read %1%2"}, file.shown, because());
     return false;
   }
   const bool isBinary = options.from.empty() ? isArchive({head, got}) : options.from == L"archive";
   file.form = Form::kArchive;
-  return isBinary ? readArchive(open, file, report) : readText(open, options, file, report);
+  return (isBinary ? readArchive(open, file, report) : readText(open, options, file, report)) &&
+         report.goesOn();
 }
 
 bool isLibrary(ZoFile& open) {
@@ -145,11 +154,11 @@ bool openLibrary(const ValueFile& file, int access, ZoLibrary& library, Report& 
   if (code == ZoResult::ok && library.isLibrary()) return true;
   const std::string shown = toUtf8(file.path);
   if (code == ZoResult::ok)
-    report.fail(zolib::kNotFound,
-                shown + " is no library, and has no member " + toUtf8(file.member));
+    report.fail(zolib::kNotFound, {156, "%1 is no library, and has no member %2"}, shown,
+                file.member);
   else
-    report.fail(code == ZoResult::libraryWriteLocked ? zolib::kLocked : zolib::kFailed,
-                "cannot open " + shown + because());
+    report.fail(code == ZoResult::libraryWriteLocked ? zolib::kLocked : zolib::kFailed, kNotOpened,
+                shown, because());
   return false;
 }
 
@@ -167,12 +176,12 @@ bool readMember(const Options& options, ValueFile& file, Report& report, Use use
     return false;
   ZoLibEntry entry;
   if (library.getEntry(ZoFileName(file.member), entry) != ZoResult::ok) {
-    report.fail(zolib::kNotFound, toUtf8(file.path) + " has no member " + toUtf8(file.member) +
-                                      "; `zolib list` shows what it has");
+    report.fail(zolib::kNotFound, {158, "%1 has no member %2; `zolib list` shows what it has"},
+                file.path, file.member);
     return false;
   }
   if (library.getFile(open, ZoFileName(file.member)) != ZoResult::ok) {
-    report.fail(zolib::kDamaged, "cannot read " + file.shown + because());
+    report.fail(zolib::kDamaged, {152, "cannot read %1%2"}, file.shown, because());
     return false;
   }
   return readOpen(open, options, file, report);
@@ -200,7 +209,7 @@ bool writeMember(ValueFile& file, std::string_view bytes, Report& report) {
       return true;
     open.cancel();
   }
-  report.fail(zolib::kFailed, "cannot write " + file.shown + because() + "; it is as it was");
+  report.fail(zolib::kFailed, {159, "cannot write %1%2; it is as it was"}, file.shown, because());
   return false;
 }
 
@@ -221,7 +230,7 @@ bool isAsRead(const ValueFile& file) {
 
 bool keepBytes(ZoFile& open, ValueFile& file, Report& report) {
   if (readBytes(open, file.before.emplace()) && open.seekToBegin() == 0) return true;
-  report.fail(zolib::kFailed, "cannot read " + file.shown + because());
+  report.fail(zolib::kFailed, {152, "cannot read %1%2"}, file.shown, because());
   return false;
 }
 
@@ -258,7 +267,7 @@ bool locate(const std::wstring& name, const Options& options, ValueFile& file, R
     return false;
   }
   if (!options.member.empty()) {
-    report.fail(zolib::kUsage, toUtf8(name) + " names a member already; leave out --member");
+    report.fail(zolib::kUsage, {160, "%1 names a member already; leave out --member"}, name);
     return false;
   }
   setMember(member, file);
@@ -267,7 +276,7 @@ bool locate(const std::wstring& name, const Options& options, ValueFile& file, R
 
 bool lockFile(ValueFile& file, Report& report) {
   if (file.lock.take(file.path)) return true;
-  report.fail(zolib::kLocked, toUtf8(file.path) + " is locked: another program is writing to it");
+  report.fail(zolib::kLocked, {161, "%1 is locked: another program is writing to it"}, file.path);
   return false;
 }
 
@@ -278,7 +287,7 @@ bool readValue(const std::wstring& path, const Options& options, ValueFile& file
   zolib::forgetReason();
   ZoFile open = opened(file.path);
   if (!open.isOpen()) {
-    report.fail(zolib::kNotFound, "cannot open " + file.shown + because());
+    report.fail(zolib::kNotFound, kNotOpened, file.shown, because());
     return false;
   }
   if (!isLibrary(open) && file.member.empty())
@@ -286,9 +295,9 @@ bool readValue(const std::wstring& path, const Options& options, ValueFile& file
            readOpen(open, options, file, report);
   if (file.member.empty()) setMember(options.member, file);
   if (file.member.empty()) {
-    report.fail(zolib::kUsage, file.shown +
-                                   " is a library; name a value in it by --member, or as '" +
-                                   file.shown + "|MEMBER'");
+    report.fail(zolib::kUsage,
+                {162, "%1 is a library; name a value in it by --member, or as '%1|MEMBER'"},
+                file.shown);
     return false;
   }
   static_cast<void>(open.close());
@@ -319,26 +328,28 @@ bool encode(const ZoVariant& value, Form form, std::string& bytes, Report& repor
     if (!bytes.ends_with('\n')) bytes += '\n';
     return true;
   }
-  report.fail(zolib::kFailed,
-              "the value lies too deep, or is too long, for the form " + nameOf(form));
+  report.fail(zolib::kFailed, {163, "the value lies too deep, or is too long, for the form %1"},
+              nameOf(form));
   return false;
 }
 
 bool writeValue(ValueFile& file, Report& report) {
+  const zolib::Step writing = report.step(file.size, {182, "writing %1"}, file.shown);
   std::string bytes;
   if (!encode(file.value, file.form, bytes, report)) return false;
+  if (!report.goesOn()) return false;
   if (!file.member.empty()) return writeMember(file, bytes, report);
   zolib::forgetReason();
   ZoFileSave save;
   const bool isReady =
       save.open(ZoFileName(zolib::shellPath(file.path))) == 0 && isWritten(save.file(), bytes);
   if (isReady && !isAsRead(file)) {
-    report.fail(zolib::kLocked,
-                file.shown + " was written by another program meanwhile; try again");
+    report.fail(zolib::kLocked, {164, "%1 was written by another program meanwhile; try again"},
+                file.shown);
     return false;
   }
   if (isReady && save.commit() == 0) return true;
-  report.fail(zolib::kFailed, "cannot write " + file.shown + because());
+  report.fail(zolib::kFailed, {165, "cannot write %1%2"}, file.shown, because());
   return false;
 }
 

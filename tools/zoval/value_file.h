@@ -4,6 +4,7 @@
 #include <zo/library/library.h>
 #include <zo/variant/variant.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -31,6 +32,7 @@ struct ValueFile {
   std::wstring path;
   std::wstring member;  // empty: the file itself
   std::string shown;    // as it is named in talk
+  std::uint64_t size = 0;
 
   // Of one that is read to be written.
   FileLock lock;

@@ -51,10 +51,9 @@ class ZO_COM_API ZoDialog {
 
   // Shows the platform's dialog. The owner is a window or null.
   [[nodiscard]] virtual int run(HWND__* owner) = 0;
-  // Keeps the reason, a system error or an HRESULT, and gives notShown.
+  // What show() gives for a system error or an HRESULT: cancelled, noPrinter, or notShown, whose
+  // reason is kept.
   int failed(unsigned long error);
-  // What a dialog that ended with a system error gives: cancelled, noPrinter, or as failed().
-  int resultOf(unsigned long error);
 
  private:
   ZoString title_;

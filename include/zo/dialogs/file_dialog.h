@@ -14,6 +14,10 @@
 
 #include <vector>
 
+namespace zo {
+struct ItemDialogRequest;
+}
+
 class ZO_COM_API ZoFileDialog : public ZoDialog {
  public:
   enum Kind : int {
@@ -45,6 +49,15 @@ class ZO_COM_API ZoFileDialog : public ZoDialog {
   // Keeps the folder of what was taken in the setting "dialogs@KEY@folder", one for each purpose.
   void remember(ZoString key) { key_ = std::move(key); }
 
+  // Libraries, files of names that fit one of these patterns, are then opened rather than taken: a
+  // second window shows their members by folders and filters, and what is taken there is
+  // LIBRARY|MEMBER (zo/names/member_name.h) as the file search service finds it; "back" leads to
+  // the files again. The patterns are added to the filters of files. What only looks like a library
+  // is a file as any other. For opening; to save, libraries are files. Empty ends it. Refused with
+  // a zero character.
+  [[nodiscard]] int browseLibraries(const ZoString& patterns);
+  [[nodiscard]] const ZoString& libraries() const noexcept { return libraries_; }
+
   // The name that stands in the dialog at first; afterwards what was taken. file() is empty where
   // there is none.
   void setFile(const ZoFileName& file);
@@ -56,10 +69,14 @@ class ZO_COM_API ZoFileDialog : public ZoDialog {
   int run(HWND__* owner) override;
 
  private:
+  [[nodiscard]] int ask(zo::ItemDialogRequest& request, std::vector<ZoFileName>& files,
+                        HWND__* owner);
+
   Kind kind_;
   unsigned int filter_ = 0;
   std::vector<Filter> filters_;
   std::vector<ZoFileName> files_;
   ZoFileName folder_;
   ZoString key_;
+  ZoString libraries_;  // patterns; empty: they are not browsed
 };

@@ -9,6 +9,7 @@ _zoval() {
     return
   fi
   case $previous in
+    --language) mapfile -t COMPREPLY < <(compgen -W 'de en' -- "$current"); return ;;
     --from | --to) mapfile -t COMPREPLY < <(compgen -W 'text archive xml json' -- "$current"); return ;;
     -m | --member | --path | --tolerance) return ;;
   esac

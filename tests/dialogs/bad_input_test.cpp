@@ -1,0 +1,138 @@
+// What callers and machines give dialogs that they should not: owners that are not theirs or go,
+// threads of another kind, long names, masses of files, odd filters.
+#include <gtest/gtest.h>
+#include <objbase.h>
+#include <zo/dialogs.h>
+
+#include <memory>
+
+#include "dialogs/dialog_fixture.h"
+#include "support/child_process.h"
+
+namespace {
+
+using zo::test::DialogUser;
+
+// Until it is killed.
+ZO_TEST_CHILD(window_owner) {
+  HWND const window = CreateWindowExW(0, L"Static", L"foreign", WS_OVERLAPPED, 0, 0, 10, 10,
+                                      nullptr, nullptr, nullptr, nullptr);
+  parent.say(std::to_string(reinterpret_cast<std::uintptr_t>(window)));
+  MSG message;  // a dialog sends its owner some
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
+  return 0;
+}
+
+class BadInput : public zo::test::DialogTest {
+ protected:
+  using Made = std::unique_ptr<ZoDialog>;
+  // One of each kind that needs no printer.
+  static std::vector<Made> everyDialog() {
+    std::vector<Made> dialogs;
+    dialogs.push_back(std::make_unique<ZoMessageBox>(L"text", ZoMessageBox::kOkCancel));
+    dialogs.push_back(std::make_unique<ZoTaskDialog>(L"text"));
+    EXPECT_EQ(static_cast<ZoTaskDialog&>(*dialogs.back()).addButton(100, L"button"), 0);
+    dialogs.push_back(std::make_unique<ZoFileDialog>(ZoFileDialog::kOpen));
+    dialogs.push_back(std::make_unique<ZoFileDialog>(ZoFileDialog::kSave));
+    dialogs.push_back(std::make_unique<ZoFolderDialog>());
+    dialogs.push_back(std::make_unique<ZoColorDialog>());
+    dialogs.push_back(std::make_unique<ZoFontDialog>());
+    return dialogs;
+  }
+  static int cancel(ZoDialog& dialog, HWND owner = nullptr) {
+    DialogUser user([](HWND window) { DialogUser::press(window, IDCANCEL); });
+    const int code = dialog.show(owner);
+    EXPECT_EQ(user.shown(), 1);
+    return code;
+  }
+};
+
+TEST_F(BadInput, AnOwnerThatGoesEndsTheDialog) {
+  for (const Made& dialog : everyDialog()) {
+    HWND const owner = window();
+    DialogUser user([&](HWND) { DestroyWindow(owner); });
+    EXPECT_NE(dialog->show(owner), ZoResult::ok) << typeid(*dialog).name();
+    EXPECT_FALSE(IsWindow(owner));
+    EXPECT_EQ(cancel(*dialog), ZoResult::cancelled) << "and it can be shown again";
+  }
+}
+
+TEST_F(BadInput, AnOwnerMayBeAnotherProcesss) {
+  zo::test::ChildProcess child(L"window_owner");
+  HWND const owner =
+      reinterpret_cast<HWND>(static_cast<std::uintptr_t>(std::stoull(*child.hear())));
+  for (const Made& dialog : everyDialog())
+    EXPECT_EQ(cancel(*dialog, owner), ZoResult::cancelled) << typeid(*dialog).name();
+  child.kill();
+  for (const Made& dialog : everyDialog())
+    EXPECT_EQ(dialog->show(owner), ZoResult::noOwner) << typeid(*dialog).name();
+}
+
+TEST_F(BadInput, ThreadsOfEveryKindShowDialogs) {
+  for (const DWORD kind : {COINIT_MULTITHREADED, COINIT_APARTMENTTHREADED})
+    zo::test::inOtherThread([&] {
+      EXPECT_EQ(CoInitializeEx(nullptr, kind), S_OK);
+      for (const Made& dialog : everyDialog())
+        EXPECT_EQ(cancel(*dialog), ZoResult::cancelled) << typeid(*dialog).name();
+      CoUninitialize();
+    });
+}
+
+TEST_F(BadInput, LongNamesAreWholeOrRefused) {
+  std::wstring deep = folder();
+  for (int level = 0; level < 3; ++level) deep += L"\\" + std::wstring(100, L'f');
+  std::filesystem::create_directories(L"\\\\?\\" + deep);
+  for (const std::wstring& name :
+       {std::wstring(250, L'n'), std::wstring(300, L'n'), std::wstring(40000, L'n')}) {
+    ZoFileDialog dialog(ZoFileDialog::kSave);
+    dialog.setFolder(ZoFileName(deep + L"\\"));
+    dialog.setFile(ZoFileName(name));
+    HWND first = nullptr;
+    DialogUser user([&](HWND window) {
+      if (!first) first = window, DialogUser::typeName(window, name);
+      DialogUser::press(window, IDOK);
+      if (window != first) DialogUser::press(first, IDCANCEL);
+    });
+    const int code = dialog.show();
+    EXPECT_TRUE(code == ZoResult::ok || code == ZoResult::cancelled) << code;
+    if (code == ZoResult::ok) {
+      EXPECT_EQ(dialog.file().fileNameExt(), name);
+    }
+  }
+}
+
+TEST_F(BadInput, TenThousandFilesAreTaken) {
+  std::wstring typed;
+  for (int i = 0; i < 10000; ++i) {
+    const std::wstring name = L"n" + std::to_wstring(i);
+    std::ofstream(folder_.path() / "inner" / name);
+    typed += L"\"" + name + L"\" ";
+  }
+  ZoFileDialog dialog(ZoFileDialog::kOpenSeveral);
+  dialog.setFolder(ZoFileName(folder() + L"\\inner\\"));
+  DialogUser user([&](HWND window) {
+    DialogUser::typeName(window, typed);
+    DialogUser::press(window, IDOK);
+  });
+  EXPECT_EQ(dialog.show(), 0);
+  EXPECT_EQ(user.shown(), 1);
+  ASSERT_EQ(dialog.files().size(), 10000u);
+  EXPECT_STREQ(dialog.files().back().fileNameExt(), L"n9999");
+}
+
+TEST_F(BadInput, OddFiltersAreShown) {
+  ZoFileDialog dialog;
+  for (const wchar_t* patterns :
+       {L"*", L"..", L"[a", L"a b", L"?", L"*.*.*", L"\\", L"*.a;*.b;*.c", L"\xD800"})
+    EXPECT_EQ(dialog.addFilter(L"&\t", patterns), 0);
+  EXPECT_EQ(
+      dialog.addFilter(ZoString(std::wstring(5000, L'n')), ZoString(std::wstring(5000, L'*'))), 0);
+  for (int i = 0; i < 300; ++i) dialog.addFilter(ZoFileName::kVal);
+  for (const unsigned filter : {0u, 9u, 309u}) {
+    EXPECT_EQ(dialog.setFilter(filter), 0);
+    EXPECT_EQ(cancel(dialog), ZoResult::cancelled);
+    EXPECT_EQ(dialog.filter(), filter);
+  }
+}
+
+}  // namespace
