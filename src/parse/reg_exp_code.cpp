@@ -36,8 +36,7 @@ std::uint32_t flagsOf(ZoRegExp::Option options) noexcept {
   const auto has = [options](ZoRegExp::Option option) { return (options & option) != 0; };
   const bool isAscii = has(ZoRegExp::kIgnoreAsciiCase) && !has(ZoRegExp::kIgnoreCase);
   const bool isPlain = has(ZoRegExp::kLiteral) && !has(ZoRegExp::kWildcard);
-  std::uint32_t flags = PCRE2_USE_OFFSET_LIMIT;
-  if (!isAscii) flags |= PCRE2_UTF;
+  std::uint32_t flags = isAscii ? 0 : PCRE2_UTF;
   if (isAscii || has(ZoRegExp::kIgnoreCase)) flags |= PCRE2_CASELESS;
   if (isPlain) return flags | PCRE2_LITERAL;
   flags |= PCRE2_NEVER_BACKSLASH_C;
@@ -58,6 +57,41 @@ bool isUnitwise(std::u16string_view pattern) noexcept {
     if (c == u'[' && (next == u'^' || next == u':')) return false;
     if (c == u'(' && (next == u'*' || (next == u'?' && pattern.substr(i, 3) != u"(?:")))
       return false;
+  }
+  return true;
+}
+
+// Where the class that begins at a place ends, and how it does: 0 if it holds what could end it
+// later than it seems.
+std::size_t endOfClass(std::u16string_view pattern, std::size_t at) noexcept {
+  const std::size_t first = at + (pattern.substr(at + 1).starts_with(u'^') ? 2 : 1);
+  const std::size_t end = pattern.find(u']', first);
+  if (end == pattern.npos || end == first) return 0;
+  return pattern.substr(first, end - first).find_first_of(u"\\[") == pattern.npos ? end : 0;
+}
+
+// Whether a try at one place costs little, or no more than the match that it finds is long: then a
+// search takes a time that its text and pattern are worth. So it is with characters and classes, at
+// most one of them repeated, at the end, and with one group of such.
+bool isOverSoon(std::u16string_view pattern) noexcept {
+  constexpr std::size_t kShort = 250;
+  unsigned groups = 0;
+  if (pattern.size() > kShort) return false;
+  for (std::size_t i = 0; i < pattern.size(); ++i) {
+    const std::u16string_view rest = pattern.substr(i);
+    if (rest[0] == u'[') {
+      const std::size_t end = endOfClass(pattern, i);
+      if (end == 0) return false;
+      i = end;
+    } else if (rest[0] == u'(') {
+      if (++groups > 1 || rest.starts_with(u"(*")) return false;
+      if (rest.starts_with(u"(?") && !rest.starts_with(u"(?:")) return false;
+      if (rest.starts_with(u"(?:")) i += 2;
+    } else if (rest[0] == u'*' || rest[0] == u'+') {
+      if (rest.size() > 1 || pattern[i - (i > 0)] == u')') return false;
+    } else if (rest[0] == u'?' || rest[0] == u'{' || rest[0] == u'\\') {
+      return false;
+    }
   }
   return true;
 }
@@ -158,25 +192,25 @@ bool RegExpCode::compile(std::u16string_view pattern, RegExpError& error) noexce
       repaired[lone] = u'\xFFFD';
     pattern = {repaired.get(), pattern.size()};
   }
+  canPause_ = (flags & PCRE2_LITERAL) == 0 && !isOverSoon(pattern);
+  for (const std::u16string_view sign : {u"\\G", u"(*COMMIT", u"(*SKIP"})
+    if (canPause_ && pattern.find(sign) != pattern.npos) canPause_ = false;
+  if (canPause_) flags |= PCRE2_USE_OFFSET_LIMIT;
   code_ = compiled(pattern, flags, error);
   if (!code_) {
     if (error.code == PCRE2_ERROR_HEAP_FAILED) error.code = kNoMemory;
     return false;
   }
   isTried_ = (options_ & ZoRegExp::kNoMachineCode) != 0;
-  learn(pattern);
+  learn();
   return true;
 }
 
-void RegExpCode::learn(std::u16string_view pattern) noexcept {
+void RegExpCode::learn() noexcept {
   const pcre2_code* const code = code_.get();
   const auto flags = info<std::uint32_t>(code, PCRE2_INFO_ALLOPTIONS);
   seesPairs_ = (flags & PCRE2_UTF) != 0;
-  canPause_ = (flags & (PCRE2_ANCHORED | PCRE2_LITERAL)) == 0 &&
-              pattern.find_first_of(u"*+?{(") != pattern.npos;
-  for (const std::u16string_view sign : {u"\\G", u"(*COMMIT", u"(*SKIP"}) {
-    if (pattern.find(sign) != pattern.npos) canPause_ = false;
-  }
+  if ((flags & PCRE2_ANCHORED) != 0) canPause_ = false;
   groups_ = info<std::uint32_t>(code, PCRE2_INFO_CAPTURECOUNT);
   nameCount_ = info<std::uint32_t>(code, PCRE2_INFO_NAMECOUNT);
   nameEntrySize_ = info<std::uint32_t>(code, PCRE2_INFO_NAMEENTRYSIZE);

@@ -63,8 +63,7 @@ class RegExpCode {
   // Whether a surrogate pair is one character to it.
   [[nodiscard]] bool seesPairs() const noexcept { return seesPairs_; }
   // Whether a search should look at the clock at times, and can: looking from one place and then
-  // from a later one finds the same as in one go, but not with \G, (*COMMIT) and (*SKIP). Without
-  // repeats and groups it is over soon.
+  // from a later one finds the same as in one go, but not with \G, (*COMMIT) and (*SKIP).
   [[nodiscard]] bool canPause() const noexcept { return canPause_; }
 
   [[nodiscard]] std::unique_ptr<RegExpScratch> takeScratch() const noexcept;  // null: no memory
@@ -75,7 +74,7 @@ class RegExpCode {
   ~RegExpCode();
   bool make() const noexcept;
   [[nodiscard]] bool compile(std::u16string_view pattern, RegExpError& error) noexcept;
-  void learn(std::u16string_view pattern) noexcept;
+  void learn() noexcept;
 
   mutable std::atomic<unsigned> references_{1};
   mutable std::atomic<RegExpScratch*> spare_{nullptr};

@@ -10,7 +10,9 @@
 namespace zo {
 namespace {
 
-constexpr std::size_t kSmallStack = 32 * 1024;
+constexpr std::size_t kSmallStack = std::size_t{32} * 1024;
+// Enough for most texts; with these the stretches can be long.
+constexpr unsigned kFewSteps = 10'000;
 constexpr std::uint64_t kFast = 8;  // ms for a stretch
 constexpr std::uint64_t kFirstStretch = std::uint64_t{1} << 29;
 constexpr std::uint64_t kLastStretch = std::uint64_t{1} << 33;
@@ -36,18 +38,24 @@ bool RegExpRun::prepare() noexcept {
   scratch_ = code_.takeScratch();
   if (!scratch_) return false;
   pcre2_match_context* const context = scratch_->context.get();
-  pcre2_set_match_limit(context, limits_.steps);
   pcre2_set_depth_limit(context, limits_.depth);
   pcre2_set_heap_limit(context, limits_.heapKiB);
-  stretch_ = placesIn(kFirstStretch);
+  setSteps(std::min(limits_.steps, kFewSteps));
   ovector_ = pcre2_get_ovector_pointer(scratch_->data.get());
   return true;
+}
+
+void RegExpRun::setSteps(unsigned steps) noexcept {
+  steps_ = steps;
+  pcre2_set_match_limit(scratch_->context.get(), steps);
+  stretch_ = placesIn(kFirstStretch);
+  hasLast_ = false;
 }
 
 // So many places may be tried in about `nanoseconds`, if each costs all its steps, or the walk of a
 // loop that is not counted.
 std::size_t RegExpRun::placesIn(std::uint64_t nanoseconds) const noexcept {
-  const std::uint64_t most = std::max<std::uint64_t>(text_.size(), limits_.steps) + 1;
+  const std::uint64_t most = std::max<std::uint64_t>(text_.size(), steps_) + 1;
   return static_cast<std::size_t>(nanoseconds / (machineCode_ ? most : 8 * most) + 1);
 }
 
@@ -87,11 +95,17 @@ int RegExpRun::find(std::size_t from, bool notEmpty) noexcept {
   for (;;) {
     if (!hasLast_ || from > last_) setLastPlace(from);
     const int code = tryFrom(from, notEmpty ? PCRE2_NOTEMPTY_ATSTART : 0);
+    if (code == ZoResult::gaveUp && steps_ < limits_.steps) {
+      setSteps(limits_.steps);
+      continue;
+    }
     const bool isFound = code == ZoResult::ok;
+    const bool isWhole = isFound && (length() != 0 || !isInPair(text_, begin()));
+    if (isWhole && !keepsTime_) return code;
     if (!isFound && (code != ZoResult::refused || last_ >= text_.size())) return code;
     const std::size_t reached = isFound ? std::max(from, begin()) : last_;
     if (!hasTime(reached - from + 1) && (keepsTime_ || !isFound)) return ZoResult::gaveUp;
-    if (isFound && (length() != 0 || !isInPair(text_, begin()))) return code;
+    if (isWhole) return code;
     from = isFound ? reached : last_ + 1;
     notEmpty = isFound;
   }
@@ -99,6 +113,7 @@ int RegExpRun::find(std::size_t from, bool notEmpty) noexcept {
 
 int RegExpRun::matchWhole() noexcept {
   if (!prepare()) return ZoResult::outOfMemory;
+  setSteps(limits_.steps);
   pcre2_set_offset_limit(scratch_->context.get(), PCRE2_UNSET);
   return interpret(0, PCRE2_ANCHORED | PCRE2_ENDANCHORED);
 }

@@ -4,7 +4,8 @@
 // with a million tries each would take hours. So a search looks at a stretch of places at a time
 // and at the clock in between. A stretch is so long that even if each of its
 // places costs all its steps, or a walk over the whole rest of the text, it ends within some
-// seconds; stretches that turn out to be fast become longer.
+// seconds; stretches that turn out to be fast become longer. A search begins with few steps for a
+// place, which most texts need, and goes on with all that it may take once a place needs more.
 #pragma once
 
 #include <zo/parse/reg_exp.h>
@@ -41,10 +42,10 @@ class RegExpRun {
 
   // Of the last match; nowhere before the first.
   [[nodiscard]] std::size_t begin(unsigned group = 0) const noexcept {
-    return ovector_ && group <= code_.groups() ? ovector_[2 * group] : kNowhere;
+    return ovector_ && group <= code_.groups() ? ovector_[std::size_t{2} * group] : kNowhere;
   }
   [[nodiscard]] std::size_t end(unsigned group = 0) const noexcept {
-    return ovector_[2 * group + 1];
+    return ovector_[std::size_t{2} * group + 1];
   }
   [[nodiscard]] std::size_t length(unsigned group = 0) const noexcept {
     const std::size_t from = begin(group);
@@ -58,6 +59,7 @@ class RegExpRun {
   [[nodiscard]] int tryFrom(std::size_t from, std::uint32_t flags) noexcept;
   [[nodiscard]] int interpret(std::size_t from, std::uint32_t flags) noexcept;
   [[nodiscard]] std::size_t placesIn(std::uint64_t nanoseconds) const noexcept;
+  void setSteps(unsigned steps) noexcept;
   void setLastPlace(std::size_t from) noexcept;
   [[nodiscard]] bool hasTime(std::size_t places) noexcept;
 
@@ -72,6 +74,7 @@ class RegExpRun {
   bool keepsTime_ = false;
   bool hasStarted_ = false;
   std::uint64_t started_ = 0, lastLook_ = 0;
+  unsigned steps_ = 0;  // for each place, as long as they are enough
   bool hasLast_ = false;
   std::size_t last_ = 0;                 // to be tried before the clock is looked at
   std::size_t spent_ = 0, stretch_ = 1;  // places: since the clock was looked at, and until it is

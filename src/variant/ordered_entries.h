@@ -1,6 +1,7 @@
 // The entries of a dictionary in the order in which they are written.
 #pragma once
 
+#include <zo/text/containers/node_pool.h>
 #include <zo/variant/variant.h>
 
 #include <algorithm>
@@ -18,10 +19,18 @@ struct KeyedValue {
 
 // The entries in the order of their keys' code units.
 [[nodiscard]] inline std::vector<KeyedValue> inOrderOfKeys(const ZoVariant::Dict& dict) {
+  // The texts of the keys lie all over the memory: they are on their way when they are looked at.
   std::vector<KeyedValue> entries;
+  std::vector<const ZoString*> keys;
   entries.reserve(dict.entries());
-  for (const auto [key, value] : dict) entries.push_back({0, key.view(), &value});
+  keys.reserve(dict.entries());
+  for (const auto [key, value] : dict) {
+    prefetch(key.data());
+    keys.push_back(&key);
+    entries.push_back({0, {}, &value});
+  }
   if (entries.empty()) return entries;
+  for (size_t i = 0; i < keys.size(); ++i) entries[i].key = keys[i]->view();
 
   // Keys of one dictionary tend to begin alike: most comparisons are then one of two numbers.
   const std::wstring_view first = entries.front().key;

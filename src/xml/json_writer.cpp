@@ -7,7 +7,10 @@
 #include <cmath>
 #include <utility>
 
+#include "parse/reg_exp_wide.h"
 #include "text/code_units.h"
+#include "text/eight_units.h"
+#include "text/lone_surrogate.h"
 #include "xml/json_parser.h"
 #include "xml/real_form.h"
 
@@ -17,15 +20,28 @@ namespace {
 
 using View = std::wstring_view;
 
-bool hasLoneSurrogate(View text) noexcept {
-  for (size_t i = 0; i < text.size(); ++i) {
-    if (!isSurrogate(text[i])) continue;
-    if (firstCharacter(text.substr(i)).size() == 1) return true;
-    ++i;
+bool hasLoneSurrogate(View text) noexcept { return loneSurrogate(unitsOf(text)) < text.size(); }
+
+bool isEscaped(wchar_t c) noexcept { return c < 0x20 || c == L'"' || c == L'\\'; }
+
+// Copies the units up to the first one to be escaped, and perhaps some behind it; gives their
+// number. There is room for the whole text.
+size_t copyPlain(View text, wchar_t* to) noexcept {
+  size_t i = 0;
+  for (; i + kLane <= text.size(); i += kLane) {
+    const __m128i v = load8(text.data() + i);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + i), v);
+    const __m128i escaped = _mm_or_si128(
+        between8(v, 0, 0x1F),
+        _mm_or_si128(_mm_cmpeq_epi16(v, fill8(L'"')), _mm_cmpeq_epi16(v, fill8(L'\\'))));
+    if (const unsigned int found = mask8(escaped))
+      return i + static_cast<size_t>(std::countr_zero(found)) / 2;
   }
-  return false;
+  for (; i < text.size() && !isEscaped(text[i]); ++i) to[i] = text[i];
+  return i;
 }
 
+constexpr size_t kLongestEscape = 6;
 wchar_t* writeEscaped(wchar_t c, wchar_t* to) noexcept {
   constexpr View kMeant = L"\"\\\b\f\n\r\t";
   constexpr View kNames = L"\"\\bfnrt";
@@ -241,24 +257,17 @@ void JsonWriter::writeUnits(View text) {
 }
 
 void JsonWriter::writeQuoted(View text) {
-  constexpr size_t kPiece = 256;
-  for (bool isFirst = true; isFirst || !text.empty(); isFirst = false) {
-    // No unit takes more than the six of an escape.
-    wchar_t* const first = out_.room(6 * kPiece + 2);
-    wchar_t* to = first;
-    if (isFirst) *to++ = L'"';
-    const size_t count = std::min(kPiece, text.size());
-    for (const wchar_t c : text.substr(0, count)) {
-      if (c >= 0x20 && c != L'"' && c != L'\\') {
-        *to++ = c;
-      } else {
-        to = writeEscaped(c, to);
-      }
-    }
-    text.remove_prefix(count);
-    if (text.empty()) *to++ = L'"';
-    out_.advance(static_cast<size_t>(to - first));
+  out_ << L'"';
+  for (;;) {
+    const size_t plain = copyPlain(text, out_.room(text.size() + 1));
+    out_.advance(plain);
+    text.remove_prefix(plain);
+    if (text.empty()) break;
+    wchar_t* const first = out_.room(kLongestEscape);
+    out_.advance(static_cast<size_t>(writeEscaped(text.front(), first) - first));
+    text.remove_prefix(1);
   }
+  out_ << L'"';
 }
 
 }  // namespace zo

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "parse/reg_exp_code.h"
 #include "shown.h"
 
 namespace zo::test {
@@ -169,6 +170,33 @@ TEST(Search, GivesUpAtItsLimitsAndNotBefore) {
   }
   pattern.setLimits({0, 0, 0, 0});
   EXPECT_EQ(statusOf(pattern, without), ZoResult::gaveUp);
+}
+
+// What is not interrupted takes no longer than its text is worth.
+TEST(Search, LooksAtTheClockWhereverAPlaceCanCostMuch) {
+  const struct {
+    const wchar_t* pattern;
+    bool canPause;
+  } patterns[] = {
+      {L"[0-9]+", false},       {L"[A-Z_][^;]*", false}, {L"(in|char)", false},
+      {L"(?:a|[b-d]).", false}, {L"[a-z]*ing", true},    {L"(a|b)+", true},
+      {L"(a|b)(c|d)", true},    {L"[]x]*y+", true},      {L"[^]x]*y+", true},
+      {L"(?=a+)b", true},       {L"a?b", true},          {L"a{2,}", true},
+      {L"(\\w)+", true},        {L"[\\]+]*a+", true},    {L"[[:alpha:]]+", true},
+      {L"(*UCP)a+", true},      {L"\\Ga*b", false},
+  };
+  for (const auto& [pattern, canPause] : patterns)
+    EXPECT_EQ(ZoRegExp(pattern).code()->canPause(), canPause) << shown(pattern);
+}
+
+TEST(Search, GoesOnWithAllItsStepsWhereAPlaceNeedsThem) {
+  const ZoString text(std::wstring(3000, L'x') + std::wstring(23, L'a') + L'b');
+  for (const Option how : {ZoRegExp::kDefault, ZoRegExp::kNoMachineCode}) {
+    ZoRegExp pattern(L"(?:a|aa)+c|a{23}b", how);
+    EXPECT_EQ(placesOf(pattern, text), (Places{{3000, 24}}));
+    pattern.setLimits({.steps = 20'000});
+    EXPECT_EQ(placesOf(pattern, text), Places{});
+  }
 }
 
 // ---- Replacing and splitting ----
