@@ -39,7 +39,7 @@ class Recovery {
 
   int add(const IndexEntry& found) {
     if (found.record.isLive()) return ZoResult::refused;
-    const std::wstring_view name = library_.index().name(found);
+    const std::wstring name = library_.index().name(found);
     if (const IndexEntry* const other = recovered_.findLive(name)) {
       return other->position == found.position ? ZoResult::ok : ZoResult::memberExists;
     }

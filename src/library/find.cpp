@@ -16,18 +16,6 @@ static_assert(ZoLibEntry::kScanEnds == kEndsScan && ZoLibEntry::kCompressed == k
 
 bool isAscii(wchar_t unit) { return unit < 0x7F; }
 
-// Whether an entry's name is the wanted one, which is in ASCII: nearly always told by comparing
-// bytes, up to what may be an escape. Every ANSI code page has the ASCII characters in their
-// places.
-bool isNamed(std::string_view bytes, std::wstring_view wanted) {
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    const wchar_t unit = static_cast<unsigned char>(bytes[i]);
-    if (!isAscii(unit) || unit == L'\\') return equalNames(decodeName(bytes), wanted);
-    if (i == wanted.size() || lowerAscii(unit) != lowerAscii(wanted[i])) return false;
-  }
-  return bytes.size() == wanted.size();
-}
-
 ZoLibEntry describe(const LibraryState& library, std::uint64_t position, const EntryRecord& record,
                     const ContentTrailer& trailer) {
   const bool isCompressed = record.has(kIsCompressed);
@@ -130,10 +118,11 @@ int findEntryAt(LibraryState& library, std::uint64_t position, RawEntry& entry) 
   return found && library.load(*found, entry) ? ZoResult::ok : ZoResult::refused;
 }
 
-ZoLibEntry describe(const LibraryState& library, const IndexEntry& entry) {
+ZoLibEntry describe(const LibraryState& library, const IndexEntry& entry, bool isHidden) {
   ZoLibEntry result = describe(library, entry.position, entry.record, entry.trailer);
   result.ordinal = library.index().ordinal(entry);
-  result.name = library.index().name(entry);
+  result.name = std::wstring_view(library.index().name(entry));
+  result.isHidden = isHidden;
   return result;
 }
 
@@ -148,17 +137,20 @@ int visitVersions(LibraryState& library, const ZoFileName& member,
                   const std::function<bool(const ZoLibEntry&)>& visit) {
   if (const int code = library.refresh()) return code;
   for (const IndexEntry* const entry : library.index().all(member.view())) {
-    if (!visit(describe(library, *entry))) break;
+    if (!visit(describe(library, *entry, library.index().isHidden(*entry)))) break;
   }
   return ZoResult::ok;
 }
 
 int visitEntries(LibraryState& library, const std::function<bool(const ZoLibEntry&)>& visit,
-                 bool withDeleted) {
+                 bool withDeleted, std::uint64_t first) {
   if (const int code = library.refresh()) return code;
-  for (const IndexEntry& entry : library.index().entries()) {
-    if (!withDeleted && !entry.record.isLive()) continue;
-    if (!visit(describe(library, entry))) break;
+  const std::vector<bool>& hidden = library.hidden();
+  const auto entries = library.index().entries();
+  for (std::uint64_t i = first - 1; i < entries.size(); ++i) {
+    const auto place = static_cast<std::size_t>(i);
+    if (!withDeleted && !entries[place].record.isLive()) continue;
+    if (!visit(describe(library, entries[place], hidden[place]))) break;
   }
   return ZoResult::ok;
 }

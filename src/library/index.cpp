@@ -7,73 +7,77 @@
 #include "names/name_compare.h"
 
 namespace zo {
-namespace {
 
-std::uint32_t shortHash(std::wstring_view name) {
-  return static_cast<std::uint32_t>(hashName(name));
-}
-
-}  // namespace
-
-void LibraryIndex::clear() {
-  entries_.clear();
-  names_.clear();
+void LibraryIndex::clear() noexcept {
+  entries_.shorten(0);
+  hashes_.shorten(0);
+  names_.shorten(0);
   buckets_.clear();
+  searches_ = 0;
+  hidden_.clear();
   largestNumber_ = 0;
 }
 
-void LibraryIndex::keepName(IndexEntry& entry, std::string_view bytes) {
-  entry.nameBegin = names_.size();
-  if (isPlainName(bytes)) {
-    names_.append(bytes.begin(), bytes.end());
-  } else {
-    names_ += decodeName(bytes);
-  }
-  entry.nameSize = static_cast<std::uint32_t>(names_.size() - entry.nameBegin);
-  entry.hash = shortHash(name(entry));
+std::string_view LibraryIndex::bytes(const IndexEntry& entry) const {
+  return {names_.all().data() + entry.nameBegin, entry.record.nameLength};
 }
 
-std::wstring_view LibraryIndex::name(const IndexEntry& entry) const {
-  return std::wstring_view(names_).substr(entry.nameBegin, entry.nameSize);
-}
+std::wstring LibraryIndex::name(const IndexEntry& entry) const { return decodeName(bytes(entry)); }
 
-std::uint32_t& LibraryIndex::bucket(std::uint32_t hash) noexcept {
+// ---- Buckets ----
+
+std::uint32_t& LibraryIndex::bucket(std::uint32_t hash) const noexcept {
   return buckets_[hash & (buckets_.size() - 1)];
 }
 
-void LibraryIndex::link(std::uint32_t number) {
-  IndexEntry& entry = entries_[number - 1];
+void LibraryIndex::link(std::uint32_t number) const noexcept {
   // Newer entries come before older ones.
-  std::uint32_t* place = &bucket(entry.hash);
-  while (*place > number) place = &entries_[*place - 1].before;
-  entry.before = *place;
+  std::uint32_t* place = &bucket(hashes_[number - 1]);
+  while (*place > number) place = &before_[*place - 1];
+  before_[number - 1] = *place;
   *place = number;
 }
 
 void LibraryIndex::unlink(std::uint32_t number) noexcept {
-  std::uint32_t* place = &bucket(entries_[number - 1].hash);
-  while (*place != number) place = &entries_[*place - 1].before;
-  *place = entries_[number - 1].before;
+  if (buckets_.empty()) return;
+  std::uint32_t* place = &bucket(hashes_[number - 1]);
+  while (*place != number) place = &before_[*place - 1];
+  *place = before_[number - 1];
 }
 
-void LibraryIndex::makeBuckets(std::size_t count) {
-  buckets_.assign(std::bit_ceil(std::max<std::size_t>(count, 64)), 0);
-  for (std::uint32_t number = 1; number <= entries_.size(); ++number) link(number);
+// With room for as many entries as there are buckets.
+void LibraryIndex::makeBuckets() const {
+  const std::size_t count = std::bit_ceil(std::max<std::size_t>(hashes_.size() + 1, 64));
+  before_.resize(count);
+  buckets_.assign(count, 0);
+  for (std::uint32_t number = 1; number <= hashes_.size(); ++number) link(number);
 }
+
+// ---- Entries ----
 
 void LibraryIndex::reserve(std::size_t count) {
-  constexpr std::size_t kTypicalName = 24;
-  entries_.reserve(count);
-  names_.reserve(count * kTypicalName);
-  makeBuckets(count);
+  constexpr std::size_t kTypicalName = 24, kMore = 64;
+  entries_.reserve(count + kMore);
+  hashes_.reserve(count + kMore);
+  names_.reserve((count + kMore) * kTypicalName);
 }
 
 void LibraryIndex::add(const RawEntry& raw) {
-  IndexEntry entry{.position = raw.position, .record = raw.record, .trailer = raw.trailer};
-  keepName(entry, raw.name);
-  if (entries_.size() == buckets_.size()) makeBuckets(2 * (entries_.size() + 1));
-  entries_.push_back(entry);
-  link(static_cast<std::uint32_t>(entries_.size()));
+  const std::size_t count = entries_.size();
+  const std::uint32_t hash = hashNameBytes(raw.name);
+  entries_.reserve(count + 1);
+  hashes_.reserve(count + 1);
+  names_.reserve(names_.size() + raw.name.size());
+  if (count == buckets_.size()) buckets_.clear();  // a search makes more
+  hidden_.clear();
+  entries_.append(IndexEntry{.position = raw.position,
+                             .record = raw.record,
+                             .trailer = raw.trailer,
+                             .nameBegin = names_.size()});
+  entries_[count].record.nameLength = static_cast<std::uint16_t>(raw.name.size());
+  names_.append(raw.name);
+  hashes_.append(hash);
+  if (!buckets_.empty()) link(static_cast<std::uint32_t>(count + 1));
   if (!raw.record.has(kIsCompressed)) largestNumber_ = std::max(largestNumber_, raw.record.number);
 }
 
@@ -81,40 +85,57 @@ void LibraryIndex::replace(const RawEntry& raw) {
   const IndexEntry* const found = at(raw.position);
   if (!found) return;
   const auto number = static_cast<std::uint32_t>(ordinal(*found));
+  const std::uint32_t hash = hashNameBytes(raw.name);
+  names_.reserve(names_.size() + raw.name.size());
+  hidden_.clear();
   unlink(number);
-  entries_[number - 1].record = raw.record;
-  keepName(entries_[number - 1], raw.name);
-  link(number);
+  IndexEntry& entry = entries_[number - 1];
+  if (bytes(entry) != raw.name) {
+    entry.nameBegin = names_.size();
+    names_.append(raw.name);
+  }
+  entry.record = raw.record;
+  entry.record.nameLength = static_cast<std::uint16_t>(raw.name.size());
+  hashes_[number - 1] = hash;
+  if (!buckets_.empty()) link(number);
 }
 
 void LibraryIndex::clearFlags(std::uint64_t position, std::uint16_t flags) {
   if (const IndexEntry* const found = at(position)) {
-    EntryRecord& record = entries_[static_cast<std::size_t>(found - entries_.data())].record;
-    record.flags &= static_cast<std::uint16_t>(~flags);
+    entries_[static_cast<std::size_t>(ordinal(*found) - 1)].record.clear(flags);
   }
 }
 
 void LibraryIndex::removeLast() noexcept {
-  unlink(static_cast<std::uint32_t>(entries_.size()));
-  entries_.pop_back();
+  const std::size_t last = entries_.size() - 1;
+  unlink(static_cast<std::uint32_t>(last + 1));
+  entries_.shorten(last);
+  hashes_.shorten(last);
+  hidden_.clear();
 }
 
-std::uint32_t LibraryIndex::newest(std::uint32_t hash) const {
-  return buckets_.empty() ? 0 : buckets_[hash & (buckets_.size() - 1)];
-}
+// ---- Finding ----
 
-bool LibraryIndex::isNamed(const IndexEntry& entry, std::wstring_view wanted,
-                           std::uint32_t hash) const {
-  return entry.hash == hash && equalNames(name(entry), wanted);
+template <class Visitor>
+void LibraryIndex::visitHash(std::uint32_t hash, const Visitor& visit) const {
+  if (buckets_.empty() && searches_ >= kSearchesWithoutBuckets) makeBuckets();
+  if (!buckets_.empty()) {
+    for (std::uint32_t number = bucket(hash); number; number = before_[number - 1]) {
+      if (hashes_[number - 1] == hash && !visit(entries_[number - 1])) return;
+    }
+    return;
+  }
+  ++searches_;
+  for (std::size_t i = hashes_.size(); i-- > 0;) {
+    if (hashes_[i] == hash && !visit(entries_[i])) return;
+  }
 }
 
 template <class Visitor>
 void LibraryIndex::visitNamed(std::wstring_view wanted, const Visitor& visit) const {
-  const std::uint32_t hash = shortHash(wanted);
-  for (std::uint32_t number = newest(hash); number; number = entries_[number - 1].before) {
-    const IndexEntry& entry = entries_[number - 1];
-    if (isNamed(entry, wanted, hash) && !visit(entry)) return;
-  }
+  visitHash(shortHash(wanted), [&](const IndexEntry& entry) {
+    return !isNamed(bytes(entry), wanted) || visit(entry);
+  });
 }
 
 std::vector<const IndexEntry*> LibraryIndex::all(std::wstring_view wanted) const {
@@ -156,10 +177,40 @@ const IndexEntry* LibraryIndex::nth(std::uint64_t ordinal) const {
 }
 
 const IndexEntry* LibraryIndex::at(std::uint64_t position) const {
-  const auto found = std::lower_bound(
-      entries_.begin(), entries_.end(), position,
-      [](const IndexEntry& entry, std::uint64_t wanted) { return entry.position < wanted; });
-  return found != entries_.end() && found->position == position ? &*found : nullptr;
+  const auto found = std::ranges::lower_bound(entries(), position, {}, &IndexEntry::position);
+  return found != entries().end() && found->position == position ? &*found : nullptr;
+}
+
+// ---- Several live ones of a name ----
+
+bool LibraryIndex::isHidden(const IndexEntry& entry) const {
+  return entry.record.isLive() && findLive(name(entry)) != &entry;
+}
+
+const std::vector<bool>& LibraryIndex::hidden() {
+  if (hidden_.size() == entries_.size()) return hidden_;
+  constexpr unsigned kHash = 32;  // above the place
+  std::vector<std::uint64_t> live;
+  live.reserve(entries_.size());
+  for (std::size_t i = 0; i < entries_.size(); ++i) {
+    if (entries_[i].record.isLive()) live.push_back(std::uint64_t{hashes_[i]} << kHash | i);
+  }
+  std::ranges::sort(live);
+  std::vector<bool> hidden(entries_.size());
+  const auto placeOf = [](std::uint64_t one) { return static_cast<std::uint32_t>(one); };
+  const auto nameOf = [&](std::uint64_t one) { return name(entries_[placeOf(one)]); };
+  for (auto begin = live.begin(), end = begin; begin != live.end(); begin = end) {
+    const auto isOther = [&](std::uint64_t one) { return (one ^ *begin) >> kHash != 0; };
+    end = std::find_if(begin + 1, live.end(), isOther);
+    if (end - begin == 1) continue;
+    std::stable_sort(begin, end, [&](std::uint64_t a, std::uint64_t b) {
+      return orderNames(nameOf(a), nameOf(b)) < 0;
+    });
+    for (auto one = begin + 1; one != end; ++one)
+      hidden[placeOf(*one)] = equalNames(nameOf(one[-1]), nameOf(*one));
+  }
+  hidden_ = std::move(hidden);
+  return hidden_;
 }
 
 }  // namespace zo

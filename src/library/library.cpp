@@ -280,8 +280,9 @@ int ZoLibrary::getFileNames(ZoSequence<ZoFileName>& names, bool withDeleted,
   return code ? code : refused;
 }
 
-int ZoLibrary::forEachEntry(const std::function<bool(const ZoLibEntry&)>& visit, bool withDeleted) {
-  return run(core_, Access::kRead, {}, zo::visitEntries, visit, withDeleted);
+int ZoLibrary::forEachEntry(const std::function<bool(const ZoLibEntry&)>& visit, bool withDeleted,
+                            std::uint64_t first) {
+  return run(core_, Access::kRead, {}, zo::visitEntries, visit, withDeleted, first);
 }
 
 int ZoLibrary::getEntry(const ZoFileName& member, ZoLibEntry& entry) {
@@ -298,7 +299,7 @@ int ZoLibrary::getEntry(std::uint64_t ordinal, ZoLibEntry& entry) {
     if (const int code = library.refresh()) return code;
     const zo::IndexEntry* const found = library.index().nth(ordinal);
     if (!found) return ZoResult::refused;
-    entry = zo::describe(library, *found);
+    entry = zo::describe(library, *found, library.index().isHidden(*found));
     return ZoResult::ok;
   });
 }
@@ -361,6 +362,10 @@ bool ZoLibrary::hasUnfinishedChange() {
 }
 
 int ZoLibrary::verify(const ZoLibEntry& entry) { return zo::verifyEntry(core_, entry); }
+
+int ZoLibrary::verify(std::span<const ZoLibEntry> entries, std::vector<int>& codes) {
+  return zo::verifyEntries(core_, entries, codes);
+}
 
 int ZoLibrary::salvageInto(ZoLibrary& target,
                            const std::function<bool(const ZoLibEntry&, int code)>& report) {

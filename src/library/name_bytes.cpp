@@ -5,11 +5,14 @@
 #include <algorithm>
 
 #include "library/format.h"
+#include "names/name_compare.h"
 #include "platform/ansi.h"
+#include "text/letter_case.h"
 
 namespace zo {
 namespace {
 
+constexpr std::size_t kPlainUnits = 256;  // of names that are hashed without asking for memory
 constexpr std::wstring_view kEscape = L"\\U+", kEscapedBackslash = L"\\U+005C";
 
 // What would be read as an escape gets its backslash escaped.
@@ -38,6 +41,7 @@ bool encodeName(const ZoFileName& name, std::string& bytes) {
 }
 
 std::wstring decodeName(std::string_view bytes) {
+  if (isPlainName(bytes)) return {bytes.begin(), bytes.end()};
   std::wstring text = fromMultiByte(bytes);
   if (text.find(kEscape) == std::wstring::npos) return text;
   text.resize(
@@ -45,10 +49,36 @@ std::wstring decodeName(std::string_view bytes) {
   return text;
 }
 
-// Every ANSI code page has the ASCII characters in their places.
+// Every ANSI code page has the ASCII characters in their places. All bytes are looked at before
+// that is told: the compiler does so many at once.
 bool isPlainName(std::string_view bytes) noexcept {
-  return std::ranges::all_of(bytes, [](char c) { return c >= 0 && c < 0x7F; }) &&
-         bytes.find("\\U+") == std::string_view::npos;
+  unsigned char isOther = 0, isBackslash = 0;
+  for (const char c : bytes) {
+    isOther |= static_cast<unsigned char>(c) >= 0x7F;
+    isBackslash |= c == '\\';
+  }
+  return !isOther && (!isBackslash || bytes.find("\\U+") == std::string_view::npos);
+}
+
+bool isNamed(std::string_view bytes, std::wstring_view wanted) {
+  if (!isPlainName(bytes)) return equalNames(decodeName(bytes), wanted);
+  if (bytes.size() != wanted.size()) return false;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const auto unit = static_cast<wchar_t>(bytes[i]);
+    if (unit != wanted[i] && lowerAscii(unit) != lowerCase(wanted[i])) return false;
+  }
+  return true;
+}
+
+std::uint32_t shortHash(std::wstring_view name) noexcept {
+  return static_cast<std::uint32_t>(hashName(name));
+}
+
+std::uint32_t hashNameBytes(std::string_view bytes) {
+  wchar_t units[kPlainUnits];
+  if (bytes.size() > kPlainUnits || !isPlainName(bytes)) return shortHash(decodeName(bytes));
+  std::copy(bytes.begin(), bytes.end(), units);
+  return shortHash({units, bytes.size()});
 }
 
 }  // namespace zo

@@ -5,6 +5,7 @@
 
 #include <zo/names/file_name.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -15,5 +16,10 @@ namespace zo {
 [[nodiscard]] std::wstring decodeName(std::string_view bytes);
 // Whether the bytes are ASCII and stand for themselves.
 [[nodiscard]] bool isPlainName(std::string_view bytes) noexcept;
+// Whether the bytes are the wanted name, ignoring case: nearly always told without decoding them.
+[[nodiscard]] bool isNamed(std::string_view bytes, std::wstring_view wanted);
+// Equal names have equal hashes, as text and as bytes.
+[[nodiscard]] std::uint32_t shortHash(std::wstring_view name) noexcept;
+[[nodiscard]] std::uint32_t hashNameBytes(std::string_view bytes);
 
 }  // namespace zo

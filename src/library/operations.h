@@ -34,10 +34,11 @@ int findEntryAt(LibraryState& library, std::uint64_t position, RawEntry& entry);
 // The answer when a search that came to that end found nothing.
 [[nodiscard]] int notFound(ScanEnd end);
 // What users see of an entry.
-[[nodiscard]] ZoLibEntry describe(const LibraryState& library, const IndexEntry& entry);
+[[nodiscard]] ZoLibEntry describe(const LibraryState& library, const IndexEntry& entry,
+                                  bool isHidden);
 [[nodiscard]] ZoLibEntry describe(const LibraryState& library, const RawEntry& entry);
 int visitEntries(LibraryState& library, const std::function<bool(const ZoLibEntry&)>& visit,
-                 bool withDeleted);
+                 bool withDeleted, std::uint64_t first);
 int visitVersions(LibraryState& library, const ZoFileName& member,
                   const std::function<bool(const ZoLibEntry&)>& visit);
 
@@ -102,6 +103,11 @@ int renameMembers(LibraryState& library, std::span<const Renaming> renamings, st
 int extractMember(const std::shared_ptr<LibraryDoor>& door, const MemberRef& member,
                   const ZoFileName& target);
 int verifyEntry(const std::shared_ptr<LibraryDoor>& door, const ZoLibEntry& entry);
+
+// ---- verify.cpp ----
+// The same for many: what is small and lies side by side is read at once.
+int verifyEntries(const std::shared_ptr<LibraryDoor>& door, std::span<const ZoLibEntry> entries,
+                  std::vector<int>& codes);
 
 // ---- rewrite.cpp ----
 // Makes the file one without the entries that `drops` names, in one step, by a change that has

@@ -42,7 +42,7 @@ int Change::finishRedo(LibraryState& library) {
     if (!library.file_.write(entry.position, entry.bytes())) return ZoResult::refused;
   }
   if (!library.file_.flush()) return ZoResult::refused;
-  const auto& entries = library.index_.entries();
+  const auto entries = library.index_.entries();
   scan.position = scan.redoPosition;
   scan.lastEntry = entries.empty() ? 0 : entries.back().position;
   scan.end = ScanEnd::kFileEnd;

@@ -69,6 +69,8 @@ class LibraryState {
   // ---- What it holds ----
   [[nodiscard]] const LibraryHeader& header() const noexcept { return header_; }
   [[nodiscard]] const LibraryIndex& index() const noexcept { return index_; }
+  // Of all entries of the index, see there.
+  [[nodiscard]] const std::vector<bool>& hidden() { return index_.hidden(); }
   [[nodiscard]] const ScanResult& scan() const noexcept { return scan_; }
   // Makes the index that of the file as it is.
   int refresh();

@@ -40,7 +40,7 @@ bool isOwnTail(LibraryState& library) {
   if (!library.header().hasMagic() || position > library.bytes().size()) return false;
   const ScanEnd tail = tailEnd(library);
   // An entry without a name may be one whose name's length is damaged: then the rest is its own.
-  const auto& entries = library.index().entries();
+  const auto entries = library.index().entries();
   const bool followsMember = position == (entries.empty() ? kHeaderSize : entries.back().end());
   const bool isCut = followsMember && (tail == ScanEnd::kShort || tail == ScanEnd::kZero);
   return (isCut || tail == ScanEnd::kClosedGate) && endsWhereItSays(library);

@@ -427,6 +427,12 @@ TEST_F(LibraryTest, TakesAnyMemberByItsEntry) {
     ZoLibEntry entry, found;
     EXPECT_EQ(all[i].ordinal, i + 1);
     ASSERT_EQ(library.getEntry(i + 1, entry), 0);
+    EXPECT_EQ(entry.isHidden, i == 2);
+    EXPECT_EQ(all[i].isHidden, i == 2);
+    std::uint64_t first = 0;
+    const auto isFirst = [&](const ZoLibEntry& one) { return (first = one.ordinal) == 0; };
+    EXPECT_EQ(library.forEachEntry(isFirst, true, i + 1), 0);
+    EXPECT_EQ(first, i + 1);
     EXPECT_EQ(entry.position, all[i].position);
     if (entry.isDeleted()) continue;
     ZoLibrary other;  // which has no index yet
@@ -461,6 +467,45 @@ TEST_F(LibraryTest, TakesAnyMemberByItsEntry) {
   EXPECT_EQ(library.reorganize(), 0);
   EXPECT_EQ(names(library, true), (Names{L"typed", L"TWIN", L"twin 1"}));
   EXPECT_EQ(contentOf(library, L"twin 1") + contentOf(library, L"typed"), "1odd");
+}
+
+// Small ones are read at once, which nobody must see: also with a damage, one that is large, one
+// that is gone, and in any order.
+TEST_F(LibraryTest, VerifiesManyAsEachAlone) {
+  ZoLibrary library;
+  ASSERT_EQ(openForWriting(library), 0);
+  for (int i = 0; i < 40; ++i) {
+    const std::string content(i == 20 ? 1'500'000 : 37 * i, static_cast<char>('A' + i));
+    ASSERT_EQ(add(library, std::to_wstring(i), content, false,
+                  i % 3 ? ZoLibrary::kStore : ZoLibrary::kCompress, ZoLibrary::kFast),
+              0);
+  }
+  ASSERT_EQ(library.deleteFile(L"7"), 0);
+  ASSERT_EQ(library.close(), 0);
+  std::string bytes = bytesOf(path_);
+  for (const char damaged : {'F', 'L', 'U'})
+    bytes[bytes.rfind(std::string(30, damaged))] ^= 1;
+  put(path_, bytes);
+  ASSERT_EQ(library.open(path_), 0);
+  std::vector<ZoLibEntry> entries = entriesOf(library);
+  entries.push_back(entries[3]);
+  entries.back().position += 1;
+  for (int order = 0; order < 3; ++order) {
+    std::vector<int> codes, alone;
+    for (const ZoLibEntry& entry : entries) alone.push_back(library.verify(entry));
+    const auto bad = std::ranges::find_if(alone, [](int code) { return code != 0; });
+    EXPECT_EQ(library.verify(entries, codes), *bad);
+    EXPECT_EQ(codes, alone);
+    EXPECT_EQ(std::ranges::count(alone, 1000), 3);
+    EXPECT_EQ(std::ranges::count(alone, 1), 1);
+    order == 0 ? std::ranges::reverse(entries)
+               : std::ranges::shuffle(entries, std::mt19937(static_cast<unsigned>(order)));
+  }
+  std::vector<int> codes;
+  library.onProgress([](std::uint64_t, std::uint64_t) { return false; });
+  EXPECT_EQ(library.verify(entries, codes), 1);
+  EXPECT_TRUE(library.wasCancelled());
+  EXPECT_EQ(codes, std::vector<int>(entries.size(), 1));
 }
 
 TEST_F(LibraryTest, ChangesManyMembersOrNone) {

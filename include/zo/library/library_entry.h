@@ -31,6 +31,9 @@ struct ZoLibEntry {
   unsigned short flags = 0;
   // Whether a damage of the data can be told: false only for stored members of other makers.
   bool isProtected = false;
+  // Whether another live member of its name comes first, so that it is found by its entry only. A
+  // file that another maker wrote may hold such.
+  bool isHidden = false;
 
   [[nodiscard]] bool isCompressed() const noexcept { return (flags & kCompressed) != 0; }
   [[nodiscard]] bool isDeleted() const noexcept { return (flags & kDeleted) != 0; }
