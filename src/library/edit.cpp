@@ -3,8 +3,6 @@
 
 #include <algorithm>
 
-#include "library/operations.h"
-
 namespace zo {
 namespace {
 
@@ -60,6 +58,8 @@ class Recovery {
   LibraryIndex recovered_;
 };
 
+}  // namespace
+
 int findDeleted(LibraryState& library, const MemberRef& member, Versions which,
                 const IndexEntry*& found) {
   if (member.entry) return findListed(library, *member.entry, found);
@@ -69,8 +69,6 @@ int findDeleted(LibraryState& library, const MemberRef& member, Versions which,
   if (found) return ZoResult::ok;
   return library.index().findLive(name) ? ZoResult::memberExists : notFound(library.scan().end);
 }
-
-}  // namespace
 
 int patchAsDeleted(Change& change, LibraryState& library,
                    std::span<const IndexEntry* const> entries) {

@@ -180,7 +180,7 @@ int ZoLibrary::extractFile(const ZoFileName& member, const ZoFileName& target) {
 
 int ZoLibrary::renameFile(const ZoFileName& member, const ZoFileName& newName) {
   const Renaming renaming{.member = refTo(member), .newName = newName};
-  return changeOne(core_, member, zo::renameMembers, renaming);
+  return changeOne(core_, member, zo::renameMembers, renaming, zo::Renamed::kLive);
 }
 
 int ZoLibrary::deleteFile(const ZoFileName& member, bool physically) {
@@ -258,7 +258,11 @@ int ZoLibrary::recoverFiles(std::span<const ZoLibEntry> entries, bool replace,
 }
 
 int ZoLibrary::renameFiles(std::span<const ZoLibRename> renamings, std::size_t* refused) {
-  return changeAll(core_, renamings, refused, zo::renameMembers);
+  return changeAll(core_, renamings, refused, zo::renameMembers, zo::Renamed::kLive);
+}
+
+int ZoLibrary::recoverFilesAs(std::span<const ZoLibRename> members, std::size_t* refused) {
+  return changeAll(core_, members, refused, zo::renameMembers, zo::Renamed::kDeleted);
 }
 
 // ---- What is there ----

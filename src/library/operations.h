@@ -94,9 +94,11 @@ struct Renaming {
   MemberRef member;
   const ZoFileName& newName;
 };
+enum class Renamed { kLive, kDeleted };  // deleted members come back under the new names
 // All of the members or none, as above. They change names at the same instant, so that two may swap
 // them.
-int renameMembers(LibraryState& library, std::span<const Renaming> renamings, std::size_t& at);
+int renameMembers(LibraryState& library, std::span<const Renaming> renamings, Renamed which,
+                  std::size_t& at);
 
 // ---- extract.cpp ----
 // These read without keeping others waiting (library/reading.h).

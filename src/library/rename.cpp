@@ -1,5 +1,6 @@
-// New names for members. One of the same length is written where the old one stands; for any other
-// there is no room, and the entry is copied behind the last one.
+// New names for members, and for deleted ones that come back. One of the same length is written
+// where the old one stands; for any other there is no room, and the entry is copied behind the last
+// one.
 #include <algorithm>
 #include <set>
 #include <utility>
@@ -13,16 +14,19 @@ namespace {
 
 class Renames {
  public:
-  Renames(LibraryState& library, Change& change) : library_(library), change_(change) {}
+  Renames(LibraryState& library, Change& change, Renamed which)
+      : library_(library), change_(change), isRecovery_(which == Renamed::kDeleted) {}
 
   // What is to get another name, and what becomes deleted with it.
   int add(const Renaming& renaming) {
-    if (renaming.newName.isURL()) return ZoResult::invalid;
     Move move{.from = nullptr, .newName = {}};
-    if (!encodeName(renaming.newName, move.newName)) return ZoResult::refused;
+    const bool keeps = isRecovery_ && keepsName(renaming);
+    if (!keeps && renaming.newName.isURL()) return ZoResult::invalid;
+    if (!keeps && !encodeName(renaming.newName, move.newName)) return ZoResult::refused;
     const std::size_t known = leaving_.size(), knownFurther = further_.size();
     if (const int code = collect(renaming.member)) return code;
     move.from = leaving_[known];
+    if (keeps && !loadName(*move.from, move.newName)) return ZoResult::refused;
     if (!seen_.emplace(move.from, move.newName).second) {  // given again: it counts once
       leaving_.resize(known);
       further_.resize(knownFurther);
@@ -38,7 +42,8 @@ class Renames {
     if (!moves_[i].from) return ZoResult::ok;
     const auto same = std::ranges::equal_range(leaving_, moves_[i].from);
     if (same.size() != 1 && !isFirstOfSeveral(i)) return ZoResult::refused;  // two new names
-    const RawEntry renamed{.record = moves_[i].from->record, .name = moves_[i].newName};
+    RawEntry renamed{.record = moves_[i].from->record, .name = moves_[i].newName};
+    renamed.record.clear(kIsDeleted);
     names_.add(renamed);
     const std::wstring name(names_.name(names_.entries().back()));
     if (names_.allLive(name).size() > 1) return ZoResult::memberExists;
@@ -67,6 +72,17 @@ class Renames {
     std::string newName;
   };
 
+  // With the bytes that it has, which no other writer need have made.
+  static bool keepsName(const Renaming& renaming) {
+    const ZoLibEntry* const entry = renaming.member.entry;
+    return entry && entry->name.view() == renaming.newName.view();
+  }
+  bool loadName(const IndexEntry& from, std::string& name) {
+    RawEntry entry;
+    if (!library_.load(from, entry)) return false;
+    name = std::move(entry.name);
+    return true;
+  }
   // Whether a later one moves the same entry, and none before: the second new name is refused.
   [[nodiscard]] bool isFirstOfSeveral(std::size_t i) const {
     const auto here = moves_.begin() + static_cast<std::ptrdiff_t>(i);
@@ -78,7 +94,16 @@ class Renames {
     return move.newName.size() != move.from->record.nameLength;
   }
 
+  int collectDeleted(const MemberRef& member) {
+    const IndexEntry* found = nullptr;
+    if (const int code = findDeleted(library_, member, Versions::kLatest, found)) return code;
+    if (found->record.isLive()) return ZoResult::refused;
+    leaving_.push_back(found);
+    return ZoResult::ok;
+  }
+
   int collect(const MemberRef& member) {
+    if (isRecovery_) return collectDeleted(member);
     if (member.entry) {
       const IndexEntry* found = nullptr;
       if (const int code = findListed(library_, *member.entry, found)) return code;
@@ -102,6 +127,7 @@ class Renames {
                      .name = move.newName,
                      .trailer = old.trailer};
     renamed.record.nameLength = static_cast<std::uint16_t>(renamed.name.size());
+    renamed.record.clear(kIsDeleted);
     if (!isMoved(move)) return change_.tryPatch(std::move(renamed));
     renamed.position = change_.end();
     renamed.record.clear(kEndsScan);
@@ -114,12 +140,13 @@ class Renames {
     RawEntry hidden = renamed;
     hidden.record.set(kIsDeleted);
     old.record.set(kIsDeleted);
-    return change_.tryPatch(std::move(old)) && change_.tryPatch(std::move(renamed)) &&
-           change_.append(std::move(hidden));
+    return (isRecovery_ || change_.tryPatch(std::move(old))) &&
+           change_.tryPatch(std::move(renamed)) && change_.append(std::move(hidden));
   }
 
   LibraryState& library_;
   Change& change_;
+  bool isRecovery_;
   std::vector<Move> moves_;
   std::vector<const IndexEntry*> leaving_, further_;
   std::set<std::pair<const IndexEntry*, std::string>> seen_;
@@ -128,10 +155,11 @@ class Renames {
 
 }  // namespace
 
-int renameMembers(LibraryState& library, std::span<const Renaming> renamings, std::size_t& at) {
+int renameMembers(LibraryState& library, std::span<const Renaming> renamings, Renamed which,
+                  std::size_t& at) {
   at = renamings.size();
   Change change(library);
-  Renames renames(library, change);
+  Renames renames(library, change, which);
   if (const int code = change.begin()) return code;
   for (std::size_t i = 0; i < renamings.size(); ++i) {
     if (const int code = renames.add(renamings[i])) return at = i, code;

@@ -523,6 +523,7 @@ TEST_F(LibraryTest, ChangesManyMembersOrNone) {
   const auto remove = [&](const List& list) { return library.deleteFiles(list, {}, &at); };
   const auto recover = [&](const List& list) { return library.recoverFiles(list, false, &at); };
   const auto rename = [&](const Pairs& pairs) { return library.renameFiles(pairs, &at); };
+  const auto recoverAs = [&](const Pairs& pairs) { return library.recoverFilesAs(pairs, &at); };
   const struct {
     const char* what;
     std::function<int()> call;
@@ -541,6 +542,12 @@ TEST_F(LibraryTest, ChangesManyMembersOrNone) {
       {"rename what is not there", [&] { return rename({{L"x", L"y"}}); }, 1, 0},
       {"rename to nothing", [&] { return rename({{L"a", L"b"}, {L"b", L""}}); }, 1, 1},
       {"rename to a URL", [&] { return rename({{L"a", L"http://host/b"}}); }, 3, 0},
+      {"recover as what is live", [&] { return recoverAs({{L"gone", L"x"}, {L"c", L"A"}}); }, 1001,
+       1},
+      {"recover two alike", [&] { return recoverAs({{L"c", L"x"}, {L"gone", L"X"}}); }, 1001, 1},
+      {"recover one as two", [&] { return recoverAs({{L"gone", L"x"}, {L"gone", L"y"}}); }, 1, 1},
+      {"recover what is live, as", [&] { return recoverAs({{L"gone", L"x"}, {L"b", L"y"}}); }, 1001,
+       1},
   };
   for (const auto& row : refusals) {
     SCOPED_TRACE(row.what);
@@ -564,6 +571,16 @@ TEST_F(LibraryTest, ChangesManyMembersOrNone) {
   // The one of each that was added last comes back.
   EXPECT_EQ(recover({L"gone", L"a", L"GONE"}), 0);
   EXPECT_EQ(contents({L"gone", L"a"}), "gone6b2");
+  // All of a name, by moving and without.
+  EXPECT_EQ(remove({L"gone"}), 0);
+  std::vector<ZoLibEntry> versions;
+  const auto keep = [&](const ZoLibEntry& entry) { return versions.push_back(entry), true; };
+  EXPECT_EQ(library.forEachVersion(L"gone", keep), 0);
+  ASSERT_EQ(versions.size(), 2u);
+  EXPECT_EQ(recoverAs({{{}, L"gone~1", &versions[0]}, {{}, L"gone", &versions[1]}}), 0);
+  EXPECT_EQ(contents({L"gone~1", L"gone"}), "gone5gone6");
+  EXPECT_EQ(recoverAs({{{}, L"x", &versions[1]}}), 1) << "live again";
+  EXPECT_EQ(remove({L"gone~1"}), 0);
   EXPECT_EQ(library.deleteFiles(List{L"gone", L"long"}, ZoLibrary::kAllVersions), 0);
   EXPECT_EQ(recover({}) + remove({}) + rename({}), 0);
   EXPECT_EQ(names(library), (Names{L"a"}));

@@ -108,6 +108,11 @@ const std::vector<Operation>& operations() {
          const ZoFileName gone[] = {L"pad", L"g\x00F6ne"};
          return library.recoverFiles(gone, true);
        }},
+      {"recover under other names",
+       [](ZoLibrary& library) {
+         const ZoLibRename gone[] = {{L"pad", L"dap"}, {L"g\x00F6ne", L"nested gone"}};
+         return library.recoverFilesAs(gone);
+       }},
       {"set the value", [](ZoLibrary& library) { return library.setCheckSum(0x0123456789ABCDEF); }},
       {"set a time", [](ZoLibrary& library) { return setTimesOf(library, L"member"); }},
       {"write a member", writeMember},

@@ -14,79 +14,20 @@ import re
 import resource
 import shutil
 import signal
-import struct
 import subprocess
 import sys
 import tempfile
+import termios
 
-ROOT, TOOL, CHECK = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
-COMMAND = [str(ROOT / "scripts/wine-run"), TOOL]
-os.environ["ZOLIB_ROOT"] = "Z:"
+from tool import COMMAND, ROOT, TOOL, answer, files, foreign, members, run, start, tree, write
+
+CHECK = sys.argv[3]
 
 
 def small_files():
     """What the disk of the next program is full at: 1 MB in one file."""
     signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
     resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 20, 1 << 20))
-
-
-def start(*args, **streams):
-    # A script in the background ignores SIGINT, and so would what it starts.
-    return subprocess.Popen(COMMAND + list(args), preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL),
-                            **streams)
-
-
-def run(*args, code=0, out=None, err=None, stdin=b""):
-    """Runs the tool; code, and patterns that output and talk must match as a whole, are compared. Gives the output."""
-    done = subprocess.run(COMMAND + list(args), input=stdin, capture_output=True)
-    said = f"{args}: {done.returncode}\n{done.stdout[-2000:]!r}\n{done.stderr.decode()[-2000:]}"
-    assert done.returncode == code, f"exit code {code} expected\n{said}"
-    for pattern, text in ((out, done.stdout), (err, done.stderr)):
-        assert pattern is None or re.fullmatch(pattern, text.decode().replace("\r\n", "\n"), re.S), \
-            f"{pattern!r} expected\n{said}"
-    return done.stdout
-
-
-def answer(*args, code=0, **more):
-    """The same with --json."""
-    value = json.loads(run(*args, "--json", code=code, **more))
-    assert value["zolib"] == 1 and value["exit"] == code and isinstance(value["messages"], list), value
-    return value
-
-
-def write(name, content=b"content\n"):
-    path = pathlib.Path(name)
-    path.parent.mkdir(parents=True, exist_ok=True)
-    path.write_bytes(content)
-    return path
-
-
-def files(folder="."):
-    return sorted(str(p.relative_to(folder)) for p in pathlib.Path(folder).rglob("*") if p.is_file())
-
-
-def members(library, *more):
-    return run("list", library, "--names", *more).decode().split("\n")[:-1]
-
-
-def tree():
-    """Some parts: texts that pack, bytes that do not, an empty file, levels, a blank and an umlaut."""
-    write("parts/bolts/m8.dwg", b"thread M8\n" * 500)
-    write("parts/bolts/steel/m10.dwg", os.urandom(3000))
-    write("parts/Größe 1.txt", "größer\n".encode() * 100)
-    write("parts/empty.txt", b"")
-    write("parts/old.bak")
-    return ["parts/empty.txt", "parts/Größe 1.txt", "parts/old.bak", "parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"]
-
-
-def foreign(path, entries, magic=b"ZORVEX LIBRARY"):
-    """A library of another maker: entries are (name, data, flags); the fields that are its maker's stay 0."""
-    time = 133_000_000_000_000_000
-    content = struct.pack("<16sHHIQ", magic, 0, 0, len(entries), 0)
-    for name, data, flags in entries:
-        name = name.encode("cp1252")
-        content += struct.pack("<QQQQQQHHH", 0, len(data), 0, time, time, time, 0, flags, len(name)) + name + data
-    return write(path, content)
 
 
 def english(tool, *folders):
@@ -178,6 +119,10 @@ def versions():
     run("recover", "v.lib", "v.txt", "--all", err=r"v\.lib: 3 members recovered\n")
     assert run("cat", "v.lib", "v~1.txt", "v~2.txt", "v.txt") == b"firstsecondthird"
     run("recover", "v.lib", "v.txt", code=2, err="zolib: cannot recover v.txt: a member has that name; .*")
+    run("delete", "v.lib", "v~1.txt", "-q")
+    run("recover", "v.lib", "v*.txt", "--all", "--dry-run", out="(would be recovered  v.*\n){3}")
+    back = {m["name"]: m.get("to") for m in answer("recover", "v.lib", "v~1.txt", "v.txt", "--all")["members"]}
+    assert back["v~1.txt"] is None and back["v.txt"] == "v~4.txt", back  # beside the member of the name
     for content in (b"first", b"second"):  # of a name that is deleted already no trace stays, either
         run("add", "v.lib", str(write("w.txt", content)), "-q")
     run("delete", "v.lib", "w.txt", "-q")
@@ -243,6 +188,33 @@ def numbers():
         run("rename", "o.lib", number, f"name{number[1]}.txt", "-q")
     run("delete", "o.lib", "@3", "-q")
     assert sorted(members("o.lib")) == ["b", "name1.txt", "name2.txt"], run("list", "o.lib", "--versions").decode()
+
+
+def twins():
+    """Members that share a name but for its case: the second is found by its number alone, by every verb."""
+    contents = {"a.txt": b"one", "A.TXT": b"two", "a.TXT": b"gone", "b": b"b"}
+    foreign("t.lib", [(name, content, 0x200 * (content == b"gone")) for name, content in contents.items()])
+    assert run("cat", "t.lib", "a.txt") == b"one" and run("cat", "t.lib", "@2", "@1", "@3") == b"twoonegone"
+    assert [m["state"] for m in answer("list", "t.lib", "@2", "@3", "@4")["members"]] == ["hidden", "deleted", "unprotected"]
+    assert answer("info", "t.lib", "@2")["members"] == 1
+    run("test", "t.lib", "@2", err="A.TXT is unprotected: .*: 0 members ok, 1 unprotected\n")
+    run("extract", "t.lib", "@2", "@3", "-o", "out", code=1, err="zolib: left a.TXT in the library: another .*: 1 member .*")
+    assert pathlib.Path("out/A.TXT").read_bytes() == b"two"
+    run("extract", "t.lib", "-o", "all", err=".*: 2 members extracted\n")
+    run("delete", "t.lib", "b", "@3", code=2, err="zolib: cannot delete a.TXT: it is deleted already; .*: 0 members.*")
+    run("rename", "t.lib", "@3", "c", code=2, err="zolib: cannot rename a.TXT: it is deleted; .*: 0 members.*")
+    run("recover", "t.lib", "@2", code=10, err="zolib: t.lib has no deleted member @2; .*")
+    run("recover", "t.lib", "@3", code=2, err="zolib: cannot recover a.TXT: a member has that name; .*")
+    run("recover", "t.lib", "@3", "--all", "-q")
+    run("rename", "t.lib", "@2", "second.txt", "-q")
+    assert run("cat", "t.lib", "a.txt", "second.txt", "a~1.txt") == b"onetwogone"
+    run("delete", "t.lib", "@1", "--physically", "-q")
+    assert sorted(members("t.lib")) == ["a~1.TXT", "b", "second.txt"]
+    for content in (b"1", b"2"):  # two versions that are named are both meant
+        run("add", "t.lib", str(write("v", content)), "-q")
+    run("delete", "t.lib", "v", "-q")
+    both = [f"@{m['entry']}" for m in answer("list", "t.lib", "--deleted", "v")["members"]]
+    run("recover", "t.lib", *both, code=2, err="zolib: cannot recover v: a member has that name; .*: 0 members.*")
 
 
 def folders():
@@ -385,16 +357,30 @@ def hostile():
     bad = ["../up.txt", "/abs.txt", "\\abs2.txt", "C:\\abs.txt", "Z:rel.txt", "a/../../up.txt", "con", "sub/nul.txt",
            "file.txt:stream", "dot./x", "blank /x", "end.", "end ", "\\\\server\\share\\x", "sub/", "com1",
            "a/...", "a/b*c", "a/b\nc", ".."]
+    roots = ["/", "\\", "..\\", "a/..\\../", "C:", "c:/", "\\\\?\\C:\\", "\\\\.\\", "//host/share/", "\\U+002E\\U+002E/",
+             "..\\U+002F", "\\U+0043\\U+003A/"]
+    devices = ["nul", "CON.txt", "aux.tar.gz", "prn", "LPT9.x", "COM\xb9", "conin$", "CONOUT$", "nul ", "con:", "a/COM1/b"]
+    ends = ["x.", "x ", "x. .", "a./x", "a /x", "x::$DATA", "x:s:$DATA", "x<", "x>y", 'x"', "x|", "x?", "x\x07", "x\\", "x//"]
+    bad += [f"{root}escaped {i}" for i, root in enumerate(roots)] + devices + [f"{i}{end}" for i, end in enumerate(ends)]
+    bad += ["$x", "$(HOME)/x", "http://host/x"]
     good = ["one.txt", "sub/two.txt", "sub\\three.txt", "x/../four.txt"]
     foreign("h.lib", [(n, b"content", 0) for n in [good[0], *bad, *good[1:]]])
     os.mkdir("inner")
     os.chdir("inner")
     value = answer("extract", "../h.lib", "--output", "out", code=1)
-    assert value["extracted"] == 4 and value["refused"] == len(bad), value
+    assert any("refused to extract @2" in m["text"] for m in value["messages"]), value["messages"]
+    out = {m["name"] for m in value["members"] if m["action"] == "extracted"}
+    assert out == set(good) and value["refused"] == len(bad), (out - set(good), value["refused"], len(bad))
     assert files("..") == ["h.lib"] + ["inner/out/" + n for n in ("four.txt", "one.txt", "sub/three.txt", "sub/two.txt")]
     write("in_the_way/one.txt/x")  # a folder where a file should be: a failure, and the rest goes on
     run("extract", "../h.lib", "one.txt", "sub/two.txt", "-o", "in_the_way", code=2, err="zolib: .*one.txt.*1 member ex.*")
     assert pathlib.Path("in_the_way/sub/two.txt").read_bytes() == b"content"
+    os.chdir("..")
+    for m in answer("list", "h.lib")["members"]:  # each can be read, and comes out under a name that is none of these
+        run("cat", "h.lib", f"@{m['entry']}", out="content")
+    for number in range(len(bad) + len(good), 0, -1):
+        run("rename", "h.lib", f"@{number}", f"named {number}", "-q")
+    run("extract", "h.lib", "-o", "named", err=f"h.lib: {len(bad) + len(good)} members extracted\n")
 
 
 def full():
@@ -634,15 +620,31 @@ def terminal():
     assert code == 0 and b"a?[2Jb" in text, text
 
 
-def on_terminal(*args):
-    """Exit code and output on a terminal."""
+def typed():
+    """What is typed on a terminal is taken line by line until Ctrl-D; Ctrl-C cancels."""
+    tree()
+    for last, content in ((b"\x04", "first\r\nä\r\n"), (b"end\x04", "first\r\nä\r\nend")):
+        code, text = on_terminal("add", "a.lib", "-", "--name", "typed", keys="first\rä\r".encode() + last)
+        assert code == 0 and run("cat", "a.lib", "typed") == content.encode(), text
+    code, text = on_terminal("create", "b.lib", "--files-from", "-", keys=b"parts/old.bak\r\x04")
+    assert code == 0 and members("b.lib") == ["parts/old.bak"], text
+    code, text = on_terminal("add", "a.lib", "-", "--name", "never", keys=b"first\r\x03")
+    assert code == 130 and members("a.lib") == ["typed"], (code, text)
+
+
+def on_terminal(*args, keys=b""):
+    """Exit code and output on a terminal; the keys are pressed when it asks for them."""
     parent, child = pty.openpty()
-    worker = start(*args, stdin=child, stdout=child, stderr=child)
+    worker = start(*args, stdin=child, stdout=child, stderr=child, start_new_session=True)
     os.close(child)
     text = b""
     with contextlib.suppress(OSError):  # the end of a terminal reads as an error
         while piece := os.read(parent, 4096):
             text += piece
+            if keys and b"ends it" in text:
+                while termios.tcgetattr(parent)[3] & termios.ICANON:
+                    os.sched_yield()  # until it takes each key by itself
+                keys = keys[os.write(parent, keys):]
     return worker.wait(), text
 
 

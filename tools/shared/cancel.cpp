@@ -13,14 +13,18 @@ std::atomic<bool> s_cancelled = false;
 std::atomic<bool> s_interruptible = false;
 
 BOOL WINAPI onEvent(DWORD) {
-  if (s_interruptible || s_cancelled.exchange(true))
-    TerminateProcess(GetCurrentProcess(), kCancelled);
+  cancelNow();
   return TRUE;
 }
 
 }  // namespace
 
 void watchForCancel() { SetConsoleCtrlHandler(onEvent, TRUE); }
+
+void cancelNow() noexcept {
+  if (s_interruptible || s_cancelled.exchange(true))
+    TerminateProcess(GetCurrentProcess(), kCancelled);
+}
 
 bool isCancelled() noexcept { return s_cancelled; }
 

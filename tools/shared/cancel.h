@@ -7,6 +7,8 @@ namespace zolib {
 
 void watchForCancel();
 [[nodiscard]] bool isCancelled() noexcept;
+// Does what these do.
+void cancelNow() noexcept;
 
 // While one stands, nothing is under way that has to end well (standard input is waited for): the
 // program then ends at once.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "cancel.h"
 #include "text.h"
 
 namespace zolib {
@@ -103,17 +104,32 @@ void Console::status(std::string_view utf8) {
 
 namespace {
 
-// A line that is typed; Ctrl-Z, or Ctrl-D, at the begin of one ends the input.
-bool readTyped(HANDLE input, char* buffer, DWORD size, DWORD& got) {
-  static bool s_ended = false;
-  std::wstring line(std::min<std::size_t>(size / 4, 2048), L'\0');  // 3 bytes a unit at most
+// The control characters as they are typed.
+constexpr wchar_t kCtrlC = 3, kCtrlD = 4, kCtrlZ = 26;
+
+// A line that is typed. The keys that end it are asked for by themselves: otherwise a console gives
+// them only with the line's end, and Wine's on a terminal not even all. It never gives Ctrl-Z.
+bool readLine(HANDLE input, std::wstring& line) {
+  CONSOLE_READCONSOLE_CONTROL keys{};
+  keys.nLength = sizeof keys;
+  keys.dwCtrlWakeupMask = 1U << kCtrlC | 1U << kCtrlD | 1U << kCtrlZ;
   DWORD count = 0;
-  if (s_ended) return true;
-  if (!ReadConsoleW(input, line.data(), static_cast<DWORD>(line.size()), &count, nullptr))
+  if (!ReadConsoleW(input, line.data(), static_cast<DWORD>(line.size()), &count, &keys))
     return false;
   line.resize(count);
-  s_ended = count > 0 && (line[0] == L'\x1A' || line[0] == L'\x04');
+  return true;
+}
+
+// Ctrl-D or Ctrl-Z ends the input, with what stands before it in its line.
+bool readTyped(HANDLE input, char* buffer, DWORD size, DWORD& got) {
+  static bool s_ended = false;
   if (s_ended) return true;
+  std::wstring line(std::min<std::size_t>(size / 4, 2048), L'\0');  // 3 bytes a unit at most
+  if (!readLine(input, line)) return false;
+  const std::size_t end = line.find_first_of(std::wstring{kCtrlC, kCtrlD, kCtrlZ});
+  s_ended = end != std::wstring::npos;
+  if (s_ended && line[end] == kCtrlC) cancelNow();
+  line.resize(std::min(end, line.size()));
   const std::string utf8 = toUtf8(line);
   std::copy(utf8.begin(), utf8.end(), buffer);
   got = static_cast<DWORD>(utf8.size());

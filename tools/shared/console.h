@@ -48,7 +48,7 @@ class Console {
 
 [[nodiscard]] bool inputIsTyped();
 // Reads up to `size` bytes from standard input, at least 4; 0 at its end. False for a failure. What
-// is typed on a terminal comes as UTF-8, and ends with Ctrl-Z or Ctrl-D at the begin of a line.
+// is typed on a terminal comes as UTF-8, and ends with Ctrl-D or Ctrl-Z; Ctrl-C cancels.
 bool readInput(void* buffer, DWORD size, DWORD& got);
 
 }  // namespace zolib

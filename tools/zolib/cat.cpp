@@ -74,9 +74,9 @@ std::vector<ZoLibEntry> inOrder(const Options& options, Session& session, Report
       continue;
     }
     const std::vector<ZoLibEntry> found = session.select(Session::kLive, {name});
-    const std::vector<bool> hidden = Session::hidden(found);
+    const std::vector<bool> hidden = session.hidden(found);
     for (std::size_t i = 0; i < found.size(); ++i) {
-      if (!hidden[i]) entries.push_back(found[i]);
+      if (!hidden[i] || session.isNumbered(found[i])) entries.push_back(found[i]);
     }
   }
   return entries;

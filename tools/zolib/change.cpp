@@ -43,6 +43,16 @@ void tellDeleted(Report& report, const std::vector<ZoLibEntry>& entries, bool by
       report.member(entry.name.view(), "deleted");
 }
 
+// Whether one is deleted already, as only a number can name it.
+bool refusesDeleted(Report& report, const std::vector<ZoLibEntry>& entries) {
+  const auto gone = std::ranges::find_if(entries, &ZoLibEntry::isDeleted);
+  if (gone == entries.end()) return false;
+  report.fail(kFailed,
+              {309, "cannot delete %1: it is deleted already; --physically removes it for good"},
+              gone->name.view());
+  return true;
+}
+
 }  // namespace
 
 void remove(const Options& options, Report& report) {
@@ -53,12 +63,13 @@ void remove(const Options& options, Report& report) {
   const ZoLibrary::Deletion how = options.versions     ? ZoLibrary::kAllVersions
                                   : options.physically ? ZoLibrary::kPhysically
                                                        : ZoLibrary::kByMark;
+  const bool isRefused = how == ZoLibrary::kByMark && refusesDeleted(report, entries);
   forgetReason();
   std::size_t refused = entries.size();
-  const bool works = goesOn(report) && !options.dryRun && !entries.empty();
+  const bool works = goesOn(report) && !options.dryRun && !entries.empty() && !isRefused;
   if (const int code = works ? session->deleteFiles(entries, how, &refused) : 0)
     reportFailure(session, {300, "cannot delete %1"}, entries, refused, code);
-  else if (goesOn(report))
+  else if (goesOn(report) && !isRefused)
     tellDeleted(report, entries, options.versions);
   sumUp(options, report, session, "deleted", {301, "%1: %{?2 1 member|%2 members} deleted"});
   session.close();
@@ -66,8 +77,10 @@ void remove(const Options& options, Report& report) {
 
 namespace {
 
-// "bolts/m8.dwg" as "bolts/m8~1.dwg": the first such name that no member has.
-std::wstring numbered(Session& session, std::wstring_view name) {
+// "bolts/m8.dwg" as "bolts/m8~1.dwg": the first such name that no member has, and that is not
+// taken.
+std::wstring numbered(Session& session, std::wstring_view name,
+                      std::unordered_set<std::wstring>& taken) {
   const std::size_t dot = name.find_last_of(L'.'), slash = name.find_last_of(L"\\/");
   const bool hasExtension =
       dot != std::wstring_view::npos && (slash == std::wstring_view::npos || dot > slash + 1);
@@ -75,16 +88,19 @@ std::wstring numbered(Session& session, std::wstring_view name) {
   for (unsigned int number = 1;; ++number) {
     const std::wstring wanted = std::wstring(stem) + L"~" + std::to_wstring(number) +
                                 std::wstring(name.substr(stem.size()));
-    if (!session->contains(ZoFileName(wanted))) return wanted;
+    if (!session->contains(ZoFileName(wanted)) && taken.insert(folded(wanted)).second)
+      return wanted;
   }
 }
 
-// Those to be recovered, in the file's order: of each name one or, with --all, each.
-std::vector<ZoLibEntry> chosen(std::vector<ZoLibEntry> deleted, Recover which) {
+// Those to be recovered, in the file's order: of each name one or, with --all, each. One that was
+// named by its number is meant.
+std::vector<ZoLibEntry> chosen(std::vector<ZoLibEntry> deleted, Recover which,
+                               const Session& session) {
   if (which == Recover::kAll) return deleted;
   std::unordered_set<std::wstring> names;
   const auto isFurther = [&](const ZoLibEntry& entry) {
-    return !names.insert(folded(entry.name.view())).second;
+    return !names.insert(folded(entry.name.view())).second && !session.isNumbered(entry);
   };
   if (which == Recover::kFirst) {
     std::erase_if(deleted, isFurther);
@@ -95,56 +111,60 @@ std::vector<ZoLibEntry> chosen(std::vector<ZoLibEntry> deleted, Recover which) {
   return deleted;
 }
 
-int recoverOne(Session& session, const ZoLibEntry& entry, const std::wstring& newName) {
-  const int code = session->recoverFile(entry);
-  if (code || newName.empty()) return code;
-  return session->renameFile(entry.name, ZoFileName(newName));
+// The names that they come back under: with --all the latest of each has its own, where no member
+// has that, and the others have numbers.
+std::vector<ZoLibRename> namesFor(const std::vector<ZoLibEntry>& entries, Recover which,
+                                  Session& session) {
+  std::unordered_map<std::wstring, std::size_t> latest;
+  std::unordered_set<std::wstring> taken;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    latest[folded(entries[i].name.view())] = i;
+    taken.insert(folded(entries[i].name.view()));
+  }
+  std::vector<ZoLibRename> result;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const ZoFileName& name = entries[i].name;
+    const bool isLatest = latest[folded(name.view())] == i;
+    const bool keepsName = which != Recover::kAll || (isLatest && !session->contains(name));
+    result.push_back(
+        {name, keepsName ? name : ZoFileName(numbered(session, name.view(), taken)), &entries[i]});
+  }
+  return result;
 }
 
-// One of each name, in one step.
-void recoverTogether(Report& report, Session& session, const std::vector<ZoLibEntry>& entries) {
-  if (entries.empty() || !goesOn(report)) return;
-  forgetReason();
-  std::size_t refused = entries.size();
-  if (const int code = session->recoverFiles(entries, false, &refused))
-    return reportFailure(session, {302, "cannot recover %1"}, entries, refused, code);
-  for (const ZoLibEntry& entry : entries) report.member(entry.name.view(), "recovered");
-}
-
-void endRecovery(const Options& options, Report& report, Session& session) {
-  sumUp(options, report, session, "recovered", {303, "%1: %{?2 1 member|%2 members} recovered"});
-  session.close();
+// With --dry-run what can be told of it.
+int recoverAll(const Options& options, Session& session, const std::vector<ZoLibRename>& members,
+               std::size_t& refused) {
+  if (!options.dryRun) return session->recoverFilesAs(members, &refused);
+  for (refused = 0; refused < members.size(); ++refused)
+    if (session->contains(members[refused].newName)) return ZoResult::memberExists;
+  return ZoResult::ok;
 }
 
 }  // namespace
 
+// All of them, in one step.
 void recover(const Options& options, Report& report) {
   Session session(options, report);
   if (!session.openToWrite()) return;
   const std::vector<ZoLibEntry> entries =
-      chosen(session.select(Session::kDeleted), options.recover);
-  if (options.recover != Recover::kAll && !options.dryRun) {
-    recoverTogether(report, session, entries);
-    return endRecovery(options, report, session);
-  }
-  std::unordered_map<std::wstring, std::size_t> latest;
-  for (std::size_t i = 0; i < entries.size(); ++i) latest[folded(entries[i].name.view())] = i;
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    const ZoLibEntry& entry = entries[i];
-    if (!goesOn(report)) break;
+      chosen(session.select(Session::kDeleted), options.recover, session);
+  if (!entries.empty() && goesOn(report)) {
+    const std::vector<ZoLibRename> members = namesFor(entries, options.recover, session);
     forgetReason();
-    const bool isLatest = latest[folded(entry.name.view())] == i;
-    const std::wstring newName = isLatest ? L"" : numbered(session, entry.name.view());
-    int code = options.dryRun ? 0 : recoverOne(session, entry, newName);
-    if (options.dryRun && session->contains(entry.name)) code = ZoResult::memberExists;
-    if (code) {
-      session.reportFailure(say({302, "cannot recover %1"}, entry.name.view()), code);
-      continue;
+    std::size_t refused = entries.size();
+    if (const int code = recoverAll(options, session, members, refused)) {
+      reportFailure(session, {302, "cannot recover %1"}, entries, refused, code);
+    } else {
+      for (const ZoLibRename& member : members) {
+        Json& json = report.member(member.member.view(), "recovered");
+        if (member.newName.view() != member.member.view())
+          json["to"] = toUtf8(member.newName.view());
+      }
     }
-    Json& json = report.member(entry.name.view(), "recovered");
-    if (!newName.empty()) json["to"] = toUtf8(newName);
   }
-  endRecovery(options, report, session);
+  sumUp(options, report, session, "recovered", {303, "%1: %{?2 1 member|%2 members} recovered"});
+  session.close();
 }
 
 namespace {
@@ -191,6 +211,22 @@ int renameAll(const Options& options, Session& session, const std::vector<Renami
   return ZoResult::ok;
 }
 
+// Whether there is something to rename; what is deleted is named by its number alone.
+bool isThere(const std::vector<Renaming>& renamings, const std::wstring& from, Session& session,
+             Report& report) {
+  if (!renamings.empty() && !renamings[0].entry.isDeleted()) return true;
+  if (renamings.empty())
+    report.fail(kNotFound, {109, "%1 has no member %2; `zolib list` shows what it has"},
+                session.name(), from);
+  else
+    report.fail(kFailed,
+                {310,
+                 "cannot rename %1: it is deleted; `zolib recover` brings it back, with --all also "
+                 "beside a member of its name"},
+                renamings[0].entry.name.view());
+  return false;
+}
+
 }  // namespace
 
 // A member; or a folder, with all that is below it.
@@ -206,10 +242,7 @@ void rename(const Options& options, Report& report) {
     return;
   }
   const std::vector<Renaming> renamings = renamingsOf(session, from, memberName(to));
-  if (renamings.empty())
-    report.fail(kNotFound, {109, "%1 has no member %2; `zolib list` shows what it has"},
-                session.name(), from);
-  if (goesOn(report) && !renamings.empty()) {
+  if (isThere(renamings, from, session, report) && goesOn(report)) {
     forgetReason();
     std::size_t refused = 0;
     if (const int code = renameAll(options, session, renamings, refused)) {

@@ -27,10 +27,13 @@ class Extractor {
     const std::wstring_view member = entry.name.view();
     if (const auto why = refusalOf(member)) {
       report_.member(member, "refused")["why"] = say(*why);
+      // One that no name can be is called by its number.
+      const std::string shown =
+          member.empty() ? "@" + std::to_string(entry.ordinal) : toUtf8(member);
       report_.warn({250,
                     "refused to extract %1: %2; `zolib rename` gives it another name, `zolib cat` "
                     "its content"},
-                   member, say(*why));
+                   shown, say(*why));
       return std::nullopt;
     }
     const std::wstring name = nameOf(member);
@@ -152,7 +155,7 @@ void extract(const Options& options, Report& report) {
     return;
   }
   const std::vector<ZoLibEntry> entries = session.select(Session::kLive);
-  const std::vector<bool> hidden = Session::hidden(entries);
+  const std::vector<bool> hidden = session.hidden(entries);
   std::uint64_t total = 0;
   for (const ZoLibEntry& entry : entries) total += entry.size;
   session.progress().expect(total);
@@ -161,7 +164,8 @@ void extract(const Options& options, Report& report) {
   std::vector<int> codes(entries.size());
   const auto prepare = [&](std::size_t i) -> std::optional<std::uint64_t> {
     if (isCancelled()) report.cancelled();
-    if (report.code() == kCancelled || hidden[i]) return std::nullopt;
+    const bool isFound = !hidden[i] || session.isNumbered(entries[i]);
+    if (report.code() == kCancelled || !isFound) return std::nullopt;
     const std::optional<std::wstring> path = extractor.prepare(entries[i]);
     if (!path) return std::nullopt;
     targets[i] = *path;

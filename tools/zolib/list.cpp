@@ -180,7 +180,7 @@ void list(const Options& options, Report& report) {
   if (!session.openToRead()) return;
   const bool all = options.deleted || options.versions;
   const std::vector<ZoLibEntry> entries = session.select(all ? Session::kBoth : Session::kLive);
-  const std::vector<bool> hidden = Session::hidden(entries);
+  const std::vector<bool> hidden = session.hidden(entries);
   Listing listing(options, report);
   listing.head();
   for (const std::size_t i : sorted(entries, options.sort)) {

@@ -138,6 +138,7 @@ std::vector<ZoLibEntry> Session::select(Which which, const std::vector<std::wstr
       [&](const ZoLibEntry& entry) {
         const bool fits = which == kBoth || entry.isDeleted() == (which == kDeleted);
         const bool isNamed = (fits || which == kLive) && selection.wantsNumber(entry.ordinal);
+        if (isNamed) numbered_.insert(entry.ordinal);
         if (isNamed || (fits && selection.wants(entry.name.view()))) entries.push_back(entry);
         return !isCancelled();
       },
@@ -159,8 +160,13 @@ std::vector<ZoLibEntry> Session::select(Which which, const std::vector<std::wstr
 std::vector<bool> Session::hidden(const std::vector<ZoLibEntry>& entries) {
   std::vector<bool> result(entries.size());
   std::unordered_set<std::wstring> names(entries.size());
-  for (std::size_t i = 0; i < entries.size(); ++i)
-    result[i] = !entries[i].isDeleted() && !names.insert(folded(entries[i].name.view())).second;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (entries[i].isDeleted() || entries[i].name.isEmpty()) continue;
+    ZoLibEntry first;  // who is named by number may be alone here
+    result[i] = !names.insert(folded(entries[i].name.view())).second ||
+                (isNumbered(entries[i]) && !library_.getEntry(entries[i].name, first) &&
+                 first.position != entries[i].position);
+  }
   return result;
 }
 

@@ -38,8 +38,13 @@ class Session {
   std::vector<ZoLibEntry> select(Which which);
   std::vector<ZoLibEntry> select(Which which, const std::vector<std::wstring>& names,
                                  Unmatched unmatched = kIsReported);
-  // Whether it is a second live member of a name, which only another maker leaves: never found.
-  [[nodiscard]] static std::vector<bool> hidden(const std::vector<ZoLibEntry>& entries);
+  // Of those that were selected: which of them is a second live member of its name, which only
+  // another maker leaves. It is found by its number alone.
+  [[nodiscard]] std::vector<bool> hidden(const std::vector<ZoLibEntry>& entries);
+  // Whether it was selected by its number: it is meant, whatever else has its name.
+  [[nodiscard]] bool isNumbered(const ZoLibEntry& entry) const {
+    return numbered_.contains(entry.ordinal);
+  }
 
   // Says what lies behind the last member, if anything does; with which weight is the verb's.
   bool reportTrailing(ExitCode code);
@@ -76,6 +81,7 @@ class Session {
   std::wstring path_;
   std::string shown_;  // as the user wrote it
   bool isMade_ = false;
+  std::unordered_set<std::uint64_t> numbered_;  // ordinals
   Progress progress_;
   ZoLibrary library_;
 };

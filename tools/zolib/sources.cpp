@@ -160,7 +160,7 @@ class Walk {
 };
 
 void invite(Report& report) {
-  if (inputIsTyped()) report.note({164, "type it; Ctrl-Z or Ctrl-D on a line of its own ends it"});
+  if (inputIsTyped()) report.note({164, "type it; Ctrl-D ends it, Ctrl-C cancels"});
 }
 
 bool readAllInput(std::string& text) {

@@ -205,6 +205,11 @@ class ZO_COM_API ZoLibrary {
   // all that are in it.
   [[nodiscard]] int renameFiles(std::span<const ZoLibRename> renamings,
                                 std::size_t* refused = nullptr);
+  // Brings deleted members back under new names, or their own: several of one name at once. A name
+  // means the member that was added last under it. What gets a name of another length is also still
+  // there as a deleted member, until reorganize.
+  [[nodiscard]] int recoverFilesAs(std::span<const ZoLibRename> members,
+                                   std::size_t* refused = nullptr);
   template <class Members, class Replace>
     requires(!std::same_as<Replace, bool>)
   int recoverFiles(const Members&, Replace,
