@@ -1,5 +1,5 @@
-// The members of a library as a dialog shows them: the folders of a folder, and those of its members
-// that fit a filter. Levels are told by slashes of both kinds, and case does not count.
+// The members of a library as a dialog shows them: the folders of a folder, and those of its
+// members that fit a filter. Levels are told by slashes of both kinds, and case does not count.
 #pragma once
 
 #include <zo/files/file_time.h>

@@ -1,5 +1,5 @@
-// A printer in the two movable blocks in which the platform's dialogs take and give one, and the call
-// of such a dialog.
+// A printer in the two movable blocks in which the platform's dialogs take and give one, and the
+// call of such a dialog.
 #pragma once
 
 #include <windows.h>

@@ -4,8 +4,8 @@
 // Memory:  some 100 bytes and the name for each entry: there may be a million of them. It grows in
 //          place.
 // Cost:    finding a name is O(1) and the number of entries of that name, but for the first times:
-//          these go over the hashes, which for few searches takes less than to sort all entries into
-//          buckets. A place is found by bisection.
+//          these go over the hashes, which for few searches takes less than to sort all entries
+//          into buckets. A place is found by bisection.
 #pragma once
 
 #include "library/scan.h"

@@ -1,5 +1,5 @@
-// What the tools say, in the user's language. Texts of a number below 100 are common to all tools and
-// stand in the message file "zolib" (share/messages), the others in that of their tool.
+// What the tools say, in the user's language. Texts of a number below 100 are common to all tools
+// and stand in the message file "zolib" (share/messages), the others in that of their tool.
 #pragma once
 
 #include <zo/variant/variant.h>

@@ -8,10 +8,10 @@
 //          they are asked no more until the platform tells of a change in them, and neither is the
 //          current directory. Each folder below that is watched by itself, and a file that is known
 //          is looked at once more before it is given. A place that was exchanged for another of
-//          its name by renaming is noticed within a second. Folders on a network and those that cannot
-//          be watched are asked each time. A folder that is watched can be removed; where the
-//          platform lets it vanish only when nobody has it open, that is at the next search, and
-//          what removes a tree and waits for each level to vanish waits until then: release the
+//          its name by renaming is noticed within a second. Folders on a network and those that
+//          cannot be watched are asked each time. A folder that is watched can be removed; where
+//          the platform lets it vanish only when nobody has it open, that is at the next search,
+//          and what removes a tree and waits for each level to vanish waits until then: release the
 //          place first.
 // Members  that are to be files of the disk are copied to the cache's folder, "members"; without a
 //          cache to "zo_members" in the folder for temporary files. A copy is made once for each

@@ -24,13 +24,13 @@
 // Places   are added under the name of a module, and go when it is released; several modules may
 //          add the same, and each has its own.
 //
-// Errors:  0 success; 1 not found, or a place that is not there or that the module has added before, an
-//          unknown macro, or the guard was not obtained within timeOut(); 2 out of memory; 3 a URL, where
-//          no cache was set or its scheme cannot be served (http, https, ftp can). Nothing has
-//          changed then, nor what was to be filled. ZoResult::stale: done with the cache's older
-//          copy, as the server did not answer; a URL may also give a code of open_results.h. What
-//          the platform said is to be had from the file-system service's errorTxt() after open and
-//          toDisk. Nothing throws but std::bad_alloc.
+// Errors:  0 success; 1 not found, or a place that is not there or that the module has added
+//          before, an unknown macro, or the guard was not obtained within timeOut(); 2 out of
+//          memory; 3 a URL, where no cache was set or its scheme cannot be served (http, https, ftp
+//          can). Nothing has changed then, nor what was to be filled. ZoResult::stale: done with
+//          the cache's older copy, as the server did not answer; a URL may also give a code of
+//          open_results.h. What the platform said is to be had from the file-system service's
+//          errorTxt() after open and toDisk. Nothing throws but std::bad_alloc.
 // Threads: any. Looking up never waits for the guard.
 #pragma once
 
