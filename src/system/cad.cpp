@@ -130,7 +130,9 @@ void ZoStdCad::poolRelease(const wchar_t* module) {
   for (const auto& document : documents_->all())
     for (const auto [key, globals] : document->globals) names.emplace_back(document->name, key);
   zo::FirstFailure failure;
-  for (const auto& [document, name] : names) {
+  for (const auto& ask : names) {
+    const ZoString& document = ask.first;
+    const ZoString& name = ask.second;
     const auto find = [&]() -> ZoDwgGlobals* {
       Document* const found = documents_->find(document);
       ZoDwgGlobals** const globals = found ? found->globals.at(name) : nullptr;
