@@ -3,8 +3,8 @@
 
 #include "library/operations.h"
 #include "library/read_member.h"
-#include "platform/time_value.h"
 #include "names/name_compare.h"
+#include "platform/time_value.h"
 #include "text/code_units.h"
 
 namespace zo {
