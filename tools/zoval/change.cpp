@@ -1,19 +1,16 @@
 // set and convert: values into files.
 #include <cstdint>
 
-#include "text.h"
 #include "value_file.h"
 #include "verbs.h"
 
 namespace zoval {
 namespace {
 
-using zolib::toUtf8;
-
 // A value in text form ("Length 12.5", "Point (1, 2, 3)"), a whole number, another number; or else
 // just the text.
 ZoVariant valueOf(const std::wstring& text) {
-  ZoVariant value{ZoString(text)};
+  const ZoVariant value{ZoString(text)};
   std::int64_t whole = 0;
   double real = 0;
   if (value.get(whole) == 0) {
