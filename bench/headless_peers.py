@@ -1,17 +1,12 @@
 #!/usr/bin/env python3
-"""headless_peers.py prepare FOLDER [SHARE]: makes two trees of 100,000 values as JSON for headless_bench; with SHARE one
-in so many values only.
-headless_peers.py measure FOLDER JSON: what a script does with them, added to the benchmark's results: it loads both and
-compares them, without telling what differs. Its time is that of the work within a running Python.
+"""The data of headless_bench, and its peer (peers.py has how it is called): two trees of 100,000 values as JSON, and
+a script that loads both and compares them, without telling what differs. Its time is that of the work within a running
+Python.
 """
 import json
-import os
 import pathlib
-import shutil
-import sys
-import time
 
-RUNS = 7
+import peers
 
 
 def tree(count):
@@ -22,8 +17,8 @@ def tree(count):
     return {"parts": parts}
 
 
-def prepare(share="1"):
-    value = tree(100_000 // int(share))
+def prepare(share=1):
+    value = tree(100_000 // share)
     pathlib.Path("a.json").write_text(json.dumps(value))
     parts = value["parts"]
     for i in range(10):
@@ -33,28 +28,15 @@ def prepare(share="1"):
 
 def compare():
     with open("a.json", encoding="utf-8") as a, open("b.json", encoding="utf-8") as b:
-        return json.load(a) == json.load(b)
+        assert json.load(a) != json.load(b)
 
 
-def measure(results):
-    results = pathlib.Path(results)
-    data = json.loads(results.read_text())
-    for _ in range(RUNS):
-        start = time.perf_counter()
-        assert not compare()
-        seconds = time.perf_counter() - start
+def measure(data):
+    for _ in range(peers.RUNS):
+        seconds = peers.seconds_of(compare)
         for form in ("json", "text", "archive"):
-            data["benchmarks"].append({"run_name": f"Diff100000/{form}/peer:python", "run_type": "iteration",
-                                       "time_unit": "s", "real_time": seconds})
-    results.write_text(json.dumps(data, indent=1))
+            peers.add_run(data, f"Diff100000/{form}", "python", seconds)
 
 
 if __name__ == "__main__":
-    verb, folder, *rest = sys.argv[1:]
-    if verb == "measure":
-        rest = [os.path.abspath(r) for r in rest]
-    if verb == "prepare":
-        shutil.rmtree(folder, ignore_errors=True)
-        os.makedirs(folder)
-    os.chdir(folder)
-    {"prepare": prepare, "measure": measure}[verb](*rest)
+    peers.main(prepare, measure)

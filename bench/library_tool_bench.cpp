@@ -84,6 +84,13 @@ void extractMany(benchmark::State& state) {
   for (auto _ : state) zolib(state, {"extract", "10000.lib", "-q", "-o", fresh("out")});
 }
 
+// The first call packs all, and the others find nothing to do.
+void syncUnchanged(benchmark::State& state) {
+  begin();
+  if (!fs::exists("sync.lib")) zolib(state, {"sync", "sync.lib", "10000", "--mode", "store", "-q"});
+  for (auto _ : state) zolib(state, {"sync", "sync.lib", "10000", "-q"});
+}
+
 // What the platform alone takes to make the same files, each under another name first.
 void plainFiles(benchmark::State& state) {
   begin();
@@ -137,6 +144,7 @@ BENCHMARK(packTree)->Name("PackTree3000/best/ours")->Iterations(1)->Repetitions(
 BENCHMARK(unpackTree)->Name("UnpackTree3000/ours")->Iterations(1)->Repetitions(3);
 BENCHMARK(testTree)->Name("TestTree3000/ours");
 BENCHMARK(extractMany)->Name("Extract10000/ours")->Iterations(1)->Repetitions(3);
+BENCHMARK(syncUnchanged)->Name("SyncUnchanged/10000/ours");
 BENCHMARK(plainFiles)->Name("Extract10000/peer:plain_calls")->Iterations(1)->Repetitions(3);
 BENCHMARK(reorganize)->Name("Reorganize200MB/ours")->Iterations(1);
 BENCHMARK(copyFile)->Name("Reorganize200MB/peer:file_copy")->Iterations(1);

@@ -1,14 +1,11 @@
 #!/usr/bin/env python3
-"""library_tool_peers.py prepare FOLDER [SHARE]: makes the data for library_tool_bench, and the peers' archives of it;
-with SHARE one in so many members only, for a look whether all still works.
-library_tool_peers.py measure FOLDER JSON: runs the peers and adds their times to the benchmark's results.
+"""The data of library_tool_bench, the peers' archives of it, and the peers (peers.py has how it is called).
 
 The peer for this platform is the reduced 7z tool that scripts/setup builds, run under Wine as ours is; 7z, zip and
 unzip as programs of this machine are a column beside it. A peer's time is the median of its runs, less that of a run
 that does nothing (its help): what remains is the work, as in the tool's own figures, which are taken within a running
 program. Everything may use all processors.
 """
-import json
 import os
 import pathlib
 import random
@@ -17,13 +14,12 @@ import shutil
 import statistics
 import struct
 import subprocess
-import sys
-import time
 import zlib
+
+import peers
 
 TIME = 133_000_000_000_000_000  # in 2022
 TREES = ["/usr/share/mingw-w64/include", "/usr/include"]
-RUNS = 7
 
 
 def library(path, members):
@@ -69,8 +65,7 @@ def unpack_members(folder, members):
         path.write_bytes(data)
 
 
-def prepare(share="1"):
-    share = int(share)
+def prepare(share=1):
     rng = random.Random(1)
     pathlib.Path("100KB.bin").write_bytes(rng.randbytes(100_000))
     large = [(f"part{i}.bin", rng.randbytes(400_000)) for i in range(500 // share)]
@@ -88,34 +83,28 @@ def prepare(share="1"):
         quietly("zip", "-q", "-r", "-0", f"../{name}.zip", ".")
         quietly("7zz", "a", "-mx0", f"../{name}.7z", ".")
         os.chdir("..")
-        shutil.rmtree(name)
+        if name != "10000":  # the tree that sync finds unchanged
+            shutil.rmtree(name)
 
 
-def timed(command, runs=RUNS):
+def timed(command, runs=peers.RUNS):
     """Each run has a name of its own for what it makes: a file system is slow where it deleted files just now."""
-    times = []
-    for run in range(runs):
-        start = time.perf_counter()
-        quietly(*(word.replace("{run}", str(run)) for word in command))
-        times.append(time.perf_counter() - start)
-    return times
+    return [peers.seconds_of(lambda: quietly(*(word.replace("{run}", str(run)) for word in command)))
+            for run in range(runs)]
 
 
-def measure(results):
-    results = pathlib.Path(results)
-    data = json.loads(results.read_text())
+def measure(data):
     wine = shlex.split(os.environ["ZO_BENCH_WINE"])
     peer_7z = [*wine, os.environ["ZO_BENCH_7Z"]]
     starts = {tool: statistics.median(timed(command, runs=21)) for tool, command in
               {"7z": [*peer_7z, "-h"], "7z_native": ["7zz", "--help"], "zip_native": ["zip", "-h"],
                "unzip_native": ["unzip", "-h"]}.items()}
 
-    def peer(work, tool, *command, runs=RUNS, name=None):
+    def peer(work, tool, *command, runs=peers.RUNS, name=None):
         for seconds in timed(command, runs):
-            data["benchmarks"].append({"run_name": f"{work}/peer:{name or tool}", "run_type": "iteration",
-                                       "time_unit": "s", "real_time": max(seconds - starts[tool], 1e-6)})
+            peers.add_run(data, work, name or tool, max(seconds - starts[tool], 1e-6))
 
-    def both(work, *arguments, runs=RUNS, threads=""):
+    def both(work, *arguments, runs=peers.RUNS, threads=""):
         """The same with both 7z tools; {tool} keeps what they make apart."""
         for tool, program in (("7z", peer_7z), ("7z_native", ["7zz"])):
             words = [word.replace("{tool}", tool) for word in arguments]
@@ -136,6 +125,8 @@ def measure(results):
     both("TestTree3000", "t", "tree7z1_0.7z")
     peer("Extract10000", "unzip_native", "unzip", "-q", "-d", "{run}_unzip", "10000.zip")
     both("Extract10000", "x", "-o{run}_{tool}_10000", "10000.7z")
+    quietly("zip", "-q", "-r", "-0", "sync.zip", "10000")
+    peer("SyncUnchanged/10000", "zip_native", "zip", "-q", "-r", "-FS", "sync.zip", "10000")
     ours, theirs = os.path.getsize("tree.lib"), os.path.getsize("tree7z1_0.7z")
     frames = frame_size("tree.lib")
     data["notes"] = [
@@ -147,15 +138,7 @@ def measure(results):
         "7z runs under Wine as ours does, 7z1 with one thread and 7z2 with two. What stands under native runs on this machine",
         "itself, where to make a file costs a quarter; plain_calls is what the platform's own calls take for the same files.",
     ]
-    results.write_text(json.dumps(data, indent=1))
 
 
 if __name__ == "__main__":
-    verb, folder, *rest = sys.argv[1:]
-    if verb == "measure":
-        rest = [os.path.abspath(r) for r in rest]
-    if verb == "prepare":
-        shutil.rmtree(folder, ignore_errors=True)
-        os.makedirs(folder)
-    os.chdir(folder)
-    {"prepare": prepare, "measure": measure}[verb](*rest)
+    peers.main(prepare, measure)
