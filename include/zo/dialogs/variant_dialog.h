@@ -10,6 +10,7 @@
 //
 // Errors:  as ZoDialog has it. Cancel, Escape and closing the window ask first when something was
 //          changed. Without memory for an edit the window says so and goes on.
+// Threads: as ZoDialog has it.
 // Cost:    opening takes a copy of the value, and what one container shows; branches are filled as
 //          they are opened.
 #pragma once
