@@ -4,6 +4,7 @@
 
 #include <zo/text/clib.h>
 #include <zo/text/format.h>
+#include <zo/text/not_negative.h>
 #include <zo/text/number_text.h>
 #include <zo/text/printf.h>
 #include <zo/text/ref_count.h>

@@ -113,7 +113,7 @@ bool writeAll(ZoFile& file, std::string_view bytes) {
 
 }  // namespace
 
-int zoReadText(const ZoFileName& name, ZoString& text, unsigned int codepage) {
+int zoReadText(const ZoFileName& name, ZoString& text, zo::NotNegative<unsigned int> codepage) {
   ZoFile file;
   if (const int code = file.open(name, ZoFile::kRead, ZoFile::kOpenExisting, ZoFile::kShareRead,
                                  ZoFile::kSequential))
@@ -121,7 +121,7 @@ int zoReadText(const ZoFileName& name, ZoString& text, unsigned int codepage) {
   return zoReadText(file, text, codepage);
 }
 
-int zoReadText(ZoFile& file, ZoString& text, unsigned int codepage) {
+int zoReadText(ZoFile& file, ZoString& text, zo::NotNegative<unsigned int> codepage) {
   constexpr std::int64_t kLargest = 3 * std::int64_t{ZoString::maxLength()} + 3;
   zo::AllBytes all;
   if (const int code = zo::readAll(file, kLargest, all)) return code;

@@ -171,6 +171,7 @@ Download::Answer Download::run(WebAddress address, const CacheMark* known,
     HttpRequest request([this] { return timeLeft() > 0 && goesOn(); });
     if (!goesOn()) return fail(ZoResult::cancelled, ERROR_CANCELLED);
     if (timeLeft() == 0) return away(ERROR_INTERNET_TIMEOUT);
+    if (!HttpRequest::mayBegin()) return away(ERROR_CONNECTION_COUNT_LIMIT);
     wasSent_ = true;
     if (!request.send(address, lines, timeOut())) return gaveUp();
     isReached_ = true;

@@ -18,7 +18,7 @@ int ZoFileSearch::addFolder(const ZoFileName& folder, const wchar_t* module, int
 
 int ZoFileSearch::addLibrary(const ZoFileName&, const wchar_t*, int) { return ZoResult::refused; }
 int ZoFileSearch::addServer(const ZoFileName&, const wchar_t*, int) { return ZoResult::refused; }
-int ZoFileSearch::setCache(const ZoFileName&, std::uint64_t, unsigned int) {
+int ZoFileSearch::setCacheFolder(const ZoFileName&, std::uint64_t, unsigned int) {
   return ZoResult::refused;
 }
 

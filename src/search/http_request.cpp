@@ -1,6 +1,7 @@
 #include "search/http_request.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstring>
 
@@ -56,16 +57,25 @@ struct HttpRequest::Shared {
   std::atomic<int> owners{2};
   std::atomic<DWORD> error{ERROR_SUCCESS};
   DWORD there = 0, got = 0;
-  Shared* next = nullptr;  // given up before
   char piece[kPiece];
 
+  // Those that were given up, until the platform has let go of them, too.
+  static inline std::array<std::atomic<Shared*>, kMostGivenUp> s_givenUp;
+
   void letGo() noexcept {
-    if (--owners == 0) delete this;
+    if (--owners > 0) return;
+    for (auto& place : s_givenUp) {
+      Shared* self = this;
+      place.compare_exchange_strong(self, nullptr);
+    }
+    delete this;
   }
-  // Kept for good: nobody can tell whether the platform still writes to it.
   void giveUp() noexcept {
-    static std::atomic<Shared*> s_givenUp = nullptr;
-    next = s_givenUp.exchange(this);
+    for (auto& place : s_givenUp) {
+      Shared* none = nullptr;
+      if (place.compare_exchange_strong(none, this)) break;
+    }
+    letGo();
   }
   static void CALLBACK told(HINTERNET, DWORD_PTR context, DWORD status, void* what, DWORD) {
     auto* const shared = reinterpret_cast<Shared*>(context);
@@ -96,6 +106,10 @@ HttpRequest::~HttpRequest() {
   }
   if (!request_) shared_->letGo();
   shared_->letGo();
+}
+
+bool HttpRequest::mayBegin() noexcept {
+  return std::ranges::any_of(Shared::s_givenUp, [](const auto& place) { return !place.load(); });
 }
 
 bool HttpRequest::open(const WebAddress& address, const std::wstring& headers, DWORD timeOut) {

@@ -3,7 +3,8 @@
 //
 // Waiting   The platform works by itself, and whoever waits for it is asked again and again whether
 //          to go on: no server, however slow, holds it. What is given up then is left to the
-//          platform, which ends it sooner or later.
+//          platform, which ends it sooner or later. Until then it takes some 70 KB, and this DLL,
+//          which is called back, stays loaded for good; so not many may be left so at a time.
 // Errors:  false leaves the platform's code (12000 and up) in the last error; ERROR_CANCELLED when
 //          the wait was given up.
 // Threads: one.
@@ -22,6 +23,10 @@ class HttpRequest {
  public:
   // Whether to wait on; called some twenty times a second, and may throw.
   using Patience = std::function<bool()>;
+  static constexpr unsigned int kMostGivenUp = 16;
+
+  // False while the platform has not let go of so many that were given up.
+  [[nodiscard]] static bool mayBegin() noexcept;
 
   explicit HttpRequest(Patience patience) : patience_(std::move(patience)) {}
   HttpRequest(const HttpRequest&) = delete;

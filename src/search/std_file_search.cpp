@@ -103,7 +103,8 @@ int ZoStdFileSearch::addServer(const ZoFileName& url, const wchar_t* module, int
   return imp_->finder().add(std::move(place)) ? ZoResult::ok : ZoResult::refused;
 }
 
-int ZoStdFileSearch::setCache(const ZoFileName& folder, std::uint64_t limit, unsigned int maxAge) {
+int ZoStdFileSearch::setCacheFolder(const ZoFileName& folder, std::uint64_t limit,
+                                    unsigned int maxAge) {
   const zo::Writing writing(*this);
   return writing ? imp_->setCache(folder, limit, maxAge) : ZoResult::refused;
 }

@@ -22,6 +22,9 @@ void traps(ZoArray<int> array, ZoHashDict<int, ZoString> dict) {
   dict.insertAt(L"a", 1);    // error: nodiscard
   dict.put(L"a", 1);         // error: nodiscard
   array.sort();              // error: nodiscard
+  const ZoCompare<int> order;
+  (void)array.sort(order, 5);              // error: ascending is a bool
+  array.remove(1, order, 2);               // error: all is a bool
   array.removeAll(1);        // error: write remove(value, compare, true)
   dict.removeAll(L"a");      // error: or removeAt(key)
   ZoHashDict<int, ZoString> dense(0.5);  // error: the number of buckets comes first

@@ -53,6 +53,7 @@ void textFiles(const ZoFileName& name, ZoString text) {
   zoReadText(name, text);                         // error: nodiscard
   (void)zoReadText(name, text, true);             // error: a code page by its number
   (void)zoReadText(name, text, L"utf-8");         // error: a code page by its number
+  (void)zoReadText(name, text, -1);               // error: negativeOrTooLarge
   zoSaveText(name, text);                         // error: nodiscard
   (void)zoSaveText(name, text, 1252);             // error: cannot convert
 }

@@ -14,7 +14,9 @@ void places(ZoFileSearch& search) {
   (void)search.addPath(L"C:\\parts", L"module", 1, 2);         // error: below is a bool
   (void)search.addLibrary(L"a.lib", L"module", true);         // error: the priority is an int
   (void)search.addServer(L"http://a/", L"module", true);      // error: the priority is an int
-  (void)search.setCache(L"cache", 1, true);                   // error: bytes, then seconds
+  (void)search.setCache(L"cache", 1, true);                   // error: no matching function
+  (void)search.setCache(L"cache", -1, 0);                     // error: negativeOrTooLarge
+  (void)search.setCache(L"cache", 1, 1LL << 32);              // error: negativeOrTooLarge
 }
 
 void find(ZoFileSearch& search, ZoFile& file, ZoArray<ZoFileName>& names) {
@@ -55,6 +57,7 @@ void media(ZoFileOpen& open, ZoFileName& root) {
   (void)open.requestMedia(nullptr, root);                     // error: give the label
   (void)open.setMediaKey("abc", true);                        // error: and how many
   (void)open.setMediaKey(L"abc", 3);                          // error: give it in UTF-8
+  (void)open.setMediaKey(L"abc", true);                       // error: give it in UTF-8
   (void)open.checkMedia(root, nullptr, [](const ZoMediaProgress& p) { return &p; });  // error: returns bool
 }
 
@@ -68,8 +71,10 @@ void downloads(ZoDownloadCache& cache, ZoFileName& file) {
 
 void sums(ZoCheckSum& sum, ZoCheckSum::Sum& made) {
   (void)sum.add(L"wide", 4);                                  // error: sums are of bytes
+  (void)sum.add(L"wide", true);                               // error: sums are of bytes
   (void)sum.add("x", true);                                   // error: how many bytes
   (void)sum.start(ZoCheckKey(L"key", 3));                     // error: give it in UTF-8
+  (void)sum.start(ZoCheckKey(L"key", true));                  // error: give it in UTF-8
   (void)zoCheckSum(L"wide", 4, ZoCheckKey("key"), made);      // error: sums are of bytes
   (void)zoCheckSumFile(nullptr, ZoCheckKey("key"), made);     // error: name a file
 }

@@ -5,11 +5,14 @@
 
 #include <fstream>
 #include <memory>
+#include <thread>
+#include <vector>
 
 #include "files/file_fixture.h"
 #include "platform/clock.h"
 #include "search/cache_mark.h"
 #include "search/download_folder.h"
+#include "search/http_request.h"
 #include "support/child_process.h"
 #include "support/loopback_server.h"
 #include "support/registry_base.h"
@@ -212,6 +215,29 @@ TEST_F(Downloads, ServersThatHangOrDripEndWithTheirTime) {
   const auto cancel = [&](const auto&) { return ++calls < 4; };
   EXPECT_EQ(fetchedBy(cache, url(L"/slowhead/part.dwg"), cancel), "(1020)");
   EXPECT_LT(millisecondsNow() - begun, 30'000U) << "7 waits, and the platform's time to let go";
+}
+
+TEST_F(Downloads, AskNobodyWhileThePlatformHasTooManyThatWereGivenUp) {
+  const auto giveUp = [&](unsigned int i) {
+    ZoDownloadCache cache;
+    ZoFileName file;
+    const ZoFileName part = url(L"/slowhead/" + std::to_wstring(i));
+    if (cache.open(name(L"cache"))) return;
+    static_cast<void>(
+        cache.get(part, file, [calls = 0](const auto&) mutable { return ++calls < 4; }));
+  };
+  const ZoFileName part = url(L"/file/part.dwg");
+  serve("content");
+  {
+    std::vector<std::jthread> threads;
+    for (unsigned int i = 0; i < HttpRequest::kMostGivenUp; ++i) threads.emplace_back(giveUp, i);
+  }
+  count();
+  EXPECT_EQ(fetched(part), "(1)");
+  EXPECT_EQ(count(), "0");
+  server_.ask("release");
+  while (fetched(part) != "content") {
+  }
 }
 
 TEST_F(Downloads, AskListedHostsOnly) {

@@ -53,7 +53,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
 
     def pieces(self, piece, pause):
         try:
-            while True:
+            while not released.is_set():
                 self.wfile.write(piece)
                 self.wfile.flush()
                 time.sleep(pause)
@@ -176,6 +176,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def way_slowhead(self, name):
         self.wfile.write(b"HTTP/1.1 200 OK\r\nX: ")
         self.pieces(b"x", 0.1)
+        self.close_connection = True
 
     def way_hang(self, name):
         released.wait(60)

@@ -15,9 +15,9 @@
 
 #include <zo/config.h>
 #include <zo/names/file_name.h>
+#include <zo/text/not_negative.h>
 #include <zo/text/string.h>
 
-#include <concepts>
 #include <string_view>
 
 class ZoFile;
@@ -28,12 +28,16 @@ enum class ZoTextForm : int { utf8Marked, utf8, utf16, utf16BigEndian };  // UTF
 // The code page (zo/system/codepage.h) is for bytes that are not Unicode; 0 is the code page
 // service's default or, without services, the system's.
 [[nodiscard]] ZO_COM_API int zoReadText(const ZoFileName& name, ZoString& text,
-                                        unsigned int codepage = 0);
+                                        zo::NotNegative<unsigned int> codepage = 0U);
 // The same of a file that is open, from its front to its end: of a member of a library, say.
-[[nodiscard]] ZO_COM_API int zoReadText(ZoFile& file, ZoString& text, unsigned int codepage = 0);
+[[nodiscard]] ZO_COM_API int zoReadText(ZoFile& file, ZoString& text,
+                                        zo::NotNegative<unsigned int> codepage = 0U);
 template <class T>
-  requires(!std::integral<T> || std::same_as<T, bool>)
+  requires(!zo::PlainInteger<T>)
 int zoReadText(const ZoFileName&, ZoString&, T) = delete;  // a code page by its number
+template <class T>
+  requires(!zo::PlainInteger<T>)
+int zoReadText(ZoFile&, ZoString&, T) = delete;  // a code page by its number
 
 // In one step (zo/files/file_save.h). A surrogate that stands alone becomes U+FFFD in UTF-8.
 [[nodiscard]] ZO_COM_API int zoSaveText(const ZoFileName& name, std::wstring_view text,

@@ -47,7 +47,7 @@ struct ZoCheckKey {
       : data(text.data()), size(text.size()) {}
   explicit ZoCheckKey(std::wstring_view) = delete;  // a key is bytes: give it in UTF-8
   template <zo::WideCharacter T>
-  ZoCheckKey(const T*, std::size_t) = delete;                 // a key is bytes: give it in UTF-8
+  ZoCheckKey(const T*, std::integral auto) = delete;          // a key is bytes: give it in UTF-8
   ZoCheckKey(const void*, std::same_as<bool> auto) = delete;  // the key's bytes, and how many
 
   const void* data;
@@ -67,7 +67,7 @@ class ZO_COM_API ZoCheckSum {
   [[nodiscard]] int start(ZoCheckKey key);
   [[nodiscard]] int add(const void* data, std::size_t size);
   template <zo::WideCharacter T>
-  int add(const T*, std::size_t) = delete;  // sums are of bytes: const void* and their count
+  int add(const T*, std::integral auto) = delete;  // sums are of bytes: const void* and their count
   int add(const void*, std::same_as<bool> auto) = delete;  // how many bytes
   // Ends it: for another sum start again.
   [[nodiscard]] int finish(Sum& sum);

@@ -50,13 +50,12 @@ class ZO_COM_API ZoStdFileSearch : public ZoFileSearch {
   using ZoFileSearch::addServer;
   using ZoFileSearch::find;
   using ZoFileSearch::findNames;
-  using ZoFileSearch::setCache;
   int addPath(const ZoFileName& folder, const wchar_t* module) override;
   int find(const ZoFileName& name, ZoFileName& found) override;
   int addFolder(const ZoFileName& folder, const wchar_t* module, int priority, bool below) override;
   int addLibrary(const ZoFileName& library, const wchar_t* module, int priority = 0) override;
   int addServer(const ZoFileName& url, const wchar_t* module, int priority = 0) override;
-  int setCache(const ZoFileName& folder, std::uint64_t limit, unsigned int maxAge) override;
+  int setCacheFolder(const ZoFileName& folder, std::uint64_t limit, unsigned int maxAge) override;
   int locate(const ZoFileName& name, ZoFound& found) override;
   int findNames(const ZoFileName& pattern, ZoSequence<ZoFileName>& names,
                 unsigned int kinds = 0) override;

@@ -125,7 +125,7 @@ class ZO_COM_API ZoFileOpen : public ZoSysObj {
   int setMediaKey(const void*, std::same_as<bool> auto) = delete;  // the key's bytes, and how many
   template <class T>
     requires std::same_as<T, wchar_t> || std::same_as<T, char16_t> || std::same_as<T, char32_t>
-  int setMediaKey(const T*, std::size_t) = delete;  // a key is bytes: give it in UTF-8
+  int setMediaKey(const T*, std::integral auto) = delete;  // a key is bytes: give it in UTF-8
   template <class T>
     requires zoIsNoMediaWatcher<T>
   int checkMedia(const ZoFileName&, ZoMediaReport*, const T&) = delete;  // a watcher returns bool

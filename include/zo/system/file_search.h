@@ -39,6 +39,7 @@
 #include <zo/system/open_results.h>
 #include <zo/system/sys_obj.h>
 #include <zo/text/containers/iterator.h>
+#include <zo/text/not_negative.h>
 
 #include <concepts>
 #include <cstdint>
@@ -128,12 +129,9 @@ class ZO_COM_API ZoFileSearch : public ZoSysObj {
   int addServer(const ZoFileName&, const wchar_t*, bool) = delete;  // the priority is an int
   // Where copies of servers' files and of members are kept: a folder, which is made; the most bytes
   // that it may hold; and how many seconds a copy serves before the server is asked again. An empty
-  // name ends it; what the folder holds stays. Here: refused.
-  [[nodiscard]] virtual int setCache(const ZoFileName& folder, std::uint64_t limit,
-                                     unsigned int maxAge);
-  template <class Age>
-    requires std::same_as<Age, bool>
-  int setCache(const ZoFileName&, std::uint64_t, Age) = delete;  // bytes, then seconds
+  // name ends it; what the folder holds stays. Clients call setCache. Here: refused.
+  [[nodiscard]] virtual int setCacheFolder(const ZoFileName& folder, std::uint64_t limit,
+                                           unsigned int maxAge);
   // Where a file is. Here: what find gives, as named.
   [[nodiscard]] virtual int locate(const ZoFileName& name, ZoFound& found);
   // Adds all names that fit a pattern of * and ? in its last component, each as find() gives it, in
@@ -168,6 +166,10 @@ class ZO_COM_API ZoFileSearch : public ZoSysObj {
     requires(!std::same_as<T, bool>)
   int addPath(const ZoFileName&, const wchar_t*, int, T) = delete;  // below is a bool
   int addPath(const ZoFileName&, const wchar_t*, bool) = delete;    // the priority comes first
+  [[nodiscard]] int setCache(const ZoFileName& folder, zo::NotNegative<std::uint64_t> limit,
+                             zo::NotNegative<unsigned int> maxAge) {
+    return setCacheFolder(folder, limit, maxAge);
+  }
   [[nodiscard]] int find(const ZoFileName& name, ZoFound& found) { return locate(name, found); }
   [[nodiscard]] int findAll(const ZoFileName& pattern, ZoSequence<ZoFileName>& names,
                             unsigned int kinds = 0) {

@@ -13,6 +13,7 @@
 #include <zo/text/containers/elements.h>
 #include <zo/text/containers/text_keys.h>
 
+#include <concepts>
 #include <cstddef>
 #include <iterator>
 #include <type_traits>
@@ -122,6 +123,9 @@ class ZoSequence : public ZoContainer<T> {
 
   // Removes the first element that compares equal, or all of them; 1 when there is none.
   virtual int remove(const T& value, const ZoCompare<T>& compare, bool all = false) = 0;
+  template <class All>
+    requires(!std::same_as<All, bool>)
+  int remove(const T&, const ZoCompare<T>&, All) = delete;  // all is a bool
   int remove(const T& value) { return remove(value, ZoCompare<T>()); }
   int removeAt(unsigned i) { return take(i, nullptr); }
   [[nodiscard]] int removeAt(unsigned i, T& out) { return take(i, &out); }
@@ -132,6 +136,9 @@ class ZoSequence : public ZoContainer<T> {
 
   // Stable in both directions.
   [[nodiscard]] virtual int sort(const ZoCompare<T>& compare, bool ascending = true) = 0;
+  template <class Ascending>
+    requires(!std::same_as<Ascending, bool>)
+  int sort(const ZoCompare<T>&, Ascending) = delete;  // ascending is a bool
   [[nodiscard]] int sort() { return sort(ZoCompare<T>()); }
   [[nodiscard]] virtual int reverse() = 0;
 
