@@ -60,6 +60,9 @@ constexpr Verb kVerbs[] = {
      "  zoval set part.zoa bolts/0/length 30               stays a length\n"
      "  zoval set part.zoa origin 'Point (1, 2, 3)'\n"
      "  zoval set parts.lib --member m8.zoa name 'M8 x 30'\n"},
+    {"edit", "Edit a value in a window, and write the file anew in one step", edit, kWrites, "",
+     "  zoval edit part.zoa\n"
+     "  zoval edit part.zoa --against old.zoa             what differs, side by side\n"},
     {"diff", "Tell what differs between two values; ends with 1 where something does", diff,
      kSecond, "The value that it became",
      "  zoval diff old.txt new.zoa\n"
@@ -122,6 +125,7 @@ class ZovalCommandLine final : public CommandLine {
       sub.add_option("--to", raw_.to, "The form to write; else by .txt, .zov, .zoa, .xml, .json")
           ->check(noForm)
           ->type_name("FORM");
+    if (name == "edit") addEdit(sub);
     if (name == "diff") addDiff(sub);
     if (name == "graph") {
       sub.add_option("--path", raw_.path, "Only what lies there")->type_name("PATH");
@@ -131,6 +135,11 @@ class ZovalCommandLine final : public CommandLine {
     if (verb.takes & kWrites)
       sub.add_flag("--dry-run", options_.dryRun, "Only show what would be done");
     zolib::addTalkOptions(sub, options_, kVerboseHelp);
+  }
+
+  void addEdit(CLI::App& sub) {
+    sub.add_flag("--read-only", options_.readOnly, "Only look at it");
+    addText(sub, "--against", raw_.second, {0, "Another value, to see what differs"}, "FILE");
   }
 
   void addDiff(CLI::App& sub) {

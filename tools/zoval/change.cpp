@@ -27,6 +27,13 @@ ZoVariant valueOf(const std::wstring& text) {
 
 }  // namespace
 
+void keep(ValueFile& file, bool isChange, const Options& options, Report& report) {
+  report.json()["changed"] = isChange;
+  if (!isChange) return report.note(file.shown + " has that value already");
+  if (options.dryRun) return report.note("would change " + file.shown);
+  if (writeValue(file, report) && options.verbose) report.note("changed " + file.shown);
+}
+
 // What is there keeps its type: 13 for a length is a length. Only a value in text form brings its
 // own, and what is new has what it is given.
 void set(const Options& options, Report& report) {
@@ -45,11 +52,7 @@ void set(const Options& options, Report& report) {
   if (file.value.put(options.path, next) != 0)
     return report.fail(zolib::kNotFound,
                        "no way leads to " + toUtf8(options.path) + " in " + file.shown);
-  const bool isChange = !old || before != next;
-  report.json()["changed"] = isChange;
-  if (!isChange) return report.note(file.shown + " has that value already");
-  if (options.dryRun) return report.note("would change " + file.shown);
-  if (writeValue(file, report) && options.verbose) report.note("changed " + file.shown);
+  keep(file, !old || before != next, options, report);
 }
 
 void convert(const Options& options, Report& report) {
