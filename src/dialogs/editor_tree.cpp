@@ -1,6 +1,7 @@
 #include "dialogs/editor_tree.h"
 
 #include <algorithm>
+#include <span>
 
 #include "dialogs/dialog_texts.h"
 #include "dialogs/edit_paths.h"
@@ -16,6 +17,21 @@ bool isBranch(const ZoVariant& value) noexcept {
 bool hasBranches(const ZoVariant& value) {
   return std::ranges::any_of(value.elements(),
                              [](const auto& element) { return isBranch(element.value); });
+}
+
+struct Branch {
+  const ZoString* key;  // null in a sequence
+  unsigned int position;
+};
+
+// In the order in which the list has them.
+std::vector<Branch> branchesOf(const ZoVariant& container) {
+  std::vector<Branch> branches;
+  for (const auto [key, position, value] : container.elements())
+    if (isBranch(value)) branches.push_back({key, position});
+  if (container.asDict())
+    std::ranges::sort(branches, {}, [](const Branch& branch) { return branch.key->view(); });
+  return branches;
 }
 
 LRESULT send(HWND control, UINT message, WPARAM w, LPARAM l) noexcept {
@@ -127,20 +143,21 @@ void zo::EditorTree::show(NMTVDISPINFOW& notice) const {
 
 void zo::EditorTree::fill(HTREEITEM item) {
   Node* const node = nodeOf(item);
+  if (!node) return;
   const ZoString path = node->path;
   node->isFilled = true;
   const ZoVariant* const container = edits_.value().find(path.view());
-  if (!container || !hasBranches(*container)) return;
+  if (!container) return;
+  const std::vector<Branch> branches = branchesOf(*container);
+  const size_t shown = std::min<size_t>(branches.size(), kMostInBranch);
   const Undrawn undrawn(control_);
-  unsigned int left = 0, filled = 0;
-  for (ZoVariantEdits::Element& element : edits_.elements(path.view())) {
-    if (!isContainer(*element.value)) continue;
-    if (filled++ < kMostInBranch)
-      add(item, {.path = std::move(element.path), .name = std::move(element.name)});
-    else
-      ++left;
+  for (const Branch& branch : std::span(branches).first(shown)) {
+    const ZoString below =
+        branch.key ? zo::pathOf(path, *branch.key) : zo::pathOf(path, branch.position);
+    add(item, {.path = below, .name = stepName(*container, lastStepOf(below.view()))});
   }
-  if (left == 0) return;
+  if (shown == branches.size()) return;
+  const auto left = static_cast<unsigned int>(branches.size() - shown);
   add(item, {.path = path,
              .name = dialogText(DialogText::moreInList, {ZoVariant(left)}),
              .isFilled = true,

@@ -212,6 +212,42 @@ def at_once():
         assert run("show", *file).count(b"Int") == 6, run("show", *file)
 
 
+def edit():
+    """What the window gives is written as set writes it; whoever works on it is another program."""
+    def edited(*args, steps, code=0, err=None, title="a.txt - zoval"):
+        user = subprocess.Popen([COMMAND[0], str(pathlib.Path(TOOL).with_name("zoval_user.exe")), title, *steps],
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        said = run("edit", *args, code=code, err=err)
+        codes.append(user.communicate()[0].split())
+        assert user.returncode == 0, (args, steps)
+        return said
+
+    ok, cancel, undo, codes = "1", "2", "207", []
+    before = b'Dict {\n\t"length" = Length 12.5\n}\n'
+    write("a.txt", before)
+    tool = subprocess.run(["winepath", "-w", TOOL], capture_output=True, text=True).stdout.strip() or TOOL
+    for steps, code, err in (([cancel], 130, "zoval: cancelled.*"), ([ok], 0, "a.txt has that value already\n"),
+                             (["edit=long", ok, cancel], 130, None), (["edit=3 m", undo, ok], 0, None)):
+        edited("a.txt", "-v", steps=steps, code=code, err=err)
+        assert pathlib.Path("a.txt").read_bytes() == before, steps
+    edited("a.txt", "--dry-run", steps=["edit=3 m", ok], err="would change a.txt\n")
+    edited("a.txt", "--read-only", "--against", "a.txt", steps=["edit=3 m", cancel], err="")
+    edited("a.txt", steps=["edit=3 m", f"run={tool} set a.txt length 7", ok], err="")
+    assert codes[-1] == [b"11"] and run("get", "a.txt", "length") == b"3000\n", codes
+    write("b.txt", before)
+    edited("a.txt", steps=["edit=4 m", "run=cmd /c copy /y b.txt a.txt", ok], code=11, err="zoval: a.txt was written by.*")
+    assert pathlib.Path("a.txt").read_bytes() == before
+    write("x", "no value")
+    run("edit", "x", code=13)
+    run("edit", "none", code=10)
+    run("edit", "a.txt", "--against", "none", code=10)
+    run("create", "p.lib", "a.txt", tool="zolib.exe")
+    edited("p.lib", "-m", "a.txt", steps=["edit=8", ok], title="p.lib a.txt - zoval")
+    assert run("get", "p.lib", "length", "-m", "a.txt") == b"8\n"
+    changed = json.loads(edited("a.txt", "--json", steps=["edit=9", ok]))
+    assert changed["changed"] is True and changed["exit"] == 0, changed
+
+
 def hostile():
     """Nothing in a file ends the tool: it is a value, or the code says that it is none."""
     write("a.txt", PART)
@@ -273,7 +309,7 @@ def completion():
 def manual():
     """The manual has every verb and every option of the help."""
     text = re.sub(r"\\f[BRIP]", "", (ROOT / "docs/zoval.1").read_text().replace("\\-", "-"))
-    for verb in ("show", "get", "set", "diff", "convert", "graph"):
+    for verb in ("show", "get", "set", "edit", "diff", "convert", "graph"):
         assert f".B zoval {verb} " in text, verb
         for option in re.findall(r"--[a-z-]+", run("help", verb).decode()):
             assert option in text, f"{verb} {option}"

@@ -77,6 +77,14 @@ constexpr Verb kVerbs[] = {
       "  zoval set part.zoa bolts/0/length 30               stays a length\n"
       "  zoval set part.zoa origin 'Point (1, 2, 3)'\n"
       "  zoval set 'parts.lib|m8.zoa' name 'M8 x 30'\n"}},
+    {"edit",
+     {141, "Edit a value in a window, and write the file anew in one step"},
+     edit,
+     kWrites,
+     {},
+     {142,
+      "  zoval edit part.zoa\n"
+      "  zoval edit part.zoa --against old.zoa             what differs, side by side\n"}},
     {"diff",
      {116, "Tell what differs between two values; ends with 1 where something does"},
      diff,
@@ -158,6 +166,7 @@ class ZovalCommandLine final : public CommandLine {
                      say({131, "The form to write; else by .txt, .zov, .zoa, .xml, .json"}))
           ->check(noForm)
           ->type_name("FORM");
+    if (name == "edit") addEdit(sub);
     if (name == "diff") addDiff(sub);
     if (name == "graph") {
       sub.add_option("--path", raw_.path, say({132, "Only what lies there"}))->type_name("PATH");
@@ -168,6 +177,11 @@ class ZovalCommandLine final : public CommandLine {
       sub.add_flag("--dry-run", options_.dryRun, say({134, "Only show what would be done"}));
     zolib::addTalkOptions(sub, options_, kVerboseHelp);
     zolib::addLanguage(sub);
+  }
+
+  void addEdit(CLI::App& sub) {
+    sub.add_flag("--read-only", options_.readOnly, say({139, "Only look at it"}));
+    addText(sub, "--against", raw_.second, {140, "Another value, to see what differs"}, "FILE");
   }
 
   void addDiff(CLI::App& sub) {

@@ -24,6 +24,13 @@ ZoVariant valueOf(const std::wstring& text) {
 
 }  // namespace
 
+void keep(ValueFile& file, bool isChange, const Options& options, Report& report) {
+  report.json()["changed"] = isChange;
+  if (!isChange) return report.note({173, "%1 has that value already"}, file.shown);
+  if (options.dryRun) return report.note({174, "would change %1"}, file.shown);
+  if (writeValue(file, report) && options.verbose) report.note({175, "changed %1"}, file.shown);
+}
+
 // What is there keeps its type: 13 for a length is a length. Only a value in text form brings its
 // own, and what is new has what it is given.
 void set(const Options& options, Report& report) {
@@ -42,11 +49,7 @@ void set(const Options& options, Report& report) {
   if (file.value.put(options.path, next) != 0)
     return report.fail(zolib::kNotFound, {172, "no way leads to %1 in %2"}, options.path,
                        file.shown);
-  const bool isChange = !old || before != next;
-  report.json()["changed"] = isChange;
-  if (!isChange) return report.note({173, "%1 has that value already"}, file.shown);
-  if (options.dryRun) return report.note({174, "would change %1"}, file.shown);
-  if (writeValue(file, report) && options.verbose) report.note({175, "changed %1"}, file.shown);
+  keep(file, !old || before != next, options, report);
 }
 
 void convert(const Options& options, Report& report) {

@@ -57,6 +57,9 @@ bool readValue(const std::wstring& path, const Options& options, ValueFile& file
 // changed.
 bool writeValue(ValueFile& file, Report& report);
 
+// The end of a change: writes the file if there is one, and tells what was done.
+void keep(ValueFile& file, bool isChange, const Options& options, Report& report);
+
 // The bytes of a form. False, and reported: the value lies too deep, or is too long.
 bool encode(const ZoVariant& value, Form form, std::string& bytes, Report& report);
 

@@ -11,6 +11,7 @@ using zolib::Report;
 void show(const Options& options, Report& report);
 void get(const Options& options, Report& report);
 void set(const Options& options, Report& report);
+void edit(const Options& options, Report& report);
 void diff(const Options& options, Report& report);
 void convert(const Options& options, Report& report);
 void graph(const Options& options, Report& report);

@@ -5,7 +5,7 @@ _zoval() {
   local current=${COMP_WORDS[COMP_CWORD]} previous='' verb=${COMP_WORDS[1]:-} words
   [ "$COMP_CWORD" -gt 0 ] && previous=${COMP_WORDS[COMP_CWORD - 1]}
   if [ "$COMP_CWORD" -eq 1 ] || [ "$verb" = help ]; then
-    mapfile -t COMPREPLY < <(compgen -W 'show get set diff convert graph help version' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'show get set edit diff convert graph help version' -- "$current")
     return
   fi
   case $previous in
