@@ -483,8 +483,7 @@ TEST_F(LibraryTest, VerifiesManyAsEachAlone) {
   ASSERT_EQ(library.deleteFile(L"7"), 0);
   ASSERT_EQ(library.close(), 0);
   std::string bytes = bytesOf(path_);
-  for (const char damaged : {'F', 'L', 'U'})
-    bytes[bytes.rfind(std::string(30, damaged))] ^= 1;
+  for (const char damaged : {'F', 'L', 'U'}) bytes[bytes.rfind(std::string(30, damaged))] ^= 1;
   put(path_, bytes);
   ASSERT_EQ(library.open(path_), 0);
   std::vector<ZoLibEntry> entries = entriesOf(library);
