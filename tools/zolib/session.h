@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "crew.h"
+#include "glob.h"
 #include "options.h"
 #include "progress.h"
 #include "report.h"
@@ -38,6 +39,14 @@ class Session {
   std::vector<ZoLibEntry> select(Which which);
   std::vector<ZoLibEntry> select(Which which, const std::vector<std::wstring>& names,
                                  Unmatched unmatched = kIsReported);
+  // The same one after the other, as they are at one instant and without keeping them; false from
+  // the visitor ends it. No call on the library from within.
+  using Visitor = std::function<bool(const ZoLibEntry&)>;
+  void forEach(Which which, const Visitor& visit);
+  // The same some at a time; the library may be called meanwhile.
+  void forPieces(Which which, const std::function<bool(const std::vector<ZoLibEntry>&)>& take);
+  // The bytes of all of them, where somebody sees the progress; else 0.
+  std::uint64_t totalSize(Which which);
   // Whether it is a second live member of a name, which only another maker leaves: never found.
   [[nodiscard]] static std::vector<bool> hidden(const std::vector<ZoLibEntry>& entries);
 
@@ -66,6 +75,13 @@ class Session {
  private:
   static constexpr std::uint64_t kCrewMemory = std::uint64_t{1} << 30;
 
+  static constexpr std::size_t kPiece = 4096;  // entries
+
+  // Does something with those that the options name; without names there is nothing to do.
+  void choose(Which which, Unmatched unmatched, const std::function<bool(Selection&)>& use);
+  // Those from an ordinal on. False when they cannot be read or that was cancelled; reported.
+  bool visit(Which which, Selection& selection, std::uint64_t first, const Visitor& take);
+  void reportUnmatched(Which which, const Selection& selection);
   std::unordered_set<std::wstring> wholeNames(Which which, const std::vector<std::wstring>& names);
   bool open(int access, ZoFile::CreationMode mode);
   bool checkMark();
