@@ -62,6 +62,41 @@ void readOne(benchmark::State& state) {
   for (auto _ : state) zolib(state, {"cat", "100000.lib", "folder50/wanted.txt"});
 }
 
+// A million tiny members in one call, beside a hundred calls on ten thousand: what grows faster
+// than the library shows.
+struct TinyWork {
+  std::vector<std::string> before, after;  // of the library's name
+};
+const TinyWork kListTiny{{"list"}, {}}, kTestTiny{{"test"}, {"-q"}},
+    kReadTiny{{"cat"}, {"folder50/wanted.txt"}},
+    kAddTiny{{"add"}, {"100KB.bin", "--mode", "store", "-q"}};
+
+void tiny(benchmark::State& state, const TinyWork& work, const char* library, int times) {
+  begin();
+  std::vector<std::string> arguments = work.before;
+  arguments.emplace_back(library);
+  arguments.insert(arguments.end(), work.after.begin(), work.after.end());
+  for (auto _ : state) {
+    for (int time = 0; time < times; ++time) zolib(state, arguments);
+  }
+}
+
+void tinyPair(const std::string& name, const TinyWork& work) {
+  const auto add = [&](const char* who, const char* library, int times) {
+    benchmark::RegisterBenchmark((name + who).c_str(), tiny, work, library, times)->Iterations(1);
+  };
+  add("/million/ours", "tiny1000000.lib", 1);
+  add("/million/peer:100_times_10000", "tiny10000.lib", 100);
+}
+
+const bool kTinyPairs = [] {
+  tinyPair("List", kListTiny);
+  tinyPair("Test", kTestTiny);
+  tinyPair("ReadOne", kReadTiny);
+  tinyPair("AddOne", kAddTiny);
+  return true;
+}();
+
 void packTree(benchmark::State& state) {
   begin();
   for (auto _ : state) zolib(state, {"create", fresh("packed"), "tree", "--mode", "best", "-q"});

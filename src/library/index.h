@@ -3,9 +3,9 @@
 // Threads: one at a time.
 // Memory:  some 100 bytes and the name for each entry: there may be a million of them. It grows in
 //          place.
-// Cost:    finding a name is O(1) and the number of entries of that name, but for the first times:
-//          these go over the hashes, which for few searches takes less than to sort all entries
-//          into buckets. A place is found by bisection.
+// Cost:    finding a name is O(1) and the number of entries of that name. The first searches go
+//          over the hashes instead: a few of them take less than sorting all entries into buckets.
+//          A place is found by bisection.
 #pragma once
 
 #include "library/scan.h"

@@ -56,17 +56,17 @@ class Neighbours {
       ++next;
     }
     counter_ = library.header().counter();
-    progress_.emplace(library.progress(total));
+    progress_ = library.progress(total);
     const bool isLoaded =
         !found_.empty() && bytes_.load(library.bytes(), found_.front().position, end_);
     return isLoaded ? ZoResult::ok : ZoResult::refused;
   }
   [[nodiscard]] std::size_t count() const noexcept { return found_.size(); }
-  [[nodiscard]] bool isCancelled() const { return progress_ && progress_->isCancelled(); }
+  [[nodiscard]] bool isCancelled() const { return progress_.isCancelled(); }
   // Without the lock.
   void verify(std::span<int> codes) {
     Progress unwatched;
-    if (!progress_->begin()) return;
+    if (!progress_.begin()) return;
     for (std::size_t i = 0; i < found_.size(); ++i) {
       RawEntry& entry = found_[i];
       unsigned char record[kRecordSize];
@@ -74,7 +74,7 @@ class Neighbours {
       entry.record = decodeRecord(record);
       NoSink sink(unwatched);
       codes[i] = readContent(bytes_, counter_, entry, sink, unwatched);
-      if (!progress_->add(entry.contentSize())) return;
+      if (!progress_.add(entry.contentSize())) return;
     }
   }
 
@@ -88,7 +88,7 @@ class Neighbours {
   std::uint64_t end_ = 0;
   std::uint32_t counter_ = 0;
   LoadedPart bytes_;
-  std::optional<Progress> progress_;
+  Progress progress_;
 };
 
 // How many of the first ones were read; none where that was cancelled.

@@ -595,6 +595,12 @@ def foreign_members():
     states = {m["name"]: m["state"] for m in answer("list", "f.lib", "--deleted")["members"]}
     assert states == {"a.txt": "unprotected", "A.TXT": "hidden", "gone": "deleted"}, states
     assert run("cat", "f.lib", "a.txt") == b"one"
+    names = [f"{i}" for i in range(9000)]  # more than are looked at at once
+    foreign("many.lib", [(name, b"x" * (i % 5), 0) for i, name in enumerate(names)])
+    tested = answer("test", "many.lib")
+    assert tested["unprotected"] == 9000 and [m["name"] for m in tested["members"]] == names
+    assert members("many.lib") == names and members("many.lib", "--sort", "name") == sorted(names)
+    assert answer("test", "many.lib", "@4097", "8*", "none", code=10)["unprotected"] == 1112
 
 
 def graph():

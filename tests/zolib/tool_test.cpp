@@ -99,7 +99,10 @@ TEST(Tool, ProgressAndExitCodesSayTheWorst) {
   EXPECT_EQ(readableSize(999), "999 B");
   EXPECT_EQ(readableSize(1536), "1.5 KB");
   EXPECT_EQ(readableSize(3ULL << 40), "3.0 TB");
-  EXPECT_EQ(ratioText(1, 3) + ratioText(1, 0), "33%-");
+  EXPECT_EQ(ratioText(1, 3) + ratioText(1, 0) + ratioText(5, 2), "33%-250%");
+  const FILETIME late = fileTime(0x7FFF'0000'0000'0000);  // what a file may say
+  EXPECT_EQ(std::string(localTime(late)).substr(0, 6), "30827-");
+  EXPECT_EQ(localTime({}), "-");
 
   EXPECT_EQ(graver(kOk, kWarnings), kWarnings);
   EXPECT_EQ(graver(kNotFound, kWarnings), kNotFound);

@@ -68,7 +68,11 @@ std::string harmless(std::string_view utf8) {
 }  // namespace
 
 void Console::line(std::string_view utf8) {
-  out((outIsTerminal_ ? harmless(utf8) : std::string(utf8)) + "\n");
+  if (outIsTerminal_)
+    pending_ += harmless(utf8);
+  else
+    pending_ += utf8;
+  out("\n");
 }
 
 bool Console::flush() {

@@ -20,6 +20,7 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
+  [[nodiscard]] bool isShown() const noexcept { return shown_; }
   // The bytes of the whole work, where they are known; 0 shows nothing.
   void expect(std::uint64_t total) noexcept { total_ = total; }
   // The next part of it: a member and its bytes. What came before counts as done.

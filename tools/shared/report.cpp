@@ -88,8 +88,10 @@ std::string Report::wordOf(std::string_view action) {
 }
 
 Json& Report::member(std::wstring_view name, std::string_view action) {
-  ++counts_[std::string(action)];
-  const std::string text = toUtf8(name);
+  const auto counted = counts_.find(action);
+  ++(counted == counts_.end() ? counts_[std::string(action)] : counted->second);
+  const bool isSaid = options_.json || options_.dryRun || options_.verbose;
+  const std::string text = isSaid ? toUtf8(name) : std::string();
   if (options_.json) return members_.emplace_back(Json{{"name", text}, {"action", action}});
   if (options_.dryRun) {
     const bool stays = action == "kept" || action == "refused";
@@ -98,7 +100,8 @@ Json& Report::member(std::wstring_view name, std::string_view action) {
   } else if (options_.verbose) {
     console_.err(wordOf(action) + "  " + text);
   }
-  return unused_ = Json::object();
+  if (!unused_.is_object() || !unused_.empty()) unused_ = Json::object();
+  return unused_;
 }
 
 std::size_t Report::count(std::string_view action) const {

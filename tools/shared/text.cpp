@@ -1,6 +1,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <unordered_map>
 
@@ -17,6 +18,8 @@ std::string formatted(const char* format, Args... args) {
 }  // namespace
 
 std::string toUtf8(std::wstring_view text) {
+  if (std::ranges::all_of(text, [](wchar_t c) { return c < 0x80; }))
+    return {text.begin(), text.end()};
   const int length = static_cast<int>(text.size());
   const int size =
       WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
@@ -64,16 +67,19 @@ std::string readableSize(std::uint64_t bytes) {
 
 std::string ratioText(std::uint64_t packed, std::uint64_t size) {
   if (!size) return "-";
-  return formatted("%.0f%%", 100.0 * static_cast<double>(packed) / static_cast<double>(size));
+  const double percent = 100.0 * static_cast<double>(packed) / static_cast<double>(size);
+  return std::to_string(std::llrint(percent)) + "%";
 }
 
 namespace {
 
 // What local time is ahead of UTC at that time, in ticks. Asking is slow; a quarter of an hour has
-// one answer.
+// one answer, and most files have few of them.
 std::int64_t localOffset(std::uint64_t utc) {
   static std::unordered_map<std::uint64_t, std::int64_t> s_offsets;
+  constexpr std::size_t kMostKnown = 100'000;
   constexpr std::uint64_t kQuarter = 15ULL * 60 * 10'000'000;
+  if (s_offsets.size() == kMostKnown) s_offsets.clear();
   const auto [known, isNew] = s_offsets.try_emplace(utc / kQuarter, 0);
   const FILETIME time = fileTime(utc);
   SYSTEMTIME parts{}, local{};
@@ -89,14 +95,23 @@ std::int64_t localOffset(std::uint64_t utc) {
 
 }  // namespace
 
-std::string localTime(const FILETIME& time) {
+std::string_view localTime(const FILETIME& time) {
+  static std::string s_text;
   if (!ticks(time)) return "-";
   const FILETIME shifted =
       fileTime(ticks(time) + static_cast<std::uint64_t>(localOffset(ticks(time))));
   SYSTEMTIME local{};
   if (!FileTimeToSystemTime(&shifted, &local)) return "-";
-  return formatted("%04u-%02u-%02u %02u:%02u", local.wYear, local.wMonth, local.wDay, local.wHour,
-                   local.wMinute);
+  s_text.assign(std::to_string(local.wYear)).append("-00-00 00:00");
+  const auto put = [end = s_text.end()](std::ptrdiff_t fromEnd, unsigned int number) {
+    end[-fromEnd] = static_cast<char>('0' + number / 10);
+    end[1 - fromEnd] = static_cast<char>('0' + number % 10);
+  };
+  put(11, local.wMonth);
+  put(8, local.wDay);
+  put(5, local.wHour);
+  put(2, local.wMinute);
+  return s_text;
 }
 
 namespace {

@@ -20,8 +20,8 @@ std::wstring folded(std::wstring_view name);
 std::string readableSize(std::uint64_t bytes);
 // Packed bytes in per cent of the original ones, "-" where there are none.
 std::string ratioText(std::uint64_t packed, std::uint64_t size);
-// "2026-11-21 10:57", in local time; "-" for no time.
-std::string localTime(const FILETIME& time);
+// "2026-11-21 10:57", in local time; "-" for no time. Valid until the next call; one thread.
+std::string_view localTime(const FILETIME& time);
 // "2026-11-21T10:57:02.1234567Z"; empty for no time.
 std::string isoTime(const FILETIME& time);
 

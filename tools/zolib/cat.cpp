@@ -1,4 +1,5 @@
 // cat: members to standard output.
+#include <utility>
 #include <vector>
 
 #include "cancel.h"
@@ -73,11 +74,8 @@ std::vector<ZoLibEntry> inOrder(const Options& options, Session& session, Report
       entries.push_back(entry);
       continue;
     }
-    const std::vector<ZoLibEntry> found = session.select(Session::kLive, {name});
-    const std::vector<bool> hidden = session.hidden(found);
-    for (std::size_t i = 0; i < found.size(); ++i) {
-      if (!hidden[i] || session.isNumbered(found[i])) entries.push_back(found[i]);
-    }
+    for (ZoLibEntry& found : session.select(Session::kLive, {name}))
+      if (!session.isPassedOver(found)) entries.push_back(std::move(found));
   }
   return entries;
 }

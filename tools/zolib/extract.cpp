@@ -155,7 +155,6 @@ void extract(const Options& options, Report& report) {
     return;
   }
   const std::vector<ZoLibEntry> entries = session.select(Session::kLive);
-  const std::vector<bool> hidden = session.hidden(entries);
   std::uint64_t total = 0;
   for (const ZoLibEntry& entry : entries) total += entry.size;
   session.progress().expect(total);
@@ -164,8 +163,7 @@ void extract(const Options& options, Report& report) {
   std::vector<int> codes(entries.size());
   const auto prepare = [&](std::size_t i) -> std::optional<std::uint64_t> {
     if (isCancelled()) report.cancelled();
-    const bool isFound = !hidden[i] || session.isNumbered(entries[i]);
-    if (report.code() == kCancelled || !isFound) return std::nullopt;
+    if (report.code() == kCancelled || session.isPassedOver(entries[i])) return std::nullopt;
     const std::optional<std::wstring> path = extractor.prepare(entries[i]);
     if (!path) return std::nullopt;
     targets[i] = *path;

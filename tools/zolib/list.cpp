@@ -1,7 +1,7 @@
 // list: the table of members.
 #include <algorithm>
 #include <map>
-#include <numeric>
+#include <utility>
 
 #include "names.h"
 #include "session.h"
@@ -22,19 +22,17 @@ const char* modeText(const ZoLibEntry& entry) noexcept {
 enum State : unsigned int { kOkState, kUnprotectedState, kDeletedState, kHiddenState };
 constexpr const char* kStates[] = {"ok", "unprotected", "deleted", "hidden"};
 
-State stateOf(const ZoLibEntry& entry, bool hidden) noexcept {
+State stateOf(const ZoLibEntry& entry) noexcept {
   if (entry.isDeleted()) return kDeletedState;
-  if (hidden) return kHiddenState;  // another member of the name comes first
+  if (entry.isHidden) return kHiddenState;  // another member of the name comes first
   return entry.isProtected ? kOkState : kUnprotectedState;
 }
 
 // A line of the table; with --versions the entry's number stands in front.
 struct Row {
-  std::string number, size, packed, ratio, modified, mode, state, name;
+  std::string_view number, size, packed, ratio, modified, mode, state, name;
 
-  [[nodiscard]] std::string text(bool withNumber) const {
-    std::string line;
-    line.reserve(90 + name.size());
+  void appendTo(std::string& line, bool withNumber) const {
     if (withNumber) appendRight(line, number, 6);
     appendRight(line, size, 11);
     appendRight(line, packed, 11);
@@ -42,11 +40,11 @@ struct Row {
     appendLeft(line, modified, 16);
     appendLeft(line, mode, 6);
     appendLeft(line, state, 11);
-    return line.append(name);
+    line.append(name);
   }
 };
 
-Json toJson(const ZoLibEntry& entry, bool hidden) {
+Json toJson(const ZoLibEntry& entry) {
   return {{"name", toUtf8(entry.name.view())},
           {"size", entry.size},
           {"packed", entry.storedSize},
@@ -54,7 +52,7 @@ Json toJson(const ZoLibEntry& entry, bool hidden) {
           {"created", isoTime(entry.created)},
           {"accessed", isoTime(entry.accessed)},
           {"mode", modeText(entry)},
-          {"state", kStates[stateOf(entry, hidden)]},
+          {"state", kStates[stateOf(entry)]},
           {"number", entry.number},
           {"entry", entry.ordinal},
           {"position", entry.position}};
@@ -82,18 +80,18 @@ class Listing {
             say({443, "MODIFIED"}), say({444, "MODE"}), say({445, "STATE"}), say({446, "NAME"})});
   }
 
-  void add(const ZoLibEntry& entry, bool hidden) {
+  void add(const ZoLibEntry& entry) {
     all_.add(entry);
     if (options_.folders) return addToFolders(entry);
     const std::string name = toUtf8(entry.name.view());
     if (options_.json) {
-      members_.push_back(toJson(entry, hidden));
+      members_.push_back(toJson(entry));
     } else if (options_.namesOnly) {
       report_.console().line(name);
     } else {
       line({"@" + std::to_string(entry.ordinal), std::to_string(entry.size),
             std::to_string(entry.storedSize), ratioText(entry.storedSize, entry.size),
-            localTime(entry.written), modeText(entry), states_[stateOf(entry, hidden)], name});
+            localTime(entry.written), modeText(entry), states_[stateOf(entry)], name});
     }
   }
 
@@ -108,12 +106,17 @@ class Listing {
 
  private:
   [[nodiscard]] bool isTable() const noexcept { return !options_.json && !options_.namesOnly; }
-  void line(const Row& row) { report_.console().line(row.text(options_.versions)); }
+  void line(const Row& row) {
+    line_.clear();
+    row.appendTo(line_, options_.versions);
+    report_.console().line(line_);
+  }
 
   void sum(const Sum& sum, const std::string& folder) {
     const std::string count = say({447, "%{?1 1 member|%1 members}"}, sum.members);
+    const std::string name = folder.empty() ? count : folder + "  " + count;
     line({"", std::to_string(sum.size), std::to_string(sum.packed), ratioText(sum.packed, sum.size),
-          "", "", "", folder.empty() ? count : folder + "  " + count});
+          "", "", "", name});
   }
 
   // To each folder that it lies in.
@@ -140,6 +143,7 @@ class Listing {
 
   const Options& options_;
   Report& report_;
+  std::string line_;  // there may be a million
   Sum all_;
   std::map<std::wstring, Sum> folders_;  // by folded name
   Json members_ = Json::array();
@@ -147,30 +151,37 @@ class Listing {
                                   say({70, "hidden"})};
 };
 
-// The places of the entries in the order in which they are shown.
-std::vector<std::size_t> sorted(const std::vector<ZoLibEntry>& entries, Sort sort) {
-  std::vector<std::size_t> places(entries.size());
-  std::iota(places.begin(), places.end(), std::size_t{0});
-  const auto by = [&](const auto& key) {
-    std::ranges::stable_sort(places, {}, [&](std::size_t i) { return key(entries[i]); });
-  };
+// By a key that is made once of each.
+template <class Key>
+void sortBy(std::vector<ZoLibEntry>& entries, const Key& key) {
+  std::vector<std::pair<decltype(key(entries[0])), std::size_t>> order;  // with the place
+  order.reserve(entries.size());
+  for (std::size_t i = 0; i < entries.size(); ++i) order.emplace_back(key(entries[i]), i);
+  std::ranges::sort(order);
+  std::vector<ZoLibEntry> sorted;
+  sorted.reserve(entries.size());
+  for (const auto& [made, place] : order) sorted.push_back(std::move(entries[place]));
+  entries = std::move(sorted);
+}
+
+std::vector<ZoLibEntry> sorted(std::vector<ZoLibEntry> entries, Sort sort) {
   switch (sort) {
     case Sort::kFile:
       break;
     case Sort::kName:
-      by([](const ZoLibEntry& entry) { return folded(entry.name.view()); });
+      sortBy(entries, [](const ZoLibEntry& entry) { return folded(entry.name.view()); });
       break;
     case Sort::kSize:
-      by([](const ZoLibEntry& entry) { return entry.size; });
+      sortBy(entries, [](const ZoLibEntry& entry) { return entry.size; });
       break;
     case Sort::kPacked:
-      by([](const ZoLibEntry& entry) { return entry.storedSize; });
+      sortBy(entries, [](const ZoLibEntry& entry) { return entry.storedSize; });
       break;
     case Sort::kTime:
-      by([](const ZoLibEntry& entry) { return ticks(entry.written); });
+      sortBy(entries, [](const ZoLibEntry& entry) { return ticks(entry.written); });
       break;
   }
-  return places;
+  return entries;
 }
 
 }  // namespace
@@ -179,13 +190,18 @@ void list(const Options& options, Report& report) {
   Session session(options, report);
   if (!session.openToRead()) return;
   const bool all = options.deleted || options.versions;
-  const std::vector<ZoLibEntry> entries = session.select(all ? Session::kBoth : Session::kLive);
-  const std::vector<bool> hidden = session.hidden(entries);
+  const Session::Which which = all ? Session::kBoth : Session::kLive;
   Listing listing(options, report);
   listing.head();
-  for (const std::size_t i : sorted(entries, options.sort)) {
-    if (report.console().outputFailed()) break;
-    listing.add(entries[i], hidden[i]);
+  const auto add = [&](const ZoLibEntry& entry) {
+    listing.add(entry);
+    return !report.console().outputFailed();
+  };
+  if (options.sort == Sort::kFile) {
+    session.forEach(which, add);
+  } else {
+    for (const ZoLibEntry& entry : sorted(session.select(which), options.sort))
+      if (!add(entry)) break;
   }
   listing.end();
   session.reportTrailing(kWarnings);

@@ -10,7 +10,6 @@
 #include <unordered_set>
 
 #include "cancel.h"
-#include "glob.h"
 #include "names.h"
 #include "sources.h"
 #include "text.h"
@@ -133,41 +132,83 @@ std::vector<ZoLibEntry> Session::select(Which which, const std::vector<std::wstr
                                         Unmatched unmatched) {
   Selection selection(names, options_.include, options_.exclude, wholeNames(which, names));
   std::vector<ZoLibEntry> entries;
+  static_cast<void>(visit(which, selection, 1, [&](const ZoLibEntry& entry) {
+    entries.push_back(entry);
+    return true;
+  }));
+  if (isCancelled()) return {};
+  if (unmatched == kIsReported) reportUnmatched(which, selection);
+  return entries;
+}
+
+bool Session::visit(Which which, Selection& selection, std::uint64_t first, const Visitor& take) {
   forgetReason();
   const int code = library_.forEachEntry(
       [&](const ZoLibEntry& entry) {
         const bool fits = which == kBoth || entry.isDeleted() == (which == kDeleted);
         const bool isNamed = (fits || which == kLive) && selection.wantsNumber(entry.ordinal);
         if (isNamed) numbered_.insert(entry.ordinal);
-        if (isNamed || (fits && selection.wants(entry.name.view()))) entries.push_back(entry);
-        return !isCancelled();
+        const bool isWanted = isNamed || (fits && selection.wants(entry.name.view()));
+        return !isCancelled() && (!isWanted || take(entry));
       },
-      which != kLive || selection.hasNumbers());
+      which != kLive || selection.hasNumbers(), first);
   if (isCancelled()) {
     report_.cancelled();
-    return {};
+    return false;
   }
   if (code) report_.fail(kFailed, {108, "cannot read %1%2"}, shown_, because());
-  if (unmatched == kMayBeNone) return entries;
+  return !code;
+}
+
+void Session::reportUnmatched(Which which, const Selection& selection) {
   for (const std::wstring& name : selection.unmatched()) {
     const Text none{109, "%1 has no member %2; `zolib list` shows what it has"};
     const Text noneDeleted{110, "%1 has no deleted member %2; `zolib list` shows what it has"};
     report_.fail(kNotFound, which == kDeleted ? noneDeleted : none, shown_, name);
   }
-  return entries;
 }
 
-std::vector<bool> Session::hidden(const std::vector<ZoLibEntry>& entries) {
-  std::vector<bool> result(entries.size());
-  std::unordered_set<std::wstring> names(entries.size());
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    if (entries[i].isDeleted() || entries[i].name.isEmpty()) continue;
-    ZoLibEntry first;  // who is named by number may be alone here
-    result[i] = !names.insert(folded(entries[i].name.view())).second ||
-                (isNumbered(entries[i]) && !library_.getEntry(entries[i].name, first) &&
-                 first.position != entries[i].position);
-  }
-  return result;
+void Session::choose(Which which, Unmatched unmatched, const std::function<bool(Selection&)>& use) {
+  std::vector<std::wstring> names;
+  if (!library_.isOpen() || !namesOf(options_, names, report_)) return;
+  Selection selection(names, options_.include, options_.exclude, wholeNames(which, names));
+  if (use(selection) && unmatched == kIsReported) reportUnmatched(which, selection);
+}
+
+void Session::forEach(Which which, const Visitor& visitor) {
+  choose(which, kIsReported, [&](Selection& selection) {
+    static_cast<void>(visit(which, selection, 1, visitor));
+    return !isCancelled();
+  });
+}
+
+void Session::forPieces(Which which,
+                        const std::function<bool(const std::vector<ZoLibEntry>&)>& take) {
+  choose(which, kIsReported, [&](Selection& selection) {
+    std::vector<ZoLibEntry> piece(kPiece);
+    for (std::uint64_t next = 1; piece.size() == kPiece;) {
+      piece.clear();
+      const bool isRead = visit(which, selection, next, [&](const ZoLibEntry& entry) {
+        piece.push_back(entry);
+        next = entry.ordinal + 1;
+        return piece.size() < kPiece;
+      });
+      if (isCancelled() || !take(piece) || !isRead) return false;
+    }
+    return true;
+  });
+}
+
+std::uint64_t Session::totalSize(Which which) {
+  std::uint64_t total = 0;
+  if (!progress_.isShown()) return total;
+  choose(which, kMayBeNone, [&](Selection& selection) {
+    return visit(which, selection, 1, [&](const ZoLibEntry& entry) {
+      total += entry.size;
+      return true;
+    });
+  });
+  return total;
 }
 
 bool Session::reportTrailing(ExitCode code) {

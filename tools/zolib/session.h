@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "crew.h"
+#include "glob.h"
 #include "options.h"
 #include "progress.h"
 #include "report.h"
@@ -38,13 +39,22 @@ class Session {
   std::vector<ZoLibEntry> select(Which which);
   std::vector<ZoLibEntry> select(Which which, const std::vector<std::wstring>& names,
                                  Unmatched unmatched = kIsReported);
-  // Of those that were selected: which of them is a second live member of its name, which only
-  // another maker leaves. It is found by its number alone.
-  [[nodiscard]] std::vector<bool> hidden(const std::vector<ZoLibEntry>& entries);
   // Whether it was selected by its number: it is meant, whatever else has its name.
   [[nodiscard]] bool isNumbered(const ZoLibEntry& entry) const {
     return numbered_.contains(entry.ordinal);
   }
+  // Whether it is left out where a name means one member: another live one of its name comes first.
+  [[nodiscard]] bool isPassedOver(const ZoLibEntry& entry) const {
+    return entry.isHidden && !isNumbered(entry);
+  }
+  // The same one after the other, as they are at one instant and without keeping them; false from
+  // the visitor ends it. No call on the library from within.
+  using Visitor = std::function<bool(const ZoLibEntry&)>;
+  void forEach(Which which, const Visitor& visit);
+  // The same some at a time; the library may be called meanwhile.
+  void forPieces(Which which, const std::function<bool(const std::vector<ZoLibEntry>&)>& take);
+  // The bytes of all of them, where somebody sees the progress; else 0.
+  std::uint64_t totalSize(Which which);
 
   // Says what lies behind the last member, if anything does; with which weight is the verb's.
   bool reportTrailing(ExitCode code);
@@ -71,6 +81,13 @@ class Session {
  private:
   static constexpr std::uint64_t kCrewMemory = std::uint64_t{1} << 30;
 
+  static constexpr std::size_t kPiece = 4096;  // entries
+
+  // Does something with those that the options name; without names there is nothing to do.
+  void choose(Which which, Unmatched unmatched, const std::function<bool(Selection&)>& use);
+  // Those from an ordinal on. False when they cannot be read or that was cancelled; reported.
+  bool visit(Which which, Selection& selection, std::uint64_t first, const Visitor& take);
+  void reportUnmatched(Which which, const Selection& selection);
   std::unordered_set<std::wstring> wholeNames(Which which, const std::vector<std::wstring>& names);
   bool open(int access, ZoFile::CreationMode mode);
   bool checkMark();

@@ -1,4 +1,7 @@
 // test: every member read and compared with its check value, and the structure.
+#include <algorithm>
+#include <optional>
+#include <span>
 
 #include "cancel.h"
 #include "session.h"
@@ -8,46 +11,102 @@
 namespace zolib {
 namespace {
 
-void testAll(const std::vector<ZoLibEntry>& entries, Session& session, Report& report,
-             bool verbose) {
-  std::vector<int> codes(entries.size());
-  const auto take = [&](std::size_t i) {
-    const ZoLibEntry& entry = entries[i];
-    const std::string name = toUtf8(entry.name.view());
-    session.progress().begin(name, entry.size);
-    forgetReason();
-    if (codes[i] && !isCancelled()) codes[i] = session->verify(entry);  // alone: for the reason
-    if (isCancelled()) {
-      report.cancelled();
-    } else if (codes[i]) {
-      report.member(entry.name.view(), "damaged")["code"] = codes[i];
-      report.fail(kDamaged, {400, "%1 is damaged%2"}, name,
-                  because(codes[i] == 1000 ? Text{401, "its bytes are not those of its check value"}
-                                           : Text{402, "it cannot be read as a whole"}));
-    } else {
-      report.member(entry.name.view(), entry.isProtected ? "ok" : "unprotected");
-      if (!entry.isProtected && !verbose)
-        report.note({403, "%1 is unprotected: its maker left no check value"}, name);
+// Members that one thread verifies at once.
+struct Run {
+  std::span<const ZoLibEntry> entries;
+  std::vector<int> codes;
+
+  [[nodiscard]] std::uint64_t size() const {
+    std::uint64_t total = 0;
+    for (const ZoLibEntry& entry : entries) total += entry.size;
+    return total;
+  }
+};
+
+// Tiny ones together, that nobody waits longer for his turn than for the work; large ones alone.
+std::vector<Run> runsOf(std::span<const ZoLibEntry> entries) {
+  constexpr std::size_t kMost = 256;
+  constexpr std::uint64_t kBytes = 256 << 10;  // as they are and as they lie in the library
+  std::vector<Run> runs;
+  while (!entries.empty()) {
+    std::size_t count = 0;
+    for (std::uint64_t bytes = 0; count < std::min(entries.size(), kMost); ++count) {
+      bytes += std::max(entries[count].size, entries[count].storedSize);
+      if (count > 0 && bytes > kBytes) break;
     }
-    return report.code() != kCancelled;
-  };
-  inOrder(
-      entries.size(), session.crew(),
-      [&](std::size_t i) { return std::optional(session.memoryToRead(entries[i])); },
-      [&](std::size_t i, unsigned int) { codes[i] = session->verify(entries[i]); }, take, [] {});
+    runs.push_back({entries.first(count), {}});
+    entries = entries.subspan(count);
+  }
+  return runs;
 }
+
+class Tester {
+ public:
+  Tester(Session& session, Report& report, bool verbose)
+      : session_(session), report_(report), verbose_(verbose) {}
+
+  // False when it was cancelled.
+  bool testAll(const std::vector<ZoLibEntry>& entries) {
+    std::vector<Run> runs = runsOf(entries);
+    const auto memoryFor = [&](std::size_t i) {
+      std::uint64_t memory = 0;
+      for (const ZoLibEntry& entry : runs[i].entries)
+        memory = std::max(memory, Session::memoryToRead(entry));
+      return std::optional(memory);
+    };
+    const auto verify = [&](std::size_t i, unsigned int) {
+      static_cast<void>(session_->verify(runs[i].entries, runs[i].codes));  // each has its own
+    };
+    inOrder(
+        runs.size(), session_.crew(), memoryFor, verify,
+        [&](std::size_t i) { return tell(runs[i]); }, [] {});
+    return report_.code() != kCancelled;
+  }
+
+ private:
+  bool tell(const Run& run) {
+    if (session_.progress().isShown())
+      session_.progress().begin(toUtf8(run.entries[0].name.view()), run.size());
+    for (std::size_t i = 0; i < run.entries.size() && report_.code() != kCancelled; ++i)
+      tell(run.entries[i], run.codes[i]);
+    return report_.code() != kCancelled;
+  }
+
+  void tell(const ZoLibEntry& entry, int code) {
+    const std::wstring_view name = entry.name.view();
+    if (code && !isCancelled()) {
+      forgetReason();
+      code = session_->verify(entry);  // alone: for the reason
+    }
+    if (isCancelled()) {
+      report_.cancelled();
+    } else if (code) {
+      report_.member(name, "damaged")["code"] = code;
+      report_.fail(kDamaged, {400, "%1 is damaged%2"}, name,
+                   because(code == 1000 ? Text{401, "its bytes are not those of its check value"}
+                                        : Text{402, "it cannot be read as a whole"}));
+    } else {
+      report_.member(name, entry.isProtected ? "ok" : "unprotected");
+      if (!entry.isProtected && !verbose_)
+        report_.note({403, "%1 is unprotected: its maker left no check value"}, name);
+    }
+  }
+
+  Session& session_;
+  Report& report_;
+  bool verbose_;
+};
 
 }  // namespace
 
 void test(const Options& options, Report& report) {
   Session session(options, report);
   if (!session.openToRead()) return;
-  const std::vector<ZoLibEntry> entries =
-      session.select(options.deleted ? Session::kBoth : Session::kLive);
-  std::uint64_t total = 0;
-  for (const ZoLibEntry& entry : entries) total += entry.size;
-  session.progress().expect(total);
-  testAll(entries, session, report, options.verbose);
+  const Session::Which which = options.deleted ? Session::kBoth : Session::kLive;
+  session.progress().expect(session.totalSize(which));
+  Tester tester(session, report, options.verbose);
+  session.forPieces(
+      which, [&](const std::vector<ZoLibEntry>& entries) { return tester.testAll(entries); });
   Json& json = report.json();
   for (const char* action : {"ok", "unprotected", "damaged"}) json[action] = report.count(action);
   json["trailingBytes"] = session->trailingBytes();
