@@ -210,8 +210,7 @@ void Change::updateIndex() {
     scan.lastEntry = last.position;
     scan.lastFlags = last.record.flags;
   }
-  scan.redoPosition = redoPosition_;
-  if (redoPosition_) scan.redo = patches_;
+  if (redoPosition_) scan.takeRedo(patches_, redoPosition_);
 }
 
 void Change::takeBack() noexcept {

@@ -82,11 +82,7 @@ int findMember(LibraryState& library, const ZoFileName& member, RawEntry& entry)
     if (const int code = library.refresh()) return code;
     const IndexEntry* const found = library.index().findLive(member.view());
     if (!found) return notFound(library.scan().end);
-    const bool isRead = library.load(*found, entry);
-    const bool isSame = isRead && entry.record == found->record;
-    // A redo that is not finished has the last word.
-    if (library.scan().redoPosition) entry.record = found->record;
-    if (isSame || (isRead && library.scan().redoPosition)) return ZoResult::ok;
+    if (library.load(*found, entry) && entry.record == found->record) return ZoResult::ok;
     if (attempt == LibraryState::kAttempts) return ZoResult::refused;
     library.forgetIndex();
   }

@@ -115,6 +115,17 @@ ContentTrailer trailerOf(ReadWindow& window, const RawEntry& entry) {
   return at ? decodeTrailer(at) : ContentTrailer{};
 }
 
+void ScanResult::takeRedo(std::vector<RawEntry> changes, std::uint64_t at) {
+  std::ranges::stable_sort(changes, {}, &RawEntry::position);
+  redo = std::move(changes);
+  redoPosition = at;
+}
+
+const RawEntry* ScanResult::redone(std::uint64_t at) const noexcept {
+  const auto behind = std::ranges::upper_bound(redo, at, {}, &RawEntry::position);
+  return behind != redo.begin() && behind[-1].position == at ? &behind[-1] : nullptr;
+}
+
 ScanResult scanEntries(ByteStore& store, std::uint64_t size, const EntryVisitor& visit) {
   ReadWindow window(store, size);
   EntryReader reader(window);
@@ -130,8 +141,7 @@ ScanResult scanEntries(ByteStore& store, std::uint64_t size, const EntryVisitor&
     result.position = entry.end();
     if (result.position == size) {
       if (auto patches = redoOf(store, window, entry)) {
-        result.redo = std::move(*patches);
-        result.redoPosition = entry.position;
+        result.takeRedo(std::move(*patches), entry.position);
         return result;
       }
     }

@@ -51,9 +51,14 @@ struct ScanResult {
   std::uint64_t position = kHeaderSize;  // behind the last entry
   std::uint64_t lastEntry = 0;           // its position, be it without a name; 0 for none
   std::uint16_t lastFlags = 0;           // of that one
-  // Of the last entry, when that is a committed redo: what it changes, and its position.
+  // Of the last entry, when that is a committed redo: what it changes, in the file's order, and its
+  // position.
   std::vector<RawEntry> redo;
   std::uint64_t redoPosition = 0;
+
+  void takeRedo(std::vector<RawEntry> changes, std::uint64_t at);
+  // What it makes of the entry at the position; null for nothing.
+  [[nodiscard]] const RawEntry* redone(std::uint64_t at) const noexcept;
 };
 
 // The entry at the position, if one stands there; what is there instead otherwise. One without a

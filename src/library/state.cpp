@@ -47,6 +47,11 @@ bool LibraryState::load(const IndexEntry& from, RawEntry& entry) {
   entry.position = from.position;
   entry.record = decodeRecord(std::span(bytes).first<kRecordSize>());
   entry.name.assign(bytes.begin() + kRecordSize, bytes.end());
+  // A redo that is not finished has the last word.
+  if (const RawEntry* const redone = scan_.redone(from.position)) {
+    entry.record = redone->record;
+    entry.name = redone->name;
+  }
   entry.trailer = from.trailer;
   entry.ordinal = index_.ordinal(from);
   return true;

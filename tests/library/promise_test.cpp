@@ -245,8 +245,10 @@ class LibraryPromise : public LibraryTest {
     if (reader.open(kPath)) return;
     EXPECT_EQ(reader.trailingBytes(), 0u);
     std::uint64_t end = 32;
+    std::vector<ZoLibEntry> entries;
     EXPECT_EQ(reader.forEachEntry(
                   [&](const ZoLibEntry& entry) {
+                    entries.push_back(entry);
                     end = entry.position + 54 + entry.name.fullNameSize() + entry.storedSize;
                     return true;
                   },
@@ -254,6 +256,10 @@ class LibraryPromise : public LibraryTest {
               0);
     const std::uint64_t size = image.at(kPath).size();
     EXPECT_TRUE(size <= 32 || reader.hasUnfinishedChange() == (end != size)) << end << ' ' << size;
+    for (const ZoLibEntry& entry : entries) {  // as the change leaves it, though it is not finished
+      ZoFile file;
+      EXPECT_EQ(reader.getFile(file, entry), 0) << entry.name.fullName();
+    }
   }
 
   // Whatever part of the writes reaches the disk. Returns the number of cases.
