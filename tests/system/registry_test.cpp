@@ -103,7 +103,11 @@ TEST(LifeCycle, AttachesAndDetachesOnceAndLeavesNoKernelObjectBehind) {
   unsigned long before = 0;
   for (int i = 0; i < 100; ++i) {
     ASSERT_EQ(zoComDllDetach(), ZoResult::refused);
+    const unsigned long detached = openHandles();
     ASSERT_EQ(zoComDllAttach(), 0);
+    if (i > 0) {
+      ASSERT_EQ(openHandles(), detached + 3) << "the process's guard, and none of a service";
+    }
     ZoSysDisp* const disp = &ZoSystem::sysDisp();
     ASSERT_EQ(zoComDllAttach(), ZoResult::refused);
     ASSERT_EQ(&ZoSystem::sysDisp(), disp);
