@@ -1,6 +1,8 @@
 // A parameter for numbers that are never negative: sizes, ages, code pages. C++ would make a very
 // large number of -1 in silence. What stands in the call is looked at by the compiler; a variable
 // must be of an unsigned type that fits.
+//
+// Errors, Threads: as a number has them.
 #pragma once
 
 #include <concepts>
