@@ -109,9 +109,17 @@ ItemDialogAnswer ask(Dialog& dialog, const ItemDialogRequest& request, HWND owne
   return answer;
 }
 
+// No file can have such a name, and some platforms' dialogs write past their buffers for it.
+void leaveOutTooLong(ItemDialogRequest& request) {
+  constexpr std::size_t kLongestName = 255;
+  if (request.name.size() > kLongestName) request.name.clear();
+  if (request.folder.size() >= MAX_PATH) request.folder.clear();
+}
+
 }  // namespace
 
-ItemDialogAnswer zo::askForItems(const ItemDialogRequest& request, HWND owner) {
+ItemDialogAnswer zo::askForItems(ItemDialogRequest request, HWND owner) {
+  leaveOutTooLong(request);
   const KeptCurrentFolder kept;
   const ComApartment apartment;
   if (apartment) {

@@ -34,7 +34,8 @@ struct ItemDialogAnswer {
   unsigned int filter = 0;
 };
 
-[[nodiscard]] ItemDialogAnswer askForItems(const ItemDialogRequest& request, HWND owner);
+// A folder of MAX_PATH characters and more, or a name of more than 255, is left out.
+[[nodiscard]] ItemDialogAnswer askForItems(ItemDialogRequest request, HWND owner);
 
 // The older dialogs alone, and what they answer: the name, or a folder and names, between zeros.
 [[nodiscard]] ItemDialogAnswer askForItemsAsBefore(const ItemDialogRequest& request, HWND owner);
