@@ -80,6 +80,17 @@ TEST_F(BadInput, ThreadsOfEveryKindShowDialogs) {
     });
 }
 
+TEST_F(BadInput, NamesThatNoFileCanHaveAreLeftOut) {
+  for (const std::size_t length : {256, 300, 40000})
+    for (const auto kind : {ZoFileDialog::kOpen, ZoFileDialog::kOpenSeveral, ZoFileDialog::kSave}) {
+      ZoFileDialog dialog(kind);
+      const std::wstring name(length, L'n');
+      dialog.setFile(ZoFileName(L"C:\\" + name + L'\\' + name));
+      dialog.setFolder(ZoFileName(L"C:\\" + name));
+      EXPECT_EQ(cancel(dialog), ZoResult::cancelled) << length;
+    }
+}
+
 TEST_F(BadInput, OddFiltersAreShown) {
   ZoFileDialog dialog;
   for (const wchar_t* patterns :
