@@ -345,7 +345,7 @@ TEST_F(Downloads, TheOneUsedLongestAgoGoesFirst) {
       10);
   EXPECT_EQ(cached().size(), 5U) << "two entries and what is not the cache's";
   ZoFile reader;
-  for (const int share : {int{ZoFile::kShareRead}, ZoFile::kShareRead | ZoFile::kShareDelete}) {
+  for (const auto share : {ZoFile::kShareRead, ZoFile::kShareRead | ZoFile::kShareDelete}) {
     ASSERT_EQ(cache.get(part(0), file), 0);
     ASSERT_EQ(reader.open(file, ZoFile::kRead, ZoFile::kOpenExisting, share), 0);
     EXPECT_EQ(cache.get(part(3), file) + cache.get(part(2), file), 0);

@@ -6,8 +6,8 @@
 #include <iostream>
 #include <set>
 
-#include "../../tools/zolib/console.h"
-#include "../../tools/zolib/program.h"
+#include "../../tools/shared/console.h"
+#include "../../tools/shared/program.h"
 #include "library/library_fixture.h"
 #include "library/listing.h"
 

@@ -231,7 +231,7 @@ def edit():
         edited("a.txt", "-v", steps=steps, code=code, err=err)
         assert pathlib.Path("a.txt").read_bytes() == before, steps
     edited("a.txt", "--dry-run", steps=["edit=3 m", ok], err="would change a.txt\n")
-    edited("a.txt", "--read-only", "--against", "a.txt", steps=["edit=3 m", cancel], err="")
+    edited("a.txt", "--read-only", "--against", "a.txt", steps=[cancel], err="")
     edited("a.txt", steps=["edit=3 m", f"run={tool} set a.txt length 7", ok], err="")
     assert codes[-1] == [b"11"] and run("get", "a.txt", "length") == b"3000\n", codes
     write("b.txt", before)

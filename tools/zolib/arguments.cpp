@@ -216,13 +216,14 @@ void take(Options& options, const Raw& raw, const CLI::App& sub) {
 
 // LIBRARY|MEMBER is a library and the first of the names behind it.
 std::string takeMember(const Verb& verb, Options& options) {
+  const std::wstring given = options.library;
   std::wstring member;
   const int code = splitMember(options.library, member);
   if (code == ZoResult::refused) return {};
   if (code != ZoResult::ok) return say(kNoMember, options.library);
   const bool takesMembers = (verb.takes & kSelect) == kSelect && !(verb.takes & kFiles);
   if (!takesMembers && !(verb.takes & kTwoNames))
-    return say({560, "%1 takes a library, and no member of one: %2"}, verb.name, options.library);
+    return say({560, "%1 takes a library, and no member of one: %2"}, verb.name, given);
   options.names.insert(options.names.begin(), member);
   return {};
 }
