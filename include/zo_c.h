@@ -60,8 +60,11 @@ enum {
   ZOC_WRONG_THREAD = 903,  // another thread is using it, or has to close it
   ZOC_BAD_ARGUMENT = 904,  // a null pointer; a number, code or encoding that is none; too long
   ZOC_NOT_ATTACHED = 905,
-  ZOC_ENDED = 906,    // the data of an archive ended
-  ZOC_FAILURE = 907,  // an exception that the library did not foresee
+  ZOC_ENDED = 906,       // the data of an archive ended
+  ZOC_FAILURE = 907,     // an exception that the library did not foresee
+  ZOC_IN_BATCH = 908,    // what a batch that is open does not allow
+  ZOC_NO_BATCH = 909,    // none is open
+  ZOC_NO_LIBRARY = 910,  // the file is there, and is no library
 };
 
 // Families of codes, for zocResultText.
@@ -120,7 +123,8 @@ ZOC_API uint32_t zocVersion(void) ZOC_NOEXCEPT;
 ZOC_API int zocClose(void* handle) ZOC_NOEXCEPT;
 
 // A sentence for a code that a function of the family gave, in the user's language where the
-// message file "zoresult" is loaded. Codes of this interface have theirs with any family.
+// message file "zoresult" is loaded. Codes of this interface have theirs with any family; with
+// others a family that is none is ZOC_BAD_ARGUMENT.
 ZOC_API int zocResultText(int code, int family, ZocString out) ZOC_NOEXCEPT;
 // What the platform said of the last failure of a file or library.
 ZOC_API int zocPlatformText(ZocString out) ZOC_NOEXCEPT;
@@ -205,6 +209,7 @@ ZOC_API int zocValuePut(ZocValue value, ZocText path, ZocValue element) ZOC_NOEX
 // The kind's zero value: an empty sequence or dictionary, 0, an empty text.
 ZOC_API int zocValuePutKind(ZocValue value, ZocText path, uint32_t kind,
                             uint32_t code) ZOC_NOEXCEPT;
+// Bits 0 to 25; higher ones are ZOC_BAD_ARGUMENT.
 ZOC_API int zocValueSetFlags(ZocValue value, ZocText path, uint32_t flags) ZOC_NOEXCEPT;
 // Takes an entry out of the dictionary, or an element out of the sequence, at the path.
 ZOC_API int zocValueRemoveKey(ZocValue value, ZocText path, ZocText key) ZOC_NOEXCEPT;
@@ -263,7 +268,9 @@ ZOC_API int zocMessageFormat(ZocText file, int number, ZocValue arguments,
 enum { ZOC_READ = 0, ZOC_WRITE = 1, ZOC_CREATE = 2 };  // an existing one; made where missing
 enum { ZOC_STORE = 0, ZOC_COMPRESS = 1, ZOC_AUTOMATIC = 2 };
 
-// ZOC_WRITE and ZOC_CREATE wait at most five seconds for another writer; code 1005 then.
+// ZOC_WRITE and ZOC_CREATE wait at most five seconds for another writer; code 1005 then. An empty
+// file becomes a library when it is opened for writing; any other file that does not begin as one
+// does stays as it is: ZOC_NO_LIBRARY.
 ZOC_API int zocLibraryOpen(ZocText name, int access, ZocLibrary* out) ZOC_NOEXCEPT;
 ZOC_API int zocLibraryAddFile(ZocLibrary library, ZocText source, ZocText member, int replace,
                               int mode) ZOC_NOEXCEPT;
@@ -273,10 +280,14 @@ ZOC_API int zocLibraryDelete(ZocLibrary library, ZocText member) ZOC_NOEXCEPT;  
 ZOC_API int zocLibraryRecover(ZocLibrary library, ZocText member) ZOC_NOEXCEPT;
 ZOC_API int zocLibraryReorganize(ZocLibrary library) ZOC_NOEXCEPT;  // drops what is deleted
 ZOC_API int zocLibraryVerify(ZocLibrary library, ZocText member) ZOC_NOEXCEPT;
-// What is added between the two becomes visible in one step.
+// What zocLibraryAddFile and zocLibraryWrite add between the first two, on whatever thread, becomes
+// visible in one step (in several, where it replaces tens of thousands). Until then every other
+// change, a second member of a name and another begin change nothing and answer ZOC_IN_BATCH.
+// Whatever the other two answer, no batch is open then; ZOC_NO_BATCH where none was. Closing the
+// library ends a batch, too.
 ZOC_API int zocLibraryBeginBatch(ZocLibrary library) ZOC_NOEXCEPT;
 ZOC_API int zocLibraryEndBatch(ZocLibrary library) ZOC_NOEXCEPT;
-ZOC_API int zocLibraryCancelBatch(ZocLibrary library) ZOC_NOEXCEPT;
+ZOC_API int zocLibraryCancelBatch(ZocLibrary library) ZOC_NOEXCEPT;  // none of it is added
 
 // A sequence with a dictionary for each member: "name", "size", "stored" (bytes in the library),
 // "written" (100 ns since 1601, UTC), "deleted", "compressed".

@@ -234,6 +234,9 @@ constexpr zo::ResultEntry kTable[] = {
     ZO_RESULT(cInterface, ZOC_NOT_ATTACHED, L"The library is not attached."),
     ZO_RESULT(cInterface, ZOC_ENDED, L"The data of the archive ended, or is no such value."),
     ZO_RESULT(cInterface, ZOC_FAILURE, L"A failure that was not foreseen."),
+    ZO_RESULT(cInterface, ZOC_IN_BATCH, L"The library's open batch does not allow it."),
+    ZO_RESULT(cInterface, ZOC_NO_BATCH, L"The library has no open batch."),
+    ZO_RESULT(cInterface, ZOC_NO_LIBRARY, L"The file is no library."),
 };
 
 #undef ZO_RESULT

@@ -2,13 +2,26 @@
 #include <zo/variant/variant.h>
 
 #include <algorithm>
+#include <optional>
+#include <set>
+#include <string>
 
 #include "c_interface/call.h"
 #include "c_interface/value.h"
+#include "library/files_lock.h"
+#include "names/name_compare.h"
 
 namespace {
 
 using namespace zo::c;
+
+struct NamesInOrder {
+  using is_transparent = void;
+  bool operator()(std::wstring_view a, std::wstring_view b) const noexcept {
+    return zo::orderNames(a, b) < 0;
+  }
+};
+using Names = std::set<std::wstring, NamesInOrder>;
 
 class Library final : public Object {
  public:
@@ -23,6 +36,9 @@ class Library final : public Object {
   [[nodiscard]] int close() override { return library.close(); }
 
   ZoLibrary library;
+  // Under the lock of libraries: no thread comes between a look at these and what it allows.
+  std::optional<Names> batch;     // what was added since it began
+  unsigned int reorganizing = 0;  // calls, which let go of the lock while they wait
 
  private:
   unsigned long opener_ = currentThread();
@@ -38,6 +54,70 @@ int withMember(ZocLibrary handle, const ZocText& member, const Work& work) noexc
   return with(handle,
               [&](ZoLibrary& library) { return work(library, ZoFileName(textOf(member))); });
 }
+
+// Changes. Those that would end a batch are refused while one is open: it ends, or is cancelled, as
+// a whole.
+template <class Work>
+int change(ZocLibrary handle, const Work& work) noexcept {
+  return call([&] {
+    const Use<Library> use(handle);
+    const zo::FilesLock lock;
+    if (use->batch) throw Refusal{ZOC_IN_BATCH};
+    return work(*use);
+  });
+}
+template <class Work>
+int changeMember(ZocLibrary handle, const ZocText& member, const Work& work) noexcept {
+  return change(handle, [&](Library& in) { return work(in.library, ZoFileName(textOf(member))); });
+}
+
+// Adding is all that a batch allows, each name once.
+template <class Work>
+int addMember(ZocLibrary handle, const ZocText& member, bool replaces, const Work& work) noexcept {
+  return call([&] {
+    const Use<Library> use(handle);
+    const ZoFileName name(textOf(member));
+    const zo::FilesLock lock;
+    if (!use->batch) return work(use->library, name);
+    if (use->batch->contains(name.view()))
+      return replaces ? int{ZOC_IN_BATCH} : ZoResult::memberExists;
+    Names added{std::wstring(name.view())};
+    const int code = work(use->library, name);
+    if (code == 0) use->batch->merge(added);
+    return code;
+  });
+}
+
+// The end of a batch, whatever its code.
+template <class Work>
+int endBatch(ZocLibrary handle, const Work& work) noexcept {
+  return call([&] {
+    const Use<Library> use(handle);
+    const zo::FilesLock lock;
+    if (!use->batch) return int{ZOC_NO_BATCH};
+    use->batch.reset();
+    return work(use->library);
+  });
+}
+
+// A reorganization that is on its way, perhaps waiting for others, when it holds no lock.
+class Reorganizing {
+ public:
+  explicit Reorganizing(Library& in) : in_(in) {
+    const zo::FilesLock lock;
+    if (in.batch) throw Refusal{ZOC_IN_BATCH};
+    ++in.reorganizing;
+  }
+  Reorganizing(const Reorganizing&) = delete;
+  Reorganizing& operator=(const Reorganizing&) = delete;
+  ~Reorganizing() {
+    const zo::FilesLock lock;
+    --in_.reorganizing;
+  }
+
+ private:
+  Library& in_;
+};
 
 ZoLibrary::compMode modeOf(int mode) {
   require(mode >= ZOC_STORE && mode <= ZOC_AUTOMATIC);
@@ -77,15 +157,16 @@ int readAt(ZoFile& file, std::uint64_t offset, void* bytes, std::uint32_t size,
 int zocLibraryOpen(ZocText name, int access, ZocLibrary* out) noexcept {
   return make<Library>(out, [&](Library& made) {
     require(access >= ZOC_READ && access <= ZOC_CREATE);
-    return made.library.open(ZoFileName(textOf(name)),
-                             access == ZOC_READ ? ZoFile::kRead : ZoFile::kReadWrite,
-                             access == ZOC_CREATE ? ZoFile::kOpenAlways : ZoFile::kOpenExisting);
+    const int code = made.library.open(
+        ZoFileName(textOf(name)), access == ZOC_READ ? ZoFile::kRead : ZoFile::kReadWrite,
+        access == ZOC_CREATE ? ZoFile::kOpenAlways : ZoFile::kOpenExisting);
+    return code || made.library.isLibrary() ? code : int{ZOC_NO_LIBRARY};
   });
 }
 
 int zocLibraryAddFile(ZocLibrary library, ZocText source, ZocText member, int replace,
                       int mode) noexcept {
-  return withMember(library, member, [&](ZoLibrary& to, const ZoFileName& name) {
+  return addMember(library, member, replace != 0, [&](ZoLibrary& to, const ZoFileName& name) {
     return to.addFile(ZoFileName(textOf(source)), name, replace != 0, modeOf(mode));
   });
 }
@@ -97,23 +178,27 @@ int zocLibraryExtract(ZocLibrary library, ZocText member, ZocText target) noexce
 }
 
 int zocLibraryRename(ZocLibrary library, ZocText member, ZocText newName) noexcept {
-  return withMember(library, member, [&](ZoLibrary& in, const ZoFileName& name) {
+  return changeMember(library, member, [&](ZoLibrary& in, const ZoFileName& name) {
     return in.renameFile(name, ZoFileName(textOf(newName)));
   });
 }
 
 int zocLibraryDelete(ZocLibrary library, ZocText member) noexcept {
-  return withMember(library, member,
-                    [](ZoLibrary& in, const ZoFileName& name) { return in.deleteFile(name); });
+  return changeMember(library, member,
+                      [](ZoLibrary& in, const ZoFileName& name) { return in.deleteFile(name); });
 }
 
 int zocLibraryRecover(ZocLibrary library, ZocText member) noexcept {
-  return withMember(library, member,
-                    [](ZoLibrary& in, const ZoFileName& name) { return in.recoverFile(name); });
+  return changeMember(library, member,
+                      [](ZoLibrary& in, const ZoFileName& name) { return in.recoverFile(name); });
 }
 
 int zocLibraryReorganize(ZocLibrary library) noexcept {
-  return with(library, [](ZoLibrary& in) { return in.reorganize(); });
+  return call([&] {
+    const Use<Library> use(library);
+    const Reorganizing mark(*use);
+    return use->library.reorganize();
+  });
 }
 
 int zocLibraryVerify(ZocLibrary library, ZocText member) noexcept {
@@ -125,15 +210,21 @@ int zocLibraryVerify(ZocLibrary library, ZocText member) noexcept {
 }
 
 int zocLibraryBeginBatch(ZocLibrary library) noexcept {
-  return with(library, [](ZoLibrary& in) { return in.beginBatch(); });
+  return change(library, [](Library& in) {
+    if (in.reorganizing != 0) throw Refusal{ZOC_WRONG_THREAD};
+    Names none;
+    const int code = in.library.beginBatch();
+    if (code == 0) in.batch.emplace(std::move(none));
+    return code;
+  });
 }
 
 int zocLibraryEndBatch(ZocLibrary library) noexcept {
-  return with(library, [](ZoLibrary& in) { return in.endBatch(); });
+  return endBatch(library, [](ZoLibrary& in) { return in.endBatch(); });
 }
 
 int zocLibraryCancelBatch(ZocLibrary library) noexcept {
-  return with(library, [](ZoLibrary& in) { return in.cancelBatch(); });
+  return endBatch(library, [](ZoLibrary& in) { return in.cancelBatch(); });
 }
 
 int zocLibraryList(ZocLibrary library, int withDeleted, ZocValue out) noexcept {
@@ -173,7 +264,7 @@ int zocLibraryRead(ZocLibrary library, ZocText member, uint64_t offset, void* by
 
 int zocLibraryWrite(ZocLibrary library, ZocText member, const void* bytes, uint32_t size,
                     int mode) noexcept {
-  return withMember(library, member, [&](ZoLibrary& in, const ZoFileName& name) {
+  return addMember(library, member, true, [&](ZoLibrary& in, const ZoFileName& name) {
     require(bytes || size == 0);
     ZoFile file;
     if (const int code = in.getFile(file, name, ZoFile::kWrite, modeOf(mode))) return code;

@@ -8,9 +8,10 @@
 #include <zo/system/units.h>
 #include <zo/version.h>
 
-#include <cwchar>
+#include <algorithm>
 #include <vector>
 
+#include "attach/result_table.h"
 #include "c_interface/call.h"
 #include "c_interface/value.h"
 
@@ -18,7 +19,7 @@ using namespace zo::c;
 
 namespace {
 
-bool isOurs(int code) noexcept { return code >= ZOC_BAD_HANDLE && code <= ZOC_FAILURE; }
+bool isOurs(int code) noexcept { return code >= ZOC_BAD_HANDLE && code <= ZOC_NO_LIBRARY; }
 
 ZoArray<ZoString> wordsOf(const ZoString& text) {
   ZoArray<ZoString> words;
@@ -74,6 +75,8 @@ int zocResultText(int code, int family, ZocString out) noexcept {
   return call([&] {
     const Use<String> to(out);
     const auto of = isOurs(code) ? ZoResultFamily::cInterface : static_cast<ZoResultFamily>(family);
+    require(std::ranges::find(zo::resultTable(), of, &zo::ResultEntry::family) !=
+            zo::resultTable().end());  // each family has a code of its own
     to->set(zoResultText(code, of).view());
     return 0;
   });

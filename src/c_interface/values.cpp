@@ -8,6 +8,8 @@ using namespace zo::c;
 
 namespace {
 
+constexpr std::uint32_t kAllFlags = (1U << 26) - 1;
+
 // What the path names; refused where it leads nowhere.
 ZoVariant& at(ZoVariant& variant, const ZocText& path) {
   ZoVariant* const found = variant.find(textOf(path).view());
@@ -195,6 +197,7 @@ int zocValuePutKind(ZocValue value, ZocText path, uint32_t kind, uint32_t code) 
 
 int zocValueSetFlags(ZocValue value, ZocText path, uint32_t flags) noexcept {
   return look(value, path, [&](ZoVariant& found) {
+    require(flags <= kAllFlags);
     found.setFlags(flags);
     return 0;
   });

@@ -21,17 +21,6 @@ using zo::ByteForm;
 
 int refuse(DWORD error) { return zo::keepReason(L"text file", error); }
 
-// Whether bytes in UTF-8 end inside a character.
-bool endsInside(std::string_view bytes) noexcept {
-  for (std::size_t back = 1; back <= std::min<std::size_t>(bytes.size(), 3); ++back) {
-    const auto byte = static_cast<unsigned char>(bytes[bytes.size() - back]);
-    if ((byte & 0xC0) == 0x80) continue;
-    const std::size_t following = byte < 0xC0 ? 0 : byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
-    return following >= back;
-  }
-  return false;
-}
-
 std::wstring fromUtf16(std::string_view bytes, bool bigEndian) {
   std::wstring text(bytes.size() / 2, L'\0');
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -55,10 +44,7 @@ int decode(std::string_view bytes, unsigned int codepage, ZoString& text) {
   unsigned int mark = 0;
   ByteForm form = zo::markedForm(bytes, mark);
   bytes.remove_prefix(mark);
-  if (mark == 0) {
-    form = zo::formOfWhole(bytes);
-    if (form == ByteForm::Utf8 && endsInside(bytes)) form = ByteForm::Other;
-  }
+  if (mark == 0) form = zo::formOfWhole(bytes);
   std::wstring wide;
   if (form == ByteForm::Utf16 || form == ByteForm::Utf16BigEndian) {
     if (bytes.size() / 2 >= ZoString::maxLength()) return refuse(ERROR_FILE_TOO_LARGE);

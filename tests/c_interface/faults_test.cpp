@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <filesystem>
 #include <fstream>
 #include <regex>
 #include <sstream>
@@ -256,12 +257,79 @@ TEST_F(CInterface, WrongArgumentsAreRefused) {
       zocLibraryAddFile(l, kName, kName, 0, -1), zocValuePutKind(v, kName, 11, ZOC_PLAIN),
       zocValuePutKind(v, kName, ZOC_DICT, ZOC_LENGTH), zocValuePutInt(v, kName, 1, ZOC_LENGTH),
       zocValuePutInt(v, kName, 1LL << 40, 0x2100), zocValuePutText(v, kName, kName, ZOC_LENGTH),
-      zocValuePutText(v, kName, coded, ZOC_PLAIN), zocValueParse(v, coded, nullptr)};
+      zocValuePutText(v, kName, coded, ZOC_PLAIN), zocValueParse(v, coded, nullptr),
+      zocValueSetFlags(v, kName, 0x80000000), zocValueSetFlags(v, kName, 0x4000000),
+      zocResultText(1, -1, handles_.string), zocResultText(1, 0x18, handles_.string),
+      zocResultText(1, 0x10003, handles_.string)};
   for (std::size_t i = 0; i < std::size(codes); ++i) EXPECT_EQ(codes[i], ZOC_BAD_ARGUMENT) << i;
   EXPECT_EQ(zocClose(l), 0);  // the calls that failed made these two null
   EXPECT_EQ(handles_.library, nullptr);
   EXPECT_EQ(zocValueGetInt(v, kName, &large), 0);
   EXPECT_EQ(large, 1) << "nothing has changed";
+  EXPECT_EQ(zocValueSetFlags(v, kName, 0x3FFFFFF), 0);
+  EXPECT_EQ(zocResultText(ZOC_NO_LIBRARY, 0x18, handles_.string), 0) << "in any family";
+}
+
+TEST_F(CInterface, ABatchIsEndedByItsEndOnly) {
+  const ZocLibrary l = handles_.library;
+  const auto write = [&](const char* name, int mode = ZOC_STORE) {
+    return zocLibraryWrite(l, zocUtf8(name), "data", 4, mode);
+  };
+  const auto sizeOf = [&](const char* name) { return zocLibrarySize(l, zocUtf8(name), &size); };
+  const ZocText old = zocUtf8("old"), gone = zocUtf8("gone"), again = zocUtf8("NEW");
+  EXPECT_EQ(write("old") + write("gone") + zocLibraryDelete(l, gone), 0);
+  for (const bool ends : {false, true}) {
+    EXPECT_EQ(zocLibraryEndBatch(l), ZOC_NO_BATCH);
+    EXPECT_EQ(zocLibraryCancelBatch(l), ZOC_NO_BATCH);
+    EXPECT_EQ(zocLibraryBeginBatch(l), 0);
+    EXPECT_EQ(write("new", 3), ZOC_BAD_ARGUMENT);  // and does not count as written
+    EXPECT_EQ(write("new"), 0);
+    const int codes[] = {
+        zocLibraryBeginBatch(l),
+        zocLibraryRename(l, old, kName),
+        zocLibraryDelete(l, old),
+        zocLibraryRecover(l, gone),
+        zocLibraryReorganize(l),
+        write("NEW"),
+        zocLibraryAddFile(l, zocUtf8(path("parts.lib").c_str()), again, 1, ZOC_STORE)};
+    for (std::size_t i = 0; i < std::size(codes); ++i) EXPECT_EQ(codes[i], ZOC_IN_BATCH) << i;
+    EXPECT_EQ(zocLibraryAddFile(l, kName, again, 0, ZOC_STORE), 1001);
+    EXPECT_EQ(write("old"), 0);
+    EXPECT_EQ(sizeOf("new"), ZOC_REFUSED) << "not yet visible";
+    EXPECT_EQ(ends ? zocLibraryEndBatch(l) : zocLibraryCancelBatch(l), 0);
+    EXPECT_EQ(sizeOf("new"), ends ? 0 : ZOC_REFUSED);
+    EXPECT_EQ(sizeOf("old"), 0);
+  }
+  EXPECT_EQ(zocLibraryReorganize(l), 0);
+  EXPECT_EQ(zocLibraryBeginBatch(l) + write("new") + write("last"), 0);
+  EXPECT_EQ(zocClose(l), 0);
+  EXPECT_EQ(zocLibraryOpen(zocUtf8(path("parts.lib").c_str()), ZOC_READ, &handles_.library), 0);
+  EXPECT_EQ(zocLibrarySize(handles_.library, zocUtf8("last"), &size), 0) << "closing ends it";
+  EXPECT_EQ(zocLibraryBeginBatch(handles_.library), 1004);
+  EXPECT_EQ(zocLibraryEndBatch(handles_.library), ZOC_NO_BATCH);
+}
+
+TEST_F(CInterface, WhatIsNoLibraryIsNotOpened) {
+  const std::string junk = "nothing but some letters";
+  const std::filesystem::path file = folder_.path() / "junk";
+  const struct {
+    std::string content;
+    int access, code;
+  } rows[] = {{junk, ZOC_READ, ZOC_NO_LIBRARY},
+              {junk, ZOC_WRITE, ZOC_NO_LIBRARY},
+              {junk, ZOC_CREATE, ZOC_NO_LIBRARY},
+              {junk + junk, ZOC_WRITE, ZOC_NO_LIBRARY},
+              {"", ZOC_READ, ZOC_NO_LIBRARY},
+              {"", ZOC_WRITE, 0},
+              {"", ZOC_CREATE, 0}};
+  for (const auto& [content, access, code] : rows) {
+    std::ofstream(file, std::ios::binary) << content;
+    ZocLibrary library = handles_.library;
+    EXPECT_EQ(zocLibraryOpen(zocUtf8(path("junk").c_str()), access, &library), code) << content;
+    EXPECT_EQ(library == nullptr, code != 0);
+    EXPECT_EQ(zocClose(library), code ? ZOC_BAD_HANDLE : 0);
+    EXPECT_TRUE(code == 0 || std::filesystem::file_size(file) == content.size());
+  }
 }
 
 TEST_F(CInterface, TextsKeepZerosAndReplaceWhatIsNoUtf8) {

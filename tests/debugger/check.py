@@ -7,7 +7,7 @@ import subprocess
 import sys
 import xml.dom.minidom
 
-EXPECTED = {
+SAMPLE = {
     "text": 'L"caf\u00e9 \u0416"',
     "empty": 'L""',
     "part": 'L"af\u00e9"',
@@ -37,6 +37,14 @@ EXPECTED = {
     "list": "List list of 1 = {[0] = Real 0.5}",
     "dict": 'Catalog dictionary of 1 in 128 buckets = {"width" = Sequence array of 2 = {[0] = Int 1, [1] = String "two"}}',
 }
+MADE_INSIDE = {
+    "part": 'Dict dictionary of 1 in 128 buckets = {"width" = Real 2.5}',
+    "array": 'Sequence array of 2 = {[0] = Int 7, [1] = String "M8"}',
+    "list": "List list of 1 = {[0] = Real 0.5}",
+}
+# Without descriptions: no more than the kinds of containers.
+BARE = {"part": "Dict dictionary", "array": "Sequence array", "list": "List list"}
+EXPECTED = {"debugger_sample": SAMPLE, "debugger_made_inside": MADE_INSIDE, "debugger_bare": BARE}
 
 
 def free_port():
@@ -45,13 +53,13 @@ def free_port():
         return s.getsockname()[1]
 
 
-def shown(wine_run, gdbserver, gdb, printers, program):
+def shown(wine_run, gdbserver, gdb, printers, program, names):
     address = "127.0.0.1:%d" % free_port()
     server = subprocess.Popen([wine_run, gdbserver, "--once", address, program], stdin=subprocess.DEVNULL,
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     commands = ["set confirm off", "set host-charset UTF-8", "source " + printers, "set tcp connect-timeout 60",
                 "target remote " + address, "break lookAtThem", "continue", "up"]
-    commands += ["print " + name for name in EXPECTED] + ["kill"]
+    commands += ["print " + name for name in names] + ["kill"]
     try:
         run = subprocess.run([gdb, "-batch", "-nx", program] + [a for c in commands for a in ("-ex", c)],
                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
@@ -77,11 +85,12 @@ def main():
     if unknown:
         print("zo_com.natvis names", *unknown)
         return 1
-    output = shown(*sys.argv[1:6])
+    expected = EXPECTED[pathlib.Path(sys.argv[5]).stem]
+    output = shown(*sys.argv[1:6], expected)
     lines = [line.split(" = ", 1)[1] for line in output.splitlines() if line.startswith("$")]
     wrong = ["%s: %s, expected %s" % (name, line, text)
-             for (name, text), line in zip(EXPECTED.items(), lines) if line != text]
-    if len(lines) != len(EXPECTED) or wrong:
+             for (name, text), line in zip(expected.items(), lines) if line != text]
+    if len(lines) != len(expected) or wrong or "Python Exception" in output:
         print(output, *wrong, sep="\n")
         return 1
     return 0

@@ -152,9 +152,14 @@ TEST(MessageMap, KnowsTheEncodingsOfPlainEditors) {
       EXPECT_EQ(map.codepage(), codepage) << bytes;
     }
   }
-  ZoMessageMap map;  // neither a mark nor UTF-8: the system's code page
-  ASSERT_EQ(map.parse("@messages 1\n1 \xE4\n"), 0);
-  EXPECT_EQ(map.codepage(), ZoStdCodepage().ansi());
+  // Neither a mark nor UTF-8, in which no file ends inside a character: the system's code page.
+  for (const char* const bytes : {"@messages 1\n1 \xE4\n", "@messages 1\n1 \xE4",
+                                  "@messages 1\n1 x\xE4", "@messages 1\n1 \xC3\xA4\xE2\x82"}) {
+    ZoMessageMap map;
+    ASSERT_EQ(map.parse(bytes), 0);
+    EXPECT_EQ(map.codepage(), ZoStdCodepage().ansi()) << bytes;
+    EXPECT_NE(map.find(1), nullptr) << bytes;
+  }
 }
 
 TEST(MessageMap, WritesWhatItReadsBackAsTheSame) {

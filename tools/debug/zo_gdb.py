@@ -1,8 +1,12 @@
 """Shows the values of zo_com in gdb:  (gdb) source tools/debug/zo_gdb.py
 
-Strings and file names print as text, containers as their elements, variants as code, value, flags and elements,
-geometry, colours and GUIDs as their numbers; codes by name. Reads memory only; calls nothing in the program. The types
-must be described in the program's debug information: build with the debug preset, or with -femit-class-debug-always.
+In an installed package it is share/zo_com/debug/zo_gdb.py. Strings and file names print as text, containers as their
+elements, variants as code, value, flags and elements, geometry, colours and GUIDs as their numbers; codes by name.
+Reads memory only; calls nothing in the program.
+
+The types must be described in the program's own debug information: the library's DLL has none in a package. The debug
+preset, and -g -femit-class-debug-always, describe what the program uses. Of a variant whose containers the program
+does not use itself, only their kind shows then.
 """
 
 import uuid
@@ -14,6 +18,27 @@ import gdb.printing
 def at(address, type_):
     """The value of a type at an address."""
     return gdb.Value(int(address)).cast(type_.pointer()).dereference()
+
+
+def target(pointer):
+    """What a pointer points to, by its own type: gdb looks for the object's, and warns where the DLL has no symbols."""
+    type_ = pointer.type.strip_typedefs().target().strip_typedefs()
+    return gdb.Value(gdb.selected_inferior().read_memory(int(pointer), type_.sizeof).tobytes(), type_)
+
+
+def type_or_none(name):
+    """None for what the program's debug information does not describe."""
+    try:
+        return gdb.lookup_type(name)
+    except gdb.error:
+        return None
+
+
+def pair_at(address, key, mapped):
+    """Key and value that lie one behind the other: their struct is often described in the library's DLL only."""
+    address = int(address)
+    first = -(-address // key.alignof) * key.alignof
+    return at(first, key), at(-(-(first + key.sizeof) // mapped.alignof) * mapped.alignof, mapped)
 
 
 class StringPrinter:
@@ -195,20 +220,38 @@ class VariantPrinter:
         """The printer of what holds the elements: a dictionary, an array, or a list as the object or its code says."""
         pointer = self.payload["dict" if self.kind == self.DICT else "sequence"]
         if self.kind == self.DICT:
-            return HashDictPrinter(at(pointer, gdb.lookup_type("ZoHashDict<ZoVariant, ZoString, ZoCIHashValue<ZoString> >")))
-        type_ = str(pointer.dereference().dynamic_type)  # ZoSequence where its DLL has no symbols
-        if "ZoList" in type_ or ("ZoSequence" in type_ and self.code == self.LIST):
-            return ListPrinter(at(pointer, gdb.lookup_type("ZoList<ZoVariant>")))
-        return ArrayPrinter(at(pointer, gdb.lookup_type("ZoArray<ZoVariant, ZoArrayTable<ZoVariant> >")))
+            return self.printer(HashDictPrinter, pointer, "ZoHashDict<ZoVariant, ZoString, ZoCIHashValue<ZoString> >")
+        type_ = str(pointer.dereference().dynamic_type)  # neither where its DLL has no symbols
+        if "ZoList" in type_ or ("ZoArray" not in type_ and self.code == self.LIST):
+            return self.printer(ListPrinter, pointer, "ZoList<ZoVariant>")
+        return self.printer(ArrayPrinter, pointer, "ZoArray<ZoVariant, ZoArrayTable<ZoVariant> >")
+
+    @staticmethod
+    def printer(kind, pointer, type_):
+        described = type_or_none(type_)
+        return kind(at(pointer, described)) if described else UndescribedPrinter(kind.kind)
 
     def children(self):
-        if self.kind not in (self.DICT, self.SEQUENCE):
-            return
         if self.kind == self.SEQUENCE:
             yield from self.container().children()
-            return
-        for entry in self.container().entries():
-            yield string_at(entry["key"].address), entry["value"]
+        if self.kind == self.DICT:
+            for key, value in self.container().entries():
+                yield string_at(key.address), value
+
+
+class UndescribedPrinter:
+    """A container of a type that nothing describes."""
+
+    def __init__(self, kind):
+        self.kind = kind
+
+    def to_string(self):
+        return self.kind
+
+    def children(self):
+        return iter(())
+
+    entries = children
 
 
 class SequencePrinter:
@@ -237,7 +280,7 @@ class ArrayPrinter(SequencePrinter):
         table = self.engine()["table_"]
         if int(table) == 0:
             return
-        data = int(table.dereference()["data_"])
+        data = int(target(table)["data_"])
         for i in range(int(self.engine()["entries_"])):
             yield data + i * self.element.sizeof
 
@@ -251,11 +294,13 @@ class ListPrinter(SequencePrinter):
     def addresses(self):
         node = self.engine()["first_"]
         while int(node) != 0:
-            yield int(node) + int(self.engine()["mem_"].dereference()["elementOffset_"])
+            yield int(node) + int(target(self.engine()["mem_"])["elementOffset_"])
             node = node.dereference()["next"]
 
 
 class DictPrinter:
+    kind = "dictionary"
+
     def __init__(self, value):
         self.value = value
         type_ = value.type.strip_typedefs()
@@ -263,11 +308,8 @@ class DictPrinter:
 
     def children(self):
         for i, entry in enumerate(self.entries()):
-            yield "[%d].key" % i, entry["key"]
-            yield "[%d].value" % i, entry["value"]
-
-    def type_of(self, template):
-        return gdb.lookup_type("%s<%s, %s>" % (template, self.mapped, self.key))
+            yield "[%d].key" % i, entry[0]
+            yield "[%d].value" % i, entry[1]
 
     def display_hint(self):
         return "map"
@@ -282,11 +324,11 @@ class HashDictPrinter(DictPrinter):
         engine = self.value["hash_"]
         if int(engine["table_"]) == 0:
             return
-        table = engine["table_"].dereference()
+        table = target(engine["table_"])
         for bucket in range(int(engine["buckets_"])):
             node = table["chains_"][bucket]
             while int(node) != 0:
-                yield at(node, self.type_of("zo::HashNode"))
+                yield pair_at(int(node) + node.dereference().type.sizeof, self.key, self.mapped)
                 node = node.dereference()["next"]
 
 
@@ -301,7 +343,7 @@ class TreePrinter(DictPrinter):
                 path.append(node)
                 node = node.dereference()["left"]
             node = path.pop()
-            yield at(node.dereference()["element"], self.type_of("zo::TreeEntry"))
+            yield pair_at(node.dereference()["element"], self.key, self.mapped)
             node = node.dereference()["right"]
 
 

@@ -11,15 +11,16 @@ unsigned int byteAt(std::string_view bytes, std::size_t i) noexcept {
   return static_cast<unsigned char>(bytes[i]);
 }
 
-// Whether all of it is well-formed UTF-8 (no overlong forms, no surrogates, at most U+10FFFF).
-bool isUtf8(std::string_view bytes) noexcept {
+// Whether all of it is well-formed UTF-8 (no overlong forms, no surrogates, at most U+10FFFF). The
+// last character of one that goes on may be cut.
+bool isUtf8(std::string_view bytes, bool goesOn) noexcept {
   for (std::size_t i = 0; i < bytes.size();) {
     const unsigned int lead = byteAt(bytes, i++);
     if (lead < 0x80) continue;
     if (lead < 0xC2 || lead > 0xF4) return false;
     const int following = lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
     for (int k = 0; k < following; ++k, ++i) {
-      if (i == bytes.size()) return true;  // the text goes on
+      if (i == bytes.size()) return goesOn;
       const unsigned int byte = byteAt(bytes, i);
       if ((byte & 0xC0) != 0x80) return false;
       if (k > 0) continue;
@@ -64,16 +65,16 @@ ByteForm formOf(std::string_view bytes) noexcept {
     return ByteForm::Other;
   }
   if (isAscii) return ByteForm::Ascii;
-  return isUtf8(bytes) ? ByteForm::Utf8 : ByteForm::Other;
+  return isUtf8(bytes, true) ? ByteForm::Utf8 : ByteForm::Other;
 }
 
 ByteForm formOfWhole(std::string_view bytes) noexcept {
   const ByteForm form = bytes.size() % 2 == 0 ? formOf(bytes) : ByteForm::Other;
-  if (form != ByteForm::Other) return form;
+  if (form != ByteForm::Other && form != ByteForm::Utf8) return form;
   if (std::ranges::all_of(bytes, [](unsigned char byte) { return byte < 0x80; })) {
     return ByteForm::Ascii;
   }
-  return isUtf8(bytes) ? ByteForm::Utf8 : ByteForm::Other;
+  return isUtf8(bytes, false) ? ByteForm::Utf8 : ByteForm::Other;
 }
 
 }  // namespace zo

@@ -1,0 +1,16 @@
+// Values whose containers are the library's own: nothing in this program describes their nodes.
+// tests/debugger/check.py stops it in lookAtThem.
+#include <zo/variant/variant.h>
+
+const void* const* volatile looked = nullptr;  // what keeps the values alive
+
+void lookAtThem(const void* const* values) { looked = values; }
+
+int main() {
+  ZoVariant part, array(ZoVariant::kSequence), list;
+  if (part.put(L"width", 2.5) || array.put(L"0", 7) || array.put(L"1", L"M8")) return 1;
+  if (list.parse(L"List [Real 0.5]")) return 1;
+  const void* const values[] = {&part, &array, &list};
+  lookAtThem(values);
+  return 0;
+}
