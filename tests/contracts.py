@@ -21,6 +21,7 @@ EXEMPT = {
     "zo/xml/xml_results.h": "constants",
     "zo/system/sys_notice.h": "an enumeration",
     "zo/variant/type_code.h": "enumerations",
+    "zo/names/no_truth_value.h": "a concept",
     "zo/names/not_a_flag.h": "a concept",
     "zo/text/lasting_text.h": "concepts",
     "zo/system/source_place.h": "the compiler does all of it",

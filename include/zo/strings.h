@@ -13,3 +13,4 @@
 #include <zo/text/string_ref.h>
 #include <zo/text/sub_string.h>
 #include <zo/text/text_forms.h>
+#include <zo/text/text_parameter.h>

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <string>
 
+#include "dialogs/dialog_texts.h"
 #include "platform/error_text.h"
 #include "system/service_or_null.h"
 
@@ -26,6 +27,18 @@ std::shared_ptr<const ZoDialogs::Answer> currentAnswer() {
   return seam().answer;
 }
 
+// No caller gave the handle that the platform complains of: it is of the window that was not made.
+// Where there is no display it may name no reason at all.
+ZoString reasonOf(unsigned long error) {
+  constexpr auto kNoWindow = static_cast<unsigned long>(ERROR_INVALID_WINDOW_HANDLE);
+  if (error == ERROR_SUCCESS || error == kNoWindow ||
+      error == static_cast<unsigned long>(HRESULT_FROM_WIN32(kNoWindow)))
+    return ZoString(zo::dialogText(zo::DialogText::noWindow));
+  ZoString text(zo::errorText(error));
+  text.strip(ZoString::trailing, L" \r\n");
+  return text.isEmpty() ? ZoString(L"Error " + std::to_wstring(error) + L".") : text;
+}
+
 }  // namespace
 
 ZoDialog::~ZoDialog() = default;
@@ -44,9 +57,7 @@ int ZoDialog::failed(unsigned long error) {
   if (error == ERROR_CANCELLED) return ZoResult::cancelled;
   if (error == ERROR_PRINTER_NOT_FOUND || error == ERROR_INVALID_PRINTER_NAME)
     return ZoResult::noPrinter;
-  std::wstring text = zo::errorText(error);
-  if (text.empty()) text = L"Error " + std::to_wstring(error) + L".\r\n";
-  error_ = std::wstring_view(text);
+  error_ = reasonOf(error);
   return ZoResult::notShown;
 }
 

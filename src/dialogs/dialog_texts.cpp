@@ -18,6 +18,7 @@ constexpr zo::DialogTextEntry kTexts[] = {
     {filesOf, L"%1 files"},
     {chooseYes, L"Yes: %1"},
     {chooseNo, L"No: %1"},
+    {noWindow, L"There is no display, or the owner is gone."},
     {editTitle, L"Edit value"},
     {wholeValue, L"Value"},
     {columnName, L"Name"},

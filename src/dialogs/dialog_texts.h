@@ -18,6 +18,7 @@ enum class DialogText : int {
   filesOf = 3,  // %1: extensions
   chooseYes = 4,
   chooseNo = 5,
+  noWindow = 6,
 
   // The editor of values.
   editTitle = 10,

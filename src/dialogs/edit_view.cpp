@@ -38,14 +38,14 @@ bool isMatch(const Element& element, const ZoVariant& outer, const ZoRegExp& exp
 
 }  // namespace
 
-std::vector<Element> ZoVariantEdits::elements(std::wstring_view path) const {
+std::vector<Element> ZoVariantEdits::elements(zo::TextParameter path) const {
   const ZoVariant* const container = value_.find(path);
   return container ? elementsOf(ZoString(path), *container) : std::vector<Element>();
 }
 
 // Down without recursion: nothing bounds a variant's depth.
 std::vector<ZoString> ZoVariantEdits::find(const ZoRegExp& expression, Where where,
-                                           unsigned int most) const {
+                                           zo::NotNegative<unsigned int> most) const {
   struct Seen {
     Element element;
     const ZoVariant* outer;

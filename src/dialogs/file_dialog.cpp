@@ -60,14 +60,13 @@ ZoFileName folderOf(const ZoFileName& file) {
 
 }  // namespace
 
-int ZoFileDialog::addFilter(const ZoString& name, const ZoString& patterns) {
+int ZoFileDialog::addFilter(zo::TextParameter name, zo::TextParameter patterns) {
   constexpr std::wstring_view kZero(L"", 1);
-  const std::wstring clean = cleaned(patterns.view());
+  const std::wstring clean = cleaned(patterns);
   if (clean.empty() || clean.find(L'\0') != std::wstring::npos ||
-      name.view().find(kZero) != std::wstring_view::npos)
+      name.find(kZero) != std::wstring_view::npos)
     return ZoResult::refused;
-  filters_.push_back({name.isEmpty() ? ZoString(std::wstring_view(clean)) : name,
-                      ZoString(std::wstring_view(clean))});
+  filters_.push_back({name.empty() ? ZoString(clean) : ZoString(name), ZoString(clean)});
   return ZoResult::ok;
 }
 
@@ -86,7 +85,7 @@ void ZoFileDialog::addFilter(ZoFileName::FileKind kind) {
                         ZoString(std::wstring_view(patterns))});
 }
 
-int ZoFileDialog::setFilter(unsigned int index) noexcept {
+int ZoFileDialog::setFilter(zo::NotNegative<unsigned int> index) noexcept {
   if (index >= filters_.size()) return ZoResult::refused;
   filter_ = index;
   return ZoResult::ok;
@@ -97,8 +96,8 @@ void ZoFileDialog::setFile(const ZoFileName& file) {
   if (!file.isEmpty()) files_.push_back(file);
 }
 
-int ZoFileDialog::browseLibraries(const ZoString& patterns) {
-  const std::wstring clean = cleaned(patterns.view());
+int ZoFileDialog::browseLibraries(zo::TextParameter patterns) {
+  const std::wstring clean = cleaned(patterns);
   if (clean.find(L'\0') != std::wstring::npos) return ZoResult::refused;
   libraries_ = std::wstring_view(clean);
   return ZoResult::ok;

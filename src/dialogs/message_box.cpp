@@ -44,8 +44,8 @@ TASKDIALOG_COMMON_BUTTON_FLAGS taskButtons(ZoMessageBox::Buttons buttons) noexce
 
 }  // namespace
 
-ZoMessageBox::ZoMessageBox(ZoString text, Buttons buttons, Icon icon)
-    : text_(std::move(text)), buttons_(buttons), icon_(icon) {}
+ZoMessageBox::ZoMessageBox(zo::TextParameter text, Buttons buttons, Icon icon)
+    : text_(text), buttons_(buttons), icon_(icon) {}
 
 int ZoMessageBox::setDefault(Button button) noexcept {
   if (placeOf(buttons_, button) < 0) return ZoResult::refused;
@@ -59,9 +59,9 @@ int ZoMessageBox::setButton(Button button) noexcept {
   return ZoResult::ok;
 }
 
-int ZoMessageBox::forget(const ZoString& key) {
+int ZoMessageBox::forget(zo::TextParameter key) {
   auto* const settings = zo::serviceOrNull<ZoCfg>();
-  return settings ? settings->removeAt(zo::settingOf(key, L"answer")) : ZoResult::refused;
+  return settings ? settings->removeAt(zo::settingOf(ZoString(key), L"answer")) : ZoResult::refused;
 }
 
 int ZoMessageBox::taken(int button) noexcept {

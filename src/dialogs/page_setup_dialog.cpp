@@ -14,17 +14,28 @@ constexpr LONG kUnits = 100;        // the platform's hundredths in a mm
 
 ZoVariant length(double mm) noexcept { return {mm, ZoTypeCode::Length}; }
 ZoVariant fromUnits(LONG units) noexcept { return length(static_cast<double>(units) / kUnits); }
+ZoPageSetupDialog::Margins fromUnits(const RECT& units) noexcept {
+  return {fromUnits(units.left), fromUnits(units.top), fromUnits(units.right),
+          fromUnits(units.bottom)};
+}
 LONG toUnits(const ZoVariant& mm) noexcept {
   return static_cast<LONG>(std::lround(mm.asReal() * kUnits));
 }
+RECT toUnits(const ZoPageSetupDialog::Margins& mm) noexcept {
+  return {toUnits(mm.left), toUnits(mm.top), toUnits(mm.right), toUnits(mm.bottom)};
+}
 
-// A length of at least the smallest, in `out`.
-bool readLength(const ZoVariant& value, double smallest, double& out) noexcept {
+// A length in the platform's units, of at least the smallest; -1 for what is none.
+LONG readLength(const ZoVariant& value, LONG smallest) noexcept {
   double mm = 0;
-  if (!value.isNumber() || value.get(mm) != ZoResult::ok) return false;
-  if (!(mm >= smallest && mm <= kLargest)) return false;
-  out = mm;
-  return true;
+  if (!value.isNumber() || value.get(mm) != ZoResult::ok) return -1;
+  if (!(mm >= 0 && mm <= kLargest)) return -1;
+  const LONG units = toUnits(mm);
+  return units >= smallest ? units : -1;
+}
+
+bool leavesPaper(LONG width, LONG height, const RECT& margins) noexcept {
+  return margins.left + margins.right < width && margins.top + margins.bottom < height;
 }
 
 // Papers that drivers know by number; width and height upright, in hundredths of a mm.
@@ -82,22 +93,19 @@ ZoPageSetupDialog::ZoPageSetupDialog()
       margins_{length(25), length(25), length(25), length(25)} {}
 
 int ZoPageSetupDialog::setPaper(const ZoVariant& width, const ZoVariant& height) {
-  constexpr double kSmallest = 1.0 / kUnits;
-  double wide = 0, high = 0;
-  if (!readLength(width, kSmallest, wide) || !readLength(height, kSmallest, high))
-    return ZoResult::refused;
-  width_ = length(wide);
-  height_ = length(high);
+  const LONG wide = readLength(width, 1), high = readLength(height, 1);
+  if (wide < 0 || high < 0 || !leavesPaper(wide, high, toUnits(margins_))) return ZoResult::refused;
+  width_ = fromUnits(wide);
+  height_ = fromUnits(high);
   return ZoResult::ok;
 }
 
 int ZoPageSetupDialog::setMargins(const Margins& margins) {
-  double left = 0, top = 0, right = 0, bottom = 0;
-  if (!readLength(margins.left, 0, left) || !readLength(margins.top, 0, top) ||
-      !readLength(margins.right, 0, right) || !readLength(margins.bottom, 0, bottom))
-    return ZoResult::refused;
-  if (left + right >= width_.asReal() || top + bottom >= height_.asReal()) return ZoResult::refused;
-  margins_ = {length(left), length(top), length(right), length(bottom)};
+  const RECT read = {readLength(margins.left, 0), readLength(margins.top, 0),
+                     readLength(margins.right, 0), readLength(margins.bottom, 0)};
+  if (read.left < 0 || read.top < 0 || read.right < 0 || read.bottom < 0) return ZoResult::refused;
+  if (!leavesPaper(toUnits(width_), toUnits(height_), read)) return ZoResult::refused;
+  margins_ = fromUnits(read);
   return ZoResult::ok;
 }
 
@@ -111,14 +119,12 @@ int ZoPageSetupDialog::run(HWND__* owner) {
     request.Flags =
         PSD_INHUNDREDTHSOFMILLIMETERS | PSD_MARGINS | PSD_NOWARNING | PSD_ENABLEPAGESETUPHOOK;
     request.ptPaperSize = {toUnits(width_), toUnits(height_)};
-    request.rtMargin = {toUnits(margins_.left), toUnits(margins_.top), toUnits(margins_.right),
-                        toUnits(margins_.bottom)};
+    request.rtMargin = toUnits(margins_);
     request.lpfnPageSetupHook = &zo::ShownHook::proc;
   });
   if (error != ERROR_SUCCESS) return failed(error);
   width_ = fromUnits(request.ptPaperSize.x);
   height_ = fromUnits(request.ptPaperSize.y);
-  margins_ = {fromUnits(request.rtMargin.left), fromUnits(request.rtMargin.top),
-              fromUnits(request.rtMargin.right), fromUnits(request.rtMargin.bottom)};
+  margins_ = fromUnits(request.rtMargin);
   return ZoResult::ok;
 }

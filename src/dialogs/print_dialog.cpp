@@ -15,25 +15,32 @@ DWORD flagOf(ZoPrintDialog::Range range) noexcept {
 
 }  // namespace
 
-int ZoPrintDialog::setPages(unsigned int first, unsigned int last) noexcept {
+int ZoPrintDialog::setPages(zo::NotNegative<unsigned int> first,
+                            zo::NotNegative<unsigned int> last) noexcept {
   if (first > last || last > kLastPage || (first == 0 && last > 0)) return ZoResult::refused;
   first_ = first;
   last_ = last;
-  if (range_ == kPages && (from_ < first || to_ > last)) range_ = kAll;
+  if (range_ == kPages && (from_ < first || to_ > last)) return setRange(kAll);
   return ZoResult::ok;
 }
 
-int ZoPrintDialog::setRange(Range range, unsigned int from, unsigned int to) noexcept {
+void ZoPrintDialog::setSelection(bool offered) noexcept {
+  selection_ = offered;
+  if (!offered && range_ == kSelection) range_ = kAll;
+}
+
+int ZoPrintDialog::setRange(Range range, zo::NotNegative<unsigned int> from,
+                            zo::NotNegative<unsigned int> to) noexcept {
   if (range == kSelection && !selection_) return ZoResult::refused;
   if (range == kPages && (first_ == 0 || from < first_ || from > to || to > last_))
     return ZoResult::refused;
   range_ = range;
-  from_ = range == kPages ? from : 0;
-  to_ = range == kPages ? to : 0;
+  from_ = to_ = 0;
+  if (range == kPages) from_ = from, to_ = to;
   return ZoResult::ok;
 }
 
-int ZoPrintDialog::setCopies(unsigned int copies) noexcept {
+int ZoPrintDialog::setCopies(zo::NotNegative<unsigned int> copies) noexcept {
   if (copies < 1 || copies > kMostCopies) return ZoResult::refused;
   copies_ = copies;
   return ZoResult::ok;

@@ -60,9 +60,9 @@ zo::TaskDialogAnswer zo::TaskDialogCall::ask(HWND owner) noexcept {
   return answer;
 }
 
-int ZoTaskDialog::addButton(int number, ZoString text) {
-  if (number < kFirstNumber || text.isEmpty() || hasButton(number)) return ZoResult::refused;
-  buttons_.push_back({number, std::move(text)});
+int ZoTaskDialog::addButton(int number, zo::TextParameter text) {
+  if (number < kFirstNumber || text.empty() || hasButton(number)) return ZoResult::refused;
+  buttons_.push_back({number, ZoString(text)});
   return ZoResult::ok;
 }
 
@@ -84,8 +84,8 @@ int ZoTaskDialog::setButton(int number) noexcept {
   return ZoResult::ok;
 }
 
-void ZoTaskDialog::setTick(ZoString text, bool ticked) {
-  tick_ = std::move(text);
+void ZoTaskDialog::setTick(zo::TextParameter text, bool ticked) {
+  tick_ = text;
   ticked_ = ticked;
 }
 

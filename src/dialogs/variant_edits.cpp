@@ -37,7 +37,7 @@ const ZoVariant* ZoVariantEdits::reach(std::wstring_view path) const {
   return found && !found->isFlagged(ZoFlagConstant) ? found : nullptr;
 }
 
-bool ZoVariantEdits::isEditable(std::wstring_view path) const {
+bool ZoVariantEdits::isEditable(zo::TextParameter path) const {
   const ZoVariant* const found = reach(path);
   return found && isValueEditable(*found);
 }
@@ -50,7 +50,7 @@ int ZoVariantEdits::replace(std::wstring_view path, ZoVariant value) {
   return run({Step::kSwap, ZoString(path), {}, {}, 0, 0, std::move(value)});
 }
 
-int ZoVariantEdits::setText(std::wstring_view path, std::wstring_view text) {
+int ZoVariantEdits::setText(zo::TextParameter path, zo::TextParameter text) {
   const ZoVariant* const old = reach(path);
   if (!old || !isValueEditable(*old) || isContainer(*old)) return ZoResult::refused;
   if (!old->isEmpty() && textOf(*old) == text) return ZoResult::ok;
@@ -60,25 +60,25 @@ int ZoVariantEdits::setText(std::wstring_view path, std::wstring_view text) {
   return replace(path, std::move(value));
 }
 
-int ZoVariantEdits::setValue(std::wstring_view path, ZoVariant value) {
+int ZoVariantEdits::setValue(zo::TextParameter path, ZoVariant value) {
   return isEditable(path) ? replace(path, std::move(value)) : ZoResult::refused;
 }
 
-int ZoVariantEdits::setCode(std::wstring_view path, ZoTypeCode code) {
+int ZoVariantEdits::setCode(zo::TextParameter path, ZoTypeCode code) {
   if (!isEditable(path)) return ZoResult::refused;
   ZoVariant value(*value_.find(path));
   if (value.setCode(code) != ZoResult::ok) return ZoResult::refused;
   return replace(path, std::move(value));
 }
 
-int ZoVariantEdits::setFlags(std::wstring_view path, unsigned int flags) {
+int ZoVariantEdits::setFlags(zo::TextParameter path, zo::NotNegative<unsigned int> flags) {
   if (!isEditable(path)) return ZoResult::refused;
   ZoVariant value(*value_.find(path));
   value.setFlags(flags);
   return replace(path, std::move(value));
 }
 
-int ZoVariantEdits::add(std::wstring_view path, std::wstring_view key, ZoVariant value) {
+int ZoVariantEdits::add(zo::TextParameter path, zo::TextParameter key, ZoVariant value) {
   const ZoVariant* const container = reach(path);
   if (!container || key.empty()) return ZoResult::refused;
   const unsigned int depth = zo::depthOf(path) + 1;
@@ -92,7 +92,8 @@ int ZoVariantEdits::add(std::wstring_view path, std::wstring_view key, ZoVariant
   return run({Step::kAdd, ZoString(path), ZoString(key), {}, 0, 0, std::move(value)});
 }
 
-int ZoVariantEdits::insert(std::wstring_view path, unsigned int position, ZoVariant value) {
+int ZoVariantEdits::insert(zo::TextParameter path, zo::NotNegative<unsigned int> position,
+                           ZoVariant value) {
   const ZoVariant* const container = reach(path);
   if (!container || !container->asSequence() || position > container->entries())
     return ZoResult::refused;
@@ -101,28 +102,29 @@ int ZoVariantEdits::insert(std::wstring_view path, unsigned int position, ZoVari
   return run({Step::kAdd, ZoString(path), {}, {}, position, 0, std::move(value)});
 }
 
-int ZoVariantEdits::remove(std::wstring_view path) {
+int ZoVariantEdits::remove(zo::TextParameter path) {
   if (path.empty() || !reach(path)) return ZoResult::refused;
   const zo::LastStep last(value_, path);
   return run({Step::kTake, last.outer, last.key, {}, last.position, 0, {}});
 }
 
-int ZoVariantEdits::rename(std::wstring_view path, std::wstring_view key) {
+int ZoVariantEdits::rename(zo::TextParameter path, zo::TextParameter key) {
   if (path.empty() || key.empty() || !reach(path)) return ZoResult::refused;
   const zo::LastStep last(value_, path);
   const ZoVariant& container = last.container(value_);
-  if (!container.asDict() || last.key == key) return ZoResult::refused;
+  if (!container.asDict()) return ZoResult::refused;
+  if (last.key == key) return ZoResult::ok;
   const ZoVariant* const other = container.at(key);
   if (other && other != value_.find(path)) return ZoResult::refused;
   return run({Step::kRename, last.outer, last.key, ZoString(key), 0, 0, {}});
 }
 
-int ZoVariantEdits::move(std::wstring_view path, unsigned int position) {
+int ZoVariantEdits::move(zo::TextParameter path, zo::NotNegative<unsigned int> position) {
   if (path.empty() || !reach(path)) return ZoResult::refused;
   const zo::LastStep last(value_, path);
   const ZoVariant& container = last.container(value_);
-  if (!container.asSequence() || position >= container.entries() || position == last.position)
-    return ZoResult::refused;
+  if (!container.asSequence() || position >= container.entries()) return ZoResult::refused;
+  if (position == last.position) return ZoResult::ok;
   return run({Step::kMove, last.outer, {}, {}, last.position, position, {}});
 }
 

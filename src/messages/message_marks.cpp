@@ -2,7 +2,7 @@
 
 #include "messages/markup.h"
 
-std::vector<ZoMessageMark> zoMessageMarks(std::wstring_view text) {
+std::vector<ZoMessageMark> zoMessageMarks(zo::TextParameter text) {
   std::vector<ZoMessageMark> marks;
   zo::MarkupReader reader(text);
   while (true) {

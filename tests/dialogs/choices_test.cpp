@@ -261,6 +261,11 @@ TEST_F(Choices, PagesPapersAndMarginsAreChecked) {
   EXPECT_EQ(print.setRange(ZoPrintDialog::kPages, 4, 9), 0);
   EXPECT_EQ(print.setPages(1, 5), 0);
   EXPECT_EQ(print.range(), ZoPrintDialog::kAll);
+  EXPECT_EQ(print.fromPage() + print.toPage(), 0u);
+  print.setSelection(true);
+  EXPECT_EQ(print.setRange(ZoPrintDialog::kSelection), 0);
+  print.setSelection(false);
+  EXPECT_EQ(print.range(), ZoPrintDialog::kAll);
   for (const unsigned copies : {0u, 10000u}) EXPECT_EQ(print.setCopies(copies), ZoResult::refused);
   ZoPageSetupDialog page;
   const double nan = std::numeric_limits<double>::quiet_NaN();
@@ -271,6 +276,14 @@ TEST_F(Choices, PagesPapersAndMarginsAreChecked) {
   EXPECT_EQ(page.setMargins({100, 0, 109, -1}), ZoResult::refused);
   EXPECT_EQ(page.setMargins({100, 0, 109, 0}), 0);
   EXPECT_EQ(page.margins().left.code(), ZoTypeCode::Length);
+  EXPECT_EQ(page.setPaper(209, 297), ZoResult::refused) << "nothing between the margins";
+  EXPECT_EQ(page.setMargins({5, 0, 5.004, 0}), 0);
+  EXPECT_EQ(page.margins().right.asReal(), 5);
+  EXPECT_EQ(page.setPaper(10.004, 20), ZoResult::refused);
+  EXPECT_EQ(page.setPaper(10.006, 20.004), 0);
+  EXPECT_EQ(page.width().asReal(), 10.01);
+  EXPECT_EQ(page.height().asReal(), 20);
+  EXPECT_EQ(page.setPaper(20, 0.004), ZoResult::refused);
 }
 
 TEST_F(Choices, DialogsNestAndAreOwned) {

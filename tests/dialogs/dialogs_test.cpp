@@ -57,7 +57,7 @@ void PrintTo(const Case& c, std::ostream* out) { *out << c.name; }
 template <class Dialog, class... Arguments>
 auto make(Arguments... arguments) {
   auto dialog = std::make_unique<Dialog>(std::move(arguments)...);
-  dialog->setTitle(L"Title \u00DC");
+  dialog->setTitle(std::wstring(L"Title \u00DC"));
   return dialog;
 }
 
@@ -106,7 +106,9 @@ ZoVariant part() {
 
 const Case kCases[] = {
     {"message_box",
-     [](auto&) { return make<ZoMessageBox>(L"Replace?", ZoMessageBox::kYesNoCancel); },
+     [](auto&) {
+       return make<ZoMessageBox>(std::wstring(L"Replace?"), ZoMessageBox::kYesNoCancel);
+     },
      {},
      IDNO,
      L"0",
@@ -240,7 +242,10 @@ TEST_P(EveryDialog, SaysWhyItIsNotShown) {
     const zo::test::NoWindows none;
     EXPECT_EQ(dialog->show(), ZoResult::notShown);
   }
-  EXPECT_FALSE(dialog->errorTxt().isEmpty());
+  const std::wstring reason(dialog->errorTxt().view());
+  ASSERT_FALSE(reason.empty());
+  EXPECT_GT(reason.back(), L' ') << "no line break";
+  EXPECT_EQ(reason.find(L"handle"), std::wstring::npos) << dialog->errorTxt().toUtf8();
   EXPECT_EQ(valueOf(*dialog), before);
 }
 

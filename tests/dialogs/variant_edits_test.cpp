@@ -96,6 +96,33 @@ TEST(VariantEdits, AShownTextChangesNothingHoweverItIsRounded) {
   EXPECT_EQ(ZoVariantEdits::textOf(edits.value().value(L"coated")), L"true");
 }
 
+TEST(VariantEdits, TheSameNameAndPlaceChangeNothing) {
+  ZoVariantEdits edits(sample());
+  EXPECT_EQ(edits.rename(L"NAME", L"name"), 0);
+  EXPECT_EQ(edits.move(L"holes/1", 1), 0);
+  EXPECT_EQ(edits.undoCount(), 0u);
+  EXPECT_EQ(edits.rename(L"fixed/in", L"in"), 1) << "not to be edited";
+  edits.setReadOnly(true);
+  EXPECT_EQ(edits.move(L"holes/1", 1), 1);
+}
+
+TEST(VariantEdits, NullPointersAreEmptyTexts) {
+  const wchar_t* const null = nullptr;
+  ZoVariantEdits edits(sample());
+  EXPECT_EQ(edits.elements(null).size(), edits.elements(L"").size());
+  EXPECT_TRUE(edits.isEditable(null));
+  EXPECT_EQ(edits.setText(L"name", null), 0);
+  EXPECT_EQ(edits.value().text(L"name"), L"");
+  for (const int code :
+       {edits.setText(null, null), edits.setCode(null, ZoTypeCode::Length),
+        edits.add(null, null, 1), edits.insert(null, 0, 1), edits.remove(null),
+        edits.rename(null, null), edits.rename(L"name", null), edits.move(null, 0)})
+    EXPECT_EQ(code, 1);
+  EXPECT_EQ(edits.setFlags(null, ZoFlagGlobal), 0);
+  EXPECT_EQ(edits.setValue(null, 1), 0);
+  EXPECT_EQ(edits.value(), ZoVariant(1));
+}
+
 TEST(VariantEdits, WhatIsNotToBeEditedStays) {
   int variable = 5;
   ZoVariant value = sample();

@@ -258,6 +258,7 @@ TEST(MessageMarks, AreFoundInTheOrderOfTheText) {
                          mark(Mark::kArgument, 13, 2, 3), mark(Mark::kReference, 16, 9, 16, L"f"),
                          mark(Mark::kReference, 29, 4, 7)}));
   EXPECT_TRUE(zoMessageMarks(L"plain").empty());
+  EXPECT_TRUE(zoMessageMarks(static_cast<const wchar_t*>(nullptr)).empty());
 }
 
 }  // namespace

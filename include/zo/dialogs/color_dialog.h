@@ -19,6 +19,8 @@ class ZO_COM_API ZoColorDialog : public ZoDialog {
   [[nodiscard]] const ZoColor& color() const noexcept { return color_; }
   // Whether the palette is offered; at first it is.
   void setPalette(bool offered) noexcept { palette_ = offered; }
+  template <zo::NoTruthValue T>
+  void setPalette(T) = delete;  // true or false
 
  protected:
   int run(HWND__* owner) override;

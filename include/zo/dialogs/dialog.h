@@ -18,10 +18,15 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/names/no_truth_value.h>
 #include <zo/platform_types.h>
 #include <zo/results.h>
+#include <zo/text/not_negative.h>
 #include <zo/text/string.h>
+#include <zo/text/text_parameter.h>
 
+#include <concepts>
+#include <cstddef>
 #include <functional>
 #include <utility>
 
@@ -36,12 +41,13 @@ class ZO_COM_API ZoDialog {
   virtual ~ZoDialog();
 
   // What stands in the title bar; empty for the platform's own words, of which messages have none.
-  void setTitle(ZoString title) { title_ = std::move(title); }
+  void setTitle(zo::TextParameter title) { title_ = title; }
   [[nodiscard]] const ZoString& title() const noexcept { return title_; }
 
   // Asks the user. Null for the owner is ZoDialogs::owner().
   [[nodiscard]] int show(HWND__* owner = nullptr);
-  // Why the last show() gave notShown, in the platform's words; else empty.
+  // Why the last show() gave notShown, mostly in the platform's words, without a line break at the
+  // end; else empty.
   [[nodiscard]] const ZoString& errorTxt() const noexcept { return error_; }
 
  protected:

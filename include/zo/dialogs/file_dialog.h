@@ -35,19 +35,20 @@ class ZO_COM_API ZoFileDialog : public ZoDialog {
 
   // Which files are shown; none: all. Patterns stand between semicolons, blanks around them do not
   // count; refused when there is none or a zero character in them. An empty name is the patterns.
-  [[nodiscard]] int addFilter(const ZoString& name, const ZoString& patterns);
+  [[nodiscard]] int addFilter(zo::TextParameter name, zo::TextParameter patterns);
+  int addFilter(std::same_as<std::nullptr_t> auto, zo::TextParameter) = delete;  // L"": no name
   // By the extensions of a kind, which are all that counts here; kAnyFile is all files.
   void addFilter(ZoFileName::FileKind kind);
   [[nodiscard]] const std::vector<Filter>& filters() const noexcept { return filters_; }
   // The filter in use, from 0: at first, and as the user left it. Refused when there is no such
   // filter. A name to save that is typed without an extension gets that of the filter.
-  [[nodiscard]] int setFilter(unsigned int index) noexcept;
+  [[nodiscard]] int setFilter(zo::NotNegative<unsigned int> index) noexcept;
   [[nodiscard]] unsigned int filter() const noexcept { return filter_; }
 
   void setFolder(const ZoFileName& folder) { folder_ = folder; }
   [[nodiscard]] const ZoFileName& folder() const noexcept { return folder_; }
   // Keeps the folder of what was taken in the setting "dialogs@KEY@folder", one for each purpose.
-  void remember(ZoString key) { key_ = std::move(key); }
+  void remember(zo::TextParameter key) { key_ = key; }
 
   // Libraries, files of names that fit one of these patterns, are then opened rather than taken: a
   // second window shows their members by folders and filters, and what is taken there is
@@ -55,7 +56,7 @@ class ZO_COM_API ZoFileDialog : public ZoDialog {
   // the files again. The patterns are added to the filters of files. What only looks like a library
   // is a file as any other. For opening; to save, libraries are files. Empty ends it. Refused with
   // a zero character.
-  [[nodiscard]] int browseLibraries(const ZoString& patterns);
+  [[nodiscard]] int browseLibraries(zo::TextParameter patterns);
   [[nodiscard]] const ZoString& libraries() const noexcept { return libraries_; }
 
   // The name that stands in the dialog at first; afterwards what was taken. file() is empty where

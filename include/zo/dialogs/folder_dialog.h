@@ -17,7 +17,7 @@ class ZO_COM_API ZoFolderDialog : public ZoDialog {
   [[nodiscard]] const ZoFileName& folder() const noexcept { return folder_; }
   // Keeps what was taken in the setting "dialogs@KEY@folder" and begins there, unless a folder is
   // set; shared with a ZoFileDialog of the same key.
-  void remember(ZoString key) { key_ = std::move(key); }
+  void remember(zo::TextParameter key) { key_ = key; }
 
  protected:
   int run(HWND__* owner) override;

@@ -24,7 +24,9 @@ class ZO_COM_API ZoMessageBox : public ZoDialog {
   };
   enum Button : int { kNone = 0, kOkButton = 1, kCancel = 2, kYes = 6, kNo = 7 };
 
-  explicit ZoMessageBox(ZoString text, Buttons buttons = kOk, Icon icon = kInformation);
+  explicit ZoMessageBox(zo::TextParameter text, Buttons buttons = kOk, Icon icon = kInformation);
+  template <std::same_as<std::nullptr_t> T>
+  explicit ZoMessageBox(T, Buttons = kOk, Icon = kInformation) = delete;  // the text; show(owner)
 
   [[nodiscard]] const ZoString& text() const noexcept { return text_; }
   [[nodiscard]] Buttons buttons() const noexcept { return buttons_; }
@@ -36,9 +38,10 @@ class ZO_COM_API ZoMessageBox : public ZoDialog {
   // Adds the box to tick. When the user ticks it, the button (but Cancel) is kept in the setting
   // "dialogs@KEY@answer", and show() gives it from then on without showing anything. Where the
   // platform has no such box, the message is shown every time.
-  void remember(ZoString key) { key_ = std::move(key); }
+  void remember(zo::TextParameter key) { key_ = key; }
   // Shows it again. Returns 0, or refused when there was nothing to forget.
-  [[nodiscard]] static int forget(const ZoString& key);
+  [[nodiscard]] static int forget(zo::TextParameter key);
+  static int forget(std::same_as<std::nullptr_t> auto) = delete;  // the key of remember()
 
   // The button that was pressed, or kept; kNone before that. For an answer to set: refused when
   // the box has no such button.

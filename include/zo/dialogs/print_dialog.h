@@ -26,22 +26,32 @@ class ZO_COM_API ZoPrintDialog : public ZoDialog {
   [[nodiscard]] const ZoPrinter& printer() const noexcept { return printer_; }
 
   // What can be printed: pages from first to last; 0 and 0 where pages are not counted. Refused
-  // when they are not in order or above 65535.
-  [[nodiscard]] int setPages(unsigned int first, unsigned int last) noexcept;
-  void setSelection(bool offered) noexcept { selection_ = offered; }  // whether there is one
+  // when they are not in order or above 65535. A range that does not lie within becomes kAll.
+  [[nodiscard]] int setPages(zo::NotNegative<unsigned int> first,
+                             zo::NotNegative<unsigned int> last) noexcept;
+  // Whether there is a selection. Where there is none any more, its range becomes kAll.
+  void setSelection(bool offered) noexcept;
+  template <zo::NoTruthValue T>
+  void setSelection(T) = delete;  // true or false
 
-  // What is printed; kPages are those from fromPage() to toPage(). Refused when it is not offered.
-  [[nodiscard]] int setRange(Range range, unsigned int from = 0, unsigned int to = 0) noexcept;
+  // What is printed; kPages are those from fromPage() to toPage(), which are 0 else. Refused when
+  // it is not offered.
+  [[nodiscard]] int setRange(Range range, zo::NotNegative<unsigned int> from = 0U,
+                             zo::NotNegative<unsigned int> to = 0U) noexcept;
   [[nodiscard]] Range range() const noexcept { return range_; }
   [[nodiscard]] unsigned int fromPage() const noexcept { return from_; }
   [[nodiscard]] unsigned int toPage() const noexcept { return to_; }
 
   // From 1 to 9999.
-  [[nodiscard]] int setCopies(unsigned int copies) noexcept;
+  [[nodiscard]] int setCopies(zo::NotNegative<unsigned int> copies) noexcept;
   [[nodiscard]] unsigned int copies() const noexcept { return copies_; }
   void setCollated(bool collated) noexcept { collated_ = collated; }
+  template <zo::NoTruthValue T>
+  void setCollated(T) = delete;  // true or false
   [[nodiscard]] bool isCollated() const noexcept { return collated_; }
   void setToFile(bool toFile) noexcept { toFile_ = toFile; }
+  template <zo::NoTruthValue T>
+  void setToFile(T) = delete;  // true or false
   [[nodiscard]] bool isToFile() const noexcept { return toFile_; }
 
  protected:
@@ -54,7 +64,7 @@ class ZO_COM_API ZoPrintDialog : public ZoDialog {
   bool selection_ = false, collated_ = false, toFile_ = false;
 };
 
-// Sizes are lengths: reals of code Length, in mm, kept to the hundredth that the platform knows.
+// Sizes are lengths: reals of code Length, in mm, rounded to the platform's hundredths.
 class ZO_COM_API ZoPageSetupDialog : public ZoDialog {
  public:
   struct Margins {
@@ -67,7 +77,8 @@ class ZO_COM_API ZoPageSetupDialog : public ZoDialog {
   [[nodiscard]] const ZoPrinter& printer() const noexcept { return printer_; }
 
   // At first 210 mm wide and 297 mm high; a paper that is wider than high lies on its side. Refused
-  // is what is no number, not above 0, or more than 10 m.
+  // is what is no number, not above 0 when it is rounded, more than 10 m, or leaves nothing between
+  // the margins: for a small paper set these first.
   [[nodiscard]] int setPaper(const ZoVariant& width, const ZoVariant& height);
   [[nodiscard]] const ZoVariant& width() const noexcept { return width_; }
   [[nodiscard]] const ZoVariant& height() const noexcept { return height_; }

@@ -24,13 +24,15 @@ class ZO_COM_API ZoTaskDialog : public ZoDialog {
   static constexpr int kFirstNumber = 100;
 
   ZoTaskDialog() = default;
-  explicit ZoTaskDialog(ZoString instruction) : instruction_(std::move(instruction)) {}
+  explicit ZoTaskDialog(zo::TextParameter instruction) : instruction_(instruction) {}
+  template <std::same_as<std::nullptr_t> T>
+  explicit ZoTaskDialog(T) = delete;  // the instruction; show(owner)
 
   // What the user is to decide or to know, in one line; then the explanation; then what is shown
   // only on demand.
-  void setInstruction(ZoString text) { instruction_ = std::move(text); }
-  void setText(ZoString text) { text_ = std::move(text); }
-  void setDetails(ZoString text) { details_ = std::move(text); }
+  void setInstruction(zo::TextParameter text) { instruction_ = text; }
+  void setText(zo::TextParameter text) { text_ = text; }
+  void setDetails(zo::TextParameter text) { details_ = text; }
   void setIcon(ZoMessageBox::Icon icon) noexcept { icon_ = icon; }  // a question has none here
   [[nodiscard]] const ZoString& instruction() const noexcept { return instruction_; }
   [[nodiscard]] const ZoString& text() const noexcept { return text_; }
@@ -39,21 +41,28 @@ class ZO_COM_API ZoTaskDialog : public ZoDialog {
 
   // A button of one's own; its number is refused below kFirstNumber and when it is there already,
   // its text when it is empty. Cancel is added behind them; without any there is OK alone.
-  [[nodiscard]] int addButton(int number, ZoString text);
+  [[nodiscard]] int addButton(int number, zo::TextParameter text);
+  int addButton(std::same_as<bool> auto, zo::TextParameter) = delete;  // from kFirstNumber on
   [[nodiscard]] const std::vector<Choice>& buttons() const noexcept { return buttons_; }
   // As large buttons below each other; in their texts what follows a line break is a remark.
   void setLinks(bool links) noexcept { links_ = links; }
+  template <zo::NoTruthValue T>
+  void setLinks(T) = delete;  // true or false
   // The button that Enter means. Refused when there is none of that number.
   [[nodiscard]] int setDefault(int number) noexcept;
+  int setDefault(std::same_as<bool> auto) = delete;  // the number of a button
 
   // The box to tick, with its text; an empty one takes it away.
-  void setTick(ZoString text, bool ticked = false);
+  void setTick(zo::TextParameter text, bool ticked = false);
+  template <zo::NoTruthValue T>
+  void setTick(zo::TextParameter, T) = delete;  // true or false
   [[nodiscard]] bool isTicked() const noexcept { return ticked_; }
 
   // The number of the button, or ZoMessageBox::kOkButton; 0 before that. For an answer to set:
   // refused when there is no such button.
   [[nodiscard]] int button() const noexcept { return button_; }
   [[nodiscard]] int setButton(int number) noexcept;
+  int setButton(std::same_as<bool> auto) = delete;  // the number of a button
 
  protected:
   int run(HWND__* owner) override;

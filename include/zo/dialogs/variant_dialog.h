@@ -30,13 +30,15 @@ class ZO_COM_API ZoVariantDialog : public ZoDialog {
 
   // Only to look at: there is no OK, and show() gives cancelled.
   void setReadOnly(bool readOnly) noexcept { readOnly_ = readOnly; }
+  template <zo::NoTruthValue T>
+  void setReadOnly(T) = delete;  // true or false
   [[nodiscard]] bool isReadOnly() const noexcept { return readOnly_; }
   // The user may leave out what does not differ from this one, and sees its values beside.
   void compareWith(ZoVariant other) { other_ = std::move(other); }
 
   // Keeps place and size of the window in the setting "dialogs@KEY@place"; an empty key keeps
   // nothing. "variant" unless set.
-  void remember(ZoString key) { key_ = std::move(key); }
+  void remember(zo::TextParameter key) { key_ = key; }
 
  protected:
   int run(HWND__* owner) override;

@@ -5,7 +5,8 @@
 //   if (edits.setText(L"bolts/0/length", L"2 in") == 0) edits.undo();
 //
 // It works on a copy; value() is that copy as it is now. A path leads to an element as in
-// ZoVariant::find; to an entry of the variant itself whose key is empty no path leads.
+// ZoVariant::find; to an entry of the variant itself whose key is empty no path leads. A null
+// pointer is an empty text.
 //
 // Not to be edited: what is flagged ZoFlagConstant, with all that it holds; references, pointers
 // and texts of code Chunk; everything, once setReadOnly(true). What holds such a value can still be
@@ -22,8 +23,11 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/names/no_truth_value.h>
 #include <zo/parse/reg_exp.h>
+#include <zo/text/not_negative.h>
 #include <zo/text/string.h>
+#include <zo/text/text_parameter.h>
 #include <zo/variant/variant.h>
 #include <zo/variant/variant_report.h>
 
@@ -37,6 +41,8 @@ class ZO_COM_API ZoVariantEdits {
   [[nodiscard]] const ZoVariant& value() const noexcept { return value_; }
   // Edits are refused; undo and redo, too.
   void setReadOnly(bool readOnly) noexcept { readOnly_ = readOnly; }
+  template <zo::NoTruthValue T>
+  void setReadOnly(T) = delete;  // true or false
   [[nodiscard]] bool isReadOnly() const noexcept { return readOnly_; }
 
   // ---- Edits: each can be undone ----
@@ -44,24 +50,28 @@ class ZO_COM_API ZoVariantEdits {
   // service where the code is physical; "true" and "false" or a number for Bool; a whole GUID,
   // point or vector as ZoVariant reads it. An empty variant becomes a text. A container is refused.
   // What textOf() gives for the present value changes nothing, however it was rounded.
-  [[nodiscard]] int setText(std::wstring_view path, std::wstring_view text);
+  [[nodiscard]] int setText(zo::TextParameter path, zo::TextParameter text);
   // Any value in the place of what is there; flags are the new value's.
-  [[nodiscard]] int setValue(std::wstring_view path, ZoVariant value);
+  [[nodiscard]] int setValue(zo::TextParameter path, ZoVariant value);
   // Refused when the code does not fit the kind.
-  [[nodiscard]] int setCode(std::wstring_view path, ZoTypeCode code);
+  [[nodiscard]] int setCode(zo::TextParameter path, ZoTypeCode code);
   // May set ZoFlagConstant; taking it back is undo().
-  [[nodiscard]] int setFlags(std::wstring_view path, unsigned int flags);
+  [[nodiscard]] int setFlags(zo::TextParameter path, zo::NotNegative<unsigned int> flags);
+  [[nodiscard]] int setFlags(zo::TextParameter path, ZoTypeFlag flag) {
+    return setFlags(path, static_cast<unsigned int>(flag));
+  }
   // A new entry of a dictionary, or of an empty variant, which becomes one. Refused when the key is
   // empty or there.
-  [[nodiscard]] int add(std::wstring_view path, std::wstring_view key, ZoVariant value);
+  [[nodiscard]] int add(zo::TextParameter path, zo::TextParameter key, ZoVariant value);
   // A new element of a sequence, in front of the one at that position; its entries() is the end.
-  [[nodiscard]] int insert(std::wstring_view path, unsigned int position, ZoVariant value);
-  [[nodiscard]] int remove(std::wstring_view path);
-  // Another key for an entry; also the same one in other case. Refused when the key is empty or
-  // another entry has it.
-  [[nodiscard]] int rename(std::wstring_view path, std::wstring_view key);
-  // An element of a sequence to another position, counted without it.
-  [[nodiscard]] int move(std::wstring_view path, unsigned int position);
+  [[nodiscard]] int insert(zo::TextParameter path, zo::NotNegative<unsigned int> position,
+                           ZoVariant value);
+  [[nodiscard]] int remove(zo::TextParameter path);
+  // Another key for an entry, also the same one in other case; its own key changes nothing. Refused
+  // when the key is empty or another entry has it.
+  [[nodiscard]] int rename(zo::TextParameter path, zo::TextParameter key);
+  // An element of a sequence to another position, counted without it; its own changes nothing.
+  [[nodiscard]] int move(zo::TextParameter path, zo::NotNegative<unsigned int> position);
 
   [[nodiscard]] int undo();
   [[nodiscard]] int redo();
@@ -82,17 +92,17 @@ class ZO_COM_API ZoVariantEdits {
   };
   // Of a container, dictionaries by the code units of their keys. Valid until the next edit. None
   // for what is no container.
-  [[nodiscard]] std::vector<Element> elements(std::wstring_view path) const;
+  [[nodiscard]] std::vector<Element> elements(zo::TextParameter path) const;
   // The value as setText takes it; empty for containers and empty variants.
   [[nodiscard]] static ZoString textOf(const ZoVariant& value);
-  [[nodiscard]] bool isEditable(std::wstring_view path) const;
+  [[nodiscard]] bool isEditable(zo::TextParameter path) const;
 
   enum Where : unsigned int { kInNames = 1, kInValues = 2, kInNamesAndValues = 3 };
   // The paths of all elements whose name (the key) or text matches, in the order in which they are
   // seen, at most `most` of them. One in which the expression gives up does not match.
   [[nodiscard]] std::vector<ZoString> find(const ZoRegExp& expression,
                                            Where where = kInNamesAndValues,
-                                           unsigned int most = 0xFFFFFFFF) const;
+                                           zo::NotNegative<unsigned int> most = 0xFFFFFFFF) const;
   // From another variant to this one.
   [[nodiscard]] ZoVariantReport differencesFrom(const ZoVariant& other,
                                                 const ZoVariantReportOptions& options = {}) const {

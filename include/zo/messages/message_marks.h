@@ -7,6 +7,7 @@
 
 #include <zo/config.h>
 #include <zo/text/lasting_text.h>
+#include <zo/text/text_parameter.h>
 
 #include <string_view>
 #include <vector>
@@ -32,8 +33,9 @@ struct ZoMessageMark {
   friend bool operator==(const ZoMessageMark&, const ZoMessageMark&) = default;
 };
 
-// In the order of the text; a plural comes before the marks in it. The text as ZoMessageMap has it.
-[[nodiscard]] ZO_COM_API std::vector<ZoMessageMark> zoMessageMarks(std::wstring_view text);
+// In the order of the text; a plural comes before the marks in it. The text as ZoMessageMap has it;
+// a null pointer is an empty one.
+[[nodiscard]] ZO_COM_API std::vector<ZoMessageMark> zoMessageMarks(zo::TextParameter text);
 template <class Text>
   requires zo::TemporaryText<Text>
 std::vector<ZoMessageMark> zoMessageMarks(Text&&) = delete;  // marks look into a text with a name

@@ -2,7 +2,8 @@
 //
 // A file that the file search service does not find is looked for where the library's own lie: in
 // the folder "messages" beside the library's file, and in "share\zo_com\messages" beside the folder
-// that it lies in. These are zotype, zoflag and zoresult, in English and German.
+// that it lies in. These are zotype, zoflag, zoresult and zodialog, and those of the tools, zolib
+// and zoval, in English and German.
 //
 // Errors, Threads, Cost: as in zo/system/message.h. A message file has 64 MiB at most. A state of
 //          the service is freed as soon as no look-up that began in it is left.
