@@ -56,5 +56,5 @@ endif()
 # in one tree, as Visual Studio has them.
 string(REGEX REPLACE "^Ninja$" "Ninja Multi-Config" subproject_generator ${CMAKE_GENERATOR})
 add_test(NAME package.SubprojectTakesNoTestsOfOurs
-         COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_SOURCE_DIR}/subproject -B ${CMAKE_CURRENT_BINARY_DIR}/subproject
+         COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_SOURCE_DIR}/subproject --fresh -B ${CMAKE_CURRENT_BINARY_DIR}/subproject
                  -G "${subproject_generator}" -DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE} -DZO_DEPS_DIR=${ZO_DEPS_DIR})
