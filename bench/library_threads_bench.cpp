@@ -107,6 +107,7 @@ void readBy(unsigned threads) {
 }
 
 void run(benchmark::State& state, bool packs, unsigned threads) {
+  static_cast<void>(path());  // attaches, before threads begin
   static_cast<void>(sources());
   if (!packs) packBy(1);
   for (auto _ : state) packs ? packBy(threads) : readBy(threads);

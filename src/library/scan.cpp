@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
+#include <vector>
 
 namespace zo {
 namespace {
@@ -116,8 +118,14 @@ ContentTrailer trailerOf(ReadWindow& window, const RawEntry& entry) {
 }
 
 void ScanResult::takeRedo(std::vector<RawEntry> changes, std::uint64_t at) {
-  std::ranges::stable_sort(changes, {}, &RawEntry::position);
-  redo = std::move(changes);
+  std::vector<std::pair<std::uint64_t, std::size_t>> order;  // with the place: the last one counts
+  order.reserve(changes.size());
+  for (const RawEntry& change : changes) order.emplace_back(change.position, order.size());
+  std::ranges::sort(order);
+  std::vector<RawEntry> sorted;
+  sorted.reserve(changes.size());
+  for (const auto& next : order) sorted.push_back(std::move(changes[next.second]));
+  redo = std::move(sorted);
   redoPosition = at;
 }
 
