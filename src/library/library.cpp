@@ -75,6 +75,7 @@ template <class Operation, class Ref, class... Arguments>
 int changeOne(const std::shared_ptr<LibraryDoor>& door, const ZoFileName& member,
               const Operation& operation, const Ref& ref, const Arguments&... arguments) {
   const auto once = [&](LibraryState& library) {
+    // NOLINTNEXTLINE(misc-const-correctness): operations set it, which the check cannot see here
     std::size_t at = 0;
     return operation(library, std::span(&ref, 1), arguments..., at);
   };
