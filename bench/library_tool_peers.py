@@ -44,7 +44,8 @@ def frame_size(path):
 
 
 def quietly(*command):
-    subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
+    """Into a pipe: /dev/null is a terminal for Wine's programs, which then write each character by itself."""
+    subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, check=True)
 
 
 def source_tree(count):
