@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "parse/reg_exp_units.h"
+#include "parse/unitwise.h"
 
 namespace zo {
 namespace {
@@ -45,20 +46,6 @@ std::uint32_t flagsOf(ZoRegExp::Option options) noexcept {
   return flags | (has(ZoRegExp::kMultiLine) ? PCRE2_MULTILINE : kNone) |
          (has(ZoRegExp::kDotAll) ? PCRE2_DOTALL : kNone) |
          (has(ZoRegExp::kExtended) ? PCRE2_EXTENDED : kNone);
-}
-
-// Whether the pattern matches the same when it sees units instead of characters, so that surrogates
-// need no care: what it can match is ASCII, character by character. Escapes, . and [^ are not such,
-// nor are options and look-around after (?.
-bool isUnitwise(std::u16string_view pattern) noexcept {
-  for (std::size_t i = 0; i < pattern.size(); ++i) {
-    const char16_t c = pattern[i], next = i + 1 < pattern.size() ? pattern[i + 1] : u'\0';
-    if (c >= 0x80 || c == u'\\' || c == u'.') return false;
-    if (c == u'[' && (next == u'^' || next == u':')) return false;
-    if (c == u'(' && (next == u'*' || (next == u'?' && pattern.substr(i, 3) != u"(?:")))
-      return false;
-  }
-  return true;
 }
 
 // Where the class that begins at a place ends, and how it does: 0 if it holds what could end it
@@ -178,7 +165,8 @@ const RegExpCode* RegExpCode::make(std::u16string_view pattern, ZoRegExp::Option
 
 bool RegExpCode::compile(std::u16string_view pattern, RegExpError& error) noexcept {
   std::uint32_t flags = flagsOf(options_);
-  if ((flags & (PCRE2_CASELESS | PCRE2_LITERAL)) == 0 && isUnitwise(pattern)) {
+  if ((flags & (PCRE2_CASELESS | PCRE2_LITERAL)) == 0 &&
+      isUnitwise(pattern, (flags & PCRE2_EXTENDED) != 0)) {
     flags &= ~std::uint32_t{PCRE2_UTF | PCRE2_UCP};
   }
   // As in texts, U+FFFD stands for each surrogate that stands alone.

@@ -4,6 +4,8 @@
 #include <zo/parse.h>
 #include <zo/strings.h>
 
+#include <iterator>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -79,6 +81,42 @@ TEST(Search, BeginsAndEndsBetweenWholeCharactersAndLines) {
   EXPECT_EQ(empty.set(nothing), 0);
   EXPECT_EQ(empty.group(nothing), ZoRegExp::npos);
   EXPECT_EQ(ZoRegExp::escape(nothing), L"");
+}
+
+// All that a pattern finds, with its groups; as units where it may see them, else as characters.
+Places allOf(const std::wstring& pattern, const ZoString& text, bool* seesPairs = nullptr) {
+  const ZoRegExp expression(pattern);
+  Places places;
+  if (!expression.isValid()) return places;
+  if (seesPairs) *seesPairs = expression.code()->seesPairs();
+  for (const ZoSearch& match : ZoSearch(expression, text))
+    for (unsigned group = 0; group <= expression.groups(); ++group)
+      places.emplace_back(match.start(group), match.length(group));
+  return places;
+}
+
+TEST(Search, SeesUnitsOnlyWhereCharactersAreTheSame) {
+  constexpr const wchar_t* kPieces[] = {
+      L"a",   L"b", L"\\.", L"[^a]", L"[^ab]*", L"[^\\.]+", L".", L".*", L"[ab]", L"(",
+      L"(?:", L")", L"|",   L"*",    L"{2}",    L"?",       L"$", L"^",  L")*",   L"{"};
+  constexpr const wchar_t* kText[] = {L"a",      L"b",     L".", L"\n", L"\xD83D\xDE00",
+                                      L"\xD83D", L"\xDE00"};
+  std::mt19937 random(11);
+  unsigned wide = 0;
+  for (int i = 0; i < 100000; ++i) {
+    std::wstring pattern, text;
+    for (unsigned n = 1 + random() % 9; n > 0; --n)
+      pattern += kPieces[random() % std::size(kPieces)];
+    for (unsigned n = random() % 16; n > 0; --n) text += kText[random() % std::size(kText)];
+    bool seesPairs = true;
+    const Places places = allOf(pattern, ZoString(text), &seesPairs);
+    if (seesPairs) continue;
+    wide += pattern.find(L"[^") != pattern.npos || pattern.find(L"a.") != pattern.npos;
+    // Look-around that is always true has no part in the match but that it is one.
+    EXPECT_EQ(places, allOf(L"(?=)" + pattern, ZoString(text)))
+        << shown(pattern) << " in " << shown(text);
+  }
+  EXPECT_GT(wide, 500u);
 }
 
 TEST(Search, TellsItsGroups) {
