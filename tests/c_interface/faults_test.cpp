@@ -14,6 +14,7 @@
 
 #include "c_interface/client.h"
 #include "c_interface/handles.h"
+#include "support/documents.h"
 #include "support/temp_folder.h"
 #include "system/attached.h"
 #include "system/other_thread.h"
@@ -151,7 +152,7 @@ TEST_F(CInterface, DoesWhatItSaysForAClientInC) {
 }
 
 TEST_F(CInterface, EachFunctionWithAHandleIsInTheTable) {
-  std::ifstream file(ZO_SOURCE_ROOT "/include/zo_c.h");
+  std::ifstream file(zo::test::sourcePath("include/zo_c.h"));
   std::stringstream header;
   header << file.rdbuf();
   const std::string text = header.str();

@@ -15,6 +15,7 @@
 
 #include "headless/notices.h"
 #include "headless/standard_name.h"
+#include "support/documents.h"
 #include "support/registry_base.h"
 #include "support/temp_folder.h"
 #include "system/attached.h"
@@ -238,7 +239,7 @@ TEST(Standard, ComeFromFilesAndMembersOfLibrariesAndGoWithTheirModule) {
   const zo::test::TempFolder folder;
   Notices notices(L"ZoStandards");
   ZoStandardMgr& standards = ZoSystem::standardMgr();
-  const std::filesystem::path shipped = std::filesystem::path(ZO_SOURCE_ROOT) / L"share/standards";
+  const std::filesystem::path shipped = zo::test::sourcePath("share/standards");
   EXPECT_EQ(standards.addFile(ZoFileName(shipped / L"screws.example.txt"), L"mine"), 0);
   EXPECT_EQ(standards.addFile(ZoFileName(shipped / L"made-up.example.txt"), L"mine"), 0);
   EXPECT_EQ(notices.take(),
@@ -345,10 +346,8 @@ TEST(Standard, AHundredThousandAreFoundWhileAnotherThreadAdds) {
 // Whatever a file says, it is taken whole or refused, and what is there stays.
 TEST(Standard, ChangedFilesNeverBreakIt) {
   ZoString text;
-  ASSERT_EQ(zoReadText(ZoFileName(std::filesystem::path(ZO_SOURCE_ROOT) /
-                                  L"share/standards/screws.example.txt"),
-                       text),
-            0);
+  ASSERT_EQ(
+      zoReadText(ZoFileName(zo::test::sourcePath("share/standards/screws.example.txt")), text), 0);
   std::mt19937 random(3);
   for (int i = 0; i < 300; ++i) {
     std::wstring changed(text.view());

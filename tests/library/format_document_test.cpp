@@ -1,33 +1,10 @@
 // The hexdump of docs/formats/library.md is what the code writes and reads.
-#include <sstream>
-
 #include "library/format.h"
 #include "library/library_fixture.h"
 #include "library/write_lock.h"
-#include "support/file_bytes.h"
+#include "support/documents.h"
 
 using namespace zo::test;
-
-namespace {
-
-// The bytes of the document's hexdump: an offset of eight digits, two spaces, bytes with single
-// spaces, two spaces, a remark.
-std::string hexdump() {
-  std::string text = fileBytes(ZO_SOURCE_ROOT "/docs/formats/library.md");
-  std::erase(text, '\r');
-  const std::string opening = "```hexdump library\n";
-  std::istringstream lines(text.substr(text.find(opening) + opening.size()));
-  std::string bytes;
-  for (std::string line; std::getline(lines, line) && line != "```";) {
-    EXPECT_EQ(std::stoul(line.substr(0, 8), nullptr, 16), bytes.size()) << line;
-    for (std::size_t at = 10; at < line.size() && line[at] != ' '; at += 3) {
-      bytes += static_cast<char>(std::stoul(line.substr(at, 2), nullptr, 16));
-    }
-  }
-  return bytes;
-}
-
-}  // namespace
 
 TEST_F(LibraryTest, DocumentShowsWhatIsWritten) {
   ZoLibrary library;
@@ -44,7 +21,7 @@ TEST_F(LibraryTest, DocumentShowsWhatIsWritten) {
   ASSERT_EQ(library.deleteFile(L"a.txt"), 0);
   ASSERT_EQ(library.setCheckSum(0x0102030405060708), 0);
   ASSERT_EQ(library.close(), 0);
-  EXPECT_EQ(hexdump(), bytesOf(path_));
+  EXPECT_EQ(hexdumpOf("docs/formats/library.md", "hexdump library"), bytesOf(path_));
   for (std::size_t at = 455; at < 512 + 460; ++at) {
     EXPECT_EQ(zo::gateOf(at).offset, at % 512 >= 459 && at % 512 <= 461 ? 8u : 50u) << at;
   }

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "messages/message_fixture.h"
-#include "support/file_bytes.h"
+#include "support/documents.h"
 
 namespace {
 
@@ -187,19 +187,8 @@ TEST(MessageMap, WritesWhatItReadsBackAsTheSame) {
   EXPECT_EQ(written, rewritten);
 }
 
-// Bytes of the document's hexdump: an offset, two spaces, bytes, two spaces, a remark.
 TEST(MessageMap, ReadsTheDocumentsExample) {
-  std::string page = zo::test::fileBytes(ZO_SOURCE_ROOT "/docs/formats/message-file.md");
-  std::erase(page, '\r');
-  const std::string opening = "```hexdump messages\n";
-  ASSERT_NE(page.find(opening), std::string::npos);
-  std::istringstream lines(page.substr(page.find(opening) + opening.size()));
-  std::string bytes;
-  for (std::string line; std::getline(lines, line) && line != "```";) {
-    EXPECT_EQ(std::stoul(line.substr(0, 8), nullptr, 16), bytes.size()) << line;
-    for (std::size_t at = 10; at < line.size() && line[at] != ' '; at += 3)
-      bytes += static_cast<char>(std::stoul(line.substr(at, 2), nullptr, 16));
-  }
+  const std::string bytes = zo::test::hexdumpOf("docs/formats/message-file.md", "hexdump messages");
   ZoMessageMap map;
   Faults faults;
   ASSERT_EQ(map.parse(bytes, &faults), 0);

@@ -10,13 +10,14 @@
 #include "attach/result_table.h"
 #include "dialogs/dialog_texts.h"
 #include "messages/message_fixture.h"
+#include "support/documents.h"
 #include "support/file_bytes.h"
 #include "variant/code_names.h"
 #include "variant/type_texts.h"
 
 namespace {
 
-const std::string kFolder = ZO_SOURCE_ROOT "/share/messages/";
+const std::string kFolder = zo::test::sourcePath("share/messages/").string();
 constexpr const char* kNames[] = {"zotype", "zoflag", "zoresult", "zodialog"};
 
 class Writer {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "shown.h"
+#include "support/documents.h"
 #include "support/file_bytes.h"
 
 namespace zo::test {
@@ -31,7 +32,7 @@ TEST(RegExp, TheDocumentsExampleWorks) {
   EXPECT_EQ(name, L"screws 20 long M8 and 60 long M10");
 
   const auto blockOf = [](const char* file, bool isIndented) {
-    std::istringstream lines(fileBytes(std::string(ZO_SOURCE_ROOT) + file));
+    std::istringstream lines(fileBytes(sourcePath(file)));
     const std::string indent = isIndented ? "  " : "", mark = isIndented ? "// ```" : "```";
     std::string block, line;
     while (std::getline(lines, line) && !line.starts_with(indent + mark + "cpp")) continue;
@@ -39,8 +40,8 @@ TEST(RegExp, TheDocumentsExampleWorks) {
       block += line.substr(indent.size()) + '\n';
     return block;
   };
-  EXPECT_EQ(blockOf("/docs/regular-expressions.md", false),
-            blockOf("/tests/parse/reg_exp_document_test.cpp", true));
+  EXPECT_EQ(blockOf("docs/regular-expressions.md", false),
+            blockOf("tests/parse/reg_exp_document_test.cpp", true));
 }
 
 }  // namespace

@@ -7,48 +7,22 @@
 #include <zo/variant.h>
 
 #include <cstdlib>
-#include <sstream>
 #include <string>
 
 #include "persist/persist_support.h"
+#include "support/documents.h"
 
 using namespace zo;
 using namespace zo::test;
 
 namespace {
 
-std::string document(const char* name) {
-  const ByteVector bytes = sourceFile(std::string("docs/formats/") + name);
-  std::string text(bytes.begin(), bytes.end());
-  std::erase(text, '\r');
-  return text;
+ByteVector hexdump(const char* document, const char* title) {
+  const std::string bytes = hexdumpOf(document, title);
+  return {bytes.begin(), bytes.end()};
 }
 
-// What stands between a line "```TITLE" and "```".
-std::string block(const char* name, const std::string& title) {
-  const std::string text = document(name), opening = "```" + title + "\n";
-  const std::size_t begin = text.find(opening);
-  EXPECT_NE(begin, std::string::npos) << title;
-  if (begin == std::string::npos) return {};
-  const std::size_t first = begin + opening.size();
-  return text.substr(first, text.find("```", first) - first);
-}
-
-// The bytes of a hexdump: an offset of eight digits, two spaces, bytes with single spaces, two
-// spaces, a remark.
-ByteVector hexdump(const std::string& text) {
-  std::istringstream lines(text);
-  ByteVector bytes;
-  for (std::string line; std::getline(lines, line);) {
-    EXPECT_EQ(std::stoul(line.substr(0, 8), nullptr, 16), bytes.size()) << line;
-    for (std::size_t at = 10; at < line.size() && line[at] != ' '; at += 3) {
-      bytes.push_back(static_cast<unsigned char>(std::stoul(line.substr(at, 2), nullptr, 16)));
-    }
-  }
-  return bytes;
-}
-
-constexpr const char* kContainers = "compressed-container.md";
+constexpr const char* kContainers = "docs/formats/compressed-container.md";
 
 }  // namespace
 
@@ -65,7 +39,7 @@ TEST(FormatDocument, ArchiveIsWhatIsWrittenReadAndDumped) {
   write(archive);
   const auto* const first = reinterpret_cast<const unsigned char*>(archive.bytes().data());
   EXPECT_EQ(ByteVector(first, first + archive.bytes().size()),
-            hexdump(block("archive.md", "hexdump archive")));
+            hexdump("docs/formats/archive.md", "hexdump archive"));
   ZoMemoryReadArchive back(archive.bytes());
   ZoString text;
   ZoVector vector;
@@ -74,13 +48,13 @@ TEST(FormatDocument, ArchiveIsWhatIsWrittenReadAndDumped) {
   EXPECT_EQ(part.find(L"length/1")->asInt(), 7);
   ZoDumpArchive dump;
   write(dump);
-  const std::string expected = block("archive.md", "dump");
+  const std::string expected = blockOf("docs/formats/archive.md", "dump");
   EXPECT_EQ(dump.dump().view().substr(1),
             ZoString().setFromMB(expected.c_str()).strip(ZoString::trailing, L"\n").view());
 }
 
 TEST(FormatDocument, LzmaContainerIsWhatIsWrittenAndRead) {
-  const ByteVector bytes = hexdump(block(kContainers, "hexdump lzma"));
+  const ByteVector bytes = hexdump(kContainers, "hexdump lzma");
   char* out = nullptr;
   unsigned int size = 0;
   ASSERT_EQ(ZoCompress(ZoZip::normal)("M8x20 M8x40 M8x60", out, size), 0);
@@ -92,7 +66,7 @@ TEST(FormatDocument, LzmaContainerIsWhatIsWrittenAndRead) {
 }
 
 TEST(FormatDocument, LegacyContainerIsWhatIsRead) {
-  const ByteVector bytes = hexdump(block(kContainers, "hexdump legacy"));
+  const ByteVector bytes = hexdump(kContainers, "hexdump legacy");
   EXPECT_EQ(bytes, sourceFile("tests/data/implode/aiaia.std.legacy"));
   const Exploded exploded = explode(bytes);
   EXPECT_EQ(exploded.result, 0);

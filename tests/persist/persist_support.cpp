@@ -9,11 +9,12 @@
 #include <iterator>
 
 #include "bytes/little_endian.h"
+#include "support/documents.h"
 
 namespace zo::test {
 
 ByteVector sourceFile(const std::string& path) {
-  std::ifstream file(ZO_SOURCE_ROOT "/" + path, std::ios::binary);
+  std::ifstream file(sourcePath(path), std::ios::binary);
   EXPECT_TRUE(file.is_open()) << path;
   return {std::istreambuf_iterator<char>(file), {}};
 }

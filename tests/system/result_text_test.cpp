@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "support/documents.h"
+
 namespace {
 
 constexpr const char* kFamilies[] = {
@@ -61,7 +63,7 @@ TEST(ResultText, TheTableHasEveryConstantOfTheHeaders) {
   const std::regex constant(R"(inline constexpr int (\w+) = .*)");
   int seen = 0;
   for (const auto& file :
-       std::filesystem::recursive_directory_iterator(ZO_SOURCE_ROOT "/include/zo")) {
+       std::filesystem::recursive_directory_iterator(zo::test::sourcePath("include/zo"))) {
     bool inside = false;
     for (const std::string& line : linesOf(file.path())) {
       if (line.starts_with("namespace ZoResult")) inside = true;
@@ -87,7 +89,7 @@ TEST(ResultText, TheDocumentShowsTheTable) {
     before = &entry;
   }
   std::ranges::copy_if(
-      linesOf(ZO_SOURCE_ROOT "/docs/results.md"), std::back_inserter(found),
+      linesOf(zo::test::sourcePath("docs/results.md")), std::back_inserter(found),
       [](const std::string& s) { return s.starts_with("|") || s.starts_with("## "); });
   if (wanted == found) return;
   std::string text;

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/documents.h"
 #include "support/printers.h"
 #include "variant/code_names.h"
 
@@ -122,7 +123,7 @@ TEST(TypeCode, AndFlagHaveTheirRowsInTheDocument) {
   }
   EXPECT_EQ(wanted.size(), 73u + 14u);
 
-  std::ifstream document(ZO_SOURCE_ROOT "/docs/variant.md");
+  std::ifstream document(zo::test::sourcePath("docs/variant.md"));
   for (std::string line; std::getline(document, line);) {
     auto row = wanted.upper_bound(line);
     if (row != wanted.begin() && line.starts_with(*--row) && line.size() > row->size() + 3)

@@ -13,6 +13,7 @@
 #include <random>
 #include <string>
 
+#include "support/documents.h"
 #include "support/faulty_files.h"
 #include "support/file_bytes.h"
 #include "support/temp_folder.h"
@@ -499,13 +500,6 @@ TEST_P(VariantForms, CutsAndMutationsAreRefusedOrReadBack) {
 
 // ---- The documents ----
 
-std::string block(const char* document, const std::string& opening) {
-  std::string text = fileBytes(std::string(ZO_SOURCE_ROOT "/docs/formats/") + document);
-  std::erase(text, '\r');
-  const std::size_t begin = text.find(opening + "\n") + opening.size() + 1;
-  return text.substr(begin, text.find("```", begin) - begin);
-}
-
 ZoVariant documentsTree() {
   ZoPoint weighted(1, 2, 3);
   weighted.w = 0.5;
@@ -534,9 +528,9 @@ TEST(VariantFormsDocument, AreWhatTheDocumentsShow) {
   ZoXMLClass document;
   ASSERT_EQ(ZoXMLClass::fromVariant(documentsTree(), document), 0);
   ASSERT_EQ(document.save(name), 0);
-  EXPECT_EQ(block("xml.md", "```xml"), fileBytes(path)) << fileBytes(path);
+  EXPECT_EQ(blockOf("docs/formats/xml.md", "xml"), fileBytes(path)) << fileBytes(path);
   ASSERT_EQ(ZoJson::save(name, documentsTree()), 0);
-  EXPECT_EQ(block("json.md", "```json"), fileBytes(path)) << fileBytes(path);
+  EXPECT_EQ(blockOf("docs/formats/json.md", "json"), fileBytes(path)) << fileBytes(path);
 }
 
 }  // namespace

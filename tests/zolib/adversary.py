@@ -17,11 +17,12 @@ import random
 import shutil
 import subprocess
 import sys
-import tempfile
 import threading
 import time
 
-from tool import COMMAND, answer, files, run, start, write
+sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
+from parts import files
+from tool import COMMAND, answer, main, run, start, write
 
 LONG = "ZO_TEST_LONG" in os.environ
 rng = random.Random(int(os.environ.get("ADVERSARY_SEED", "1")))
@@ -307,8 +308,9 @@ def crowd():
     return tally
 
 
-with tempfile.TemporaryDirectory() as folder:
-    os.chdir(folder)
-    for what, count in sorted({"kills": kills, "crowd": crowd}[sys.argv[3]]().items()):
+def figures(check):
+    for what, count in sorted(check().items()):
         print(f"{count:6} {what}")
-    os.chdir("/")
+
+
+main({"kills": lambda: figures(kills), "crowd": lambda: figures(crowd)})

@@ -5,23 +5,19 @@ Every check gets a folder of its own as current folder. Nothing sleeps: where tw
 what the other says.
 """
 import base64
-import contextlib
 import json
 import os
 import pathlib
-import pty
 import re
 import resource
 import shutil
 import signal
 import subprocess
 import sys
-import tempfile
-import termios
 
-from tool import COMMAND, ROOT, TOOL, answer, files, foreign, members, run, start, tree, write
-
-CHECK = sys.argv[3]
+sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
+from parts import files, foreign, members, tree
+from tool import COMMAND, ROOT, TOOL, answer, completed, main, on_terminal, run, start, whole_manual, write
 
 
 def small_files():
@@ -108,7 +104,7 @@ def work():
 def versions():
     """Of several deleted members of a name any can be had back."""
     for content in (b"first", b"second", b"third"):
-        run("add", "v.lib", str(write("v.txt", content)), "-q")
+        run("add", "v.lib", write("v.txt", content), "-q")
         run("delete", "v.lib", "v.txt", "-q")
     os.remove("v.txt")
     for options, found in (([], b"third"), (["--first"], b"first")):
@@ -124,7 +120,7 @@ def versions():
     back = {m["name"]: m.get("to") for m in answer("recover", "v.lib", "v~1.txt", "v.txt", "--all")["members"]}
     assert back["v~1.txt"] is None and back["v.txt"] == "v~4.txt", back  # beside the member of the name
     for content in (b"first", b"second"):  # of a name that is deleted already no trace stays, either
-        run("add", "v.lib", str(write("w.txt", content)), "-q")
+        run("add", "v.lib", write("w.txt", content), "-q")
     run("delete", "v.lib", "w.txt", "-q")
     run("delete", "v.lib", "w.txt", "--physically", code=10, err=".*no member w.txt.*")
     run("delete", "v.lib", "w.txt", "--physically", "--versions", err=r"v\.lib: 1 member deleted\n")
@@ -164,7 +160,7 @@ def one_name():
 def numbers():
     """Every version has a number, by which it is read, brought back, renamed and removed; so has an odd name."""
     for content in (b"first", b"second"):
-        run("add", "v.lib", str(write("v.txt", content)), str(write("w.txt", content)), "-q")
+        run("add", "v.lib", write("v.txt", content), write("w.txt", content), "-q")
     listed = answer("list", "v.lib", "--versions")["members"]
     assert [m["state"] for m in listed] == ["deleted", "deleted", "ok", "ok"] and len({m["entry"] for m in listed}) == 4
     assert re.search(r"\n *@1 .* deleted +v.txt\n", run("list", "v.lib", "--versions").decode())
@@ -211,7 +207,7 @@ def twins():
     run("delete", "t.lib", "@1", "--physically", "-q")
     assert sorted(members("t.lib")) == ["a~1.TXT", "b", "second.txt"]
     for content in (b"1", b"2"):  # two versions that are named are both meant
-        run("add", "t.lib", str(write("v", content)), "-q")
+        run("add", "t.lib", write("v", content), "-q")
     run("delete", "t.lib", "v", "-q")
     both = [f"@{m['entry']}" for m in answer("list", "t.lib", "--deleted", "v")["members"]]
     run("recover", "t.lib", *both, code=2, err="zolib: cannot recover v: a member has that name; .*: 0 members.*")
@@ -407,7 +403,7 @@ def full():
 
 def many():
     """More arguments than a command line has room for, and what the wrapper passes on with them."""
-    names = [str(write(f"parts/{'x' * 60} {i}")) for i in range(700)]
+    names = [write(f"parts/{'x' * 60} {i}") for i in range(700)]
     os.environ.update(LANG="de_DE.UTF-8", LC_ALL="")
     wrapped = [str(ROOT / "scripts/tool-run"), TOOL]
     for args, code, said in ((["create", "a.lib", *names], 0, "a.lib: 700 neu"), (["list", "none.lib", *names], 10, "zolib: Die"),
@@ -638,22 +634,6 @@ def typed():
     assert code == 130 and members("a.lib") == ["typed"], (code, text)
 
 
-def on_terminal(*args, keys=b""):
-    """Exit code and output on a terminal; the keys are pressed when it asks for them."""
-    parent, child = pty.openpty()
-    worker = start(*args, stdin=child, stdout=child, stderr=child, start_new_session=True)
-    os.close(child)
-    text = b""
-    with contextlib.suppress(OSError):  # the end of a terminal reads as an error
-        while piece := os.read(parent, 4096):
-            text += piece
-            if keys and b"ends it" in text:
-                while termios.tcgetattr(parent)[3] & termios.ICANON:
-                    os.sched_yield()  # until it takes each key by itself
-                keys = keys[os.write(parent, keys):]
-    return worker.wait(), text
-
-
 def readme():
     """README's session is what the demo prints; sizes and times may differ."""
     printed = subprocess.run([ROOT / "scripts/demo"], capture_output=True, text=True, check=True).stdout
@@ -677,34 +657,20 @@ def completion():
     """The shell completes verbs, options of a verb, and members."""
     tree()
     run("create", "a.lib", "parts", "-q")
-    script = f"""
-        source {ROOT}/tools/zolib/completion/zolib.bash
-        zolib() {{ {' '.join(COMMAND)} "$@"; }}
-        try() {{ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); COMPREPLY=(); _zolib; printf '%s\\n' "${{COMPREPLY[@]}}" -; }}
-        try zolib re; try zolib extract a.lib --o; try zolib cat a.lib parts/b; try zolib add a.lib --mode b
-        try zolib cat a.lib parts/G"""
-    printed = subprocess.run(["bash", "-c", script], capture_output=True, text=True).stdout.split("-\n")
-    assert [sorted(p.split()) for p in printed[:-1]] == [
+    words = completed("re", "extract a.lib --o", "cat a.lib parts/b", "add a.lib --mode b", "cat a.lib parts/G", "''")
+    assert words[:-1] == [
         ["recover", "rename", "reorganize"], ["--output", "--overwrite"],
-        ["parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"], ["best"], ["1.txt", "parts/Größe"]], printed
-    words = subprocess.run(["bash", "-c", script.split("try zolib re")[0] + "try zolib ''"], capture_output=True, text=True)
-    assert {name for name, _ in verbs()} <= set(words.stdout.split()), words
+        ["parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"], ["best"], ["1.txt", "parts/Größe"]], words
+    assert {name for name, _ in verbs()} <= set(words[-1]), words
 
 
 def manual():
-    """The manual has every verb, every option of the help, and every exit code."""
-    text = (ROOT / "docs/zolib.1").read_text().replace("\\-", "-")
+    """The manual has every alias and every exit code, too."""
+    text = whole_manual(name for name, _ in verbs())
     for name, alias in verbs():
-        assert re.search(rf'^\.B zolib {name}\b', text, re.M), name
         assert not alias or f"({alias})" in text, alias
-        for option in re.findall(r"--[a-z-]+", run("help", name).decode()):
-            assert option in text, f"{name} {option}"
     codes = re.findall(r"= (\d+),", (ROOT / "tools/shared/exit_code.h").read_text())
     assert re.findall(r"^\.B (\d+)$", text, re.M) == codes
 
 
-CHECKS = {"json": json_forms, "foreign": foreign_members}
-with tempfile.TemporaryDirectory() as folder:
-    os.chdir(folder)
-    CHECKS.get(CHECK, globals().get(CHECK))()
-    os.chdir("/")
+main(globals() | {"json": json_forms, "foreign": foreign_members})

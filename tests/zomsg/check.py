@@ -3,7 +3,6 @@
 
 Every check gets a folder of its own as current folder.
 """
-import json
 import os
 import pathlib
 import re
@@ -12,27 +11,8 @@ import subprocess
 import sys
 import tempfile
 
-ROOT, TOOL, CHECK = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
-COMMAND = [str(ROOT / "scripts/wine-run"), TOOL]
-os.environ["ZOLIB_ROOT"] = "Z:"
-
-
-def run(*args, code=0, out=None, err=None):
-    """Runs the tool; code, and patterns that output and talk must match as a whole, are compared. Gives the output."""
-    done = subprocess.run(COMMAND + list(args), stdin=subprocess.DEVNULL, capture_output=True)
-    said = f"{args}: {done.returncode}\n{done.stdout[-3000:].decode()}\n{done.stderr.decode()[-2000:]}"
-    assert done.returncode == code, f"exit code {code} expected\n{said}"
-    for pattern, text in ((out, done.stdout), (err, done.stderr)):
-        assert pattern is None or re.fullmatch(pattern, text.decode().replace("\r\n", "\n"), re.S), \
-            f"{pattern!r} expected\n{said}"
-    return done.stdout.decode()
-
-
-def answer(*args, code=0):
-    """The same with --json."""
-    value = json.loads(run(*args, "--json", code=code))
-    assert value["zomsg"] == 1 and value["exit"] == code and isinstance(value["messages"], list), value
-    return value
+sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
+from tool import COMMAND, ROOT, answer, completed, main, run, whole_manual
 
 
 def write(name, text, language="", encoding="utf-8"):
@@ -161,7 +141,7 @@ def extract():
     assert first.startswith(b"@messages 1\n@language de\n@fallback fr\n#: "), first
     run("extract", "a.msg", "--language", "de", "--force", "-q", err="")
     assert pathlib.Path("a.de.msg").read_bytes() == first  # again: nothing changes
-    assert run("extract", "a.msg", "--language", "de", "-o", "-").encode() == first
+    assert run("extract", "a.msg", "--language", "de", "-o", "-") == first
     value = answer("extract", "a.msg", "--language", "de", "--output", "new ä.msg")
     assert (value["count"], value["translated"], value["superfluous"]) == (2, 1, 1)
     assert pathlib.Path("new ä.msg").read_bytes() == first
@@ -182,7 +162,7 @@ def failed_writes():
     os.chmod("a.de.msg", 0o644)
     run("extract", "a.msg", "--language", "de", "-o", "none/x.msg", code=2, err="zomsg: cannot write none/x.msg: .*")
     assert sorted(os.listdir()) == ["a.de.msg", "a.msg"], os.listdir()
-    new = run("extract", "a.msg", "--language", "de", "-o", "-").encode()
+    new = run("extract", "a.msg", "--language", "de", "-o", "-")
     for _ in range(3):
         write("a.de.msg", old)
         worker = subprocess.Popen(COMMAND + ["extract", "a.msg", "--language", "de", "--force"], stderr=subprocess.DEVNULL)
@@ -217,37 +197,25 @@ def exit_codes():
     ):
         run(*args, code=code, err=rf"zomsg: {said}(; see `zomsg help`)?\n(0 files.*\n)?")
     assert answer("check", "none", code=10)["messages"][0]["level"] == "error"
-    for args, begin in ((["help"], "Checks"), (["check", "--help"], "Name"), (["version"], "zomsg 0"), (["--version"], "zomsg 0")):
+    for args, begin in ((["help"], b"Checks"), (["check", "--help"], b"Name"), (["version"], b"zomsg 0"), (["--version"], b"zomsg 0")):
         assert run(*args, err="").startswith(begin), args
     assert sorted(os.listdir()) == ["a.msg", "empty", "no.msg"], os.listdir()
 
 
 def completion():
-    script = f"""
-        source {ROOT}/tools/zomsg/completion/zomsg.bash
-        zomsg() {{ {' '.join(COMMAND)} "$@"; }}
-        try() {{ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); COMPREPLY=(); _zomsg; printf '%s\\n' "${{COMPREPLY[@]}}" -; }}
-        try zomsg e; try zomsg extract a.msg --o; try zomsg show a; try zomsg check e"""
     write("a.msg", "1 x")
     os.mkdir("empty")
-    printed = subprocess.run(["bash", "-c", script], capture_output=True, text=True).stdout.split("-\n")
-    assert [p.split() for p in printed[:-1]] == [["extract"], ["--output"], ["a.msg"], ["empty"]], printed
+    words = completed("e", "extract a.msg --o", "show a", "check e")
+    assert words == [["extract"], ["--output"], ["a.msg"], ["empty"]], words
 
 
 def manual():
-    """The manual has every verb and every option of the help, and every kind of finding."""
-    text = re.sub(r"\\f[BRIP]", "", (ROOT / "docs/zomsg.1").read_text().replace("\\-", "-"))
-    for verb in ("check", "show", "extract"):
-        assert f".B zomsg {verb} " in text, verb
-        for option in re.findall(r"--[a-z-]+", run("help", verb)):
-            assert option in text, f"{verb} {option}"
+    """The manual has every kind of finding, too."""
+    text = whole_manual(("check", "show", "extract"))
     sources = "".join(p.read_text() for p in (ROOT / "tools/zomsg").glob("*.cpp"))
     kinds = set(re.findall(r'Level::k\w+, "(\w+)"', sources)) | set(re.findall(r'"(\w+)"', sources.split("kKinds[] =")[1].split(";")[0]))
     missing = {kind for kind in kinds if not re.search(rf"\b{kind}\b", text)}
     assert len(kinds) > 20 and not missing, missing
 
 
-with tempfile.TemporaryDirectory() as folder:
-    os.chdir(folder)
-    globals()[CHECK]()
-    os.chdir("/")
+main(globals())

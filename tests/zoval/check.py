@@ -3,21 +3,17 @@
 
 Every check gets a folder of its own as current folder.
 """
-import contextlib
 import json
 import os
 import pathlib
-import pty
 import random
 import re
 import struct
 import subprocess
 import sys
-import tempfile
 
-ROOT, TOOL, CHECK = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
-COMMAND = [str(ROOT / "scripts/wine-run"), TOOL]
-os.environ["ZOLIB_ROOT"] = "Z:"
+sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
+from tool import COMMAND, TOOL, answer, beside, completed, main, on_terminal, run, whole_manual, write
 
 PART = """Part:B {
 \t"bolts" = Sequence [
@@ -31,30 +27,6 @@ PART = """Part:B {
 \t"empty" = NoType
 }
 """.replace("\\u00e4", "ä")
-
-
-def run(*args, code=0, out=None, err=None, tool=None):
-    """Runs the tool; code, and patterns that output and talk must match as a whole, are compared. Gives the output."""
-    command = COMMAND if tool is None else [COMMAND[0], str(pathlib.Path(TOOL).with_name(tool))]
-    done = subprocess.run(command + list(args), stdin=subprocess.DEVNULL, capture_output=True)
-    said = f"{args}: {done.returncode}\n{done.stdout[-3000:]!r}\n{done.stderr.decode()[-2000:]}"
-    assert done.returncode == code, f"exit code {code} expected\n{said}"
-    for pattern, text in ((out, done.stdout), (err, done.stderr)):
-        assert pattern is None or re.fullmatch(pattern, text.decode().replace("\r\n", "\n"), re.S), \
-            f"{pattern!r} expected\n{said}"
-    return done.stdout
-
-
-def answer(*args, code=0):
-    """The same with --json."""
-    value = json.loads(run(*args, "--json", code=code))
-    assert value["zoval"] == 1 and value["exit"] == code and isinstance(value["messages"], list), value
-    return value
-
-
-def write(name, text):
-    pathlib.Path(name).write_bytes(text if isinstance(text, bytes) else text.encode())
-    return name
 
 
 def values():
@@ -142,19 +114,19 @@ def libraries():
     """Members are shown, compared and changed as files are."""
     write("a.txt", PART)
     run("convert", "a.txt", "a.zoa")
-    run("create", "p.lib", "a.txt", "a.zoa", tool="zolib.exe")
+    run("create", "p.lib", "a.txt", "a.zoa", command=beside("zolib.exe"))
     for name in ("a.txt", "a.zoa"):
         assert run("show", "p.lib", "--member", name).decode() == PART == run("show", f"p.lib|{name}").decode()
     run("set", "p.lib", "-m", "A.ZOA", "count", "9", "-v", err="changed p.lib A.ZOA\n")
     run("diff", "a.txt", "p.lib", "--member", "a.zoa", code=1, out=r"\* count: Int 3 -> Int 9\n")
     run("diff", "p.lib", "a.txt", "--member", "a.txt")
-    run("test", "p.lib", tool="zolib.exe")
+    run("test", "p.lib", command=beside("zolib.exe"))
     run("diff", "p.lib|a.txt", str(pathlib.Path("p.lib").resolve()) + "|A.ZOA", code=1, out=r"\* count: Int 3 -> Int 9\n")
     run("set", "p.lib|a.zoa", "count", "3")
     run("convert", "p.lib|a.zoa", "p.lib|new/b.json", "-v", err="wrote p.lib new/b.json\n")
     run("diff", "p.lib|new/b.json", "p.lib|a.txt", out="")
     run("convert", "a.txt", "p.lib|c.xml", "--dry-run", err="would write p.lib c.xml\n")
-    run("test", "p.lib", err="p.lib: 3 members ok\n", tool="zolib.exe")
+    run("test", "p.lib", err="p.lib: 3 members ok\n", command=beside("zolib.exe"))
     before = pathlib.Path("p.lib").read_bytes()
     for args, code, said in (
         (["show", "p.lib"], 7, "p.lib is a library; .*--member, or as 'p.lib\\|MEMBER'"),
@@ -186,26 +158,14 @@ def language():
     os.environ["ZOLIB_LANGUAGE"] = "C"
     write("long.txt", "Sequence [" + "Int 1\n" * 200_000 + "]")
     for words, said in (([], True), (["--quiet"], False)):
-        assert (b"reading long.txt (1.1 MB)" in on_terminal("get", "long.txt", "0", *words)) == said
-
-
-def on_terminal(*args):
-    """All that is written on a terminal."""
-    parent, child = pty.openpty()
-    worker = subprocess.Popen(COMMAND + list(args), stdin=child, stdout=child, stderr=child)
-    os.close(child)
-    text = b""
-    with contextlib.suppress(OSError):  # the end of a terminal reads as an error
-        while piece := os.read(parent, 4096):
-            text += piece
-    assert worker.wait() == 0, text
-    return text
+        code, text = on_terminal("get", "long.txt", "0", *words)
+        assert code == 0 and (b"reading long.txt (1.1 MB)" in text) == said, text
 
 
 def at_once():
     """Of several that set values at the same time, in a file or a member, none undoes another's."""
     write("a.txt", "Dict {}")
-    run("create", "p.lib", "a.txt", tool="zolib.exe")
+    run("create", "p.lib", "a.txt", command=beside("zolib.exe"))
     for file in (["a.txt"], ["p.lib", "-m", "a.txt"]):
         started = [subprocess.Popen(COMMAND + ["set", *file, f"k{i}", str(i)], stdin=subprocess.DEVNULL) for i in range(6)]
         assert [each.wait() for each in started] == [0] * 6
@@ -215,7 +175,7 @@ def at_once():
 def edit():
     """What the window gives is written as set writes it; whoever works on it is another program."""
     def edited(*args, steps, code=0, err=None, title="a.txt - zoval"):
-        user = subprocess.Popen([COMMAND[0], str(pathlib.Path(TOOL).with_name("zoval_user.exe")), title, *steps],
+        user = subprocess.Popen(beside("zoval_user.exe") + [title, *steps],
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         said = run("edit", *args, code=code, err=err)
         codes.append(user.communicate()[0].split())
@@ -241,7 +201,7 @@ def edit():
     run("edit", "x", code=13)
     run("edit", "none", code=10)
     run("edit", "a.txt", "--against", "none", code=10)
-    run("create", "p.lib", "a.txt", tool="zolib.exe")
+    run("create", "p.lib", "a.txt", command=beside("zolib.exe"))
     edited("p.lib", "-m", "a.txt", steps=["edit=8", ok], title="p.lib a.txt - zoval")
     assert run("get", "p.lib", "length", "-m", "a.txt") == b"8\n"
     changed = json.loads(edited("a.txt", "--json", steps=["edit=9", ok]))
@@ -296,26 +256,13 @@ def exit_codes():
 
 
 def completion():
-    script = f"""
-        source {ROOT}/tools/zoval/completion/zoval.bash
-        zoval() {{ {' '.join(COMMAND)} "$@"; }}
-        try() {{ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); COMPREPLY=(); _zoval; printf '%s\\n' "${{COMPREPLY[@]}}" -; }}
-        try zoval c; try zoval diff a --any; try zoval show a; try zoval convert a b --to t"""
     write("a.txt", PART)
-    printed = subprocess.run(["bash", "-c", script], capture_output=True, text=True).stdout.split("-\n")
-    assert [p.split() for p in printed[:-1]] == [["convert"], ["--any-order"], ["a.txt"], ["text"]], printed
+    words = completed("c", "diff a --any", "show a", "convert a b --to t")
+    assert words == [["convert"], ["--any-order"], ["a.txt"], ["text"]], words
 
 
 def manual():
-    """The manual has every verb and every option of the help."""
-    text = re.sub(r"\\f[BRIP]", "", (ROOT / "docs/zoval.1").read_text().replace("\\-", "-"))
-    for verb in ("show", "get", "set", "edit", "diff", "convert", "graph"):
-        assert f".B zoval {verb} " in text, verb
-        for option in re.findall(r"--[a-z-]+", run("help", verb).decode()):
-            assert option in text, f"{verb} {option}"
+    whole_manual(("show", "get", "set", "edit", "diff", "convert", "graph"))
 
 
-with tempfile.TemporaryDirectory() as folder:
-    os.chdir(folder)
-    globals()[CHECK]()
-    os.chdir("/")
+main(globals())
