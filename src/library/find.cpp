@@ -62,7 +62,7 @@ const FirstFind* findFirst(LibraryState& library, const ZoFileName& member) {
 
 // Whether an entry is the one that was listed, and not another that stands there now.
 bool isListed(const RawEntry& entry, const ZoLibEntry& wanted) {
-  const ZoFileName name(std::wstring_view(decodeName(entry.name)));
+  const ZoFileName name = memberName(entry.name);
   return entry.record.number == wanted.number && entry.record.storedSize == wanted.storedSize &&
          equalNames(name.view(), wanted.name.view());
 }
@@ -117,7 +117,7 @@ int findEntryAt(LibraryState& library, std::uint64_t position, RawEntry& entry) 
 ZoLibEntry describe(const LibraryState& library, const IndexEntry& entry, bool isHidden) {
   ZoLibEntry result = describe(library, entry.position, entry.record, entry.trailer);
   result.ordinal = library.index().ordinal(entry);
-  result.name = std::wstring_view(library.index().name(entry));
+  result.name = memberName(library.index().bytes(entry));
   result.isHidden = isHidden;
   return result;
 }
@@ -125,7 +125,7 @@ ZoLibEntry describe(const LibraryState& library, const IndexEntry& entry, bool i
 ZoLibEntry describe(const LibraryState& library, const RawEntry& entry) {
   ZoLibEntry result = describe(library, entry.position, entry.record, entry.trailer);
   result.ordinal = entry.ordinal;
-  result.name = std::wstring_view(decodeName(entry.name));
+  result.name = memberName(entry.name);
   return result;
 }
 

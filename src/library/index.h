@@ -39,6 +39,7 @@ class LibraryIndex {
 
   [[nodiscard]] std::span<const IndexEntry> entries() const noexcept { return entries_.all(); }
   [[nodiscard]] std::wstring name(const IndexEntry& entry) const;
+  [[nodiscard]] std::string_view bytes(const IndexEntry& entry) const;  // of the name, as stored
   // The first of them; null for none.
   [[nodiscard]] const IndexEntry* findLive(std::wstring_view wanted) const {
     return findFirst(wanted, true);
@@ -71,7 +72,6 @@ class LibraryIndex {
   template <class Visitor>
   void visitNamed(std::wstring_view wanted, const Visitor& visit) const;
   [[nodiscard]] const IndexEntry* findFirst(std::wstring_view wanted, bool isLive) const;
-  [[nodiscard]] std::string_view bytes(const IndexEntry& entry) const;
   template <class Visitor>
   void visitHash(std::uint32_t hash, const Visitor& visit) const;
   [[nodiscard]] std::uint32_t& bucket(std::uint32_t hash) const noexcept;

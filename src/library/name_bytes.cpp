@@ -12,7 +12,18 @@
 namespace zo {
 namespace {
 
-constexpr std::size_t kPlainUnits = 256;  // of names that are hashed without asking for memory
+// What a name is as text, for the time of a call: nearly always without asking for memory.
+template <class Use>
+auto withName(std::string_view bytes, const Use& use) {
+  constexpr std::size_t kPlainUnits = 256;
+  wchar_t units[kPlainUnits];
+  if (bytes.size() > kPlainUnits || !isPlainName(bytes)) {
+    return use(std::wstring_view(decodeName(bytes)));
+  }
+  std::copy(bytes.begin(), bytes.end(), units);
+  return use(std::wstring_view(units, bytes.size()));
+}
+
 constexpr std::wstring_view kEscape = L"\\U+", kEscapedBackslash = L"\\U+005C";
 
 // What would be read as an escape gets its backslash escaped.
@@ -49,6 +60,10 @@ std::wstring decodeName(std::string_view bytes) {
   return text;
 }
 
+ZoFileName memberName(std::string_view bytes) {
+  return withName(bytes, [](std::wstring_view name) { return ZoFileName(name); });
+}
+
 // Every ANSI code page has the ASCII characters in their places. All bytes are looked at before
 // that is told: the compiler does so many at once.
 bool isPlainName(std::string_view bytes) noexcept {
@@ -74,11 +89,6 @@ std::uint32_t shortHash(std::wstring_view name) noexcept {
   return static_cast<std::uint32_t>(hashName(name));
 }
 
-std::uint32_t hashNameBytes(std::string_view bytes) {
-  wchar_t units[kPlainUnits];
-  if (bytes.size() > kPlainUnits || !isPlainName(bytes)) return shortHash(decodeName(bytes));
-  std::copy(bytes.begin(), bytes.end(), units);
-  return shortHash({units, bytes.size()});
-}
+std::uint32_t hashNameBytes(std::string_view bytes) { return withName(bytes, shortHash); }
 
 }  // namespace zo

@@ -18,14 +18,21 @@ std::string formatted(const char* format, Args... args) {
 }  // namespace
 
 std::string toUtf8(std::wstring_view text) {
-  if (std::ranges::all_of(text, [](wchar_t c) { return c < 0x80; }))
-    return {text.begin(), text.end()};
+  std::string utf8;
+  toUtf8(text, utf8);
+  return utf8;
+}
+
+void toUtf8(std::wstring_view text, std::string& utf8) {
+  if (std::ranges::all_of(text, [](wchar_t c) { return c < 0x80; })) {
+    utf8.assign(text.begin(), text.end());
+    return;
+  }
   const int length = static_cast<int>(text.size());
   const int size =
       WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-  std::string utf8(static_cast<std::size_t>(size), '\0');
+  utf8.resize(static_cast<std::size_t>(size));
   WideCharToMultiByte(CP_UTF8, 0, text.data(), length, utf8.data(), size, nullptr, nullptr);
-  return utf8;
 }
 
 std::wstring toWide(std::string_view utf8) {

@@ -11,6 +11,7 @@ namespace zolib {
 
 // What is no text becomes U+FFFD.
 std::string toUtf8(std::wstring_view text);
+void toUtf8(std::wstring_view text, std::string& utf8);  // in the memory that it has
 std::wstring toWide(std::string_view utf8);
 
 // A name as it is compared: in lower case, levels separated by slashes.

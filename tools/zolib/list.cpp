@@ -83,15 +83,17 @@ class Listing {
   void add(const ZoLibEntry& entry) {
     all_.add(entry);
     if (options_.folders) return addToFolders(entry);
-    const std::string name = toUtf8(entry.name.view());
     if (options_.json) {
       members_.push_back(toJson(entry));
-    } else if (options_.namesOnly) {
-      report_.console().line(name);
+      return;
+    }
+    toUtf8(entry.name.view(), name_);
+    if (options_.namesOnly) {
+      report_.console().line(name_);
     } else {
       line({"@" + std::to_string(entry.ordinal), std::to_string(entry.size),
             std::to_string(entry.storedSize), ratioText(entry.storedSize, entry.size),
-            localTime(entry.written), modeText(entry), states_[stateOf(entry)], name});
+            localTime(entry.written), modeText(entry), states_[stateOf(entry)], name_});
     }
   }
 
@@ -143,7 +145,7 @@ class Listing {
 
   const Options& options_;
   Report& report_;
-  std::string line_;  // there may be a million
+  std::string name_, line_;  // there may be a million
   Sum all_;
   std::map<std::wstring, Sum> folders_;  // by folded name
   Json members_ = Json::array();
