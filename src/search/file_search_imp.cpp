@@ -277,26 +277,35 @@ int FileSearchImp::fetch(const ZoFileName& url, Located& found, SearchReport* re
   return code;
 }
 
+// Locates a file and has it used by use(const Located&), which answers a code. A member that cannot
+// be used may have gone without anybody having told yet: it is looked for once more.
+template <class Use>
+int FileSearchImp::withLocated(const ZoFileName& name, const Use& use) {
+  for (bool isAgain = false;; isAgain = true) {
+    Located found;
+    const int code = locate(name, found);
+    if (found.place == ZoFound::kNowhere) return code;
+    const int used = use(found);
+    if (!used) return code;
+    const bool isMember = found.at && found.place == ZoFound::kLibrary;
+    if (isAgain || !isMember || !finder_.noticeExchange(*found.at)) return used;
+  }
+}
+
 int FileSearchImp::open(const ZoFileName& name, ZoFile& file, int access, int share) {
-  Located found;
-  const int code = locate(name, found);
-  if (found.place == ZoFound::kNowhere) return code;
-  const bool isOwn = found.place != ZoFound::kLibrary && found.place != ZoFound::kDownload;
-  if (!isOwn && (access & ZoFile::kWrite)) return ZoResult::refused;
-  const int opened = file.open(found.name(), access, ZoFile::kOpenExisting, share);
-  return opened ? opened : code;
+  return withLocated(name, [&](const Located& found) -> int {
+    const bool isOwn = found.place != ZoFound::kLibrary && found.place != ZoFound::kDownload;
+    if (!isOwn && (access & ZoFile::kWrite)) return ZoResult::refused;
+    return file.open(found.name(), access, ZoFile::kOpenExisting, share);
+  });
 }
 
 int FileSearchImp::toDisk(const ZoFileName& name, ZoFileName& file) {
-  Located found;
-  const int code = locate(name, found);
-  if (found.place == ZoFound::kNowhere) return code;
-  if (found.place == ZoFound::kLibrary) {
-    const int copied = copyMember(found, file);
-    return copied ? copied : code;
-  }
-  file = found.copy.isEmpty() ? found.name() : found.copy;
-  return code;
+  return withLocated(name, [&](const Located& found) -> int {
+    if (found.place == ZoFound::kLibrary) return copyMember(found, file);
+    file = found.copy.isEmpty() ? found.name() : found.copy;
+    return ZoResult::ok;
+  });
 }
 
 std::wstring FileSearchImp::folderOfCopies() const {
