@@ -51,6 +51,16 @@ bool hasParentLevel(std::wstring_view path) {
   return false;
 }
 
+// Whether a path has no level that is empty or ".".
+bool isNormal(std::wstring_view path) {
+  for (auto level = path.begin();;) {
+    const auto end = std::find_if(level, path.end(), isDelimiter);
+    if (end == level || (end - level == 1 && *level == L'.')) return false;
+    if (end == path.end()) return true;
+    level = end + 1;
+  }
+}
+
 // What stands behind a name's macro.
 std::wstring behindMacro(const ZoFileName& name) {
   ZoFileName plain = name.deepCopy();
@@ -77,7 +87,7 @@ std::wstring inUrl(std::wstring_view name) {
 // A relative name in the form in which places are asked; empty for one that could leave them.
 std::wstring wantedBelow(const ZoFileName& name) {
   if (!name.isContained() || hasParentLevel(name.view())) return {};
-  if (name.view().find_first_of(L"\\/") == name.view().npos) return std::wstring(name.view());
+  if (isNormal(name.view())) return withBackslashes(name.view());
   const ZoFileName normal = name.normalized();
   return normal.isContained() ? withBackslashes(normal.view()) : std::wstring();
 }

@@ -80,6 +80,8 @@ TEST_F(FileSearchTest, TakesTheFirstPlaceThatHasAFile) {
       {L"x\\y\\d.txt", L"tree\\x\\y\\d.txt"},
       {L"z\\d.txt", L"-"},
       {L"Bolts\\M8.dwg", L"b.lib|bolts/m8.dwg"},
+      {L"bolts//.\\m8.dwg", L"b.lib|bolts/m8.dwg"},
+      {L"bolts\\m8.dwg/", L"-"},
       {L"ö.dwg", L"b.lib|Ö.dwg"},
       {L"m8.dwg", L"-"},
       {path(L"B.lib|bolts\\m8.DWG").wstring(), L"B.lib|bolts/m8.dwg"},
