@@ -120,7 +120,7 @@ bool FileFinder::mayLook() {
 
 // The state, without what is known to be old.
 FileFinder::State FileFinder::fresh() {
-  const State state = state_.load();
+  State state = state_.load();
   const std::wstring folder = currentFolder();
   const auto hasMoved = [&](const SearchState& from) {
     return !from.current.place || !equalNames(from.current.place->path, folder);

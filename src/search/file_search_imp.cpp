@@ -396,7 +396,7 @@ int FileSearchImp::findNames(const ZoFileName& pattern, ZoSequence<ZoFileName>& 
     auto* const files = serviceOrNull<ZoFileSystem>();
     if (!files || files->getAbsolutePath(plain) != ZoResult::ok) return ZoResult::refused;
   }
-  ZoFileName start(folderOf(plain));
+  const ZoFileName start(folderOf(plain));
   const std::wstring last(plain.fileNameExt());
   const std::wstring levels = start.isEmpty() ? std::wstring() : wantedBelow(start);
   if (plain.isRelativ() && (start.isEmpty() || !levels.empty())) {

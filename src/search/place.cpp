@@ -185,8 +185,8 @@ bool isFile(const std::wstring& path) {
   return attributes != 0 && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
-FilePlace::FilePlace(Kind kindOfPlace, std::wstring whole, std::wstring owner, int rank)
-    : kind(kindOfPlace), path(std::move(whole)), module(std::move(owner)), priority(rank) {}
+FilePlace::FilePlace(Kind ofKind, std::wstring whole, std::wstring owner, int rank)
+    : kind(ofKind), path(std::move(whole)), module(std::move(owner)), priority(rank) {}
 
 bool isUpToDate(const FilePlace& library, const KnownNames& known) {
   const std::uint64_t changes = libraryChanges();

@@ -34,7 +34,7 @@ struct FilePlace {
   // by as many questions as it has names, which cost about the same.
   static constexpr unsigned int kFirstAsks = 8;
 
-  FilePlace(Kind kind, std::wstring path, std::wstring module = {}, int priority = 0);
+  FilePlace(Kind ofKind, std::wstring whole, std::wstring owner = {}, int rank = 0);
 
   const Kind kind;
   const std::wstring path;  // of a folder or server with its final delimiter
@@ -57,7 +57,7 @@ struct KnownNames {
 
   [[nodiscard]] bool isOld() const {
     return std::ranges::any_of(watches, [](const auto& watch) {
-      const HANDLE handle = watch->get();
+      void* const handle = watch->get();
       return anyChanged({&handle, 1});
     });
   }

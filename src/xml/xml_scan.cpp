@@ -84,7 +84,7 @@ XmlToken XmlScanner::documentType() noexcept {
       if (behind == View::npos) return broken();
       at_ = behind + end.size();
     } else {
-      open += rest[0] == L'<' ? 1 : std::size_t(-1);
+      rest[0] == L'<' ? ++open : --open;
     }
   }
   return XmlToken::DocumentType;
