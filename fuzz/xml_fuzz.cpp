@@ -5,6 +5,7 @@
 
 #include "fuzz.h"
 #include "xml/xml_fault.h"
+#include "xml/xml_layout.h"
 #include "xml/xml_path.h"
 #include "xml/xml_scan.h"
 #include "xml/xml_text.h"
@@ -62,8 +63,9 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     appendXmlIndented(text, written);
     ZO_FUZZ_CHECK(tagsOf(written) == tags);
     std::wstring again;
-    plain.resize(text.size());
-    plain.resize(copyWithoutLayout(text, plain.data()));
+    const XmlLayout layout = layoutOf(text);
+    plain.resize(layout.sizeWithout(text));
+    layout.copyWithout(text, plain.data());
     ZO_FUZZ_CHECK(tagsOf(plain) == tags);
     appendXmlIndented(plain, again);
     ZO_FUZZ_CHECK(again == written);

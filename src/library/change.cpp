@@ -278,6 +278,7 @@ int Change::replaceBy(DiskFile copy, FreshFile& place, const SystemPath& library
   static_cast<void>(file.close());
   isCommitted_ = true;  // nothing is to be taken back from either file
   if (putInPlace(place, library, false)) {
+    countLibraryChange();
     file = std::move(copy);
     return ZoResult::ok;
   }

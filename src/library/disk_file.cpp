@@ -4,6 +4,7 @@
 #include <zo/system/registry.h>
 
 #include <algorithm>
+#include <atomic>
 
 #include "library/format.h"
 #include "platform/time_value.h"
@@ -15,6 +16,8 @@ namespace {
 constexpr std::size_t kLargestCall = std::size_t{1} << 30;  // a call's size has 32 bits
 constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
 
+constinit std::atomic<std::uint64_t> changes = 0;
+
 }  // namespace
 
 bool reportFailure(const wchar_t* operation) noexcept {
@@ -24,6 +27,9 @@ bool reportFailure(const wchar_t* operation) noexcept {
   }
   return false;
 }
+
+std::uint64_t libraryChanges() noexcept { return changes; }
+void countLibraryChange() noexcept { ++changes; }
 
 bool DiskFile::open(const SystemPath& path, DWORD access, DWORD share, DWORD disposition) noexcept {
   take(OpenFile(fileApi().create(path, access, share, disposition, FILE_FLAG_RANDOM_ACCESS)));
@@ -71,6 +77,7 @@ void DiskFile::touch() noexcept {
   now = fileTime(time);
   // What fails here is noticed later by other processes, and not lost.
   if (fileApi().setTimes(file_.get(), nullptr, nullptr, &now)) seen_.written = time;
+  countLibraryChange();
 }
 
 bool DiskFile::seek(std::uint64_t offset) noexcept {
@@ -113,6 +120,7 @@ bool DiskFile::cut(std::uint64_t size) noexcept {
   if (!seek(size)) return false;
   if (!fileApi().setEnd(file_.get())) return reportFailure(L"setEndOfFile");
   seen_.size = size;
+  countLibraryChange();
   return true;
 }
 

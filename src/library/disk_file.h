@@ -16,6 +16,12 @@ namespace zo {
 // Tells the file-system service of the last error. Returns false.
 bool reportFailure(const wchar_t* operation) noexcept;
 
+// How many changes of libraries this process has made so far: who remembers what a library holds
+// need not look at its file for them while the count stays. A change is counted before the call
+// that made it returns. Any thread may ask.
+[[nodiscard]] std::uint64_t libraryChanges() noexcept;
+void countLibraryChange() noexcept;
+
 class DiskFile final : public ByteStore {
  public:
   // What tells whether another process has changed the file: every change of a library moves the
@@ -38,13 +44,14 @@ class DiskFile final : public ByteStore {
   // As the file is now.
   [[nodiscard]] bool look(Signature& signature) noexcept;
   // Moves the time of the last write on. Without it a change within the platform's grain of time,
-  // or one that the platform notes only when the file is closed, would not be seen.
+  // or one that the platform notes only when the file is closed, would not be seen. Counts a change.
   void touch() noexcept;
 
   // When it was looked at, and since then changed from here.
   [[nodiscard]] std::uint64_t size() const noexcept override { return seen_.size; }
   [[nodiscard]] bool read(std::uint64_t offset, std::span<unsigned char> to) noexcept override;
   [[nodiscard]] bool write(std::uint64_t offset, Bytes bytes) noexcept;
+  // Counts a change.
   [[nodiscard]] bool cut(std::uint64_t size) noexcept;
   [[nodiscard]] bool flush() noexcept;
   // The byte that a writer keeps locked.

@@ -31,8 +31,8 @@ class FourUnits {
   }
 
  private:
-  wchar_t units_[4];
-  __m128i filled_[4];
+  wchar_t units_[4];   // NOLINT(modernize-use-default-member-init): of the parameters
+  __m128i filled_[4];  // NOLINT(modernize-use-default-member-init)
 };
 
 }  // namespace zo

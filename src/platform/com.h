@@ -5,6 +5,7 @@
 // windows.h before the headers of Automation
 #include <oleauto.h>
 
+#include <cstddef>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -71,6 +72,10 @@ class ComText {
   ComText() = default;
   explicit ComText(std::wstring_view text)
       : text_(SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {
+    if (!text_) throw std::bad_alloc();
+  }
+  // Room for a text, which is still to be written there.
+  explicit ComText(std::size_t size) : text_(SysAllocStringLen(nullptr, static_cast<UINT>(size))) {
     if (!text_) throw std::bad_alloc();
   }
   ComText(ComText&& other) noexcept : text_(std::exchange(other.text_, nullptr)) {}

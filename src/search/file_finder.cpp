@@ -100,6 +100,15 @@ void FileFinder::forget() {
   });
 }
 
+bool FileFinder::noticeExchange(const FilePlace& place) {
+  const State state = state_.load();
+  const bool isNoticed = std::ranges::any_of(state->places, [&](const SearchState::At& at) {
+    return at.place.get() == &place && isExchanged(at);
+  });
+  if (isNoticed) lookedAt_ = 0;
+  return isNoticed;
+}
+
 // Whether it is time to look for places that were exchanged, which takes a call for each.
 bool FileFinder::mayLook() {
   constexpr std::uint64_t kEvery = 1000;  // milliseconds
@@ -111,7 +120,7 @@ bool FileFinder::mayLook() {
 
 // The state, without what is known to be old.
 FileFinder::State FileFinder::fresh() {
-  const State state = state_.load();
+  State state = state_.load();
   const std::wstring folder = currentFolder();
   const auto hasMoved = [&](const SearchState& from) {
     return !from.current.place || !equalNames(from.current.place->path, folder);
@@ -133,8 +142,8 @@ FileFinder::State FileFinder::fresh() {
 FileFinder::State FileFinder::learn(const std::shared_ptr<FilePlace>& place) {
   return change([&](SearchState& state) {
     const auto read = [&](SearchState::At& at) {
-      if (at.place != place || (at.known.index && !at.known.watches.empty())) return;
-      at.known = readNames(*place);
+      if (at.place != place || (at.known.index && place->kind != FilePlace::kLibrary)) return;
+      at.known = at.known.index ? readAgain(*place, at.known) : readNames(*place);
       place->asks = 0;
       if (!at.known.index)  // asked directly, and for longer each time
         place->asksBeforeReading = std::min(2 * place->asksBeforeReading.load(), 1U << 20);
@@ -148,10 +157,10 @@ bool FileFinder::mustRead(const SearchState::At& at) const {
   const FilePlace& place = *at.place;
   switch (place.kind) {
     case FilePlace::kLibrary:
-      return !at.known.index || (at.known.watches.empty() && at.known.stamp != stampOf(place.path));
+      return !at.known.index || !isUpToDate(place, at.known);
     case FilePlace::kFolder:
     case FilePlace::kTree: {
-      if (at.known.index || !place.isWatchable) return false;
+      if (at.known.index) return false;
       const unsigned int asks = ++at.place->asks;
       const unsigned int wanted = place.asksBeforeReading;
       // A tree is read as a whole to be asked directly, too.

@@ -53,6 +53,8 @@ class FileFinder {
   bool add(std::shared_ptr<FilePlace> place);
   void release(std::wstring_view module);
   void forget();
+  // Whether a place is no more what it was when it was read: the next search then reads it anew.
+  [[nodiscard]] bool noticeExchange(const FilePlace& place);
 
   // A relative name in normal form with backslashes, in the current directory and then the places
   // but for servers: where it was found, null for nowhere, and what stands below that place.

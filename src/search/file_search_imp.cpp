@@ -51,6 +51,16 @@ bool hasParentLevel(std::wstring_view path) {
   return false;
 }
 
+// Whether a path has no level that is empty or ".".
+bool isNormal(std::wstring_view path) {
+  for (auto level = path.begin();;) {
+    const auto end = std::find_if(level, path.end(), isDelimiter);
+    if (end == level || (end - level == 1 && *level == L'.')) return false;
+    if (end == path.end()) return true;
+    level = end + 1;
+  }
+}
+
 // What stands behind a name's macro.
 std::wstring behindMacro(const ZoFileName& name) {
   ZoFileName plain = name.deepCopy();
@@ -77,7 +87,7 @@ std::wstring inUrl(std::wstring_view name) {
 // A relative name in the form in which places are asked; empty for one that could leave them.
 std::wstring wantedBelow(const ZoFileName& name) {
   if (!name.isContained() || hasParentLevel(name.view())) return {};
-  if (name.view().find_first_of(L"\\/") == name.view().npos) return std::wstring(name.view());
+  if (isNormal(name.view())) return withBackslashes(name.view());
   const ZoFileName normal = name.normalized();
   return normal.isContained() ? withBackslashes(normal.view()) : std::wstring();
 }
@@ -277,26 +287,35 @@ int FileSearchImp::fetch(const ZoFileName& url, Located& found, SearchReport* re
   return code;
 }
 
+// Locates a file and has it used by use(const Located&), which answers a code. A member that cannot
+// be used may have gone without anybody having told yet: it is looked for once more.
+template <class Use>
+int FileSearchImp::withLocated(const ZoFileName& name, const Use& use) {
+  for (bool isAgain = false;; isAgain = true) {
+    Located found;
+    const int code = locate(name, found);
+    if (found.place == ZoFound::kNowhere) return code;
+    const int used = use(found);
+    if (!used) return code;
+    const bool isMember = found.at && found.place == ZoFound::kLibrary;
+    if (isAgain || !isMember || !finder_.noticeExchange(*found.at)) return used;
+  }
+}
+
 int FileSearchImp::open(const ZoFileName& name, ZoFile& file, int access, int share) {
-  Located found;
-  const int code = locate(name, found);
-  if (found.place == ZoFound::kNowhere) return code;
-  const bool isOwn = found.place != ZoFound::kLibrary && found.place != ZoFound::kDownload;
-  if (!isOwn && (access & ZoFile::kWrite)) return ZoResult::refused;
-  const int opened = file.open(found.name(), access, ZoFile::kOpenExisting, share);
-  return opened ? opened : code;
+  return withLocated(name, [&](const Located& found) -> int {
+    const bool isOwn = found.place != ZoFound::kLibrary && found.place != ZoFound::kDownload;
+    if (!isOwn && (access & ZoFile::kWrite)) return ZoResult::refused;
+    return file.open(found.name(), access, ZoFile::kOpenExisting, share);
+  });
 }
 
 int FileSearchImp::toDisk(const ZoFileName& name, ZoFileName& file) {
-  Located found;
-  const int code = locate(name, found);
-  if (found.place == ZoFound::kNowhere) return code;
-  if (found.place == ZoFound::kLibrary) {
-    const int copied = copyMember(found, file);
-    return copied ? copied : code;
-  }
-  file = found.copy.isEmpty() ? found.name() : found.copy;
-  return code;
+  return withLocated(name, [&](const Located& found) -> int {
+    if (found.place == ZoFound::kLibrary) return copyMember(found, file);
+    file = found.copy.isEmpty() ? found.name() : found.copy;
+    return ZoResult::ok;
+  });
 }
 
 std::wstring FileSearchImp::folderOfCopies() const {
@@ -377,7 +396,7 @@ int FileSearchImp::findNames(const ZoFileName& pattern, ZoSequence<ZoFileName>& 
     auto* const files = serviceOrNull<ZoFileSystem>();
     if (!files || files->getAbsolutePath(plain) != ZoResult::ok) return ZoResult::refused;
   }
-  ZoFileName start(folderOf(plain));
+  const ZoFileName start(folderOf(plain));
   const std::wstring last(plain.fileNameExt());
   const std::wstring levels = start.isEmpty() ? std::wstring() : wantedBelow(start);
   if (plain.isRelativ() && (start.isEmpty() || !levels.empty())) {

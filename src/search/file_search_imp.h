@@ -54,6 +54,8 @@ class FileSearchImp {
   [[nodiscard]] int copyOf(const ZoFileName& url, ZoFileName& file, bool asksServer) const;
   [[nodiscard]] int namesOfMembers(const ZoFileName& pattern, ZoSequence<ZoFileName>& names,
                                    unsigned int kinds);
+  template <class Use>
+  [[nodiscard]] int withLocated(const ZoFileName& name, const Use& use);
   [[nodiscard]] int copyMember(const Located& member, ZoFileName& file);
   [[nodiscard]] std::wstring folderOfCopies() const;
 

@@ -16,13 +16,12 @@ std::wstring withBackslashes(std::wstring_view text) {
 
 NameIndex::NameIndex(std::vector<Name> names, Key key) : key_(key), names_(std::move(names)) {
   buckets_.resize(std::bit_ceil(names_.size() + names_.size() / 2 + 1));
-  hashes_.resize(names_.size());
-  next_.resize(names_.size());
+  links_.resize(names_.size());
   for (std::size_t i = names_.size(); i-- > 0;) {  // so that the first one comes first in its chain
     const std::wstring_view path = names_[i].path;
-    hashes_[i] = hashOf(key == kWhole ? path : lastComponent(path));
-    std::uint32_t& bucket = buckets_[hashes_[i] & (buckets_.size() - 1)];
-    next_[i] = std::exchange(bucket, static_cast<std::uint32_t>(i + 1));
+    const std::size_t hash = hashOf(key == kWhole ? path : lastComponent(path));
+    std::uint32_t& bucket = buckets_[hash & (buckets_.size() - 1)];
+    links_[i] = {hash, std::exchange(bucket, static_cast<std::uint32_t>(i + 1))};
   }
 }
 

@@ -36,9 +36,11 @@ class NameIndex {
   template <class Fits>
   [[nodiscard]] const Name* find(std::wstring_view key, Fits fits) const {
     const std::size_t hash = hashOf(key);
-    for (std::uint32_t at = buckets_[hash & (buckets_.size() - 1)]; at != 0; at = next_[at - 1]) {
-      if (hashes_[at - 1] == hash && hasKey(names_[at - 1], key) && fits(names_[at - 1]))
-        return &names_[at - 1];
+    for (std::uint32_t at = buckets_[hash & (buckets_.size() - 1)]; at != 0;) {
+      const Link& link = links_[at - 1];
+      const Name& name = names_[at - 1];
+      if (link.hash == hash && hasKey(name, key) && fits(name)) return &name;
+      at = link.next;
     }
     return nullptr;
   }
@@ -51,10 +53,15 @@ class NameIndex {
   [[nodiscard]] static std::size_t hashOf(std::wstring_view key) noexcept;
   [[nodiscard]] bool hasKey(const Name& name, std::wstring_view key) const noexcept;
 
+  struct Link {  // of a name, to the next one in its bucket
+    std::size_t hash;
+    std::uint32_t next;
+  };
+
   Key key_;
   std::vector<Name> names_;
-  std::vector<std::size_t> hashes_;
-  std::vector<std::uint32_t> buckets_, next_;  // places of names, counted from 1
+  std::vector<Link> links_;
+  std::vector<std::uint32_t> buckets_;  // places of names, counted from 1
 };
 
 // In which order the names of a folder and those below it count: what lies highest first.

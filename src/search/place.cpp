@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "files/folder_search.h"
+#include "library/disk_file.h"
 #include "names/name_compare.h"
 #include "names/wildcard.h"
 #include "platform/file_api.h"
@@ -32,8 +33,9 @@ std::wstring folderOfFile(const std::wstring& path) {
   return path.substr(0, path.find_last_of(L"\\/") + 1);
 }
 
-bool canBeWatched(FilePlace::Kind kind, const std::wstring& path) {
-  if (kind == FilePlace::kServer || path.size() < 3 || path[1] != L':') return false;
+// Not on a network. Platforms may take longer for the answer than for a look at a file.
+bool canBeWatched(const std::wstring& path) {
+  if (path.size() < 3 || path[1] != L':') return false;
   return fileApi().driveType(path.substr(0, 3).c_str()) != DRIVE_REMOTE;
 }
 
@@ -108,7 +110,8 @@ bool watch(const std::wstring& folder, FolderWatch::What what, KnownNames::Watch
 
 KnownNames watchedLibrary(const FilePlace& place) {
   KnownNames known;
-  if (place.isWatchable) watch(folderOfFile(place.path), FolderWatch::kFiles, known.watches);
+  if (canBeWatched(place.path)) watch(folderOfFile(place.path), FolderWatch::kFiles, known.watches);
+  known.changes = std::make_shared<std::atomic<std::uint64_t>>(libraryChanges());
   known.stamp = stampOf(place.path);
   return known;
 }
@@ -137,14 +140,6 @@ std::optional<std::wstring> findInTree(const FilePlace& place, const KnownNames&
   const Name* const found = known.index->find(lastComponent(name), fits);
   if (!found) return std::nullopt;
   return isFile(place.path + found->path) ? found->path : walk(place, name);
-}
-
-std::optional<std::wstring> findInLibrary(const FilePlace& place, const KnownNames& known,
-                                          const std::wstring& name) {
-  if (!known.index) return std::nullopt;
-  const auto found = findMember(*known.index, name);
-  return found && stampOf(place.path) != known.stamp ? findMember(*readLibrary(place), name)
-                                                     : found;
 }
 
 bool isPlainFile(const NameIndex::Name& name) { return !name.isFolder; }
@@ -190,12 +185,16 @@ bool isFile(const std::wstring& path) {
   return attributes != 0 && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
-FilePlace::FilePlace(Kind kindOfPlace, std::wstring whole, std::wstring owner, int rank)
-    : kind(kindOfPlace),
-      path(std::move(whole)),
-      module(std::move(owner)),
-      priority(rank),
-      isWatchable(canBeWatched(kind, path)) {}
+FilePlace::FilePlace(Kind ofKind, std::wstring whole, std::wstring owner, int rank)
+    : kind(ofKind), path(std::move(whole)), module(std::move(owner)), priority(rank) {}
+
+bool isUpToDate(const FilePlace& library, const KnownNames& known) {
+  const std::uint64_t changes = libraryChanges();
+  if (!known.watches.empty() && *known.changes == changes) return true;
+  if (known.stamp != stampOf(library.path)) return false;
+  *known.changes = changes;
+  return true;
+}
 
 KnownNames readNames(const FilePlace& place) {
   if (place.kind == FilePlace::kServer) return {};
@@ -204,7 +203,7 @@ KnownNames readNames(const FilePlace& place) {
   if (place.kind == FilePlace::kLibrary) {
     known = watchedLibrary(place);
     known.index = readLibrary(place);
-  } else if (place.isWatchable) {
+  } else if (canBeWatched(place.path)) {
     known.stamp = stampOf(place);
     known.index = readFolder(place, [&](const std::wstring& folder) {
       return watch(folder, FolderWatch::kNames, known.watches);
@@ -229,7 +228,7 @@ std::optional<std::wstring> findBelow(const FilePlace& place, const KnownNames& 
     case FilePlace::kTree:
       return findInTree(place, known, name);
     case FilePlace::kLibrary:
-      return findInLibrary(place, known, name);
+      return known.index ? findMember(*known.index, name) : std::nullopt;
     default:
       return std::nullopt;
   }

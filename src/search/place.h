@@ -34,14 +34,13 @@ struct FilePlace {
   // by as many questions as it has names, which cost about the same.
   static constexpr unsigned int kFirstAsks = 8;
 
-  FilePlace(Kind kind, std::wstring path, std::wstring module = {}, int priority = 0);
+  FilePlace(Kind ofKind, std::wstring whole, std::wstring owner = {}, int rank = 0);
 
   const Kind kind;
   const std::wstring path;  // of a folder or server with its final delimiter
   const std::wstring module;
   const int priority;
-  const bool isWatchable;  // not on a network
-  bool asNamed = false;    // it is the current directory
+  bool asNamed = false;  // it is the current directory
   std::atomic<unsigned int> asks = 0, asksBeforeReading = kFirstAsks;
 };
 
@@ -52,10 +51,13 @@ struct KnownNames {
   std::shared_ptr<const NameIndex> index;  // null: ask directly
   Watches watches;                         // none: nobody would tell
   FileStamp stamp;                         // of the place, when it was read
+  // Of a library: how many changes of libraries this process had made when its file last had the
+  // stamp.
+  std::shared_ptr<std::atomic<std::uint64_t>> changes;
 
   [[nodiscard]] bool isOld() const {
     return std::ranges::any_of(watches, [](const auto& watch) {
-      const HANDLE handle = watch->get();
+      void* const handle = watch->get();
       return anyChanged({&handle, 1});
     });
   }
@@ -64,6 +66,11 @@ struct KnownNames {
 // Of what has a place's name; of a folder with the time when it was made in the size's stead.
 [[nodiscard]] FileStamp stampOf(const FilePlace& place);
 
+// Whether what is known of a library is all that this process made of it, and of one that nobody
+// watches all that anybody did. Takes no call of the platform unless this process changed a
+// library.
+[[nodiscard]] bool isUpToDate(const FilePlace& library, const KnownNames& known);
+
 // Reads the names of a place. No index: it cannot be watched or read, or has too many names or
 // folders.
 [[nodiscard]] KnownNames readNames(const FilePlace& place);
@@ -71,8 +78,8 @@ struct KnownNames {
 [[nodiscard]] KnownNames readAgain(const FilePlace& place, const KnownNames& before);
 
 // A relative name with backslashes, without "." and "..", is looked for in a place: what stands
-// below that, as a member is spelled by its library; nothing when it is not there. What is known to
-// be there is looked at once more, as the platform may tell late that it has gone.
+// below that, as a member is spelled by its library; nothing when it is not there. A file that is
+// known to be there is looked at once more, as the platform may tell late that it has gone.
 [[nodiscard]] std::optional<std::wstring> findBelow(const FilePlace& place, const KnownNames& known,
                                                     const std::wstring& name);
 // All names of a place, as findBelow gives them, that fit a pattern in the last component and have

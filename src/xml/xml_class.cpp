@@ -7,6 +7,7 @@
 #include "xml/decode.h"
 #include "xml/node.h"
 #include "xml/xml_fault.h"
+#include "xml/xml_layout.h"
 #include "xml/xml_state.h"
 #include "xml/xml_write.h"
 
@@ -59,12 +60,9 @@ namespace {
 
 // What the DOM is given. What was decoded is in no encoding any more; with blanks instead of its
 // name all places stay as they are.
-ComText forDom(View text, const zo::XmlFinding& finding, bool keepsLayout) {
-  const auto withoutLayout = [&] {
-    const auto buffer = std::make_unique_for_overwrite<wchar_t[]>(text.size());
-    return ComText(View(buffer.get(), zo::copyWithoutLayout(text, buffer.get())));
-  };
-  ComText given = keepsLayout ? ComText(text) : withoutLayout();
+ComText forDom(View text, const zo::XmlFinding& finding, const zo::XmlLayout& leftOut) {
+  ComText given(leftOut.sizeWithout(text));
+  leftOut.copyWithout(text, given.get());
   std::fill_n(given.get() + finding.encodingStart, finding.encodingLength, L' ');
   return given;
 }
@@ -72,12 +70,12 @@ ComText forDom(View text, const zo::XmlFinding& finding, bool keepsLayout) {
 }  // namespace
 
 int XmlState::read(View text, bool isFromUtf16, const zo::XmlAllowed& limits) {
-  const zo::XmlFinding finding = zo::scanXml(text, limits);
+  zo::XmlLayout layout;
+  const zo::XmlFinding finding = zo::scanXml(text, limits, keepsLayout ? nullptr : &layout);
   if (finding.code != ZoResult::ok) return failFound(text, finding);
   const auto made = zo::newXmlDocument();
   if (!made) return fail(ZoResult::noXmlParser, kNoParser);
-  if (!zo::parseXml(*made, forDom(text, finding, keepsLayout)))
-    return failRefused(*made, text, finding);
+  if (!zo::parseXml(*made, forDom(text, finding, layout))) return failRefused(*made, text, finding);
   made->documentType = finding.documentType;
   made->namespaces = namespaces;
   if (!made->useNamespaces()) return fail(ZoResult::badXmlPath, L"A namespace is not taken.");
@@ -100,7 +98,7 @@ int XmlState::failRefused(XmlDocument& refusing, View text, const zo::XmlFinding
   constexpr int kCode = ZoResult::notWellFormed;
   if (const zo::XmlFault fault = zo::findXmlFault(text); fault.reason)
     return fail(kCode, fault.reason, zo::placeOf(text, fault.at), text);
-  const ComText whole = forDom(text, finding, true);
+  const ComText whole = forDom(text, finding, zo::XmlLayout());
   if (zo::parseXml(refusing, whole)) return fail(kCode, kNotTaken);
   const zo::XmlRefusal refusal = zo::whyRefused(refusing, whole);
   return fail(kCode, refusal.reason.empty() ? kNotTaken : View(refusal.reason), refusal.place,

@@ -88,10 +88,11 @@ bool XmlNames::declare(const XmlAttribute& attribute) {
 }
 
 bool XmlNames::checkName(View name, View& uri) {
+  if (name.find(L':') == View::npos) return true;
   if (!isQualified(name)) return fail(name, kNoName);
   const View prefix = prefixOf(name);
   if (prefix == L"xml") uri = kXmlUri;
-  if (prefix.empty() || prefix == L"xml") return true;
+  if (prefix == L"xml") return true;
   const auto found = uris_.find(prefix);
   if (found == uris_.end()) return fail(name, L"The prefix of a name is not declared.");
   uri = found->second.back();

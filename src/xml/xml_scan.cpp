@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "parse/csv_units.h"
+#include "xml/xml_layout.h"
 #include "xml/xml_names.h"
 #include "xml/xml_text.h"
 
@@ -12,6 +14,12 @@ using View = std::wstring_view;
 namespace {
 
 constexpr View kWhite = L" \t\r\n";
+
+// The place of any of the units from a place on, or the text's length.
+std::size_t findAny(View text, const FourUnits& units, std::size_t from) noexcept {
+  const wchar_t* const data = text.data();
+  return static_cast<std::size_t>(units.find(data + from, data + text.size()) - data);
+}
 
 }  // namespace
 
@@ -32,23 +40,23 @@ XmlToken XmlScanner::next() noexcept {
   const View rest = text_.substr(start_);
   if (rest.empty()) return XmlToken::End;
   if (rest[0] != L'<') {
-    at_ = std::min(text_.find(L'<', start_), text_.size());
+    at_ = findAny(text_, FourUnits(L'<', L'<', L'<', L'<'), start_);
     return XmlToken::Text;
   }
+  const wchar_t kind = rest.size() > 1 ? rest[1] : L'\0';
+  if (kind == L'?') return until(L"?>", 2, XmlToken::Instruction);
+  if (kind != L'!') return tag();
   if (rest.starts_with(L"<!--")) return until(L"-->", 4, XmlToken::Comment);
   if (rest.starts_with(L"<![CDATA[")) return until(L"]]>", 9, XmlToken::CharacterData);
-  if (rest.starts_with(L"<?")) return until(L"?>", 2, XmlToken::Instruction);
-  if (rest.starts_with(L"<!DOCTYPE")) return documentType();
-  if (rest.starts_with(L"<!")) return broken();
-  return tag();
+  return rest.starts_with(L"<!DOCTYPE") ? documentType() : broken();
 }
 
 // Up to the '>' outside of quotes.
 XmlToken XmlScanner::tag() noexcept {
   at_ = start_ + 1;
   for (;;) {
-    const std::size_t found = text_.find_first_of(L">\"'", at_);
-    if (found == View::npos) return broken();
+    const std::size_t found = findAny(text_, FourUnits(L'>', L'"', L'\'', L'>'), at_);
+    if (found == text_.size()) return broken();
     at_ = found + 1;
     if (text_[found] == L'>') break;
     const std::size_t end = text_.find(text_[found], at_);
@@ -76,7 +84,7 @@ XmlToken XmlScanner::documentType() noexcept {
       if (behind == View::npos) return broken();
       at_ = behind + end.size();
     } else {
-      open += rest[0] == L'<' ? 1 : std::size_t(-1);
+      rest[0] == L'<' ? ++open : --open;
     }
   }
   return XmlToken::DocumentType;
@@ -84,7 +92,11 @@ XmlToken XmlScanner::documentType() noexcept {
 
 View nameOfTag(View tag) noexcept {
   tag.remove_prefix(tag.size() > 1 && tag[1] == L'/' ? 2 : 1);
-  return tag.substr(0, tag.find_first_of(L" \t\r\n/>"));
+  const auto ends = [](wchar_t c) {
+    return c == L'>' || c == L'/' || c == L' ' || c == L'\t' || c == L'\r' || c == L'\n';
+  };
+  const auto end = std::find_if(tag.begin(), tag.end(), ends);
+  return tag.substr(0, static_cast<std::size_t>(end - tag.begin()));
 }
 
 XmlAttributes::XmlAttributes(View tag) noexcept
@@ -128,7 +140,7 @@ XmlFinding refusal(int code, std::size_t at, const wchar_t* reason) noexcept {
 
 }  // namespace
 
-XmlFinding scanXml(View text, const XmlAllowed& allowed) {
+XmlFinding scanXml(View text, const XmlAllowed& allowed, XmlLayout* layout) {
   const std::size_t unfit = firstUnfit(text);
   if (unfit != View::npos)
     return refusal(ZoResult::notWellFormed, unfit, L"A character that XML cannot hold.");
@@ -156,6 +168,7 @@ XmlFinding scanXml(View text, const XmlAllowed& allowed) {
       return refusal(names.finding().code,
                      static_cast<std::size_t>(names.place().data() - text.data()),
                      names.finding().reason);
+    if (layout) layout->take(token, scanner.piece(), scanner.start());
   }
   return finding;
 }

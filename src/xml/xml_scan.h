@@ -86,6 +86,9 @@ struct XmlFinding {
   std::size_t encodingLength = 0;
   std::wstring_view documentType;  // all of it
 };
-[[nodiscard]] XmlFinding scanXml(std::wstring_view text, const XmlAllowed& allowed);
+class XmlLayout;
+// Gives `layout`, if any, all tokens of a text that may be given to the platform.
+[[nodiscard]] XmlFinding scanXml(std::wstring_view text, const XmlAllowed& allowed,
+                                 XmlLayout* layout = nullptr);
 
 }  // namespace zo

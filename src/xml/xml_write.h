@@ -1,7 +1,6 @@
 // What the DOM writes, as it is saved. Needs no platform.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -12,10 +11,6 @@ void appendXmlAsIs(std::wstring_view xml, std::wstring& out);
 // The same with an element, comment or instruction a line and two blanks a level. What lies in an
 // element with text beside its elements, or with xml:space="preserve", stays as it is.
 void appendXmlIndented(std::wstring_view xml, std::wstring& out);
-
-// Copies well-formed XML without the white space that appendXmlIndented() makes anew; of any other
-// text no more than white space is left out. `out` has room for all of it. Returns the length.
-[[nodiscard]] std::size_t copyWithoutLayout(std::wstring_view xml, wchar_t* out);
 
 // A whole document without its declaration, a part a line; `documentType` takes the place of the
 // one that it has.

@@ -37,6 +37,7 @@ class FileSearchTest : public testing::Test {
   }
   void makeLibrary(const wchar_t* below, std::initializer_list<const wchar_t*> members) const {
     put(L"member");
+    std::filesystem::create_directories(path(below).parent_path());
     ZoLibrary library;
     ASSERT_EQ(library.open(path(below), ZoFile::kReadWrite, ZoFile::kOpenAlways), 0);
     for (const wchar_t* member : members)

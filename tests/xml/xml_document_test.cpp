@@ -495,12 +495,13 @@ TEST(XmlDocument, IndentsWhatIsLayoutAndNothingElse) {
   ZoXMLClass document;
   ASSERT_EQ(document.parse(L"<?xml version='1.0'?><!--top--><r><a>x</a>\n\n<b k='a  b'><c/><!--n-->"
                            L"</b><m>text <i>it</i> <i/></m><s xml:space='preserve'> <i/> </s>"
-                           L"<w>  </w><d><![CDATA[<]]></d></r><?end x?>"),
+                           L"<w>  </w><t><u> <v/> </u> x</t><d><![CDATA[<]]></d></r><?end x?>"),
             0);
   const std::wstring wanted =
       L"<?xml version=\"1.0\"?>\n<!--top-->\n<r>\n  <a>x</a>\n  <b k=\"a  b\">\n    <c/>\n"
       L"    <!--n-->\n  </b>\n  <m>text <i>it</i> <i/></m>\n"
-      L"  <s xml:space=\"preserve\"> <i/> </s>\n  <w>  </w>\n  <d><![CDATA[<]]></d>\n</r>\n"
+      L"  <s xml:space=\"preserve\"> <i/> </s>\n  <w>  </w>\n  <t><u> <v/> </u> x</t>\n"
+      L"  <d><![CDATA[<]]></d>\n</r>\n"
       L"<?end x?>\n";
   EXPECT_EQ(written(document, ZoXMLClass::kIndented), wanted);
   for (const bool isKept : {false, true}) {
@@ -511,9 +512,24 @@ TEST(XmlDocument, IndentsWhatIsLayoutAndNothingElse) {
               isKept ? wanted
                      : L"<?xml version=\"1.0\"?>\n<!--top-->\n<r><a>x</a><b k=\"a  b\"><c/><!--n-->"
                        L"</b><m>text <i>it</i> <i/></m><s xml:space=\"preserve\"> <i/> </s>"
-                       L"<w>  </w><d><![CDATA[<]]></d></r>\n<?end x?>\n");
+                       L"<w>  </w><t><u> <v/> </u> x</t><d><![CDATA[<]]></d></r>\n<?end x?>\n");
   }
   EXPECT_EQ(rootText(L"<a>\r\n\r</a>"), L"\n\n") << "line ends";
+}
+
+// Texts are looked at in steps of some units.
+TEST(XmlDocument, TakesEveryLengthOfTagsAndTexts) {
+  for (unsigned int n = 0; n < 40; ++n) {
+    const std::wstring fill(n, L'x');
+    const std::wstring front = L"<a b='" + fill + L">'>" + fill;
+    EXPECT_EQ(rootText(front + L"\t\x20AC<!--<-->" + fill + L"</a>").view(),
+              fill + L"\t\x20AC" + fill);
+    for (const wchar_t unfit : {L'\x1F', L'\xFFFE', L'\xD800', L'\xDFFF'}) {
+      ZoXMLClass document;
+      EXPECT_EQ(document.parse(front + unfit + L"</a>"), ZoResult::notWellFormed);
+      EXPECT_EQ(document.error().column, front.size() + 1);
+    }
+  }
 }
 
 TEST(XmlDocument, IsSavedWholeOrNotAtAll) {

@@ -13,9 +13,12 @@
 //          the platform lets it vanish only when nobody has it open, that is at the next search,
 //          and what removes a tree and waits for each level to vanish waits until then: release the
 //          place first.
-// Members  that are to be files of the disk are copied to the cache's folder, "members"; without a
-//          cache to "zo_members" in the folder for temporary files. A copy is made once for each
-//          state of its library, and stays.
+// Members  are given as their library is known: with what this process changed in it at once, and
+//          with what others did as soon as the platform tells of it, a second later at the latest.
+//          A member that has gone when it is to be opened is looked for once more.
+//          Those that are to be files of the disk are copied to the cache's folder, "members";
+//          without a cache to "zo_members" in the folder for temporary files. A copy is made once
+//          for each state of its library, and stays.
 //
 // Errors, Threads: as in zo/system/file_search.h.
 // Cost:    what is known is found in some microseconds, however many places there are; what is not,
