@@ -2,6 +2,8 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+
 #include "dialogs/dialog_texts.h"
 
 namespace {
@@ -50,7 +52,8 @@ void zo::EditorColumns::insert(int column, int width) const {
   const int room = box.right - GetSystemMetrics(SM_CXVSCROLL);
   const auto& [text, share] = kColumns[column];
   LVCOLUMNW request = {};
-  request.mask = LVCF_TEXT | LVCF_WIDTH;
+  request.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_ORDER;
+  request.iOrder = std::min<int>(column, EditorRows::kFlags);  // the other's value beside the value
   request.pszText = const_cast<wchar_t*>(dialogText(text));
   request.cx = width > 0 ? width : room * share / 100;
   SendMessageW(list_, LVM_INSERTCOLUMNW, static_cast<WPARAM>(column),
