@@ -247,7 +247,7 @@ void zo::Editor::onMenu(POINT at) {
     at = {box.left, box.bottom};
     ClientToScreen(list_, &at);
   }
-  HMENU const menu = CreatePopupMenu();
+  auto* const menu = CreatePopupMenu();
   AppendMenuW(menu, MF_STRING, kEditorEdit, dialogText(commandEdit));
   AppendMenuW(menu, MF_STRING, kEditorRename, dialogText(commandRename));
   for (const Button& button : kButtons)
@@ -271,7 +271,7 @@ LRESULT zo::Editor::onNotice(NMHDR& notice) {
 LRESULT zo::Editor::onListNotice(NMHDR& notice) {
   switch (notice.code) {
     case LVN_GETDISPINFOW: {
-      LVITEMW& cell = reinterpret_cast<NMLVDISPINFOW&>(notice).item;
+      const LVITEMW& cell = reinterpret_cast<NMLVDISPINFOW&>(notice).item;
       if ((cell.mask & LVIF_TEXT) && cell.cchTextMax > 0)
         lstrcpynW(cell.pszText, rows_.text(cell.iItem, cell.iSubItem), cell.cchTextMax);
       return 0;

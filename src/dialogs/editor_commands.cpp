@@ -11,7 +11,6 @@
 
 namespace {
 
-using zo::dialogText;
 using enum zo::DialogText;
 
 enum Modifier : unsigned int { kPlain = 0, kShift = 1, kControl = 2, kAlt = 4 };
@@ -160,8 +159,9 @@ void zo::Editor::rename() {
 void zo::Editor::openField(EditorField::What what, const ZoString& path) {
   const bool isName = what == EditorField::kName;
   const int index = rows_.indexOf(path);
-  const ZoString text =
-      isName ? rows_.at(index)->name : ZoVariantEdits::textOf(*rows_.at(index)->value);
+  const std::optional<EditorRows::Row> row = rows_.at(index);
+  if (!row || !row->value) return;
+  const ZoString text = isName ? row->name : ZoVariantEdits::textOf(*row->value);
   SendMessageW(list_, LVM_ENSUREVISIBLE, static_cast<WPARAM>(index), FALSE);
   if (field_.open(cellOf(index, what), path, what, text)) return;
   if (isName) return say(notEditableHere);
@@ -284,8 +284,8 @@ void zo::Editor::travel(int (ZoVariantEdits::*way)()) {
 }
 
 // The place of the edit is shown, or the rows as far down as before. Where more than one value has
-// changed the rows are of no use from the edit on: they go first, so that none is left when there is
-// no memory for others.
+// changed the rows are of no use from the edit on: they go first, so that none is left when there
+// is no memory for others.
 void zo::Editor::follow(What what) {
   const int index = selected();
   const ZoString place = edits_.place(), outer(outerOf(place.view()));

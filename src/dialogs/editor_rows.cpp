@@ -79,7 +79,7 @@ ZoString zo::EditorRows::text(int index, int column) const {
   if (column == kName) return nameOf(index);
   if (column == kOther) {
     const std::optional<Row> row = at(index);
-    return row->other ? shownText(*row->other) : ZoString();
+    return row && row->other ? shownText(*row->other) : ZoString();
   }
   const SeenElement* const element = seen(index);
   if (!element) return {};
