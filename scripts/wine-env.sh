@@ -50,3 +50,24 @@ zo_wine_stop() {
   wineserver -w 2>/dev/null
   return 0
 }
+
+# zo_display_start: a display of our own for programs that open windows, until zo_display_stop. Only a server that is
+# started afterwards knows of it: with one from before, windows stay black.
+zo_display_start() {
+  local number
+  number=$(mktemp)
+  Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$number" >/dev/null 2>&1 &
+  zo_display_pid=$!
+  for _ in $(seq 100); do [ -s "$number" ] && break; sleep 0.05; done
+  DISPLAY=$(sed 's/^/:/' "$number")
+  rm -f "$number"
+  [ -n "$DISPLAY" ] || { zo_say 'the virtual display (Xvfb) does not start'; return 1; }
+  export DISPLAY
+}
+
+zo_display_stop() {
+  [ -n "${zo_display_pid:-}" ] || return 0
+  kill "$zo_display_pid" 2>/dev/null
+  wait "$zo_display_pid" 2>/dev/null
+  zo_display_pid=''
+}

@@ -1,32 +1,13 @@
 // What a user sees of a variant that is edited: elements in order, and those that are searched for.
 #include <zo/dialogs/variant_edits.h>
 
-#include <algorithm>
 #include <ranges>
-#include <string>
 
-#include "dialogs/edit_paths.h"
+#include "dialogs/edit_elements.h"
 
 namespace {
 
 using Element = ZoVariantEdits::Element;
-
-// Hidden ones are left out.
-std::vector<Element> elementsOf(const ZoString& path, const ZoVariant& container) {
-  std::vector<Element> elements;
-  elements.reserve(container.entries());
-  for (const auto [key, position, value] : container.elements()) {
-    if (value.isFlagged(ZoFlagInvisible)) continue;
-    if (key)
-      elements.push_back({zo::pathOf(path, *key), *key, &value});
-    else
-      elements.push_back({zo::pathOf(path, position),
-                          ZoString((L"[" + std::to_wstring(position) + L"]").c_str()), &value});
-  }
-  if (container.asDict())
-    std::ranges::sort(elements, {}, [](const Element& e) { return e.name.view(); });
-  return elements;
-}
 
 bool isMatch(const Element& element, const ZoVariant& outer, const ZoRegExp& expression,
              ZoVariantEdits::Where where) {
@@ -39,8 +20,14 @@ bool isMatch(const Element& element, const ZoVariant& outer, const ZoRegExp& exp
 }  // namespace
 
 std::vector<Element> ZoVariantEdits::elements(zo::TextParameter path) const {
+  std::vector<Element> elements;
   const ZoVariant* const container = value_.find(path);
-  return container ? elementsOf(ZoString(path), *container) : std::vector<Element>();
+  if (!container) return elements;
+  const ZoString outer(path);
+  elements.reserve(container->entries());
+  for (const zo::SeenElement& seen : zo::seenElements(*container))
+    elements.push_back({seen.path(outer), seen.name(), seen.value});
+  return elements;
 }
 
 // Down without recursion: nothing bounds a variant's depth.
@@ -53,9 +40,9 @@ std::vector<ZoString> ZoVariantEdits::find(const ZoRegExp& expression, Where whe
   std::vector<ZoString> found;
   std::vector<Seen> ahead;  // the next one last
   const auto enter = [&](const ZoString& path, const ZoVariant& container) {
-    std::vector<Element> inside = elementsOf(path, container);
-    for (Element& element : std::views::reverse(inside))
-      ahead.push_back({std::move(element), &container});
+    const std::vector<zo::SeenElement> inside = zo::seenElements(container);
+    for (const zo::SeenElement& seen : std::views::reverse(inside))
+      ahead.push_back({{seen.path(path), seen.name(), seen.value}, &container});
   };
   enter(ZoString(), value_);
   while (!ahead.empty() && found.size() < most) {

@@ -32,6 +32,8 @@ constexpr Button kButtons[] = {
 constexpr short kWidth = 440, kHeight = 250, kLeastWidth = 320, kLeastHeight = 196;
 constexpr int kGap = 7, kRow = 14, kColumn = 66;
 
+constexpr UINT kColumnsMoved = WM_APP;
+
 zo::DialogTemplate formOf(const ZoString& title, bool isReadOnly, bool isCompared) {
   const auto style = [](DWORD own) { return own | WS_TABSTOP; };
   zo::DialogTemplate form(title.isEmpty() ? ZoString(dialogText(editTitle)).view() : title.view(),
@@ -84,29 +86,30 @@ HWND zo::Editor::onStart() {
   field_.start(item(kEditorField));
   SendMessageW(list_, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
   restorePlace(key_, window());
-  layout();
-  makeColumns();
+  restoreWidths();
   tree_.start(item(kEditorTree));
   reload();
   select(0);
   return list_;
 }
 
-void zo::Editor::makeColumns() {
-  RECT box;
-  GetClientRect(list_, &box);
-  const int width = box.right - GetSystemMetrics(SM_CXVSCROLL);
-  const struct {
-    DialogText text;
-    int share;
-  } columns[] = {{columnName, 25}, {columnType, 18}, {columnValue, 37}, {columnFlags, 20}};
-  LVCOLUMNW column = {};
-  column.mask = LVCF_TEXT | LVCF_WIDTH;
-  for (WPARAM i = 0; const auto& [text, share] : columns) {
-    column.pszText = const_cast<wchar_t*>(dialogText(text));
-    column.cx = width * share / 100;
-    SendMessageW(list_, LVM_INSERTCOLUMNW, i++, reinterpret_cast<LPARAM>(&column));
+// The border's place, and the columns' widths.
+void zo::Editor::restoreWidths() {
+  EditorColumns::Widths widths{};
+  const std::vector<int> kept = keptNumbers(key_, L"columns");
+  if (kept.size() == widths.size() + 1) {
+    split_.share = std::min(kept.front(), EditorSplit::kWhole);
+    std::copy(kept.begin() + 1, kept.end(), widths.begin());
   }
+  layout();
+  columns_.start(list_, widths);
+}
+
+void zo::Editor::keepWidths() const {
+  const EditorColumns::Widths widths = columns_.widths();
+  std::vector<int> numbers{split_.share};
+  numbers.insert(numbers.end(), widths.begin(), widths.end());
+  keepNumbers(key_, L"columns", numbers);
 }
 
 void zo::Editor::layout() {
@@ -122,12 +125,9 @@ void zo::Editor::layout() {
   };
   const LONG gap = x(kGap), row = y(kRow), right = box.right - gap, buttons = right - x(kColumn);
   const LONG top = y(kGap) + row + y(4), last = box.bottom - y(kGap) - row, end = last - y(kGap);
-  const LONG middle = gap + (buttons - 3 * gap) / 3;
   place(kEditorFindLabel, gap, y(kGap + 3), gap + x(34), y(kGap) + row);
   place(kEditorFind, gap + x(36), y(kGap), buttons - x(104), y(kGap) + row);
   place(kEditorOnlyDifferences, buttons - x(98), y(kGap), right, y(kGap) + row);
-  place(kEditorTree, gap, top, middle, end);
-  place(kEditorList, middle + x(4), top, buttons - gap, end);
   for (LONG at = top; const Button& button : kButtons) {
     place(button.id, buttons, at, right, at + row);
     at += row + y(3);
@@ -135,7 +135,49 @@ void zo::Editor::layout() {
   place(kEditorStatus, gap, last + y(3), right - x(112), last + row);
   place(IDOK, right - x(108), last, right - x(56), last + row);
   place(IDCANCEL, right - x(52), last, right, last + row);
+  split_.room = {gap, top, buttons - gap, end};
+  split_.bar = x(4);
+  split_.least = x(60);
+  layoutSplit();
   InvalidateRect(window(), nullptr, TRUE);
+}
+
+void zo::Editor::layoutSplit() {
+  const RECT& room = split_.room;
+  const LONG edge = split_.edge(), list = edge + split_.bar, height = room.bottom - room.top;
+  const auto place = [&](HWND control, LONG left, LONG right) {
+    SetWindowPos(control, nullptr, left, room.top, right - left, height,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+  };
+  place(item(kEditorTree), room.left, edge);
+  place(list_, list, room.right);
+  placeField();
+}
+
+void zo::Editor::moveSplit(LONG edge) {
+  split_.moveTo(edge);
+  layoutSplit();
+}
+
+// Over its cell, wherever that is now; scrolling may close it.
+void zo::Editor::placeField() {
+  if (!field_.isOpen()) return;
+  const int index = rows_.indexOf(field_.path());
+  SendMessageW(list_, LVM_ENSUREVISIBLE, static_cast<WPARAM>(index), FALSE);
+  if (field_.isOpen()) field_.place(cellOf(index, field_.what()));
+}
+
+RECT zo::Editor::cellOf(int index, EditorField::What what) const {
+  RECT cell{};
+  cell.top = what == EditorField::kName ? EditorRows::kName : EditorRows::kValue;
+  cell.left = LVIR_LABEL;
+  SendMessageW(list_, LVM_GETSUBITEMRECT, static_cast<WPARAM>(index),
+               reinterpret_cast<LPARAM>(&cell));
+  RECT seen;
+  GetClientRect(list_, &seen);
+  cell.right = std::min(std::max(cell.right, cell.left + 40), seen.right);
+  MapWindowPoints(list_, window(), reinterpret_cast<POINT*>(&cell), 2);
+  return cell;
 }
 
 void zo::Editor::limitSize(MINMAXINFO& limits) const {
@@ -150,22 +192,49 @@ bool zo::Editor::onMessage(UINT message, WPARAM w, LPARAM l) {
   switch (message) {
     case WM_SIZE:
       if (!list_ || w == SIZE_MINIMIZED) return false;
-      field_.close();
       layout();
       return true;
     case WM_GETMINMAXINFO:
       limitSize(*reinterpret_cast<MINMAXINFO*>(l));
+      return true;
+    case WM_SETCURSOR:
+    case WM_LBUTTONDOWN:
+    case WM_MOUSEMOVE:
+    case WM_LBUTTONUP:
+      return onMouse(message, {GET_X_LPARAM(l), GET_Y_LPARAM(l)});
+    case kColumnsMoved:
+      placeField();
       return true;
     case WM_CONTEXTMENU:
       if (reinterpret_cast<HWND>(w) != list_) return false;
       onMenu({GET_X_LPARAM(l), GET_Y_LPARAM(l)});
       return true;
     case WM_DESTROY:
-      if (list_) keepPlace(key_, window());
+      if (!list_) return false;
+      keepPlace(key_, window());
+      keepWidths();
       return false;
     default:
       return false;
   }
+}
+
+// The border is dragged as long as the window has the mouse.
+bool zo::Editor::onMouse(UINT message, POINT at) {
+  const bool isDragged = GetCapture() == window();
+  if (message == WM_SETCURSOR) {  // which does not say where
+    GetCursorPos(&at);
+    ScreenToClient(window(), &at);
+  }
+  if (!isDragged && !split_.isOnBar(at)) return false;
+  if (message == WM_SETCURSOR) SetCursor(LoadCursorW(nullptr, IDC_SIZEWE));
+  if (message == WM_LBUTTONDOWN) {
+    split_.grip = at.x - split_.edge();
+    SetCapture(window());
+  }
+  if (message == WM_MOUSEMOVE && isDragged) moveSplit(at.x - split_.grip);
+  if (message == WM_LBUTTONUP && isDragged) ReleaseCapture();
+  return true;
 }
 
 // By the keyboard it comes without a place.
@@ -178,7 +247,7 @@ void zo::Editor::onMenu(POINT at) {
     at = {box.left, box.bottom};
     ClientToScreen(list_, &at);
   }
-  HMENU const menu = CreatePopupMenu();
+  auto* const menu = CreatePopupMenu();
   AppendMenuW(menu, MF_STRING, kEditorEdit, dialogText(commandEdit));
   AppendMenuW(menu, MF_STRING, kEditorRename, dialogText(commandRename));
   for (const Button& button : kButtons)
@@ -190,6 +259,8 @@ void zo::Editor::onMenu(POINT at) {
 
 LRESULT zo::Editor::onNotice(NMHDR& notice) {
   if (notice.idFrom == kEditorList) return onListNotice(notice);
+  if (notice.code == HDN_ENDTRACKW || notice.code == HDN_ITEMCHANGEDW)
+    PostMessageW(window(), kColumnsMoved, 0, 0);  // the list itself has not moved them yet
   if (notice.idFrom != kEditorTree) return 0;
   if (notice.code != TVN_SELCHANGEDW) return tree_.onNotice(notice);
   const ZoString* const path = tree_.isBusy() ? nullptr : tree_.pathOf(tree_.chosen());
@@ -200,7 +271,7 @@ LRESULT zo::Editor::onNotice(NMHDR& notice) {
 LRESULT zo::Editor::onListNotice(NMHDR& notice) {
   switch (notice.code) {
     case LVN_GETDISPINFOW: {
-      LVITEMW& cell = reinterpret_cast<NMLVDISPINFOW&>(notice).item;
+      const LVITEMW& cell = reinterpret_cast<NMLVDISPINFOW&>(notice).item;
       if ((cell.mask & LVIF_TEXT) && cell.cchTextMax > 0)
         lstrcpynW(cell.pszText, rows_.text(cell.iItem, cell.iSubItem), cell.cchTextMax);
       return 0;
@@ -277,12 +348,12 @@ int zo::Editor::selected() const noexcept {
 void zo::Editor::say(const ZoString& text) { SetDlgItemTextW(window(), kEditorStatus, text); }
 
 void zo::Editor::sayPath() {
-  const EditorRows::Row* const row = rows_.at(selected());
+  const std::optional<EditorRows::Row> row = rows_.at(selected());
   say(row ? row->path : chosen_);
 }
 
 void zo::Editor::enableCommands() {
-  const EditorRows::Row* const row = rows_.at(selected());
+  const std::optional<EditorRows::Row> row = rows_.at(selected());
   const ZoVariant* const container = edits_.value().find(chosen_.view());
   const bool isOpen = !edits_.isReadOnly();
   const bool isElement = row && row->value && !row->path.isEmpty();

@@ -10,9 +10,11 @@
 #include <vector>
 
 #include "dialogs/dialog_texts.h"
+#include "dialogs/editor_columns.h"
 #include "dialogs/editor_differences.h"
 #include "dialogs/editor_field.h"
 #include "dialogs/editor_rows.h"
+#include "dialogs/editor_split.h"
 #include "dialogs/editor_tree.h"
 #include "platform/modal_dialog.h"
 
@@ -41,6 +43,8 @@ enum EditorControl : int {
   kEditorFindNext,
   kEditorFindPrevious,
   kEditorOuter,  // shows the container around
+  kEditorNarrowTree,
+  kEditorWidenTree,
 };
 
 class Editor final : public ModalDialog {
@@ -66,11 +70,17 @@ class Editor final : public ModalDialog {
   bool survives() noexcept override;
 
   // What is shown: editor.cpp.
-  void makeColumns();
+  void restoreWidths();
+  void keepWidths() const;
   void layout();
+  void layoutSplit();
+  void moveSplit(LONG edge);
+  void placeField();
+  [[nodiscard]] RECT cellOf(int index, EditorField::What what) const;
   void limitSize(MINMAXINFO& limits) const;
   LRESULT onListNotice(NMHDR& notice);
   void onMenu(POINT at);
+  bool onMouse(UINT message, POINT at);
   void open(const ZoString& container);
   void reload();
   void select(int index);
@@ -83,7 +93,7 @@ class Editor final : public ModalDialog {
 
   // What the user does: editor_commands.cpp.
   void perform(int command);
-  [[nodiscard]] const EditorRows::Row* target();
+  [[nodiscard]] std::optional<EditorRows::Row> target();
   void edit();
   void rename();
   void add();
@@ -108,6 +118,8 @@ class Editor final : public ModalDialog {
   ZoString title_, key_;
   std::optional<EditorDifferences> differences_;  // while only these are shown
   EditorTree tree_;
+  EditorColumns columns_;
+  EditorSplit split_;
   EditorRows rows_;
   EditorField field_;
   ZoString chosen_;  // the container in the list

@@ -11,7 +11,6 @@
 
 namespace {
 
-using zo::dialogText;
 using enum zo::DialogText;
 
 enum Modifier : unsigned int { kPlain = 0, kShift = 1, kControl = 2, kAlt = 4 };
@@ -29,6 +28,8 @@ constexpr Key kKeys[] = {
     {VK_RETURN, kAlt, zo::kEditorProperties},
     {VK_UP, kAlt, zo::kEditorUp},
     {VK_DOWN, kAlt, zo::kEditorDown},
+    {VK_LEFT, kAlt, zo::kEditorNarrowTree},
+    {VK_RIGHT, kAlt, zo::kEditorWidenTree},
     {VK_BACK, kPlain, zo::kEditorOuter},
     {'Z', kControl, zo::kEditorUndo},
     {'Y', kControl, zo::kEditorRedo},
@@ -117,25 +118,29 @@ void zo::Editor::perform(int command) {
     case kEditorOuter:
       if (!chosen_.isEmpty()) reveal(ZoString(chosen_));
       return;
+    case kEditorNarrowTree:
+      return moveSplit(split_.edge() - 4 * split_.bar);
+    case kEditorWidenTree:
+      return moveSplit(split_.edge() + 4 * split_.bar);
     default:
       return;
   }
 }
 
 // The row that a command is meant for: the selected one, or where the tree has the focus that of
-// the container chosen there, which is shown first. Null where there is none, or no path leads to
+// the container chosen there, which is shown first. None where there is none, or no path leads to
 // it: in the value itself an empty key has the path of the whole.
-const zo::EditorRows::Row* zo::Editor::target() {
+std::optional<zo::EditorRows::Row> zo::Editor::target() {
   if (GetFocus() == tree_.control() && !chosen_.isEmpty()) reveal(ZoString(chosen_));
-  const EditorRows::Row* const row = rows_.at(selected());
-  if (!row || !row->value) return nullptr;
-  return row->value == edits_.value().find(row->path.view()) ? row : nullptr;
+  const std::optional<EditorRows::Row> row = rows_.at(selected());
+  if (!row || !row->value) return std::nullopt;
+  return row->value == edits_.value().find(row->path.view()) ? row : std::nullopt;
 }
 
 // ---- Values and names ----
 
 void zo::Editor::edit() {
-  const EditorRows::Row* const row = target();
+  const std::optional<EditorRows::Row> row = target();
   if (!row) return;
   if (isContainer(*row->value)) return open(ZoString(row->path));
   if (!edits_.isEditable(row->path.view())) return showProperties();
@@ -144,7 +149,7 @@ void zo::Editor::edit() {
 
 // What has no name is edited instead.
 void zo::Editor::rename() {
-  const EditorRows::Row* const row = target();
+  const std::optional<EditorRows::Row> row = target();
   if (!row || edits_.isReadOnly()) return;
   const ZoVariant* const container = edits_.value().find(chosen_.view());
   if (row->path.isEmpty() || !container || !container->asDict()) return edit();
@@ -154,19 +159,11 @@ void zo::Editor::rename() {
 void zo::Editor::openField(EditorField::What what, const ZoString& path) {
   const bool isName = what == EditorField::kName;
   const int index = rows_.indexOf(path);
-  const ZoString text =
-      isName ? rows_.at(index)->name : ZoVariantEdits::textOf(*rows_.at(index)->value);
-  RECT cell{};
-  cell.top = isName ? EditorRows::kName : EditorRows::kValue;
-  cell.left = LVIR_LABEL;
+  const std::optional<EditorRows::Row> row = rows_.at(index);
+  if (!row || !row->value) return;
+  const ZoString text = isName ? row->name : ZoVariantEdits::textOf(*row->value);
   SendMessageW(list_, LVM_ENSUREVISIBLE, static_cast<WPARAM>(index), FALSE);
-  SendMessageW(list_, LVM_GETSUBITEMRECT, static_cast<WPARAM>(index),
-               reinterpret_cast<LPARAM>(&cell));
-  RECT seen;
-  GetClientRect(list_, &seen);
-  cell.right = std::min(std::max(cell.right, cell.left + 40), seen.right);
-  MapWindowPoints(list_, window(), reinterpret_cast<POINT*>(&cell), 2);
-  if (field_.open(cell, path, what, text)) return;
+  if (field_.open(cellOf(index, what), path, what, text)) return;
   if (isName) return say(notEditableHere);
   showProperties();
 }
@@ -210,7 +207,7 @@ ZoString zo::Editor::reasonOf(const EditorField& field) const {
 
 void zo::Editor::showProperties() {
   const bool isWhole = GetFocus() == tree_.control() && chosen_.isEmpty();
-  const EditorRows::Row* const row = isWhole ? nullptr : target();
+  const std::optional<EditorRows::Row> row = isWhole ? std::nullopt : target();
   if (!isWhole && !row) return;
   const ZoString path = row ? row->path : ZoString();
   ElementDialog::Request request;
@@ -232,7 +229,7 @@ void zo::Editor::showProperties() {
 void zo::Editor::add() {
   if (edits_.isReadOnly()) return;
   const ZoVariant* const container = edits_.value().find(chosen_.view());
-  const EditorRows::Row* const row = rows_.at(selected());
+  const std::optional<EditorRows::Row> row = rows_.at(selected());
   const bool isLike = row && row->value && !isContainer(*row->value) && !row->value->isEmpty() &&
                       !row->value->isTypeOf(ZoVariant::kPointer);
   ElementDialog::Request request;
@@ -252,7 +249,7 @@ void zo::Editor::add() {
 ZoString zo::Editor::takeNew(const ZoString& name, ZoVariant value) {
   const ZoVariant& container = *edits_.value().find(chosen_.view());
   if (container.asSequence()) {
-    const EditorRows::Row* const row = rows_.at(selected());
+    const std::optional<EditorRows::Row> row = rows_.at(selected());
     const unsigned int position = row && row->value
                                       ? std::stoul(std::wstring(lastStepOf(row->path.view()))) + 1
                                       : container.entries();
@@ -266,14 +263,14 @@ ZoString zo::Editor::takeNew(const ZoString& name, ZoVariant value) {
 }
 
 void zo::Editor::remove() {
-  const EditorRows::Row* const row = target();
+  const std::optional<EditorRows::Row> row = target();
   if (!row || row->path.isEmpty()) return;
   if (edits_.remove(row->path.view()) != ZoResult::ok) return say(notEditable);
   follow(kManyValues);
 }
 
 void zo::Editor::move(int by) {
-  const EditorRows::Row* const row = target();
+  const std::optional<EditorRows::Row> row = target();
   const ZoVariant* const container = edits_.value().find(chosen_.view());
   if (!row || row->path.isEmpty() || !container || !container->asSequence()) return;
   const auto position = std::stoul(std::wstring(lastStepOf(row->path.view())));
@@ -286,13 +283,15 @@ void zo::Editor::travel(int (ZoVariantEdits::*way)()) {
   if ((edits_.*way)() == ZoResult::ok) follow(kManyValues);
 }
 
-// The place of the edit is shown, or the rows as far down as before. Rows are of no use from the
-// edit on: they go first, so that none is left when there is no memory for others.
+// The place of the edit is shown, or the rows as far down as before. Where more than one value has
+// changed the rows are of no use from the edit on: they go first, so that none is left when there
+// is no memory for others.
 void zo::Editor::follow(What what) {
   const int index = selected();
-  rows_ = EditorRows();
-  matches_.clear();
   const ZoString place = edits_.place(), outer(outerOf(place.view()));
+  const bool keepsRows = what == kOneValue && !differences_ && outer == chosen_;
+  if (!keepsRows) rows_ = EditorRows();
+  matches_.clear();
   if (differences_) differences_.emplace(edits_.value(), *other_);
   const auto isThere = [this] {
     const ZoVariant* const found = edits_.value().find(chosen_.view());
@@ -301,7 +300,10 @@ void zo::Editor::follow(What what) {
   while (!chosen_.isEmpty() && !isThere()) chosen_ = ZoString(outerOf(chosen_.view()));
   if (place != chosen_ && outer != chosen_) chosen_ = outer;
   if (what == kManyValues) tree_.renew(place == chosen_ ? place : outer);
-  reload();
+  if (keepsRows)
+    InvalidateRect(list_, nullptr, FALSE);
+  else
+    reload();
   const int row = place == chosen_ ? -1 : rows_.indexOf(place);
   select(row >= 0 ? row : std::max(index, 0));
   tree_.choose(chosen_);
@@ -329,19 +331,10 @@ void zo::Editor::find(int by) {
 void zo::Editor::compare(bool isOn) {
   if (!other_ || !finish()) return;
   CheckDlgButton(window(), kEditorOnlyDifferences, isOn ? BST_CHECKED : BST_UNCHECKED);
-  if (isOn) {
-    differences_.emplace(edits_.value(), *other_);
-    LVCOLUMNW column = {};
-    column.mask = LVCF_TEXT | LVCF_WIDTH;
-    column.pszText = const_cast<wchar_t*>(dialogText(columnOther));
-    RECT box;
-    GetClientRect(list_, &box);
-    column.cx = box.right / 4;
-    SendMessageW(list_, LVM_INSERTCOLUMNW, EditorRows::kOther, reinterpret_cast<LPARAM>(&column));
-  } else {
-    differences_.reset();
-    SendMessageW(list_, LVM_DELETECOLUMN, EditorRows::kOther, 0);
-  }
+  rows_ = EditorRows();  // of the differences that were shown
+  differences_.reset();
+  if (isOn) differences_.emplace(edits_.value(), *other_);
+  columns_.showOther(isOn);
   reload();
   select(0);
 }

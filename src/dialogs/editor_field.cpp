@@ -19,11 +19,16 @@ bool zo::EditorField::open(const RECT& box, const ZoString& path, What what, con
   shown_ = text;
   what_ = what;
   isOpen_ = true;
-  SetWindowPos(control_, HWND_TOP, box.left, box.top, box.right - box.left, box.bottom - box.top,
-               SWP_SHOWWINDOW);
+  place(box);
+  ShowWindow(control_, SW_SHOW);
   SetFocus(control_);
   SendMessageW(control_, EM_SETSEL, 0, -1);
   return true;
+}
+
+void zo::EditorField::place(const RECT& box) noexcept {
+  SetWindowPos(control_, HWND_TOP, box.left, box.top, box.right - box.left, box.bottom - box.top,
+               SWP_NOACTIVATE);
 }
 
 void zo::EditorField::close() noexcept {

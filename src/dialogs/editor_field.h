@@ -18,6 +18,7 @@ class EditorField {
   // Opens it over a place of the dialog. False when the field cannot hold the text as it is: one of
   // several lines, or with a zero character.
   [[nodiscard]] bool open(const RECT& box, const ZoString& path, What what, const ZoString& text);
+  void place(const RECT& box) noexcept;
   void close() noexcept;
 
   [[nodiscard]] bool isOpen() const noexcept { return isOpen_; }

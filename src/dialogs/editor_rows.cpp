@@ -3,59 +3,89 @@
 #include <algorithm>
 
 #include "dialogs/dialog_texts.h"
-#include "dialogs/edit_paths.h"
 #include "variant/code_names.h"
 #include "variant/type_texts.h"
 
 zo::EditorRows::EditorRows(const ZoVariantEdits& edits, const ZoString& container,
-                           const EditorDifferences* differences) {
-  const ZoVariant* const chosen = edits.value().find(container.view());
-  if (!chosen) return;
-  if (!chosen->asDict() && !chosen->asSequence()) {
-    rows_.push_back({container, dialogText(DialogText::wholeValue), chosen,
-                     differences ? differences->other(container) : nullptr});
-    return;
+                           const EditorDifferences* differences)
+    : root_(&edits.value()),
+      chosen_(root_->find(container.view())),
+      container_(container),
+      differences_(differences) {
+  if (!chosen_) return;
+  if (!isWhole()) {
+    elements_ = seenElements(*chosen_, [&](const SeenElement& element) {
+      return !differences || differences->isShown(element.path(container));
+    });
+    if (differences) missing_ = differences->missing(container);
+  } else {
+    elements_.push_back({{}, chosen_, 0, false});
   }
-  for (ZoVariantEdits::Element& element : edits.elements(container.view())) {
-    if (differences && !differences->isShown(element.path)) continue;
-    const ZoVariant* const other = differences ? differences->other(element.path) : nullptr;
-    rows_.push_back({std::move(element.path), std::move(element.name), element.value, other});
-  }
-  if (!differences) return;
-  for (const ZoVariantChange* const change : differences->missing(container))
-    rows_.push_back({change->path, stepName(*chosen, lastStepOf(change->path.view())), nullptr,
-                     &change->after});
 }
 
-const zo::EditorRows::Row* zo::EditorRows::at(int index) const noexcept {
-  return index >= 0 && index < count() ? &rows_[static_cast<size_t>(index)] : nullptr;
+bool zo::EditorRows::isWhole() const noexcept {
+  return chosen_ && !chosen_->asDict() && !chosen_->asSequence();
 }
 
-int zo::EditorRows::indexOf(const ZoString& path) const noexcept {
-  for (int i = 0; i < count(); ++i)
-    if (at(i)->value && at(i)->path == path) return i;
-  return -1;
+int zo::EditorRows::count() const noexcept {
+  return static_cast<int>(elements_.size() + missing_.size());
+}
+
+const zo::SeenElement* zo::EditorRows::seen(int index) const noexcept {
+  const auto i = static_cast<size_t>(index);
+  return index >= 0 && i < elements_.size() ? &elements_[i] : nullptr;
+}
+
+const ZoVariantChange* zo::EditorRows::missing(int index) const noexcept {
+  const size_t i = static_cast<size_t>(index) - elements_.size();
+  return index >= 0 && i < missing_.size() ? missing_[i] : nullptr;
+}
+
+std::optional<zo::EditorRows::Row> zo::EditorRows::at(int index) const {
+  if (const SeenElement* const element = seen(index)) {
+    ZoString path = isWhole() ? container_ : element->path(container_);
+    const ZoVariant* const other = differences_ ? differences_->other(path) : nullptr;
+    return Row{std::move(path), nameOf(index), element->value, other};
+  }
+  const ZoVariantChange* const change = missing(index);
+  if (!change) return std::nullopt;
+  return Row{change->path, nameOf(index), nullptr, &change->after};
+}
+
+ZoString zo::EditorRows::nameOf(int index) const {
+  if (isWhole()) return ZoString(dialogText(DialogText::wholeValue));
+  if (const SeenElement* const element = seen(index)) return element->name();
+  return stepName(*chosen_, lastStepOf(missing(index)->path.view()));
+}
+
+int zo::EditorRows::indexOf(const ZoString& path) const {
+  const ZoVariant* const wanted = root_ ? root_->find(path.view()) : nullptr;
+  const auto found = std::ranges::find(elements_, wanted, &SeenElement::value);
+  return found == elements_.end() ? -1 : static_cast<int>(found - elements_.begin());
 }
 
 int zo::EditorRows::startingWith(std::wstring_view begin, int from) const {
   const ZoString head(begin);
   for (int i = 0; i < count(); ++i) {
     const int index = (from + i) % count();
-    const ZoString name(at(index)->name.view().substr(0, begin.size()));
+    const ZoString name(nameOf(index).view().substr(0, begin.size()));
     if (name.compareTo(head, ZoString::ignoreCase) == 0) return index;
   }
   return -1;
 }
 
 ZoString zo::EditorRows::text(int index, int column) const {
-  const Row* const row = at(index);
-  if (!row) return {};
-  if (column == kName) return row->name;
-  if (column == kOther) return row->other ? shownText(*row->other) : ZoString();
-  if (!row->value) return {};
-  if (column == kType) return ZoString(nameOfCode(row->value->code()));
-  if (column == kFlags) return textOfFlags(row->value->flags());
-  return shownText(*row->value);
+  if (index < 0 || index >= count()) return {};
+  if (column == kName) return nameOf(index);
+  if (column == kOther) {
+    const std::optional<Row> row = at(index);
+    return row && row->other ? shownText(*row->other) : ZoString();
+  }
+  const SeenElement* const element = seen(index);
+  if (!element) return {};
+  if (column == kType) return ZoString(nameOfCode(element->value->code()));
+  if (column == kFlags) return textOfFlags(element->value->flags());
+  return shownText(*element->value);
 }
 
 ZoString zo::textOfFlags(unsigned int flags) {

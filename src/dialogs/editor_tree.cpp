@@ -4,34 +4,16 @@
 #include <span>
 
 #include "dialogs/dialog_texts.h"
-#include "dialogs/edit_paths.h"
+#include "dialogs/edit_elements.h"
 
 namespace {
 
 bool isContainer(const ZoVariant& value) noexcept { return value.asDict() || value.asSequence(); }
 
-bool isBranch(const ZoVariant& value) noexcept {
-  return isContainer(value) && !value.isFlagged(ZoFlagInvisible);
-}
-
 bool hasBranches(const ZoVariant& value) {
-  return std::ranges::any_of(value.elements(),
-                             [](const auto& element) { return isBranch(element.value); });
-}
-
-struct Branch {
-  const ZoString* key;  // null in a sequence
-  unsigned int position;
-};
-
-// In the order in which the list has them.
-std::vector<Branch> branchesOf(const ZoVariant& container) {
-  std::vector<Branch> branches;
-  for (const auto [key, position, value] : container.elements())
-    if (isBranch(value)) branches.push_back({key, position});
-  if (container.asDict())
-    std::ranges::sort(branches, {}, [](const Branch& branch) { return branch.key->view(); });
-  return branches;
+  return std::ranges::any_of(value.elements(), [](const auto& element) {
+    return isContainer(element.value) && !element.value.isFlagged(ZoFlagInvisible);
+  });
 }
 
 LRESULT send(HWND control, UINT message, WPARAM w, LPARAM l) noexcept {
@@ -148,14 +130,12 @@ void zo::EditorTree::fill(HTREEITEM item) {
   node->isFilled = true;
   const ZoVariant* const container = edits_.value().find(path.view());
   if (!container) return;
-  const std::vector<Branch> branches = branchesOf(*container);
+  const std::vector<SeenElement> branches = seenElements(
+      *container, [](const SeenElement& element) { return isContainer(*element.value); });
   const size_t shown = std::min<size_t>(branches.size(), kMostInBranch);
   const Undrawn undrawn(control_);
-  for (const Branch& branch : std::span(branches).first(shown)) {
-    const ZoString below =
-        branch.key ? zo::pathOf(path, *branch.key) : zo::pathOf(path, branch.position);
-    add(item, {.path = below, .name = stepName(*container, lastStepOf(below.view()))});
-  }
+  for (const SeenElement& branch : std::span(branches).first(shown))
+    add(item, {.path = branch.path(path), .name = branch.name()});
   if (shown == branches.size()) return;
   const auto left = static_cast<unsigned int>(branches.size() - shown);
   add(item, {.path = path,

@@ -52,6 +52,23 @@ void zo::restorePlace(const ZoString& key, HWND__* window) {
   if (text >> state && state == L"max") PostMessageW(window, WM_SYSCOMMAND, SC_MAXIMIZE, 0);
 }
 
+void zo::keepNumbers(const ZoString& key, const wchar_t* what, std::span<const int> numbers) {
+  auto* const settings = serviceOrNull<ZoCfg>();
+  if (key.isEmpty() || !settings) return;
+  std::wstring text;
+  for (const int number : numbers) text += (text.empty() ? L"" : L" ") + std::to_wstring(number);
+  static_cast<void>(settings->put(settingOf(key, what), ZoString(text)));
+}
+
+std::vector<int> zo::keptNumbers(const ZoString& key, const wchar_t* what) {
+  auto* const settings = serviceOrNull<ZoCfg>();
+  if (key.isEmpty() || !settings) return {};
+  std::wistringstream text(settings->get(settingOf(key, what), ZoString()).data());
+  std::vector<int> numbers;
+  for (short number = 0; text >> number && number >= 0;) numbers.push_back(number);
+  return numbers;
+}
+
 std::wstring zo::folderThatIs(const ZoFileName& folder) {
   if (folder.isEmpty() || folder.isURL()) return {};
   const DWORD attributes = GetFileAttributesW(SystemPath(folder.fullName()));

@@ -6,7 +6,9 @@
 #include <zo/platform_types.h>
 #include <zo/text/string.h>
 
+#include <span>
 #include <string>
+#include <vector>
 
 namespace zo {
 
@@ -19,6 +21,10 @@ void keepFolder(const ZoString& key, const ZoFileName& folder);
 // A window's place and size. What is kept is taken only where a screen shows it.
 void keepPlace(const ZoString& key, HWND__* window);
 void restorePlace(const ZoString& key, HWND__* window);
+
+// Numbers from 0 to 32,767; those in front of the first that is no such number.
+void keepNumbers(const ZoString& key, const wchar_t* what, std::span<const int> numbers);
+[[nodiscard]] std::vector<int> keptNumbers(const ZoString& key, const wchar_t* what);
 
 // The full path of a folder that is there, without a delimiter at its end but for a root; else
 // empty.

@@ -197,6 +197,35 @@ TEST_F(Choices, TheOlderDialogsServeWhereComDoesNot) {
   EXPECT_EQ(chosen.names.size(), 1u) << "its tree may not have come as far as the start folder";
 }
 
+// More than a buffer for one name holds.
+TEST_F(Choices, ManyFilesAreChosenAtOnce) {
+  constexpr int kMany = 250;
+  std::vector<std::wstring> wanted;
+  std::wstring typed;
+  for (int i = 0; i < kMany; ++i) {
+    const std::wstring name = std::wstring(140, L'n') + L' ' + std::to_wstring(i) + L".val";
+    std::ofstream(folder_.path() / name) << i;
+    wanted.push_back(folder() + L'\\' + name);
+    typed += L'"' + name + L"\" ";
+  }
+  for (const DWORD kind : {COINIT_APARTMENTTHREADED, COINIT_MULTITHREADED}) {
+    const auto chosen = zo::test::inOtherThread([&] {
+      EXPECT_EQ(CoInitializeEx(nullptr, kind), S_OK);
+      zo::ItemDialogRequest request;
+      request.kind = zo::ItemDialogRequest::kOpenSeveral;
+      request.folder = folder();
+      DialogUser user([&](HWND window) {
+        DialogUser::typeName(window, typed);
+        DialogUser::press(window, IDOK);
+      });
+      auto answer = zo::askForItems(request, nullptr);
+      CoUninitialize();
+      return answer;
+    });
+    EXPECT_EQ(chosen.names, wanted) << (kind == COINIT_MULTITHREADED ? "older" : "present");
+  }
+}
+
 TEST_F(Choices, TenThousandNamesAreTakenApart) {
   std::wstring buffer = L"C:\\";
   std::vector<std::wstring> wanted;

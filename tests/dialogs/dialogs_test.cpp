@@ -90,20 +90,6 @@ ZoString installedFace() {
   return face;
 }
 
-ZoVariant part() {
-  ZoVariant part(ZoVariant::kDict, ZoTypeCode::Part);
-  const std::pair<const wchar_t*, ZoVariant> values[] = {
-      {L"coating", ZoVariant(L"zinc", ZoTypeCode::String, ZoFlagParameter)},
-      {L"holes", ZoVariant(ZoVariant::kSequence)},
-      {L"holes/0", ZoVariant(ZoPoint(1, 2, 3))},
-      {L"length", ZoVariant(12.0, ZoTypeCode::Length)},
-      {L"mass", ZoVariant(0.5, ZoTypeCode::Mass, ZoFlagConstant)},
-      {L"supplier/name", ZoVariant(L"Bolts & Co")},
-  };
-  for (const auto& [path, value] : values) EXPECT_EQ(part.put(path, value), 0);
-  return part;
-}
-
 const Case kCases[] = {
     {"message_box",
      [](auto&) {
@@ -182,7 +168,7 @@ const Case kCases[] = {
        DialogUser::type(dialog, kLeft, L"30");
      },
      IDOK, L"279.4x215.9 left 25", L"279.4x215.9 left 30"},
-    {"variant", [](auto&) { return make<ZoVariantDialog>(part()); },
+    {"variant", [](auto&) { return make<ZoVariantDialog>(zo::test::part()); },
      [](HWND dialog) {
        const zo::test::EditorUser user(dialog);
        user.select(L"length");

@@ -428,42 +428,6 @@ TEST_F(Editing, OddWholesAndEmptyKeysAreSurvived) {
   EXPECT_EQ(dialog_.value().text(L"first"), L"x");
 }
 
-TEST_F(Editing, ItsPlaceIsKeptAndItsSizeHasAMinimum) {
-  const auto boxOf = [](HWND window) {
-    RECT box;
-    GetWindowRect(window, &box);
-    return box;
-  };
-  RECT kept{};
-  const auto moveIt = [&](const EditorUser& user) {
-    SetWindowPos(user.window(), nullptr, 30, 40, 10, 10, SWP_NOZORDER);
-    const RECT least = boxOf(user.window());
-    EXPECT_GT(least.right - least.left, 300);
-    EXPECT_GT(least.bottom - least.top, 200);
-    SetWindowPos(user.window(), nullptr, 30, 40, 900, 700, SWP_NOZORDER);
-    kept = boxOf(user.window());
-    user.command(IDCANCEL);
-  };
-  EXPECT_EQ(edit(dialog_, {moveIt}), ZoResult::cancelled);
-  RECT again{};
-  const auto see = [&](const EditorUser& user) {
-    again = boxOf(user.window());
-    RECT list, button;
-    GetWindowRect(user.item(kEditorList), &list);
-    GetWindowRect(user.item(IDCANCEL), &button);
-    EXPECT_TRUE(list.right < again.right && button.bottom < again.bottom);
-    user.command(IDCANCEL);
-  };
-  EXPECT_EQ(edit(dialog_, {see}), ZoResult::cancelled);
-  EXPECT_TRUE(EqualRect(&kept, &again));
-  for (const wchar_t* const odd :
-       {L"", L"x", L"-30000 -30000 500 400", L"1 2 99999999999 4", L"0 0 0 0", L"10 10 -5 -5"}) {
-    EXPECT_EQ(ZoSystem::cfg().put(L"dialogs@variant@place", ZoString(odd)), 0);
-    EXPECT_EQ(edit(dialog_, {see}), ZoResult::cancelled);
-    EXPECT_TRUE(again.left > -1000 && again.right - again.left > 300) << odd;
-  }
-}
-
 TEST_F(Editing, OnAnyThreadAndUntilItsOwnerIsGone) {
   zo::test::inOtherThread([&] {
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);

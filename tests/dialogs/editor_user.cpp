@@ -87,6 +87,20 @@ std::wstring EditorUser::branch(HTREEITEM item) const {
   return all;
 }
 
+ZoVariant part() {
+  ZoVariant part(ZoVariant::kDict, ZoTypeCode::Part);
+  const std::pair<const wchar_t*, ZoVariant> values[] = {
+      {L"coating", ZoVariant(L"zinc", ZoTypeCode::String, ZoFlagParameter)},
+      {L"holes", ZoVariant(ZoVariant::kSequence)},
+      {L"holes/0", ZoVariant(ZoPoint(1, 2, 3))},
+      {L"length", ZoVariant(12.0, ZoTypeCode::Length)},
+      {L"mass", ZoVariant(0.5, ZoTypeCode::Mass, ZoFlagConstant)},
+      {L"supplier/name", ZoVariant(L"Bolts & Co")},
+  };
+  for (const auto& [path, value] : values) EXPECT_EQ(part.put(path, value), 0);
+  return part;
+}
+
 int edit(ZoVariantDialog& dialog, std::initializer_list<std::function<void(EditorUser)>> acts,
          HWND owner) {
   auto act = acts.begin();

@@ -66,6 +66,9 @@ class EditorUser {
   HWND window_;
 };
 
+// As pictures show it.
+ZoVariant part();
+
 // Shows the dialog; the first act sees the editor, each further one a dialog that it opens. All
 // must come.
 int edit(ZoVariantDialog& dialog, std::initializer_list<std::function<void(EditorUser)>> acts,

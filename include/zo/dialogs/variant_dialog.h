@@ -36,8 +36,9 @@ class ZO_COM_API ZoVariantDialog : public ZoDialog {
   // The user may leave out what does not differ from this one, and sees its values beside.
   void compareWith(ZoVariant other) { other_ = std::move(other); }
 
-  // Keeps place and size of the window in the setting "dialogs@KEY@place"; an empty key keeps
-  // nothing. "variant" unless set.
+  // Keeps place and size of the window in the setting "dialogs@KEY@place", the border between tree
+  // and list and the columns' widths in "dialogs@KEY@columns"; an empty key keeps nothing.
+  // "variant" unless set.
   void remember(zo::TextParameter key) { key_ = key; }
 
  protected:
