@@ -50,6 +50,24 @@ function(zo_find_runtime_dlls result)
   set(${result} ${found} PARENT_SCOPE)
 endfunction()
 
+include(ZoStrip)
+
+# zo_strip_installed(TARGET COMPONENT): what install(TARGETS) puts into the package loses its symbols; their file belongs
+# to the component `symbols`.
+function(zo_strip_installed target component)
+  if(MSVC)
+    return()
+  endif()
+  set(folder "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}")
+  set(symbols "${PROJECT_BINARY_DIR}/generated/symbols/$<CONFIG>/$<TARGET_FILE_NAME:${target}>.debug")
+  set(take "include(${PROJECT_SOURCE_DIR}/cmake/ZoStrip.cmake)
+  zo_take_symbols(${CMAKE_OBJCOPY} \"$<TARGET_FILE:${target}>\" \"${symbols}\")")
+  install(CODE "${take}
+  file(COPY \"${symbols}\" DESTINATION \"${folder}\")" COMPONENT symbols)
+  install(CODE "${take}
+  zo_strip(${CMAKE_OBJCOPY} \"${folder}/$<TARGET_FILE_NAME:${target}>\" \"${symbols}\")" COMPONENT ${component})
+endfunction()
+
 # zo_strip_runtime_dlls(STRIPPED SYMBOLS): the runtime's DLLs for the package, a twelfth of their size, and their debug
 # information in files of its own, which gdb finds beside them.
 function(zo_strip_runtime_dlls stripped symbols)
@@ -60,9 +78,8 @@ function(zo_strip_runtime_dlls stripped symbols)
     set(file ${PROJECT_BINARY_DIR}/generated/runtime/${name})
     if(NOT EXISTS ${file}.debug OR ${dll} IS_NEWER_THAN ${file}.debug)
       file(COPY ${dll} DESTINATION ${PROJECT_BINARY_DIR}/generated/runtime)
-      execute_process(COMMAND ${CMAKE_OBJCOPY} --only-keep-debug ${dll} ${file}.debug COMMAND_ERROR_IS_FATAL ANY)
-      execute_process(COMMAND ${CMAKE_OBJCOPY} --strip-unneeded --add-gnu-debuglink=${file}.debug ${file}
-                      COMMAND_ERROR_IS_FATAL ANY)
+      zo_take_symbols(${CMAKE_OBJCOPY} ${dll} ${file}.debug)
+      zo_strip(${CMAKE_OBJCOPY} ${file} ${file}.debug)
     endif()
     list(APPEND files ${file})
     list(APPEND debug ${file}.debug)

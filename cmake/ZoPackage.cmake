@@ -1,5 +1,5 @@
 # The installed package, in components: `runtime` is what runs beside a program (DLLs, messages, notices), `symbols` what
-# a debugger wants of them, `development` what find_package(ZoCom) and compilers read, `tools` the programs,
+# a debugger wants of them and of the tools, `development` what find_package(ZoCom) and compilers read, `tools` the programs,
 # `documentation` the pages. cmake --install BUILD --component NAME installs one of them.
 include(CMakePackageConfigHelpers)
 
@@ -7,6 +7,7 @@ set(zo_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZoCom)
 set(ZO_MESSAGES_DIR ${CMAKE_INSTALL_DATADIR}/zo_com/messages)  # where the message service looks, seen from the DLL
 install(TARGETS zo_com EXPORT ZoComTargets RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+zo_strip_installed(zo_com runtime)
 if(MSVC)
   install(FILES $<TARGET_PDB_FILE:zo_com> DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT symbols)
 endif()
@@ -37,6 +38,7 @@ if(zo_multi_config)
 endif()
 foreach(tool zolib zomsg zoval)
   install(TARGETS ${tool} ${tool_configurations} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  zo_strip_installed(${tool} tools)
   install(FILES docs/${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
   install(FILES tools/${tool}/completion/${tool}.bash RENAME ${tool}
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
@@ -55,11 +57,15 @@ configure_package_config_file(cmake/ZoComConfig.cmake.in generated/ZoComConfig.c
                               PATH_VARS CMAKE_INSTALL_BINDIR ZO_MESSAGES_DIR)
 write_basic_package_version_file(generated/ZoComConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/generated/ZoComConfig.cmake ${PROJECT_BINARY_DIR}/generated/ZoComConfigVersion.cmake
-              cmake/ZoCopyRuntime.cmake
+              cmake/ZoCopyRuntime.cmake cmake/mingw-w64.cmake
         DESTINATION ${zo_package_dir} COMPONENT development)
 
-install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation FILES_MATCHING
-        PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png")
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+# Documents lie as they do here, for their links to one another.
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation FILES_MATCHING
+        PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN "*.1")
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md NOTICE.md DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        COMPONENT documentation)
+install(FILES bench/results.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/bench COMPONENT documentation)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation PATTERN build EXCLUDE)
 # The reference, where scripts/reference has built it.
 install(DIRECTORY build/reference/html/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/reference COMPONENT documentation OPTIONAL)

@@ -294,7 +294,8 @@ ZOC_API int zocLibraryCancelBatch(ZocLibrary library) ZOC_NOEXCEPT;  // none of 
 ZOC_API int zocLibraryList(ZocLibrary library, int withDeleted, ZocValue out) ZOC_NOEXCEPT;
 // The bytes of a member.
 ZOC_API int zocLibrarySize(ZocLibrary library, ZocText member, uint64_t* size) ZOC_NOEXCEPT;
-// As many from `offset` on as there are, at most `size`; `got` receives their number.
+// As many from `offset` on as there are, at most `size`; `got` receives their number. They are read
+// in place and no check value is looked at: damage can go unseen. zocLibraryVerify finds it.
 ZOC_API int zocLibraryRead(ZocLibrary library, ZocText member, uint64_t offset, void* bytes,
                            uint32_t size, uint32_t* got) ZOC_NOEXCEPT;
 // A member out of memory, replacing what has its name.

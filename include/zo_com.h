@@ -7,17 +7,10 @@
 //   }
 #pragma once
 
-// The first that a compiler says of it, before the headers that it cannot read.
-#if !defined(_WIN32)
-#error "zo_com is a library for Windows: choose a compiler that makes programs for it"
-#endif
-#if __cplusplus < 202002L && (!defined(_MSVC_LANG) || _MSVC_LANG < 202002L)
-#error "zo_com needs C++20: -std=c++20, or /std:c++20; zo_c.h is for C and older compilers"
-#endif
+#include <zo/config.h>  // first: it says what the compiler must be
 
 #include <zo/archive.h>
 #include <zo/compress.h>
-#include <zo/config.h>
 #include <zo/containers.h>
 #include <zo/dialogs.h>
 #include <zo/files.h>

@@ -3,7 +3,16 @@
 set(package ${PROJECT_BINARY_DIR}/package)
 add_test(NAME package.Install
          COMMAND ${CMAKE_COMMAND} --install ${PROJECT_BINARY_DIR} --config $<CONFIG> --prefix ${package})
-set_tests_properties(package.Install PROPERTIES FIXTURES_SETUP package)
+set_tests_properties(package.Install PROPERTIES FIXTURES_SETUP package FIXTURES_REQUIRED package_without_documents)
+add_test(NAME package.ForgetsOldDocuments COMMAND ${CMAKE_COMMAND} -E rm -rf ${package}/share/doc)
+set_tests_properties(package.ForgetsOldDocuments PROPERTIES FIXTURES_SETUP package_without_documents)
+
+find_program(ZO_PYTHON python3)
+if(ZO_PYTHON)
+  add_test(NAME package.NoLinkOfADocumentLeadsNowhere
+           COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/links.py ${package}/share/doc/zo_com ${PROJECT_SOURCE_DIR})
+  set_tests_properties(package.NoLinkOfADocumentLeadsNowhere PROPERTIES FIXTURES_REQUIRED package)
+endif()
 
 function(zo_client_test name folder)
   foreach(type Release Debug)
@@ -36,14 +45,6 @@ function(zo_refusal_test case text)
 endfunction()
 zo_refusal_test("not for Windows" "is a library for Windows")
 zo_refusal_test("C++17" "needs C\\+\\+20")
-
-# The same without CMake: the header says it, ahead of all else.
-if(NOT MSVC)
-  add_test(NAME package.HeaderRefusesOlderLanguage
-           COMMAND ${CMAKE_CXX_COMPILER} -std=c++17 -fsyntax-only -fmax-errors=1 -x c++ ${package}/include/zo_com.h)
-  set_tests_properties(package.HeaderRefusesOlderLanguage PROPERTIES FIXTURES_REQUIRED package
-                       PASS_REGULAR_EXPRESSION "zo_com needs C\\+\\+20")
-endif()
 
 # The port for a package manager states the version once more.
 file(READ ${PROJECT_SOURCE_DIR}/ports/zo-com/vcpkg.json port)

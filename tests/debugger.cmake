@@ -16,6 +16,11 @@ if(ZO_GDB AND ZO_GDBSERVER AND ZO_PYTHON)
                      $<TARGET_FILE:debugger_${name}>)
     set_tests_properties(debugger.${test} PROPERTIES TIMEOUT 300)
   endfunction()
+  # Of the installed package: the functions that the DLL does not export have names, too.
+  add_test(NAME debugger.FindsTheSymbolsOfThePackage
+           COMMAND ${ZO_GDB} -batch -nx -ex "info functions foldTable" ${package}/bin/$<TARGET_FILE_NAME:zo_com>)
+  set_tests_properties(debugger.FindsTheSymbolsOfThePackage PROPERTIES FIXTURES_REQUIRED package
+                       PASS_REGULAR_EXPRESSION "zo::foldTable\\(\\)")
   zo_debugger_test(sample sample.cpp PrintersShowValues -femit-class-debug-always)
   zo_debugger_test(made_inside made_inside.cpp PrintersShowWhatTheLibraryMade -femit-class-debug-always)
   zo_debugger_test(bare made_inside.cpp PrintersDoWithoutDescriptions)

@@ -36,3 +36,18 @@ set_tests_properties(headers.EachCompilesAloneBeforeAndAfterWindows PROPERTIES T
 # A client's compiler may read them in another code page than the one that they were written in.
 add_test(NAME headers.HaveNoLettersBeyondAscii
          COMMAND ${CMAKE_COMMAND} -DFOLDER=${PROJECT_SOURCE_DIR}/include -P ${CMAKE_CURRENT_SOURCE_DIR}/headers/ascii.cmake)
+
+# What they say to a compiler that cannot read them, ahead of all else.
+if(NOT MSVC)
+  add_test(NAME headers.EachRefusesAnOlderLanguage
+           COMMAND ${CMAKE_COMMAND} -DCOMPILER=${CMAKE_CXX_COMPILER} -DINCLUDE=${PROJECT_SOURCE_DIR}/include
+                   -P ${CMAKE_CURRENT_SOURCE_DIR}/headers/older_language.cmake)
+  function(zo_refused_compiler name option text)
+    add_test(NAME headers.Refuse${name}
+             COMMAND ${CMAKE_CXX_COMPILER} -std=c++20 ${option} -fsyntax-only -fmax-errors=1 -x c++
+                     -I${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/include/zo/strings.h)
+    set_tests_properties(headers.Refuse${name} PROPERTIES PASS_REGULAR_EXPRESSION ${text})
+  endfunction()
+  zo_refused_compiler(OtherPlatforms -U_WIN32 "is a library for Windows")
+  zo_refused_compiler(OtherStandardContainers -D_GLIBCXX_DEBUG "not _GLIBCXX_DEBUG")
+endif()

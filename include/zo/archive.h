@@ -1,6 +1,8 @@
 // Archives: storing values, reading them back, and listing them as text (docs/formats/archive.md).
 #pragma once
 
+#include <zo/config.h>
+
 #include <zo/persist/archive.h>
 #include <zo/persist/dump_archive.h>
 #include <zo/persist/file_archive.h>

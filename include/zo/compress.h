@@ -1,6 +1,8 @@
 // Compression: ZoCompress, ZoExplode, LzmaUtils, and the stream buffers.
 #pragma once
 
+#include <zo/config.h>
+
 #include <zo/persist/blast_membuf.h>
 #include <zo/persist/compress.h>
 #include <zo/persist/explode.h>

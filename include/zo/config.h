@@ -1,13 +1,25 @@
 // What every public header rests on: the export mark and what the platform must be. Nothing else.
 #pragma once
 
+// The first that a compiler says of it, before the headers that it cannot read.
+#if !defined(_WIN32) && !defined(ZO_COM_STATIC)
+#error "zo_com is a library for Windows: choose a compiler that makes programs for it"
+#endif
+#if __cplusplus < 202002L && (!defined(_MSVC_LANG) || _MSVC_LANG < 202002L)
+#error "zo_com needs C++20: -std=c++20, or /std:c++20; zo_c.h is for C and older compilers"
+#endif
+// It gives the standard containers another layout than the DLL's.
+#if defined(_GLIBCXX_DEBUG) && !defined(ZO_COM_STATIC)
+#error "zo_com shares standard containers with its clients: _GLIBCXX_ASSERTIONS, not _GLIBCXX_DEBUG"
+#endif
+
 #if defined(_WIN32)
 static_assert(sizeof(wchar_t) == 2, "zo_com text is UTF-16 in wchar_t");
 static_assert(sizeof(void*) == 8, "zo_com is a 64-bit library");
 #endif
 
 // ZO_COM_API marks what the DLL exports. ZO_COM_BUILD is set while the DLL itself is compiled,
-// ZO_COM_STATIC by programs that link its objects directly (the white-box tests).
+// ZO_COM_STATIC by programs that link its objects directly (the white-box tests and fuzz targets).
 #if !defined(_WIN32) || defined(ZO_COM_STATIC)
 #define ZO_COM_API
 #elif defined(ZO_COM_BUILD)

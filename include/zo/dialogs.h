@@ -2,6 +2,8 @@
 // without one.
 #pragma once
 
+#include <zo/config.h>
+
 #include <zo/dialogs/color_dialog.h>
 #include <zo/dialogs/dialog.h>
 #include <zo/dialogs/file_dialog.h>

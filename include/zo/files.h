@@ -1,6 +1,8 @@
 // Files: names, file objects, services, searches, transfers; handles of objects in drawings.
 #pragma once
 
+#include <zo/config.h>
+
 #include <zo/files/file.h>
 #include <zo/files/file_imp.h>
 #include <zo/files/file_save.h>

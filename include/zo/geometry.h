@@ -2,6 +2,8 @@
 // (docs/geometry.md).
 #pragma once
 
+#include <zo/config.h>
+
 #include <zo/geometry/co_system.h>
 #include <zo/geometry/format.h>
 #include <zo/geometry/matrix.h>

@@ -2,6 +2,8 @@
 // expressions (ZoRegExp, ZoSearch).
 #pragma once
 
+#include <zo/config.h>
+
 #include <zo/parse/csv_format.h>
 #include <zo/parse/csv_reader.h>
 #include <zo/parse/csv_writer.h>

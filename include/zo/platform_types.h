@@ -3,6 +3,8 @@
 // after.
 #pragma once
 
+#include <zo/config.h>
+
 // NOLINTBEGIN(bugprone-reserved-identifier): the platform's names
 struct _FILETIME;
 struct _GUID;

@@ -13,6 +13,8 @@
 
 #include <zo/config.h>
 
+#include <concepts>
+
 class ZoString;
 
 enum class ZoResultFamily : int {
@@ -46,3 +48,5 @@ enum class ZoResultFamily : int {
 // A sentence, from the message file "zoresult" when the message service has it (docs/messages.md),
 // else in English. Of a code that the family does not have, one that tells the number.
 [[nodiscard]] ZO_COM_API ZoString zoResultText(int code, ZoResultFamily family);
+template <std::same_as<bool> T>
+void zoResultText(T, ZoResultFamily) = delete;  // the code itself, not whether there is one

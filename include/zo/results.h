@@ -3,6 +3,8 @@
 // gives.
 #pragma once
 
+#include <zo/config.h>
+
 namespace ZoResult {
 inline constexpr int ok = 0;
 inline constexpr int refused = 1;      // not found, failed, or a service guard not obtained in time

@@ -2,6 +2,8 @@
 // formats of printf.
 #pragma once
 
+#include <zo/config.h>
+
 #include <zo/text/clib.h>
 #include <zo/text/format.h>
 #include <zo/text/not_negative.h>

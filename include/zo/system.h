@@ -6,6 +6,8 @@
 //   zoComDllDetach();
 #pragma once
 
+#include <zo/config.h>
+
 #include <zo/attach/life_cycle.h>
 #include <zo/files/std_file_system.h>
 #include <zo/headless/headless_cad.h>

@@ -2,6 +2,8 @@
 // whole trees of values.
 #pragma once
 
+#include <zo/config.h>
+
 #include <zo/variant/guid.h>
 #include <zo/variant/ole_variant.h>
 #include <zo/variant/type.h>

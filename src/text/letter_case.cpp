@@ -10,18 +10,14 @@ namespace {
 
 using Table = std::array<wchar_t, 0x10000>;
 
-// Every unit there is, asked for once.
-struct LowerTable {
-  Table lower;
-  LowerTable() noexcept {
-    static Table units;
-    for (unsigned int i = 0; i < units.size(); ++i) units[i] = static_cast<wchar_t>(i);
-    const int size = static_cast<int>(units.size());
-    const int mapped =
-        LCMapStringW(LOCALE_INVARIANT, LCMAP_LOWERCASE, units.data(), size, lower.data(), size);
-    if (mapped != size) lower = units;  // without the platform's help each unit is its own form
-  }
-};
+// Every unit there is, mapped by one call. Without the platform's help each is its own form.
+Table mapped(DWORD how) noexcept {
+  Table units;
+  for (unsigned int i = 0; i < units.size(); ++i) units[i] = static_cast<wchar_t>(i);
+  const int size = static_cast<int>(units.size());
+  (void)LCMapStringW(LOCALE_INVARIANT, how, units.data(), size, units.data(), size);
+  return units;
+}
 
 // Units whose folding the platform's invariant casing does not reach.
 constexpr wchar_t kFurther[][2] = {
@@ -33,29 +29,22 @@ constexpr wchar_t kFurther[][2] = {
     {0x1E9B, 0x1E60}, {0x1E9E, 0x00DF}, {0x1FBE, 0x0399}, {0x2126, 0x03A9}, {0x212A, 0x004B},
     {0x212B, 0x00C5}};
 
-struct FoldTable {
-  Table units;
-  FoldTable() noexcept {
-    for (std::size_t c = 0; c < units.size(); ++c) {
-      const auto unit = static_cast<wchar_t>(c);
-      wchar_t upper[2];
-      const int length = LCMapStringW(LOCALE_INVARIANT, LCMAP_UPPERCASE, &unit, 1, upper, 2);
-      units[c] = length == 1 ? upper[0] : unit;
-    }
-    for (const auto& [unit, folded] : kFurther) units[unit] = folded;
-  }
-};
+Table folding() noexcept {
+  Table units = mapped(LCMAP_UPPERCASE);
+  for (const auto& [unit, folded] : kFurther) units[unit] = folded;
+  return units;
+}
 
 }  // namespace
 
 wchar_t lowerByPlatform(wchar_t c) noexcept {
-  static const LowerTable table;
-  return table.lower[c];
+  static const Table lower = mapped(LCMAP_LOWERCASE);
+  return lower[c];
 }
 
 const wchar_t* foldTable() noexcept {
-  static const FoldTable table;
-  return table.units.data();
+  static const Table units = folding();
+  return units.data();
 }
 
 }  // namespace zo

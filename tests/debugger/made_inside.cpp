@@ -1,5 +1,7 @@
-// Values whose containers are the library's own: nothing in this program describes their nodes.
+// Values whose containers and members are the library's own: nothing in this program describes them by itself.
 // tests/debugger/check.py stops it in lookAtThem.
+#include <zo/names/file_name.h>
+#include <zo/text/containers/array.h>
 #include <zo/variant/variant.h>
 
 const void* const* volatile looked = nullptr;  // what keeps the values alive
@@ -10,7 +12,9 @@ int main() {
   ZoVariant part, array(ZoVariant::kSequence), list;
   if (part.put(L"width", 2.5) || array.put(L"0", 7) || array.put(L"1", L"M8")) return 1;
   if (list.parse(L"List [Real 0.5]")) return 1;
-  const void* const values[] = {&part, &array, &list};
+  const ZoFileName file(L"m8.dwg");
+  const ZoArray<int> numbers{7};
+  const void* const values[] = {&part, &array, &list, &file, &numbers};
   lookAtThem(values);
   return 0;
 }

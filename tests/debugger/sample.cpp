@@ -32,11 +32,21 @@ int main() {
   const ZoVariant array(ZoArray<ZoVariant>{1, L"two"});
   const ZoVariant list(ZoList<ZoVariant>{0.5}, ZoTypeCode::List);
   const ZoVariant dict(ZoHashDict<ZoVariant, ZoString>{{L"width", array}}, ZoTypeCode::Catalog);
-  const void* const values[] = {&text,    &empty,  &part,           &numbers, &nothing,   &names,
-                                &sizes,   &odd,    &ages,           &file,    &red,       &mixed,
-                                &point,   &matrix, &plane,          &system,  &tolerance, &guid,
-                                &code,    &length, &nothing_at_all, &word,    &id,        &where,
-                                &counter, &array,  &list,           &dict};
+  // Damaged: check.py closes the circles.
+  ZoList<int> ring{1, 2};
+  ZoTree<int, ZoString> knot{{L"a", 1}, {L"b", 2}};
+  struct alignas(ZoVariant) Words {
+    unsigned int code, word;
+    void* payload;
+  };
+  const Words unknown{0x2100, 31, nullptr}, astray{0x2500, 6 | 32, nullptr};
+  const auto& no_kind = reinterpret_cast<const ZoVariant&>(unknown);
+  const auto& no_reference = reinterpret_cast<const ZoVariant&>(astray);
+  const void* const values[] = {
+      &text,      &empty, &part, &numbers, &nothing,        &names,  &sizes,   &odd,
+      &ages,      &file,  &red,  &mixed,   &point,          &matrix, &plane,   &system,
+      &tolerance, &guid,  &code, &length,  &nothing_at_all, &word,   &id,      &where,
+      &counter,   &array, &list, &dict,    &ring,           &knot,   &no_kind, &no_reference};
   lookAtThem(values);
   return 0;
 }

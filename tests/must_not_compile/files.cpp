@@ -46,3 +46,9 @@ void names(ZoFileName name) {
   (void)(name + 1);                                           // error: name.view()
   name.setExtension(L"dwg");                                  // error: nodiscard
 }
+
+void handles(ZoHnd handle, double number) {
+  ZoHnd byFlag(number > 0);                                   // error: an id is a whole number
+  ZoHnd byLetter('c');                                        // error: an id is a whole number
+  handle = number;                                            // error: an id is a whole number
+}

@@ -39,3 +39,9 @@ void notices(ZoSysDisp& dispatcher, ZoSysObj& service, const ZoVariant& data) {
   ZoSystem::units();                             // error: nodiscard
   zoComDllAttach();                              // error: nodiscard
 }
+
+void throwing(int code) {
+  zoThrow(0);                                    // error: a text, or a ZoComException::Code
+  zoThrow(nullptr);                              // error: a text, or a ZoComException::Code
+  zoThrow(code, false);                          // error: a text, or a ZoComException::Code
+}

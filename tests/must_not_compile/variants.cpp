@@ -21,6 +21,11 @@ void values(ZoColor color, ZoPlane plane, ZoMatrix matrix, ZoCoSystem system) {
   ZoVariant c(matrix);                // error: its points and vectors
   ZoVariant d(system);                // error: its points and vectors
 }
+void colours(double share, ZoColor& color) {
+  ZoColor a(share > 0);               // error: a word, or red, green, blue
+  ZoColor b(share);                   // error: a word, or red, green, blue
+  color = ZoColor('r');               // error: a word, or red, green, blue
+}
 void pointers(unsigned* u, float* f, bool* b, ZoString* s, const int* i, ZoVariant& v) {
   ZoVariant a(u);                     // error: write *pointer
   ZoVariant c(f);                     // error: write *pointer

@@ -38,8 +38,7 @@ def leads_nowhere(name, lead, pages, site):
     target = urllib.parse.unquote(url.path) or name
     if not os.path.isfile(os.path.join(site, target)):
         return True
-    ours = name.startswith(("doc_", "index."))  # lists of Doxygen's lead to members that it leaves out
-    return ours and bool(url.fragment) and target in pages and url.fragment not in pages[target].places
+    return bool(url.fragment) and target in pages and urllib.parse.unquote(url.fragment) not in pages[target].places
 
 
 def classes(root):

@@ -151,6 +151,22 @@ TEST(NumberText, RoundTripsEveryBitPatternInEveryLocale) {
   std::setlocale(LC_ALL, "C");
 }
 
+TEST(NumberText, WritesUnsignedNumbersUpToTheLargest) {
+  const std::pair<std::uint64_t, const wchar_t*> cases[] = {
+      {0, L"0"},
+      {9, L"9"},
+      {10, L"10"},
+      {9223372036854775807u, L"9223372036854775807"},
+      {9223372036854775808u, L"9223372036854775808"},
+      {~std::uint64_t{0}, L"18446744073709551615"}};
+  for (const auto& [number, text] : cases) {
+    wchar_t buffer[ZoNumberTextSize];
+    EXPECT_EQ(ZoIntToStr(number, buffer), std::wcslen(text));
+    EXPECT_STREQ(buffer, text);
+    EXPECT_EQ(ZoIntToStr(number), text);
+  }
+}
+
 // The runtime's own conversion as the second opinion on texts of all lengths.
 TEST(NumberText, AgreesWithTheRuntimeOnRandomTexts) {
   std::mt19937 random(6);

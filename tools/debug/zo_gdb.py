@@ -5,10 +5,12 @@ elements, variants as code, value, flags and elements, geometry, colours and GUI
 Reads memory only; calls nothing in the program.
 
 The types must be described in the program's own debug information: the library's DLL has none in a package. The debug
-preset, and -g -femit-class-debug-always, describe what the program uses. Of a variant whose containers the program
-does not use itself, only their kind shows then.
+preset, and -g -femit-class-debug-always, describe what the program uses; a value says so that is not described. Of a
+variant whose containers the program does not use itself, only their kind shows then. Of what is damaged no more elements
+show than it counts.
 """
 
+import itertools
 import uuid
 
 import gdb
@@ -208,13 +210,18 @@ class VariantPrinter:
             return self.container().to_string()
         if self.kind == self.POINTER:
             return "0x%x" % int(self.payload["pointer"])
-        return number(self.payload["real"]) if self.kind == self.REAL else str(int(self.payload["bigInt"]))
+        if self.kind == self.REAL:
+            return number(self.payload["real"])
+        return str(int(self.payload["bigInt"])) if self.kind in (self.INT, self.BIG_INT) else self.damaged()
+
+    def damaged(self):
+        return "damaged: no variant has kind %d" % (self.word & 63)
 
     def referred(self):
         if self.kind == self.STRING:
             return '"%s"' % self.payload["textRef"].dereference().string("UTF-16LE")
-        variable = {self.INT: "integerRef", self.BIG_INT: "bigIntRef", self.REAL: "realRef"}[self.kind]
-        return number(self.payload[variable].dereference())
+        variable = {self.INT: "integerRef", self.BIG_INT: "bigIntRef", self.REAL: "realRef"}.get(self.kind)
+        return number(self.payload[variable].dereference()) if variable else self.damaged()
 
     def container(self):
         """The printer of what holds the elements: a dictionary, an array, or a list as the object or its code says."""
@@ -232,6 +239,8 @@ class VariantPrinter:
         return kind(at(pointer, described)) if described else UndescribedPrinter(kind.kind)
 
     def children(self):
+        if self.is_reference:
+            return
         if self.kind == self.SEQUENCE:
             yield from self.container().children()
         if self.kind == self.DICT:
@@ -254,6 +263,11 @@ class UndescribedPrinter:
     entries = children
 
 
+def counted(found, count):
+    """No more than so many: what is damaged may lead in a circle."""
+    return itertools.islice(found, int(count))
+
+
 class SequencePrinter:
     def __init__(self, value):
         self.value = value
@@ -263,7 +277,7 @@ class SequencePrinter:
         return "%s of %d" % (self.kind, int(self.engine()["entries_"]))
 
     def children(self):
-        for i, address in enumerate(self.addresses()):
+        for i, address in enumerate(counted(self.addresses(), self.engine()["entries_"])):
             yield "[%d]" % i, at(address, self.element)
 
     def display_hint(self):
@@ -324,11 +338,14 @@ class HashDictPrinter(DictPrinter):
         engine = self.value["hash_"]
         if int(engine["table_"]) == 0:
             return
-        table = target(engine["table_"])
-        for bucket in range(int(engine["buckets_"])):
+        for node in counted(self.nodes(target(engine["table_"])), engine["entries_"]):
+            yield pair_at(int(node) + node.dereference().type.sizeof, self.key, self.mapped)
+
+    def nodes(self, table):
+        for bucket in range(int(self.value["hash_"]["buckets_"])):
             node = table["chains_"][bucket]
             while int(node) != 0:
-                yield pair_at(int(node) + node.dereference().type.sizeof, self.key, self.mapped)
+                yield node
                 node = node.dereference()["next"]
 
 
@@ -336,30 +353,70 @@ class TreePrinter(DictPrinter):
     def to_string(self):
         return "tree of %d" % int(self.value["tree_"]["count_"])
 
+    DEPTH = 64  # no balanced tree is deeper
+
     def entries(self):
+        for node in counted(self.nodes(), self.value["tree_"]["count_"]):
+            yield pair_at(node.dereference()["element"], self.key, self.mapped)
+
+    def nodes(self):
         path, node = [], self.value["tree_"]["root_"]
         while path or int(node) != 0:
-            while int(node) != 0:
+            while int(node) != 0 and len(path) < self.DEPTH:
                 path.append(node)
                 node = node.dereference()["left"]
             node = path.pop()
-            yield pair_at(node.dereference()["element"], self.key, self.mapped)
+            yield node
             node = node.dereference()["right"]
+
+
+NOT_DESCRIBED = "not described: compile the program with -g -femit-class-debug-always"
+
+
+def checked(printer):
+    """The printer, which says in one line where the program's debug information lacks a type. (What cannot be read gdb
+    tells in a line of its own.)"""
+
+    class Checked(printer):
+        def to_string(self):
+            try:
+                return super().to_string()
+            except gdb.MemoryError:
+                raise
+            except gdb.error:
+                return NOT_DESCRIBED
+
+    def children(self):
+        try:
+            yield from printer.children(self)
+        except gdb.MemoryError:
+            raise
+        except gdb.error:
+            yield "", NOT_DESCRIBED
+
+    if hasattr(printer, "children"):
+        Checked.children = children
+
+    def make(value):
+        try:
+            return Checked(value)
+        except gdb.MemoryError:
+            raise
+        except gdb.error:
+            return UndescribedPrinter(NOT_DESCRIBED)
+
+    return make
 
 
 def register():
     printers = gdb.printing.RegexpCollectionPrettyPrinter("zo_com")
-    printers.add_printer("ZoString", "^ZoString$", StringPrinter)
-    printers.add_printer("ZoSubString", "^ZoSubString$", SubStringPrinter)
-    printers.add_printer("ZoArray", "^ZoArray<.*>$", ArrayPrinter)
-    printers.add_printer("ZoList", "^ZoList<.*>$", ListPrinter)
-    printers.add_printer("ZoHashDict", "^ZoHashDict<.*>$", HashDictPrinter)
-    printers.add_printer("ZoTree", "^ZoTree<.*>$", TreePrinter)
-    for name, printer in (("ZoFileName", FileNamePrinter), ("ZoColor", ColorPrinter), ("ZoPoint", TriplePrinter),
-                          ("ZoVector", TriplePrinter), ("ZoMatrix", MatrixPrinter), ("ZoPlane", PlanePrinter),
-                          ("ZoCoSystem", CoSystemPrinter), ("ZoTol", TolPrinter), ("_GUID", GuidPrinter),
-                          ("ZoVariant", VariantPrinter)):
-        printers.add_printer(name, "^%s$" % name, printer)
+    for name, printer in (("ZoString", StringPrinter), ("ZoSubString", SubStringPrinter), ("ZoFileName", FileNamePrinter),
+                          ("ZoColor", ColorPrinter), ("ZoPoint", TriplePrinter), ("ZoVector", TriplePrinter),
+                          ("ZoMatrix", MatrixPrinter), ("ZoPlane", PlanePrinter), ("ZoCoSystem", CoSystemPrinter),
+                          ("ZoTol", TolPrinter), ("_GUID", GuidPrinter), ("ZoVariant", VariantPrinter),
+                          ("ZoArray<.*>", ArrayPrinter), ("ZoList<.*>", ListPrinter),
+                          ("ZoHashDict<.*>", HashDictPrinter), ("ZoTree<.*>", TreePrinter)):
+        printers.add_printer(name, "^%s$" % name, checked(printer))
     gdb.printing.register_pretty_printer(None, printers, replace=True)
 
 

@@ -9,6 +9,7 @@ import comments
 import header
 
 EXPLICIT_IF = re.compile(r"\bexplicit\((?:[^()]|\([^()]*\))*\)")  # Doxygen takes it for the name
+FRIEND_CLASS = re.compile(r"^\s*friend (?:class|struct) ")  # nothing for clients
 ROOT = os.path.realpath(os.path.join(os.path.dirname(__file__), "..", ".."))
 
 
@@ -49,6 +50,9 @@ class Writer(header.Reader):
 
     def declaration(self, lines, declared):
         lines = [EXPLICIT_IF.sub("explicit", line) for line in lines]
+        if FRIEND_CLASS.search(lines[-1]):
+            self.out += ["/// \\cond", *lines, "/// \\endcond"]
+            return
         self.out += lines[:-1]
         plain = not declared.opened and (len(lines) == 1 or header.split_line(lines[-1])[0].rstrip().endswith(";"))
         self.out.append(self._behind(lines[-1]) if plain else lines[-1])

@@ -5,6 +5,8 @@
 // Threads: any.
 #pragma once
 
+#include <zo/config.h>
+
 #include <cmath>
 
 // Every x86-64 processor has SSE2; elsewhere the plain forms serve.

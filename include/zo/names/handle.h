@@ -10,12 +10,14 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/text/not_negative.h>
 #include <zo/text/string.h>
 
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>  // std::hash
+#include <type_traits>
 #include <utility>
 
 class ZO_COM_API ZoHnd {
@@ -30,10 +32,13 @@ class ZO_COM_API ZoHnd {
     setHandle(text.c_str());
   }
   // Any integer, so that ZoHnd(0) is an id and not a null text.
-  template <std::integral Integer>
+  template <zo::PlainInteger Integer>
   explicit ZoHnd(Integer id) noexcept {
     setId(static_cast<std::int64_t>(id));
   }
+  template <class T>
+    requires(std::is_arithmetic_v<T> && !zo::PlainInteger<T>)
+  explicit ZoHnd(T) = delete;  // an id is a whole number
   ZoHnd(const ZoHnd& other) noexcept = default;
   ZoHnd(ZoHnd&& other) noexcept
       : id_(std::exchange(other.id_, 0)),
@@ -51,11 +56,14 @@ class ZO_COM_API ZoHnd {
     setHandle(text);
     return *this;
   }
-  template <std::integral Integer>
+  template <zo::PlainInteger Integer>
   ZoHnd& operator=(Integer id) noexcept {
     setId(static_cast<std::int64_t>(id));
     return *this;
   }
+  template <class T>
+    requires(std::is_arithmetic_v<T> && !zo::PlainInteger<T>)
+  ZoHnd& operator=(T) = delete;  // an id is a whole number
   void swap(ZoHnd& other) noexcept {
     std::swap(id_, other.id_);
     std::swap(types_, other.types_);

@@ -2,6 +2,8 @@
 // Operations with a switch delete the overload for these.
 #pragma once
 
+#include <zo/config.h>
+
 #include <type_traits>
 
 namespace zo {

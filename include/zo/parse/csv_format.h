@@ -6,6 +6,8 @@
 // Threads: a plain value.
 #pragma once
 
+#include <zo/config.h>
+
 struct ZoCsvFormat {
   static constexpr wchar_t kDetect = 0;   // reading: it is found; writing: a comma
   static constexpr wchar_t kNoQuote = 0;  // quotes are characters like any other

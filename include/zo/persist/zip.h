@@ -3,6 +3,8 @@
 // Errors, Threads: none; constants.
 #pragma once
 
+#include <zo/config.h>
+
 struct ZoZip {
   // How much work goes into compressing. Any other value counts as normal. These numbers reach
   // library files: never renumber.

@@ -139,3 +139,6 @@ template <class Exception>
     const std::source_location& place = std::source_location::current()) {
   zo::throwAt(code, nullptr, asError, place);
 }
+template <class T>
+  requires(std::is_arithmetic_v<T> || std::is_null_pointer_v<T>)
+void zoThrow(T, bool = true) = delete;  // a text, or a ZoComException::Code

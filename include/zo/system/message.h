@@ -1,8 +1,8 @@
 // The message service: texts for users by message file and number, in the user's language. A caller
 // brings its own text for what is not found.
 //
-//   ZoString text(L"%1 has %2 holes");
-//   ZoSystem::message().format(L"parts", 17, {name, holes}, text);
+//   ZoString text = name + L" has " + ZoIntToStr(holes) + L" holes";  // filled in by the caller
+//   ZoSystem::message().format(L"parts", 17, {name, holes}, text);    // "%1 has %2 holes"
 //
 // A message file is named by its name without folder, language and extension ("parts" for
 // parts.de.msg), in any case. What stands in it, and in which order languages are tried:
@@ -54,7 +54,8 @@ class ZO_COM_API ZoMessage : public ZoSysObj {
   [[nodiscard]] virtual int getText(const ZoString& file, int number, ZoString& text) = 0;
 
   // ---- The order of the virtual functions is part of the interface ----
-  // The text with its arguments, %1 being the first of them. Numbers of physical type codes are
+  // The text with its arguments, %1 being the first of them. What the caller has in `text` for want
+  // of one is never filled in: a %1 in it would stay. Numbers of physical type codes are
   // printed by the units service; all else as ZoVariant::asString() has it. Arguments are never
   // looked at for references or places. Here: fills in what getText gives, with the forms for one
   // and many that most languages have.

@@ -4,6 +4,8 @@
 //   throw-side: zoThrow(L"No such part");  // file, function and line by itself
 #pragma once
 
+#include <zo/config.h>
+
 #include <string_view>
 
 namespace zo {

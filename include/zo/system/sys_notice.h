@@ -8,6 +8,8 @@
 //   const int code = ZoSystem::sysDisp().sendNotice(kPartsChanged, data);
 #pragma once
 
+#include <zo/config.h>
+
 // Modules of different age exchange these numbers: never renumber.
 enum ZoSysNotice : int {
   moduleLoaded = 0,     // "Module": the name. Sent by the module itself.

@@ -5,6 +5,8 @@
 // Threads: as the text.
 #pragma once
 
+#include <zo/config.h>
+
 #include <version>
 
 #if defined(__cpp_lib_format)

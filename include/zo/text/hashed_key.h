@@ -5,6 +5,8 @@
 // Threads: a plain value.
 #pragma once
 
+#include <zo/config.h>
+
 namespace zo {
 
 // One number for both, which a struct of two would pass through memory.

@@ -5,6 +5,8 @@
 // Errors, Threads: as a number has them.
 #pragma once
 
+#include <zo/config.h>
+
 #include <concepts>
 #include <utility>
 

@@ -23,10 +23,13 @@
 #pragma once
 
 #include <zo/config.h>
+#include <zo/text/not_negative.h>
 #include <zo/text/string.h>
 
+#include <concepts>
 #include <cstdint>
 #include <string_view>
+#include <type_traits>
 
 namespace ZoResult {
 inline constexpr int overflow = 4;  // a number, but too large
@@ -58,3 +61,30 @@ ZO_COM_API unsigned int ZoIntToStr(std::int64_t value, wchar_t* buffer) noexcept
   const unsigned int length = ZoIntToStr(value, buffer);
   return ZoString(buffer, length);
 }
+
+// Unsigned numbers of 64 bits, up to the largest.
+template <zo::PlainInteger Integer>
+  requires(std::unsigned_integral<Integer> && sizeof(Integer) == sizeof(std::uint64_t))
+unsigned int ZoIntToStr(Integer value, wchar_t* buffer) noexcept {
+  const auto front = static_cast<std::int64_t>(value / 10);
+  unsigned int length = front != 0 ? ZoIntToStr(front, buffer) : 0;
+  buffer[length++] = static_cast<wchar_t>(L'0' + value % 10);
+  buffer[length] = 0;
+  return length;
+}
+template <zo::PlainInteger Integer>
+  requires(std::unsigned_integral<Integer> && sizeof(Integer) == sizeof(std::uint64_t))
+[[nodiscard]] ZoString ZoIntToStr(Integer value) {
+  wchar_t buffer[ZoNumberTextSize];
+  const unsigned int length = ZoIntToStr(value, buffer);
+  return ZoString(buffer, length);
+}
+
+// clang-format off: the compiler shows the comment of the line that it refuses
+template <class T, class... More>
+  requires(std::is_arithmetic_v<T> && !zo::PlainInteger<T>)
+void ZoIntToStr(T, More...) = delete;  // of a real ZoRealToStr; letters, truth values are no numbers
+template <class T, class... More>
+  requires(std::integral<T> && !zo::PlainInteger<T>)
+void ZoRealToStr(T, More...) = delete;  // letters and truth values are no numbers
+// clang-format on

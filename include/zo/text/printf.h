@@ -106,8 +106,12 @@ class FormatArgument {
     } else if constexpr (argumentKind<T>() == ArgumentKind::Real) {
       real_ = static_cast<double>(value);
     } else if constexpr (argumentKind<T>() == ArgumentKind::Pointer) {
-      // Of an object or a function, volatile or null: no other cast takes them all.
-      pointer_ = (const void*)(value);  // NOLINT(google-readability-casting)
+      if constexpr (std::is_null_pointer_v<Value>)
+        pointer_ = nullptr;
+      else if constexpr (std::is_function_v<std::remove_pointer_t<Value>>)
+        pointer_ = reinterpret_cast<const void*>(value);
+      else
+        pointer_ = const_cast<const void*>(static_cast<const volatile void*>(value));
     } else {
       whole_ = static_cast<std::int64_t>(value);
       size_ = sizeof(value);

@@ -5,6 +5,8 @@
 // Errors, Threads: as said; nothing throws.
 #pragma once
 
+#include <zo/config.h>
+
 class ZoRefCount {
  public:
   constexpr explicit ZoRefCount(int initial = 1) noexcept

@@ -4,6 +4,8 @@
 // Threads: as the texts.
 #pragma once
 
+#include <zo/config.h>
+
 #include <concepts>
 #include <string_view>
 #include <type_traits>

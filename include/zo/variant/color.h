@@ -12,12 +12,14 @@
 
 #include <zo/config.h>
 #include <zo/results.h>
+#include <zo/text/not_negative.h>
 #include <zo/text/string.h>
 
 #include <compare>
 #include <cstddef>
 #include <iosfwd>
 #include <string_view>
+#include <type_traits>
 
 class ZoColor {
  public:
@@ -45,6 +47,9 @@ class ZoColor {
   constexpr ZoColor(unsigned char r, unsigned char g, unsigned char b) noexcept { setRgb(r, g, b); }
   // As setRgb(v): red in the low byte. A plain number is no palette colour; Type(number) is.
   constexpr explicit ZoColor(unsigned int v) noexcept { setRgb(v); }
+  template <class T>
+    requires(std::is_arithmetic_v<T> && !zo::PlainInteger<T>)
+  explicit ZoColor(T) = delete;  // a word, or red, green, blue
 
   // As setType; kTrueColor leaves the colour as it was.
   constexpr ZoColor& operator=(Type t) noexcept {

@@ -42,8 +42,9 @@ ZO_COM_API ZoString& ZoGuid2String(const _GUID& guid, ZoString& out, bool braces
 // Reads the first GUID text that stands in a text. Returns 0; or 1, and then the GUID stays as it
 // was. Only the opening brace, the four dashes and the closing brace are looked for, in this order;
 // a group is read from behind its delimiter as far as hexadecimal digits go, at most its own number
-// of them, and what follows up to the next delimiter is passed over. So short groups are taken with
-// zeros in front.
+// of them, and what follows up to the next delimiter is passed over. So of the first four groups
+// short ones are taken with zeros in front. The last is read in pairs of digits, a byte each: only
+// its last byte may have a single digit, and fewer than eleven are refused.
 [[nodiscard]] ZO_COM_API int ZoString2Guid(const ZoString& text, _GUID& guid) noexcept;
 
 ZO_COM_API void ZoSetNullGuid(_GUID& guid) noexcept;

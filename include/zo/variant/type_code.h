@@ -2,6 +2,8 @@
 // stored texts: never renumber.
 #pragma once
 
+#include <zo/config.h>
+
 // Codes come in groups of 256 under a base code (the first of each group here); the codes 1000 to
 // 1071 are the host's extended-data group codes and belong to the same bases (ZoType::baseCode).
 // Real values are held in the unit given here. docs/variant.md tells what each code means.

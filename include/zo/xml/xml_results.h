@@ -1,6 +1,8 @@
 // Result codes of XML and JSON (ZoResultFamily::xml).
 #pragma once
 
+#include <zo/config.h>
+
 namespace ZoResult {
 inline constexpr int notWellFormed = 10;    // the text is no XML or no JSON: the error says where
 inline constexpr int beyondLimits = 11;     // larger, or nested deeper, than the limits allow
