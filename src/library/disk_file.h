@@ -44,7 +44,8 @@ class DiskFile final : public ByteStore {
   // As the file is now.
   [[nodiscard]] bool look(Signature& signature) noexcept;
   // Moves the time of the last write on. Without it a change within the platform's grain of time,
-  // or one that the platform notes only when the file is closed, would not be seen. Counts a change.
+  // or one that the platform notes only when the file is closed, would not be seen. Counts a
+  // change.
   void touch() noexcept;
 
   // When it was looked at, and since then changed from here.
