@@ -15,3 +15,6 @@ foreach(expected "DEBUG zo_comd" "RELEASE zo_com" "RELWITHDEBINFO zo_com" "MINSI
   endif()
 endforeach()
 set_property(TARGET ZoCom::zo_com PROPERTY IMPORTED_CONFIGURATIONS ${configurations})
+if(NOT debug_dll)
+  set_property(TARGET ZoCom::zo_com PROPERTY IMPORTED_LOCATION_DEBUG)
+endif()

@@ -37,7 +37,7 @@ SAMPLE = {
     "list": "List list of 1 = {[0] = Real 0.5}",
     "dict": 'Catalog dictionary of 1 in 128 buckets = {"width" = Sequence array of 2 = {[0] = Int 1, [1] = String "two"}}',
     "ring": "list of 2 = {1, 2}",
-    "knot": 'tree of 2 = {[L"a"] = 1, [L"a"] = 1}',
+    "knot": 'tree of 2 = {[L"a"] = 1, [L"b"] = 2}',
     "no_kind": "Int damaged: no variant has kind 31",
     "no_reference": "Point -> damaged: no variant has kind 38",
 }
