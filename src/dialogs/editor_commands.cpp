@@ -12,7 +12,6 @@
 
 namespace {
 
-using zo::dialogText;
 using enum zo::DialogText;
 
 enum Modifier : unsigned int { kPlain = 0, kShift = 1, kControl = 2, kAlt = 4 };
