@@ -234,11 +234,11 @@ def edit():
     edited("a.txt", "--read-only", "--against", "a.txt", steps=[cancel], err="")
     edited("a.txt", steps=["edit=3 m", f"run={tool} set a.txt length 7", ok], err="")
     assert codes[-1] == [b"11"] and run("get", "a.txt", "length") == b"3000\n", codes
-    write("b.txt", before)
+    write("b.txt", before.replace(b"12.5", b"7.0"))
     for other, said in (("copy /y b.txt a.txt", "was written by"), ("del a.txt", "is not there any more:")):
         lost = ["edit=4 m", f"run=cmd /c {other}", ok, told]
         edited("a.txt", steps=[*lost, cancel, yes], code=11, err=f"zoval: a.txt {said}.*")
-        assert not pathlib.Path("a.txt").exists() or pathlib.Path("a.txt").read_bytes() == before
+        assert not pathlib.Path("a.txt").exists() or b"7.0" in pathlib.Path("a.txt").read_bytes()
         write("a.txt", before)
         edited("a.txt", steps=[*lost, ok], err="")
         assert run("get", "a.txt", "length") == b"4000\n", other
