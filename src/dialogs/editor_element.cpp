@@ -88,7 +88,7 @@ HWND zo::ElementDialog::onStart() {
 }
 
 void zo::ElementDialog::fillTypes() {
-  HWND const types = item(kType);
+  auto* const types = item(kType);
   const auto add = [types](ZoTypeCode code) {
     const LRESULT index = send(types, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(nameOfCode(code)));
     send(types, CB_SETITEMDATA, static_cast<WPARAM>(index), static_cast<LPARAM>(code));
@@ -106,7 +106,7 @@ void zo::ElementDialog::fillTypes() {
 }
 
 void zo::ElementDialog::fillFlags() {
-  HWND const list = item(kFlags);
+  auto* const list = item(kFlags);
   send(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
   LVCOLUMNW column = {};
   column.mask = LVCF_WIDTH;
@@ -140,7 +140,7 @@ void zo::ElementDialog::showText(const ZoVariant& value) {
   ZoString lines = text;
   hasLineEnds_ = text.view().find(L'\r') != std::wstring_view::npos;
   if (!hasLineEnds_) lines.replaceAll(L"\n", L"\r\n");
-  HWND const field = item(kValue);
+  auto* const field = item(kValue);
   constexpr WPARAM kNoLimit = 0x7FFFFFFE;
   send(field, EM_SETLIMITTEXT, kNoLimit, 0);
   SetWindowTextW(field, lines);

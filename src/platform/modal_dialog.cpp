@@ -73,7 +73,7 @@ INT_PTR CALLBACK zo::ModalDialog::proc(HWND window, UINT message, WPARAM w, LPAR
 INT_PTR zo::ModalDialog::handle(UINT message, WPARAM w, LPARAM l) {
   switch (message) {
     case WM_INITDIALOG: {
-      HWND const first = onStart();
+      auto* const first = onStart();
       isStarted_ = true;
       if (first) SetFocus(first);
       return first ? FALSE : TRUE;
