@@ -58,6 +58,8 @@ constexpr zo::DialogTextEntry kTexts[] = {
     {foundAt, L"Found: %1 of %2."},
     {discardChanges, L"Discard the changes?"},
     {noMemory, L"There is no memory left for that."},
+    {unitsInUse, L"The units are in use elsewhere; try again."},
+    {shownInPart, L"Only the first %1 of %2 characters are shown."},
     {memberTitle, L"Open from %1"},
     {memberOpen, L"&Open"},
     {memberBack, L"&Back"},

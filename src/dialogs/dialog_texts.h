@@ -60,6 +60,8 @@ enum class DialogText : int {
   foundAt = 46,
   discardChanges = 47,
   noMemory = 48,
+  unitsInUse = 49,
+  shownInPart = 50,
 
   // The choice among the members of a library.
   memberTitle = 64,  // %1: a library's name

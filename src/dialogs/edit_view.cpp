@@ -19,7 +19,7 @@ bool isMatch(const Element& element, const ZoVariant& outer, const ZoRegExp& exp
 
 }  // namespace
 
-std::vector<Element> ZoVariantEdits::elements(zo::TextParameter path) const {
+std::vector<Element> ZoVariantEdits::elements(zo::TextParameter path) const& {
   std::vector<Element> elements;
   const ZoVariant* const container = value_.find(path);
   if (!container) return elements;

@@ -66,6 +66,7 @@ zo::Editor::Editor(Request request)
       other_(request.other),
       title_(std::move(request.title)),
       key_(std::move(request.key)),
+      take_(std::move(request.take)),
       tree_(edits_) {
   edits_.setReadOnly(request.isReadOnly);
 }
@@ -74,7 +75,17 @@ int zo::Editor::show(HWND owner) {
   return ask(owner, formOf(title_, edits_.isReadOnly(), other_ != nullptr));
 }
 
+// A command may have thrown behind its edit, which is shown then.
 bool zo::Editor::survives() noexcept {
+  if (!isMending_) {
+    isMending_ = true;
+    try {
+      showAnew();
+    } catch (...) {
+      matches_.clear();  // they may be of the value as it was; the next command shows the rows
+    }
+    isMending_ = false;
+  }
   SetDlgItemTextW(window(), kEditorStatus, dialogText(noMemory));
   return true;
 }
@@ -270,12 +281,9 @@ LRESULT zo::Editor::onNotice(NMHDR& notice) {
 
 LRESULT zo::Editor::onListNotice(NMHDR& notice) {
   switch (notice.code) {
-    case LVN_GETDISPINFOW: {
-      const LVITEMW& cell = reinterpret_cast<NMLVDISPINFOW&>(notice).item;
-      if ((cell.mask & LVIF_TEXT) && cell.cchTextMax > 0)
-        lstrcpynW(cell.pszText, rows_.text(cell.iItem, cell.iSubItem), cell.cchTextMax);
+    case LVN_GETDISPINFOW:
+      showCell(reinterpret_cast<NMLVDISPINFOW&>(notice).item);
       return 0;
-    }
     case LVN_ODFINDITEMW: {
       const auto& wanted = reinterpret_cast<NMLVFINDITEMW&>(notice);
       return wanted.lvfi.flags & LVFI_STRING ? rows_.startingWith(wanted.lvfi.psz, wanted.iStart)
@@ -294,6 +302,16 @@ LRESULT zo::Editor::onListNotice(NMHDR& notice) {
       return 0;
     default:
       return 0;
+  }
+}
+
+// Without memory for its text it is empty: to say so would draw again, and so on.
+void zo::Editor::showCell(const LVITEMW& cell) const noexcept {
+  if (!(cell.mask & LVIF_TEXT) || cell.cchTextMax <= 0) return;
+  try {
+    lstrcpynW(cell.pszText, rows_.text(cell.iItem, cell.iSubItem), cell.cchTextMax);
+  } catch (...) {
+    *cell.pszText = L'\0';
   }
 }
 
@@ -335,9 +353,14 @@ void zo::Editor::select(int index) {
 // An element that the differences leave out ends them.
 void zo::Editor::reveal(const ZoString& path) {
   if (differences_ && !differences_->isShown(path)) compare(false);
+  show(path);
+}
+
+// The container in which it is, and itself if it has a row.
+void zo::Editor::show(const ZoString& path) {
   const ZoString outer(outerOf(path.view()));
   if (outer != chosen_) open(outer);
-  select(rows_.indexOf(path));
+  select(std::max(rows_.indexOf(path), 0));
 }
 
 int zo::Editor::selected() const noexcept {
@@ -362,7 +385,7 @@ void zo::Editor::enableCommands() {
     if (!isOn && GetFocus() == item(id)) SetFocus(list_);
     EnableWindow(item(id), isOn);
   };
-  enable(kEditorAdd, isOpen);
+  enable(kEditorAdd, edits_.isEditable(chosen_.view()));
   enable(kEditorRemove, isOpen && isElement);
   enable(kEditorProperties, row && row->value);
   enable(kEditorUp, isOpen && isPlaced);

@@ -6,7 +6,9 @@
 
 #include <zo/dialogs/variant_edits.h>
 
+#include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "dialogs/dialog_texts.h"
@@ -54,12 +56,13 @@ class Editor final : public ModalDialog {
     const ZoVariant* other = nullptr;  // to compare with
     bool isReadOnly = false;
     ZoString title;
-    ZoString key;  // of the settings in which it keeps its place
+    ZoString key;                                    // of the settings in which it keeps its place
+    std::function<ZoString(const ZoVariant&)> take;  // or empty: ZoVariantDialog::takeBy
   };
   explicit Editor(Request request);
 
   [[nodiscard]] int show(HWND owner);
-  [[nodiscard]] const ZoVariant& value() const noexcept { return edits_.value(); }
+  [[nodiscard]] ZoVariant value() && noexcept { return std::move(edits_).value(); }
 
  private:
   HWND onStart() override;
@@ -85,6 +88,8 @@ class Editor final : public ModalDialog {
   void reload();
   void select(int index);
   void reveal(const ZoString& path);
+  void show(const ZoString& path);
+  void showCell(const LVITEMW& cell) const noexcept;
   void say(const ZoString& text);
   void say(DialogText text) { say(ZoString(dialogText(text))); }
   void sayPath();
@@ -103,19 +108,27 @@ class Editor final : public ModalDialog {
   void travel(int (ZoVariantEdits::*way)());
   void find(int by);
   void compare(bool isOn);
+  void take();
   void cancel();
   // Takes what is typed in the open field. False when it is refused, and the field stays.
   [[nodiscard]] bool finish();
-  [[nodiscard]] ZoString reasonOf(const EditorField& field) const;
+  [[nodiscard]] ZoString reasonOf(const EditorField& field, int code) const;
   void openField(EditorField::What what, const ZoString& path);
   [[nodiscard]] ZoString takeNew(const ZoString& name, ZoVariant value);
-  // What is shown follows an edit.
+  // The reason why an edit was refused. After one that was not, the rows point at what may be gone.
+  [[nodiscard]] ZoString outcome(int code);
+  // What is shown follows an edit, if there was one; what only was begun is made again from the
+  // edits as they are.
   enum What { kOneValue, kManyValues };
+  [[nodiscard]] bool isBehind() const noexcept { return edits_.undoCount() != followed_; }
   void follow(What what);
+  void showAnew();
 
   ZoVariantEdits edits_;
+  unsigned int followed_ = 0;  // the count of edits that is shown; each edit makes another one
   const ZoVariant* other_;
   ZoString title_, key_;
+  std::function<ZoString(const ZoVariant&)> take_;
   std::optional<EditorDifferences> differences_;  // while only these are shown
   EditorTree tree_;
   EditorColumns columns_;
@@ -127,6 +140,7 @@ class Editor final : public ModalDialog {
   std::vector<ZoString> matches_;  // of the last search
   ZoString pattern_;
   size_t match_ = 0;
+  bool isMending_ = false;
 };
 
 }  // namespace zo

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "dialogs/edit_paths.h"
+#include "dialogs/edit_texts.h"
 #include "dialogs/editor.h"
 #include "dialogs/editor_element.h"
 
@@ -81,7 +82,7 @@ void zo::Editor::onCommand(int id, int notice) {
     return;
   }
   if (id == IDCANCEL) return cancel();
-  if (id == IDOK && finish()) return end(IDOK);
+  if (id == IDOK && finish()) return take();
   if (id == kEditorOnlyDifferences) return compare(!differences_);
   if (id >= kEditorEdit) perform(id);
 }
@@ -116,7 +117,7 @@ void zo::Editor::perform(int command) {
     case kEditorFindPrevious:
       return find(-1);
     case kEditorOuter:
-      if (!chosen_.isEmpty()) reveal(ZoString(chosen_));
+      if (!chosen_.isEmpty()) show(ZoString(chosen_));
       return;
     case kEditorNarrowTree:
       return moveSplit(split_.edge() - 4 * split_.bar);
@@ -128,10 +129,14 @@ void zo::Editor::perform(int command) {
 }
 
 // The row that a command is meant for: the selected one, or where the tree has the focus that of
-// the container chosen there, which is shown first. None where there is none, or no path leads to
-// it: in the value itself an empty key has the path of the whole.
+// the container chosen there, which is shown first. None where there is none, as for the whole
+// value in the tree, or no path leads to it: in the value itself an empty key has the path of the
+// whole.
 std::optional<zo::EditorRows::Row> zo::Editor::target() {
-  if (GetFocus() == tree_.control() && !chosen_.isEmpty()) reveal(ZoString(chosen_));
+  if (GetFocus() == tree_.control()) {
+    if (chosen_.isEmpty()) return std::nullopt;
+    reveal(ZoString(chosen_));
+  }
   const std::optional<EditorRows::Row> row = rows_.at(selected());
   if (!row || !row->value) return std::nullopt;
   return row->value == edits_.value().find(row->path.view()) ? row : std::nullopt;
@@ -153,6 +158,8 @@ void zo::Editor::rename() {
   if (!row || edits_.isReadOnly()) return;
   const ZoVariant* const container = edits_.value().find(chosen_.view());
   if (row->path.isEmpty() || !container || !container->asDict()) return edit();
+  if (!edits_.isEditable(chosen_.view()) || row->value->isFlagged(ZoFlagConstant))
+    return say(notEditable);
   openField(EditorField::kName, row->path);
 }
 
@@ -161,7 +168,8 @@ void zo::Editor::openField(EditorField::What what, const ZoString& path) {
   const int index = rows_.indexOf(path);
   const std::optional<EditorRows::Row> row = rows_.at(index);
   if (!row || !row->value) return;
-  const ZoString text = isName ? row->name : ZoVariantEdits::textOf(*row->value);
+  ZoString text = row->name;
+  if (!isName && printText(*row->value, text) == ZoResult::timeOut) return say(unitsInUse);
   SendMessageW(list_, LVM_ENSUREVISIBLE, static_cast<WPARAM>(index), FALSE);
   if (field_.open(cellOf(index, what), path, what, text)) return;
   if (isName) return say(notEditableHere);
@@ -172,27 +180,27 @@ bool zo::Editor::finish() {
   if (!field_.isOpen()) return true;
   const bool isName = field_.what() == EditorField::kName;
   const ZoString path = field_.path(), text = field_.text();
-  const unsigned int before = edits_.undoCount();
   int code = ZoResult::ok;
   if (field_.isChanged())
     code =
         isName ? edits_.rename(path.view(), text.view()) : edits_.setText(path.view(), text.view());
   if (code != ZoResult::ok) {
-    say(reasonOf(field_));
+    say(reasonOf(field_, code));
     MessageBeep(MB_ICONWARNING);
     return false;
   }
   const bool hadFocus = GetFocus() == field_.control();
   field_.close();
   if (hadFocus) SetFocus(list_);
-  if (edits_.undoCount() != before)
+  if (isBehind())
     follow(isName ? kManyValues : kOneValue);
   else
     sayPath();
   return true;
 }
 
-ZoString zo::Editor::reasonOf(const EditorField& field) const {
+ZoString zo::Editor::reasonOf(const EditorField& field, int code) const {
+  if (code == ZoResult::timeOut) return ZoString(dialogText(unitsInUse));
   const ZoString text = field.text();
   const ZoVariant* const value = edits_.value().find(field.path().view());
   if (field.what() == EditorField::kName) {
@@ -214,20 +222,19 @@ void zo::Editor::showProperties() {
   request.name = row ? row->name : ZoString(dialogText(wholeValue));
   request.value = *edits_.value().find(path.view());
   request.isReadOnly = !edits_.isEditable(path.view());
-  const unsigned int before = edits_.undoCount();
   ElementDialog dialog(std::move(request), [&](const ZoString&, ZoVariant value) {
     if (value == *edits_.value().find(path.view())) return ZoString();
-    const int code = edits_.setValue(path.view(), std::move(value));
-    return code == ZoResult::ok ? ZoString() : ZoString(dialogText(notPossible));
+    return outcome(edits_.setValue(path.view(), std::move(value)));
   });
   static_cast<void>(dialog.show(window()));
-  if (edits_.undoCount() != before) follow(kManyValues);
+  if (isBehind()) follow(kManyValues);
 }
 
 // ---- Elements ----
 
 void zo::Editor::add() {
   if (edits_.isReadOnly()) return;
+  if (!edits_.isEditable(chosen_.view())) return say(notEditable);
   const ZoVariant* const container = edits_.value().find(chosen_.view());
   const std::optional<EditorRows::Row> row = rows_.at(selected());
   const bool isLike = row && row->value && !isContainer(*row->value) && !row->value->isEmpty() &&
@@ -237,12 +244,17 @@ void zo::Editor::add() {
   request.isNew = true;
   request.value =
       isLike ? ZoVariant(row->value->type(), row->value->code()) : ZoVariant(ZoVariant::kString);
-  const unsigned int before = edits_.undoCount();
   ElementDialog dialog(std::move(request), [this](const ZoString& name, ZoVariant value) {
     return takeNew(name, std::move(value));
   });
   static_cast<void>(dialog.show(window()));
-  if (edits_.undoCount() != before) follow(kManyValues);
+  if (isBehind()) follow(kManyValues);
+}
+
+ZoString zo::Editor::outcome(int code) {
+  if (code != ZoResult::ok) return ZoString(dialogText(notPossible));
+  rows_ = EditorRows();
+  return {};
 }
 
 // Into a sequence behind the selected element.
@@ -253,13 +265,11 @@ ZoString zo::Editor::takeNew(const ZoString& name, ZoVariant value) {
     const unsigned int position = row && row->value
                                       ? std::stoul(std::wstring(lastStepOf(row->path.view()))) + 1
                                       : container.entries();
-    const int code = edits_.insert(chosen_.view(), position, std::move(value));
-    return code == ZoResult::ok ? ZoString() : ZoString(dialogText(notPossible));
+    return outcome(edits_.insert(chosen_.view(), position, std::move(value)));
   }
   if (name.isEmpty()) return ZoString(dialogText(nameNeeded));
   if (container.at(name.view())) return dialogText(nameTaken, {ZoVariant(name)});
-  const int code = edits_.add(chosen_.view(), name.view(), std::move(value));
-  return code == ZoResult::ok ? ZoString() : ZoString(dialogText(notPossible));
+  return outcome(edits_.add(chosen_.view(), name.view(), std::move(value)));
 }
 
 void zo::Editor::remove() {
@@ -287,6 +297,7 @@ void zo::Editor::travel(int (ZoVariantEdits::*way)()) {
 // changed the rows are of no use from the edit on: they go first, so that none is left when there
 // is no memory for others.
 void zo::Editor::follow(What what) {
+  if (what == kManyValues) rows_ = EditorRows();
   const int index = selected();
   const ZoString place = edits_.place(), outer(outerOf(place.view()));
   const bool keepsRows = what == kOneValue && !differences_ && outer == chosen_;
@@ -307,6 +318,15 @@ void zo::Editor::follow(What what) {
   const int row = place == chosen_ ? -1 : rows_.indexOf(place);
   select(row >= 0 ? row : std::max(index, 0));
   tree_.choose(chosen_);
+  followed_ = edits_.undoCount();
+}
+
+// Also when what follows an edit was begun already. While the field is open nothing was.
+void zo::Editor::showAnew() {
+  if (isBehind()) return follow(kManyValues);
+  if (field_.isOpen()) return;
+  reload();
+  select(std::max(selected(), 0));
 }
 
 // ---- Looking ----
@@ -339,14 +359,24 @@ void zo::Editor::compare(bool isOn) {
   select(0);
 }
 
+// Where the value cannot be taken the user goes on.
+void zo::Editor::take() {
+  const ZoString reason = take_ ? take_(edits_.value()) : ZoString();
+  if (reason.isEmpty()) return end(IDOK);
+  ZoMessageBox box(reason, ZoMessageBox::kOk, ZoMessageBox::kError);
+  box.setTitle(windowText(window()));
+  static_cast<void>(box.show(window()));
+}
+
+// What is typed counts, also what would be refused.
 void zo::Editor::cancel() {
-  field_.close();
-  if (edits_.isChanged()) {
+  if (edits_.isChanged() || (field_.isOpen() && field_.isChanged())) {
     ZoMessageBox box(ZoString(dialogText(discardChanges)), ZoMessageBox::kYesNo,
                      ZoMessageBox::kQuestion);
     box.setTitle(windowText(window()));
     static_cast<void>(box.setDefault(ZoMessageBox::kNo));
     if (box.show(window()) != ZoResult::ok || box.button() != ZoMessageBox::kYes) return;
   }
+  field_.close();
   end(IDCANCEL);
 }

@@ -19,6 +19,9 @@ using enum zo::DialogText;
 
 enum Control : int { kName = 100, kType, kValue, kFlags, kReason };
 
+// A field of more on one line is slow.
+constexpr unsigned int kMostDigits = 4096;
+
 bool isContainer(const ZoVariant& value) noexcept { return value.asDict() || value.asSequence(); }
 
 ZoVariant zeroOf(ZoTypeCode code, unsigned int flags) {
@@ -46,8 +49,10 @@ zo::DialogTemplate formOf(const ZoString& name, bool isNew, bool isReadOnly) {
   form.add(L"ComboBox", kType, {56, 24, 201, 160},
            CBS_DROPDOWNLIST | CBS_SORT | WS_TABSTOP | WS_VSCROLL);
   label(labelValue, 41);
+  // Not wrapped, for which the field takes minutes where a long text has no blanks.
   form.add(L"Edit", kValue, {56, 41, 201, 46},
-           kText | ES_MULTILINE | ES_AUTOVSCROLL | ES_WANTRETURN | WS_VSCROLL);
+           kText | ES_MULTILINE | ES_AUTOVSCROLL | ES_AUTOHSCROLL | ES_WANTRETURN | WS_VSCROLL |
+               WS_HSCROLL);
   label(labelFlags, 92);
   form.add(WC_LISTVIEWW, kFlags, {56, 92, 201, 80},
            kText | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS);
@@ -83,7 +88,7 @@ HWND zo::ElementDialog::onStart() {
 }
 
 void zo::ElementDialog::fillTypes() {
-  HWND const types = item(kType);
+  auto* const types = item(kType);
   const auto add = [types](ZoTypeCode code) {
     const LRESULT index = send(types, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(nameOfCode(code)));
     send(types, CB_SETITEMDATA, static_cast<WPARAM>(index), static_cast<LPARAM>(code));
@@ -101,7 +106,7 @@ void zo::ElementDialog::fillTypes() {
 }
 
 void zo::ElementDialog::fillFlags() {
-  HWND const list = item(kFlags);
+  auto* const list = item(kFlags);
   send(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
   LVCOLUMNW column = {};
   column.mask = LVCF_WIDTH;
@@ -125,22 +130,29 @@ void zo::ElementDialog::fillFlags() {
 }
 
 // The field knows lines that end in CR and LF only: those of texts with LF alone are shown so, and
-// read back. What it cannot hold as it is stays as it is.
+// read back. What it cannot hold as it is stays as it is. Chunks are long, and digits.
 void zo::ElementDialog::showText(const ZoVariant& value) {
-  const ZoString text = ZoVariantEdits::textOf(value);
+  ZoString text;
+  const bool isUnread = printText(value, text) == ZoResult::timeOut;
+  const bool isCut = value.code() == ZoTypeCode::Chunk && text.length() > kMostDigits;
+  const unsigned int length = text.length();
+  if (isCut) text = text.view().substr(0, kMostDigits);
   ZoString lines = text;
   hasLineEnds_ = text.view().find(L'\r') != std::wstring_view::npos;
   if (!hasLineEnds_) lines.replaceAll(L"\n", L"\r\n");
-  HWND const field = item(kValue);
+  auto* const field = item(kValue);
   constexpr WPARAM kNoLimit = 0x7FFFFFFE;
   send(field, EM_SETLIMITTEXT, kNoLimit, 0);
   SetWindowTextW(field, lines);
   shown_ = windowText(field);
-  isHeld_ = shown_ == lines;
+  isHeld_ = shown_ == lines && !isUnread && !isCut;
   EnableWindow(field, !isContainer(value));
   send(field, EM_SETREADONLY, !isHeld_ || request_.isReadOnly, 0);
-  SetDlgItemTextW(window(), kReason, isHeld_ ? L"" : dialogText(notEditableHere));
+  if (isCut) return say(dialogText(shownInPart, {ZoVariant(kMostDigits), ZoVariant(length)}));
+  say(ZoString(isHeld_ ? L"" : dialogText(isUnread ? unitsInUse : notEditableHere)));
 }
+
+void zo::ElementDialog::say(const ZoString& reason) { SetDlgItemTextW(window(), kReason, reason); }
 
 void zo::ElementDialog::onCommand(int id, int notice) {
   if (id == kType && notice == CBN_SELCHANGE) onType();
@@ -184,7 +196,9 @@ ZoString zo::ElementDialog::read(ZoVariant& value) const {
   if (!isTyped && !(isOther && isAnyType())) return {};
   if (!hasLineEnds_) text.replaceAll(L"\r\n", L"\n");
   if (text.isEmpty() && value.isEmpty()) return {};
-  if (readText(text.view(), value) == ZoResult::ok) return {};
+  const int read = readText(text.view(), value);
+  if (read == ZoResult::ok) return {};
+  if (read == ZoResult::timeOut) return ZoString(dialogText(unitsInUse));
   return dialogText(noSuchValue, {ZoVariant(text), ZoVariant(nameOfCode(code))});
 }
 
@@ -193,6 +207,6 @@ void zo::ElementDialog::take() {
   ZoString reason = read(value);
   if (reason.isEmpty()) reason = take_(windowText(item(kName)), std::move(value));
   if (reason.isEmpty()) return end(IDOK);
-  SetDlgItemTextW(window(), kReason, reason);
+  say(reason);
   MessageBeep(MB_ICONWARNING);
 }

@@ -35,6 +35,7 @@ class ElementDialog final : public ModalDialog {
   void showText(const ZoVariant& value);
   void onType();
   void take();
+  void say(const ZoString& reason);
   [[nodiscard]] ZoTypeCode chosenCode() const;
   [[nodiscard]] unsigned int chosenFlags() const;
   [[nodiscard]] bool isAnyType() const noexcept;

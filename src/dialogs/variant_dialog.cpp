@@ -16,10 +16,11 @@ int ZoVariantDialog::run(HWND__* owner) {
                      .other = other_ ? &*other_ : nullptr,
                      .isReadOnly = readOnly_,
                      .title = title(),
-                     .key = key_});
+                     .key = key_,
+                     .take = take_});
   switch (editor.show(owner)) {
     case IDOK:
-      value_ = editor.value();
+      value_ = std::move(editor).value();
       return ZoResult::ok;
     case 0:
       return failed(editor.error());

@@ -53,7 +53,9 @@ int ZoVariantEdits::replace(std::wstring_view path, ZoVariant value) {
 int ZoVariantEdits::setText(zo::TextParameter path, zo::TextParameter text) {
   const ZoVariant* const old = reach(path);
   if (!old || !isValueEditable(*old) || isContainer(*old)) return ZoResult::refused;
-  if (!old->isEmpty() && textOf(*old) == text) return ZoResult::ok;
+  ZoString shown;  // a bare number for want of units is none that was typed
+  const bool isPrinted = zo::printText(*old, shown) == ZoResult::ok;
+  if (!old->isEmpty() && isPrinted && shown == text) return ZoResult::ok;
   ZoVariant value(*old);
   if (const int code = zo::readText(text, value)) return code;
   if (value == *old) return ZoResult::ok;

@@ -52,6 +52,9 @@ void prepare(IFileDialog& dialog, const ItemDialogRequest& request) {
   if (!request.title.empty()) dialog.SetTitle(request.title.c_str());
   if (!request.extension.empty()) dialog.SetDefaultExtension(request.extension.c_str());
   if (!request.name.empty()) dialog.SetFileName(request.name.c_str());
+  // A folder that only is shown would not be taken by OK everywhere.
+  if (request.kind == ItemDialogRequest::kFolder && !request.folder.empty())
+    dialog.SetFileName(request.folder.c_str());
   setFilters(dialog, request);
   setFolder(dialog, request.folder);
 }

@@ -22,9 +22,10 @@ class zo::ModalDialog::Keys {
     const auto& message = *reinterpret_cast<const MSG*>(l);
     const bool isKey = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
     ModalDialog* const dialog = current();
+    // A key whose code has thrown is done with, too: Enter must not go on to the button OK.
     if (code == MSGF_DIALOGBOX && isKey && dialog && dialog->isStarted_ &&
         IsChild(dialog->window_, message.hwnd) &&
-        dialog->guarded([&] { return dialog->onKey(message); }))
+        dialog->guarded([&] { return dialog->onKey(message); }, true))
       return TRUE;
     return CallNextHookEx(nullptr, code, w, l);
   }
@@ -48,7 +49,7 @@ int zo::ModalDialog::ask(HWND owner, const DialogTemplate& form) {
 }
 
 template <class Work>
-auto zo::ModalDialog::guarded(Work work) noexcept -> decltype(work()) {
+auto zo::ModalDialog::guarded(Work work, decltype(work()) otherwise) noexcept -> decltype(work()) {
   try {
     return work();
   } catch (...) {
@@ -56,7 +57,7 @@ auto zo::ModalDialog::guarded(Work work) noexcept -> decltype(work()) {
       if (!thrown_) thrown_ = std::current_exception();
       end(IDCANCEL);
     }
-    return {};
+    return otherwise;
   }
 }
 
@@ -66,13 +67,13 @@ INT_PTR CALLBACK zo::ModalDialog::proc(HWND window, UINT message, WPARAM w, LPAR
     reinterpret_cast<ModalDialog*>(l)->window_ = window;
   }
   auto* const dialog = reinterpret_cast<ModalDialog*>(GetWindowLongPtrW(window, DWLP_USER));
-  return dialog ? dialog->guarded([&] { return dialog->handle(message, w, l); }) : FALSE;
+  return dialog ? dialog->guarded([&] { return dialog->handle(message, w, l); }, FALSE) : FALSE;
 }
 
 INT_PTR zo::ModalDialog::handle(UINT message, WPARAM w, LPARAM l) {
   switch (message) {
     case WM_INITDIALOG: {
-      HWND const first = onStart();
+      auto* const first = onStart();
       isStarted_ = true;
       if (first) SetFocus(first);
       return first ? FALSE : TRUE;

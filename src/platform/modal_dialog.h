@@ -48,7 +48,7 @@ class ModalDialog {
   static INT_PTR CALLBACK proc(HWND window, UINT message, WPARAM w, LPARAM l) noexcept;
   INT_PTR handle(UINT message, WPARAM w, LPARAM l);
   template <class Work>
-  auto guarded(Work work) noexcept -> decltype(work());
+  auto guarded(Work work, decltype(work()) otherwise) noexcept -> decltype(work());
 
   HWND window_ = nullptr;
   bool isStarted_ = false;

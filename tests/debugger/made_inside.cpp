@@ -1,5 +1,4 @@
-// Values whose containers and members are the library's own: nothing in this program describes them
-// by itself.
+// Values whose containers and members are the library's own: this program describes none of them.
 // tests/debugger/check.py stops it in lookAtThem.
 #include <zo/names/file_name.h>
 #include <zo/text/containers/array.h>

@@ -251,4 +251,16 @@ TEST_P(EveryDialog, IsAnsweredWithoutAUser) {
   EXPECT_TRUE(ZoDialogs::setAnswer({}));
 }
 
+using OneDialog = zo::test::DialogTest;
+TEST_F(OneDialog, AFolderThatWasSetIsTakenByOkAlone) {
+  ZoFolderDialog dialog{ZoFileName(folder())};
+  const ZoString before(dialog.folder());
+  const DialogUser user([](HWND window) {
+    DialogUser::press(window, IDOK);
+    DialogUser::press(window, IDCANCEL);  // were it still there
+  });
+  EXPECT_EQ(dialog.show(), 0);
+  EXPECT_EQ(ZoString(dialog.folder()), before);
+}
+
 }  // namespace

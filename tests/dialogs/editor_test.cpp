@@ -156,6 +156,10 @@ TEST_F(Editing, ElementsAreAddedMovedRemovedAndAllComesBack) {
     user.choose(user.next(user.next(nullptr, TVGN_ROOT), TVGN_CHILD));
     user.key(kEditorTree, VK_DELETE);
     EXPECT_EQ(user.branch(), L"holes list") << "the tree's own choice, not the list's";
+    user.choose(user.next(nullptr, TVGN_ROOT));
+    const std::wstring whole = user.column();
+    user.key(kEditorTree, VK_DELETE);
+    EXPECT_EQ(user.column(), whole) << "nor is the list's removed for the whole value";
     for (int i = 0; i < 99; ++i) user.key(kEditorList, 'Z', {VK_CONTROL});
     EXPECT_FALSE(IsWindowEnabled(user.item(kEditorUndo)));
     EXPECT_EQ(user.branch(), L"deep holes");
@@ -221,7 +225,7 @@ TEST_F(Editing, WhatIsNotToBeEditedIsOnlyShown) {
   const std::pair<const wchar_t*, ZoVariant> odd[] = {
       {L"reference", ZoVariant(&variable)},
       {L"pointer", ZoVariant(static_cast<void*>(&variable))},
-      {L"chunk", ZoVariant(L"00FF", ZoTypeCode::Chunk)},
+      {L"chunk", ZoVariant(std::wstring(9000, L'F'), ZoTypeCode::Chunk)},
       {L"zero", ZoVariant(zero)},
   };
   for (const auto& [name, each] : odd) EXPECT_EQ(value.put(name, each), 0);
@@ -240,6 +244,11 @@ TEST_F(Editing, WhatIsNotToBeEditedIsOnlyShown) {
   const auto look = [](const EditorUser& element) {
     const auto style = GetWindowLongW(element.item(kValue), GWL_STYLE);
     EXPECT_TRUE(style & ES_READONLY);
+    EXPECT_TRUE(style & ES_AUTOHSCROLL) << "to wrap long texts takes minutes";
+    EXPECT_LE(element.text(kValue).size(), 4096u) << "of a chunk the beginning";
+    if (element.text(kName) == L"chunk") {
+      EXPECT_EQ(element.text(kReason), L"Only the first 4096 of 9000 characters are shown.");
+    }
     element.command(IDCANCEL);
   };
   EXPECT_EQ(edit(dialog_, {tryAll, look, look, look, look}), 0);
@@ -284,8 +293,41 @@ TEST_F(Editing, ClosingAsksOnlyWhenSomethingChanged) {
       leave(user);
     };
     EXPECT_EQ(edit(dialog_, {undone}), ZoResult::cancelled);
+    for (const wchar_t* const typed : {L"2 in", L"refused"}) {
+      const auto type = [&](const EditorUser& user) {
+        user.select(L"length");
+        user.command(kEditorEdit);
+        user.type(kEditorField, typed);
+        leave(user);
+        leave(user);
+      };
+      EXPECT_EQ(edit(dialog_, {type, press(IDNO), press(IDYES)}), ZoResult::cancelled);
+    }
     EXPECT_EQ(dialog_.value(), sample());
   }
+}
+
+TEST_F(Editing, WhatCannotBeTakenIsSaidAndStaysWithItsEdits) {
+  std::vector<ZoString> given;
+  dialog_.takeBy([&](const ZoVariant& value) {
+    given.push_back(value.text(L"name"));
+    return ZoString(given.size() < 3 ? L"The disk is full." : L"");
+  });
+  const auto work = [](const EditorUser& user) {
+    user.enter(L"name", kEditorEdit, L"Nut");
+    user.command(IDOK);
+    user.command(kEditorUndo);
+    user.command(IDOK);
+    user.command(kEditorRedo);
+    user.command(IDOK);
+  };
+  const auto say = [](const EditorUser& box) {
+    EXPECT_NE(DialogUser::words(box.window()).find(L"The disk is full."), std::wstring::npos);
+    DialogUser::press(box.window(), IDOK);
+  };
+  EXPECT_EQ(edit(dialog_, {work, say, say}), 0);
+  EXPECT_EQ(given, (std::vector<ZoString>{L"Nut", L"Bolt", L"Nut"}));
+  EXPECT_EQ(dialog_.value().text(L"name"), L"Nut");
 }
 
 TEST_F(Editing, FindsNamesAndTextsOneAfterTheOther) {
@@ -339,6 +381,8 @@ TEST_F(Editing, OnlyDifferencesAreShownBesideTheOtherValues) {
     EXPECT_EQ(user.column(EditorRows::kOther), L"8");
     user.enter(L"x", kEditorEdit, L"8");
     EXPECT_EQ(user.rows(), 0) << "no difference any more";
+    user.command(kEditorOuter);
+    EXPECT_TRUE(IsDlgButtonChecked(user.window(), kEditorOnlyDifferences)) << "but elsewhere";
     user.type(kEditorFind, L"Bolt|slash");
     user.command(kEditorFindNext);
     EXPECT_EQ(user.cell(user.selected(), 0), L"a/b") << "what is found is shown";

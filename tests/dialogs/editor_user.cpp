@@ -5,8 +5,8 @@
 namespace zo::test {
 
 std::wstring EditorUser::textOf(HWND window) {
-  std::wstring text(4000, L'\0');
-  text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), 4000)));
+  std::wstring text(10'000, L'\0');
+  text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), 10'000)));
   return text;
 }
 

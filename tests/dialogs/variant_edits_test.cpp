@@ -96,6 +96,34 @@ TEST(VariantEdits, AShownTextChangesNothingHoweverItIsRounded) {
   EXPECT_EQ(ZoVariantEdits::textOf(edits.value().value(L"coated")), L"true");
 }
 
+// One of a client that throws, and that another thread holds then.
+TEST(VariantEdits, AUnitsServiceThatGivesNothingIsAskedOnceAndThrowsNothing) {
+  const zo::test::Attached attached;
+  struct Units : ZoStdUnits {
+    Units() noexcept : ZoStdUnits(L'.', L'\0') {}
+    int print(double, ZoTypeCode, ZoString&) override { return ++asked, answer(); }
+    int parse(const wchar_t*, ZoTypeCode, double&) override { return answer(); }
+    [[nodiscard]] int answer() const { return throws ? throw 5 : ZoResult::timeOut; }
+    bool throws = true;
+    int asked = 0;
+  };
+  auto* const units = new Units;
+  ZoSystem::setUnits(units);
+  ZoVariantEdits edits(sample());
+  for (const int code : {ZoResult::refused, ZoResult::timeOut}) {
+    units->asked = 0;
+    for (int i = 0; i < 9; ++i)
+      EXPECT_EQ(ZoVariantEdits::textOf(edits.value().value(L"length")), L"12");
+    EXPECT_EQ(edits.setText(L"length", L"2 in"), code);
+    EXPECT_TRUE(units->throws || units->asked < 3) << "not for each value";
+    units->throws = false;
+  }
+  EXPECT_EQ(edits.undoCount(), 0u);
+  delete &ZoSystem::units();
+  ZoSystem::setUnits(nullptr);
+  EXPECT_EQ(edits.setText(L"length", L"2 in"), 0);
+}
+
 TEST(VariantEdits, TheSameNameAndPlaceChangeNothing) {
   ZoVariantEdits edits(sample());
   EXPECT_EQ(edits.rename(L"NAME", L"name"), 0);
@@ -207,6 +235,7 @@ TEST(VariantEdits, PlaceAndChangedFollowUndo) {
   EXPECT_EQ(at(edits.undo()), L"");
   EXPECT_EQ(edits.undo(), ZoResult::refused);
   EXPECT_EQ(edits.value(), sample());
+  EXPECT_EQ(std::move(edits).value(), sample());
 }
 
 // Random edits, most of them possible; every state is kept and must come back.

@@ -12,6 +12,8 @@ void boxes() {
   static_cast<void>(task.addButton(true, L"Replace"));                      // error: from kFirstNumber on
   static_cast<void>(task.setDefault(true));                                 // error: the number of a button
   static_cast<void>(task.setButton(true));                                  // error: the number of a button
+  static_cast<void>(task.addButton(100.5, L"Replace"));                     // error: from kFirstNumber on
+  static_cast<void>(task.setDefault(1.5));                                  // error: the number of a button
   task.setTick(L"Always", 1);                                               // error: true or false
   task.setLinks(&box);                                                      // error: true or false
 }
@@ -35,6 +37,10 @@ void files(ZoFileDialog& dialog) {
   static_cast<void>(dialog.addFilter(nullptr, L"*.val"));                   // error: no name
   static_cast<void>(dialog.setFilter(true));                                // error: cannot convert
   static_cast<void>(dialog.setFilter(-1));                                  // error: negativeOrTooLarge
+  dialog.setFile(nullptr);                                                  // error: no file
+  dialog.setFolder(nullptr);                                                // error: no folder
+  ZoFolderDialog folder(nullptr);                                           // error: show(owner)
+  ZoFolderDialog().setFolder(nullptr);                                      // error: no folder
 }
 
 void edits(ZoVariantEdits& edits) {
@@ -48,4 +54,6 @@ void edits(ZoVariantEdits& edits) {
   static_cast<void>(edits.move(L"a", true));                                // error: cannot convert
   edits.setReadOnly(5);                                                     // error: true or false
   edits.setReadOnly(&edits);                                                // error: true or false
+  const ZoVariant& gone = ZoVariantEdits(ZoVariant(1)).value();
+  static_cast<void>(ZoVariantEdits(gone).elements(L""));                    // error: keep the edits
 }

@@ -182,21 +182,31 @@ def edit():
         assert user.returncode == 0, (args, steps)
         return said
 
-    ok, cancel, undo, codes = "1", "2", "207", []
+    ok, cancel, undo, told, yes, codes = "1", "2", "207", "box=1", "box=6", []
     before = b'Dict {\n\t"length" = Length 12.5\n}\n'
     write("a.txt", before)
     tool = subprocess.run(["winepath", "-w", TOOL], capture_output=True, text=True).stdout.strip() or TOOL
     for steps, code, err in (([cancel], 130, "zoval: cancelled.*"), ([ok], 0, "a.txt has that value already\n"),
-                             (["edit=long", ok, cancel], 130, None), (["edit=3 m", undo, ok], 0, None)):
+                             (["edit=long", ok, cancel, yes], 130, None), (["edit=3 m", undo, ok], 0, None)):
         edited("a.txt", "-v", steps=steps, code=code, err=err)
         assert pathlib.Path("a.txt").read_bytes() == before, steps
     edited("a.txt", "--dry-run", steps=["edit=3 m", ok], err="would change a.txt\n")
     edited("a.txt", "--read-only", "--against", "a.txt", steps=[cancel], err="")
     edited("a.txt", steps=["edit=3 m", f"run={tool} set a.txt length 7", ok], err="")
     assert codes[-1] == [b"11"] and run("get", "a.txt", "length") == b"3000\n", codes
-    write("b.txt", before)
-    edited("a.txt", steps=["edit=4 m", "run=cmd /c copy /y b.txt a.txt", ok], code=11, err="zoval: a.txt was written by.*")
-    assert pathlib.Path("a.txt").read_bytes() == before
+    write("b.txt", before.replace(b"12.5", b"7.0"))
+    for other, said in (("copy /y b.txt a.txt", "was written by"), ("del a.txt", "is not there any more:")):
+        lost = ["edit=4 m", f"run=cmd /c {other}", ok, told]
+        edited("a.txt", steps=[*lost, cancel, yes], code=11, err=f"zoval: a.txt {said}.*")
+        assert not pathlib.Path("a.txt").exists() or b"7.0" in pathlib.Path("a.txt").read_bytes()
+        write("a.txt", before)
+        edited("a.txt", steps=[*lost, ok], err="")
+        assert run("get", "a.txt", "length") == b"4000\n", other
+    write("a.txt", before)
+    os.chmod("a.txt", 0o444)
+    run("edit", "a.txt", code=2, err="zoval: a.txt cannot be written.*--read-only\n")
+    edited("a.txt", "--read-only", steps=[cancel], err="")
+    os.chmod("a.txt", 0o644)
     write("x", "no value")
     run("edit", "x", code=13)
     run("edit", "none", code=10)

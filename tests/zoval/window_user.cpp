@@ -3,6 +3,7 @@
 //
 //   edit=TEXT  types over the value of the row that is selected
 //   run=LINE   runs another program meanwhile, and prints its exit code
+//   box=ID     presses a button of the message box that comes then, and waits until it is gone
 //   ID         a command, or button, by its number
 #include <windows.h>
 
@@ -16,13 +17,35 @@ constexpr int kField = 102;
 constexpr WPARAM kEdit = 200;
 constexpr DWORD kLongest = 20'000, kPause = 20;
 
-HWND windowTitled(const wchar_t* title) {
+// Nothing tells one program what another one's windows do.
+template <class Done>
+bool waitUntil(Done done) {
   for (DWORD waited = 0; waited < kLongest; waited += kPause) {
-    HWND const window = FindWindowW(nullptr, title);
-    if (window && IsWindowVisible(window)) return window;
-    Sleep(kPause);  // nothing tells one program that another one's window is there
+    if (done()) return true;
+    Sleep(kPause);
   }
-  return nullptr;
+  return false;
+}
+
+// Another one than the editor's, which has the same title as its message boxes.
+HWND windowTitled(const wchar_t* title, HWND editor = nullptr) {
+  HWND window = nullptr;
+  waitUntil([&] {
+    while ((window = FindWindowExW(nullptr, window, nullptr, title)) != nullptr)
+      if (window != editor && IsWindowVisible(window)) return true;
+    return false;
+  });
+  return window;
+}
+
+void post(HWND window, std::wstring_view id) {
+  PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(std::stoi(std::wstring(id))), 0);
+}
+
+bool press(const wchar_t* title, HWND editor, std::wstring_view id) {
+  HWND const box = windowTitled(title, editor);
+  if (box) post(box, id);
+  return box && waitUntil([&] { return !IsWindow(box); });
 }
 
 bool run(std::wstring line) {
@@ -54,8 +77,10 @@ int wmain(int count, wchar_t** arguments) {
                           reinterpret_cast<LPARAM>(step.substr(5).data()));
     } else if (step.starts_with(L"run=")) {
       if (!run(std::wstring(step.substr(4)))) return 2;
+    } else if (step.starts_with(L"box=")) {
+      if (!press(arguments[1], window, step.substr(4))) return 3;
     } else {
-      PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(std::stoi(std::wstring(step))), 0);
+      post(window, step);
     }
   }
   return 0;

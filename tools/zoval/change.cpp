@@ -24,11 +24,17 @@ ZoVariant valueOf(const std::wstring& text) {
 
 }  // namespace
 
-void keep(ValueFile& file, bool isChange, const Options& options, Report& report) {
+bool isToWrite(const ValueFile& file, bool isChange, const Options& options, Report& report) {
   report.json()["changed"] = isChange;
-  if (!isChange) return report.note({173, "%1 has that value already"}, file.shown);
-  if (options.dryRun) return report.note({174, "would change %1"}, file.shown);
-  if (writeValue(file, report) && options.verbose) report.note({175, "changed %1"}, file.shown);
+  if (!isChange) report.note({173, "%1 has that value already"}, file.shown);
+  if (isChange && options.dryRun) report.note({174, "would change %1"}, file.shown);
+  return isChange && !options.dryRun;
+}
+
+void keep(ValueFile& file, bool isChange, const Options& options, Report& report) {
+  if (!isToWrite(file, isChange, options, report)) return;
+  if (const Fault fault = writeValue(file, report)) return tell(fault, report);
+  if (options.verbose) report.note({175, "changed %1"}, file.shown);
 }
 
 // What is there keeps its type: 13 for a length is a length. Only a value in text form brings its
@@ -65,7 +71,7 @@ void convert(const Options& options, Report& report) {
   report.json()["to"] = nameOf(*form);
   if (isToOutput) {
     std::string bytes;
-    if (!encode(file.value, *form, bytes, report)) return;
+    if (const Fault fault = encode(file.value, *form, bytes)) return tell(fault, report);
     if (options.json && *form != Form::kArchive)
       report.json()["text"] = bytes;
     else if (options.json)
@@ -78,7 +84,8 @@ void convert(const Options& options, Report& report) {
   target.form = *form;
   target.size = file.size;
   if (options.dryRun) return report.note({178, "would write %1"}, target.shown);
-  if (writeValue(target, report) && options.verbose) report.note({179, "wrote %1"}, target.shown);
+  if (const Fault fault = writeValue(target, report)) return tell(fault, report);
+  if (options.verbose) report.note({179, "wrote %1"}, target.shown);
 }
 
 }  // namespace zoval

@@ -26,7 +26,7 @@ void tell(const ZoVariant& value, const std::string& text, const ValueFile& file
 }
 
 bool formOfValue(const ZoVariant& value, std::string& text, Report& report) {
-  if (!encode(value, Form::kText, text, report)) return false;
+  if (const Fault fault = encode(value, Form::kText, text)) return tell(fault, report), false;
   text.pop_back();  // its line end
   return true;
 }

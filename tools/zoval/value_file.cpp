@@ -28,6 +28,11 @@ using zolib::toUtf8;
 
 constexpr Text kNotOpened{157, "cannot open %1%2"};
 
+template <class... Fillings>
+Failure failure(zolib::ExitCode code, const Text& text, const Fillings&... fillings) {
+  return {code, say(text, fillings...)};
+}
+
 constexpr struct {
   Form form;
   const wchar_t* name;
@@ -148,18 +153,16 @@ bool isLibrary(ZoFile& open) {
   return open.seekToBegin() == 0 && got == sizeof head && std::memcmp(head, kMark, got) == 0;
 }
 
-bool openLibrary(const ValueFile& file, int access, ZoLibrary& library, Report& report) {
+Fault openLibrary(const ValueFile& file, int access, ZoLibrary& library) {
   zolib::forgetReason();
   const int code = library.open(ZoFileName(zolib::shellPath(file.path)), access);
-  if (code == ZoResult::ok && library.isLibrary()) return true;
+  if (code == ZoResult::ok && library.isLibrary()) return std::nullopt;
   const std::string shown = toUtf8(file.path);
   if (code == ZoResult::ok)
-    report.fail(zolib::kNotFound, {156, "%1 is no library, and has no member %2"}, shown,
-                file.member);
-  else
-    report.fail(code == ZoResult::libraryWriteLocked ? zolib::kLocked : zolib::kFailed, kNotOpened,
-                shown, because());
-  return false;
+    return failure(zolib::kNotFound, {156, "%1 is no library, and has no member %2"}, shown,
+                   file.member);
+  return failure(code == ZoResult::libraryWriteLocked ? zolib::kLocked : zolib::kFailed, kNotOpened,
+                 shown, because());
 }
 
 void setMember(const std::wstring& member, ValueFile& file) {
@@ -172,8 +175,8 @@ bool readMember(const Options& options, ValueFile& file, Report& report, Use use
   if (use == Use::kChange) file.library = std::make_unique<ZoLibrary>();
   ZoLibrary& library = file.library ? *file.library : reader;
   ZoFile open;
-  if (!openLibrary(file, file.library ? ZoFile::kReadWrite : ZoFile::kRead, library, report))
-    return false;
+  const int access = file.library ? ZoFile::kReadWrite : ZoFile::kRead;
+  if (const Fault fault = openLibrary(file, access, library)) return tell(fault, report), false;
   ZoLibEntry entry;
   if (library.getEntry(ZoFileName(file.member), entry) != ZoResult::ok) {
     report.fail(zolib::kNotFound, {158, "%1 has no member %2; `zolib list` shows what it has"},
@@ -197,20 +200,19 @@ bool isWritten(ZoFile& file, std::string_view bytes) {
 }
 
 // What closes adds the member, in the place of what has its name.
-bool writeMember(ValueFile& file, std::string_view bytes, Report& report) {
-  if (!file.library) {
-    file.library = std::make_unique<ZoLibrary>();
-    if (!openLibrary(file, ZoFile::kReadWrite, *file.library, report)) return false;
-  }
+Fault writeMember(ValueFile& file, std::string_view bytes) {
+  if (!file.library) file.library = std::make_unique<ZoLibrary>();
+  if (!file.library->isOpen())
+    if (Fault fault = openLibrary(file, ZoFile::kReadWrite, *file.library)) return fault;
   ZoLibrary& library = *file.library;
   ZoFile open;
   if (library.getFile(open, ZoFileName(file.member), ZoFile::kWrite) == ZoResult::ok) {
     if (isWritten(open, bytes) && open.close() == ZoResult::ok && library.close() == ZoResult::ok)
-      return true;
+      return std::nullopt;
     open.cancel();
   }
-  report.fail(zolib::kFailed, {159, "cannot write %1%2; it is as it was"}, file.shown, because());
-  return false;
+  return failure(zolib::kFailed, {159, "cannot write %1%2; it is as it was"}, file.shown,
+                 because());
 }
 
 ZoFile opened(const std::wstring& path) {
@@ -220,12 +222,18 @@ ZoFile opened(const std::wstring& path) {
   return file;
 }
 
-// Programs that know nothing of the lock write, too.
-bool isAsRead(const ValueFile& file) {
-  if (!file.before) return true;
+// Programs that know nothing of the lock write and delete, too.
+Fault changeMeanwhile(const ValueFile& file) {
+  if (!file.before) return std::nullopt;
   ZoFile open = opened(file.path);
   std::string bytes;
-  return open.isOpen() && readBytes(open, bytes) && bytes == *file.before;
+  if (!open.isOpen())
+    return failure(zolib::kLocked,
+                   {185, "%1 is not there any more: it was deleted or renamed meanwhile"},
+                   file.shown);
+  if (readBytes(open, bytes) && bytes == *file.before) return std::nullopt;
+  return failure(zolib::kLocked, {164, "%1 was written by another program meanwhile; try again"},
+                 file.shown);
 }
 
 bool keepBytes(ZoFile& open, ValueFile& file, Report& report) {
@@ -315,42 +323,58 @@ bool textOf(const ZoVariant& value, Form form, ZoString& text) {
 
 }  // namespace
 
-bool encode(const ZoVariant& value, Form form, std::string& bytes, Report& report) {
+Fault encode(const ZoVariant& value, Form form, std::string& bytes) {
   ZoString text;
   if (form == Form::kArchive && !value.isTooDeep()) {
     ZoMemoryWriteArchive archive;
     archive << value;
     bytes.assign(reinterpret_cast<const char*>(archive.bytes().data()), archive.bytes().size());
-    return true;
+    return std::nullopt;
   }
   if (form != Form::kArchive && textOf(value, form, text)) {
     bytes = toUtf8(text.view());
     if (!bytes.ends_with('\n')) bytes += '\n';
-    return true;
+    return std::nullopt;
   }
-  report.fail(zolib::kFailed, {163, "the value lies too deep, or is too long, for the form %1"},
-              nameOf(form));
+  return failure(zolib::kFailed, {163, "the value lies too deep, or is too long, for the form %1"},
+                 nameOf(form));
+}
+
+void tell(const Fault& fault, Report& report) {
+  if (fault && !fault->text.empty()) report.fail(fault->code, fault->text);
+}
+
+bool isWritable(const ValueFile& file, Report& report) {
+  zolib::forgetReason();
+  ZoFile open;
+  const ZoFileName name(zolib::shellPath(file.path));
+  constexpr auto kShared = ZoFile::kShareRead | ZoFile::kShareWrite;
+  if (open.open(name, ZoFile::kReadWrite, ZoFile::kOpenExisting, kShared) == 0) return true;
+  report.fail(zolib::kFailed, {186, "%1 cannot be written%2; look at it by --read-only"},
+              file.shown, because());
   return false;
 }
 
-bool writeValue(ValueFile& file, Report& report) {
+void acceptPresent(ValueFile& file) {
+  if (!file.before) return;
+  ZoFile open = opened(file.path);
+  if (!open.isOpen() || !readBytes(open, *file.before)) file.before.reset();
+}
+
+Fault writeValue(ValueFile& file, Report& report) {
   const zolib::Step writing = report.step(file.size, {182, "writing %1"}, file.shown);
   std::string bytes;
-  if (!encode(file.value, file.form, bytes, report)) return false;
-  if (!report.goesOn()) return false;
-  if (!file.member.empty()) return writeMember(file, bytes, report);
+  if (Fault fault = encode(file.value, file.form, bytes)) return fault;
+  if (!report.goesOn()) return Failure{zolib::kCancelled, {}};
+  if (!file.member.empty()) return writeMember(file, bytes);
   zolib::forgetReason();
   ZoFileSave save;
   const bool isReady =
       save.open(ZoFileName(zolib::shellPath(file.path))) == 0 && isWritten(save.file(), bytes);
-  if (isReady && !isAsRead(file)) {
-    report.fail(zolib::kLocked, {164, "%1 was written by another program meanwhile; try again"},
-                file.shown);
-    return false;
-  }
-  if (isReady && save.commit() == 0) return true;
-  report.fail(zolib::kFailed, {165, "cannot write %1%2"}, file.shown, because());
-  return false;
+  if (isReady)
+    if (Fault fault = changeMeanwhile(file)) return fault;
+  if (isReady && save.commit() == 0) return std::nullopt;
+  return failure(zolib::kFailed, {165, "cannot write %1%2"}, file.shown, because());
 }
 
 }  // namespace zoval

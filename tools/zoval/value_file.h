@@ -52,15 +52,30 @@ enum class Use { kRead, kChange };
 // when there is no value in it, which is reported.
 bool readValue(const std::wstring& path, const Options& options, ValueFile& file, Report& report,
                Use use = Use::kRead);
-// Puts the value in the file's place, or in its member's, in one step; a failure is reported, and
-// all is then as it was. So is that another program has written the file since it was read to be
-// changed.
-bool writeValue(ValueFile& file, Report& report);
+// Whether a file that was read to be changed can be written at all; a failure is reported.
+bool isWritable(const ValueFile& file, Report& report);
 
+// Why something could not be done; no text where that was said already.
+struct Failure {
+  zolib::ExitCode code;
+  std::string text;
+};
+using Fault = std::optional<Failure>;
+void tell(const Fault& fault, Report& report);
+
+// Puts the value in the file's place, or in its member's, in one step; after a failure all is as it
+// was. One is that another program has written or deleted the file since it was read to be changed.
+[[nodiscard]] Fault writeValue(ValueFile& file, Report& report);
+// What is in a file's place now, or that nothing is, is what the next writing replaces.
+void acceptPresent(ValueFile& file);
+
+// Tells what becomes of a change; whether the file is to be written.
+[[nodiscard]] bool isToWrite(const ValueFile& file, bool isChange, const Options& options,
+                             Report& report);
 // The end of a change: writes the file if there is one, and tells what was done.
 void keep(ValueFile& file, bool isChange, const Options& options, Report& report);
 
-// The bytes of a form. False, and reported: the value lies too deep, or is too long.
-bool encode(const ZoVariant& value, Form form, std::string& bytes, Report& report);
+// The bytes of a form; a failure where the value lies too deep, or is too long.
+[[nodiscard]] Fault encode(const ZoVariant& value, Form form, std::string& bytes);
 
 }  // namespace zoval

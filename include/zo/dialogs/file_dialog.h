@@ -39,13 +39,15 @@ class ZO_COM_API ZoFileDialog : public ZoDialog {
   int addFilter(std::same_as<std::nullptr_t> auto, zo::TextParameter) = delete;  // L"": no name
   // By the extensions of a kind, which are all that counts here; kAnyFile is all files.
   void addFilter(ZoFileName::FileKind kind);
-  [[nodiscard]] const std::vector<Filter>& filters() const noexcept { return filters_; }
+  [[nodiscard]] const std::vector<Filter>& filters() const& noexcept { return filters_; }
+  [[nodiscard]] std::vector<Filter> filters() && noexcept { return std::move(filters_); }
   // The filter in use, from 0: at first, and as the user left it. Refused when there is no such
   // filter. A name to save that is typed without an extension gets that of the filter.
   [[nodiscard]] int setFilter(zo::NotNegative<unsigned int> index) noexcept;
   [[nodiscard]] unsigned int filter() const noexcept { return filter_; }
 
   void setFolder(const ZoFileName& folder) { folder_ = folder; }
+  void setFolder(std::same_as<std::nullptr_t> auto) = delete;  // ZoFileName(): no folder
   [[nodiscard]] const ZoFileName& folder() const noexcept { return folder_; }
   // Keeps the folder of what was taken in the setting "dialogs@KEY@folder", one for each purpose.
   void remember(zo::TextParameter key) { key_ = key; }
@@ -62,8 +64,10 @@ class ZO_COM_API ZoFileDialog : public ZoDialog {
   // The name that stands in the dialog at first; afterwards what was taken. file() is empty where
   // there is none.
   void setFile(const ZoFileName& file);
+  void setFile(std::same_as<std::nullptr_t> auto) = delete;  // ZoFileName(): no file
   void setFiles(std::vector<ZoFileName> files) { files_ = std::move(files); }
-  [[nodiscard]] const std::vector<ZoFileName>& files() const noexcept { return files_; }
+  [[nodiscard]] const std::vector<ZoFileName>& files() const& noexcept { return files_; }
+  [[nodiscard]] std::vector<ZoFileName> files() && noexcept { return std::move(files_); }
   [[nodiscard]] ZoFileName file() const { return files_.empty() ? ZoFileName() : files_.front(); }
 
  protected:

@@ -15,6 +15,11 @@
 
 #include <vector>
 
+namespace zo {
+template <class T>
+concept NoWholeNumber = std::same_as<T, bool> || std::floating_point<T>;
+}
+
 class ZO_COM_API ZoTaskDialog : public ZoDialog {
  public:
   struct Choice {
@@ -42,7 +47,8 @@ class ZO_COM_API ZoTaskDialog : public ZoDialog {
   // A button of one's own; its number is refused below kFirstNumber and when it is there already,
   // its text when it is empty. Cancel is added behind them; without any there is OK alone.
   [[nodiscard]] int addButton(int number, zo::TextParameter text);
-  int addButton(std::same_as<bool> auto, zo::TextParameter) = delete;  // from kFirstNumber on
+  template <zo::NoWholeNumber T>
+  int addButton(T, zo::TextParameter) = delete;  // from kFirstNumber on
   [[nodiscard]] const std::vector<Choice>& buttons() const noexcept { return buttons_; }
   // As large buttons below each other; in their texts what follows a line break is a remark.
   void setLinks(bool links) noexcept { links_ = links; }
@@ -50,7 +56,8 @@ class ZO_COM_API ZoTaskDialog : public ZoDialog {
   void setLinks(T) = delete;  // true or false
   // The button that Enter means. Refused when there is none of that number.
   [[nodiscard]] int setDefault(int number) noexcept;
-  int setDefault(std::same_as<bool> auto) = delete;  // the number of a button
+  template <zo::NoWholeNumber T>
+  int setDefault(T) = delete;  // the number of a button
 
   // The box to tick, with its text; an empty one takes it away.
   void setTick(zo::TextParameter text, bool ticked = false);
@@ -62,7 +69,8 @@ class ZO_COM_API ZoTaskDialog : public ZoDialog {
   // refused when there is no such button.
   [[nodiscard]] int button() const noexcept { return button_; }
   [[nodiscard]] int setButton(int number) noexcept;
-  int setButton(std::same_as<bool> auto) = delete;  // the number of a button
+  template <zo::NoWholeNumber T>
+  int setButton(T) = delete;  // the number of a button
 
  protected:
   int run(HWND__* owner) override;

@@ -14,7 +14,8 @@
 // find(), with all that it holds.
 //
 // Errors:  0; ZoResult::refused: no such path, not to be edited, or no such value, key or place;
-//          containers would lie more than ZoVariant::kMaxDepth deep; nothing to undo. Nothing has
+//          containers would lie more than ZoVariant::kMaxDepth deep; nothing to undo.
+//          ZoResult::timeOut from setText(): the units service was held elsewhere. Nothing has
 //          changed then, as when std::bad_alloc is thrown, and nothing else is.
 // Threads: one thread at a time.
 // Cost:    an edit costs its path and what it replaces; a place in a sequence of n elements what
@@ -32,13 +33,15 @@
 #include <zo/variant/variant_report.h>
 
 #include <string_view>
+#include <utility>
 #include <vector>
 
 class ZO_COM_API ZoVariantEdits {
  public:
   explicit ZoVariantEdits(ZoVariant value = {});
 
-  [[nodiscard]] const ZoVariant& value() const noexcept { return value_; }
+  [[nodiscard]] const ZoVariant& value() const& noexcept { return value_; }
+  [[nodiscard]] ZoVariant value() && noexcept { return std::move(value_); }
   // Edits are refused; undo and redo, too.
   void setReadOnly(bool readOnly) noexcept { readOnly_ = readOnly; }
   template <zo::NoTruthValue T>
@@ -78,7 +81,8 @@ class ZO_COM_API ZoVariantEdits {
   [[nodiscard]] unsigned int undoCount() const noexcept;
   [[nodiscard]] unsigned int redoCount() const noexcept;
   // Where the last edit, undo or redo was: what it put, or the container that it took from.
-  [[nodiscard]] const ZoString& place() const noexcept { return place_; }
+  [[nodiscard]] const ZoString& place() const& noexcept { return place_; }
+  [[nodiscard]] ZoString place() && noexcept { return std::move(place_); }
   // Whether it is another value than that of the last markSaved(), at first the one given: by the
   // edits in between, not by comparing.
   [[nodiscard]] bool isChanged() const noexcept { return undoCount() != saved_; }
@@ -92,8 +96,10 @@ class ZO_COM_API ZoVariantEdits {
   };
   // Of a container, dictionaries by the code units of their keys. Valid until the next edit. None
   // for what is no container.
-  [[nodiscard]] std::vector<Element> elements(zo::TextParameter path) const;
-  // The value as setText takes it; empty for containers and empty variants.
+  [[nodiscard]] std::vector<Element> elements(zo::TextParameter path) const&;
+  [[nodiscard]] std::vector<Element> elements(zo::TextParameter) const&& = delete;  // keep the edits
+  // The value as setText takes it; empty for containers and empty variants. While the units service
+  // is held elsewhere a bare number, after one wait in all for the values of a second.
   [[nodiscard]] static ZoString textOf(const ZoVariant& value);
   [[nodiscard]] bool isEditable(zo::TextParameter path) const;
 
