@@ -55,5 +55,5 @@ void edits(ZoVariantEdits& edits) {
   edits.setReadOnly(5);                                                     // error: true or false
   edits.setReadOnly(&edits);                                                // error: true or false
   const ZoVariant& gone = ZoVariantEdits(ZoVariant(1)).value();
-  static_cast<void>(ZoVariantEdits(gone).elements(L""));                    // error: keep the edits
+  static_cast<void>(ZoVariantEdits(gone).elements(L""));                    // error: keep edits
 }

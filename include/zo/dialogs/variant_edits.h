@@ -97,7 +97,7 @@ class ZO_COM_API ZoVariantEdits {
   // Of a container, dictionaries by the code units of their keys. Valid until the next edit. None
   // for what is no container.
   [[nodiscard]] std::vector<Element> elements(zo::TextParameter path) const&;
-  [[nodiscard]] std::vector<Element> elements(zo::TextParameter) const&& = delete;  // keep the edits
+  [[nodiscard]] std::vector<Element> elements(zo::TextParameter) const&& = delete;  // keep edits
   // The value as setText takes it; empty for containers and empty variants. While the units service
   // is held elsewhere a bare number, after one wait in all for the values of a second.
   [[nodiscard]] static ZoString textOf(const ZoVariant& value);
