@@ -40,8 +40,16 @@ void translateParser(CLI::App& app) {
   formatter.label("Positionals", say({43, "Positionals"}));
   formatter.label("REQUIRED", say({45, "REQUIRED"}));
   formatter.label("Excludes", say({46, "Excludes"}));
+  formatter.label("Needs", say({49, "Needs"}));
   app.option_defaults()->group(say({47, "Options"}));
   app.set_help_flag("-h,--help", say({48, "Print this help message and exit"}));
+}
+
+// Otherwise the parser takes "--quiet=0" for a way to switch it off.
+void takeNoValues(CLI::App& app) {
+  for (CLI::App* verb : app.get_subcommands([](CLI::App*) { return true; }))
+    for (CLI::Option* option : verb->get_options())
+      if (option->get_expected_max() == 0) option->disable_flag_override();
 }
 
 // The option or name that the parser speaks of: the longest that is in its text.
@@ -200,6 +208,10 @@ std::string CommandLine::complaintOf(const CLI::App& app, const CLI::ParseError&
                              : say({29, "%1 needs a value"}, name);
 }
 
+void CommandLine::expect(const std::vector<std::string>& arguments) {
+  json_ = std::ranges::find(arguments, "--json") != arguments.end();
+}
+
 ExitCode CommandLine::wrong(const std::string& text) {
   options_.json = json_;
   Report report(options_, console_);
@@ -222,7 +234,6 @@ ExitCode CommandLine::showHelp() {
 }
 
 ExitCode CommandLine::run(const std::vector<std::string>& arguments) {
-  json_ = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
   // The verb comes first: CLI11 would take a later word for it, be it the name of a file.
   const std::string first = arguments.empty() ? "" : arguments[0];
   if (first.empty()) return wrong(say({18, "say what to do"}));
@@ -237,6 +248,7 @@ ExitCode CommandLine::run(const std::vector<std::string>& arguments) {
         say({30, "%1: the value of a short option stands behind a blank, without ="}, word));
   std::vector<std::string> reversed;
   std::transform(arguments.rbegin(), arguments.rend(), std::back_inserter(reversed), marked);
+  takeNoValues(app_);
   try {
     app_.parse(std::move(reversed));
   } catch (const CLI::CallForVersion&) {
