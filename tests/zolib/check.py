@@ -292,7 +292,6 @@ def exit_codes():
         (["add", "a.lib", "a.txt", "--mode", "ultra"], 7, "--mode: ultra is none of normal, .*, auto"),
         (["add", "a.lib", "a.txt", "--mode"], 7, "--mode needs a value"), (["rename", "a.lib", "a"], 7, "NAME: there must be 2"),
         (["extract", "a.lib", "-o=out"], 7, "-o=out: the value .* without ="), (["list", "a.lib", "--json=x"], 7, ".*no value"),
-        (["list", "a.lib", "--quiet=1"], 7, ".*no value"),
         (["extract", "a.lib", "-o", "a", "-o", "b"], 7, ".* more than once"),
         (["add", "a.lib", "-"], 7, ".*--name.*"), (["add", "a.lib", "a.txt", "--lock-timeout", "-1"], 7, ".*: -1 .*"),
         (["help", "frobnicate"], 7, ".*"),
@@ -347,7 +346,7 @@ def names():
     assert members("list") == odd and run("cat", "list", "--", *odd[::-1]) == "".join(odd[::-1]).encode()
     assert members("list", "--exclude", "[x,y]", "--include", "x", "--include", "[x*", "[x]", "add") == ["[x]"]
     os.symlink("/proc/cpuinfo", "cpuinfo")  # which tells no size
-    run("add", "b.lib", "cpuinfo", code=1, err=r"zolib: cpuinfo had 0 bytes when it was found and \d+ when .*1 added.*")
+    run("add", "b.lib", "cpuinfo", code=1, err=r".*zolib: cpuinfo had 0 bytes when it was found and \d+ when .*1 added.*")
     write("$part.dwg")
     run("add", "b.lib", "$part.dwg", code=2, err="zolib: cannot add ./[$]part.dwg: .*macro.*; rename the file\n.*")
     run("rename", "list", "add", "a/./b")

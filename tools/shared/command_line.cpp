@@ -45,13 +45,6 @@ void translateParser(CLI::App& app) {
   app.set_help_flag("-h,--help", say({48, "Print this help message and exit"}));
 }
 
-// Otherwise the parser takes "--quiet=0" for a way to switch it off.
-void takeNoValues(CLI::App& app) {
-  for (CLI::App* verb : app.get_subcommands([](CLI::App*) { return true; }))
-    for (CLI::Option* option : verb->get_options())
-      if (option->get_expected_max() == 0) option->disable_flag_override();
-}
-
 // The option or name that the parser speaks of: the longest that is in its text.
 const CLI::Option* subjectOf(const CLI::App& app, std::string_view said) {
   const CLI::Option* found = nullptr;
@@ -248,7 +241,6 @@ ExitCode CommandLine::run(const std::vector<std::string>& arguments) {
         say({30, "%1: the value of a short option stands behind a blank, without ="}, word));
   std::vector<std::string> reversed;
   std::transform(arguments.rbegin(), arguments.rend(), std::back_inserter(reversed), marked);
-  takeNoValues(app_);
   try {
     app_.parse(std::move(reversed));
   } catch (const CLI::CallForVersion&) {
