@@ -163,7 +163,7 @@ bool FileSource::sample(std::uint64_t offset, std::span<unsigned char> to) {
 // Behind the end that it told. What came meanwhile is read as well, but once: a log that grows as
 // fast as it is read has no end. What has more than it tells, as the system's files, is read on.
 bool FileSource::goesOn() noexcept {
-  const std::uint64_t now = static_cast<std::uint64_t>(std::max(file_.size(), begin_) - begin_);
+  const auto now = static_cast<std::uint64_t>(std::max(file_.size(), begin_) - begin_);
   if (now <= given_) return true;
   if (hasGrown_) return false;
   end_ = now;
