@@ -133,13 +133,15 @@ class Packing {
 FileSource::FileSource(ZoFile& file) : file_(file), begin_(file.currentPos()) {
   const std::int64_t end = file.size();
   knowsSize_ = begin_ >= 0 && end >= 0;
-  if (knowsSize_) size_ = static_cast<std::uint64_t>(std::max(end, begin_) - begin_);
+  if (knowsSize_) end_ = size_ = static_cast<std::uint64_t>(std::max(end, begin_) - begin_);
   constexpr std::uint64_t kLeast = 4096;  // files that do not tell their size have some
   buffer_.resize(static_cast<std::size_t>(std::clamp<std::uint64_t>(size_, kLeast, kPiece)));
 }
 
 bool FileSource::restart() {
   given_ = 0;
+  end_ = size_;
+  hasGrown_ = false;
   return file_.seek(begin_) == begin_;
 }
 
@@ -158,8 +160,21 @@ bool FileSource::sample(std::uint64_t offset, std::span<unsigned char> to) {
          file_.read(to.data(), static_cast<unsigned int>(to.size())) == to.size();
 }
 
+// Behind the end that it told. What came meanwhile is read as well, but once: a log that grows as
+// fast as it is read has no end. What has more than it tells, as the system's files, is read on.
+bool FileSource::goesOn() noexcept {
+  const auto now = static_cast<std::uint64_t>(std::max(file_.size(), begin_) - begin_);
+  if (now <= given_) return true;
+  if (hasGrown_) return false;
+  end_ = now;
+  return hasGrown_ = true;
+}
+
 Bytes FileSource::next() noexcept {
-  const unsigned int got = file_.read(buffer_.data(), static_cast<unsigned int>(buffer_.size()));
+  if (knowsSize_ && given_ >= end_ && !goesOn()) return {};
+  std::uint64_t most = buffer_.size();
+  if (knowsSize_ && given_ < end_) most = std::min(most, end_ - given_);
+  const unsigned int got = file_.read(buffer_.data(), static_cast<unsigned int>(most));
   given_ += got;
   return {buffer_.data(), got};
 }

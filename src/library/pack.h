@@ -39,10 +39,12 @@ class FileSource final : public MemberSource {
   Bytes next() noexcept override;
 
  private:
+  bool goesOn() noexcept;
+
   ZoFile& file_;
   std::int64_t begin_;
-  std::uint64_t size_ = 0, given_ = 0;
-  bool knowsSize_ = false;
+  std::uint64_t size_ = 0, end_ = 0, given_ = 0;
+  bool knowsSize_ = false, hasGrown_ = false;
   std::vector<unsigned char> buffer_;
 };
 

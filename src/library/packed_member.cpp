@@ -142,7 +142,7 @@ int ZoPacker::pack(std::istream& source, ZoPackedMember& packed, ZoLibrary::comp
 int ZoPacker::pack(const void* bytes, std::size_t size, ZoPackedMember& packed,
                    ZoLibrary::compMode mode, int level) {
   packed = ZoPackedMember();
-  if (!bytes && size) return ZoResult::refused;
+  if ((!bytes && size) || size > PTRDIFF_MAX) return ZoResult::refused;
   zo::MemoryStore store({static_cast<const unsigned char*>(bytes), size});
   zo::StoreSource source(store);
   return packFrom(source, packed, mode, level);

@@ -2,6 +2,7 @@
 #include <zo/library/packed_member.h>
 
 #include <atomic>
+#include <cstring>
 #include <sstream>
 #include <thread>
 
@@ -35,10 +36,12 @@ class LyingFiles : public UnflushedFiles {
   bool size(HANDLE file, std::int64_t& bytes) override {
     const bool isAnswered = UnflushedFiles::size(file, bytes);
     if (file == source_) bytes += std::exchange(lies_, 0) + lieAlways;
+    if (file == source_ && isEndless) bytes = static_cast<std::int64_t>(bytesRead) + 1000;
     return isAnswered;
   }
   bool read(HANDLE file, void* buffer, DWORD count, DWORD& done) override {
     if (file == source_ && (bytesRead += count) > failFrom) return done = 0, false;
+    if (file == source_ && isEndless) return std::memset(buffer, 'e', done = count), true;
     if (beforeRead && file != source_) beforeRead();
     return UnflushedFiles::read(file, buffer, count, done);
   }
@@ -49,6 +52,7 @@ class LyingFiles : public UnflushedFiles {
 
   std::int64_t lieOnce = 0, lieAlways = 0;
   std::uint64_t bytesRead = 0, failFrom = ~std::uint64_t{0};
+  bool isEndless = false;  // it grows as fast as it is read
   std::function<void()> beforeWrite, beforeRead;
 
  private:
@@ -113,6 +117,7 @@ TEST_F(LibraryTest, RefusesToPackWhatCannotBeRead) {
   EXPECT_EQ(library.addFile(packed, L"http://host/a"), 3);
   EXPECT_EQ(packer.pack(name(L"none"), packed), 1);
   EXPECT_EQ(packer.pack(nullptr, 10, packed), 1);
+  EXPECT_EQ(packer.pack("abc", static_cast<std::size_t>(-1), packed), 1);
   EXPECT_TRUE(packed.isEmpty());
   EXPECT_EQ(packer.pack(nullptr, 0, packed), 0);
   std::istringstream bad("content");
@@ -252,6 +257,11 @@ TEST_F(LibraryTest, PacksWhatItReadsOfASourceThatLies) {
         EXPECT_EQ(library.addFile(source_, L"member", true, mode, ZoLibrary::kFast), 1);
         files.failFrom = ~std::uint64_t{0};
       }
+      files.isEndless = true;
+      files.failFrom = 16 << 20;  // never reached
+      EXPECT_EQ(library.addFile(source_, L"member", true, mode, ZoLibrary::kFast), 0);
+      files.isEndless = false;
+      files.failFrom = ~std::uint64_t{0};
     }
     // What will not shrink is not compressed first; half a member that will, is.
     const bool isNoise = content.size() > 3000;

@@ -40,6 +40,21 @@ int wrong(ZoLibrary& library, ZoFile& file, const ZoFileName& name, ZoArray<ZoFi
   code += library.recoverFiles(names, 1);                                   // error: bool replace, then refused
   code += library.recoverFiles(names, nullptr);                             // error: bool replace, then refused
   code += library.recoverFiles(names, ZoLibrary::kPhysically);              // error: bool replace, then refused
+  code += library.recoverFiles({L"a"}, 1);                                  // error: bool replace, then refused
+  code += library.open(name, ZoFile::kRead, ZoFile::kOpenExisting, 1.5);    // error: whole milliseconds
+  code += library.getEntry(L'a', entry);                                    // error: or its ordinal
+  code += library.addFile(nullptr, name);                                   // error: the source's name
+  code += library.addFile(file, nullptr, true);                             // error: a member's name
+  code += library.renameFile(nullptr, name);                                // error: a member's name
+  code += library.renameFile(name, nullptr);                                // error: the new name
+  code += library.extractFile(nullptr, name);                               // error: a member's name
+  code += library.extractFile(entry, nullptr);                              // error: the target's name
+  code += library.getFile(file, nullptr);                                   // error: a member's name
+  code += packer.pack(nullptr, packed);                                     // error: a source
+  code += packer.pack("abc", true, packed);                                 // error: the number of bytes
+  code += packer.pack("abc", 1.5, packed, ZoLibrary::kStore);               // error: the number of bytes
+  code += static_cast<int>(ZoPacker::memoryFor(true));                      // error: the number of bytes
+  code += static_cast<int>(ZoPacker::memoryFor(1.5, ZoLibrary::kFast));     // error: the number of bytes
   code += library.renameFiles({{L"a", L"b"}, {L"c", L"d"}}) + library.deleteFiles({L"a", L"b"});
   library.close();                                                          // error: nodiscard
   library.addFile(name, name);                                              // error: nodiscard

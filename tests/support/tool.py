@@ -72,12 +72,13 @@ def write(name, content=b"content\n"):
 def completed(*lines):
     """The words that the shell offers at the end of each line."""
     script = f"""
+        export LC_ALL=C.UTF-8
         source {ROOT}/tools/{NAME}/completion/{NAME}.bash
         {NAME}() {{ {' '.join(COMMAND)} "$@"; }}
         try() {{ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); COMPREPLY=(); _{NAME}; printf '%s\\n' "${{COMPREPLY[@]}}" -; }}
         """ + "; ".join(f"try {NAME} {line}" for line in lines)
     printed = subprocess.run(["bash", "-c", script], capture_output=True, text=True).stdout.split("-\n")
-    return [sorted(words.split()) for words in printed[:-1]]
+    return [sorted(filter(None, words.split("\n"))) for words in printed[:-1]]
 
 
 def whole_manual(verbs):

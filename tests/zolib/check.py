@@ -52,6 +52,8 @@ def language():
     assert len({line.find(name) for line, name in zip(table, ["NAME", "parts/empty", "parts/Gr", "parts/old"])}) == 1, table
     run("list", "none.lib", "--language", "de", code=10, err="zolib: Die Bibliothek none.lib wurde nicht gefunden.*")
     assert run("help", "--language", "de").startswith("Verwaltet".encode())
+    assert "Braucht: --physically" in run("help", "delete", "--language", "de").decode()
+    assert answer("list", "a.lib", "--language", "5%", code=7)["messages"]
     for args in (["list", "a.lib"], ["test", "a.lib"], ["help"], ["delete", "a.lib", "*.bak", "--dry-run"]):
         inGerman, inEnglish = answer(*args, "--language", "de"), answer(*args)
         for value in inGerman, inEnglish:
@@ -196,7 +198,7 @@ def twins():
     run("test", "t.lib", "@2", err="A.TXT is unprotected: .*: 0 members ok, 1 unprotected\n")
     run("extract", "t.lib", "@2", "@3", "-o", "out", code=1, err="zolib: left a.TXT in the library: another .*: 1 member .*")
     assert pathlib.Path("out/A.TXT").read_bytes() == b"two"
-    run("extract", "t.lib", "-o", "all", err=".*: 2 members extracted\n")
+    run("extract", "t.lib", "-o", "all", code=1, err="zolib: left 1 hidden member in the .*: 2 members extracted\n")
     run("delete", "t.lib", "b", "@3", code=2, err="zolib: cannot delete a.TXT: it is deleted already; .*: 0 members.*")
     run("rename", "t.lib", "@3", "c", code=2, err="zolib: cannot rename a.TXT: it is deleted; .*: 0 members.*")
     run("recover", "t.lib", "@2", code=10, err="zolib: t.lib has no deleted member @2; .*")
@@ -249,6 +251,8 @@ def folders():
     run("extract", "a.lib", "*/x.txt", "--flat", "-o", "once", "--overwrite", "always", code=1, err="zolib: left other/x.txt.*")
     assert [m["name"] for m in answer("list", "a.lib", "--folders")["folders"]] == [
         "kept/", "other/", "parts/", "parts/bolts/", "parts/bolts/steel/"]
+    packed = [f["packed"] for f in answer("list", "a.lib", "--folders", "--sort", "packed")["folders"]]
+    assert packed == sorted(packed)
     sizes = [int(line.split()[0]) for line in run("list", "a.lib", "--sort", "size").decode().splitlines()[1:-1]]
     assert sizes == sorted(sizes)
     run("delete", "a.lib", "--files-from", "-", stdin="parts/Größe 1.txt\0kept/x.txt\0".encode(), err=".*2 members deleted\n")
@@ -259,6 +263,12 @@ def folders():
     run("rename", "a.lib", "parts/bolts/m8.dwg", "other/steel/m10.dwg", "-q")
     run("rename", "a.lib", "parts/bolts", "other", code=2, err="zolib: cannot rename .*: a member has that name; .*0 members.*")
     assert "parts/bolts/steel/m10.dwg" in members("a.lib")
+    for old, new in (("other", "parts/empty.txt/x"), ("other/x.txt", "Parts\\bolts"), ("parts/bolts", "other/x.txt")):
+        run("rename", "a.lib", old, new, code=2, err="zolib: cannot rename .*: the library has .* and it cannot be both\n.*0 members.*")
+    for name in ("PARTS/bolts", "other/x.txt/y"):  # a file and a folder could not both come out
+        run("add", "a.lib", "-", "--name", name, code=2, err="zolib: cannot add -: the library has .* it cannot be both\n.*")
+    run("rename", "a.lib", "other/x.txt", "other/x.txt/in", "-q")
+    run("rename", "a.lib", "other/x.txt/in", "other/x.txt", "-q")
     os.makedirs("lost/empty")
     os.symlink("empty", "lost/link")
     os.chmod(write("lost/read only.txt"), 0o444)
@@ -270,6 +280,7 @@ def exit_codes():
     """Command line, exit code, and the one line that is said."""
     write("no.lib", b"this is no library, but long enough to look like one\n" * 3)
     write("a.txt")
+    write("con.txt")
     write("utf16.txt", "a.txt".encode("utf-16"))
     run("create", "a.lib", "a.txt", "-q", err="")
     for args, code, said in (
@@ -297,11 +308,12 @@ def exit_codes():
         (["info", "a.lib", "--dot", "none/x"], 2, r"cannot write none/x: (?!it was refused).*"),
         (["extract", "a.lib", "-o", "no.lib"], 2, "no.lib is a file; .*"),
         (["add", "a.lib", "--files-from", "utf16.txt"], 2, ".*UTF-16; .* UTF-8.*"),
+        (["add", "b.lib", "con.txt"], 2, "cannot add con.txt: it names a device; rename the file"),
         (["create", "none/b.lib", "a.txt"], 2, r"cannot open none/b\.lib: .*; .*"),
     ):
         # One line for the failure; what else is said is no failure's.
         run(*args, code=code, out="", err=rf"zolib: {said}(; see `zolib help`)?\n([^z].*: .*\n)?")
-    assert files() == ["a.lib", "a.txt", "no.lib", "utf16.txt"], files()
+    assert files() == ["a.lib", "a.txt", "con.txt", "no.lib", "utf16.txt"], files()
     for args, begin in ((["help"], "Keeps"), (["--help"], "Keeps"), (["help", "x"], "Write"), (["x", "--help"], "Write"),
                         (["version"], "zolib 0"), (["--version"], "zolib 0")):
         assert run(*args, err="").decode().startswith(begin), args
@@ -333,6 +345,8 @@ def names():
     run("create", "list", "-q", "--exclude", "b", "--", *odd)
     assert members("list") == odd and run("cat", "list", "--", *odd[::-1]) == "".join(odd[::-1]).encode()
     assert members("list", "--exclude", "[x,y]", "--include", "x", "--include", "[x*", "[x]", "add") == ["[x]"]
+    os.symlink("/proc/cpuinfo", "cpuinfo")  # which tells no size
+    run("add", "b.lib", "cpuinfo", code=1, err=r".*zolib: cpuinfo had 0 bytes when it was found and \d+ when .*1 added.*")
     write("$part.dwg")
     run("add", "b.lib", "$part.dwg", code=2, err="zolib: cannot add ./[$]part.dwg: .*macro.*; rename the file\n.*")
     run("rename", "list", "add", "a/./b")
@@ -369,7 +383,8 @@ def hostile():
     assert out == set(good) and value["refused"] == len(bad), (out - set(good), value["refused"], len(bad))
     assert files("..") == ["h.lib"] + ["inner/out/" + n for n in ("four.txt", "one.txt", "sub/three.txt", "sub/two.txt")]
     write("in_the_way/one.txt/x")  # a folder where a file should be: a failure, and the rest goes on
-    run("extract", "../h.lib", "one.txt", "sub/two.txt", "-o", "in_the_way", code=2, err="zolib: .*one.txt.*1 member ex.*")
+    run("extract", "../h.lib", "one.txt", "sub/two.txt", "-o", "in_the_way", code=2,
+        err="zolib: cannot extract one.txt to in_the_way/one.txt: there is a folder of that name\n.*1 member ex.*")
     assert pathlib.Path("in_the_way/sub/two.txt").read_bytes() == b"content"
     os.chdir("..")
     for m in answer("list", "h.lib")["members"]:  # each can be read, and comes out under a name that is none of these
@@ -411,6 +426,8 @@ def many():
         done = subprocess.run(wrapped + args, capture_output=True)
         assert done.returncode == code and done.stderr.decode().startswith(said), done
     assert members("a.lib") == names
+    foreign("big.lib", [(f"{'x' * 60000}{i}", b"", 0) for i in range(300)])  # more names than a change has room for
+    run("delete", "big.lib", "x*", code=2, err="zolib: cannot delete all of them: .*one step.* in parts, .*0 members deleted\n")
     if os.geteuid() == 0:  # another user of this checkout gets a prefix of his own
         ask = f"zo_root={ROOT}; HOME=/home/other; . {ROOT}/scripts/wine-env.sh; echo $WINEPREFIX"
         asked = subprocess.run(["bash", "-c", ask], capture_output=True, user=65534, env={"PATH": os.environ["PATH"]})
@@ -427,6 +444,13 @@ def streams():
     listed = run("list", "a.lib", "--names")
     write("names.txt", listed)
     run("delete", "a.lib", "--files-from", "names.txt", err=r".*4 members deleted\n")
+    before = pathlib.Path("a.lib").read_bytes()
+    for nothing in (b"", b"\r\n\n"):  # names nothing, and so not everything
+        for args in (["delete", "a.lib", "--physically", "--versions"], ["recover", "a.lib"], ["delete", "a.lib", "--include", "*"]):
+            run(*args, "--files-from", "-", stdin=nothing, code=7, err="zolib: name what to .*: the list - is empty\n")
+        for args in (["list", "a.lib", "--names"], ["cat", "a.lib"], ["extract", "a.lib", "-o", "out", "-q"], ["test", "a.lib", "-q"]):
+            run(*args, "--files-from", "-", stdin=nothing, out="", err="")
+    assert pathlib.Path("a.lib").read_bytes() == before and not pathlib.Path("out").exists()
     reader = start("list", "a.lib", "--deleted", stdout=subprocess.PIPE, stderr=subprocess.PIPE)
     reader.stdout.close()  # who reads has enough: no talk
     ended = reader.stderr.read(), reader.wait()
@@ -508,7 +532,7 @@ def locked():
     writer = start("add", "a.lib", "small", "-", "--name", "more", "-v", stdin=subprocess.PIPE, stderr=subprocess.PIPE)
     assert writer.stderr.readline().strip() == b"added  small"
     writer.send_signal(signal.SIGINT)  # it waits for data, or is about to
-    assert writer.wait() == 130
+    assert b"zolib: cancelled" in writer.stderr.read() and writer.wait() == 130
     run("test", "a.lib", err="a.lib: 2 members ok\n")
 
 
@@ -576,6 +600,8 @@ def damaged():
     run("list", "gap.lib", code=12)
     write("short.lib", whole[:31])
     write("x.txt")
+    for verb in ("test", "list", "info"):
+        run(verb, "short.lib", code=13, out="", err="zolib: short.lib is damaged: it ends within its header\n")
     run("add", "short.lib", "x.txt", code=13, err="zolib: .*short.lib.*")
     for broken, good, code in (("cut.lib", 4, 0), ("bit.lib", 4, 13), ("gap.lib", 4, 0)):
         found = json.loads(subprocess.run(COMMAND + ["salvage", broken, "new.lib", "--json"], capture_output=True).stdout)
@@ -617,9 +643,9 @@ def terminal():
     code, text = on_terminal("create", "a.lib", "large", "--mode", "best")
     assert code == 0 and re.search(rb"\d %.*/s.*left.*large", text) and b"1 added" in text, text
     run("create", "b.lib", "large", "--mode", "best", out="", err=r"b\.lib: 1 added; .*\n")
-    foreign("f.lib", [("a\x1b[2Jb", b"", 0)])
+    foreign("f.lib", [("a\x1b[2Jb\\U+202Ec", b"", 0)])
     code, text = on_terminal("list", "f.lib")  # what the name would do to the terminal is not done
-    assert code == 0 and b"a?[2Jb" in text, text
+    assert code == 0 and b"a?[2Jb?c" in text, text
 
 
 def typed():
@@ -631,7 +657,10 @@ def typed():
     code, text = on_terminal("create", "b.lib", "--files-from", "-", keys=b"parts/old.bak\r\x04")
     assert code == 0 and members("b.lib") == ["parts/old.bak"], text
     code, text = on_terminal("add", "a.lib", "-", "--name", "never", keys=b"first\r\x03")
-    assert code == 130 and members("a.lib") == ["typed"], (code, text)
+    assert code == 130 and b"cancelled" in text and members("a.lib") == ["typed"], (code, text)
+    for args in (["-", "--name", "never"], ["--files-from", "-"]):
+        code, text = on_terminal("create", "c.lib", *args, keys=b"first\r\x03")
+        assert code == 130 and b"cancelled" in text and not pathlib.Path("c.lib").exists(), (code, text)
 
 
 def readme():
@@ -660,7 +689,14 @@ def completion():
     words = completed("re", "extract a.lib --o", "cat a.lib parts/b", "add a.lib --mode b", "cat a.lib parts/G", "''")
     assert words[:-1] == [
         ["recover", "rename", "reorganize"], ["--output", "--overwrite"],
-        ["parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"], ["best"], ["1.txt", "parts/Größe"]], words
+        ["parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"], ["best"], ["parts/Größe\\ 1.txt"]], words
+    names = ["b`touch run`", "b$(touch run)", "b'\"\\ ;#~!&.txt"]  # what the shell reads in them is the name
+    foreign("b c.lib", [(name, b"", 0) for name in names])
+    for library, quote in (("'b\\ c.lib'", ""), ("'\"b c.lib\"'", '"'), ('"\'b c.lib\'"', "'")):
+        open_quote = "\\" + quote if quote else ""
+        offered = completed(f"cat {library} {open_quote}b")[0]
+        printed = subprocess.run(["bash", "-c", "printf '%s\n' " + " ".join(quote + o + quote for o in offered)], capture_output=True)
+        assert sorted(printed.stdout.decode().splitlines()) == sorted(names) and "run" not in files(), (offered, printed)
     assert {name for name, _ in verbs()} <= set(words[-1]), words
 
 

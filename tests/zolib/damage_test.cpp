@@ -8,6 +8,7 @@
 
 #include "../../tools/shared/console.h"
 #include "../../tools/shared/program.h"
+#include "../../tools/zolib/session.h"
 #include "library/library_fixture.h"
 #include "library/listing.h"
 
@@ -157,6 +158,23 @@ TEST_F(Damage, OfOneBitLosesLittleAndNoChangeLosesMore) {
   for (const auto& [count, times] : lost)
     std::cout << times << " times " << count << " members lost; ";
   std::cout << changed << " changes made, none of which lost more\n";
+}
+
+// What another program removes or replaces while the library is read is none.
+TEST_F(Damage, IsNotWhatChangesMeanwhile) {
+  Options options;
+  options.library = L"sound.lib";
+  Console console;
+  Report report(options, console);
+  Session session(options, report);
+  ASSERT_TRUE(session.openToRead());
+  const std::vector<ZoLibEntry> entries = session.select(Session::kLive);
+  EXPECT_EQ(zolib({"delete", kSound, "parts/e", "--physically"}), kOk);
+  EXPECT_EQ(zolib({"add", kSound, "a"}), kOk);
+  const auto verify = [&](const ZoLibEntry& entry) { return session->verify(entry); };
+  for (const ZoLibEntry& entry : entries)
+    EXPECT_EQ(session.readAgain(entry, verify), entry.name == L"parts/e" ? Session::kGone : 0);
+  EXPECT_EQ(session.readAgain(entries[0], [](const ZoLibEntry&) { return 1000; }), 1000);
 }
 
 }  // namespace zolib

@@ -10,7 +10,6 @@ namespace zolib {
 namespace {
 
 std::atomic<bool> s_cancelled = false;
-std::atomic<bool> s_interruptible = false;
 
 BOOL WINAPI onEvent(DWORD) {
   cancelNow();
@@ -22,17 +21,9 @@ BOOL WINAPI onEvent(DWORD) {
 void watchForCancel() { SetConsoleCtrlHandler(onEvent, TRUE); }
 
 void cancelNow() noexcept {
-  if (s_interruptible || s_cancelled.exchange(true))
-    TerminateProcess(GetCurrentProcess(), kCancelled);
+  if (s_cancelled.exchange(true)) TerminateProcess(GetCurrentProcess(), kCancelled);
 }
 
 bool isCancelled() noexcept { return s_cancelled; }
-
-Interruptible::Interruptible() noexcept {
-  s_interruptible = true;
-  if (s_cancelled) TerminateProcess(GetCurrentProcess(), kCancelled);
-}
-
-Interruptible::~Interruptible() { s_interruptible = false; }
 
 }  // namespace zolib

@@ -10,14 +10,4 @@ void watchForCancel();
 // Does what these do.
 void cancelNow() noexcept;
 
-// While one stands, nothing is under way that has to end well (standard input is waited for): the
-// program then ends at once.
-class Interruptible {
- public:
-  Interruptible() noexcept;
-  Interruptible(const Interruptible&) = delete;
-  Interruptible& operator=(const Interruptible&) = delete;
-  ~Interruptible();
-};
-
 }  // namespace zolib

@@ -40,6 +40,7 @@ void translateParser(CLI::App& app) {
   formatter.label("Positionals", say({43, "Positionals"}));
   formatter.label("REQUIRED", say({45, "REQUIRED"}));
   formatter.label("Excludes", say({46, "Excludes"}));
+  formatter.label("Needs", say({49, "Needs"}));
   app.option_defaults()->group(say({47, "Options"}));
   app.set_help_flag("-h,--help", say({48, "Print this help message and exit"}));
 }
@@ -200,6 +201,10 @@ std::string CommandLine::complaintOf(const CLI::App& app, const CLI::ParseError&
                              : say({29, "%1 needs a value"}, name);
 }
 
+void CommandLine::expect(const std::vector<std::string>& arguments) {
+  json_ = std::ranges::find(arguments, "--json") != arguments.end();
+}
+
 ExitCode CommandLine::wrong(const std::string& text) {
   options_.json = json_;
   Report report(options_, console_);
@@ -222,7 +227,6 @@ ExitCode CommandLine::showHelp() {
 }
 
 ExitCode CommandLine::run(const std::vector<std::string>& arguments) {
-  json_ = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
   // The verb comes first: CLI11 would take a later word for it, be it the name of a file.
   const std::string first = arguments.empty() ? "" : arguments[0];
   if (first.empty()) return wrong(say({18, "say what to do"}));

@@ -39,6 +39,8 @@ class CommandLine {
   CommandLine& operator=(const CommandLine&) = delete;
   virtual ~CommandLine() = default;
 
+  // What stands in the arguments, wrong as they may be: whether to answer in JSON.
+  void expect(const std::vector<std::string>& arguments);
   ExitCode run(const std::vector<std::string>& arguments);
   // Ends with kUsage and this complaint.
   ExitCode wrong(const std::string& text);

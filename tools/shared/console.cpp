@@ -1,6 +1,12 @@
 #include "console.h"
 
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 #include "cancel.h"
 #include "text.h"
@@ -9,6 +15,7 @@ namespace zolib {
 namespace {
 
 constexpr std::size_t kPiece = 65536;
+constexpr std::chrono::milliseconds kGlance(50);  // at whether it was cancelled
 
 bool isTerminal(HANDLE stream) noexcept {
   DWORD mode = 0;
@@ -52,7 +59,19 @@ void Console::out(std::string_view utf8) {
 
 namespace {
 
-// The bytes of UTF-8 that are a control character: C0, DEL and C1.
+// Whether a character that begins there turns the direction of text, by which a name looks like
+// another one: U+061C, U+200E, U+200F, U+202A to U+202E, U+2066 to U+2069. Its length; else 0.
+std::size_t turnsText(std::string_view utf8) {
+  if (utf8.starts_with("\xD8\x9C")) return 2;
+  if (utf8.size() < 3 || utf8[0] != '\xE2') return 0;
+  const auto last = static_cast<unsigned char>(utf8[2]);
+  const bool turns =
+      (utf8[1] == '\x80' && (last == 0x8E || last == 0x8F || (last >= 0xAA && last <= 0xAE))) ||
+      (utf8[1] == '\x81' && last >= 0xA6 && last <= 0xA9);
+  return turns ? 3 : 0;
+}
+
+// Each control character (C0, DEL and C1) as "?", and what turns the direction of text.
 std::string harmless(std::string_view utf8) {
   std::string text(utf8);
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -60,7 +79,8 @@ std::string harmless(std::string_view utf8) {
     if (byte < 0x20 || byte == 0x7F) text[i] = '?';
     const bool isC1 =
         byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
-    if (isC1) text.replace(i, 2, "?");
+    const std::size_t length = isC1 ? 2 : turnsText(std::string_view(text).substr(i));
+    if (length) text.replace(i, length, "?");
   }
   return text;
 }
@@ -140,16 +160,59 @@ bool readTyped(HANDLE input, char* buffer, DWORD size, DWORD& got) {
   return true;
 }
 
+// What another thread reads: a read that waits cannot be taken back, so who was cancelled leaves it
+// to itself.
+struct Reading {
+  std::mutex mutex;
+  std::condition_variable changed;
+  std::vector<char> bytes;  // empty: nobody asks for any
+  DWORD got = 0;
+  bool isDone = false, isOk = false;
+};
+
+void serve(Reading& reading) {
+  const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+  std::unique_lock lock(reading.mutex);
+  for (;;) {
+    reading.changed.wait(lock, [&] { return !reading.isDone && !reading.bytes.empty(); });
+    lock.unlock();
+    const auto size = static_cast<DWORD>(reading.bytes.size());
+    DWORD got = 0;
+    const bool isOk = isTerminal(input)
+                          ? readTyped(input, reading.bytes.data(), size, got)
+                          : ReadFile(input, reading.bytes.data(), size, &got, nullptr) ||
+                                GetLastError() == ERROR_BROKEN_PIPE ||
+                                GetLastError() == ERROR_HANDLE_EOF;
+    lock.lock();
+    reading.got = got;
+    reading.isOk = isOk;
+    reading.isDone = true;
+    reading.changed.notify_all();
+  }
+}
+
 }  // namespace
 
 bool inputIsTyped() { return isTerminal(GetStdHandle(STD_INPUT_HANDLE)); }
 
 bool readInput(void* buffer, DWORD size, DWORD& got) {
+  static std::shared_ptr<Reading> s_reading;  // the thread has it, too, and outlives this
+  if (!s_reading) {
+    s_reading = std::make_shared<Reading>();
+    std::thread([reading = s_reading] { serve(*reading); }).detach();
+  }
+  Reading& reading = *s_reading;
   got = 0;
-  const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
-  if (isTerminal(input)) return readTyped(input, static_cast<char*>(buffer), size, got);
-  return ReadFile(input, buffer, size, &got, nullptr) || GetLastError() == ERROR_BROKEN_PIPE ||
-         GetLastError() == ERROR_HANDLE_EOF;
+  std::unique_lock lock(reading.mutex);
+  reading.bytes.resize(size);
+  reading.isDone = false;
+  reading.changed.notify_all();
+  while (!reading.changed.wait_for(lock, kGlance, [&] { return reading.isDone; }))
+    if (isCancelled()) return false;
+  if (!reading.isOk || isCancelled()) return false;
+  got = reading.got;
+  std::copy_n(reading.bytes.begin(), got, static_cast<char*>(buffer));
+  return true;
 }
 
 }  // namespace zolib

@@ -47,8 +47,9 @@ class Console {
 };
 
 [[nodiscard]] bool inputIsTyped();
-// Reads up to `size` bytes from standard input, at least 4; 0 at its end. False for a failure. What
-// is typed on a terminal comes as UTF-8, and ends with Ctrl-D or Ctrl-Z; Ctrl-C cancels.
+// Reads up to `size` bytes from standard input, at least 4; 0 at its end. False for a failure, and
+// when the program was cancelled: then it does not wait any longer. What is typed on a terminal
+// comes as UTF-8, and ends with Ctrl-D or Ctrl-Z; Ctrl-C cancels. For one thread.
 bool readInput(void* buffer, DWORD size, DWORD& got);
 
 }  // namespace zolib

@@ -21,6 +21,7 @@ template <class Line>
 ExitCode runInLanguage(std::vector<std::string> arguments, Console& console) {
   const std::string complaint = speakAsAsked(arguments);
   Line line(console);
+  line.expect(arguments);
   return complaint.empty() ? line.run(arguments) : line.wrong(complaint);
 }
 

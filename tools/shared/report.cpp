@@ -159,6 +159,8 @@ std::string reason() {
 
 bool isDamage(const std::string& reason) { return reason == trimmed(textOf(ERROR_FILE_CORRUPT)); }
 
+bool isTooMuch(const std::string& reason) { return reason == trimmed(textOf(ERROR_NOT_SUPPORTED)); }
+
 std::string because() {
   const std::string why = reason();
   return why.empty() ? std::string() : ": " + why;

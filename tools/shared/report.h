@@ -101,6 +101,8 @@ void forgetReason();
 std::string reason();
 // Whether a reason is that a file is damaged.
 bool isDamage(const std::string& reason);
+// Whether it is that a change does not fit into one step.
+bool isTooMuch(const std::string& reason);
 // ": " and the reason, or else the text, if any.
 std::string because();
 std::string because(const Text& otherwise);

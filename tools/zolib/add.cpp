@@ -9,6 +9,7 @@
 
 #include "cancel.h"
 #include "names.h"
+#include "places.h"
 #include "same.h"
 #include "session.h"
 #include "sources.h"
@@ -71,6 +72,8 @@ class Adder {
       return false;
     }
     job.action = exists ? "replaced" : "added";
+    // (sync deletes what is in the way.)
+    if (!exists && options_.verb != "sync" && !fitsIn(source)) return false;
     if (!options_.dryRun) return true;
     report_.member(source.member, job.action)["size"] = source.size;
     return false;
@@ -100,7 +103,7 @@ class Adder {
     const int code = store(source, member, job.packed, alone);
     job.packed = {};
     if (!code)
-      batch_.push_back({member, job.action});
+      batch_.push_back({member, job.action, source});
     else if (code > 0)
       session_.reportFailure(say({201, "cannot add %1"}, source.path), code);
     if (alone) endBatch();
@@ -128,6 +131,7 @@ class Adder {
       Json& json = report_.member(added.member.view(), added.action);
       json["size"] = entry.size;
       json["packed"] = entry.storedSize;
+      tellChange(added.source, entry.size);
       verify(entry);
     }
     batch_.clear();
@@ -159,6 +163,7 @@ class Adder {
   struct Added {
     ZoFileName member;
     const char* action;
+    const Source& source;
   };
   static constexpr std::uint64_t kAlone = 16 << 20;  // bytes
   static constexpr std::uint64_t kBatchTime = 1000;  // ms
@@ -169,6 +174,17 @@ class Adder {
     if (!why) return {};
     return say(*why) + (source.path == L"-" ? say({209, "; give another --name"})
                                             : say({210, "; rename the file"}));
+  }
+
+  bool fitsIn(const Source& source) {
+    if (!places_) places_.emplace(session_);
+    const std::wstring taken = places_->takenOf(source.member);
+    if (taken.empty()) return places_->take(source.member), true;
+    report_.fail(
+        kFailed,
+        {219, "cannot add %1: the library has %2 as a file or a folder, and it cannot be both"},
+        source.path, taken);
+    return false;
   }
 
   // A code, or -1 for what was reported already.
@@ -197,6 +213,13 @@ class Adder {
     return ticks(source.written) <= ticks(old.written);
   }
 
+  // A log that grows, or a file of the system that does not tell its size: what was read counts.
+  void tellChange(const Source& source, std::uint64_t size) {
+    if (source.path == L"-" || source.size == size) return;
+    report_.warn({218, "%1 had %2 bytes when it was found and %3 when it was packed"}, source.path,
+                 source.size, size);
+  }
+
   // Reads what was written.
   void verify(const ZoLibEntry& entry) {
     if (!options_.verify || session_->verify(entry) == ZoResult::ok) return;
@@ -211,6 +234,7 @@ class Adder {
   Overwrite overwrite_ = options_.overwrite;
   std::vector<Added> batch_;  // stored, and not yet said
   bool inBatch_ = false;
+  std::optional<Places> places_;  // what is there; made for the first new name
   std::uint64_t batchBegun_ = 0;
   std::uint64_t size_ = 0, packed_ = 0;
 };
@@ -253,7 +277,7 @@ void add(const Options& options, Report& report) {
   Adder adder(options, report, session);
   addAll(sources, adder, session, report);
   if (session.isOpen()) adder.endBatch();
-  if (syncs && report.code() == kOk)
+  if (syncs && graver(report.code(), kWarnings) == kWarnings)
     removeGone(options, report, session, sources);
   else if (syncs && report.code() != kCancelled)
     report.warn({217, "nothing was removed, for something could not be read or packed"});

@@ -4,7 +4,6 @@
 
 #include "cancel.h"
 #include "session.h"
-#include "sources.h"
 #include "text.h"
 #include "verbs.h"
 
@@ -31,21 +30,28 @@ std::string base64(std::string_view bytes) {
 template <class Take>
 bool readMember(Session& session, const ZoLibEntry& entry, Report& report, const Take& take) {
   const std::string name = toUtf8(entry.name.view());
+  std::uint64_t left = entry.size;
   forgetReason();
-  // What is compressed is checked when it is opened.
-  int code = entry.isCompressed() ? 0 : session->verify(entry);
   ZoFile file;
-  if (!code) code = session->getFile(file, entry);
+  const auto open = [&](const ZoLibEntry& now) {
+    // What is compressed is checked when it is opened.
+    const int code = now.isCompressed() ? 0 : session->verify(now);
+    left = now.size;
+    return code ? code : session->getFile(file, now);
+  };
+  int code = open(entry);
+  if (code && !isCancelled()) code = session.readAgain(entry, open);
   if (code) {
     if (isCancelled())
       report.cancelled();
+    else if (code == Session::kGone)
+      tellGone(session, report, entry.name.view());
     else
       report.fail(kDamaged, {220, "cannot read %1 in %2%3; see `zolib test`"}, name, session.name(),
                   because({221, "it is damaged"}));
     return false;
   }
   std::vector<char> buffer(std::size_t{256} * 1024);
-  std::uint64_t left = entry.size;
   while (const unsigned int got =
              file.read(buffer.data(), static_cast<unsigned int>(buffer.size()))) {
     if (isCancelled()) {
@@ -63,12 +69,12 @@ bool readMember(Session& session, const ZoLibEntry& entry, Report& report, const
 }
 
 // What is to be read, in the order in which it is named. A member that is named is found at once.
-std::vector<ZoLibEntry> inOrder(const Options& options, Session& session, Report& report) {
-  std::vector<std::wstring> names;
-  if (!namesOf(options, names, report)) return {};
+std::vector<ZoLibEntry> inOrder(const Options& options, Session& session) {
+  const std::vector<std::wstring>* const names = session.names();
+  if (!names) return {};
   std::vector<ZoLibEntry> entries;
   const bool all = options.include.empty() && options.exclude.empty();
-  for (const std::wstring& name : names) {
+  for (const std::wstring& name : *names) {
     ZoLibEntry entry;
     if (all && session->getEntry(ZoFileName(name), entry) == 0) {
       entries.push_back(entry);
@@ -85,7 +91,7 @@ std::vector<ZoLibEntry> inOrder(const Options& options, Session& session, Report
 void cat(const Options& options, Report& report) {
   Session session(options, report);
   if (!session.openToRead()) return;
-  for (const ZoLibEntry& entry : inOrder(options, session, report)) {
+  for (const ZoLibEntry& entry : inOrder(options, session)) {
     if (report.code() == kCancelled) break;
     std::string content;
     const bool whole = readMember(session, entry, report, [&](std::string_view bytes) {

@@ -9,6 +9,7 @@
 #include "cancel.h"
 #include "glob.h"
 #include "names.h"
+#include "places.h"
 #include "session.h"
 #include "text.h"
 #include "verbs.h"
@@ -57,7 +58,7 @@ bool refusesDeleted(Report& report, const std::vector<ZoLibEntry>& entries) {
 
 void remove(const Options& options, Report& report) {
   Session session(options, report);
-  if (!session.openToWrite()) return;
+  if (!session.namesAny() || !session.openToWrite()) return;
   const std::vector<ZoLibEntry> entries =
       session.select(options.versions ? Session::kBoth : Session::kLive);
   const ZoLibrary::Deletion how = options.versions     ? ZoLibrary::kAllVersions
@@ -146,7 +147,7 @@ int recoverAll(const Options& options, Session& session, const std::vector<ZoLib
 // All of them, in one step.
 void recover(const Options& options, Report& report) {
   Session session(options, report);
-  if (!session.openToWrite()) return;
+  if (!session.namesAny() || !session.openToWrite()) return;
   const std::vector<ZoLibEntry> entries =
       chosen(session.select(Session::kDeleted), options.recover, session);
   if (!entries.empty() && goesOn(report)) {
@@ -211,6 +212,27 @@ int renameAll(const Options& options, Session& session, const std::vector<Renami
   return ZoResult::ok;
 }
 
+// Whether each new name fits beside those of the members that stay.
+bool fitsIn(const std::vector<Renaming>& renamings, Session& session, Report& report) {
+  std::unordered_set<std::wstring> leaving;
+  for (const Renaming& one : renamings) leaving.insert(folded(one.entry.name.view()));
+  Places places(session, leaving);
+  for (const Renaming& one : renamings) {
+    const std::wstring taken = places.takenOf(one.to);
+    if (taken.empty()) {
+      places.take(one.to);
+      continue;
+    }
+    report.fail(kFailed,
+                {311,
+                 "cannot rename %1 to %2: the library has %3 as a file or a folder, and it cannot "
+                 "be both"},
+                one.entry.name.view(), one.to, taken);
+    return false;
+  }
+  return true;
+}
+
 // Whether there is something to rename; what is deleted is named by its number alone.
 bool isThere(const std::vector<Renaming>& renamings, const std::wstring& from, Session& session,
              Report& report) {
@@ -242,7 +264,8 @@ void rename(const Options& options, Report& report) {
     return;
   }
   const std::vector<Renaming> renamings = renamingsOf(session, from, memberName(to));
-  if (isThere(renamings, from, session, report) && goesOn(report)) {
+  if (isThere(renamings, from, session, report) && goesOn(report) &&
+      fitsIn(renamings, session, report)) {
     forgetReason();
     std::size_t refused = 0;
     if (const int code = renameAll(options, session, renamings, refused)) {

@@ -58,14 +58,23 @@ class Extractor {
   void finish(const ZoLibEntry& entry, const std::wstring& target, int code) {
     session_.progress().begin(toUtf8(entry.name.view()), entry.size);
     forgetReason();
-    if (code && !isCancelled()) code = write(entry, target);  // alone: for the reason
-    if (code)
+    if (code && !isCancelled())
+      code = session_.readAgain(
+          entry, [&](const ZoLibEntry& now) { return write(now, target); });  // for the reason
+    if (code == Session::kGone && !isCancelled())
+      tellGone(session_, report_, entry.name.view());
+    else if (code)
       reportFailure(entry, target, code);
     else
       report_.member(entry.name.view(), "extracted")["size"] = entry.size;
   }
 
-  void sumUp() {
+  void sumUp(std::size_t hidden) {
+    if (hidden)
+      report_.warn({259,
+                    "left %{?1 1 hidden member|%1 hidden members} in the library: another of the "
+                    "name comes first; `zolib list --versions` shows the numbers to name them by"},
+                   hidden);
     Json& json = report_.json();
     for (const char* action : {"extracted", "kept", "refused"})
       json[action] = report_.count(action);
@@ -126,10 +135,13 @@ class Extractor {
       report_.fail(kDamaged, {254, "cannot extract %1 from %2: it is damaged; nothing was written"},
                    name, session_.name());
     } else {
-      const bool exists = ZoSystem::fileSystem().getAttributes(ZoFileName(target)) != 0;
-      session_.reportFailure(
-          say({255, "cannot extract %1 to %2"}, name, target), code, why,
-          exists ? say({256, "is that one read-only, or open in a program?"}) : std::string());
+      const unsigned int there = ZoSystem::fileSystem().getAttributes(ZoFileName(target));
+      const bool isFolder = (there & FILE_ATTRIBUTE_DIRECTORY) != 0;
+      session_.reportFailure(say({255, "cannot extract %1 to %2"}, name, target), code,
+                             isFolder ? say({260, "there is a folder of that name"}) : why,
+                             there && !isFolder
+                                 ? say({256, "is that one read-only, or open in a program?"})
+                                 : std::string());
     }
   }
 
@@ -161,9 +173,11 @@ void extract(const Options& options, Report& report) {
   Extractor extractor(options, report, session);
   std::vector<std::wstring> targets(entries.size());
   std::vector<int> codes(entries.size());
+  std::size_t hidden = 0;
   const auto prepare = [&](std::size_t i) -> std::optional<std::uint64_t> {
     if (isCancelled()) report.cancelled();
-    if (report.code() == kCancelled || session.isPassedOver(entries[i])) return std::nullopt;
+    if (report.code() == kCancelled) return std::nullopt;
+    if (session.isPassedOver(entries[i])) return ++hidden, std::nullopt;
     const std::optional<std::wstring> path = extractor.prepare(entries[i]);
     if (!path) return std::nullopt;
     targets[i] = *path;
@@ -179,7 +193,7 @@ void extract(const Options& options, Report& report) {
   };
   inOrder(entries.size(), session.crew(), prepare, write, finish, [] {});
   if (isCancelled()) report.cancelled();
-  extractor.sumUp();
+  extractor.sumUp(hidden);
   session.reportTrailing(kWarnings);
 }
 

@@ -132,7 +132,12 @@ class Listing {
   }
 
   void endFolders() {
-    for (const auto& [key, folder] : folders_) {
+    std::vector<const Sum*> sorted;
+    for (const auto& [key, folder] : folders_) sorted.push_back(&folder);
+    if (options_.sort == Sort::kSize) std::ranges::stable_sort(sorted, {}, &Sum::size);
+    if (options_.sort == Sort::kPacked) std::ranges::stable_sort(sorted, {}, &Sum::packed);
+    for (const Sum* const each : sorted) {
+      const Sum& folder = *each;
       if (options_.json)
         members_.push_back({{"name", folder.name},
                             {"members", folder.members},

@@ -16,7 +16,7 @@ std::optional<std::uint32_t> checkValueOf(ZoFile& file, std::uint64_t size) {
   std::uint32_t value = 0;
   while (const unsigned int count =
              file.read(buffer.data(), static_cast<unsigned int>(buffer.size()))) {
-    if (isCancelled()) return std::nullopt;
+    if (isCancelled() || count > size) return std::nullopt;  // a log may grow without an end
     value = zoCheckValue(buffer.data(), count, value);
     size -= count;
   }
@@ -42,6 +42,7 @@ std::optional<bool> isSame(const Source& source, Session& session, const ZoLibEn
   if (file.open(ZoFileName(source.path))) return std::nullopt;
   const std::optional<std::uint32_t> ours = checkValueOf(file, source.size);
   const std::optional<std::uint32_t> theirs = checkValueOf(session, entry);
+  if (!ours && !isCancelled() && file.size() > static_cast<std::int64_t>(source.size)) return false;
   if (!ours || !theirs) return std::nullopt;
   return *ours == *theirs;
 }

@@ -15,6 +15,11 @@
 #include "text.h"
 
 namespace zolib {
+namespace {
+
+constexpr std::uint64_t kHeader = 32;  // bytes
+
+}  // namespace
 
 Session::Session(const Options& options, Report& report)
     : options_(options),
@@ -80,7 +85,12 @@ bool Session::open(int access, ZoFile::CreationMode mode) {
 }
 
 bool Session::checkMark() {
-  if (library_.isLibrary()) return true;
+  if (library_.isLibrary()) {
+    // The header of one that is being made has nothing in it yet.
+    if (fileSize() >= kHeader || (!library_.counter() && !library_.checkSum())) return true;
+    report_.fail(kDamaged, {116, "%1 is damaged: it ends within its header"}, shown_);
+    return false;
+  }
   static_cast<void>(library_.close());  // it was only read
   report_.fail(kNotALibrary,
                {106,
@@ -104,10 +114,25 @@ bool Session::isEmpty() {
   return library_.isOpen() && !library_.forEachEntry(found, true) && isEmpty;
 }
 
+const std::vector<std::wstring>* Session::names() {
+  if (!names_) {
+    const bool isRead = namesOf(options_, names_.emplace(), report_);
+    selectsNothing_ = !isRead || (options_.filesFrom && names_->empty());
+  }
+  return selectsNothing_ ? nullptr : &*names_;
+}
+
+bool Session::namesAny() {
+  if (names()) return true;
+  if (report_.code() == kOk)
+    report_.fail(kUsage, {115, "name what to %1: the list %2 is empty"}, options_.verb,
+                 *options_.filesFrom);
+  return false;
+}
+
 std::vector<ZoLibEntry> Session::select(Which which) {
-  std::vector<std::wstring> names;
-  if (!library_.isOpen() || !namesOf(options_, names, report_)) return {};
-  return select(which, names);
+  if (!library_.isOpen() || !names()) return {};
+  return select(which, *names_);
 }
 
 // Those of members, though they look like patterns: who names "[x]" does not mean "x" as well.
@@ -169,9 +194,8 @@ void Session::reportUnmatched(Which which, const Selection& selection) {
 }
 
 void Session::choose(Which which, Unmatched unmatched, const std::function<bool(Selection&)>& use) {
-  std::vector<std::wstring> names;
-  if (!library_.isOpen() || !namesOf(options_, names, report_)) return;
-  Selection selection(names, options_.include, options_.exclude, wholeNames(which, names));
+  if (!library_.isOpen() || !names()) return;
+  Selection selection(*names_, options_.include, options_.exclude, wholeNames(which, *names_));
   if (use(selection) && unmatched == kIsReported) reportUnmatched(which, selection);
 }
 
@@ -211,6 +235,35 @@ std::uint64_t Session::totalSize(Which which) {
   return total;
 }
 
+// False when it is gone. Physical deletion moves entries, and one that is replaced has a new one.
+bool Session::findAgain(ZoLibEntry& entry) {
+  std::optional<ZoLibEntry> same, live;
+  const auto look = [&](const ZoLibEntry& version) {
+    const bool isSame = version.number == entry.number && version.crc == entry.crc &&
+                        version.size == entry.size && version.isDeleted() == entry.isDeleted();
+    if (isSame && (!same || version.position == entry.position)) same = version;
+    if (!live && !version.isDeleted()) live = version;
+    return true;
+  };
+  forgetReason();
+  const bool isUnreadable = library_.forEachVersion(entry.name, look) && !reason().empty();
+  if (!same && !entry.isDeleted()) same = live;
+  if (same) entry = *same;
+  return same || isUnreadable;
+}
+
+int Session::readAgain(const ZoLibEntry& entry, const std::function<int(const ZoLibEntry&)>& read) {
+  ZoLibEntry now = entry;
+  for (int unmoved = 0;;) {
+    const std::uint64_t before = now.position;
+    if (!findAgain(now)) return kGone;
+    unmoved = now.position == before ? unmoved + 1 : 0;
+    forgetReason();
+    const int code = read(now);
+    if (!code || unmoved == 2 || isCancelled()) return code;
+  }
+}
+
 bool Session::reportTrailing(ExitCode code) {
   const std::uint64_t bytes = library_.isOpen() ? library_.trailingBytes() : 0;
   if (!bytes) return false;
@@ -233,6 +286,12 @@ void Session::reportFailure(std::string_view what, int code, std::string_view ad
 void Session::reportFailure(std::string_view what, int code, const std::string& why,
                             std::string_view advice) {
   if (library_.wasCancelled() || isCancelled()) return report_.cancelled();
+  if (isTooMuch(why))
+    return report_.fail(kFailed,
+                        {117,
+                         "%1: that is more than one step has room for (16 MiB of names "
+                         "and records); do it in parts, by folders or patterns"},
+                        what);
   // A change that is refused for a damage says so. With any other reason, what stands behind the
   // last member may be what a write that failed left, which the next change takes away.
   const bool isDamaged = isDamage(why) || (why.empty() && library_.trailingBytes());
@@ -258,6 +317,12 @@ std::uint64_t Session::fileSize() const {
   const int share = ZoFile::kShareRead | ZoFile::kShareWrite | ZoFile::kShareDelete;
   if (file.open(ZoFileName(path_), ZoFile::kRead, ZoFile::kOpenExisting, share)) return 0;
   return static_cast<std::uint64_t>(std::max<std::int64_t>(file.size(), 0));
+}
+
+void tellGone(const Session& session, Report& report, std::wstring_view member) {
+  report.member(member, "gone");
+  report.warn({118, "%1 is gone: another program removed it from %2 meanwhile"}, member,
+              session.name());
 }
 
 }  // namespace zolib

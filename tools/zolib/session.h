@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -32,6 +33,12 @@ class Session {
   // member after a failure.
   void close();
 
+  // What the options and their list name; the list is read once. Null when it cannot be read, which
+  // is reported, or is empty: that selects nothing, where no names at all select everything.
+  const std::vector<std::wstring>* names();
+  // False when a list that is to be worked on names nothing; reported, in the words of the verb.
+  bool namesAny();
+
   // The entries that the options select, in the file's order: live ones, deleted ones, or both.
   // Names that select nothing are reported. A number ("@17") selects a deleted one as well.
   enum Which { kLive, kDeleted, kBoth };
@@ -56,6 +63,10 @@ class Session {
   // The bytes of all of them, where somebody sees the progress; else 0.
   std::uint64_t totalSize(Which which);
 
+  // Reads a member that could not be read once more, as it is now: another program may have put it
+  // elsewhere or replaced it. Answers what `read` does, or kGone when it is not there any more.
+  static constexpr int kGone = -1;
+  int readAgain(const ZoLibEntry& entry, const std::function<int(const ZoLibEntry&)>& read);
   // Says what lies behind the last member, if anything does; with which weight is the verb's.
   bool reportTrailing(ExitCode code);
   // Says how a call on one member ended that did not end well: "cannot add", its name, why.
@@ -89,6 +100,7 @@ class Session {
   bool visit(Which which, Selection& selection, std::uint64_t first, const Visitor& take);
   void reportUnmatched(Which which, const Selection& selection);
   std::unordered_set<std::wstring> wholeNames(Which which, const std::vector<std::wstring>& names);
+  bool findAgain(ZoLibEntry& entry);
   bool open(int access, ZoFile::CreationMode mode);
   bool checkMark();
   bool isEmpty();
@@ -98,9 +110,14 @@ class Session {
   std::wstring path_;
   std::string shown_;  // as the user wrote it
   bool isMade_ = false;
+  std::optional<std::vector<std::wstring>> names_;
+  bool selectsNothing_ = false;
   std::unordered_set<std::uint64_t> numbered_;  // ordinals
   Progress progress_;
   ZoLibrary library_;
 };
+
+// Another program removed a member that was to be read: no fault of the library's.
+void tellGone(const Session& session, Report& report, std::wstring_view member);
 
 }  // namespace zolib

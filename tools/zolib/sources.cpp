@@ -5,6 +5,7 @@
 #include <zo/system/registry.h>
 
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 
 #include "cancel.h"
@@ -39,10 +40,11 @@ class Walk {
     const unsigned int attributes = ZoSystem::fileSystem().getAttributes(ZoFileName(path));
     if (attributes & ZoFindFile::kDirectory) {
       addFolder(path, memberName(name));
-    } else if (attributes || Glob::isGlob(name)) {
-      const std::size_t before = found_.size();
-      addMatching(path, std::wstring(folderOf(name)), attributes != 0);
-      if (found_.size() == before && !attributes) notFound(name);
+    } else if (attributes) {
+      if (!addMatching(path, std::wstring(folderOf(name)), true)) refuse(name);
+    } else if (const std::size_t before = found_.size(); Glob::isGlob(name)) {
+      addMatching(path, std::wstring(folderOf(name)), false);
+      if (found_.size() == before) notFound(name);
     } else {
       notFound(name);
     }
@@ -65,8 +67,15 @@ class Walk {
     report_.fail(kNotFound, {150, "cannot find %1%2; check the name"}, name, because());
   }
 
-  // What fits a path, whose last level may have wildcards.
-  void addMatching(const std::wstring& path, const std::wstring& givenFolder, bool isThere) {
+  // A file that is there, and that the platform takes for something else.
+  void refuse(const std::wstring& name) {
+    const std::optional<Text> why = refusalOf(memberName(name));
+    const std::string reason = why ? say(*why) + say({210, "; rename the file"}) : say(kRefused);
+    report_.fail(kFailed, {200, "cannot add %1: %2"}, name, reason);
+  }
+
+  // What fits a path, whose last level may have wildcards. False when nothing does.
+  bool addMatching(const std::wstring& path, const std::wstring& givenFolder, bool isThere) {
     ZoFindFile find;
     find.setAttributes(0);
     ZoFileName pattern;
@@ -75,8 +84,10 @@ class Walk {
     const Glob last(L"/" + path.substr(path.find_last_of(L"\\/") + 1));
     const std::wstring asked = isOurs ? joined(folderOf(path), L"*") : path;
     static_cast<void>(pattern.setFullName(asked, false, false, true));  // open will say it
-    if (find.open(pattern)) return;
+    if (find.open(pattern)) return false;
+    bool isFound = false;
     while (find.next()) {
+      isFound = true;
       if (isOurs && !last.fits(folded(find.fileNameExt()))) continue;
       const std::wstring given = joined(givenFolder, find.fileNameExt());
       if (!find.isDirectory())
@@ -84,6 +95,7 @@ class Walk {
       else if (!isLink(find))
         addFolder(std::wstring(find.path()), memberName(given));
     }
+    return isFound;
   }
 
   void addFolder(const std::wstring& path, const std::wstring& member) {
@@ -164,7 +176,6 @@ void invite(Report& report) {
 }
 
 bool readAllInput(std::string& text) {
-  const Interruptible waiting;
   char buffer[16 * 1024];
   for (DWORD got = 0; readInput(buffer, sizeof buffer, got);) {
     if (!got) return true;
@@ -189,6 +200,7 @@ bool readLines(const std::wstring& path, std::vector<std::wstring>& lines, Repor
   if (path == L"-") invite(report);
   if (!(path == L"-" ? readAllInput(text) : readWhole(shellPath(path), text))) {
     const bool missing = GetLastError() == ERROR_FILE_NOT_FOUND;
+    if (!report.goesOn()) return false;
     report.fail(missing ? kNotFound : kFailed, {153, "cannot read the names in %1%2"}, path,
                 because());
     return false;
@@ -249,13 +261,8 @@ bool readInputInto(ZoFile& file, Report& report) {
   }
   char buffer[64 * 1024];
   for (DWORD got = 0;;) {
-    bool read = false;
-    {
-      const Interruptible waiting;
-      read = readInput(buffer, sizeof buffer, got);
-    }
-    if (!read) {
-      report.fail(kFailed, {156, "cannot read standard input"});
+    if (!readInput(buffer, sizeof buffer, got)) {
+      if (report.goesOn()) report.fail(kFailed, {156, "cannot read standard input"});
       return false;
     }
     if (!got) break;

@@ -74,12 +74,13 @@ class Tester {
 
   void tell(const ZoLibEntry& entry, int code) {
     const std::wstring_view name = entry.name.view();
-    if (code && !isCancelled()) {
-      forgetReason();
-      code = session_->verify(entry);  // alone: for the reason
-    }
+    if (code && !isCancelled())
+      code = session_.readAgain(
+          entry, [&](const ZoLibEntry& now) { return session_->verify(now); });  // for the reason
     if (isCancelled()) {
       report_.cancelled();
+    } else if (code == Session::kGone) {
+      tellGone(session_, report_, name);
     } else if (code) {
       report_.member(name, "damaged")["code"] = code;
       report_.fail(kDamaged, {400, "%1 is damaged%2"}, name,

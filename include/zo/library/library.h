@@ -101,6 +101,10 @@ class ZO_COM_API ZoLibrary {
     requires(!ZoFile::kMayBe<Access, ZoFile::Access> || std::same_as<TimeOut, bool>)
   int open(const ZoFileName&, Access, ZoFile::CreationMode = ZoFile::kOpenExisting,
            TimeOut = 0) = delete;  // the access comes first: ZoFile::kReadWrite, then the mode
+  template <class TimeOut>
+    requires(std::is_floating_point_v<TimeOut>)
+  int open(const ZoFileName&, int, ZoFile::CreationMode,
+           TimeOut) = delete;  // whole milliseconds
   // Members that are open as files are closed for good: they read and write nothing any more.
   [[nodiscard]] int close();
   [[nodiscard]] bool isOpen() const noexcept;
@@ -109,8 +113,9 @@ class ZO_COM_API ZoLibrary {
 
   // ---- Members ----
   // Adds a file with its three times. What is read of it counts, if its size was another one, as
-  // that of a log that grows. `replace` lets it take the place of a live member of that
-  // name, which is refused otherwise. `level` is kFast, kNormal or kBest.
+  // that of a log that grows; it is read to the end that it has when the first one is reached.
+  // `replace` lets it take the place of a live member of that name, which is refused otherwise.
+  // `level` is kFast, kNormal or kBest.
   [[nodiscard]] int addFile(const ZoFileName& source, const ZoFileName& member,
                             bool replace = false, compMode mode = kCompress, int level = kNormal);
   // The same from a file object, from its position to its end.
@@ -122,6 +127,11 @@ class ZO_COM_API ZoLibrary {
     requires(!std::same_as<Replace, bool> || !std::same_as<Level, int>)
   int addFile(Source&&, const ZoFileName&, Replace, Mode = kCompress,
               Level = kNormal) = delete;  // bool replace, compMode, int level: in this order
+  int addFile(std::nullptr_t, const ZoFileName&, bool = false, compMode = kCompress,
+              int = kNormal) = delete;  // the source's name
+  template <class Source>
+  int addFile(Source&&, std::nullptr_t, bool = false, compMode = kCompress,
+              int = kNormal) = delete;  // a member's name
   // Between these two addFile does not wait for the disk, and all that it adds becomes visible in
   // one step at the end, here too: adding thousands of members so takes a part of the time. Any
   // other change and close() end a batch; a second member of a name ends it and begins another. A
@@ -133,9 +143,15 @@ class ZO_COM_API ZoLibrary {
   // Writes a member out with its three times, in one step: a target that exists is replaced when
   // the member was read as a whole and its check value holds, and is as it was otherwise.
   [[nodiscard]] int extractFile(const ZoFileName& member, const ZoFileName& target);
+  int extractFile(std::nullptr_t, const ZoFileName&) = delete;  // a member's name
+  template <class Member>
+  int extractFile(const Member&, std::nullptr_t) = delete;  // the target's name
   // A new name of another length leaves a deleted member of the old name, which recoverFile brings
   // back, until reorganize.
   [[nodiscard]] int renameFile(const ZoFileName& member, const ZoFileName& newName);
+  int renameFile(std::nullptr_t, const ZoFileName&) = delete;  // a member's name
+  template <class Member>
+  int renameFile(const Member&, std::nullptr_t) = delete;  // the new name
   // Marks a member as deleted, or removes it physically, which rewrites the file beside itself and
   // replaces it in one step. 1 when the header's counter says that no member was ever added.
   [[nodiscard]] int deleteFile(const ZoFileName& member, bool physically = false);
@@ -156,6 +172,8 @@ class ZO_COM_API ZoLibrary {
     requires(!ZoFile::kMayBe<Access, ZoFile::Access>)
   int getFile(ZoFile&, const ZoFileName&, Access,
               compMode = kCompress) = delete;  // the access comes first, then the compMode
+  int getFile(ZoFile&, std::nullptr_t, int = ZoFile::kRead,
+              compMode = kCompress) = delete;  // a member's name
   // Opens a member for reading as a stdio stream in binary mode, which the caller closes; null
   // after a failure. Access for writing is refused: closing a stream could not report a failure.
   [[nodiscard]] int getCFile(std::FILE** stream, const ZoFileName& member,
@@ -214,6 +232,10 @@ class ZO_COM_API ZoLibrary {
     requires(!std::same_as<Replace, bool>)
   int recoverFiles(const Members&, Replace,
                    std::size_t* = nullptr) = delete;  // bool replace, then refused
+  template <class Replace>
+    requires(!std::same_as<Replace, bool>)
+  int recoverFiles(std::initializer_list<ZoFileName>, Replace,
+                   std::size_t* = nullptr) = delete;  // bool replace, then refused
   // The same of lists in braces.
   [[nodiscard]] int deleteFiles(std::initializer_list<ZoFileName> members, Deletion how = kByMark,
                                 std::size_t* refused = nullptr) {
@@ -254,7 +276,8 @@ class ZO_COM_API ZoLibrary {
   // or a negative one.
   [[nodiscard]] int getEntry(std::uint64_t ordinal, ZoLibEntry& entry);
   template <class Which>
-    requires(std::same_as<Which, bool> || std::is_null_pointer_v<Which> ||
+    requires(std::same_as<Which, bool> || std::same_as<Which, char> ||
+             std::same_as<Which, wchar_t> || std::is_null_pointer_v<Which> ||
              std::is_floating_point_v<Which>)
   int getEntry(Which, ZoLibEntry&) = delete;  // a member's name, or its ordinal from 1
   // Visits all entries of one name, live and deleted, from the oldest to the newest: its versions.

@@ -25,6 +25,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
+#include <type_traits>
 
 namespace zo {
 class MemberSource;
@@ -67,8 +68,8 @@ class ZO_COM_API ZoPacker {
   ~ZoPacker();
 
   // Packs a file; what is left of a file object or of a stream in binary mode, from its position
-  // on; bytes in memory (1 for null with a size). `mode` and `level` as in ZoLibrary::addFile. What
-  // `packed` held is dropped.
+  // on; bytes in memory (1 for null with a size, and for a size that no memory has, as a negative
+  // number becomes). `mode` and `level` as in ZoLibrary::addFile. What `packed` held is dropped.
   [[nodiscard]] int pack(const ZoFileName& source, ZoPackedMember& packed,
                          ZoLibrary::compMode mode = ZoLibrary::kCompress,
                          int level = ZoLibrary::kNormal);
@@ -81,6 +82,12 @@ class ZO_COM_API ZoPacker {
   [[nodiscard]] int pack(const void* bytes, std::size_t size, ZoPackedMember& packed,
                          ZoLibrary::compMode mode = ZoLibrary::kCompress,
                          int level = ZoLibrary::kNormal);
+  int pack(std::nullptr_t, ZoPackedMember&, ZoLibrary::compMode = ZoLibrary::kCompress,
+           int = ZoLibrary::kNormal) = delete;  // a source
+  template <class Size>
+    requires(std::same_as<Size, bool> || std::is_floating_point_v<Size>)
+  int pack(const void*, Size, ZoPackedMember&, ZoLibrary::compMode = ZoLibrary::kCompress,
+           int = ZoLibrary::kNormal) = delete;  // the number of bytes
   template <class Source, class Mode, class Level = int>
     requires(!std::same_as<Mode, ZoLibrary::compMode> || !std::same_as<Level, int>)
   int pack(Source&&, ZoPackedMember&, Mode,
@@ -94,6 +101,9 @@ class ZO_COM_API ZoPacker {
   // 64 KiB (kFast), 32 MiB (kNormal) or 256 MiB (kBest), and 12 MiB.
   [[nodiscard]] static std::uint64_t memoryFor(std::uint64_t size,
                                                int level = ZoLibrary::kNormal) noexcept;
+  template <class Size>
+    requires(std::same_as<Size, bool> || std::is_floating_point_v<Size>)
+  static std::uint64_t memoryFor(Size, int = ZoLibrary::kNormal) = delete;  // the number of bytes
 
  private:
   int packFrom(zo::MemberSource& source, ZoPackedMember& packed, ZoLibrary::compMode mode,
