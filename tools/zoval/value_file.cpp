@@ -345,6 +345,7 @@ void tell(const Fault& fault, Report& report) {
 }
 
 bool isWritable(const ValueFile& file, Report& report) {
+  if (file.library) return true;  // it is open for writing
   zolib::forgetReason();
   ZoFile open;
   const ZoFileName name(zolib::shellPath(file.path));
