@@ -196,6 +196,7 @@ def edit():
     assert codes[-1] == [b"11"] and run("get", "a.txt", "length") == b"3000\n", codes
     write("b.txt", before.replace(b"12.5", b"7.0"))
     for other, said in (("copy /y b.txt a.txt", "was written by"), ("del a.txt", "is not there any more:")):
+        write("a.txt", before)
         lost = ["edit=4 m", f"run=cmd /c {other}", ok, told]
         edited("a.txt", steps=[*lost, cancel, yes], code=11, err=f"zoval: a.txt {said}.*")
         assert not pathlib.Path("a.txt").exists() or b"7.0" in pathlib.Path("a.txt").read_bytes()

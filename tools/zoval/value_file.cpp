@@ -345,11 +345,16 @@ void tell(const Fault& fault, Report& report) {
 }
 
 bool isWritable(const ValueFile& file, Report& report) {
+  if (file.library) return true;  // it is open for writing
   zolib::forgetReason();
   ZoFile open;
   const ZoFileName name(zolib::shellPath(file.path));
   constexpr auto kShared = ZoFile::kShareRead | ZoFile::kShareWrite;
-  if (open.open(name, ZoFile::kReadWrite, ZoFile::kOpenExisting, kShared) == 0) return true;
+  const DWORD attributes = GetFileAttributesW(zolib::shellPath(file.path).c_str());
+  const bool isReadOnly =
+      attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY);
+  if (!isReadOnly && open.open(name, ZoFile::kReadWrite, ZoFile::kOpenExisting, kShared) == 0)
+    return true;
   report.fail(zolib::kFailed, {186, "%1 cannot be written%2; look at it by --read-only"},
               file.shown, because());
   return false;
