@@ -16,9 +16,9 @@ if(ZO_CLANG AND ZO_PYTHON AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
            COMMAND ${ZO_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/slots/check.py ${ZO_CLANG} ${CMAKE_CXX_COMPILER}
                    ${CMAKE_CURRENT_SOURCE_DIR}/slots/classes.cpp ${PROJECT_SOURCE_DIR}/include
                    ${PROJECT_BINARY_DIR}/generated)
-  # For this machine, since only its own libc++ has std::format; it is compiled, not run.
+  # For this machine, since only its own libc++ has std::format: without a DLL; it is compiled, not run.
   add_test(NAME second_compiler.ClangTakesStdFormat
-           COMMAND ${ZO_CLANG} -stdlib=libc++ -std=c++20 -fshort-wchar -Wall -Wextra -Werror -fsyntax-only
+           COMMAND ${ZO_CLANG} -stdlib=libc++ -std=c++20 -DZO_COM_STATIC -fshort-wchar -Wall -Wextra -Werror -fsyntax-only
                    -I${PROJECT_SOURCE_DIR}/include -I${PROJECT_BINARY_DIR}/generated
                    ${CMAKE_CURRENT_SOURCE_DIR}/format/uses.cpp)
   find_program(ZO_LLD_LINK lld-link-19)

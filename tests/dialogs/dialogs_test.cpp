@@ -198,11 +198,12 @@ TEST_P(EveryDialog, IsTakenOrCancelledWhileAllGuardsAreFree) {
   for (const bool isTaken : {false, true}) {
     const auto dialog = made();
     const std::wstring before = valueOf(*dialog);
+    const bool asks = dynamic_cast<ZoVariantDialog*>(dialog.get()) != nullptr;  // before it is left
     int code = 0;
     DialogUser user([&](HWND window) {
       expectGuardsFree();
       if (!isTaken) expectPicture(window, c.name);
-      if (c.enter) c.enter(window);
+      if (c.enter && (isTaken || !asks)) c.enter(window);
       DialogUser::press(window, isTaken ? c.ok : IDCANCEL);
     });
     code = dialog->show();
