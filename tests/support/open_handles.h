@@ -5,7 +5,6 @@
 
 namespace zo::test {
 
-// Throws std::runtime_error when the system does not tell.
 [[nodiscard]] unsigned long openHandles();
 
 }  // namespace zo::test
