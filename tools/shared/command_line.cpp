@@ -45,12 +45,14 @@ void translateParser(CLI::App& app) {
   app.set_help_flag("-h,--help", say({48, "Print this help message and exit"}));
 }
 
-// The option or name that the parser speaks of: the longest that is in its text.
+// The option or name that the parser speaks of: the longest that is in its text, or, for a value
+// that a flag cannot have, that begins it without the two dashes.
 const CLI::Option* subjectOf(const CLI::App& app, std::string_view said) {
   const CLI::Option* found = nullptr;
   for (const CLI::Option* option : app.get_options()) {
     const std::string name = option->get_name();
-    if (said.find(name) == std::string_view::npos) continue;
+    const bool begins = name.starts_with("--") && said.starts_with(name.substr(2) + " ");
+    if (!begins && said.find(name) == std::string_view::npos) continue;
     if (!found || name.size() > found->get_name().size()) found = option;
   }
   return found;
@@ -137,6 +139,7 @@ CommandLine::CommandLine(Console& console, TalkOptions& options, const Text& pur
       version_(std::string(kProgram) + " " + zoComVersion()) {
   app_.allow_windows_style_options(false);  // a slash begins a path
   app_.require_subcommand(0, 1);
+  app_.option_defaults()->disable_flag_override();  // --quiet=1 is no form of --quiet
   app_.get_formatter()->column_width(28);
   app_.footer(say(generalHelp));
   translateParser(app_);

@@ -132,7 +132,7 @@ void addOptions(CLI::App& sub, const Verb& verb, Options& options, Raw& raw) {
   if (takes & (kOneName | kTwoNames)) {
     sub.add_option("NAME", raw.names, say(verb.namesHelp))
         ->required()
-        ->expected(1, takes & kOneName ? 1 : 2)
+        ->expected(1, takes & kOneName ? 1 : -1)  // of two names, complaint() tells
         ->check(emptiness)
         ->type_name("");
   } else if (takes & kNames) {
@@ -186,7 +186,7 @@ void addOptions(CLI::App& sub, const Verb& verb, Options& options, Raw& raw) {
 // What CLI11 cannot say; empty when all is well.
 std::string complaint(const Verb& verb, const Options& options) {
   if ((verb.takes & kTwoNames) && options.names.size() != 2)
-    return say({27, "%1: there must be %2"}, "NAME", 2);
+    return say({561, "%1 takes two names, the old and the new"}, verb.name);
   if ((verb.takes & kNeedsName) && options.names.empty() && !options.filesFrom)
     return say({520, "name what to %1"}, verb.name);
   if (!(verb.takes & kFiles)) return {};

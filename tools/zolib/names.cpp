@@ -73,6 +73,7 @@ std::optional<Text> refusalOf(std::wstring_view member) {
       return Text{476, "a level of it ends in a blank or a dot"};
     if (ZoFileName(level).hasDeviceName()) return Text{477, "it names a device"};
   }
+  if (depth == 0) return kNoName;
   // What the file names themselves know beyond that; the library decides.
   const ZoFileName name(member);
   if (name.isEmpty()) return kNoName;
