@@ -333,7 +333,11 @@ void zo::Editor::showAnew() {
 
 void zo::Editor::find(int by) {
   const ZoString pattern = windowText(item(kEditorFind));
-  if (pattern.isEmpty()) return perform(kEditorFocusFind);
+  if (pattern.isEmpty()) {
+    matches_.clear();
+    sayPath();
+    return perform(kEditorFocusFind);
+  }
   if (matches_.empty() || pattern != pattern_) {
     const ZoRegExp expression(pattern, ZoRegExp::kIgnoreCase);
     if (!expression.isValid()) return say(expression.errorText());

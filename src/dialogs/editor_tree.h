@@ -14,7 +14,7 @@ namespace zo {
 
 class EditorTree {
  public:
-  static constexpr unsigned int kMostInBranch = 10'000;
+  static constexpr unsigned int kMostInBranch = 1'000;
 
   explicit EditorTree(const ZoVariantEdits& edits) noexcept : edits_(edits) {}
 
