@@ -67,6 +67,17 @@ bool isListed(const RawEntry& entry, const ZoLibEntry& wanted) {
          equalNames(name.view(), wanted.name.view());
 }
 
+// Into the place of another one, whose name then gives its memory.
+void describe(const LibraryState& library, const IndexEntry& entry, bool isHidden,
+              ZoLibEntry& result) {
+  ZoFileName name = std::move(result.name);
+  setMemberName(name, library.index().bytes(entry));
+  result = describe(library, entry.position, entry.record, entry.trailer);
+  result.ordinal = library.index().ordinal(entry);
+  result.name = std::move(name);
+  result.isHidden = isHidden;
+}
+
 }  // namespace
 
 int notFound(ScanEnd end) {
@@ -115,10 +126,8 @@ int findEntryAt(LibraryState& library, std::uint64_t position, RawEntry& entry) 
 }
 
 ZoLibEntry describe(const LibraryState& library, const IndexEntry& entry, bool isHidden) {
-  ZoLibEntry result = describe(library, entry.position, entry.record, entry.trailer);
-  result.ordinal = library.index().ordinal(entry);
-  result.name = memberName(library.index().bytes(entry));
-  result.isHidden = isHidden;
+  ZoLibEntry result;
+  describe(library, entry, isHidden, result);
   return result;
 }
 
@@ -143,10 +152,12 @@ int visitEntries(LibraryState& library, const std::function<bool(const ZoLibEntr
   if (const int code = library.refresh()) return code;
   const std::vector<bool>& hidden = library.hidden();
   const auto entries = library.index().entries();
+  ZoLibEntry entry;
   for (std::uint64_t i = first - 1; i < entries.size(); ++i) {
     const auto place = static_cast<std::size_t>(i);
     if (!withDeleted && !entries[place].record.isLive()) continue;
-    if (!visit(describe(library, entries[place], hidden[place]))) break;
+    describe(library, entries[place], hidden[place], entry);
+    if (!visit(entry)) break;
   }
   return ZoResult::ok;
 }

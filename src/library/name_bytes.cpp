@@ -64,6 +64,10 @@ ZoFileName memberName(std::string_view bytes) {
   return withName(bytes, [](std::wstring_view name) { return ZoFileName(name); });
 }
 
+void setMemberName(ZoFileName& name, std::string_view bytes) {
+  withName(bytes, [&](std::wstring_view text) { name = text; });
+}
+
 // Every ANSI code page has the ASCII characters in their places. All bytes are looked at before
 // that is told: the compiler does so many at once.
 bool isPlainName(std::string_view bytes) noexcept {

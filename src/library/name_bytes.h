@@ -15,6 +15,7 @@ namespace zo {
 [[nodiscard]] bool encodeName(const ZoFileName& name, std::string& bytes);
 [[nodiscard]] std::wstring decodeName(std::string_view bytes);
 [[nodiscard]] ZoFileName memberName(std::string_view bytes);
+void setMemberName(ZoFileName& name, std::string_view bytes);
 // Whether the bytes are ASCII and stand for themselves.
 [[nodiscard]] bool isPlainName(std::string_view bytes) noexcept;
 // Whether the bytes are the wanted name, ignoring case: nearly always told without decoding them.

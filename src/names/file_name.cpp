@@ -86,7 +86,10 @@ ZoFileName& ZoFileName::operator=(const wchar_t* text) { return *this = zo::text
 ZoFileName& ZoFileName::operator=(const ZoString& text) { return *this = text.view(); }
 
 ZoFileName& ZoFileName::operator=(std::wstring_view text) {
-  ZoFileName(text).swap(*this);
+  if (imp_->isShared())
+    ZoFileName(text).swap(*this);
+  else
+    static_cast<void>(imp_->parse(text, {}, false));  // as the constructor does
   return *this;
 }
 

@@ -232,7 +232,7 @@ int ZoFileNameImp::setMacro(const wchar_t* macro, const wchar_t* value) {
   const std::wstring text = zo::wholeText(name, below);
   std::wstring scratch;
   const NameParts parsed = zo::parseName(text, state_.options, false, scratch);
-  if (parsed.isSplit) state_ = stateOf(parsed, state_.options, ZoString(value));
+  if (parsed.isSplit) state_ = stateOf(parsed, state_.options, ZoString(value), state_);
   return parsed.result;
 }
 

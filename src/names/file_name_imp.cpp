@@ -34,8 +34,13 @@ void ZoFileNameImp::unshareTexts() {
 
 // ---- Parsing ----
 
+// Folder and extension are taken from the name before, when they are the same: who goes through
+// many names in one object asks for half the memory.
 ZoFileNameImp::State ZoFileNameImp::stateOf(const NameParts& name, const zo::NameOptions& options,
-                                            const ZoString& macroValue) {
+                                            const ZoString& macroValue, const State& before) {
+  const auto part = [](std::wstring_view text, const ZoString& old) {
+    return old.view() == text ? old : ZoString(text);
+  };
   State state;
   state.options = options;
   state.macro = ZoString(name.macro);
@@ -51,9 +56,9 @@ ZoFileNameImp::State ZoFileNameImp::stateOf(const NameParts& name, const zo::Nam
     state.expandedName.append(name.path);
   }
   state.drive = ZoString(name.drive);
-  state.directory = ZoString(name.directory);
+  state.directory = part(name.directory, before.directory);
   state.fileName = ZoString(name.fileName);
-  state.extension = ZoString(name.extension);
+  state.extension = part(name.extension, before.extension);
   if (name.kind == NameKind::Drive) state.volume = state.drive;
   if (name.kind == NameKind::Url || name.kind == NameKind::Disc) {
     state.volume = ZoString(name.root());
@@ -69,13 +74,13 @@ ZoFileNameImp::State ZoFileNameImp::stateOf(const NameParts& name, const zo::Nam
 
 ZoFileNameImp::State ZoFileNameImp::parsed(std::wstring_view text) {
   std::wstring scratch;
-  return stateOf(zo::parseName(text, {}, false, scratch), {}, ZoString());
+  return stateOf(zo::parseName(text, {}, false, scratch), {}, ZoString(), {});
 }
 
 int ZoFileNameImp::parse(std::wstring_view text, const zo::NameOptions& options, bool asDirectory) {
   std::wstring scratch;
   const NameParts name = zo::parseName(text, options, asDirectory, scratch);
-  state_ = stateOf(name, options, ZoString());
+  state_ = stateOf(name, options, ZoString(), state_);
   return name.result;
 }
 
@@ -83,7 +88,7 @@ int ZoFileNameImp::retake(std::wstring_view text) {
   std::wstring scratch;
   const NameParts name = zo::parseName(text, state_.options, false, scratch);
   if (name.isSplit) {
-    State state = stateOf(name, state_.options, state_.macroValue);
+    State state = stateOf(name, state_.options, state_.macroValue, state_);
     if (name.kind == NameKind::Plain) state.delimiter = state_.delimiter;
     state_ = std::move(state);
   }

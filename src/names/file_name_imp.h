@@ -116,7 +116,7 @@ class ZoFileNameImp {
   explicit ZoFileNameImp(unsigned int holders) noexcept : holders_(holders) {}
 
   [[nodiscard]] static State stateOf(const zo::NameParts& name, const zo::NameOptions& options,
-                                     const ZoString& macroValue);
+                                     const ZoString& macroValue, const State& before);
   [[nodiscard]] std::wstring_view path() const noexcept;
   [[nodiscard]] Pieces pieces() const;
   int recompose(const Pieces& pieces);

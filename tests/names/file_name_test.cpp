@@ -176,10 +176,16 @@ std::wstring mutated(std::mt19937& random) {
 TEST(FileNameParse, MutatedNamesFollowTheRules) {
   std::mt19937 random(20240612);
   ZoString a, b, c, d;
+  ZoFileName reused, kept;  // one object for all, whose parts the next name may take over
   for (int i = 0; i < kMutations; ++i) {
     const std::wstring text = mutated(random);
     expectLikeModel(text, i % 2 == 0, i % 3 == 0);
     const ZoFileName name(text.c_str());
+    if (i % 4 == 0) kept = reused;
+    const ZoString keptText(kept.fullName());
+    reused = text;
+    expectParts(reused, modelParse(text));
+    EXPECT_STREQ(kept.fullName(), keptText.data());
     int protocol = 7;
     EXPECT_EQ(name.parseURL(protocol, a, b, c, d), name.isURL() ? 0 : 1);
     EXPECT_EQ(name.parseUNC(a, b), name.isUNC() ? 0 : 1);
