@@ -268,6 +268,13 @@ def folders():
         run("rename", "a.lib", old, new, code=2, err="zolib: cannot rename .*: the library has .* and it cannot be both\n.*0 members.*")
     for name in ("PARTS/bolts", "other/x.txt/y"):  # a file and a folder could not both come out
         run("add", "a.lib", "-", "--name", name, code=2, err="zolib: cannot add -: the library has .* it cannot be both\n.*")
+    run("delete", "a.lib", "other/x.txt", "-q")
+    run("add", "a.lib", "-", "--name", "other/x.txt/in", "-q", stdin=b"x")
+    for more in ([], ["--dry-run"], ["--all"]):
+        run("recover", "a.lib", "other/x.txt", *more, code=2,
+            err="zolib: cannot recover other/x.txt: the library has .* it cannot be both\n.*")
+    run("delete", "a.lib", "other/x.txt/in", "--physically", "-q")
+    run("recover", "a.lib", "other/x.txt", "-q")
     run("rename", "a.lib", "other/x.txt", "other/x.txt/in", "-q")
     run("rename", "a.lib", "other/x.txt/in", "other/x.txt", "-q")
     os.makedirs("lost/empty")
@@ -311,6 +318,8 @@ def exit_codes():
         (["add", "a.lib", "--files-from", "utf16.txt"], 2, ".*UTF-16; .* UTF-8.*"),
         (["add", "b.lib", "con.txt"], 2, "cannot add con.txt: it names a device; rename the file"),
         (["create", "none/b.lib", "a.txt"], 2, r"cannot open none/b\.lib: .*; .*"),
+        (["create", "none/b.lib", "a.txt", "--dry-run"], 2, r"cannot make none/b\.lib: there is no folder none"),
+        (["info", "a.lib", "--dot", "./A.LIB"], 2, r"cannot write ./A.LIB: it is the library itself"),
     ):
         # One line for the failure; what else is said is no failure's.
         run(*args, code=code, out="", err=rf"zolib: {said}(; see `zolib help`)?\n([^z].*: .*\n)?")
@@ -353,6 +362,12 @@ def names():
     run("rename", "list", "add", "a/./b")
     run("extract", "list", "a/b", "-o", "renamed")
     assert files("renamed") == ["a/b"]
+    write("t/a:b/in.txt")
+    write("t/ok.txt")
+    run("add", "colon.lib", "t", code=2, err=r"zolib: cannot add t/a:b: it names a stream \(a colon\); rename .*\ncolon.lib: 1 added.*")
+    run("add", "colon.lib", "-", "--name", "./t//./new.txt", "-q", stdin=b"x")
+    assert members("colon.lib") == ["t/ok.txt", "t/new.txt"]
+    shutil.rmtree("t")
     write("日本.txt")
     run("sync", "w.lib", ".", "--include", "日本.txt", "-q")
     assert members("w.lib") == ["日本.txt"]
@@ -367,7 +382,7 @@ def hostile():
     """What would leave the folder is refused; the rest comes out."""
     bad = ["../up.txt", "/abs.txt", "\\abs2.txt", "C:\\abs.txt", "Z:rel.txt", "a/../../up.txt", "con", "sub/nul.txt",
            "file.txt:stream", "dot./x", "blank /x", "end.", "end ", "\\\\server\\share\\x", "sub/", "com1",
-           "a/...", "a/b*c", "a/b\nc", ".."]
+           "a/...", "a/b*c", "a/b\nc", "..", ".", "a/.."]
     roots = ["/", "\\", "..\\", "a/..\\../", "C:", "c:/", "\\\\?\\C:\\", "\\\\.\\", "//host/share/", "\\U+002E\\U+002E/",
              "..\\U+002F", "\\U+0043\\U+003A/"]
     devices = ["nul", "CON.txt", "aux.tar.gz", "prn", "LPT9.x", "COM\xb9", "conin$", "CONOUT$", "nul ", "con:", "a/COM1/b"]
@@ -379,7 +394,7 @@ def hostile():
     os.mkdir("inner")
     os.chdir("inner")
     value = answer("extract", "../h.lib", "--output", "out", code=1)
-    assert any("refused to extract @2" in m["text"] for m in value["messages"]), value["messages"]
+    assert any("refused to extract @30:" in m["text"] for m in value["messages"]), value["messages"]
     out = {m["name"] for m in value["members"] if m["action"] == "extracted"}
     assert out == set(good) and value["refused"] == len(bad), (out - set(good), value["refused"], len(bad))
     assert files("..") == ["h.lib"] + ["inner/out/" + n for n in ("four.txt", "one.txt", "sub/three.txt", "sub/two.txt")]
@@ -388,6 +403,12 @@ def hostile():
         err="zolib: cannot extract one.txt to in_the_way/one.txt: there is a folder of that name\n.*1 member ex.*")
     assert pathlib.Path("in_the_way/sub/two.txt").read_bytes() == b"content"
     os.chdir("..")
+    foreign("clash.lib", [("~", b"file", 0), ("~/x", b"x", 0), ("b/c", b"c", 0), ("B", b"b", 0), *((f"{i}", b"", 0) for i in range(20))])
+    for threads in ("1", "4", "8"):  # the library's order decides, not who is first
+        out = run("extract", "clash.lib", "-o", f"out{threads}", "--threads", threads, code=2,
+                  err="zolib: cannot extract ~/x to .*cannot be both\nzolib: cannot extract B to .*: 22 members extracted\n")
+        assert pathlib.Path(f"out{threads}/~").read_bytes() == b"file" and pathlib.Path(f"out{threads}/b/c").exists()
+    run("extract", "clash.lib", "-o", "dry", "--dry-run", code=2, err="(zolib: cannot extract .*cannot be both\n){2}", out=".*")
     for m in answer("list", "h.lib")["members"]:  # each can be read, and comes out under a name that is none of these
         run("cat", "h.lib", f"@{m['entry']}", out="content")
     for number in range(len(bad) + len(good), 0, -1):

@@ -133,6 +133,25 @@ std::vector<ZoLibRename> namesFor(const std::vector<ZoLibEntry>& entries, Recove
   return result;
 }
 
+// Whether each of them fits beside the members that are there.
+bool fitsBack(const std::vector<ZoLibRename>& members, Session& session, Report& report) {
+  Places places(session);
+  for (const ZoLibRename& one : members) {
+    const std::wstring taken = places.takenOf(one.newName.view());
+    if (taken.empty()) {
+      places.take(one.newName.view());
+      continue;
+    }
+    report.fail(kFailed,
+                {312,
+                 "cannot recover %1: the library has %2 as a file or a folder, and it cannot be "
+                 "both"},
+                one.newName.view(), taken);
+    return false;
+  }
+  return true;
+}
+
 // With --dry-run what can be told of it.
 int recoverAll(const Options& options, Session& session, const std::vector<ZoLibRename>& members,
                std::size_t& refused) {
@@ -152,11 +171,12 @@ void recover(const Options& options, Report& report) {
       chosen(session.select(Session::kDeleted), options.recover, session);
   if (!entries.empty() && goesOn(report)) {
     const std::vector<ZoLibRename> members = namesFor(entries, options.recover, session);
+    const bool fits = fitsBack(members, session, report);
     forgetReason();
     std::size_t refused = entries.size();
-    if (const int code = recoverAll(options, session, members, refused)) {
+    if (const int code = fits ? recoverAll(options, session, members, refused) : 0) {
       reportFailure(session, {302, "cannot recover %1"}, entries, refused, code);
-    } else {
+    } else if (fits) {
       for (const ZoLibRename& member : members) {
         Json& json = report.member(member.member.view(), "recovered");
         if (member.newName.view() != member.member.view())

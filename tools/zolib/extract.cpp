@@ -10,6 +10,7 @@
 
 #include "cancel.h"
 #include "names.h"
+#include "places.h"
 #include "session.h"
 #include "text.h"
 #include "verbs.h"
@@ -44,6 +45,16 @@ class Extractor {
       report_.warn({258, "left %1 in the library: another member came out as %2"}, member, target);
       return std::nullopt;
     }
+    // In the library's order, however many threads there are.
+    if (const std::wstring taken = places_.takenOf(name); !taken.empty()) {
+      report_.fail(kFailed,
+                   {261,
+                    "cannot extract %1 to %2: another member has %3 as a file or a folder, and it "
+                    "cannot be both"},
+                   member, target, taken);
+      return std::nullopt;
+    }
+    places_.take(name);
     if (!options_.dryRun && !makeFolder(target)) return std::nullopt;
     if (!keepsTarget(entry, target)) return target;
     report_.member(member, "kept");
@@ -150,6 +161,7 @@ class Extractor {
   Session& session_;
   std::wstring root_;
   std::unordered_set<std::wstring> names_;  // that came out
+  Places places_;                           // of them
   // That are there; and whether they were made in this run: nothing of another's is in these.
   std::unordered_map<std::wstring, bool> folders_;
   bool isFresh_ = false;  // the folder of the member in hand

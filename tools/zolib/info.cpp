@@ -4,6 +4,7 @@
 #include <zo/system/registry.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <sstream>
 
 #include "graph.h"
@@ -27,7 +28,13 @@ void writeGraph(const Options& options, const std::wstring& path, Report& report
       report.console().out(toUtf8(text.str()));
     return;
   }
-  if (const int code = graph.writeGraph(shellPath(path).c_str())) {
+  const std::filesystem::path target = shellPath(path);
+  std::error_code unlike;  // one that is not there is another one
+  if (std::filesystem::equivalent(target, shellPath(options.library), unlike)) {
+    report.fail(kFailed, {430, "cannot write %1: it is the library itself"}, path);
+    return;
+  }
+  if (const int code = graph.writeGraph(target.c_str())) {
     SetLastError(static_cast<DWORD>(code));
     ZoSystem::fileSystem().errorIO(L"zolib");
     report.fail(kFailed, {420, "cannot write %1%2"}, path, because(kRefused));

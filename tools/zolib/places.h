@@ -12,6 +12,8 @@ namespace zolib {
 
 class Places {
  public:
+  // Nothing yet.
+  Places() = default;
   // What a library holds, but for members that are about to leave their names; folded() ones.
   explicit Places(Session& session, const std::unordered_set<std::wstring>& leaving = {});
 

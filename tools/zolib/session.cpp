@@ -49,7 +49,14 @@ bool Session::openToWrite(ZoFile::CreationMode mode) {
     isMade_ = !exists;
     return checkMark();
   }
-  return (!exists && mode != ZoFile::kOpenExisting) || openToRead();
+  if (exists || mode == ZoFile::kOpenExisting) return openToRead();
+  const std::wstring_view folder = folderOf(path_);
+  const ZoFileName place(folder);
+  if (place.isEmpty() ||
+      (ZoSystem::fileSystem().getAttributes(place) & FILE_ATTRIBUTE_DIRECTORY) != 0)
+    return true;
+  report_.fail(kFailed, {119, "cannot make %1: there is no folder %2"}, shown_, folder);
+  return false;
 }
 
 bool Session::open(int access, ZoFile::CreationMode mode) {

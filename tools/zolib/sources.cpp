@@ -67,9 +67,11 @@ class Walk {
     report_.fail(kNotFound, {150, "cannot find %1%2; check the name"}, name, because());
   }
 
-  // A file that is there, and that the platform takes for something else.
+  // What is there, and what the platform takes for something else.
   void refuse(const std::wstring& name) {
-    const std::optional<Text> why = refusalOf(memberName(name));
+    const std::wstring_view last = std::wstring_view(name).substr(name.find_last_of(L"\\/") + 1);
+    std::optional<Text> why = refusalOf(memberName(name));
+    if (!why) why = refusalOf(last);
     const std::string reason = why ? say(*why) + say({210, "; rename the file"}) : say(kRefused);
     report_.fail(kFailed, {200, "cannot add %1: %2"}, name, reason);
   }
@@ -92,7 +94,7 @@ class Walk {
       const std::wstring given = joined(givenFolder, find.fileNameExt());
       if (!find.isDirectory())
         addFile(find, memberName(given));
-      else if (!isLink(find))
+      else if (isWalked(find, folderOf(path)))
         addFolder(std::wstring(find.path()), memberName(given));
     }
     return isFound;
@@ -118,7 +120,7 @@ class Walk {
       isEmpty = false;
       if (!find.isDirectory())
         addFile(find, name);
-      else if (!isLink(find))
+      else if (isWalked(find, path))
         folders.push_back({std::wstring(find.path()), name});
     }
     if (isEmpty && !isCancelled()) lose(empty_, path, {161, "empty"});
@@ -150,10 +152,17 @@ class Walk {
     found_.push_back({path, member, static_cast<std::uint64_t>(find.size()), find.lastWriteTime()});
   }
 
-  bool isLink(const ZoFindFile& find) {
-    const bool is = (find.attributes() & kLinkAttribute) != 0;
-    if (is) lose(links_, find.path(), {163, "link"});
-    return is;
+  // Whether a folder is looked into: no link is, and none that the platform cannot name, which
+  // would lead elsewhere.
+  bool isWalked(const ZoFindFile& find, std::wstring_view outer) {
+    const std::wstring_view name = find.fileNameExt();
+    if (find.attributes() & kLinkAttribute) {
+      lose(links_, find.path(), {163, "link"});
+      return false;
+    }
+    if (name.find(L':') == std::wstring_view::npos) return true;
+    refuse(joined(outer, name));
+    return false;
   }
 
   // Counted; named with --verbose.
@@ -246,7 +255,10 @@ std::vector<Source> findSources(const Options& options, Report& report) {
   }
   walk.tellLosses();
   std::vector<Source> found = std::move(walk).found();
-  if (fromInput) found.push_back({L"-", options.memberName});
+  if (fromInput) {
+    const std::wstring& name = options.memberName;
+    found.push_back({L"-", refusalOf(name) ? name : memberName(name)});
+  }
   return found;
 }
 
