@@ -186,7 +186,7 @@ std::string CommandLine::unexpected() const {
 }
 
 std::string CommandLine::complaintOf(const CLI::App& app, const CLI::ParseError& error) {
-  const std::string said = error.what();
+  std::string said = error.what();
   if (dynamic_cast<const CLI::ValidationError*>(&error)) return said;  // the words of a check here
   if (dynamic_cast<const CLI::RequiredError*>(&error))
     return say({24, "%1 is missing"}, firstMissing(app));

@@ -220,6 +220,7 @@ int renameAll(const Options& options, Session& session, const std::vector<Renami
               std::size_t& refused) {
   if (!options.dryRun) {
     std::vector<ZoLibRename> all;
+    all.reserve(renamings.size());
     for (const Renaming& one : renamings)
       all.push_back({one.entry.name, ZoFileName(one.to), &one.entry});
     return session->renameFiles(all, &refused);

@@ -39,7 +39,7 @@ class Extractor {
     }
     const std::wstring name = nameOf(member);
     if (name.empty()) return std::nullopt;  // it lies in what is stripped
-    const std::wstring target = joined(root_, name);
+    std::wstring target = joined(root_, name);
     if (!names_.insert(folded(name)).second) {
       report_.member(member, "kept");
       report_.warn({258, "left %1 in the library: another member came out as %2"}, member, target);

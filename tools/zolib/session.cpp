@@ -123,23 +123,24 @@ bool Session::isEmpty() {
 
 const std::vector<std::wstring>* Session::names() {
   if (!names_) {
-    const bool isRead = namesOf(options_, names_.emplace(), report_);
-    selectsNothing_ = !isRead || (options_.filesFrom && names_->empty());
+    std::vector<std::wstring>& names = names_.emplace();
+    const bool isRead = namesOf(options_, names, report_);
+    selectsNothing_ = !isRead || (options_.filesFrom && names.empty());
   }
-  return selectsNothing_ ? nullptr : &*names_;
+  return selectsNothing_ || !names_ ? nullptr : &*names_;
 }
 
 bool Session::namesAny() {
   if (names()) return true;
-  if (report_.code() == kOk)
+  if (report_.code() == kOk && options_.filesFrom)
     report_.fail(kUsage, {115, "name what to %1: the list %2 is empty"}, options_.verb,
                  *options_.filesFrom);
   return false;
 }
 
 std::vector<ZoLibEntry> Session::select(Which which) {
-  if (!library_.isOpen() || !names()) return {};
-  return select(which, *names_);
+  const std::vector<std::wstring>* const names = library_.isOpen() ? this->names() : nullptr;
+  return names ? select(which, *names) : std::vector<ZoLibEntry>();
 }
 
 // Those of members, though they look like patterns: who names "[x]" does not mean "x" as well.
@@ -201,8 +202,9 @@ void Session::reportUnmatched(Which which, const Selection& selection) {
 }
 
 void Session::choose(Which which, Unmatched unmatched, const std::function<bool(Selection&)>& use) {
-  if (!library_.isOpen() || !names()) return;
-  Selection selection(*names_, options_.include, options_.exclude, wholeNames(which, *names_));
+  const std::vector<std::wstring>* const names = library_.isOpen() ? this->names() : nullptr;
+  if (!names) return;
+  Selection selection(*names, options_.include, options_.exclude, wholeNames(which, *names));
   if (use(selection) && unmatched == kIsReported) reportUnmatched(which, selection);
 }
 
