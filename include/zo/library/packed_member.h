@@ -8,7 +8,11 @@
 //   return library.addFile(packed, L"bolts/m8.dwg");  // where the library is written
 //
 // Errors:  0, or 1: what was to be read or kept could not be, or the call was cancelled; the
-//          packed member is then empty. Nothing throws but std::bad_alloc.
+//          packed member is then empty. Nothing throws but std::bad_alloc, whatever a stream was
+//          asked to throw.
+// Memory   that is to be packed is taken for as large as it is said to be. Refused is only what
+//          cannot be true: null with a size, and a size that ends behind all memory of programs, as
+//          that of a negative number does.
 // Threads: an object is for one thread at a time; none takes the lock of the libraries. No thread
 //          is started.
 // Cost:    a packed member has up to 8 MiB of memory; what it holds beyond that is in a temporary
@@ -68,8 +72,8 @@ class ZO_COM_API ZoPacker {
   ~ZoPacker();
 
   // Packs a file; what is left of a file object or of a stream in binary mode, from its position
-  // on; bytes in memory (1 for null with a size, and for a size that no memory has, as a negative
-  // number becomes). `mode` and `level` as in ZoLibrary::addFile. What `packed` held is dropped.
+  // on; bytes in memory. A stream keeps its exceptions() and has the state of one that was read to
+  // its end, or failed. `mode` and `level` as in ZoLibrary::addFile. What `packed` held is dropped.
   [[nodiscard]] int pack(const ZoFileName& source, ZoPackedMember& packed,
                          ZoLibrary::compMode mode = ZoLibrary::kCompress,
                          int level = ZoLibrary::kNormal);
