@@ -23,6 +23,7 @@
 #include <zo/files/file.h>
 #include <zo/files/file_time.h>
 #include <zo/library/library.h>
+#include <zo/text/not_negative.h>
 
 #include <concepts>
 #include <cstddef>
@@ -88,10 +89,10 @@ class ZO_COM_API ZoPacker {
                          int level = ZoLibrary::kNormal);
   int pack(std::nullptr_t, ZoPackedMember&, ZoLibrary::compMode = ZoLibrary::kCompress,
            int = ZoLibrary::kNormal) = delete;  // a source
-  template <class Size>
-    requires(std::same_as<Size, bool> || std::is_floating_point_v<Size>)
+  template <class Size, class Level = int>
+    requires(!zo::PlainInteger<Size> || !std::same_as<Level, int>)
   int pack(const void*, Size, ZoPackedMember&, ZoLibrary::compMode = ZoLibrary::kCompress,
-           int = ZoLibrary::kNormal) = delete;  // the number of bytes
+           Level = 0) = delete;  // the number of bytes; at the end the int level
   template <class Source, class Mode, class Level = int>
     requires(!std::same_as<Mode, ZoLibrary::compMode> || !std::same_as<Level, int>)
   int pack(Source&&, ZoPackedMember&, Mode,
@@ -105,9 +106,10 @@ class ZO_COM_API ZoPacker {
   // 64 KiB (kFast), 32 MiB (kNormal) or 256 MiB (kBest), and 12 MiB.
   [[nodiscard]] static std::uint64_t memoryFor(std::uint64_t size,
                                                int level = ZoLibrary::kNormal) noexcept;
-  template <class Size>
-    requires(std::same_as<Size, bool> || std::is_floating_point_v<Size>)
-  static std::uint64_t memoryFor(Size, int = ZoLibrary::kNormal) = delete;  // the number of bytes
+  template <class Size, class Level = int>
+    requires(!zo::PlainInteger<Size> || !std::same_as<Level, int>)
+  static std::uint64_t memoryFor(Size,
+                                 Level = 0) = delete;  // the number of bytes, then the int level
 
  private:
   int packFrom(zo::MemberSource& source, ZoPackedMember& packed, ZoLibrary::compMode mode,
