@@ -41,6 +41,8 @@ class LoadedPart final : public ByteStore {
 // Members that lie side by side, with their bytes as these were when they were looked for.
 class Neighbours {
  public:
+  // Of so many members in all.
+  explicit Neighbours(std::size_t count) { found_.reserve(std::min(count, kOften)); }
   void clear() noexcept {
     found_.clear();
     end_ = 0;
@@ -102,6 +104,8 @@ class Neighbours {
     return bytes_.read(found.position, record) && decodeRecord(record) == found.record;
   }
 
+  static constexpr std::size_t kOften = 256;  // are side by side
+
   std::vector<IndexEntry> found_;
   std::uint64_t end_ = 0;
   std::uint32_t counter_ = 0;
@@ -128,7 +132,7 @@ std::size_t verifyFirst(Neighbours& first, const std::shared_ptr<LibraryDoor>& d
 int verifyEntries(const std::shared_ptr<LibraryDoor>& door, std::span<const ZoLibEntry> entries,
                   std::vector<int>& codes) {
   codes.assign(entries.size(), ZoResult::refused);
-  Neighbours neighbours;
+  Neighbours neighbours(entries.size());
   for (std::size_t begin = 0; begin < entries.size();) {
     const std::size_t count =
         verifyFirst(neighbours, door, entries.subspan(begin), std::span(codes).subspan(begin));
