@@ -1,5 +1,5 @@
 // Seeing of many members that they are as they were added. Neighbours that are small are read at
-// once, by memory that is kept from some to the next; whatever is wrong with one of them, it is read
+// once, into memory that is kept for the next ones; whatever is wrong with one of them, it is read
 // again alone, as often as that takes.
 #include <algorithm>
 #include <utility>

@@ -56,9 +56,10 @@ int wrong(ZoLibrary& library, ZoFile& file, const ZoFileName& name, ZoArray<ZoFi
   code += static_cast<int>(ZoPacker::memoryFor(true));                      // error: the number of bytes
   code += static_cast<int>(ZoPacker::memoryFor(1.5, ZoLibrary::kFast));     // error: the number of bytes
   code += library.renameFiles({{L"a", L"b"}, {L"c", L"d"}}) + library.deleteFiles({L"a", L"b"});
-  code += library.recoverFilesAs({{L"a", L"b"}, {name, {}, &entry}, {.member = name, .newName = L"c"}});
-  code += static_cast<int>(ZoPacker::memoryFor(5, ZoLibrary::kBest) + ZoPacker::memoryFor(entry.size));
-  code += library.forEachEntry(visit, true, entry.ordinal + 1) + library.forEachEntry(visit, true, 1);
+  code += library.recoverFilesAs({{L"a", L"b"}, {name, {}, &entry}});
+  code += library.recoverFilesAs({{.member = name, .newName = L"c"}});
+  code += static_cast<int>(ZoPacker::memoryFor(5, ZoLibrary::kBest));
+  code += library.forEachEntry(visit, true, entry.ordinal) + library.forEachEntry(visit, true, 1);
   code += packer.pack("abc", 3, packed, ZoLibrary::kStore, ZoLibrary::kBest);
   code += static_cast<int>(zoCheckValue("abc", 3) + zoCheckValue("abc", sizeof entry, entry.crc));
   code += packer.pack("abc", 'c', packed);                                  // error: the number of bytes
