@@ -17,6 +17,8 @@
 //          zocClose. Handles share nothing: what is put into a value is copied.
 // Texts    that are given may be UTF-8 or UTF-16 and are read during the call. What is no UTF-8
 //          becomes U+FFFD. Texts come back in a ZocString that the caller made, in both forms.
+// Bytes    with a size are taken for as many as that says. ZOC_BAD_ARGUMENT only where there cannot
+//          be so many: null with a size, or one that ends behind all memory of programs.
 //
 // Errors:  0 success. Codes from ZOC_BAD_HANDLE on are this interface's; ZOC_OUT_OF_MEMORY and all
 //          others are those of the library's family, as docs/results.md lists them:

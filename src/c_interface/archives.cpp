@@ -6,6 +6,7 @@
 
 #include "c_interface/call.h"
 #include "c_interface/value.h"
+#include "platform/address_range.h"
 
 namespace {
 
@@ -77,7 +78,7 @@ int zocArchiveNew(ZocArchive* out) noexcept {
 
 int zocArchiveLoad(const void* bytes, size_t size, ZocArchive* out) noexcept {
   return make<Archive>(out, [&](Archive& archive) {
-    require(bytes || size == 0);
+    require(zo::canBeMemory(bytes, size));
     const auto* const begin = static_cast<const std::byte*>(bytes);
     archive.bytes.assign(begin, begin + size);
     archive.reader.emplace(archive.bytes);
@@ -131,7 +132,7 @@ int zocArchiveWriteReal(ZocArchive archive, double number) noexcept {
 
 int zocArchiveWriteRaw(ZocArchive archive, const void* bytes, uint32_t size) noexcept {
   return writeTo(archive, [&](ZoMemoryWriteArchive& to) {
-    require(bytes || size == 0);
+    require(zo::canBeMemory(bytes, size));
     if (size != 0) to.writeBin(bytes, size, L"");
   });
 }
@@ -168,7 +169,7 @@ int zocArchiveReadReal(ZocArchive archive, double* out) noexcept {
 
 int zocArchiveReadRaw(ZocArchive archive, void* bytes, uint32_t size) noexcept {
   return readFrom(archive, [&](ZoMemoryReadArchive& reader) {
-    require(bytes || size == 0);
+    require(zo::canBeMemory(bytes, size));
     if (size > reader.rest()) throw Refusal{ZOC_ENDED};
     if (size != 0) reader.readBin(bytes, size);
   });

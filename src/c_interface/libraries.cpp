@@ -10,6 +10,7 @@
 #include "c_interface/value.h"
 #include "library/files_lock.h"
 #include "names/name_compare.h"
+#include "platform/address_range.h"
 
 namespace {
 
@@ -254,7 +255,7 @@ int zocLibrarySize(ZocLibrary library, ZocText member, uint64_t* size) noexcept 
 int zocLibraryRead(ZocLibrary library, ZocText member, uint64_t offset, void* bytes, uint32_t size,
                    uint32_t* got) noexcept {
   return withMember(library, member, [&](ZoLibrary& in, const ZoFileName& name) {
-    require(bytes || size == 0);
+    require(zo::canBeMemory(bytes, size));
     std::uint32_t& count = required(got);
     ZoFile file;
     if (const int code = in.getFile(file, name)) return code;
@@ -265,7 +266,7 @@ int zocLibraryRead(ZocLibrary library, ZocText member, uint64_t offset, void* by
 int zocLibraryWrite(ZocLibrary library, ZocText member, const void* bytes, uint32_t size,
                     int mode) noexcept {
   return addMember(library, member, true, [&](ZoLibrary& in, const ZoFileName& name) {
-    require(bytes || size == 0);
+    require(zo::canBeMemory(bytes, size));
     ZoFile file;
     if (const int code = in.getFile(file, name, ZoFile::kWrite, modeOf(mode))) return code;
     if (file.write(bytes, size) == size) return file.close();

@@ -28,9 +28,14 @@ inline constexpr std::size_t kPiece = std::size_t{64} << 10;  // larger ones lea
   return true;
 }
 
-// The same through a buffer of its own.
+// The same through a buffer of its own, which needs no memory for little.
 [[nodiscard]] inline bool copyPart(ByteStore& from, std::uint64_t begin, std::uint64_t size,
                                    ByteSink& to) {
+  constexpr std::size_t kLittle = 2048;
+  if (size <= kLittle) {
+    unsigned char little[kLittle];
+    return copyPart(from, begin, size, to, little);
+  }
   std::vector<unsigned char> buffer(
       static_cast<std::size_t>(std::min<std::uint64_t>(size, kPiece)));
   return copyPart(from, begin, size, to, buffer);

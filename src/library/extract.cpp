@@ -68,7 +68,7 @@ int extractMember(const std::shared_ptr<LibraryDoor>& door, const MemberRef& mem
 
 int verifyEntry(const std::shared_ptr<LibraryDoor>& door, const ZoLibEntry& entry) {
   const auto find = [&](LibraryState& library, RawEntry& found) {
-    return findEntryAt(library, entry.position, found);
+    return findMember(library, {.name = nullptr, .entry = &entry}, found);
   };
   return readAside(door, {}, find, [](Reading& reading) {
     NoSink sink(reading.progress());

@@ -60,13 +60,6 @@ const FirstFind* findFirst(LibraryState& library, const ZoFileName& member) {
   return &kept.emplace(std::move(found));
 }
 
-// Whether an entry is the one that was listed, and not another that stands there now.
-bool isListed(const RawEntry& entry, const ZoLibEntry& wanted) {
-  const ZoFileName name = memberName(entry.name);
-  return entry.record.number == wanted.number && entry.record.storedSize == wanted.storedSize &&
-         equalNames(name.view(), wanted.name.view());
-}
-
 // Into the place of another one, whose name then gives its memory.
 void describe(const LibraryState& library, const IndexEntry& entry, bool isHidden,
               ZoLibEntry& result) {
@@ -79,6 +72,13 @@ void describe(const LibraryState& library, const IndexEntry& entry, bool isHidde
 }
 
 }  // namespace
+
+// The names of nearly all need no memory to be compared.
+bool isListed(const EntryRecord& record, std::string_view name, const ZoLibEntry& wanted) {
+  return record.number == wanted.number && record.storedSize == wanted.storedSize &&
+         (isNamed(name, wanted.name.view()) ||
+          equalNames(memberName(name).view(), wanted.name.view()));
+}
 
 int notFound(ScanEnd end) {
   return end == ScanEnd::kMark ? ZoResult::memberNotFound : ZoResult::refused;
@@ -102,13 +102,14 @@ int findMember(LibraryState& library, const ZoFileName& member, RawEntry& entry)
 int findMember(LibraryState& library, const MemberRef& member, RawEntry& entry) {
   if (member.name) return findMember(library, *member.name, entry);
   if (const int code = findEntryAt(library, member.entry->position, entry)) return code;
-  return isListed(entry, *member.entry) ? ZoResult::ok : ZoResult::refused;
+  return isListed(entry.record, entry.name, *member.entry) ? ZoResult::ok : ZoResult::refused;
 }
 
 int findListed(LibraryState& library, const ZoLibEntry& wanted, const IndexEntry*& found) {
   found = library.index().at(wanted.position);
   RawEntry entry;
-  const bool isThere = found && library.load(*found, entry) && isListed(entry, wanted);
+  const bool isThere =
+      found && library.load(*found, entry) && isListed(entry.record, entry.name, wanted);
   return isThere ? ZoResult::ok : ZoResult::refused;
 }
 

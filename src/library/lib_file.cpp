@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "files/keep_reason.h"
 #include "library/member.h"
 
 using zo::FilesLock;
@@ -12,16 +13,21 @@ namespace {
 
 constexpr unsigned int kNormalAttributes = 0x80;
 
-// Uses the member under the lock of all libraries; a closed one has that answer.
+bool isUsable(const std::shared_ptr<LibraryMember>& member) { return member && member->isUsable(); }
+
+// Uses the member under the lock of all libraries; a closed one has that answer, and a reason.
 template <class Answer, class Use>
-Answer with(const std::shared_ptr<LibraryMember>& member, Answer closed, const Use& use) {
+Answer with(const std::shared_ptr<LibraryMember>& member, const wchar_t* operation, Answer closed,
+            const Use& use) {
   const FilesLock lock;
-  return member && member->isUsable() ? use(*member) : closed;
+  if (isUsable(member)) return use(*member);
+  zo::keepReason(operation, ERROR_INVALID_HANDLE);
+  return closed;
 }
 
 int setOneTime(const std::shared_ptr<LibraryMember>& member, FILETIME MemberTimes::* which,
                FILETIME time) {
-  return with(member, int{ZoResult::refused}, [&](LibraryMember& file) {
+  return with(member, L"setTimes", int{ZoResult::refused}, [&](LibraryMember& file) {
     MemberTimes times = file.times();
     times.*which = time;
     return file.setTimes(times);
@@ -58,7 +64,8 @@ ZoFileImp* ZoLibFile::cloneFor(unsigned int access) const {
 }
 
 bool ZoLibFile::isOpen() const noexcept {
-  return with(member_, false, [](LibraryMember&) { return true; });
+  const FilesLock lock;
+  return isUsable(member_);
 }
 
 int ZoLibFile::close() {
@@ -70,47 +77,56 @@ int ZoLibFile::close() {
 }
 
 unsigned int ZoLibFile::read(void* buffer, unsigned int count) {
-  return with(member_, 0U,
+  return with(member_, L"read", 0U,
               [&](LibraryMember& file) { return buffer ? file.read(buffer, count) : 0; });
 }
 
 bool ZoLibFile::opensFiles() const noexcept { return false; }
 
 unsigned int ZoLibFile::write(const void* data, unsigned int count) {
-  return with(member_, 0U, [&](LibraryMember& file) { return data ? file.write(data, count) : 0; });
+  return with(member_, L"write", 0U,
+              [&](LibraryMember& file) { return data ? file.write(data, count) : 0; });
 }
 
 std::int64_t ZoLibFile::seek(std::int64_t offset, ZoFile::MoveMethod method) {
-  return with(member_, std::int64_t{-1},
+  return with(member_, L"seek", std::int64_t{-1},
               [&](LibraryMember& file) { return file.seek(offset, method); });
 }
 
 std::int64_t ZoLibFile::size() {
-  return with(member_, std::int64_t{-1}, [](LibraryMember& file) { return file.size(); });
+  return with(member_, L"size", std::int64_t{-1}, [](LibraryMember& file) { return file.size(); });
 }
 
 int ZoLibFile::setEndOfFile() {
-  return with(member_, int{ZoResult::refused},
+  return with(member_, L"setEndOfFile", int{ZoResult::refused},
               [](LibraryMember& file) { return file.setEndOfFile(); });
 }
 
 // What is read is where it belongs, and what is written gets there when it is closed.
-int ZoLibFile::flush() { return isOpen() ? ZoResult::ok : ZoResult::refused; }
+int ZoLibFile::flush() {
+  return with(member_, L"flush", int{ZoResult::refused},
+              [](LibraryMember&) { return int{ZoResult::ok}; });
+}
 
-unsigned int ZoLibFile::attributes() { return isOpen() ? kNormalAttributes : 0; }
+unsigned int ZoLibFile::attributes() {
+  return with(member_, L"attributes", 0U, [](LibraryMember&) { return kNormalAttributes; });
+}
 
 // ---- Times ----
 
 FILETIME ZoLibFile::creationTime() {
-  return with(member_, FILETIME{}, [](LibraryMember& file) { return file.times().created; });
+  return with(member_, L"times", FILETIME{},
+              [](LibraryMember& file) { return file.times().created; });
 }
 
 FILETIME ZoLibFile::lastAccessTime() {
-  return with(member_, FILETIME{}, [](LibraryMember& file) { return file.times().accessed; });
+  return with(member_, L"times", FILETIME{},
+              [](LibraryMember& file) { return file.times().accessed; });
 }
 
 FILETIME ZoLibFile::lastWriteTime() {
-  return with(member_, FILETIME{}, [](LibraryMember& file) { return file.times().written; });
+  return with(member_, L"times", FILETIME{},
+              [](LibraryMember& file) { return file.times().written; });
 }
 
 int ZoLibFile::setCreationTime(FILETIME time) {

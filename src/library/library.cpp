@@ -287,6 +287,7 @@ int ZoLibrary::getFileNames(ZoSequence<ZoFileName>& names, bool withDeleted,
 
 int ZoLibrary::forEachEntry(const std::function<bool(const ZoLibEntry&)>& visit, bool withDeleted,
                             std::uint64_t first) {
+  if (!visit || first == 0 || first > INT64_MAX) return ZoResult::refused;
   return run(core_, Access::kRead, {}, zo::visitEntries, visit, withDeleted, first);
 }
 
@@ -311,6 +312,7 @@ int ZoLibrary::getEntry(std::uint64_t ordinal, ZoLibEntry& entry) {
 
 int ZoLibrary::forEachVersion(const ZoFileName& member,
                               const std::function<bool(const ZoLibEntry&)>& visit) {
+  if (!visit) return ZoResult::refused;
   return run(core_, Access::kRead, {&member}, zo::visitVersions, member, visit);
 }
 

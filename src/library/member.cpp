@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "files/keep_reason.h"
 #include "library/reading.h"
 #include "platform/time_value.h"
 
@@ -110,13 +111,16 @@ unsigned int LibraryMember::read(void* buffer, unsigned int count) {
   const bool isRead = kind_ == Kind::kUnpacked
                           ? unpacked_.read(at, to)
                           : library_.bytes().read(place_.entry.dataPosition() + at, to);
-  if (!isRead) return 0;
+  if (!isRead) {
+    keepReason(L"read");  // the end of a file has none
+    return 0;
+  }
   position_ += count;
   return count;
 }
 
 unsigned int LibraryMember::write(const void* data, unsigned int count) {
-  if (!isWriting()) return 0;
+  if (!isWriting()) return keepReason(L"write", ERROR_ACCESS_DENIED), 0;
   const unsigned int done = file_.write(data, count);
   if (done != count) isIncomplete_ = true;
   return done;
@@ -128,13 +132,13 @@ std::int64_t LibraryMember::seek(std::int64_t offset, ZoFile::MoveMethod method)
   if (method == ZoFile::kCurrent) base = position_;
   if (method == ZoFile::kEnd) base = size();
   constexpr std::int64_t kMost = std::int64_t{1} << 62;
-  if (offset > kMost || offset < -base) return -1;
+  if (offset > kMost || offset < -base) return keepReason(L"seek", ERROR_NEGATIVE_SEEK), -1;
   position_ = base + offset;
   return position_;
 }
 
 int LibraryMember::setEndOfFile() {
-  if (!isWriting()) return ZoResult::refused;
+  if (!isWriting()) return keepReason(L"setEndOfFile", ERROR_ACCESS_DENIED);
   const int code = file_.setEndOfFile();
   if (code) isIncomplete_ = true;
   return code;

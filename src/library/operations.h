@@ -27,6 +27,9 @@ struct MemberRef {
 // Finds a live member. The entry is as it stands in the file now.
 int findMember(LibraryState& library, const ZoFileName& member, RawEntry& entry);
 int findMember(LibraryState& library, const MemberRef& member, RawEntry& entry);
+// Whether an entry is the one that was listed, and not another that stands there now.
+[[nodiscard]] bool isListed(const EntryRecord& record, std::string_view name,
+                            const ZoLibEntry& wanted);
 // The entry that was listed, in the index as it is; 1 when it is not there any more.
 int findListed(LibraryState& library, const ZoLibEntry& wanted, const IndexEntry*& found);
 // The entry at a position.

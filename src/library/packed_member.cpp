@@ -3,6 +3,7 @@
 #include <istream>
 
 #include "library/packed_content.h"
+#include "platform/address_range.h"
 
 using zo::PackedContent;
 
@@ -43,6 +44,43 @@ bool PackedContent::writeTo(PackTarget& target, Progress& progress, ReusedMemory
   entry.trailer = entry_.trailer;
   return copyPart(data_, 0, data_.size(), sink);
 }
+
+// ---- Streams ----
+
+namespace {
+
+// A stream that throws nothing meanwhile, whatever its user asked for.
+class Unthrowing {
+ public:
+  explicit Unthrowing(std::istream& stream) : stream_(stream), mask_(stream.exceptions()) {
+    stream_.exceptions(std::ios_base::goodbit);
+  }
+  Unthrowing(const Unthrowing&) = delete;
+  Unthrowing& operator=(const Unthrowing&) = delete;
+  ~Unthrowing() {
+    try {
+      stream_.exceptions(mask_);
+    } catch (...) {  // NOLINT(bugprone-empty-catch): it has the mask, and tells of its state
+    }
+  }
+
+ private:
+  std::istream& stream_;
+  std::ios_base::iostate mask_;
+};
+
+// All that is left of it.
+bool readAll(std::istream& source, Spool& to) {
+  const Unthrowing reads(source);
+  std::vector<char> piece(kPiece);
+  while (source.read(piece.data(), static_cast<std::streamsize>(piece.size())), source.gcount()) {
+    const auto count = static_cast<std::size_t>(source.gcount());
+    if (!to.write({reinterpret_cast<const unsigned char*>(piece.data()), count})) return false;
+  }
+  return !source.bad() && source.eof();
+}
+
+}  // namespace
 
 // ---- Who packs ----
 
@@ -128,13 +166,7 @@ int ZoPacker::pack(std::istream& source, ZoPackedMember& packed, ZoLibrary::comp
                    int level) {
   packed = ZoPackedMember();
   zo::Spool spool(PackedContent::kMostMemory);
-  std::vector<char> piece(zo::kPiece);
-  while (source.read(piece.data(), static_cast<std::streamsize>(piece.size())), source.gcount()) {
-    const auto count = static_cast<std::size_t>(source.gcount());
-    const auto* const bytes = reinterpret_cast<const unsigned char*>(piece.data());
-    if (!spool.write({bytes, count})) return ZoResult::refused;
-  }
-  if (source.bad() || !source.eof()) return ZoResult::refused;
+  if (!zo::readAll(source, spool)) return ZoResult::refused;
   zo::StoreSource bytes(spool);
   return packFrom(bytes, packed, mode, level);
 }
@@ -142,7 +174,7 @@ int ZoPacker::pack(std::istream& source, ZoPackedMember& packed, ZoLibrary::comp
 int ZoPacker::pack(const void* bytes, std::size_t size, ZoPackedMember& packed,
                    ZoLibrary::compMode mode, int level) {
   packed = ZoPackedMember();
-  if ((!bytes && size) || size > PTRDIFF_MAX) return ZoResult::refused;
+  if (!zo::canBeMemory(bytes, size)) return ZoResult::refused;
   zo::MemoryStore store({static_cast<const unsigned char*>(bytes), size});
   zo::StoreSource source(store);
   return packFrom(source, packed, mode, level);

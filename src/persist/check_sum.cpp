@@ -7,6 +7,7 @@
 
 #include "bytes/little_endian.h"
 #include "files/keep_reason.h"
+#include "platform/address_range.h"
 #include "platform/sha256.h"
 
 namespace {
@@ -14,11 +15,6 @@ namespace {
 constexpr unsigned int kBlock = 256 * 1024;  // stays in the processor's cache
 
 int result(bool done) noexcept { return done ? ZoResult::ok : ZoResult::refused; }
-// No data have so many bytes as a negative number makes.
-bool isThere(const void* data, std::size_t size) noexcept {
-  return size <= PTRDIFF_MAX && (data || size == 0);
-}
-
 int tooShort() { return zo::keepReason(L"zoCheckSumFile", ERROR_HANDLE_EOF); }
 
 }  // namespace
@@ -29,13 +25,13 @@ ZoCheckSum& ZoCheckSum::operator=(ZoCheckSum&& other) noexcept = default;
 ZoCheckSum::~ZoCheckSum() = default;
 
 int ZoCheckSum::start(ZoCheckKey key) {
-  if (!isThere(key.data, key.size)) return ZoResult::refused;
+  if (!zo::canBeMemory(key.data, key.size)) return ZoResult::refused;
   if (!hash_) hash_ = std::make_unique<zo::Sha256>();
   return result(hash_->startKeyed(key.data, key.size));
 }
 
 int ZoCheckSum::add(const void* data, std::size_t size) {
-  return result(hash_ && isThere(data, size) && hash_->add(data, size));
+  return result(hash_ && zo::canBeMemory(data, size) && hash_->add(data, size));
 }
 
 int ZoCheckSum::finish(Sum& sum) { return result(hash_ && hash_->finish(sum)); }
@@ -49,7 +45,8 @@ bool ZoCheckSum::isSame(const Sum& a, const Sum& b) noexcept {
 std::uint64_t ZoCheckSum::shortForm(const Sum& sum) noexcept { return zo::load64(sum.data()); }
 
 int zoCheckSum(const void* data, std::size_t size, ZoCheckKey key, ZoCheckSum::Sum& sum) {
-  if (!isThere(data, size) || !isThere(key.data, key.size)) return ZoResult::refused;
+  if (!zo::canBeMemory(data, size) || !zo::canBeMemory(key.data, key.size))
+    return ZoResult::refused;
   zo::Sha256 hash;
   return result(hash.startKeyed(key.data, key.size) && hash.add(data, size) && hash.finish(sum));
 }

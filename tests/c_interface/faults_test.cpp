@@ -247,6 +247,7 @@ TEST_F(CInterface, WrongArgumentsAreRefused) {
       zocValueGetInt(v, kName, nullptr), zocValueGetReal(v, kName, nullptr),
       zocValueGetTriple(v, kName, nullptr), zocValuePutTriple(v, kName, nullptr, ZOC_PLAIN),
       zocArchiveLoad(nullptr, 1, &handles_.read),
+      zocArchiveLoad("", SIZE_MAX >> 17, &handles_.read),
       zocArchiveBytes(handles_.written, nullptr, &length),
       zocArchiveWriteRaw(handles_.written, nullptr, 1), zocUnitsParse(kName, ZOC_LENGTH, nullptr),
       zocUnitsConvert(1, ZOC_LENGTH, kNone, kNone, nullptr), zocLibrarySize(l, kName, nullptr),

@@ -6,4 +6,6 @@ TEST(CheckValue, IsThePublishedOneHoweverItIsCut) {
   for (std::size_t cut = 0; cut <= 9; ++cut)
     EXPECT_EQ(zoCheckValue("123456789" + cut, 9 - cut, zoCheckValue("123456789", cut)),
               0xCBF43926U);
+  for (const std::size_t impossible : {SIZE_MAX, SIZE_MAX >> 2, SIZE_MAX >> 17})
+    EXPECT_EQ(zoCheckValue("1", impossible, 5U) + zoCheckValue(nullptr, 1, 5U), 10U);
 }

@@ -86,9 +86,11 @@ TEST_F(LibraryTest, MembersReadAndSeekAsFiles) {
     }
     EXPECT_EQ(file.seek(-10, ZoFile::kEnd), 9'990);
     EXPECT_EQ(file.seek(-1), -1);
+    expectError(ERROR_NEGATIVE_SEEK);
     EXPECT_EQ(file.seek(-10'001, ZoFile::kCurrent), -1);
     EXPECT_EQ(file.seek(5'000), 5'000);
     EXPECT_EQ(file.write("x", 1), 0u);
+    expectError(ERROR_ACCESS_DENIED);
     // A copy shares the position, one for another access has its own.
     ZoFile copy(file), own(file, static_cast<unsigned int>(ZoFile::kRead));
     EXPECT_EQ(copy.read(some, 10), 10u);
@@ -122,11 +124,23 @@ TEST_F(LibraryTest, AMemberThatWasRemovedBecomesNoOther) {
   }
   ZoFile file;
   ASSERT_EQ(library.getFile(file, L"first"), 0);
+  char some[100];
+  const auto read = [&] {
+    SetLastError(ERROR_SUCCESS);
+    const unsigned int got = file.read(some, sizeof some);
+    return std::pair(got, GetLastError());
+  };
+  EXPECT_EQ(read(), std::pair(100u, DWORD{ERROR_SUCCESS}));
+  EXPECT_EQ(read(), std::pair(0u, DWORD{ERROR_SUCCESS})) << "its end has no reason";
+  ASSERT_EQ(file.seek(50), 50);
   // Another one comes to its place, and the file is rewritten once more.
   for (const wchar_t* const member : {L"first", L"third"}) {
     ASSERT_EQ(library.deleteFile(member, true), 0);
     EXPECT_FALSE(file.isOpen());
+    EXPECT_EQ(read(), std::pair(0u, DWORD{ERROR_INVALID_HANDLE})) << "that was not its end";
+    EXPECT_EQ(file.size() + file.seek(0), -2);
   }
+  EXPECT_EQ(file.close(), 0);
 }
 
 TEST_F(LibraryTest, MembersAreWrittenAsFiles) {

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstring>
 #include <sstream>
+#include <stdexcept>
 #include <thread>
 
 #include "library/files_lock.h"
@@ -117,7 +118,9 @@ TEST_F(LibraryTest, RefusesToPackWhatCannotBeRead) {
   EXPECT_EQ(library.addFile(packed, L"http://host/a"), 3);
   EXPECT_EQ(packer.pack(name(L"none"), packed), 1);
   EXPECT_EQ(packer.pack(nullptr, 10, packed), 1);
-  EXPECT_EQ(packer.pack("abc", static_cast<std::size_t>(-1), packed), 1);
+  for (const std::size_t impossible :
+       {~std::size_t{0}, SIZE_MAX / 2, SIZE_MAX >> 2, SIZE_MAX >> 17})
+    EXPECT_EQ(packer.pack("abc", impossible, packed), 1) << impossible;
   EXPECT_TRUE(packed.isEmpty());
   EXPECT_EQ(packer.pack(nullptr, 0, packed), 0);
   std::istringstream bad("content");
@@ -127,6 +130,29 @@ TEST_F(LibraryTest, RefusesToPackWhatCannotBeRead) {
   EXPECT_EQ(packer.pack(source_, packed), 1);
   EXPECT_TRUE(packer.wasCancelled() && packed.isEmpty());
   EXPECT_GE(ZoPacker::memoryFor(1 << 30, ZoLibrary::kBest), std::uint64_t{3} << 30);
+}
+
+// A stream throws where its user asked for it, but not from here.
+TEST_F(LibraryTest, PacksStreamsWhateverTheyThrow) {
+  struct Broken : std::streambuf {
+    int_type underflow() override { throw std::runtime_error("the device is gone"); }
+  };
+  using Stream = std::istream;
+  ZoPacker packer;
+  ZoPackedMember packed;
+  for (const auto mask : {Stream::goodbit, Stream::eofbit, Stream::failbit, Stream::badbit,
+                          Stream::eofbit | Stream::failbit | Stream::badbit}) {
+    std::istringstream sound("a sound stream");
+    sound.exceptions(mask);
+    EXPECT_EQ(packer.pack(sound, packed), 0) << mask;
+    EXPECT_EQ(packed.size(), 14u);
+    EXPECT_TRUE(sound.eof() && sound.exceptions() == mask);
+    Broken buffer;
+    Stream broken(&buffer);
+    broken.exceptions(mask);
+    EXPECT_EQ(packer.pack(broken, packed), 1) << mask;
+    EXPECT_TRUE(packed.isEmpty() && broken.bad() && broken.exceptions() == mask);
+  }
 }
 
 // Nobody gets by who would wait for the lock.

@@ -4,7 +4,7 @@
 // clang-format off
 int wrong(ZoLibrary& library, ZoFile& file, const ZoFileName& name, ZoArray<ZoFileName>& names,
           ZoArray<FILETIME>& times, std::FILE** stream, ZoPacker& packer, ZoPackedMember& packed,
-          ZoLibEntry& entry) {
+          ZoLibEntry& entry, bool (*visit)(const ZoLibEntry&)) {
   int code = 0;
   code += library.open(name, ZoFile::kOpenAlways);                          // error: the access comes first
   code += library.open(name, true);                                         // error: the access comes first
@@ -56,6 +56,38 @@ int wrong(ZoLibrary& library, ZoFile& file, const ZoFileName& name, ZoArray<ZoFi
   code += static_cast<int>(ZoPacker::memoryFor(true));                      // error: the number of bytes
   code += static_cast<int>(ZoPacker::memoryFor(1.5, ZoLibrary::kFast));     // error: the number of bytes
   code += library.renameFiles({{L"a", L"b"}, {L"c", L"d"}}) + library.deleteFiles({L"a", L"b"});
+  code += library.recoverFilesAs({{L"a", L"b"}, {name, {}, &entry}});
+  code += library.recoverFilesAs({{.member = name, .newName = L"c"}});
+  code += static_cast<int>(ZoPacker::memoryFor(5, ZoLibrary::kBest));
+  code += library.forEachEntry(visit, true, entry.ordinal) + library.forEachEntry(visit, true, 1);
+  code += packer.pack("abc", 3, packed, ZoLibrary::kStore, ZoLibrary::kBest);
+  code += static_cast<int>(zoCheckValue("abc", 3) + zoCheckValue("abc", sizeof entry, entry.crc));
+  code += packer.pack("abc", 'c', packed);                                  // error: the number of bytes
+  code += packer.pack("abc", 3, packed, ZoLibrary::kStore, true);           // error: the int level
+  code += static_cast<int>(ZoPacker::memoryFor('a'));                       // error: the number of bytes
+  code += static_cast<int>(ZoPacker::memoryFor(5, true));                   // error: then the int level
+  code += static_cast<int>(ZoPacker::memoryFor(5, 1.5));                    // error: then the int level
+  code += static_cast<int>(ZoPacker::memoryFor(5, ZoLibrary::kStore));      // error: then the int level
+  code += library.forEachEntry(visit, true, true);                          // error: the first one's ordinal
+  code += library.forEachEntry(visit, true, 1.5);                           // error: the first one's ordinal
+  code += library.forEachEntry(nullptr);                                    // error: a visitor
+  code += library.forEachEntry(nullptr, true, 1);                           // error: a visitor
+  code += library.forEachVersion(nullptr, visit);                           // error: a member's name
+  code += library.forEachVersion(L"x", nullptr);                            // error: a visitor
+  code += library.renameFiles({{L"a", nullptr}});                           // error: a member's name
+  code += library.recoverFilesAs({{nullptr, L"a"}});                        // error: a member's name
+  ZoLibRename().newName = nullptr;                                          // error: a member's name
+  code += library.open(nullptr);                                            // error: the library's name
+  code += library.open(nullptr, ZoFile::kReadWrite);                        // error: the library's name
+  code += library.getCFile(stream, nullptr);                                // error: a member's name
+  code += library.setCheckSum('a');                                         // error: a value of 64 bits
+  code += zoMemberName(L"x", nullptr).isEmpty();                            // error: the member's name
+  code += zoMemberName(nullptr, name).isEmpty();                            // error: the library's name
+  code += zoIsMemberName(nullptr);                                          // error: a name
+  code += static_cast<int>(zoCheckValue("abc", true));                      // error: NotNegative
+  code += static_cast<int>(zoCheckValue("abc", 1.5));                       // error: NotNegative
+  code += static_cast<int>(zoCheckValue("abc", -1));                        // error: negativeOrTooLarge
+  code += static_cast<int>(zoCheckValue(nullptr, 0, true));                 // error: NotNegative
   library.close();                                                          // error: nodiscard
   library.addFile(name, name);                                              // error: nodiscard
   library.getFile(file, name);                                              // error: nodiscard

@@ -14,7 +14,15 @@
 //          the name: its result is that of addFile. Only close() adds: what is cancelled, or
 //          destroyed without it (by an exception, an early return), is dropped.
 // Library  When it is closed its members answer like closed files, and what was written to them and
-//          not closed is dropped.
+//          not closed is dropped. So does one that is removed while it is open to be read: deleted
+//          physically, or left out by reorganize, on this thread or another. From then on read
+//          gives 0 as at the end, but a failure has a reason, which an end has not:
+//
+//            SetLastError(0);
+//            const unsigned int got = file.read(buffer, sizeof buffer);
+//            if (got == 0 && GetLastError() != 0) return failed();
+//
+//          isOpen() is false and size() -1. A member that stays is read on wherever it moves.
 //
 // Errors:  those of zo/files/file.h, and of zo/library/library.h where an entry or member is
 //          written.

@@ -24,7 +24,8 @@
 //          another writer kept the library for longer than the time-out; 1006 others have the file
 //          open that is to be replaced. A failure of the
 //          platform is to be had from the file-system service's errorTxt(). Nothing throws but
-//          std::bad_alloc, and then nothing is changed.
+//          std::bad_alloc, and then nothing is changed. What a visitor or a report throws passes
+//          through the call, which lets go of its lock.
 // Threads: any, also on one object: one call runs at a time in a process, and others wait for it,
 //          isOpen() and name() too; but nobody waits for an open() that waits for another writer,
 //          and hardly for who reads a member (extractFile, verify, getFile): that goes on beside
@@ -43,6 +44,7 @@
 #include <zo/files/file.h>
 #include <zo/library/library_entry.h>
 #include <zo/library/library_results.h>
+#include <zo/text/not_negative.h>
 
 #include <concepts>
 #include <cstddef>
@@ -105,6 +107,8 @@ class ZO_COM_API ZoLibrary {
     requires(std::is_floating_point_v<TimeOut>)
   int open(const ZoFileName&, int, ZoFile::CreationMode,
            TimeOut) = delete;  // whole milliseconds
+  template <class... Rest>
+  int open(std::nullptr_t, Rest...) = delete;  // the library's name
   // Members that are open as files are closed for good: they read and write nothing any more.
   [[nodiscard]] int close();
   [[nodiscard]] bool isOpen() const noexcept;
@@ -182,6 +186,8 @@ class ZO_COM_API ZoLibrary {
     requires(!ZoFile::kMayBe<Access, ZoFile::Access>)
   int getCFile(std::FILE**, const ZoFileName&, Access,
                compMode = kCompress) = delete;  // the access comes first, then the compMode
+  int getCFile(std::FILE**, std::nullptr_t, int = ZoFile::kRead,
+               compMode = kCompress) = delete;  // a member's name
 
   // ---- Members by entry ----
   // The same for the one member whose entry was listed: live or deleted, one of several of a name,
@@ -249,6 +255,10 @@ class ZO_COM_API ZoLibrary {
                                 std::size_t* refused = nullptr) {
     return renameFiles(std::span(renamings.begin(), renamings.size()), refused);
   }
+  [[nodiscard]] int recoverFilesAs(std::initializer_list<ZoLibRename> members,
+                                   std::size_t* refused = nullptr) {
+    return recoverFilesAs(std::span(members.begin(), members.size()), refused);
+  }
 
   // ---- What is there ----
   // Adds the names to the sequence, and the times of the last change and the sizes of the members
@@ -263,13 +273,16 @@ class ZO_COM_API ZoLibrary {
   // Visits all that the file says of its members, in its order and as it was at one instant; false
   // from the visitor ends it. Entries without a name are no members. No call on this library from
   // within. `first` is the ordinal of the first one that is visited: who takes a million of them a
-  // thousand at a time goes on behind the last one that he has.
+  // thousand at a time goes on behind the last one that he has. 1 for an ordinal that none can
+  // have, 0 or a negative one, and for an empty function.
   [[nodiscard]] int forEachEntry(const std::function<bool(const ZoLibEntry&)>& visit,
                                  bool withDeleted = false, std::uint64_t first = 1);
-  template <class WithDeleted>
-    requires(!std::same_as<WithDeleted, bool>)
+  template <class WithDeleted, class First = std::uint64_t>
+    requires(!std::same_as<WithDeleted, bool> || !zo::PlainInteger<First>)
   int forEachEntry(const std::function<bool(const ZoLibEntry&)>&, WithDeleted,
-                   std::uint64_t = 1) = delete;  // bool withDeleted
+                   First = 1) = delete;  // bool withDeleted, then the first one's ordinal
+  template <class... Rest>
+  int forEachEntry(std::nullptr_t, Rest...) = delete;  // a visitor
   // A live member's entry.
   [[nodiscard]] int getEntry(const ZoFileName& member, ZoLibEntry& entry);
   // The entry of a member, live or deleted, by its ordinal; 1 for a number that none has, such as 0
@@ -281,9 +294,13 @@ class ZO_COM_API ZoLibrary {
              std::is_floating_point_v<Which>)
   int getEntry(Which, ZoLibEntry&) = delete;  // a member's name, or its ordinal from 1
   // Visits all entries of one name, live and deleted, from the oldest to the newest: its versions.
-  // No call on this library from within.
+  // No call on this library from within. 1 for an empty function.
   [[nodiscard]] int forEachVersion(const ZoFileName& member,
                                    const std::function<bool(const ZoLibEntry&)>& visit);
+  template <class Visitor>
+  int forEachVersion(std::nullptr_t, const Visitor&) = delete;  // a member's name
+  template <class Member>
+  int forEachVersion(const Member&, std::nullptr_t) = delete;  // a visitor
   [[nodiscard]] bool contains(const ZoFileName& member);
   bool contains(std::nullptr_t) = delete;  // a member's name
 
@@ -298,7 +315,7 @@ class ZO_COM_API ZoLibrary {
   [[nodiscard]] std::uint64_t checkSum();
   [[nodiscard]] int setCheckSum(std::uint64_t value);
   template <class Value>
-    requires(std::same_as<Value, bool> || std::is_floating_point_v<Value>)
+    requires(std::is_floating_point_v<Value> || (std::integral<Value> && !zo::PlainInteger<Value>))
   int setCheckSum(Value) = delete;  // a value of 64 bits
   // Whether the file begins with a library's mark.
   [[nodiscard]] bool isLibrary();
@@ -312,8 +329,8 @@ class ZO_COM_API ZoLibrary {
   // finishes or undoes it; the members are those before or after it.
   [[nodiscard]] bool hasUnfinishedChange();
   // Reads a member as a whole: 0 when it is as it was added, 1000 when its check value is not that
-  // of its bytes, or its sizes differ that should not, 1 when it cannot be read. One without
-  // protection gives 0 when it can be read.
+  // of its bytes, or its sizes differ that should not, 1 when it cannot be read or is not the one
+  // that was listed. One without protection gives 0 when it can be read.
   [[nodiscard]] int verify(const ZoLibEntry& entry);
   // The same for many, each with a code of its own; answers the first that is not 0. Small members
   // that lie side by side are read at once, which for tiny ones takes a fraction of the time.

@@ -9,7 +9,9 @@
 #include <zo/files/file_time.h>
 #include <zo/names/file_name.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <utility>
 
 struct ZoLibEntry {
   // Bits of flags. They are part of the format: never renumber.
@@ -39,9 +41,24 @@ struct ZoLibEntry {
   [[nodiscard]] bool isDeleted() const noexcept { return (flags & kDeleted) != 0; }
 };
 
+namespace zo {
+
+// A file name that is there: a null pointer does not become one.
+struct GivenName : ZoFileName {
+  using ZoFileName::ZoFileName;
+  using ZoFileName::operator=;
+  GivenName() = default;
+  GivenName(const ZoFileName& name) noexcept : ZoFileName(name) {}
+  GivenName(ZoFileName&& name) noexcept : ZoFileName(std::move(name)) {}
+  GivenName(std::nullptr_t) = delete;  // a member's name; {} where an entry tells which it is
+  GivenName& operator=(std::nullptr_t) = delete;  // a member's name
+};
+
+}  // namespace zo
+
 // One of several members that get new names in one step.
 struct ZoLibRename {
-  ZoFileName member;
-  ZoFileName newName;
+  zo::GivenName member;
+  zo::GivenName newName;
   const ZoLibEntry* entry = nullptr;  // where given, the member is this one, whatever its name
 };

@@ -8,7 +8,11 @@
 //   return library.addFile(packed, L"bolts/m8.dwg");  // where the library is written
 //
 // Errors:  0, or 1: what was to be read or kept could not be, or the call was cancelled; the
-//          packed member is then empty. Nothing throws but std::bad_alloc.
+//          packed member is then empty. Nothing throws but std::bad_alloc, whatever a stream was
+//          asked to throw.
+// Memory   that is to be packed is taken for as large as it is said to be. Refused is only what
+//          cannot be true: null with a size, and a size that ends behind all memory of programs, as
+//          that of a negative number does.
 // Threads: an object is for one thread at a time; none takes the lock of the libraries. No thread
 //          is started.
 // Cost:    a packed member has up to 8 MiB of memory; what it holds beyond that is in a temporary
@@ -19,6 +23,7 @@
 #include <zo/files/file.h>
 #include <zo/files/file_time.h>
 #include <zo/library/library.h>
+#include <zo/text/not_negative.h>
 
 #include <concepts>
 #include <cstddef>
@@ -68,8 +73,8 @@ class ZO_COM_API ZoPacker {
   ~ZoPacker();
 
   // Packs a file; what is left of a file object or of a stream in binary mode, from its position
-  // on; bytes in memory (1 for null with a size, and for a size that no memory has, as a negative
-  // number becomes). `mode` and `level` as in ZoLibrary::addFile. What `packed` held is dropped.
+  // on; bytes in memory. A stream keeps its exceptions() and has the state of one that was read to
+  // its end, or failed. `mode` and `level` as in ZoLibrary::addFile. What `packed` held is dropped.
   [[nodiscard]] int pack(const ZoFileName& source, ZoPackedMember& packed,
                          ZoLibrary::compMode mode = ZoLibrary::kCompress,
                          int level = ZoLibrary::kNormal);
@@ -84,10 +89,10 @@ class ZO_COM_API ZoPacker {
                          int level = ZoLibrary::kNormal);
   int pack(std::nullptr_t, ZoPackedMember&, ZoLibrary::compMode = ZoLibrary::kCompress,
            int = ZoLibrary::kNormal) = delete;  // a source
-  template <class Size>
-    requires(std::same_as<Size, bool> || std::is_floating_point_v<Size>)
+  template <class Size, class Level = int>
+    requires(!zo::PlainInteger<Size> || !std::same_as<Level, int>)
   int pack(const void*, Size, ZoPackedMember&, ZoLibrary::compMode = ZoLibrary::kCompress,
-           int = ZoLibrary::kNormal) = delete;  // the number of bytes
+           Level = 0) = delete;  // the number of bytes; at the end the int level
   template <class Source, class Mode, class Level = int>
     requires(!std::same_as<Mode, ZoLibrary::compMode> || !std::same_as<Level, int>)
   int pack(Source&&, ZoPackedMember&, Mode,
@@ -101,9 +106,10 @@ class ZO_COM_API ZoPacker {
   // 64 KiB (kFast), 32 MiB (kNormal) or 256 MiB (kBest), and 12 MiB.
   [[nodiscard]] static std::uint64_t memoryFor(std::uint64_t size,
                                                int level = ZoLibrary::kNormal) noexcept;
-  template <class Size>
-    requires(std::same_as<Size, bool> || std::is_floating_point_v<Size>)
-  static std::uint64_t memoryFor(Size, int = ZoLibrary::kNormal) = delete;  // the number of bytes
+  template <class Size, class Level = int>
+    requires(!zo::PlainInteger<Size> || !std::same_as<Level, int>)
+  static std::uint64_t memoryFor(Size,
+                                 Level = 0) = delete;  // the number of bytes, then the int level
 
  private:
   int packFrom(zo::MemberSource& source, ZoPackedMember& packed, ZoLibrary::compMode mode,

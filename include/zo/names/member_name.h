@@ -22,6 +22,8 @@
 #include <zo/config.h>
 #include <zo/names/file_name.h>
 
+#include <cstddef>
+
 struct ZoMemberName {
   ZoFileName library;
   ZoFileName member;
@@ -29,9 +31,15 @@ struct ZoMemberName {
 
 // Whether the name is in the notation, be it right or wrong.
 [[nodiscard]] ZO_COM_API bool zoIsMemberName(const ZoFileName& name) noexcept;
+bool zoIsMemberName(std::nullptr_t) = delete;  // a name
 // Splits it. A library below a macro has the macro's value where that is known.
 [[nodiscard]] ZO_COM_API int zoSplitMemberName(const ZoFileName& name, ZoMemberName& parts);
+int zoSplitMemberName(std::nullptr_t, ZoMemberName&) = delete;  // a name
 // The name of both, which zoSplitMemberName splits again into the same texts; an empty one where
 // none does, as for some texts with quotes.
 [[nodiscard]] ZO_COM_API ZoFileName zoMemberName(const ZoFileName& library,
                                                  const ZoFileName& member);
+template <class Member>
+ZoFileName zoMemberName(std::nullptr_t, const Member&) = delete;  // the library's name
+template <class Library>
+ZoFileName zoMemberName(const Library&, std::nullptr_t) = delete;  // the member's name

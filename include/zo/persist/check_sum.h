@@ -12,9 +12,9 @@
 // The form with 64 bits is for what has room for no more, like the value that a library keeps
 // (ZoLibrary::setCheckSum): the sum's first eight bytes, the lowest first.
 //
-// Errors:  0; 1 when the platform refused, a pointer is null with a size, a size is that of a
-//          negative number, a key has 4 GiB or more,
-//          or nothing was begun; and for files as said there. A sum that was to be filled then
+// Errors:  0; 1 when the platform refused, a pointer is null with a size, a size ends behind
+//          all memory of programs (any other is taken for true), a key has 4 GiB or more, or
+//          nothing was begun; and for files as said there. A sum that was to be filled then
 //          stays as it was. Nothing throws but std::bad_alloc.
 // Threads: one per object.
 // Cost:    what the platform takes: 2 us for a short text, and some hundred MB a second.
