@@ -278,6 +278,22 @@ TEST_F(Choices, APrinterThatIsGoneGivesWayToTheDefaultOne) {
   EXPECT_EQ(page.printer().name, print.printer().name);
 }
 
+TEST_F(Choices, CopiesAreTheDialogsWhateverTheSettingsSay) {
+  zo::test::Printers printers;
+  printers.add();
+  ZoPrintDialog print;
+  for (const unsigned copies : {7u, 3u, 9999u}) {
+    EXPECT_EQ(print.setCopies(copies), 0);
+    EXPECT_EQ(show(print, IDOK), 0);
+    EXPECT_EQ(print.copies(), copies);
+    ZoPrinter printer = print.printer();
+    DEVMODEW& settings = *reinterpret_cast<DEVMODEW*>(printer.settings.data());
+    EXPECT_EQ(settings.dmCopies, 1) << "who prints makes them";
+    settings.dmCopies = 4;
+    print.setPrinter(printer);
+  }
+}
+
 TEST_F(Choices, PagesPapersAndMarginsAreChecked) {
   ZoPrintDialog print;
   EXPECT_EQ(print.setPages(2, 1), ZoResult::refused);

@@ -42,7 +42,8 @@ class ZO_COM_API ZoPrintDialog : public ZoDialog {
   [[nodiscard]] unsigned int fromPage() const noexcept { return from_; }
   [[nodiscard]] unsigned int toPage() const noexcept { return to_; }
 
-  // From 1 to 9999.
+  // From 1 to 9999, whatever the printer's settings say; those that the dialog gives back are for
+  // one, since who prints makes the copies.
   [[nodiscard]] int setCopies(zo::NotNegative<unsigned int> copies) noexcept;
   [[nodiscard]] unsigned int copies() const noexcept { return copies_; }
   void setCollated(bool collated) noexcept { collated_ = collated; }
