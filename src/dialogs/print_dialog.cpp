@@ -46,6 +46,7 @@ void ZoPrintDialog::setSelection(bool offered) noexcept {
 
 int ZoPrintDialog::setRange(Range range, zo::NotNegative<unsigned int> from,
                             zo::NotNegative<unsigned int> to) noexcept {
+  if (range < kAll || range > kPages) return ZoResult::refused;
   if (range == kSelection && !selection_) return ZoResult::refused;
   if (range == kPages && (first_ == 0 || from < first_ || from > to || to > last_))
     return ZoResult::refused;
@@ -78,8 +79,8 @@ int ZoPrintDialog::run(HWND__* owner) {
     request.lpfnPrintHook = &zo::ShownHook::proc;
   });
   if (error != ERROR_SUCCESS) return failed(error);
-  const bool isPages = (request.Flags & PD_PAGENUMS) != 0;
   setOneCopy(printer_.settings);
+  const bool isPages = (request.Flags & PD_PAGENUMS) != 0;
   range_ = isPages ? kPages : (request.Flags & PD_SELECTION) != 0 ? kSelection : kAll;
   from_ = isPages ? request.nFromPage : 0;
   to_ = isPages ? request.nToPage : 0;

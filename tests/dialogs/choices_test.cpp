@@ -80,6 +80,8 @@ TEST_F(Choices, ButtonsAreThoseOfTheBox) {
   EXPECT_EQ(task.addButton(100, L"b"), ZoResult::refused);
   EXPECT_EQ(task.setDefault(101), ZoResult::refused);
   EXPECT_EQ(task.setButton(ZoMessageBox::kOkButton), ZoResult::refused);
+  task.setTick(L"", true);
+  EXPECT_FALSE(task.isTicked());
 }
 
 TEST_F(Choices, AMessageBoxTakesATaskDialogsPlace) {
@@ -95,6 +97,13 @@ TEST_F(Choices, AMessageBoxTakesATaskDialogsPlace) {
   EXPECT_TRUE(shows(L"Yes: Replace\n\nNo: Keep"));
   EXPECT_EQ(task.button(), 101);
   EXPECT_EQ(show(task, IDCANCEL), ZoResult::cancelled);
+  const auto enter = [&](int number) {
+    EXPECT_EQ(task.setDefault(number), 0);
+    const DialogUser user([](HWND box) { PostMessageW(box, WM_KEYDOWN, VK_RETURN, 0); });
+    return task.show();
+  };
+  EXPECT_EQ(enter(ZoMessageBox::kCancel), ZoResult::cancelled);
+  EXPECT_EQ(enter(101) + task.button(), 101);
   EXPECT_EQ(task.addButton(102, L"More"), 0);
   EXPECT_EQ(task.show(), ZoResult::notShown);
   ZoMessageBox box(L"Always");
@@ -296,6 +305,8 @@ TEST_F(Choices, CopiesAreTheDialogsWhateverTheSettingsSay) {
 
 TEST_F(Choices, PagesPapersAndMarginsAreChecked) {
   ZoPrintDialog print;
+  for (const int odd : {-1, 3, 7})
+    EXPECT_EQ(print.setRange(static_cast<ZoPrintDialog::Range>(odd)), ZoResult::refused);
   EXPECT_EQ(print.setPages(2, 1), ZoResult::refused);
   EXPECT_EQ(print.setPages(0, 1), ZoResult::refused);
   EXPECT_EQ(print.setPages(1, 65536), ZoResult::refused);
