@@ -303,6 +303,32 @@ TEST_F(Choices, CopiesAreTheDialogsWhateverTheSettingsSay) {
   }
 }
 
+TEST_F(Choices, WhatIsLeftAsItIsShownStaysAsItWasSet) {
+  zo::test::Printers printers;
+  printers.add();
+  for (const double points : {10.5, 0.0, 12.0}) {
+    ZoFontDialog font(ZoFont{L"", points});
+    EXPECT_EQ(show(font, IDOK), 0);
+    EXPECT_EQ(font.font().points, points);
+  }
+  ZoFontDialog font(ZoFont{L"", 10.5});
+  const DialogUser user([](HWND window) {
+    constexpr int kSize = 0x472;
+    SendDlgItemMessageW(window, kSize, CB_SELECTSTRING, 0, reinterpret_cast<LPARAM>(L"20"));
+    SendMessageW(window, WM_COMMAND, MAKEWPARAM(kSize, CBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(GetDlgItem(window, kSize)));
+    DialogUser::press(window, IDOK);
+  });
+  EXPECT_EQ(font.show(), 0);
+  EXPECT_EQ(font.font().points, 20);
+  for (const auto& [width, height] : {std::pair(210, 297), std::pair(297, 210)}) {
+    ZoPageSetupDialog page;
+    EXPECT_EQ(page.setPaper(width, height), 0);
+    EXPECT_EQ(show(page, IDOK), 0);
+    EXPECT_TRUE(page.width().asReal() == width && page.height().asReal() == height);
+  }
+}
+
 TEST_F(Choices, PagesPapersAndMarginsAreChecked) {
   ZoPrintDialog print;
   for (const int odd : {-1, 3, 7})
