@@ -329,6 +329,27 @@ TEST_F(Choices, WhatIsLeftAsItIsShownStaysAsItWasSet) {
   }
 }
 
+TEST_F(Choices, ANameToSaveGetsNoWildcardAsItsExtension) {
+  const std::pair<const wchar_t*, const wchar_t*> cases[] = {
+      {L"*.t?t", L"new"}, {L"*.?;*.txt", L"new"}, {L"*.*", L"new"}, {L"*.t;*.?", L"new.t"}};
+  for (const DWORD kind : {COINIT_APARTMENTTHREADED, COINIT_MULTITHREADED})
+    zo::test::inOtherThread([&] {
+      EXPECT_EQ(CoInitializeEx(nullptr, kind), S_OK);
+      for (const auto& [patterns, wanted] : cases) {
+        ZoFileDialog dialog(ZoFileDialog::kSave);
+        dialog.setFolder(ZoFileName(folder() + L"\\"));
+        EXPECT_EQ(dialog.addFilter(L"", patterns), 0);
+        const DialogUser user([](HWND window) {
+          DialogUser::typeName(window, L"new");
+          DialogUser::press(window, IDOK);
+        });
+        EXPECT_EQ(dialog.show(), 0);
+        EXPECT_STREQ(dialog.file().fileNameExt(), wanted) << patterns;
+      }
+      CoUninitialize();
+    });
+}
+
 TEST_F(Choices, PagesPapersAndMarginsAreChecked) {
   ZoPrintDialog print;
   for (const int odd : {-1, 3, 7})
