@@ -13,7 +13,8 @@
 // Errors:  show() gives 0 when the user has taken the value. ZoResult::cancelled: the value is as
 //          it was. ZoResult::notShown: the platform refused, because there is no display or for
 //          another reason that errorTxt() tells. ZoResult::noOwner: the owner is no window, or none
-//          any more. Nothing throws but std::bad_alloc, and what an answer throws.
+//          any more, also because it went while the user was thinking; the value is as it was.
+//          Nothing throws but std::bad_alloc, and what an answer throws.
 // Threads: one thread at a time per dialog; several threads may show one each.
 #pragma once
 
