@@ -45,6 +45,7 @@ int ZoDialog::show(HWND__* owner) {
   error_ = ZoString();
   if (const auto answer = currentAnswer()) {
     const int code = (*answer)(*this);
+    if (code == ZoResult::ok && !hasValue()) return ZoResult::refused;
     if (code != ZoDialogs::kAsk) return code;
   }
   if (owner && !IsWindow(owner)) return ZoResult::noOwner;
@@ -54,6 +55,8 @@ int ZoDialog::show(HWND__* owner) {
   error_ = ZoString();  // what the platforms say of it differs from dialog to dialog
   return ZoResult::noOwner;
 }
+
+bool ZoDialog::hasValue() const noexcept { return true; }
 
 int ZoDialog::failed(unsigned long error) {
   error = zo::systemErrorOf(error);

@@ -253,6 +253,22 @@ TEST_P(EveryDialog, IsAnsweredWithoutAUser) {
 }
 
 using OneDialog = zo::test::DialogTest;
+TEST_F(OneDialog, IsNotTakenByAnAnswerWhereThereIsNothingToTake) {
+  ZoMessageBox box(L"?");
+  ZoTaskDialog task(L"?");
+  ZoFileDialog files;
+  ZoFolderDialog folder;
+  ZoColorDialog color;
+  files.setFiles({ZoFileName()});
+  ZoDialogs::setAnswer([](ZoDialog&) { return ZoResult::ok; });
+  for (ZoDialog* const dialog : std::initializer_list<ZoDialog*>{&box, &task, &files, &folder})
+    EXPECT_EQ(dialog->show(), ZoResult::refused) << typeid(*dialog).name();
+  EXPECT_EQ(color.show(), ZoResult::ok);
+  files.setFile(L"C:\\a.val");
+  EXPECT_EQ(files.show(), ZoResult::ok);
+  ZoDialogs::setAnswer({});
+}
+
 // As platforms say it: a system error, or an HRESULT that has one within.
 TEST_F(OneDialog, ErrorsAreTheSameInBothForms) {
   struct Failing final : ZoDialog {

@@ -61,6 +61,8 @@ class ZO_COM_API ZoDialog {
   // What show() gives for a system error or an HRESULT: cancelled, noPrinter, or notShown, whose
   // reason is kept.
   int failed(unsigned long error);
+  // Whether there is a value that an answer can say was taken; true unless a dialog says otherwise.
+  [[nodiscard]] virtual bool hasValue() const noexcept;
 
  private:
   ZoString title_;
@@ -74,7 +76,10 @@ class ZO_COM_API ZoDialogs {
   // An answer that leaves the dialog to the user.
   static constexpr int kAsk = -1;
   // Sets the dialog's value as the user would, and answers what show() shall give; what it sets
-  // stays, whatever it answers. It sees which dialog it is by dynamic_cast.
+  // stays, whatever it answers. It sees which dialog it is by dynamic_cast. Where it answers 0 and
+  // there is nothing to be taken, no button, file or folder, show() gives ZoResult::refused. It is
+  // asked first of all, also with an owner that is none any more, and nothing that it sets is kept
+  // in the settings of remember().
   using Answer = std::function<int(ZoDialog&)>;
 
   // From now on all dialogs of the process, on any thread, ask this first, and several threads may

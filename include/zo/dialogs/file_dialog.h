@@ -73,6 +73,9 @@ class ZO_COM_API ZoFileDialog : public ZoDialog {
 
  protected:
   int run(HWND__* owner) override;
+  [[nodiscard]] bool hasValue() const noexcept override {
+    return !files_.empty() && !files_.front().isEmpty();
+  }
 
  private:
   [[nodiscard]] int ask(zo::ItemDialogRequest& request, std::vector<ZoFileName>& files,
