@@ -65,8 +65,9 @@ class ZO_COM_API ZoPrintDialog : public ZoDialog {
   bool selection_ = false, collated_ = false, toFile_ = false;
 };
 
-// Sizes are lengths: reals of code Length, in mm, rounded to the platform's hundredths. A paper that
-// the user leaves as it is stays as it was set, although drivers round its sides by up to 0.5 mm.
+// Sizes are lengths: reals of code Length, in mm, rounded to the platform's hundredths. A paper
+// that the user leaves as it is stays as it was set, although drivers round its sides by up to
+// 0.5 mm.
 class ZO_COM_API ZoPageSetupDialog : public ZoDialog {
  public:
   struct Margins {
