@@ -30,9 +30,7 @@ std::shared_ptr<const ZoDialogs::Answer> currentAnswer() {
 // No caller gave the handle that the platform complains of: it is of the window that was not made.
 // Where there is no display it may name no reason at all.
 ZoString reasonOf(unsigned long error) {
-  constexpr auto kNoWindow = static_cast<unsigned long>(ERROR_INVALID_WINDOW_HANDLE);
-  if (error == ERROR_SUCCESS || error == kNoWindow ||
-      error == static_cast<unsigned long>(HRESULT_FROM_WIN32(kNoWindow)))
+  if (error == ERROR_SUCCESS || error == ERROR_INVALID_WINDOW_HANDLE)
     return ZoString(zo::dialogText(zo::DialogText::noWindow));
   ZoString text(zo::errorText(error));
   text.strip(ZoString::trailing, L" \r\n");
@@ -47,13 +45,21 @@ int ZoDialog::show(HWND__* owner) {
   error_ = ZoString();
   if (const auto answer = currentAnswer()) {
     const int code = (*answer)(*this);
+    if (code == ZoResult::ok && !hasValue()) return ZoResult::refused;
     if (code != ZoDialogs::kAsk) return code;
   }
   if (owner && !IsWindow(owner)) return ZoResult::noOwner;
-  return run(owner ? owner : ZoDialogs::owner());
+  if (!owner) owner = ZoDialogs::owner();
+  const int code = run(owner);
+  if (code == ZoResult::ok || !owner || IsWindow(owner)) return code;
+  error_ = ZoString();  // what the platforms say of it differs from dialog to dialog
+  return ZoResult::noOwner;
 }
 
+bool ZoDialog::hasValue() const noexcept { return true; }
+
 int ZoDialog::failed(unsigned long error) {
+  error = zo::systemErrorOf(error);
   if (error == ERROR_CANCELLED) return ZoResult::cancelled;
   if (error == ERROR_PRINTER_NOT_FOUND || error == ERROR_INVALID_PRINTER_NAME)
     return ZoResult::noPrinter;

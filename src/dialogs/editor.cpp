@@ -96,6 +96,7 @@ HWND zo::Editor::onStart() {
   list_ = item(kEditorList);
   field_.start(item(kEditorField));
   SendMessageW(list_, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
+  fitIntoScreen();
   restorePlace(key_, window());
   restoreWidths();
   tree_.start(item(kEditorTree));

@@ -262,7 +262,7 @@ ZoString zo::Editor::takeNew(const ZoString& name, ZoVariant value) {
   const ZoVariant& container = *edits_.value().find(chosen_.view());
   if (container.asSequence()) {
     const std::optional<EditorRows::Row> row = rows_.at(selected());
-    const unsigned int position = row && row->value
+    const unsigned int position = row && row->value && !row->path.isEmpty()
                                       ? std::stoul(std::wstring(lastStepOf(row->path.view()))) + 1
                                       : container.entries();
     return outcome(edits_.insert(chosen_.view(), position, std::move(value)));

@@ -13,11 +13,25 @@ void walkUp(std::wstring_view path, Visit visit) {
   }
 }
 
+bool areLikeContainers(const ZoVariant& a, const ZoVariant& b) noexcept {
+  return a.type() == b.type() && (a.asDict() || a.asSequence());
+}
+
+// In reports these stand without their elements.
+bool isOfHeads(const ZoVariantChange& change) {
+  return areLikeContainers(change.before, change.after) && change.before.entries() == 0 &&
+         change.after.entries() == 0;
+}
+
 }  // namespace
 
 // The edited one is the report's older one: so all paths but those of what is missing are its own.
 zo::EditorDifferences::EditorDifferences(const ZoVariant& edited, const ZoVariant& other)
-    : report_(edited, other) {
+    : report_(edited, other),
+      whole_(report_.isEmpty()                                                  ? kSame
+             : !areLikeContainers(edited, other)                                ? kOtherKind
+             : edited.code() != other.code() || edited.flags() != other.flags() ? kOtherHead
+                                                                                : kSame) {
   for (const ZoVariantChange& change : report_.changes()) {
     const std::wstring_view path = change.path.view();
     if (change.kind == ZoVariantChange::kAdded)
@@ -33,16 +47,25 @@ bool zo::EditorDifferences::isShown(const ZoString& path) const {
   if (ways_.contains(own) || changes_.contains(std::wstring(own))) return true;
   bool isInside = false;
   walkUp(own, [&](std::wstring_view outer) {
-    const auto found = changes_.find(std::wstring(outer));
-    isInside = found != changes_.end() && found->second->kind == ZoVariantChange::kRemoved;
+    isInside = holdsAll(std::wstring(outer));
     return !isInside;
   });
   return isInside;
 }
 
+// Whether all that is in the element differs: the other one has nothing there, or nothing of the
+// kind. The path of the whole is also that of an entry with an empty key.
+bool zo::EditorDifferences::holdsAll(const std::wstring& outer) const {
+  if (outer.empty()) return whole_ == kOtherKind;
+  const auto found = changes_.find(outer);
+  return found != changes_.end() && !isOfHeads(*found->second);
+}
+
 const ZoVariant* zo::EditorDifferences::other(const ZoString& path) const {
   const auto found = changes_.find(std::wstring(path.view()));
-  const bool isThere = found != changes_.end() && found->second->kind == ZoVariantChange::kChanged;
+  const bool isThere = found != changes_.end() &&
+                       found->second->kind == ZoVariantChange::kChanged &&
+                       !isOfHeads(*found->second);
   return isThere ? &found->second->after : nullptr;
 }
 

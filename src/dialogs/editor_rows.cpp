@@ -18,9 +18,9 @@ zo::EditorRows::EditorRows(const ZoVariantEdits& edits, const ZoString& containe
       return !differences || differences->isShown(element.path(container));
     });
     if (differences) missing_ = differences->missing(container);
-  } else {
-    elements_.push_back({{}, chosen_, 0, false});
   }
+  if (isWhole() || (container.isEmpty() && differences && differences->isWholeChanged()))
+    elements_.insert(elements_.begin(), {{}, chosen_, 0, false});
 }
 
 bool zo::EditorRows::isWhole() const noexcept {
@@ -43,7 +43,7 @@ const ZoVariantChange* zo::EditorRows::missing(int index) const noexcept {
 
 std::optional<zo::EditorRows::Row> zo::EditorRows::at(int index) const {
   if (const SeenElement* const element = seen(index)) {
-    ZoString path = isWhole() ? container_ : element->path(container_);
+    ZoString path = element->value == chosen_ ? container_ : element->path(container_);
     const ZoVariant* const other = differences_ ? differences_->other(path) : nullptr;
     return Row{std::move(path), nameOf(index), element->value, other};
   }
@@ -53,8 +53,9 @@ std::optional<zo::EditorRows::Row> zo::EditorRows::at(int index) const {
 }
 
 ZoString zo::EditorRows::nameOf(int index) const {
-  if (isWhole()) return ZoString(dialogText(DialogText::wholeValue));
-  if (const SeenElement* const element = seen(index)) return element->name();
+  if (const SeenElement* const element = seen(index))
+    return element->value == chosen_ ? ZoString(dialogText(DialogText::wholeValue))
+                                     : element->name();
   return stepName(*chosen_, lastStepOf(missing(index)->path.view()));
 }
 

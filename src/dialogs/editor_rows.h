@@ -22,9 +22,10 @@ class EditorRows {
     const ZoVariant* other;  // null for what only the edited one has
   };
 
-  // All elements, or those that differ. Valid until the next edit of more than one value in its
-  // place, and as long as the differences are there. Texts are made for what is asked for: of
-  // 100,000 elements only those on the screen have any.
+  // All elements, or those that differ; in front of these the whole value, where it differs itself.
+  // Valid until the next edit of more than one value in its place, and as long as the differences
+  // are there. Texts are made for what is asked for: of 100,000 elements only those on the screen
+  // have any.
   EditorRows() = default;
   EditorRows(const ZoVariantEdits& edits, const ZoString& container,
              const EditorDifferences* differences);
@@ -49,7 +50,7 @@ class EditorRows {
   const ZoVariant* chosen_ = nullptr;
   ZoString container_;
   const EditorDifferences* differences_ = nullptr;
-  std::vector<SeenElement> elements_;  // or the one that is no container
+  std::vector<SeenElement> elements_;  // and the chosen one itself, where it has a row
   std::span<const ZoVariantChange* const> missing_;
 };
 

@@ -32,14 +32,22 @@ std::wstring cleaned(std::wstring_view patterns) {
   return clean;
 }
 
-// That of the first pattern, "val" of "*.val"; none where a wildcard stands in it.
-std::wstring extensionOf(std::wstring_view patterns) {
+// What stands behind the last dot of the first pattern.
+std::wstring_view endOf(std::wstring_view patterns) noexcept {
   patterns = patterns.substr(0, patterns.find(L';'));
   const size_t dot = patterns.rfind(L'.');
-  if (dot == std::wstring_view::npos) return {};
-  const std::wstring_view extension = patterns.substr(dot + 1);
-  return std::wstring(extension.find_first_of(L"*?") == std::wstring_view::npos ? extension : L"");
+  return dot == std::wstring_view::npos ? std::wstring_view() : patterns.substr(dot + 1);
 }
+
+// "val" of "*.val"; none where a wildcard stands in it.
+std::wstring extensionOf(std::wstring_view patterns) {
+  const std::wstring_view end = endOf(patterns);
+  return std::wstring(end.find_first_of(L"*?") == std::wstring_view::npos ? end : L"");
+}
+
+// In front of a pattern whose end has a question mark, which some platforms would give a name to
+// save as its extension. It fits no file, and its own end is given to none.
+constexpr const wchar_t* kGivesNoExtension = L"|.*;";
 
 ItemDialogRequest::Kind kindOf(ZoFileDialog::Kind kind) {
   switch (kind) {
@@ -108,9 +116,12 @@ int ZoFileDialog::run(HWND__* owner) {
   const ZoFileName first = zo::fileOnDisk(file());
   request.kind = kindOf(kind_);
   request.title = title().view();
-  for (const Filter& filter : filters_)
+  for (const Filter& filter : filters_) {
     request.filters.push_back(
         {std::wstring(filter.name.view()), std::wstring(filter.patterns.view())});
+    if (kind_ == kSave && endOf(filter.patterns.view()).find(L'?') != std::wstring_view::npos)
+      request.filters.back().patterns.insert(0, kGivesNoExtension);
+  }
   request.filter = filter_;
   if (!filters_.empty()) request.extension = extensionOf(filters_[filter_].patterns.view());
   request.name = first.fileNameExt();

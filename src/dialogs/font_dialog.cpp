@@ -1,8 +1,12 @@
 #include <windows.h>
+
+#include <dlgs.h>
 #include <zo/dialogs/font_dialog.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cwchar>
+#include <string>
 #include <string_view>
 
 #include "platform/common_dialog.h"
@@ -34,11 +38,17 @@ LOGFONTW platformFont(const ZoFont& font) {
   return platform;
 }
 
+// The size that the dialog shows, in tenths of a point; 0 for what is no number.
+long shownSize(std::wstring text) noexcept {
+  std::ranges::replace(text, L',', L'.');
+  return std::lround(std::wcstod(text.c_str(), nullptr) * 10);
+}
+
 }  // namespace
 
 int ZoFontDialog::run(HWND__* owner) {
   LOGFONTW font = platformFont(font_);  // a copy: it is written to even when the user cancels
-  const zo::ShownHook hook(std::wstring(title().view()));
+  const zo::ShownHook hook(std::wstring(title().view()), cmb3);
   CHOOSEFONTW request = {};
   request.lStructSize = sizeof request;
   request.hwndOwner = owner;
@@ -47,7 +57,13 @@ int ZoFontDialog::run(HWND__* owner) {
   request.lpfnHook = &zo::ShownHook::proc;
   const unsigned long error = ZO_COMMON_DIALOG(ChooseFontW, request, hook);
   if (error != ERROR_SUCCESS) return failed(error);
-  font_ = ZoFont{ZoString(font.lfFaceName), request.iPointSize / 10.0, font.lfWeight,
-                 font.lfItalic != 0,        font.lfUnderline != 0,     font.lfStrikeOut != 0};
+  const bool isKept = request.iPointSize == shownSize(hook.firstText()) && font_.points >= 0 &&
+                      font_.points <= kLargest;
+  font_ = ZoFont{ZoString(font.lfFaceName),
+                 isKept ? font_.points : request.iPointSize / 10.0,
+                 font.lfWeight,
+                 font.lfItalic != 0,
+                 font.lfUnderline != 0,
+                 font.lfStrikeOut != 0};
   return ZoResult::ok;
 }

@@ -38,6 +38,11 @@ bool leavesPaper(LONG width, LONG height, const RECT& margins) noexcept {
   return margins.left + margins.right < width && margins.top + margins.bottom < height;
 }
 
+// Whether they are the same paper: drivers round.
+bool isLike(POINT paper, POINT other) noexcept {
+  return std::abs(paper.x - other.x) <= kUnits / 2 && std::abs(paper.y - other.y) <= kUnits / 2;
+}
+
 // Papers that drivers know by number; width and height upright, in hundredths of a mm.
 constexpr struct {
   short number;
@@ -55,8 +60,7 @@ void setPaperOf(DEVMODEW& settings, LONG width, LONG height) noexcept {
   settings.dmFields |= DM_ORIENTATION | DM_PAPERSIZE;
   settings.dmOrientation = lies ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
   for (const auto& paper : kPapers) {
-    if (std::abs(paper.width - width) > kUnits / 2 || std::abs(paper.height - height) > kUnits / 2)
-      continue;
+    if (!isLike({paper.width, paper.height}, {width, height})) continue;
     settings.dmPaperSize = paper.number;
     settings.dmFields &= ~static_cast<DWORD>(DM_PAPERWIDTH | DM_PAPERLENGTH);
     return;
@@ -123,8 +127,10 @@ int ZoPageSetupDialog::run(HWND__* owner) {
     request.lpfnPageSetupHook = &zo::ShownHook::proc;
   });
   if (error != ERROR_SUCCESS) return failed(error);
-  width_ = fromUnits(request.ptPaperSize.x);
-  height_ = fromUnits(request.ptPaperSize.y);
+  if (!isLike(request.ptPaperSize, {toUnits(width_), toUnits(height_)})) {
+    width_ = fromUnits(request.ptPaperSize.x);
+    height_ = fromUnits(request.ptPaperSize.y);
+  }
   margins_ = fromUnits(request.rtMargin);
   return ZoResult::ok;
 }

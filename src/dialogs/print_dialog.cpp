@@ -1,5 +1,7 @@
 #include <zo/dialogs/print_dialog.h>
 
+#include <cstring>
+
 #include "dialogs/printer_memory.h"
 
 namespace {
@@ -11,6 +13,19 @@ DWORD flagOf(ZoPrintDialog::Range range) noexcept {
   return range == ZoPrintDialog::kPages       ? PD_PAGENUMS
          : range == ZoPrintDialog::kSelection ? PD_SELECTION
                                               : PD_ALLPAGES;
+}
+
+// The dialog takes the number of copies from the driver's settings, where there are some.
+void setCopiesOf(DEVMODEW& settings, unsigned int copies) noexcept {
+  settings.dmFields |= DM_COPIES;
+  settings.dmCopies = static_cast<short>(copies);
+}
+
+// Who prints makes the copies: were they in the settings, too, each would come as often again.
+void setOneCopy(std::vector<unsigned char>& settings) noexcept {
+  constexpr short kOne = 1;
+  if (settings.size() >= sizeof(DEVMODEW))
+    std::memcpy(settings.data() + offsetof(DEVMODEW, dmCopies), &kOne, sizeof kOne);
 }
 
 }  // namespace
@@ -31,6 +46,7 @@ void ZoPrintDialog::setSelection(bool offered) noexcept {
 
 int ZoPrintDialog::setRange(Range range, zo::NotNegative<unsigned int> from,
                             zo::NotNegative<unsigned int> to) noexcept {
+  if (range < kAll || range > kPages) return ZoResult::refused;
   if (range == kSelection && !selection_) return ZoResult::refused;
   if (range == kPages && (first_ == 0 || from < first_ || from > to || to > last_))
     return ZoResult::refused;
@@ -50,7 +66,8 @@ int ZoPrintDialog::run(HWND__* owner) {
   PRINTDLGW request = {};
   zo::PrinterDialog dialog{zo::systemFunction<decltype(PrintDlgW)>(L"comdlg32.dll", "PrintDlgW"),
                            title(), owner, printer_};
-  const unsigned long error = dialog.ask(request, [&](zo::PrinterMemory&) {
+  const unsigned long error = dialog.ask(request, [&](zo::PrinterMemory& memory) {
+    memory.change([this](DEVMODEW& settings) { setCopiesOf(settings, copies_); });
     request.Flags = flagOf(range_) | (selection_ ? 0 : PD_NOSELECTION) |
                     (last_ ? 0 : PD_NOPAGENUMS) | (collated_ ? PD_COLLATE : 0) |
                     (toFile_ ? PD_PRINTTOFILE : 0) | PD_NOWARNING | PD_ENABLEPRINTHOOK;
@@ -62,6 +79,7 @@ int ZoPrintDialog::run(HWND__* owner) {
     request.lpfnPrintHook = &zo::ShownHook::proc;
   });
   if (error != ERROR_SUCCESS) return failed(error);
+  setOneCopy(printer_.settings);
   const bool isPages = (request.Flags & PD_PAGENUMS) != 0;
   range_ = isPages ? kPages : (request.Flags & PD_SELECTION) != 0 ? kSelection : kAll;
   from_ = isPages ? request.nFromPage : 0;

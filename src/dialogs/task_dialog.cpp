@@ -86,7 +86,7 @@ int ZoTaskDialog::setButton(int number) noexcept {
 
 void ZoTaskDialog::setTick(zo::TextParameter text, bool ticked) {
   tick_ = text;
-  ticked_ = ticked;
+  ticked_ = ticked && !tick_.isEmpty();
 }
 
 int ZoTaskDialog::run(HWND__* owner) {
@@ -132,9 +132,12 @@ int ZoTaskDialog::runAsBox(HWND__* owner) {
     add(buttons_[0].text);
   }
   constexpr std::array kStyles{MB_OK, MB_OKCANCEL, MB_YESNOCANCEL};
-  const UINT second = buttons_.size() == 2 && default_ == buttons_[1].number ? MB_DEFBUTTON2 : 0;
+  const auto chosen = std::ranges::find(buttons_, default_, &Choice::number) - buttons_.begin();
+  const auto place =
+      chosen < std::ssize(buttons_) || default_ == ZoMessageBox::kCancel ? chosen : 0;
   const int pressed = MessageBoxW(owner, text, title().isEmpty() ? L" " : title().data(),
-                                  static_cast<UINT>(kStyles[buttons_.size()]) | icon_ | second);
+                                  static_cast<UINT>(kStyles[buttons_.size()]) | icon_ |
+                                      static_cast<UINT>(place) * MB_DEFBUTTON2);
   if (pressed <= 0) return failed(GetLastError());
   if (buttons_.empty()) {
     button_ = ZoMessageBox::kOkButton;

@@ -18,3 +18,10 @@ std::wstring zo::errorText(unsigned long error) {
   } const freed{text};
   return length ? std::wstring(text, length) : std::wstring();
 }
+
+unsigned long zo::systemErrorOf(unsigned long error) noexcept {
+  const auto result = static_cast<HRESULT>(error);
+  return FAILED(result) && HRESULT_FACILITY(result) == FACILITY_WIN32
+             ? static_cast<unsigned long>(HRESULT_CODE(result))
+             : error;
+}

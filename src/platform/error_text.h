@@ -9,4 +9,7 @@ namespace zo {
 // HRESULTs, too.
 [[nodiscard]] std::wstring errorText(unsigned long error);
 
+// The system error within an HRESULT that has one; any other number as it is.
+[[nodiscard]] unsigned long systemErrorOf(unsigned long error) noexcept;
+
 }  // namespace zo

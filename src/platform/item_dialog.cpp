@@ -6,6 +6,7 @@
 
 #include "platform/com_apartment.h"
 #include "platform/current_folder.h"
+#include "platform/error_text.h"
 
 namespace {
 
@@ -88,13 +89,6 @@ HRESULT takeAll(IFileOpenDialog& dialog, std::vector<std::wstring>& names) {
   return result;
 }
 
-// The system error within an HRESULT, or the HRESULT itself.
-unsigned long errorOf(HRESULT result) {
-  if (SUCCEEDED(result)) return ERROR_SUCCESS;
-  return HRESULT_FACILITY(result) == FACILITY_WIN32 ? HRESULT_CODE(result)
-                                                    : static_cast<unsigned long>(result);
-}
-
 template <class Dialog>
 ItemDialogAnswer ask(Dialog& dialog, const ItemDialogRequest& request, HWND owner) {
   prepare(dialog, request);
@@ -108,7 +102,8 @@ ItemDialogAnswer ask(Dialog& dialog, const ItemDialogRequest& request, HWND owne
     else
       result = takeOne(dialog, answer.names);
   }
-  answer.error = errorOf(result);
+  answer.error =
+      SUCCEEDED(result) ? ERROR_SUCCESS : zo::systemErrorOf(static_cast<unsigned long>(result));
   return answer;
 }
 

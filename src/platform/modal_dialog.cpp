@@ -1,5 +1,28 @@
 #include "platform/modal_dialog.h"
 
+#include <algorithm>
+
+RECT zo::fittedInto(const RECT& area, const RECT& box) noexcept {
+  const LONG width = std::min(box.right - box.left, area.right - area.left);
+  const LONG height = std::min(box.bottom - box.top, area.bottom - area.top);
+  const LONG left = std::clamp(box.left, area.left, area.right - width);
+  const LONG top = std::clamp(box.top, area.top, area.bottom - height);
+  return {left, top, left + width, top + height};
+}
+
+void zo::ModalDialog::fitIntoScreen() const noexcept {
+  MONITORINFO screen = {};
+  screen.cbSize = sizeof screen;
+  RECT box;
+  if (!GetMonitorInfoW(MonitorFromWindow(window_, MONITOR_DEFAULTTONEAREST), &screen) ||
+      !GetWindowRect(window_, &box))
+    return;
+  const RECT fitted = fittedInto(screen.rcWork, box);
+  if (EqualRect(&fitted, &box)) return;
+  SetWindowPos(window_, nullptr, fitted.left, fitted.top, fitted.right - fitted.left,
+               fitted.bottom - fitted.top, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 // Sees the keys of the innermost dialog of its thread.
 class zo::ModalDialog::Keys {
  public:

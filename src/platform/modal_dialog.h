@@ -16,6 +16,9 @@
 
 namespace zo {
 
+// A window's box, made smaller and moved as far as an area needs it.
+[[nodiscard]] RECT fittedInto(const RECT& area, const RECT& box) noexcept;
+
 class ModalDialog {
  public:
   ModalDialog() = default;
@@ -39,6 +42,8 @@ class ModalDialog {
   // After what onStart() has done: whether it goes on although its code has thrown.
   virtual bool survives() noexcept { return false; }
 
+  // Into the part of its screen that is free for windows.
+  void fitIntoScreen() const noexcept;
   void end(int button) noexcept { EndDialog(window_, button); }
   [[nodiscard]] HWND window() const noexcept { return window_; }
   [[nodiscard]] HWND item(int id) const noexcept { return GetDlgItem(window_, id); }

@@ -80,6 +80,8 @@ TEST_F(Choices, ButtonsAreThoseOfTheBox) {
   EXPECT_EQ(task.addButton(100, L"b"), ZoResult::refused);
   EXPECT_EQ(task.setDefault(101), ZoResult::refused);
   EXPECT_EQ(task.setButton(ZoMessageBox::kOkButton), ZoResult::refused);
+  task.setTick(L"", true);
+  EXPECT_FALSE(task.isTicked());
 }
 
 TEST_F(Choices, AMessageBoxTakesATaskDialogsPlace) {
@@ -95,6 +97,13 @@ TEST_F(Choices, AMessageBoxTakesATaskDialogsPlace) {
   EXPECT_TRUE(shows(L"Yes: Replace\n\nNo: Keep"));
   EXPECT_EQ(task.button(), 101);
   EXPECT_EQ(show(task, IDCANCEL), ZoResult::cancelled);
+  const auto enter = [&](int number) {
+    EXPECT_EQ(task.setDefault(number), 0);
+    const DialogUser user([](HWND box) { PostMessageW(box, WM_KEYDOWN, VK_RETURN, 0); });
+    return task.show();
+  };
+  EXPECT_EQ(enter(ZoMessageBox::kCancel), ZoResult::cancelled);
+  EXPECT_EQ(enter(101) + task.button(), 101);
   EXPECT_EQ(task.addButton(102, L"More"), 0);
   EXPECT_EQ(task.show(), ZoResult::notShown);
   ZoMessageBox box(L"Always");
@@ -278,8 +287,73 @@ TEST_F(Choices, APrinterThatIsGoneGivesWayToTheDefaultOne) {
   EXPECT_EQ(page.printer().name, print.printer().name);
 }
 
+TEST_F(Choices, CopiesAreTheDialogsWhateverTheSettingsSay) {
+  zo::test::Printers printers;
+  printers.add();
+  ZoPrintDialog print;
+  for (const unsigned copies : {7u, 3u, 9999u}) {
+    EXPECT_EQ(print.setCopies(copies), 0);
+    EXPECT_EQ(show(print, IDOK), 0);
+    EXPECT_EQ(print.copies(), copies);
+    ZoPrinter printer = print.printer();
+    DEVMODEW& settings = *reinterpret_cast<DEVMODEW*>(printer.settings.data());
+    EXPECT_EQ(settings.dmCopies, 1) << "who prints makes them";
+    settings.dmCopies = 4;
+    print.setPrinter(printer);
+  }
+}
+
+TEST_F(Choices, WhatIsLeftAsItIsShownStaysAsItWasSet) {
+  zo::test::Printers printers;
+  printers.add();
+  for (const double points : {10.5, 0.0, 12.0}) {
+    ZoFontDialog font(ZoFont{L"", points});
+    EXPECT_EQ(show(font, IDOK), 0);
+    EXPECT_EQ(font.font().points, points);
+  }
+  ZoFontDialog font(ZoFont{L"", 10.5});
+  const DialogUser user([](HWND window) {
+    constexpr int kSize = 0x472;
+    SendDlgItemMessageW(window, kSize, CB_SELECTSTRING, 0, reinterpret_cast<LPARAM>(L"20"));
+    SendMessageW(window, WM_COMMAND, MAKEWPARAM(kSize, CBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(GetDlgItem(window, kSize)));
+    DialogUser::press(window, IDOK);
+  });
+  EXPECT_EQ(font.show(), 0);
+  EXPECT_EQ(font.font().points, 20);
+  for (const auto& [width, height] : {std::pair(210, 297), std::pair(297, 210)}) {
+    ZoPageSetupDialog page;
+    EXPECT_EQ(page.setPaper(width, height), 0);
+    EXPECT_EQ(show(page, IDOK), 0);
+    EXPECT_TRUE(page.width().asReal() == width && page.height().asReal() == height);
+  }
+}
+
+TEST_F(Choices, ANameToSaveGetsNoWildcardAsItsExtension) {
+  const std::pair<const wchar_t*, const wchar_t*> cases[] = {
+      {L"*.t?t", L"new"}, {L"*.?;*.txt", L"new"}, {L"*.*", L"new"}, {L"*.t;*.?", L"new.t"}};
+  for (const DWORD kind : {COINIT_APARTMENTTHREADED, COINIT_MULTITHREADED})
+    zo::test::inOtherThread([&] {
+      EXPECT_EQ(CoInitializeEx(nullptr, kind), S_OK);
+      for (const auto& [patterns, wanted] : cases) {
+        ZoFileDialog dialog(ZoFileDialog::kSave);
+        dialog.setFolder(ZoFileName(folder() + L"\\"));
+        EXPECT_EQ(dialog.addFilter(L"", patterns), 0);
+        const DialogUser user([](HWND window) {
+          DialogUser::typeName(window, L"new");
+          DialogUser::press(window, IDOK);
+        });
+        EXPECT_EQ(dialog.show(), 0);
+        EXPECT_STREQ(dialog.file().fileNameExt(), wanted) << patterns;
+      }
+      CoUninitialize();
+    });
+}
+
 TEST_F(Choices, PagesPapersAndMarginsAreChecked) {
   ZoPrintDialog print;
+  for (const int odd : {-1, 3, 7})
+    EXPECT_EQ(print.setRange(static_cast<ZoPrintDialog::Range>(odd)), ZoResult::refused);
   EXPECT_EQ(print.setPages(2, 1), ZoResult::refused);
   EXPECT_EQ(print.setPages(0, 1), ZoResult::refused);
   EXPECT_EQ(print.setPages(1, 65536), ZoResult::refused);

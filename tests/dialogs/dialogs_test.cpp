@@ -253,6 +253,39 @@ TEST_P(EveryDialog, IsAnsweredWithoutAUser) {
 }
 
 using OneDialog = zo::test::DialogTest;
+TEST_F(OneDialog, IsNotTakenByAnAnswerWhereThereIsNothingToTake) {
+  ZoMessageBox box(L"?");
+  ZoTaskDialog task(L"?");
+  ZoFileDialog files;
+  ZoFolderDialog folder;
+  ZoColorDialog color;
+  files.setFiles({ZoFileName()});
+  ZoDialogs::setAnswer([](ZoDialog&) { return ZoResult::ok; });
+  for (ZoDialog* const dialog : std::initializer_list<ZoDialog*>{&box, &task, &files, &folder})
+    EXPECT_EQ(dialog->show(), ZoResult::refused) << typeid(*dialog).name();
+  EXPECT_EQ(color.show(), ZoResult::ok);
+  files.setFile(L"C:\\a.val");
+  EXPECT_EQ(files.show(), ZoResult::ok);
+  ZoDialogs::setAnswer({});
+}
+
+// As platforms say it: a system error, or an HRESULT that has one within.
+TEST_F(OneDialog, ErrorsAreTheSameInBothForms) {
+  struct Failing final : ZoDialog {
+    explicit Failing(unsigned long number) : error(number) {}
+    int run(HWND__*) override { return failed(error); }
+    unsigned long error;
+  };
+  for (const auto& [error, wanted] : {std::pair(ERROR_CANCELLED, ZoResult::cancelled),
+                                      std::pair(ERROR_PRINTER_NOT_FOUND, ZoResult::noPrinter),
+                                      std::pair(ERROR_INVALID_WINDOW_HANDLE, ZoResult::notShown)}) {
+    Failing plain(error), inResult(static_cast<unsigned long>(HRESULT_FROM_WIN32(error)));
+    EXPECT_EQ(plain.show(), wanted);
+    EXPECT_EQ(inResult.show(), wanted);
+    EXPECT_EQ(inResult.errorTxt(), plain.errorTxt());
+  }
+}
+
 TEST_F(OneDialog, AFolderThatWasSetIsTakenByOkAlone) {
   ZoFolderDialog dialog{ZoFileName(folder())};
   const ZoString before(dialog.folder());

@@ -67,6 +67,44 @@ TEST(EditorRows, HaveTheOtherOnesBesideAndBehind) {
   EXPECT_EQ(shown(L"length"), L"Value|12||");
 }
 
+// All that is in it differs, and has no element of the other one beside it.
+TEST(EditorRows, HaveAllOfWhatIsOfAnotherKindThere) {
+  ZoVariant value(ZoVariant::kDict), five = 5;
+  for (const wchar_t* const path : {L"same", L"x/p", L"x/q/deep"}) EXPECT_EQ(value.put(path, 1), 0);
+  const auto shown = [&](const ZoVariant& other, const wchar_t* container) {
+    const ZoVariantEdits edits(value);
+    const zo::EditorDifferences differences(value, other);
+    const EditorRows rows(edits, ZoString(container), &differences);
+    std::wstring all;
+    for (int i = 0; i < rows.count(); ++i) {
+      if (edits.value().find(rows.at(i)->path.view()) == rows.at(i)->value) {
+        EXPECT_EQ(rows.indexOf(rows.at(i)->path), i);
+      }
+      all += std::wstring(rows.text(i, EditorRows::kName).view()) + L'|' +
+             rows.text(i, EditorRows::kOther).data() + L'|';
+    }
+    return all;
+  };
+  EXPECT_EQ(shown(five, L""), L"Value|5|same||x||");
+  EXPECT_EQ(shown(ZoVariant(), L""), L"Value||same||x||");
+  EXPECT_EQ(shown(ZoVariant(ZoVariant::kSequence), L""), L"Value|Elements: 0|same||x||");
+  EXPECT_EQ(shown(five, L"x/q"), L"deep||");
+  ZoVariant inside = value;
+  EXPECT_EQ(inside.put(L"x", five), 0);
+  EXPECT_EQ(shown(inside, L""), L"x|5|");
+  EXPECT_EQ(shown(inside, L"x"), L"p||q||");
+  EXPECT_EQ(shown(inside, L"x/q"), L"deep||");
+  ZoVariant heads = value;
+  heads.setFlags(ZoFlagParameter);
+  heads.find(L"x")->setFlags(ZoFlagParameter);
+  EXPECT_EQ(shown(heads, L""), L"Value||x||") << "only flags";
+  EXPECT_EQ(shown(heads, L"x"), L"");
+  EXPECT_EQ(value.asDict()->insertAt(ZoString(), ZoVariant(1)), 0);
+  ZoVariant unnamed = value;
+  *unnamed.asDict()->at(ZoString()) = ZoVariant(2);
+  EXPECT_EQ(shown(unnamed, L""), L"|2|") << "its path is that of the whole";
+}
+
 TEST(EditorRows, StayWhenOneValueChangesInItsPlace) {
   ZoVariantEdits edits(odd());
   const EditorRows rows(edits, ZoString(), nullptr);

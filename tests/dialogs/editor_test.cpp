@@ -487,7 +487,7 @@ TEST_F(Editing, OnAnyThreadAndUntilItsOwnerIsGone) {
     user.enter(L"name", kEditorEdit, L"Nut");
     DestroyWindow(owner);
   };
-  EXPECT_EQ(edit(dialog_, {lose}, owner), ZoResult::cancelled);
+  EXPECT_EQ(edit(dialog_, {lose}, owner), ZoResult::noOwner);
   EXPECT_EQ(dialog_.value(), sample());
 }
 

@@ -90,6 +90,24 @@ TEST_F(EditorWindow, ItsPlaceIsKeptAndItsSizeHasAMinimum) {
   }
 }
 
+TEST_F(EditorWindow, ItBeginsWithinItsScreen) {
+  const RECT area{100, 50, 740, 530};
+  const std::pair<RECT, RECT> cases[] = {{{100, 57, 752, 522}, {100, 57, 740, 522}},
+                                         {{0, 0, 3000, 3000}, area},
+                                         {{700, 500, 800, 600}, {640, 430, 740, 530}},
+                                         {{200, 60, 300, 90}, {200, 60, 300, 90}}};
+  for (const auto& [box, wanted] : cases) {
+    const RECT fitted = fittedInto(area, box);
+    EXPECT_TRUE(EqualRect(&fitted, &wanted)) << box.left;
+  }
+  show([&](const EditorUser& user) {
+    const RECT box = boxOf(user.window());
+    const RECT fitted = fittedInto({0, 0, GetSystemMetrics(SM_CXSCREEN), LONG_MAX}, box);
+    EXPECT_TRUE(EqualRect(&fitted, &box))
+        << "drawn at " << box.left << ", as wide as " << box.right - box.left;
+  });
+}
+
 TEST_F(EditorWindow, TheBorderIsMovedByMouseAndKeysAndNoPaneIsLost) {
   show([](const EditorUser& user) {
     const LONG first = border(user), right = boxOf(user.item(kEditorList)).right;

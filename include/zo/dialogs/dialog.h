@@ -13,7 +13,8 @@
 // Errors:  show() gives 0 when the user has taken the value. ZoResult::cancelled: the value is as
 //          it was. ZoResult::notShown: the platform refused, because there is no display or for
 //          another reason that errorTxt() tells. ZoResult::noOwner: the owner is no window, or none
-//          any more. Nothing throws but std::bad_alloc, and what an answer throws.
+//          any more, also because it went while the user was thinking; the value is as it was.
+//          Nothing throws but std::bad_alloc, and what an answer throws.
 // Threads: one thread at a time per dialog; several threads may show one each.
 #pragma once
 
@@ -60,6 +61,8 @@ class ZO_COM_API ZoDialog {
   // What show() gives for a system error or an HRESULT: cancelled, noPrinter, or notShown, whose
   // reason is kept.
   int failed(unsigned long error);
+  // Whether there is a value that an answer can say was taken; true unless a dialog says otherwise.
+  [[nodiscard]] virtual bool hasValue() const noexcept;
 
  private:
   ZoString title_;
@@ -73,7 +76,10 @@ class ZO_COM_API ZoDialogs {
   // An answer that leaves the dialog to the user.
   static constexpr int kAsk = -1;
   // Sets the dialog's value as the user would, and answers what show() shall give; what it sets
-  // stays, whatever it answers. It sees which dialog it is by dynamic_cast.
+  // stays, whatever it answers. It sees which dialog it is by dynamic_cast. Where it answers 0 and
+  // there is nothing to be taken, no button, file or folder, show() gives ZoResult::refused. It is
+  // asked first of all, also with an owner that is none any more, and nothing that it sets is kept
+  // in the settings of remember().
   using Answer = std::function<int(ZoDialog&)>;
 
   // From now on all dialogs of the process, on any thread, ask this first, and several threads may

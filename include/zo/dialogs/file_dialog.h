@@ -42,7 +42,8 @@ class ZO_COM_API ZoFileDialog : public ZoDialog {
   [[nodiscard]] const std::vector<Filter>& filters() const& noexcept { return filters_; }
   [[nodiscard]] std::vector<Filter> filters() && noexcept { return std::move(filters_); }
   // The filter in use, from 0: at first, and as the user left it. Refused when there is no such
-  // filter. A name to save that is typed without an extension gets that of the filter.
+  // filter. A name to save that is typed without an extension gets that of the filter's first
+  // pattern, unless it has a wildcard.
   [[nodiscard]] int setFilter(zo::NotNegative<unsigned int> index) noexcept;
   [[nodiscard]] unsigned int filter() const noexcept { return filter_; }
 
@@ -72,6 +73,9 @@ class ZO_COM_API ZoFileDialog : public ZoDialog {
 
  protected:
   int run(HWND__* owner) override;
+  [[nodiscard]] bool hasValue() const noexcept override {
+    return !files_.empty() && !files_.front().isEmpty();
+  }
 
  private:
   [[nodiscard]] int ask(zo::ItemDialogRequest& request, std::vector<ZoFileName>& files,

@@ -24,6 +24,7 @@ class ZO_COM_API ZoFolderDialog : public ZoDialog {
 
  protected:
   int run(HWND__* owner) override;
+  [[nodiscard]] bool hasValue() const noexcept override { return !folder_.isEmpty(); }
 
  private:
   ZoFileName folder_;

@@ -20,7 +20,8 @@ class ZO_COM_API ZoFontDialog : public ZoDialog {
  public:
   explicit ZoFontDialog(ZoFont font = {}) : font_(std::move(font)) {}
 
-  // For a face that is not installed the dialog may begin with another one, in another size.
+  // For a face that is not installed the dialog may begin with another one, in another size. A size
+  // that the user leaves as it is shown, in whole points on some platforms, stays as it was set.
   void setFont(ZoFont font) { font_ = std::move(font); }
   [[nodiscard]] const ZoFont& font() const noexcept { return font_; }
 

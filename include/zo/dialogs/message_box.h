@@ -50,6 +50,7 @@ class ZO_COM_API ZoMessageBox : public ZoDialog {
 
  protected:
   int run(HWND__* owner) override;
+  [[nodiscard]] bool hasValue() const noexcept override { return button_ != kNone; }
 
  private:
   [[nodiscard]] int taken(int button) noexcept;

@@ -42,7 +42,8 @@ class ZO_COM_API ZoPrintDialog : public ZoDialog {
   [[nodiscard]] unsigned int fromPage() const noexcept { return from_; }
   [[nodiscard]] unsigned int toPage() const noexcept { return to_; }
 
-  // From 1 to 9999.
+  // From 1 to 9999, whatever the printer's settings say; those that the dialog gives back are for
+  // one, since who prints makes the copies.
   [[nodiscard]] int setCopies(zo::NotNegative<unsigned int> copies) noexcept;
   [[nodiscard]] unsigned int copies() const noexcept { return copies_; }
   void setCollated(bool collated) noexcept { collated_ = collated; }
@@ -64,7 +65,9 @@ class ZO_COM_API ZoPrintDialog : public ZoDialog {
   bool selection_ = false, collated_ = false, toFile_ = false;
 };
 
-// Sizes are lengths: reals of code Length, in mm, rounded to the platform's hundredths.
+// Sizes are lengths: reals of code Length, in mm, rounded to the platform's hundredths. A paper
+// that the user leaves as it is stays as it was set, although drivers round its sides by up to
+// 0.5 mm.
 class ZO_COM_API ZoPageSetupDialog : public ZoDialog {
  public:
   struct Margins {

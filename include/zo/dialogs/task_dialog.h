@@ -74,6 +74,7 @@ class ZO_COM_API ZoTaskDialog : public ZoDialog {
 
  protected:
   int run(HWND__* owner) override;
+  [[nodiscard]] bool hasValue() const noexcept override { return button_ != 0; }
 
  private:
   [[nodiscard]] bool hasButton(int number) const noexcept;
