@@ -25,7 +25,11 @@ function(zo_test_program name)
   target_compile_definitions(${name} PRIVATE ZO_COM_STATIC)
   target_link_libraries(${name} PRIVATE zo_test_support zo_system zo_host)
   zo_compile_options(${name})
+  set(lock)
+  if(name MATCHES "^(dialogs|system)_tests$")
+    set(lock RESOURCE_LOCK keyboard)  # a window of the one would take the keys of the other
+  endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 TEST_PREFIX ${name}.
-                       PROPERTIES TIMEOUT 300 ENVIRONMENT "${zo_test_environment}"
+                       PROPERTIES TIMEOUT 300 ${lock} ENVIRONMENT "${zo_test_environment}"
                        ENVIRONMENT_MODIFICATION ZO_OUTPUT_APART=set:1)
 endfunction()
