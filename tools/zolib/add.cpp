@@ -5,6 +5,8 @@
 #include <zo/library/packed_member.h>
 
 #include <optional>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "cancel.h"
@@ -58,6 +60,22 @@ class Adder {
                                                                       : Overwrite::kAlways;
   }
 
+  // Looks up at once what the library has of the files' names, where these are many: asked for one
+  // after the other, the platform looks at the library's file for each.
+  void lookUp(const std::vector<Source>& sources) {
+    constexpr std::size_t kMost = 100'000;  // some 70 MB
+    if (!session_.isOpen() || sources.size() > kMost || sources.size() < session_->counter() / 16)
+      return;
+    for (const Source& source : sources) known_.try_emplace(source.key);
+    forgetReason();
+    const int code = session_->forEachEntry([&](const ZoLibEntry& entry) {
+      const auto found = entry.isHidden ? known_.end() : known_.find(folded(entry.name.view()));
+      if (found != known_.end()) found->second = entry;
+      return !isCancelled();
+    });
+    if (code) known_.clear();  // each is asked for, and tells why it cannot be
+  }
+
   // Whether it is to be packed.
   bool wants(const Source& source, Job& job) {
     const ZoFileName member(source.member);
@@ -66,7 +84,7 @@ class Adder {
       return false;
     }
     ZoLibEntry old;
-    const bool exists = session_.isOpen() && session_->getEntry(member, old) == ZoResult::ok;
+    const bool exists = findOld(source, member, old);
     if (exists && staysAs(old, source)) {
       report_.member(source.member, "kept");
       return false;
@@ -176,6 +194,16 @@ class Adder {
                                             : say({210, "; rename the file"}));
   }
 
+  // The member of the name, as it was before any of the files was packed.
+  bool findOld(const Source& source, const ZoFileName& member, ZoLibEntry& old) {
+    const auto known = known_.find(source.key);
+    if (known != known_.end() && known->second.position != 0) {
+      old = known->second;
+      return true;
+    }
+    return session_.isOpen() && session_->getEntry(member, old) == ZoResult::ok;
+  }
+
   bool fitsIn(const Source& source) {
     if (!places_) places_.emplace(session_);
     const std::wstring taken = places_->takenOf(source.member);
@@ -235,6 +263,7 @@ class Adder {
   std::vector<Added> batch_;  // stored, and not yet said
   bool inBatch_ = false;
   std::optional<Places> places_;  // what is there; made for the first new name
+  std::unordered_map<std::wstring, ZoLibEntry> known_;  // what was looked up, by folded name
   std::uint64_t batchBegun_ = 0;
   std::uint64_t size_ = 0, packed_ = 0;
 };
@@ -275,6 +304,7 @@ void add(const Options& options, Report& report) {
   for (const Source& source : sources) total += source.size;
   session.progress().expect(total);
   Adder adder(options, report, session);
+  adder.lookUp(sources);
   addAll(sources, adder, session, report);
   if (session.isOpen()) adder.endBatch();
   if (syncs && graver(report.code(), kWarnings) == kWarnings)

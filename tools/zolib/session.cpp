@@ -162,11 +162,11 @@ std::unordered_set<std::wstring> Session::wholeNames(Which which,
 }
 
 std::vector<ZoLibEntry> Session::select(Which which, const std::vector<std::wstring>& names,
-                                        Unmatched unmatched) {
+                                        Unmatched unmatched, const Visitor& isWanted) {
   Selection selection(names, options_.include, options_.exclude, wholeNames(which, names));
   std::vector<ZoLibEntry> entries;
   static_cast<void>(visit(which, selection, 1, [&](const ZoLibEntry& entry) {
-    entries.push_back(entry);
+    if (!isWanted || isWanted(entry)) entries.push_back(entry);
     return true;
   }));
   if (isCancelled()) return {};

@@ -43,9 +43,10 @@ class Session {
   // Names that select nothing are reported. A number ("@17") selects a deleted one as well.
   enum Which { kLive, kDeleted, kBoth };
   enum Unmatched { kMayBeNone, kIsReported };
+  using Visitor = std::function<bool(const ZoLibEntry&)>;
   std::vector<ZoLibEntry> select(Which which);
   std::vector<ZoLibEntry> select(Which which, const std::vector<std::wstring>& names,
-                                 Unmatched unmatched = kIsReported);
+                                 Unmatched unmatched = kIsReported, const Visitor& isWanted = {});
   // Whether it was selected by its number: it is meant, whatever else has its name.
   [[nodiscard]] bool isNumbered(const ZoLibEntry& entry) const {
     return numbered_.contains(entry.ordinal);
@@ -56,7 +57,6 @@ class Session {
   }
   // The same one after the other, as they are at one instant and without keeping them; false from
   // the visitor ends it. No call on the library from within.
-  using Visitor = std::function<bool(const ZoLibEntry&)>;
   void forEach(Which which, const Visitor& visit);
   // The same some at a time; the library may be called meanwhile.
   void forPieces(Which which, const std::function<bool(const std::vector<ZoLibEntry>&)>& take);

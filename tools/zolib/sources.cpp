@@ -31,7 +31,8 @@ class Walk {
       : report_(report),
         verbose_(options.verbose && !options.json),
         selection_({}, options.include, options.exclude),
-        library_(folded(fullPath(shellPath(options.library)))) {}
+        library_(folded(fullPath(shellPath(options.library)))),
+        libraryName_(library_.substr(library_.find_last_of(L"\\/") + 1)) {}
 
   // A name as the user gave it.
   void addNamed(const std::wstring& name) {
@@ -103,7 +104,7 @@ class Walk {
   void addFolder(const std::wstring& path, const std::wstring& member) {
     if (!member.empty() && selection_.excludes(folded(member))) return;
     struct Folder {
-      std::wstring path, member;
+      std::wstring path, member, key;
     };
     std::vector<Folder> folders;
     const std::size_t first = found_.size();
@@ -121,26 +122,23 @@ class Walk {
       if (!find.isDirectory())
         addFile(find, name);
       else if (isWalked(find, path))
-        folders.push_back({std::wstring(find.path()), name});
+        folders.push_back({std::wstring(find.path()), name, folded(name)});
     }
     if (isEmpty && !isCancelled()) lose(empty_, path, {161, "empty"});
-    const auto byMember = [](const auto& a, const auto& b) {
-      return folded(a.member) < folded(b.member);
-    };
-    std::sort(found_.begin() + static_cast<std::ptrdiff_t>(first), found_.end(), byMember);
-    std::sort(folders.begin(), folders.end(), byMember);
+    const auto byKey = [](const auto& a, const auto& b) { return a.key < b.key; };
+    std::sort(found_.begin() + static_cast<std::ptrdiff_t>(first), found_.end(), byKey);
+    std::sort(folders.begin(), folders.end(), byKey);
     for (const Folder& folder : folders) addFolder(folder.path, folder.member);
   }
 
   void addFile(ZoFindFile& find, const std::wstring& member) {
-    const std::wstring key = folded(member);
+    std::wstring key = folded(member);
     if (!selection_.includes(key) || selection_.excludes(key)) return;
     const std::wstring path(find.path());
-    const std::wstring full = fullPath(path);
-    if (folded(full) == library_) return;  // not into itself
+    if (isLibrary(find.fileNameExt(), path)) return;  // not into itself
     const auto [first, isNew] = members_.try_emplace(key, path);
     if (!isNew) {
-      if (fullPath(first->second) == full) return;  // named twice
+      if (fullPath(first->second) == fullPath(path)) return;  // named twice
       report_.fail(kFailed,
                    {152,
                     "left out %1: %2 is the member %3 already (case does not count); rename one "
@@ -149,7 +147,13 @@ class Walk {
       return;
     }
     if (find.attributes() & FILE_ATTRIBUTE_READONLY) lose(readOnly_, path, {162, "read-only"});
-    found_.push_back({path, member, static_cast<std::uint64_t>(find.size()), find.lastWriteTime()});
+    found_.push_back({path, member, static_cast<std::uint64_t>(find.size()), find.lastWriteTime(),
+                      std::move(key)});
+  }
+
+  // The platform is asked for the full path only of what has the library's name.
+  bool isLibrary(std::wstring_view name, const std::wstring& path) const {
+    return folded(name) == libraryName_ && folded(fullPath(path)) == library_;
   }
 
   // Whether a folder is looked into: no link is, and none that the platform cannot name, which
@@ -175,7 +179,7 @@ class Walk {
   bool verbose_;
   std::size_t links_ = 0, empty_ = 0, readOnly_ = 0;
   Selection selection_;
-  std::wstring library_;
+  std::wstring library_, libraryName_;  // folded
   std::vector<Source> found_;
   std::unordered_map<std::wstring, std::wstring> members_;  // their files, by folded name
 };

@@ -18,6 +18,7 @@ struct Source {
   std::wstring member;  // its name in the library
   std::uint64_t size = 0;
   FILETIME written{};
+  std::wstring key = {};  // folded(member); of a file
 };
 
 // The files that the options name, in order; folders are walked, their content by name. What cannot

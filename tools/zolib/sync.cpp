@@ -36,16 +36,16 @@ bool areFolders(const Options& options, Report& report) {
 std::vector<ZoLibEntry> goneFrom(const Options& options, Session& session,
                                  const std::vector<Source>& sources) {
   std::unordered_set<std::wstring> there;
-  for (const Source& source : sources) there.insert(folded(source.member));
+  for (const Source& source : sources) there.insert(source.key);
   std::vector<std::wstring> folders;
   for (const std::wstring& name : options.names) {
     const std::wstring member = memberName(name);
     if (!member.empty()) folders.push_back(member);
   }
   if (folders.size() < options.names.size()) folders.clear();  // one of them is all
-  std::vector<ZoLibEntry> gone = session.select(Session::kLive, folders, Session::kMayBeNone);
-  std::erase_if(gone, [&](const ZoLibEntry& e) { return there.contains(folded(e.name.view())); });
-  return gone;
+  return session.select(Session::kLive, folders, Session::kMayBeNone, [&](const ZoLibEntry& entry) {
+    return !there.contains(folded(entry.name.view()));
+  });
 }
 
 void removeGone(const Options& options, Report& report, Session& session,
