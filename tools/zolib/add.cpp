@@ -64,8 +64,8 @@ class Adder {
   // after the other, the platform looks at the library's file for each.
   void lookUp(const std::vector<Source>& sources) {
     constexpr std::size_t kMost = 100'000;  // some 70 MB
-    if (!session_.isOpen() || sources.size() > kMost || sources.size() < session_->counter() / 16)
-      return;
+    const std::uint64_t there = session_.isOpen() ? session_->counter() : 0;
+    if (there == 0 || sources.size() > kMost || sources.size() < there / 16) return;
     for (const Source& source : sources) known_.try_emplace(source.key);
     forgetReason();
     const int code = session_->forEachEntry([&](const ZoLibEntry& entry) {
@@ -206,8 +206,8 @@ class Adder {
 
   bool fitsIn(const Source& source) {
     if (!places_) places_.emplace(session_);
-    const std::wstring taken = places_->takenOf(source.member);
-    if (taken.empty()) return places_->take(source.member), true;
+    const std::wstring taken = places_->takeIfFree(source.member);
+    if (taken.empty()) return true;
     report_.fail(
         kFailed,
         {219, "cannot add %1: the library has %2 as a file or a folder, and it cannot be both"},

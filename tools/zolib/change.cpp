@@ -137,11 +137,8 @@ std::vector<ZoLibRename> namesFor(const std::vector<ZoLibEntry>& entries, Recove
 bool fitsBack(const std::vector<ZoLibRename>& members, Session& session, Report& report) {
   Places places(session);
   for (const ZoLibRename& one : members) {
-    const std::wstring taken = places.takenOf(one.newName.view());
-    if (taken.empty()) {
-      places.take(one.newName.view());
-      continue;
-    }
+    const std::wstring taken = places.takeIfFree(one.newName.view());
+    if (taken.empty()) continue;
     report.fail(kFailed,
                 {312,
                  "cannot recover %1: the library has %2 as a file or a folder, and it cannot be "
@@ -239,11 +236,8 @@ bool fitsIn(const std::vector<Renaming>& renamings, Session& session, Report& re
   for (const Renaming& one : renamings) leaving.insert(folded(one.entry.name.view()));
   Places places(session, leaving);
   for (const Renaming& one : renamings) {
-    const std::wstring taken = places.takenOf(one.to);
-    if (taken.empty()) {
-      places.take(one.to);
-      continue;
-    }
+    const std::wstring taken = places.takeIfFree(one.to);
+    if (taken.empty()) continue;
     report.fail(kFailed,
                 {311,
                  "cannot rename %1 to %2: the library has %3 as a file or a folder, and it cannot "

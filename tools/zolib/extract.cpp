@@ -6,7 +6,6 @@
 
 #include <optional>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "cancel.h"
 #include "names.h"
@@ -40,13 +39,13 @@ class Extractor {
     const std::wstring name = nameOf(member);
     if (name.empty()) return std::nullopt;  // it lies in what is stripped
     std::wstring target = joined(root_, name);
-    if (!names_.insert(folded(name)).second) {
+    if (places_.hasFile(name)) {
       report_.member(member, "kept");
       report_.warn({258, "left %1 in the library: another member came out as %2"}, member, target);
       return std::nullopt;
     }
     // In the library's order, however many threads there are.
-    if (const std::wstring taken = places_.takenOf(name); !taken.empty()) {
+    if (const std::wstring taken = places_.takeIfFree(name); !taken.empty()) {
       report_.fail(kFailed,
                    {261,
                     "cannot extract %1 to %2: another member has %3 as a file or a folder, and it "
@@ -54,7 +53,6 @@ class Extractor {
                    member, target, taken);
       return std::nullopt;
     }
-    places_.take(name);
     if (!options_.dryRun && !makeFolder(target)) return std::nullopt;
     if (!keepsTarget(entry, target)) return target;
     report_.member(member, "kept");
@@ -160,8 +158,7 @@ class Extractor {
   Report& report_;
   Session& session_;
   std::wstring root_;
-  std::unordered_set<std::wstring> names_;  // that came out
-  Places places_;                           // of them
+  Places places_;  // of what came out
   // That are there; and whether they were made in this run: nothing of another's is in these.
   std::unordered_map<std::wstring, bool> folders_;
   bool isFresh_ = false;  // the folder of the member in hand

@@ -29,4 +29,12 @@ void Places::take(std::wstring_view name) {
   files_.insert(key);
 }
 
+std::wstring Places::takeIfFree(std::wstring_view name) {
+  std::wstring taken = takenOf(name);
+  if (taken.empty()) take(name);
+  return taken;
+}
+
+bool Places::hasFile(std::wstring_view name) const { return files_.contains(folded(name)); }
+
 }  // namespace zolib
