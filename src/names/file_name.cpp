@@ -164,7 +164,7 @@ int ZoFileName::setMacro(const wchar_t* macro, const wchar_t* value) {
   return own().setMacro(macro, value);
 }
 int ZoFileName::resetMacro(const wchar_t* text) { return own().resetMacro(text); }
-bool ZoFileName::hasMacro() const noexcept { return !imp_->macro().isEmpty(); }
+bool ZoFileName::hasMacro() const noexcept { return !imp_->macro().empty(); }
 
 int ZoFileName::setLocalAlias(const ZoFileName& alias) {
   const ZoString text = alias.imp_->fullName();  // alias may be this name
@@ -183,9 +183,9 @@ ZoFileName ZoFileName::localAlias() const { return ZoFileName(imp_->localAlias()
 // ---- Questions ----
 
 bool ZoFileName::isDirectory() const noexcept {
-  return imp_->fileName().isEmpty() && imp_->extension().isEmpty();
+  return imp_->fileName().empty() && imp_->extension().empty();
 }
-bool ZoFileName::hasDirectory() const noexcept { return !imp_->directory().isEmpty(); }
+bool ZoFileName::hasDirectory() const noexcept { return !imp_->directory().empty(); }
 bool ZoFileName::isRelativ() const noexcept { return imp_->isRelativ(); }
 bool ZoFileName::isURL() const noexcept { return imp_->isURL(); }
 bool ZoFileName::isUNC() const noexcept { return imp_->isUNC(); }

@@ -71,8 +71,8 @@ ZoFileNameImp::Pieces ZoFileNameImp::pieces() const {
 }
 
 int ZoFileNameImp::recompose(const Pieces& pieces) {
-  return retake(zo::wholeText(
-      state_.macro.view(), pieces.drive + pieces.directory + pieces.fileName + pieces.extension));
+  return retake(
+      zo::wholeText(macro(), pieces.drive + pieces.directory + pieces.fileName + pieces.extension));
 }
 
 // ---- Parts ----
@@ -147,12 +147,9 @@ int ZoFileNameImp::setDelimiter(wchar_t delimiter) noexcept {
 template <class Change>
 int ZoFileNameImp::changeCase(Change change) {
   State state = state_;
-  for (ZoString* text :
-       {&state.fullName, &state.expandedName, &state.drive, &state.directory, &state.fileName,
-        &state.extension, &state.macro, &state.volume, &state.macroValue}) {
-    change(*text);
-  }
-  if (state.macro.isEmpty()) state.expandedName = state.fullName;
+  ZoString parts(state.parts.units());
+  for (ZoString* text : {&state.whole, &state.written, &parts, &state.macroValue}) change(*text);
+  std::ranges::copy(parts.view(), state.parts.units().begin());
   state_ = std::move(state);
   return ZoResult::ok;
 }
@@ -221,7 +218,7 @@ int ZoFileNameImp::setMacro(const wchar_t* macro, const wchar_t* value) {
   if (name.empty()) return ZoResult::refused;
   if (name.find(L'\'') != std::wstring_view::npos) return ZoResult::nameInvalid;
   std::wstring_view below = path();
-  if (state_.macro.isEmpty()) {
+  if (this->macro().empty()) {
     const std::wstring_view folder = zo::withoutFinalDelimiters(zo::textOf(value));
     if (beginsWithLevels(below, folder)) {
       below = below.substr(folder.size());
@@ -232,12 +229,12 @@ int ZoFileNameImp::setMacro(const wchar_t* macro, const wchar_t* value) {
   const std::wstring text = zo::wholeText(name, below);
   std::wstring scratch;
   const NameParts parsed = zo::parseName(text, state_.options, false, scratch);
-  if (parsed.isSplit) state_ = stateOf(parsed, state_.options, ZoString(value), state_);
+  if (parsed.isSplit) assign(parsed, ZoString(value));
   return parsed.result;
 }
 
 int ZoFileNameImp::resetMacro(const wchar_t* text) {
-  if (state_.macro.isEmpty()) return ZoResult::refused;
+  if (macro().empty()) return ZoResult::refused;
   std::wstring whole(
       zo::withoutFinalDelimiters(text ? std::wstring_view(text) : state_.macroValue.view()));
   whole += path();

@@ -4,6 +4,7 @@
 #include <zo/text/containers/sequence.h>
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <utility>
 
@@ -24,63 +25,63 @@ ZoFileNameImp* ZoFileNameImp::emptyName() noexcept {
 
 void ZoFileNameImp::unshareTexts() {
   State& s = state_;
-  for (ZoString* text :
-       {&s.fullName, &s.expandedName, &s.drive, &s.directory, &s.fileName, &s.extension, &s.macro,
-        &s.volume, &s.localAlias, &s.macroValue, &s.level}) {
+  for (ZoString* text : {&s.whole, &s.written, &s.localAlias, &s.macroValue, &s.level}) {
     *text = text->copy();
   }
-  if (s.macro.isEmpty()) s.expandedName = s.fullName;
 }
 
 // ---- Parsing ----
 
-// Folder and extension are taken from the name before, when they are the same: who goes through
-// many names in one object asks for half the memory.
-ZoFileNameImp::State ZoFileNameImp::stateOf(const NameParts& name, const zo::NameOptions& options,
-                                            const ZoString& macroValue, const State& before) {
-  const auto part = [](std::wstring_view text, const ZoString& old) {
-    return old.view() == text ? old : ZoString(text);
+bool ZoFileNameImp::isOwnText(std::wstring_view text) const noexcept {
+  const auto isWithin = [begin = text.data()](std::wstring_view own) {
+    return !std::less<>()(begin, own.data()) && std::less<>()(begin, own.data() + own.size());
   };
-  State state;
-  state.options = options;
-  state.macro = ZoString(name.macro);
-  if (!name.isSplit) return state;
-
-  state.fullName = name.macro.empty()
-                       ? ZoString(name.path)
-                       : ZoString(std::wstring_view(zo::wholeText(name.macro, name.path)));
-  state.expandedName = state.fullName;
-  if (!name.macro.empty() && !macroValue.isEmpty()) {
-    state.macroValue = macroValue;
-    state.expandedName = ZoString(zo::withoutFinalDelimiters(macroValue.view()));
-    state.expandedName.append(name.path);
-  }
-  state.drive = ZoString(name.drive);
-  state.directory = part(name.directory, before.directory);
-  state.fileName = ZoString(name.fileName);
-  state.extension = part(name.extension, before.extension);
-  if (name.kind == NameKind::Drive) state.volume = state.drive;
-  if (name.kind == NameKind::Url || name.kind == NameKind::Disc) {
-    state.volume = ZoString(name.root());
-  }
-  state.delimiter = zo::delimiterOf(name.kind);
-  state.isURL = name.kind == NameKind::Url;
-  state.isUNC = name.kind == NameKind::Network;
-  state.isCD = name.kind == NameKind::Disc;
-  state.hasDriveLetter = name.kind == NameKind::Drive;
-  state.volumePrefixLength = static_cast<unsigned int>(name.prefixLength);
-  return state;
+  return isWithin(state_.whole.view()) || isWithin(state_.parts.units());
 }
 
-ZoFileNameImp::State ZoFileNameImp::parsed(std::wstring_view text) {
-  std::wstring scratch;
-  return stateOf(zo::parseName(text, {}, false, scratch), {}, ZoString(), {});
+// Whole name and parts are written into the memory of the name before: who goes through many names
+// in one object asks for none.
+void ZoFileNameImp::assign(const NameParts& name, const ZoString& macroValue) {
+  const std::wstring_view volume =
+      name.kind == NameKind::Url || name.kind == NameKind::Disc ? name.root() : name.drive;
+  const Texts::Views texts = {name.drive,     name.directory, name.fileName,
+                              name.extension, name.macro,     volume};
+  ZoString written, value;
+  state_.parts.reserve(texts);
+  if (name.path.empty()) {
+    state_.whole = ZoString();
+  } else if (name.macro.empty()) {
+    state_.whole.replace(0, ZoString::npos, name.path);
+  } else {
+    ZoString whole(std::wstring_view(zo::wholeText(name.macro, name.path)));
+    if (!macroValue.isEmpty()) {
+      value = macroValue;
+      written = std::move(whole);
+      whole = ZoString(zo::withoutFinalDelimiters(value.view()));
+      whole.append(name.path);
+    }
+    state_.whole = std::move(whole);
+  }
+  state_.parts.assign(texts);
+  state_.written = std::move(written);
+  state_.macroValue = std::move(value);
+  state_.localAlias = ZoString();
+  state_.level = ZoString();
+  state_.nextLevel = 0;
+  state_.delimiter = zo::delimiterOf(name.kind);
+  state_.isURL = name.kind == NameKind::Url;
+  state_.isUNC = name.kind == NameKind::Network;
+  state_.isCD = name.kind == NameKind::Disc;
+  state_.hasDriveLetter = name.kind == NameKind::Drive;
+  state_.volumePrefixLength = static_cast<unsigned int>(name.prefixLength);
 }
 
 int ZoFileNameImp::parse(std::wstring_view text, const zo::NameOptions& options, bool asDirectory) {
+  if (isOwnText(text)) return parse(std::wstring(text), options, asDirectory);
   std::wstring scratch;
   const NameParts name = zo::parseName(text, options, asDirectory, scratch);
-  state_ = stateOf(name, options, ZoString(), state_);
+  assign(name, ZoString());
+  state_.options = options;
   return name.result;
 }
 
@@ -88,9 +89,9 @@ int ZoFileNameImp::retake(std::wstring_view text) {
   std::wstring scratch;
   const NameParts name = zo::parseName(text, state_.options, false, scratch);
   if (name.isSplit) {
-    State state = stateOf(name, state_.options, state_.macroValue, state_);
-    if (name.kind == NameKind::Plain) state.delimiter = state_.delimiter;
-    state_ = std::move(state);
+    const wchar_t delimiter = state_.delimiter;
+    assign(name, state_.macroValue);
+    if (name.kind == NameKind::Plain) state_.delimiter = delimiter;
   }
   return name.result;
 }
@@ -111,43 +112,42 @@ int ZoFileNameImp::empty() noexcept {
 
 // Without the macro.
 std::wstring_view ZoFileNameImp::path() const noexcept {
-  const std::wstring_view whole = state_.fullName.view();
-  const size_t macro = state_.macro.isEmpty() ? 0 : size_t{state_.macro.length()} + 2;
-  return macro <= whole.size() ? whole.substr(macro) : std::wstring_view();
+  const std::wstring_view text = (state_.written.isEmpty() ? state_.whole : state_.written).view();
+  const size_t before = macro().empty() ? 0 : macro().size() + 2;
+  return before <= text.size() ? text.substr(before) : std::wstring_view();
 }
 
 NameParts ZoFileNameImp::parts() const noexcept {
   NameParts name;
-  const size_t drive = state_.drive.length();
-  const size_t directory = state_.directory.length();
+  const size_t driveSize = drive().size(), folderSize = directory().size();
+  const size_t nameSize = fileName().size();
   name.path = path();
   if (state_.hasDriveLetter) name.kind = NameKind::Drive;
   if (state_.isUNC) name.kind = NameKind::Network;
   if (state_.isCD) name.kind = NameKind::Disc;
   if (state_.isURL) name.kind = NameKind::Url;
-  const size_t named = drive + directory + state_.fileName.length() + state_.extension.length();
-  if (named != name.path.size()) {
+  if (driveSize + folderSize + nameSize + extension().size() != name.path.size()) {
     name.kind = NameKind::Mail;  // the one form that is not split
     return name;
   }
   name.prefixLength = state_.volumePrefixLength;
-  name.macro = state_.macro.view();
-  name.drive = name.path.substr(0, drive);
-  name.directory = name.path.substr(drive, directory);
-  name.fileName = name.path.substr(drive + directory, state_.fileName.length());
-  name.extension = name.path.substr(drive + directory + state_.fileName.length());
+  name.macro = macro();
+  name.drive = name.path.substr(0, driveSize);
+  name.directory = name.path.substr(driveSize, folderSize);
+  name.fileName = name.path.substr(driveSize + folderSize, nameSize);
+  name.extension = name.path.substr(driveSize + folderSize + nameSize);
   return name;
 }
 
 const wchar_t* ZoFileNameImp::fileNameExt() const noexcept {
   // Both stand at the end of the whole name, which ends with a zero.
-  return fullName().end() - state_.fileName.length() - state_.extension.length();
+  return fullName().end() - fileName().size() - extension().size();
 }
 
 // ---- Questions ----
 
 bool ZoFileNameImp::isRelativ() const noexcept {
-  return state_.drive.isEmpty() && state_.macro.isEmpty() && !isURL() && !isUNC() && !isCD();
+  return drive().empty() && macro().empty() && !isURL() && !isUNC() && !isCD();
 }
 
 bool ZoFileNameImp::isValid(const wchar_t* text) const {
@@ -230,13 +230,12 @@ std::span<const wchar_t* const> zo::kindExtensions(ZoFileName::FileKind kind) no
 bool ZoFileNameImp::isGplOfFolder(bool sameName) const noexcept {
   size_t at = 0;
   const std::wstring_view level = zo::nextLevel(zo::levelStretch(parts()), at);
-  return !level.empty() && zo::equalNames(level, state_.fileName.view()) == sameName;
+  return !level.empty() && zo::equalNames(level, fileName()) == sameName;
 }
 
 bool ZoFileNameImp::isKindOf(ZoFileName::FileKind kind) const noexcept {
   if (kind >= ZoFileName::kAnyFile) return kind == ZoFileName::kAnyFile;
-  const std::wstring_view extension = state_.extension.view();
-  const auto isExtension = [extension](const wchar_t* of) { return zo::equalNames(extension, of); };
+  const auto isExtension = [this](const wchar_t* of) { return zo::equalNames(extension(), of); };
   if (std::ranges::none_of(zo::kindExtensions(kind), isExtension)) return false;
   if (kind == ZoFileName::kGplOfFolder) return isGplOfFolder(true);
   return kind != ZoFileName::kGplNotOfFolder || isGplOfFolder(false);

@@ -8,14 +8,15 @@
 #include <string_view>
 
 #include "names/name_parser.h"
+#include "names/name_texts.h"
 
 class ZoFileNameImp {
  public:
   ZoFileNameImp() noexcept = default;
   // Parsed with all options false.
-  explicit ZoFileNameImp(std::wstring_view text) : state_(parsed(text)) {}
+  explicit ZoFileNameImp(std::wstring_view text) { static_cast<void>(parse(text, {}, false)); }
   // The same name for a holder of its own.
-  ZoFileNameImp(const ZoFileNameImp& other) noexcept : state_(other.state_) {}
+  ZoFileNameImp(const ZoFileNameImp& other) : state_(other.state_) {}
   ZoFileNameImp& operator=(const ZoFileNameImp&) = delete;
 
   // The name of all empty and moved-from handles: counts no holders, is never changed or freed.
@@ -58,14 +59,21 @@ class ZoFileNameImp {
   void unshareTexts();
 
   // ---- Asking ----
-  [[nodiscard]] const ZoString& fullName() const noexcept { return state_.expandedName; }
-  [[nodiscard]] const ZoString& drive() const noexcept { return state_.drive; }
-  [[nodiscard]] const ZoString& directory() const noexcept { return state_.directory; }
-  [[nodiscard]] const ZoString& fileName() const noexcept { return state_.fileName; }
-  [[nodiscard]] const ZoString& extension() const noexcept { return state_.extension; }
+  [[nodiscard]] const ZoString& fullName() const noexcept { return state_.whole; }
+  // All end with a zero.
+  [[nodiscard]] std::wstring_view drive() const noexcept { return state_.parts[Texts::kDrive]; }
+  [[nodiscard]] std::wstring_view directory() const noexcept {
+    return state_.parts[Texts::kDirectory];
+  }
+  [[nodiscard]] std::wstring_view fileName() const noexcept {
+    return state_.parts[Texts::kFileName];
+  }
+  [[nodiscard]] std::wstring_view extension() const noexcept {
+    return state_.parts[Texts::kExtension];
+  }
+  [[nodiscard]] std::wstring_view macro() const noexcept { return state_.parts[Texts::kMacro]; }
+  [[nodiscard]] std::wstring_view volume() const noexcept { return state_.parts[Texts::kVolume]; }
   [[nodiscard]] const wchar_t* fileNameExt() const noexcept;
-  [[nodiscard]] const ZoString& macro() const noexcept { return state_.macro; }
-  [[nodiscard]] const ZoString& volume() const noexcept { return state_.volume; }
   [[nodiscard]] unsigned int volumePrefixLength() const noexcept {
     return state_.volumePrefixLength;
   }
@@ -88,15 +96,11 @@ class ZoFileNameImp {
   [[nodiscard]] zo::NameParts parts() const noexcept;
 
  private:
+  using Texts = zo::NameTexts;
   struct State {
-    ZoString fullName;      // as set, composed from macro and parts
-    ZoString expandedName;  // the same with the macro's value in its place, where it is known
-    ZoString drive;
-    ZoString directory;
-    ZoString fileName;
-    ZoString extension;
-    ZoString macro;
-    ZoString volume;
+    ZoString whole;    // with the macro's value in its place, where it is known
+    ZoString written;  // composed from macro and parts, where that is another text; else empty
+    Texts parts;
     wchar_t delimiter = L'\\';
     bool isURL = false;
     bool isUNC = false;
@@ -110,13 +114,14 @@ class ZoFileNameImp {
     size_t nextLevel = 0;
   };
   struct Pieces;
-  [[nodiscard]] static State parsed(std::wstring_view text);
   static constexpr unsigned int kNotCounted = 0;
 
   explicit ZoFileNameImp(unsigned int holders) noexcept : holders_(holders) {}
 
-  [[nodiscard]] static State stateOf(const zo::NameParts& name, const zo::NameOptions& options,
-                                     const ZoString& macroValue, const State& before);
+  // All of them anew but the options; all or nothing, should memory end. The texts are not this
+  // name's own.
+  void assign(const zo::NameParts& name, const ZoString& macroValue);
+  [[nodiscard]] bool isOwnText(std::wstring_view text) const noexcept;
   [[nodiscard]] std::wstring_view path() const noexcept;
   [[nodiscard]] Pieces pieces() const;
   int recompose(const Pieces& pieces);
