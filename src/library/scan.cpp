@@ -102,7 +102,7 @@ ScanEnd readEntry(ReadWindow& window, std::uint64_t position, RawEntry& entry) {
     return ScanEnd::kNoEntry;
   at = window.at(position, kRecordSize + nameLength);
   if (!at) return ScanEnd::kUnreadable;
-  entry.name.assign(at + kRecordSize, at + kRecordSize + nameLength);
+  entry.name.assign(reinterpret_cast<const char*>(at) + kRecordSize, nameLength);
   return ScanEnd::kFileEnd;
 }
 

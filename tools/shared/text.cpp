@@ -25,7 +25,8 @@ std::string toUtf8(std::wstring_view text) {
 
 void toUtf8(std::wstring_view text, std::string& utf8) {
   if (std::ranges::all_of(text, [](wchar_t c) { return c < 0x80; })) {
-    utf8.assign(text.begin(), text.end());
+    utf8.resize(text.size());
+    std::ranges::transform(text, utf8.begin(), [](wchar_t c) { return static_cast<char>(c); });
     return;
   }
   const int length = static_cast<int>(text.size());
