@@ -11,6 +11,7 @@
 #include <benchmark/benchmark.h>
 #include <psapi.h>
 #include <zo/compress.h>
+#include <zo/library/check_value.h>
 extern "C" {
 #include <blast.h>
 }
@@ -266,8 +267,21 @@ void compareAllCodes() {
   }
 }
 
+void registerCheckValue(const char* size, std::size_t bytes) {
+  const ByteVector content = makeText(bytes);
+  require(zoCheckValue(content.data(), bytes) == CrcCalc(content.data(), bytes),
+          "the check values differ");
+  const std::string work = std::string("checkValue/") + size;
+  name(work + "/ours",
+       [content] { benchmark::DoNotOptimize(zoCheckValue(content.data(), content.size())); });
+  name(work + "/peer:LZMA SDK",
+       [content] { benchmark::DoNotOptimize(CrcCalc(content.data(), content.size())); });
+}
+
 const bool registered = [] {
   CrcGenerateTable();
+  registerCheckValue("100B", 100);
+  registerCheckValue("64KB", 64 << 10);
   compareAllCodes();
   for (const Content& content : contents()) {
     for (int level : {0, 5, 9}) registerCompress(content, level);
