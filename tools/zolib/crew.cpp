@@ -1,7 +1,7 @@
 #include "crew.h"
 
-#include <chrono>
-#include <condition_variable>
+#include <windows.h>
+
 #include <deque>
 #include <exception>
 #include <mutex>
@@ -10,6 +10,31 @@
 
 namespace zolib {
 namespace {
+
+// The platform's own lock and condition. Those of the C++ library may ask the system at each turn,
+// and there are thousands of turns.
+class Lock {
+ public:
+  void lock() noexcept { AcquireSRWLockExclusive(&lock_); }
+  void unlock() noexcept { ReleaseSRWLockExclusive(&lock_); }
+
+ private:
+  friend class Condition;
+  SRWLOCK lock_ = SRWLOCK_INIT;
+};
+
+class Condition {
+ public:
+  // Until it is told, or for so many milliseconds, or without a reason.
+  void wait(std::unique_lock<Lock>& lock, DWORD most = INFINITE) noexcept {
+    static_cast<void>(SleepConditionVariableSRW(&told_, &lock.mutex()->lock_, most, 0));
+  }
+  void tellOne() noexcept { WakeConditionVariable(&told_); }
+  void tellAll() noexcept { WakeAllConditionVariable(&told_); }
+
+ private:
+  CONDITION_VARIABLE told_ = CONDITION_VARIABLE_INIT;
+};
 
 class Team {
  public:
@@ -22,28 +47,28 @@ class Team {
   Team& operator=(const Team&) = delete;
   ~Team() {
     {
-      const std::lock_guard lock(mutex_);
+      const std::lock_guard lock(lock_);
       ends_ = true;
     }
-    forWorkers_.notify_all();
+    moreToDo_.tellAll();
     for (std::thread& thread : threads_) thread.join();
   }
 
   // In order; waits until there is memory for it.
   void hand(std::size_t i, std::uint64_t memory) {
-    std::unique_lock lock(mutex_);
-    wait(lock, [&] { return used_ == 0 || used_ + memory <= memory_; });
+    std::unique_lock lock(lock_);
+    wait(lock, lessUsed_, [&] { return used_ == 0 || used_ + memory <= memory_; });
     used_ += memory;
     jobs_.push_back({i, memory});
     ++handed_;
     queue_.push_back(&jobs_.back());
-    forWorkers_.notify_one();
+    moreToDo_.tellOne();
   }
 
   // The one that was handed out first and not yet given back; waits for it.
   std::size_t next() {
-    std::unique_lock lock(mutex_);
-    wait(lock, [&] { return jobs_.front().isDone; });
+    std::unique_lock lock(lock_);
+    wait(lock, firstIsDone_, [&] { return jobs_.front().isDone; });
     const Job job = std::move(jobs_.front());
     jobs_.pop_front();
     --handed_;
@@ -61,19 +86,27 @@ class Team {
     std::exception_ptr failure = {};
   };
 
-  template <class Condition>
-  void wait(std::unique_lock<std::mutex>& lock, const Condition& holds) {
-    while (!forCaller_.wait_for(lock, std::chrono::milliseconds(200), holds)) {
+  // Of the caller.
+  template <class Holds>
+  void wait(std::unique_lock<Lock>& lock, Condition& condition, const Holds& holds) {
+    constexpr DWORD kIdle = 200;
+    for (DWORD begin = GetTickCount(); !holds();) {
+      const DWORD waited = GetTickCount() - begin;
+      if (waited < kIdle) {
+        condition.wait(lock, kIdle - waited);
+        continue;
+      }
       lock.unlock();
       idle_();
       lock.lock();
+      begin = GetTickCount();
     }
   }
 
   void serve(unsigned int worker) {
-    std::unique_lock lock(mutex_);
+    std::unique_lock lock(lock_);
     for (;;) {
-      forWorkers_.wait(lock, [&] { return ends_ || !queue_.empty(); });
+      while (!ends_ && queue_.empty()) moreToDo_.wait(lock);
       if (ends_) return;
       Job& job = *queue_.front();
       queue_.pop_front();
@@ -86,18 +119,20 @@ class Team {
       lock.lock();
       used_ -= job.memory;
       job.isDone = true;
-      forCaller_.notify_all();
+      lessUsed_.tellOne();
+      if (jobs_.front().isDone) firstIsDone_.tellOne();
     }
   }
 
   std::uint64_t memory_, used_ = 0;
   const Work& work_;
   const std::function<void()>& idle_;
-  std::mutex mutex_;
-  std::condition_variable forWorkers_, forCaller_;
-  std::deque<Job> jobs_;    // in order; a reference to one stays valid
-  std::deque<Job*> queue_;  // of these, what nobody works on yet
-  std::size_t handed_ = 0;  // the caller's own count of jobs_
+  Lock lock_;
+  Condition moreToDo_;                // the workers wait for it
+  Condition lessUsed_, firstIsDone_;  // the caller does
+  std::deque<Job> jobs_;              // in order; a reference to one stays valid
+  std::deque<Job*> queue_;            // of these, what nobody works on yet
+  std::size_t handed_ = 0;            // the caller's own count of jobs_
   bool ends_ = false;
   std::vector<std::thread> threads_;
 };

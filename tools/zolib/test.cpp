@@ -23,16 +23,25 @@ struct Run {
   }
 };
 
-// Tiny ones together, that nobody waits longer for his turn than for the work; large ones alone.
-std::vector<Run> runsOf(std::span<const ZoLibEntry> entries) {
+std::uint64_t bytesOf(const ZoLibEntry& entry) noexcept {
+  return std::max(entry.size, entry.storedSize);
+}
+
+// Neighbours together, that nobody waits longer for his turn than for the work; the fewer, the
+// less is left, that all threads end at the same time.
+std::vector<Run> runsOf(std::span<const ZoLibEntry> entries, unsigned int threads) {
   constexpr std::size_t kMost = 256;
-  constexpr std::uint64_t kBytes = 256 << 10;  // as they are and as they lie in the library
+  constexpr std::uint64_t kLeast = 64 << 10, kLargest = 1 << 20;  // bytes
+  std::uint64_t left = 0;
+  for (const ZoLibEntry& entry : entries) left += bytesOf(entry);
   std::vector<Run> runs;
   while (!entries.empty()) {
+    const std::uint64_t share = std::clamp(left / (8 * threads), kLeast, kLargest);
     std::size_t count = 0;
     for (std::uint64_t bytes = 0; count < std::min(entries.size(), kMost); ++count) {
-      bytes += std::max(entries[count].size, entries[count].storedSize);
-      if (count > 0 && bytes > kBytes) break;
+      bytes += bytesOf(entries[count]);
+      if (count > 0 && bytes > share) break;
+      left -= bytesOf(entries[count]);
     }
     runs.push_back({entries.first(count), {}});
     entries = entries.subspan(count);
@@ -47,7 +56,7 @@ class Tester {
 
   // False when it was cancelled.
   bool testAll(const std::vector<ZoLibEntry>& entries) {
-    std::vector<Run> runs = runsOf(entries);
+    std::vector<Run> runs = runsOf(entries, session_.crew().threads);
     const auto memoryFor = [&](std::size_t i) {
       std::uint64_t memory = 0;
       for (const ZoLibEntry& entry : runs[i].entries)
