@@ -118,7 +118,8 @@ def versions():
     assert run("cat", "v.lib", "v~1.txt", "v~2.txt", "v.txt") == b"firstsecondthird"
     run("recover", "v.lib", "v.txt", code=2, err="zolib: cannot recover v.txt: a member has that name; .*")
     run("delete", "v.lib", "v~1.txt", "-q")
-    run("recover", "v.lib", "v*.txt", "--all", "--dry-run", out="(would be recovered  v.*\n){3}")
+    run("recover", "v.lib", "v*.txt", "--all", "--dry-run",
+        out="would be recovered  v.txt -> v~3.txt\nwould be recovered  v.txt -> v~4.txt\nwould be recovered  v~1.txt\n")
     back = {m["name"]: m.get("to") for m in answer("recover", "v.lib", "v~1.txt", "v.txt", "--all")["members"]}
     assert back["v~1.txt"] is None and back["v.txt"] == "v~4.txt", back  # beside the member of the name
     for content in (b"first", b"second"):  # of a name that is deleted already no trace stays, either
@@ -253,12 +254,14 @@ def folders():
         "kept/", "other/", "parts/", "parts/bolts/", "parts/bolts/steel/"]
     packed = [f["packed"] for f in answer("list", "a.lib", "--folders", "--sort", "packed")["folders"]]
     assert packed == sorted(packed)
+    run("list", "a.lib", "--folders", "--sort", "time", code=7, err="zolib: folders have no time .*")
     sizes = [int(line.split()[0]) for line in run("list", "a.lib", "--sort", "size").decode().splitlines()[1:-1]]
     assert sizes == sorted(sizes)
     run("delete", "a.lib", "--files-from", "-", stdin="parts/Größe 1.txt\0kept/x.txt\0".encode(), err=".*2 members deleted\n")
     assert members("a.lib", "*.{dwg,bak}") == ["parts/bolts/m8.dwg", "parts/bolts/steel/m10.dwg"]
     assert members("a.lib", "m[0-9].dwg") == ["parts/bolts/m8.dwg"]
-    run("rename", "a.lib", "parts/bolts", "other", "--dry-run", out="would be renamed.*\nwould be renamed.*")
+    run("rename", "a.lib", "parts/bolts", "other", "--dry-run", err="in all: 2 renamed; .*\n",
+        out="would be renamed  parts/bolts/m8.dwg -> other/m8.dwg\nwould be renamed  .* -> other/steel/m10.dwg\n")
     run("add", "a.lib", "other/x.txt", "-q")
     run("rename", "a.lib", "parts/bolts/m8.dwg", "other/steel/m10.dwg", "-q")
     run("rename", "a.lib", "parts/bolts", "other", code=2, err="zolib: cannot rename .*: a member has that name; .*0 members.*")
@@ -408,7 +411,8 @@ def hostile():
         out = run("extract", "clash.lib", "-o", f"out{threads}", "--threads", threads, code=2,
                   err="zolib: cannot extract ~/x to .*cannot be both\nzolib: cannot extract B to .*: 22 members extracted\n")
         assert pathlib.Path(f"out{threads}/~").read_bytes() == b"file" and pathlib.Path(f"out{threads}/b/c").exists()
-    run("extract", "clash.lib", "-o", "dry", "--dry-run", code=2, err="(zolib: cannot extract .*cannot be both\n){2}", out=".*")
+    run("extract", "clash.lib", "-o", "dry", "--dry-run", code=2, out=".*",
+        err="(zolib: cannot extract .*cannot be both\n){2}in all: 22 extracted; .*\n")
     for m in answer("list", "h.lib")["members"]:  # each can be read, and comes out under a name that is none of these
         run("cat", "h.lib", f"@{m['entry']}", out="content")
     for number in range(len(bad) + len(good), 0, -1):
@@ -522,7 +526,8 @@ def overwrite():
 def dry_run():
     """Says what would be done, and does nothing."""
     tree()
-    run("create", "a.lib", "parts", "--dry-run", out="(would be added  parts/.*\n){5}", err="")
+    run("create", "a.lib", "parts", "--dry-run", out="(would be added  parts/.*\n){5}",
+        err="in all: 5 added; as a dry run it changed nothing\n")
     assert not os.path.exists("a.lib")
     run("create", "a.lib", "parts", "-q")
     run("delete", "a.lib", "*.bak", "-q")
@@ -532,10 +537,10 @@ def dry_run():
                        (["extract", "a.lib", "parts/bolts/m8.dwg", "-o", "out"], "extracted  parts/bolts/m8.dwg"),
                        (["delete", "a.lib", "parts/empty.txt"], "deleted  parts/empty.txt"),
                        (["recover", "a.lib", "parts"], "recovered  parts/old.bak"),
-                       (["rename", "a.lib", "parts/empty.txt", "x"], "renamed  parts/empty.txt"),
+                       (["rename", "a.lib", "parts/empty.txt", "x"], "renamed  parts/empty.txt -> x"),
                        (["reorganize", "a.lib"], "removed  parts/old.bak")):
-        run(*args, "--dry-run", out=f"would be {line}\n", err="")
-    run("salvage", "a.lib", "b.lib", "--dry-run", out="(would be salvaged  .*\n){5}", err="")
+        run(*args, "--dry-run", out=f"would be {line}\n", err=f"in all: 1 {line.split()[0]}; .*\n")
+    run("salvage", "a.lib", "b.lib", "--dry-run", "-q", out="(would be salvaged  .*\n){5}", err="")
     run("rename", "a.lib", "parts/empty.txt", "parts/bolts/m8.dwg", "--dry-run", code=2)
     assert (files(), pathlib.Path("a.lib").read_bytes()) == before
 

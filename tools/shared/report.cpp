@@ -87,18 +87,22 @@ std::string Report::wordOf(std::string_view action) {
   return std::string(action);
 }
 
-Json& Report::member(std::wstring_view name, std::string_view action) {
+Json& Report::member(std::wstring_view name, std::string_view action, std::wstring_view to) {
   const auto counted = counts_.find(action);
   ++(counted == counts_.end() ? counts_[std::string(action)] : counted->second);
-  const bool isSaid = options_.json || options_.dryRun || options_.verbose;
-  const std::string text = isSaid ? toUtf8(name) : std::string();
-  if (options_.json) return members_.emplace_back(Json{{"name", text}, {"action", action}});
-  if (options_.dryRun) {
+  if (options_.json) {
+    Json& json = members_.emplace_back(Json{{"name", toUtf8(name)}, {"action", action}});
+    if (!to.empty()) json["to"] = toUtf8(to);
+    return json;
+  }
+  if (options_.dryRun || options_.verbose) {
+    const std::string names = toUtf8(name) + (to.empty() ? "" : " -> " + toUtf8(to));
     const bool stays = action == "kept" || action == "refused";
     const std::string word = wordOf(action);
-    console_.line((stays ? word : say({51, "would be %1"}, word)) + "  " + text);
-  } else if (options_.verbose) {
-    console_.err(wordOf(action) + "  " + text);
+    if (options_.dryRun)
+      console_.line((stays ? word : say({51, "would be %1"}, word)) + "  " + names);
+    else
+      console_.err(word + "  " + names);
   }
   if (!unused_.is_object() || !unused_.empty()) unused_ = Json::object();
   return unused_;
@@ -109,7 +113,17 @@ std::size_t Report::count(std::string_view action) const {
   return found == counts_.end() ? 0 : found->second;
 }
 
+void Report::sumUpDryRun() {
+  std::string all;
+  for (const auto& row : kActions) {
+    const std::size_t number = count(row.action);
+    if (number) all += (all.empty() ? "" : ", ") + std::to_string(number) + " " + say(row.text);
+  }
+  if (!all.empty()) note({58, "in all: %1; as a dry run it changed nothing"}, all);
+}
+
 ExitCode Report::finish() {
+  if (options_.dryRun && !options_.json) sumUpDryRun();
   if (options_.json) {
     if (!members_.empty() && !json_.contains("members")) json_["members"] = std::move(members_);
     json_["exit"] = static_cast<int>(code_);

@@ -57,9 +57,10 @@ class Report {
   }
   // Ends with this code at least; what there is to say is said elsewhere.
   void raise(ExitCode code) noexcept { code_ = graver(code_, code); }
-  // What became of a member: "added", "extracted", as kActions has it. A line with --verbose, and
-  // with --dry-run, where it reads "would be added". Gives its JSON object to add to.
-  Json& member(std::wstring_view name, std::string_view action);
+  // What became of a member: "added", "extracted", as kActions has it; `to` is the name that it has
+  // then, where that is another one. A line with --verbose, and with --dry-run, where it reads
+  // "would be added". Gives its JSON object to add to.
+  Json& member(std::wstring_view name, std::string_view action, std::wstring_view to = {});
   // How many members that was said of.
   [[nodiscard]] std::size_t count(std::string_view action) const;
   // The run was cancelled; said once.
@@ -86,6 +87,8 @@ class Report {
   static constexpr std::uint64_t kLong = 1'000'000;
 
   void message(std::string_view level, std::string_view text);
+  // What a dry run would have done, in numbers.
+  void sumUpDryRun();
 
   const TalkOptions& options_;
   Console& console_;

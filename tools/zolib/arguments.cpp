@@ -189,6 +189,8 @@ std::string complaint(const Verb& verb, const Options& options) {
     return say({561, "%1 takes two names, the old and the new"}, verb.name);
   if ((verb.takes & kNeedsName) && options.names.empty() && !options.filesFrom)
     return say({520, "name what to %1"}, verb.name);
+  if (options.folders && options.sort == Sort::kTime)
+    return say({541, "folders have no time to sort by"});
   if (!(verb.takes & kFiles)) return {};
   const auto inputs = std::count(options.names.begin(), options.names.end(), L"-");
   const bool listFromInput = options.filesFrom && *options.filesFrom == L"-";

@@ -175,9 +175,8 @@ void recover(const Options& options, Report& report) {
       reportFailure(session, {302, "cannot recover %1"}, entries, refused, code);
     } else if (fits) {
       for (const ZoLibRename& member : members) {
-        Json& json = report.member(member.member.view(), "recovered");
-        if (member.newName.view() != member.member.view())
-          json["to"] = toUtf8(member.newName.view());
+        const bool isSame = member.newName.view() == member.member.view();
+        report.member(member.member.view(), "recovered", isSame ? L"" : member.newName.view());
       }
     }
   }
@@ -288,8 +287,7 @@ void rename(const Options& options, Report& report) {
       session.reportFailure(say({306, "cannot rename %1 to %2"}, one.entry.name.view(), one.to),
                             code, say({307, "is the new name one for a member?"}));
     } else {
-      for (const Renaming& one : renamings)
-        report.member(one.entry.name.view(), "renamed")["to"] = toUtf8(one.to);
+      for (const Renaming& one : renamings) report.member(one.entry.name.view(), "renamed", one.to);
     }
   }
   sumUp(options, report, session, "renamed", {304, "%1: %{?2 1 member|%2 members} renamed"});
