@@ -176,7 +176,10 @@ std::wstring mutated(std::mt19937& random) {
 TEST(FileNameParse, MutatedNamesFollowTheRules) {
   std::mt19937 random(20240612);
   ZoString a, b, c, d;
-  ZoFileName reused, kept;  // one object for all, whose parts the next name may take over
+  ZoFileName reused, kept;  // one object for all, whose memory the next name may take over
+  constexpr const wchar_t* (ZoFileName::* kTexts[])()
+      const noexcept = {&ZoFileName::directory, &ZoFileName::fileName, &ZoFileName::fileNameExt,
+                        &ZoFileName::extension, &ZoFileName::volume,   &ZoFileName::fullName};
   for (int i = 0; i < kMutations; ++i) {
     const std::wstring text = mutated(random);
     expectLikeModel(text, i % 2 == 0, i % 3 == 0);
@@ -186,6 +189,10 @@ TEST(FileNameParse, MutatedNamesFollowTheRules) {
     reused = text;
     expectParts(reused, modelParse(text));
     EXPECT_STREQ(kept.fullName(), keptText.data());
+    const auto part = kTexts[static_cast<size_t>(i) % std::size(kTexts)];
+    const std::wstring own = (reused.*part)();
+    reused = (reused.*part)();
+    expectParts(reused, modelParse(own));
     int protocol = 7;
     EXPECT_EQ(name.parseURL(protocol, a, b, c, d), name.isURL() ? 0 : 1);
     EXPECT_EQ(name.parseUNC(a, b), name.isUNC() ? 0 : 1);
