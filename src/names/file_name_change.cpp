@@ -147,9 +147,9 @@ int ZoFileNameImp::setDelimiter(wchar_t delimiter) noexcept {
 template <class Change>
 int ZoFileNameImp::changeCase(Change change) {
   State state = state_;
-  ZoString parts(state.parts.units());
+  ZoString parts(state.parts.all());
   for (ZoString* text : {&state.whole, &state.written, &parts, &state.macroValue}) change(*text);
-  std::ranges::copy(parts.view(), state.parts.units().begin());
+  state.parts = state.parts.withAll(parts.view());
   state_ = std::move(state);
   return ZoResult::ok;
 }

@@ -28,6 +28,7 @@ void ZoFileNameImp::unshareTexts() {
   for (ZoString* text : {&s.whole, &s.written, &s.localAlias, &s.macroValue, &s.level}) {
     *text = text->copy();
   }
+  s.parts = s.parts.withAll(s.parts.all());
 }
 
 // ---- Parsing ----
@@ -36,18 +37,21 @@ bool ZoFileNameImp::isOwnText(std::wstring_view text) const noexcept {
   const auto isWithin = [begin = text.data()](std::wstring_view own) {
     return !std::less<>()(begin, own.data()) && std::less<>()(begin, own.data() + own.size());
   };
-  return isWithin(state_.whole.view()) || isWithin(state_.parts.units());
+  return isWithin(state_.whole.view()) || isWithin(state_.parts.all());
 }
 
-// Whole name and parts are written into the memory of the name before: who goes through many names
-// in one object asks for none.
-void ZoFileNameImp::assign(const NameParts& name, const ZoString& macroValue) {
+// Whole name and parts are written into the memory of the name before, where nobody shares it: who
+// goes through many names in one object asks for none.
+void ZoFileNameImp::assign(NameParts name, const ZoString& macroValue) {
+  // No string is longer; the result has said already that the name is too long.
+  if (name.path.size() + name.macro.size() > ZoString::maxLength() / 4) name = {};
   const std::wstring_view volume =
       name.kind == NameKind::Url || name.kind == NameKind::Disc ? name.root() : name.drive;
   const Texts::Views texts = {name.drive,     name.directory, name.fileName,
                               name.extension, name.macro,     volume};
+  const bool isTaken = state_.parts.canTake(texts);
+  Texts parts = isTaken ? Texts() : Texts(texts);
   ZoString written, value;
-  state_.parts.reserve(texts);
   if (name.path.empty()) {
     state_.whole = ZoString();
   } else if (name.macro.empty()) {
@@ -62,7 +66,10 @@ void ZoFileNameImp::assign(const NameParts& name, const ZoString& macroValue) {
     }
     state_.whole = std::move(whole);
   }
-  state_.parts.assign(texts);
+  if (isTaken)
+    state_.parts.take(texts);
+  else
+    state_.parts = std::move(parts);
   state_.written = std::move(written);
   state_.macroValue = std::move(value);
   state_.localAlias = ZoString();

@@ -16,7 +16,7 @@ class ZoFileNameImp {
   // Parsed with all options false.
   explicit ZoFileNameImp(std::wstring_view text) { static_cast<void>(parse(text, {}, false)); }
   // The same name for a holder of its own.
-  ZoFileNameImp(const ZoFileNameImp& other) : state_(other.state_) {}
+  ZoFileNameImp(const ZoFileNameImp& other) noexcept : state_(other.state_) {}
   ZoFileNameImp& operator=(const ZoFileNameImp&) = delete;
 
   // The name of all empty and moved-from handles: counts no holders, is never changed or freed.
@@ -120,7 +120,7 @@ class ZoFileNameImp {
 
   // All of them anew but the options; all or nothing, should memory end. The texts are not this
   // name's own.
-  void assign(const zo::NameParts& name, const ZoString& macroValue);
+  void assign(zo::NameParts name, const ZoString& macroValue);
   [[nodiscard]] bool isOwnText(std::wstring_view text) const noexcept;
   [[nodiscard]] std::wstring_view path() const noexcept;
   [[nodiscard]] Pieces pieces() const;

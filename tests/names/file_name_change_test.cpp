@@ -67,6 +67,20 @@ TEST(FileNameEdit, APartIsReplacedAndTheWholeSplitAnew) {
   EXPECT_STREQ(self.fullName(), L"\\a\\c.c");
 }
 
+// A copy that is walked through is not changed: its texts stay, whatever becomes of the other one.
+TEST(FileNameEdit, AWalkLeavesTheTextsWhereTheyAre) {
+  ZoFileName other(L"$M'\\first\\second\\file.ext");
+  ZoFileName walked(other);
+  const wchar_t* const texts[] = {walked.macro(),     walked.directory(), walked.fileName(),
+                                  walked.extension(), walked.fullName(),  walked.fileNameExt()};
+  EXPECT_STREQ(walked.nextDirPart(), L"first");
+  EXPECT_EQ(other.setFullName(L"D:\\another name\\that is longer\\0123456789\\0123456789.x"), 0);
+  const wchar_t* const kept[] = {
+      L"M", L"\\first\\second\\", L"file", L".ext", L"$M'\\first\\second\\file.ext", L"file.ext"};
+  for (size_t i = 0; i < std::size(texts); ++i) EXPECT_STREQ(texts[i], kept[i]);
+  EXPECT_EQ(walked.directory(), texts[1]);
+}
+
 TEST(FileNameEdit, DirectoryLevelsAreWalkedAndRemoved) {
   struct Case {
     const wchar_t* text;
