@@ -36,7 +36,7 @@ std::vector<Run> runsOf(std::span<const ZoLibEntry> entries, unsigned int thread
   for (const ZoLibEntry& entry : entries) left += bytesOf(entry);
   std::vector<Run> runs;
   while (!entries.empty()) {
-    const std::uint64_t share = std::clamp(left / (8 * threads), kLeast, kLargest);
+    const std::uint64_t share = std::clamp(left / threads / 8, kLeast, kLargest);
     std::size_t count = 0;
     for (std::uint64_t bytes = 0; count < std::min(entries.size(), kMost); ++count) {
       bytes += bytesOf(entries[count]);
