@@ -43,7 +43,7 @@ bool ZoFileNameImp::isOwnText(std::wstring_view text) const noexcept {
 // Whole name and parts are written into the memory of the name before, where nobody shares it: who
 // goes through many names in one object asks for none.
 void ZoFileNameImp::assign(NameParts name, const ZoString& macroValue) {
-  // No string is longer; the result has said already that the name is too long.
+  // Nothing is kept of what is longer than texts may be.
   if (name.path.size() + name.macro.size() > ZoString::maxLength() / 4) name = {};
   const std::wstring_view volume =
       name.kind == NameKind::Url || name.kind == NameKind::Disc ? name.root() : name.drive;

@@ -177,9 +177,10 @@ TEST(FileNameParse, MutatedNamesFollowTheRules) {
   std::mt19937 random(20240612);
   ZoString a, b, c, d;
   ZoFileName reused, kept;  // one object for all, whose memory the next name may take over
-  constexpr const wchar_t* (ZoFileName::* kTexts[])()
-      const noexcept = {&ZoFileName::directory, &ZoFileName::fileName, &ZoFileName::fileNameExt,
-                        &ZoFileName::extension, &ZoFileName::volume,   &ZoFileName::fullName};
+  using Text = const wchar_t* (ZoFileName::*)() const noexcept;
+  constexpr Text kTexts[] = {&ZoFileName::directory,   &ZoFileName::fileName,
+                             &ZoFileName::fileNameExt, &ZoFileName::extension,
+                             &ZoFileName::volume,      &ZoFileName::fullName};
   for (int i = 0; i < kMutations; ++i) {
     const std::wstring text = mutated(random);
     expectLikeModel(text, i % 2 == 0, i % 3 == 0);

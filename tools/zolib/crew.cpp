@@ -11,8 +11,8 @@
 namespace zolib {
 namespace {
 
-// The platform's own lock and condition. Those of the C++ library may ask the system at each turn,
-// and there are thousands of turns.
+// The platform's own lock and condition: with those of the C++ library, a million tiny members took
+// an eighth longer to test.
 class Lock {
  public:
   void lock() noexcept { AcquireSRWLockExclusive(&lock_); }
